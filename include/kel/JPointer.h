@@ -1,0 +1,93 @@
+/// \file
+/// JPointer: intrusive counted pointer to a JObject.
+#pragma once
+
+#include <kel/JObject.h>
+
+/// Holds one reference to a T (a class derived from JObject), or null. Adopting a raw pointer takes
+/// over the reference that the caller had; copying and sharing add one; clearing, assigning and
+/// destroying release the old one.
+template <class T> class JPointer {
+public:
+    JPointer() noexcept : target_(nullptr) {}
+
+    /// Adopts target: the count is not raised. Null is allowed.
+    explicit JPointer(T* target) noexcept : target_(target) {}
+
+    /// Shares other's target.
+    JPointer(const JPointer& other) : target_(other.target_) { retain(target_); }
+
+    /// Takes over other's reference and leaves it null.
+    JPointer(JPointer&& other) noexcept : target_(other.target_) { other.target_ = nullptr; }
+
+    /// A pointer that shares target with a holder who keeps theirs: the count is raised.
+    static JPointer share(T* target) {
+        retain(target);
+        return JPointer(target);
+    }
+
+    virtual ~JPointer() { JPointer::clear(); }
+
+    /// Releases the target once, if there is one, and becomes null.
+    virtual void clear() {
+        T* old = target_;
+        target_ = nullptr;
+        drop(old);
+    }
+
+    /// Hands the target and its reference to the caller and becomes null.
+    virtual T* detach() {
+        T* old = target_;
+        target_ = nullptr;
+        return old;
+    }
+
+    /// True when there is no target: the answer of the const form.
+    virtual bool isNull() { return static_cast<const JPointer*>(this)->isNull(); }
+
+    /// True when there is no target.
+    virtual bool isNull() const { return target_ == nullptr; }
+
+    /// True when there is a target.
+    virtual bool isValid() const { return !isNull(); }
+
+    /// Shares other's target and releases the old one. The new reference is taken first, so a
+    /// target that the old one alone keeps alive survives.
+    virtual JPointer& operator=(const JPointer& other) {
+        if (target_ != other.target_) {
+            T* old = target_;
+            target_ = other.target_;
+            retain(target_);
+            drop(old);
+        }
+        return *this;
+    }
+
+    /// Adopts target and releases the old one. Never pass the pointer that is held already: it
+    /// would be released, and perhaps deleted, before it is stored again.
+    virtual JPointer& operator=(T* target) {
+        T* old = target_;
+        target_ = target;
+        drop(old);
+        return *this;
+    }
+
+    /// The target, borrowed: valid as long as somebody holds a reference.
+    virtual T* get() const { return target_; }
+    T* operator->() const { return target_; }
+    T& operator*() const { return *target_; }
+
+private:
+    static void retain(T* target) {
+        if (target != nullptr) {
+            static_cast<JObject*>(target)->addRef();
+        }
+    }
+    static void drop(T* target) {
+        if (target != nullptr) {
+            static_cast<JObject*>(target)->release();
+        }
+    }
+
+    T* target_;
+};

@@ -1,0 +1,40 @@
+/// \file
+/// KEL_Boolean: a truth value as a value.
+#pragma once
+
+#include <kel/KEL.h>
+
+class KEL_Boolean;
+
+/// Typed access to a Boolean. The setters from other types convert by the rules of that type's own
+/// conversions and return this value, so calls can be chained. Every setter marks the value changed
+/// and notifies its observers once.
+class KELInterface_Boolean_V1 {
+public:
+    /// The value.
+    virtual bool getValue() const = 0;
+    /// Replaces the value.
+    virtual void setValue(bool value) = 0;
+    /// The value itself. Returns this value, borrowed.
+    virtual KEL_Boolean* setBoolean(bool value) = 0;
+    /// True only for 1. Returns this value, borrowed.
+    virtual KEL_Boolean* setInt(int32_t value) = 0;
+    /// True only for 1.0. Returns this value, borrowed.
+    virtual KEL_Boolean* setDouble(double value) = 0;
+    /// True when text has any characters. Null is ignored. Returns this value, borrowed.
+    virtual KEL_Boolean* setString(const char* text) = 0;
+    /// True when its intValue is not 0. Returns this value, borrowed.
+    virtual KEL_Boolean* setguid(const JHashCode& value) = 0;
+
+protected:
+    ~KELInterface_Boolean_V1() = default;
+};
+
+/// A truth value. Kind 2.
+class KEL_Boolean : public virtual KEL, public virtual KELInterface_Boolean_V1 {
+protected:
+    ~KEL_Boolean() = default;
+};
+
+/// A new Boolean with the given value, count 1, owned by the caller; null when out of memory.
+KEL_API KEL_Boolean* KEL_CALL CreateKELBoolean(bool value);

@@ -1,0 +1,14 @@
+/// \file
+/// The factory of values by kind.
+#pragma once
+
+#include "values/KEL_Impl.h"
+
+namespace kel {
+
+/// A new empty value of the kind, owned by the caller, with the given identity or, for null, a
+/// fresh one.
+/// \throws KELNoSuchTypeException "createKel: Unknown type."
+KEL_Impl* createValue(int32_t kind, const JHashCode* identity);
+
+} // namespace kel

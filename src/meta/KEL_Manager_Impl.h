@@ -1,0 +1,43 @@
+/// \file
+/// KEL_Manager_Impl: a Manager value.
+#pragma once
+
+#include "values/KEL_Impl.h"
+
+#include <kel/KEL_Manager.h>
+
+/// Implements KEL_Manager over a vector of shared elements.
+class KEL_Manager_Impl final : public KEL_Impl, public KEL_Manager {
+public:
+    KEL_Manager_Impl() : elements_(new JVector<KEL_Impl>(10, 10)) {}
+
+    /// The same with a given identity.
+    explicit KEL_Manager_Impl(const JHashCode& identity)
+        : JObject(identity), elements_(new JVector<KEL_Impl>(10, 10)) {}
+
+    int32_t getType() const override { return KELKind_Manager; }
+
+    // KELInterface_Manager_V1
+    bool containsKel(JHashCode hashCode) const override { return indexOf(hashCode) != -1; }
+    void addKel(KEL* value) override;
+    KEL_Impl* getKel(JHashCode hashCode) const override;
+    KEL* getKel(JHashCode hashCode) override;
+    void removeKel(JHashCode hashCode) override;
+    void removeAllKels() override { elements_->removeAllElements(); }
+    int32_t size() const override { return elements_->size(); }
+    KEL* createKel(int32_t kind) override;
+    KEL* createKel(int32_t kind, JHashCode hashCode) override;
+
+    // KEL_Impl
+    bool isContainer() const override { return true; }
+    bool nextChild(kel::ChildCursor& cursor) const override;
+    KEL_Impl* copyWithoutChildren() const override;
+    bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void takeContents(const KEL_Impl& source) override;
+
+private:
+    /// The index of the element with this identity, or -1.
+    int32_t indexOf(const JHashCode& hashCode) const;
+
+    JPointer<JVector<KEL_Impl>> elements_;
+};

@@ -1,0 +1,57 @@
+#include "platform/File.h"
+
+#if defined(_WIN32)
+#include <string>
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#else
+#include <limits>
+#include <sys/types.h>
+#endif
+
+namespace kel::platform {
+
+#if defined(_WIN32)
+
+namespace {
+
+std::wstring widen(const char* text) {
+    const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text, -1, nullptr, 0);
+    if (length <= 0) {
+        return {};
+    }
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text, -1, wide.data(), length);
+    wide.resize(wide.size() - 1);
+    return wide;
+}
+
+} // namespace
+
+std::FILE* openFile(const char* name, const char* mode) {
+    const std::wstring wideName = name == nullptr ? std::wstring() : widen(name);
+    return wideName.empty() ? nullptr : _wfopen(wideName.c_str(), widen(mode).c_str());
+}
+
+int64_t tell(std::FILE* file) { return _ftelli64(file); }
+
+bool seek(std::FILE* file, int64_t position) { return _fseeki64(file, position, SEEK_SET) == 0; }
+
+#else
+
+std::FILE* openFile(const char* name, const char* mode) {
+    return name == nullptr ? nullptr : std::fopen(name, mode);
+}
+
+int64_t tell(std::FILE* file) { return ftello(file); }
+
+bool seek(std::FILE* file, int64_t position) {
+    if (position > std::numeric_limits<off_t>::max()) {
+        return false;
+    }
+    return fseeko(file, static_cast<off_t>(position), SEEK_SET) == 0;
+}
+
+#endif
+
+} // namespace kel::platform

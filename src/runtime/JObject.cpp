@@ -1,0 +1,18 @@
+#include <kel/JException.h>
+
+#include "platform/Guid.h"
+
+namespace {
+
+JHashCode drawIdentity() {
+    JHashCode identity;
+    if (!kel::platform::createGuid(identity)) {
+        // The exception is an object too, and drawing its identity would fail in the same way.
+        throw JException(JHashCode(), "Cannot create hash code.");
+    }
+    return identity;
+}
+
+} // namespace
+
+JObject::JObject() : refCount_(1), hashCode_(drawIdentity()) {}

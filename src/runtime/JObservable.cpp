@@ -1,0 +1,39 @@
+#include "runtime/JObservable.h"
+
+void JObservable::addObserver(JObserver* observer) {
+    if (observers_.isNull()) {
+        observers_ = new JVector<JObserver>(5, 5);
+    }
+    if (!observers_->contains(observer)) {
+        observers_->addElement(observer);
+    }
+}
+
+void JObservable::deleteObserver(JObserver* observer) {
+    if (observers_.isValid()) {
+        observers_->removeElement(observer);
+    }
+}
+
+int32_t JObservable::indexOfObserver(const JObserver* observer) const {
+    return observers_.isNull() ? 0 : observers_->indexOf(observer);
+}
+
+void JObservable::notifyObservers() {
+    if (observers_.isNull() || !changed_) {
+        return;
+    }
+    // A callback may drop the last reference to this object, or its whole list.
+    const JPointer<JObservable> self = JPointer<JObservable>::share(this);
+    for (int32_t i = 0; observers_.isValid() && i < observers_->size(); ++i) {
+        const JPointer<JObserver> observer(observers_->elementAt(i));
+        observer->update(this);
+    }
+    clearChanged();
+}
+
+void JObservable::deleteObservers() { observers_.clear(); }
+
+int32_t JObservable::countObservers() const {
+    return observers_.isNull() ? 0 : observers_->size();
+}

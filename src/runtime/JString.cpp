@@ -1,0 +1,123 @@
+#include <kel/JException.h>
+
+#include "platform/Memory.h"
+#include "runtime/MemoryPool.h"
+
+#include <cstring>
+#include <new>
+
+using kel::platform::allocate;
+using kel::platform::deallocate;
+
+namespace {
+
+char* allocateText(size_t length) {
+    // Appending fails with the constructor's message too: to the host it is the same failure.
+    auto* buffer = static_cast<char*>(allocate(length + 1));
+    if (buffer == nullptr) {
+        throw JOutOfMemoryException("Cannot allocate memory in JString constructor.");
+    }
+    return buffer;
+}
+
+char* copyText(const char* text, size_t length) {
+    char* buffer = allocateText(length);
+    std::memcpy(buffer, text, length);
+    buffer[length] = '\0';
+    return buffer;
+}
+
+size_t lengthOf(const char* text) { return text == nullptr ? 0 : std::strlen(text); }
+
+} // namespace
+
+JString::JString(const char* text)
+    : buffer_(text == nullptr ? nullptr : copyText(text, std::strlen(text))) {}
+
+JString::JString(const char* text, uint32_t offset, uint32_t count)
+    : buffer_(copyText(text + offset, count)) {}
+
+JString::JString(const MemoryPool& pool, uint32_t offset, uint32_t count)
+    : buffer_(allocateText(count)) {
+    try {
+        pool.read(offset, buffer_, count);
+    } catch (...) {
+        deallocate(buffer_);
+        throw;
+    }
+    buffer_[count] = '\0';
+}
+
+JString::~JString() {
+    deallocate(buffer_);
+    buffer_ = nullptr;
+}
+
+JString& JString::operator=(const char* text) {
+    if (text == nullptr) {
+        return *this;
+    }
+    // The copy comes first: text may be this string's own buffer.
+    const size_t size = std::strlen(text) + 1;
+    auto* buffer = static_cast<char*>(allocate(size));
+    if (buffer != nullptr) {
+        std::memcpy(buffer, text, size);
+    }
+    deallocate(buffer_);
+    buffer_ = buffer;
+    return *this;
+}
+
+bool JString::equals(const char* text) const {
+    if (text == nullptr || buffer_ == nullptr) {
+        return text == buffer_;
+    }
+    return std::strcmp(buffer_, text) == 0;
+}
+
+uint32_t JString::length() const { return static_cast<uint32_t>(lengthOf(buffer_)); }
+
+JString* JString::substring(uint32_t begin, uint32_t end) const {
+    if (buffer_ == nullptr) {
+        return new (std::nothrow) JString("");
+    }
+    return new (std::nothrow) JString(buffer_, begin, end - begin);
+}
+
+JString* JString::substring(uint32_t begin) const { return substring(begin, length()); }
+
+void JString::append(char character) {
+    const char text[2] = {character, '\0'};
+    const size_t length = lengthOf(buffer_);
+    char* buffer = allocateText(length + 1);
+    if (length > 0) {
+        std::memcpy(buffer, buffer_, length);
+    }
+    std::memcpy(buffer + length, text, sizeof text);
+    deallocate(buffer_);
+    buffer_ = buffer;
+}
+
+void JString::append(const char* text) {
+    const size_t length = lengthOf(buffer_);
+    const size_t added = lengthOf(text);
+    char* buffer = allocateText(length + added);
+    if (length > 0) {
+        std::memcpy(buffer, buffer_, length);
+    }
+    if (added > 0) {
+        std::memcpy(buffer + length, text, added);
+    }
+    buffer[length + added] = '\0';
+    deallocate(buffer_);
+    buffer_ = buffer;
+}
+
+void JString::append(const JString& other) { append(other.buffer_); }
+
+char JString::getChar(int32_t index) const {
+    if (index >= static_cast<int32_t>(lengthOf(buffer_))) {
+        throw JArrayIndexOutOfBoundsException("JString::getChar: index too large");
+    }
+    return index < 0 ? '\0' : buffer_[index];
+}

@@ -1,0 +1,320 @@
+/// \file
+/// JVector: growable vector of counted objects.
+#pragma once
+
+#include "platform/Memory.h"
+#include "runtime/JEnumeration.h"
+
+#include <kel/JException.h>
+
+#include <algorithm>
+#include <cstring>
+
+/// An ordered list of counted references to Ts (a class derived from JObject). Storing an element
+/// adds one reference, dropping it releases one; null is never stored, storing operations ignore
+/// it. Searching compares identities. Index errors throw JArrayIndexOutOfBoundsException, and a
+/// failed operation leaves the vector unchanged.
+///
+/// Small fixed increments are what capacity() tells; the storage behind it grows by halves, so that
+/// appending a million elements one by one stays linear.
+template <class T = JObject> class JVector : public virtual JObject {
+public:
+    /// Room for capacity elements; an increment of 0 doubles the room when it runs out.
+    /// \throws JOutOfMemoryException "JVector constructor failed."
+    JVector(int32_t capacity, int32_t capacityIncrement)
+        : elements_(allocateElements(capacity, "JVector constructor failed.")),
+          capacity_(capacity), capacityIncrement_(capacityIncrement), allocated_(capacity) {}
+
+    /// Shares the other vector's elements; same capacity and increment.
+    /// \throws JOutOfMemoryException "JVector constructor failed."
+    JVector(const JVector& other)
+        : JObject(), elements_(allocateElements(std::max(other.capacity_, other.size_),
+                                                "JVector constructor failed.")),
+          capacity_(other.capacity_), size_(other.size_),
+          capacityIncrement_(other.capacityIncrement_),
+          allocated_(std::max(other.capacity_, other.size_)) {
+        for (int32_t i = 0; i < size_; ++i) {
+            elements_[i] = other.elements_[i];
+            retain(elements_[i]);
+        }
+    }
+
+    JVector& operator=(const JVector&) = delete;
+
+    ~JVector() override {
+        for (int32_t i = 0; i < size_; ++i) {
+            drop(elements_[i]);
+        }
+        kel::platform::deallocate(elements_);
+    }
+
+    /// Gives room beyond the elements back.
+    virtual void trimToSize() {
+        if (capacity_ > size_) {
+            setSize(size_);
+        }
+    }
+
+    /// Grows by whole increments until there is room for minimum elements.
+    /// \throws JOutOfMemoryException "JVector::setSize() failed."
+    virtual void ensureCapacity(int32_t minimum) {
+        if (minimum <= capacity_) {
+            return;
+        }
+        int64_t grown = capacity_;
+        while (grown < minimum) {
+            // A vector trimmed to nothing cannot double; it takes what is asked for.
+            grown += capacityIncrement_ != 0 ? capacityIncrement_ : grown;
+            grown = grown == 0 ? minimum : grown;
+        }
+        setSize(static_cast<int32_t>(std::min<int64_t>(grown, INT32_MAX)));
+    }
+
+    /// Sets the capacity, not the number of elements, to count. Elements are never touched, also
+    /// when there are more than count.
+    /// \throws JOutOfMemoryException "JVector::setSize() failed."
+    virtual void setSize(int32_t count) {
+        if (count < 0) {
+            throw JOutOfMemoryException("JVector::setSize() failed.");
+        }
+        if (count < capacity_ || count > allocated_) {
+            reallocate(count);
+        }
+        capacity_ = count;
+    }
+
+    /// The number of elements that there is room for.
+    virtual int32_t capacity() const { return capacity_; }
+
+    /// The number of elements.
+    virtual int32_t size() const { return size_; }
+
+    /// True when there are no elements.
+    virtual bool isEmpty() const { return size_ == 0; }
+
+    /// A new walk over this vector, which it keeps alive; the caller owns the walk.
+    virtual JEnumeration* elements() { return new JVectorEnumerator(this); }
+
+    /// True when an element has object's identity.
+    virtual bool contains(const JObject* object) const { return indexOf(object, 0) != -1; }
+
+    /// The first index from start on whose element has object's identity; -1 for none or null.
+    virtual int32_t indexOf(const JObject* object, int32_t start) const {
+        if (object == nullptr) {
+            return -1;
+        }
+        for (int32_t i = std::max(start, 0); i < size_; ++i) {
+            if (object->equals(elements_[i])) {
+                return i;
+            }
+        }
+        return -1;
+    }
+
+    /// The first index whose element has object's identity; -1 for none or null.
+    virtual int32_t indexOf(const JObject* object) const { return indexOf(object, 0); }
+
+    /// The last index up to start whose element has object's identity; -1 for none or null. A
+    /// start beyond the elements begins at the last one.
+    virtual int32_t lastIndexOf(const JObject* object, int32_t start) const {
+        if (object == nullptr) {
+            return -1;
+        }
+        for (int32_t i = std::min(start, size_ - 1); i >= 0; --i) {
+            if (object->equals(elements_[i])) {
+                return i;
+            }
+        }
+        return -1;
+    }
+
+    /// The last index whose element has object's identity; -1 for none or null.
+    virtual int32_t lastIndexOf(const JObject* object) const { return lastIndexOf(object, size_); }
+
+    /// The element at index with one reference for the caller.
+    /// \throws JArrayIndexOutOfBoundsException "JVector::elementAtRef: index is invalid"
+    virtual T* elementAt(int32_t index) const {
+        T* element = elementAtRef(index);
+        retain(element);
+        return element;
+    }
+
+    /// The element at index, borrowed.
+    /// \throws JArrayIndexOutOfBoundsException "JVector::elementAtRef: index is invalid"
+    virtual T* elementAtRef(int32_t index) const {
+        check(index, size_, "JVector::elementAtRef: index is invalid");
+        return elements_[index];
+    }
+
+    /// elementAt(0).
+    virtual T* firstElement() const { return elementAt(0); }
+
+    /// elementAt(size() - 1).
+    virtual T* lastElement() const { return elementAt(size_ - 1); }
+
+    /// Replaces the element at index; null changes nothing.
+    /// \throws JArrayIndexOutOfBoundsException "JVector::setElementAt: index is invalid"
+    virtual void setElementAt(T* object, int32_t index) {
+        check(index, size_, "JVector::setElementAt: index is invalid");
+        if (object == nullptr) {
+            return;
+        }
+        retain(object); // before the release: it may be the same object
+        T* old = elements_[index];
+        elements_[index] = object;
+        drop(old);
+    }
+
+    /// Removes the element at index and closes the gap.
+    /// \throws JArrayIndexOutOfBoundsException "JVector::removeElementAt: index is invalid"
+    virtual void removeElementAt(int32_t index) {
+        check(index, size_, "JVector::removeElementAt: index is invalid");
+        T* old = elements_[index];
+        const auto behind = static_cast<size_t>(size_ - 1 - index);
+        std::memmove(elements_ + index, elements_ + index + 1, behind * sizeof(T*));
+        elements_[--size_] = nullptr;
+        drop(old);
+    }
+
+    /// Inserts at index, from 0 to size(); null changes nothing.
+    /// \throws JArrayIndexOutOfBoundsException "JVector::insertElementAt: index is invalid"
+    /// \throws JOutOfMemoryException "JVector::setSize() failed."
+    virtual void insertElementAt(T* object, int32_t index) {
+        check(index, int64_t{size_} + 1, "JVector::insertElementAt: index is invalid");
+        if (object == nullptr) {
+            return;
+        }
+        makeRoom();
+        const auto behind = static_cast<size_t>(size_ - index);
+        std::memmove(elements_ + index + 1, elements_ + index, behind * sizeof(T*));
+        retain(object);
+        elements_[index] = object;
+        ++size_;
+    }
+
+    /// Appends; null changes nothing.
+    /// \throws JOutOfMemoryException "JVector::setSize() failed."
+    virtual void addElement(T* object) {
+        if (object == nullptr) {
+            return;
+        }
+        makeRoom();
+        retain(object);
+        elements_[size_++] = object;
+    }
+
+    /// Removes the first element with object's identity. \return false when there is none
+    virtual bool removeElement(const JObject* object) {
+        const int32_t index = indexOf(object);
+        if (index == -1) {
+            return false;
+        }
+        removeElementAt(index);
+        return true;
+    }
+
+    /// Removes every element; the room stays.
+    virtual void removeAllElements() {
+        // Released elements may lead back here, so the vector is empty before the first goes.
+        const int32_t count = size_;
+        size_ = 0;
+        for (int32_t i = 0; i < count; ++i) {
+            T* old = elements_[i];
+            elements_[i] = nullptr;
+            drop(old);
+        }
+    }
+
+    /// The elements as an array of size() pointers, borrowed, valid until the vector changes. For
+    /// walks that would pay for a checked call at each step.
+    T* const* data() const { return elements_; }
+
+    /// addElement for an object whose one reference the vector takes over; never null.
+    void adoptElement(T* object) {
+        makeRoom();
+        elements_[size_++] = object;
+    }
+
+private:
+    /// A walk that holds its vector. Nested so that it stays the vector's own business.
+    class JVectorEnumerator : public JEnumeration {
+    public:
+        explicit JVectorEnumerator(JVector* vector) : vector_(JPointer<JVector>::share(vector)) {}
+
+        bool hasMoreElements() const override {
+            return vector_.isValid() && cursor_ < vector_->size();
+        }
+
+        JObject* nextElement() const override {
+            if (vector_.isNull()) {
+                throw new JNoSuchElementException("Enumeration is empty.");
+            }
+            return vector_->elementAt(cursor_++);
+        }
+
+    private:
+        JPointer<JVector> vector_;
+        mutable int32_t cursor_ = 0;
+    };
+
+    static T** tryAllocate(int32_t count) {
+        return static_cast<T**>(
+            kel::platform::allocateZeroed(static_cast<size_t>(count), sizeof(T*)));
+    }
+
+    static T** allocateElements(int32_t count, const char* failure) {
+        T** storage = count < 0 ? nullptr : tryAllocate(count);
+        if (storage == nullptr) {
+            throw JOutOfMemoryException(failure);
+        }
+        return storage;
+    }
+
+    /// Moves to storage for at least count elements and at least those held; when the storage
+    /// grows, by a half at least if memory allows.
+    void reallocate(int32_t count) {
+        int32_t room = std::max(count, size_);
+        T** moved = nullptr;
+        if (room > allocated_) {
+            const int64_t ahead = allocated_ + int64_t{allocated_} / 2;
+            if (ahead > room && ahead <= INT32_MAX) {
+                moved = tryAllocate(static_cast<int32_t>(ahead));
+                room = moved != nullptr ? static_cast<int32_t>(ahead) : room;
+            }
+        }
+        if (moved == nullptr) {
+            moved = allocateElements(room, "JVector::setSize() failed.");
+        }
+        if (size_ > 0) {
+            std::memcpy(moved, elements_, static_cast<size_t>(size_) * sizeof(T*));
+        }
+        kel::platform::deallocate(elements_);
+        elements_ = moved;
+        allocated_ = room;
+    }
+
+    static void check(int32_t index, int64_t limit, const char* failure) {
+        if (index < 0 || index >= limit) {
+            throw JArrayIndexOutOfBoundsException(failure);
+        }
+    }
+
+    void makeRoom() {
+        if (size_ < capacity_) {
+            return;
+        }
+        if (size_ == INT32_MAX) {
+            throw JOutOfMemoryException("JVector::setSize() failed.");
+        }
+        ensureCapacity(size_ + 1);
+    }
+
+    static void retain(T* object) { static_cast<JObject*>(object)->addRef(); }
+    static void drop(T* object) { static_cast<JObject*>(object)->release(); }
+
+    T** elements_;
+    int32_t capacity_;
+    int32_t size_ = 0;
+    int32_t capacityIncrement_;
+    int32_t allocated_; // slots of storage, at least as many as capacity_ and size_
+};

@@ -1,0 +1,34 @@
+/// \file
+/// Conversions of any value by its kind: what the containers' typed getters and the converting
+/// assignment use. They differ from a value's own conversions (see KELInterface_Casting_V1) in the
+/// truth of numbers. None of them throws; null and kinds without a form give the neutral answer.
+#pragma once
+
+#include <kel/KEL.h>
+
+class KEL_String;
+
+namespace kel {
+
+/// True for the kinds that have a boolean, integer, double, GUID and text form: Int, Boolean,
+/// Double, guid and String.
+bool hasScalarForm(const KEL& value);
+
+/// Int: not 0. Double: true exactly if it truncates to 0, so between -1 and 1. guid: its intValue
+/// is not 0. String: has any text.
+bool convertToBoolean(const KEL* value);
+
+/// Double: truncated toward zero. guid: its intValue. String: its leading integer.
+int32_t convertToInt(const KEL* value);
+
+/// guid: its intValue. String: its leading decimal number.
+double convertToDouble(const KEL* value);
+
+/// The GUID, or the integer form in the lowest word.
+JHashCode convertToGuid(const KEL* value);
+
+/// A new String with the text form, or a String itself with one more reference: the caller releases
+/// it. Null for null, for kinds without a text form, and when out of memory.
+KEL_String* convertToString(const KEL* value);
+
+} // namespace kel

@@ -1,0 +1,61 @@
+/// \file
+/// The implementations of the value layer's failures. They are always thrown as pointers:
+/// `throw new KELIOException_Impl("...")`.
+#pragma once
+
+#include <kel/JException.h>
+#include <kel/KELException.h>
+
+/// The message every failure carries that has none of its own.
+inline constexpr const char* generalKelMessage = "General KEL exception.";
+
+/// Base of the implementations. Its JException part is its own, not a virtual base: a failure that
+/// also is a runtime exception holds two, so it can be caught as that runtime exception's pointer
+/// but not as a JException pointer.
+class KELException_Impl : public JException, public virtual KELException {
+public:
+    explicit KELException_Impl(const char* message = generalKelMessage) : JException(message) {}
+    ~KELException_Impl() override = default;
+
+    using JException::getMessage;
+    const char* getMessage() override { return getMessageText(); }
+    const char* getMessageText() const override {
+        const char* text = messageChars();
+        return text == nullptr ? "" : text;
+    }
+    void addRef() override { JObject::addRef(); }
+    int32_t release() override { return JObject::release(); }
+    int32_t getRefCount() const override { return 1; }
+};
+
+/// A failure of its own kind.
+#define KEL_PLAIN_EXCEPTION(Name)                                                                  \
+    class Name##_Impl final : public virtual Name, public KELException_Impl {                      \
+    public:                                                                                        \
+        explicit Name##_Impl(const char* message = generalKelMessage)                              \
+            : KELException_Impl(message) {}                                                        \
+    }
+
+/// A failure that library code can also catch as the runtime's. Both message parts carry the text.
+#define KEL_DOUBLED_EXCEPTION(Name, Runtime)                                                       \
+    class Name##_Impl final : public virtual Name, public KELException_Impl, public Runtime {      \
+    public:                                                                                        \
+        explicit Name##_Impl(const char* message = generalKelMessage)                              \
+            : JException(message), KELException_Impl(message), Runtime(message) {}                 \
+        using KELException_Impl::addRef;                                                           \
+        using KELException_Impl::getMessage;                                                       \
+        using KELException_Impl::release;                                                          \
+    }
+
+KEL_PLAIN_EXCEPTION(KELArrayIndexOutOfBoundsException);
+KEL_PLAIN_EXCEPTION(KELNoSuchElementException);
+KEL_PLAIN_EXCEPTION(KELNoSuchTypeException);
+KEL_PLAIN_EXCEPTION(KELRenameException);
+KEL_PLAIN_EXCEPTION(KELMemBlockException);
+KEL_DOUBLED_EXCEPTION(KELOutOfMemoryException, JOutOfMemoryException);
+KEL_DOUBLED_EXCEPTION(KELIOException, JIOException);
+KEL_DOUBLED_EXCEPTION(KELEOFException, JEOFException);
+KEL_DOUBLED_EXCEPTION(KELNullPointerException, JNullPointerException);
+
+#undef KEL_PLAIN_EXCEPTION
+#undef KEL_DOUBLED_EXCEPTION

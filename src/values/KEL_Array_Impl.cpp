@@ -1,0 +1,185 @@
+#include "values/KEL_Array_Impl.h"
+
+#include "values/ChildCursor.h"
+#include "values/Conversions.h"
+#include "values/KELException_Impl.h"
+#include "values/KEL_Boolean_Impl.h"
+#include "values/KEL_Double_Impl.h"
+#include "values/KEL_Int_Impl.h"
+#include "values/KEL_String_Impl.h"
+#include "values/KEL_guid_Impl.h"
+
+namespace {
+
+constexpr const char* badIndex = "Array index out of bounds.";
+
+/// Runs an operation of the vector and reports its index error as the array's own.
+template <class Operation> auto withIndexError(const char* message, const Operation& operation) {
+    try {
+        return operation();
+    } catch (const JArrayIndexOutOfBoundsException&) {
+        throw new KELArrayIndexOutOfBoundsException_Impl(message);
+    }
+}
+
+} // namespace
+
+KEL_Impl* KEL_Array_Impl::elementAt(int32_t index) const {
+    return withIndexError(badIndex, [&] { return elements_->elementAtRef(index); });
+}
+
+bool KEL_Array_Impl::getBoolean(int32_t index) const {
+    return kel::convertToBoolean(elementAt(index));
+}
+
+int32_t KEL_Array_Impl::getInt(int32_t index) const { return kel::convertToInt(elementAt(index)); }
+
+double KEL_Array_Impl::getDouble(int32_t index) const {
+    return kel::convertToDouble(elementAt(index));
+}
+
+KEL_String* KEL_Array_Impl::getString(int32_t index) const {
+    return kel::convertToString(elementAt(index));
+}
+
+JHashCode& KEL_Array_Impl::getguid(int32_t index, JHashCode& out) const {
+    return out = kel::convertToGuid(elementAt(index));
+}
+
+void KEL_Array_Impl::insertVar(KEL* value, int32_t index) {
+    KEL_Impl* element = KEL_Impl::of(value);
+    withIndexError(badIndex, [&] { elements_->insertElementAt(element, index); });
+    if (element != nullptr) {
+        notifyChanged();
+    }
+}
+
+void KEL_Array_Impl::setVar(KEL* value, int32_t index) {
+    KEL_Impl* element = KEL_Impl::of(value);
+    withIndexError(badIndex, [&] { elements_->setElementAt(element, index); });
+    if (element != nullptr) {
+        notifyChanged();
+    }
+}
+
+void KEL_Array_Impl::setMade(int32_t index, KEL_Impl* value) {
+    const JPointer<KEL_Impl> made(value);
+    setVarValue(index, made.get());
+}
+
+void KEL_Array_Impl::setString(int32_t index, const char* text) {
+    if (text == nullptr) {
+        elementAt(index); // a bad index is reported all the same
+        return;
+    }
+    setMade(index, new KEL_String_Impl(text));
+}
+
+void KEL_Array_Impl::setguid(int32_t index, const JHashCode& value) {
+    setMade(index, new KEL_guid_Impl(value));
+}
+
+void KEL_Array_Impl::setDouble(int32_t index, double value) {
+    setMade(index, new KEL_Double_Impl(value));
+}
+
+void KEL_Array_Impl::setInt(int32_t index, int32_t value) {
+    setMade(index, new KEL_Int_Impl(value));
+}
+
+void KEL_Array_Impl::setBoolean(int32_t index, bool value) {
+    setMade(index, new KEL_Boolean_Impl(value));
+}
+
+void KEL_Array_Impl::setVarValue(int32_t index, const KEL* value) {
+    elementAt(index)->assignConverted(value, true);
+}
+
+void KEL_Array_Impl::swapVars(int32_t a, int32_t b) {
+    withIndexError("KEL_Array_Impl::swapVars failed. No element at specified index.", [&] {
+        const JPointer<KEL_Impl> first(elements_->elementAt(a));
+        const JPointer<KEL_Impl> second(elements_->elementAt(b));
+        elements_->setElementAt(second.get(), a);
+        elements_->setElementAt(first.get(), b);
+    });
+    notifyChanged();
+}
+
+int32_t KEL_Array_Impl::addMade(KEL_Impl* value) {
+    const JPointer<KEL_Impl> made(value);
+    return addVar(made.get());
+}
+
+int32_t KEL_Array_Impl::addString(const char* text) { return addMade(new KEL_String_Impl(text)); }
+
+int32_t KEL_Array_Impl::addguid(const JHashCode& value) { return addMade(new KEL_guid_Impl(value)); }
+
+int32_t KEL_Array_Impl::addDouble(double value) { return addMade(new KEL_Double_Impl(value)); }
+
+int32_t KEL_Array_Impl::addInt(int32_t value) { return addMade(new KEL_Int_Impl(value)); }
+
+int32_t KEL_Array_Impl::addBoolean(bool value) { return addMade(new KEL_Boolean_Impl(value)); }
+
+int32_t KEL_Array_Impl::addVar(KEL* value) {
+    KEL_Impl* element = KEL_Impl::of(value);
+    if (element == nullptr) {
+        return -1;
+    }
+    elements_->addElement(element);
+    notifyChanged();
+    return elements_->size() - 1;
+}
+
+int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
+    if (other == nullptr) {
+        return -1;
+    }
+    for (int32_t i = 0; i < other->getCount(); ++i) {
+        KEL* value = other->getVar(i);
+        if (!containsVar(value)) {
+            addVar(value);
+        }
+    }
+    return 0;
+}
+
+void KEL_Array_Impl::removeVar(int32_t index) {
+    withIndexError("KEL_Array::removeVar failed. No element at specified index.",
+                   [&] { elements_->removeElementAt(index); });
+    notifyChanged();
+}
+
+bool KEL_Array_Impl::containsVar(const KEL* value) const {
+    return elements_->contains(KEL_Impl::of(value));
+}
+
+int32_t KEL_Array_Impl::indexOfVar(const KEL* value) const {
+    return elements_->indexOf(KEL_Impl::of(value));
+}
+
+void KEL_Array_Impl::removeAllVars() {
+    elements_->removeAllElements();
+    notifyChanged();
+}
+
+bool KEL_Array_Impl::nextChild(kel::ChildCursor& cursor) const {
+    if (++cursor.index >= elements_->size()) {
+        return false;
+    }
+    cursor.value = elements_->data()[cursor.index];
+    return true;
+}
+
+void KEL_Array_Impl::adoptCopiedChild(std::string_view, JPointer<KEL_Impl>&& child) {
+    adoptElement(std::move(child));
+}
+
+bool KEL_Array_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
+    const auto* array = dynamic_cast<const KEL_Array_Impl*>(&other);
+    return array != nullptr && array->getCount() == getCount();
+}
+
+void KEL_Array_Impl::takeContents(const KEL_Impl& source) {
+    const JPointer<KEL_Impl> copied(KEL_Impl::of(source.copy()));
+    elements_ = dynamic_cast<KEL_Array_Impl&>(*copied).elements_;
+}

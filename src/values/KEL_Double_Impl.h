@@ -1,0 +1,44 @@
+/// \file
+/// KEL_Double_Impl: a Double value.
+#pragma once
+
+#include "runtime/JDouble.h"
+#include "values/KEL_Impl.h"
+
+#include <kel/KEL_Double.h>
+
+/// Implements KEL_Double.
+class KEL_Double_Impl final : public KEL_Impl, public KEL_Double {
+public:
+    explicit KEL_Double_Impl(double value) : value_(value) {}
+
+    /// The same with a given identity.
+    KEL_Double_Impl(const JHashCode& identity, double value) : JObject(identity), value_(value) {}
+
+    int32_t getType() const override { return KELKind_Double; }
+
+    // KELInterface_Double_V1
+    double getValue() const override { return value_; }
+    void setValue(double value) override;
+    KEL_Double* setBoolean(bool value) override;
+    KEL_Double* setInt(int32_t value) override;
+    KEL_Double* setDouble(double value) override;
+    KEL_Double* setString(const char* text) override;
+    KEL_Double* setguid(const JHashCode& value) override;
+
+    // KELInterface_Casting_V1
+    bool toBoolean() const override { return value_ == 1.0; }
+    int32_t toInt() const override { return kel::truncateToInt32(value_); }
+    double toDouble() const override { return value_; }
+    const char* toString() const override;
+    JHashCode& toGuid(JHashCode& out) const override;
+
+    // KEL_Impl
+    KEL_Impl* copyWithoutChildren() const override { return new KEL_Double_Impl(value_); }
+    bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void takeContents(const KEL_Impl& source) override;
+    bool takeConverted(const KEL_Impl& source) override;
+
+private:
+    double value_;
+};

@@ -1,0 +1,140 @@
+#include "values/KEL_Impl.h"
+
+#include "platform/Memory.h"
+#include "values/KELException_Impl.h"
+#include "values/KEL_Observer_Impl.h"
+#include "values/TreeWalk.h"
+
+#include <cstring>
+
+namespace {
+
+/// The values of this thread that wait for the one being destroyed.
+thread_local KEL_Impl* doomed = nullptr;
+thread_local bool destroying = false;
+
+} // namespace
+
+KEL_Impl::~KEL_Impl() { kel::platform::deallocate(text_); }
+
+KEL_Impl* KEL_Impl::of(KEL* value) { return dynamic_cast<KEL_Impl*>(value); }
+
+const KEL_Impl* KEL_Impl::of(const KEL* value) { return dynamic_cast<const KEL_Impl*>(value); }
+
+void* KEL_Impl::operator new(std::size_t size) {
+    void* storage = kel::platform::allocate(size);
+    if (storage == nullptr) {
+        throw std::bad_alloc();
+    }
+    return storage;
+}
+
+void KEL_Impl::operator delete(void* storage) noexcept { kel::platform::deallocate(storage); }
+
+void KEL_Impl::operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept {
+    if (destroying) {
+        value->freeString();
+        value->nextDoomed_ = doomed;
+        doomed = value;
+        return;
+    }
+    destroying = true;
+    for (;;) {
+        void* storage = dynamic_cast<void*>(value);
+        value->~KEL_Impl();
+        kel::platform::deallocate(storage);
+        if (doomed == nullptr) {
+            break;
+        }
+        value = doomed;
+        doomed = value->nextDoomed_;
+        value->text_ = nullptr;
+    }
+    destroying = false;
+}
+
+void KEL_Impl::freeString() {
+    kel::platform::deallocate(text_);
+    text_ = nullptr;
+}
+
+char* KEL_Impl::textBuffer(std::size_t size) const {
+    if (text_ == nullptr) {
+        text_ = static_cast<char*>(kel::platform::allocate(size));
+    }
+    if (text_ != nullptr) {
+        std::memset(text_, 0, size);
+    }
+    return text_;
+}
+
+KEL* KEL_Impl::copy() const { return kel::copyTree(*this); }
+
+void KEL_Impl::assign(const KEL* value) {
+    const KEL_Impl* source = of(value);
+    if (source == nullptr) {
+        return;
+    }
+    if (source->getType() != getType()) {
+        throw new KELNoSuchTypeException_Impl("Can't set the value when types are not equal!");
+    }
+    takeContents(*source);
+    notifyChanged();
+}
+
+bool KEL_Impl::equals(const KEL* other) const {
+    const KEL_Impl* theirs = of(other);
+    return theirs != nullptr && JObject::equals(theirs);
+}
+
+bool KEL_Impl::equals(const KEL* a, const KEL* b) const {
+    if (a == nullptr || b == nullptr) {
+        return a == b;
+    }
+    return a->equals(b);
+}
+
+void KEL_Impl::assignConverted(const KEL* value, bool notify) {
+    const KEL_Impl* source = of(value);
+    if (source != nullptr && takeConverted(*source) && notify) {
+        notifyChanged();
+    }
+}
+
+bool KEL_Impl::takeConverted(const KEL_Impl& source) {
+    if (source.getType() != getType()) {
+        return false;
+    }
+    takeContents(source);
+    return true;
+}
+
+bool KEL_Impl::equalsValue(const KEL* other) const {
+    const KEL_Impl* theirs = of(other);
+    return theirs != nullptr && kel::treesEqual(*this, *theirs);
+}
+
+void KEL_Impl::addObserver(JObserver* observer) {
+    if (observer != nullptr) {
+        JObservable::addObserver(observer);
+    }
+}
+
+void KEL_Impl::addObserver(KEL_Observer* observer) {
+    if (observer != nullptr && KEL_Observer_Impl::find(observers(), observer) == nullptr) {
+        const JPointer<KEL_Observer_Impl> wrapper(new KEL_Observer_Impl(observer));
+        JObservable::addObserver(wrapper.get());
+    }
+}
+
+void KEL_Impl::removeObserver(KEL_Observer* observer) {
+    if (observer != nullptr) {
+        JObservable::deleteObserver(KEL_Observer_Impl::find(observers(), observer));
+    }
+}
+
+void KEL_Impl::removeObserver(JObserver* observer) { JObservable::deleteObserver(observer); }
+
+bool KEL_Impl::nextChild(kel::ChildCursor&) const { return false; }
+
+void KEL_Impl::adoptCopiedChild(std::string_view, JPointer<KEL_Impl>&&) {}

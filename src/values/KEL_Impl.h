@@ -1,0 +1,137 @@
+/// \file
+/// KEL_Impl: the implementation base of every value.
+#pragma once
+
+#include "runtime/JObservable.h"
+
+#include <kel/KEL_Observable.h>
+#include <new>
+#include <string_view>
+
+namespace kel {
+struct ChildCursor;
+}
+
+/// What all kinds share: counting, identity, observers, the defaults of the conversions, and the
+/// operations that walks over trees are made of. One object per value: the implementation of a kind
+/// derives from its public class and from this.
+class KEL_Impl : public virtual KEL, public virtual KEL_Observable, public virtual JObservable {
+public:
+    KEL_Impl() = default;
+    KEL_Impl(const KEL_Impl&) = delete;
+    KEL_Impl& operator=(const KEL_Impl&) = delete;
+    ~KEL_Impl() override;
+
+    /// The implementation behind a host's pointer; null for null and for a foreign implementation.
+    static KEL_Impl* of(KEL* value);
+    static const KEL_Impl* of(const KEL* value);
+
+    /// Storage for a value. \throws std::bad_alloc
+    static void* operator new(std::size_t size);
+    static void operator delete(void* storage) noexcept;
+
+    /// Destroys a value whose last reference is gone. Values that this in turn sets free wait until
+    /// it is done, so that a tree of any depth goes without a deep call stack.
+    static void operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept;
+
+    // KELInterface_RefCount_V1
+    void addRef() override { JObject::addRef(); }
+    int32_t release() override { return JObject::release(); }
+    JHashCode& getHashCode(JHashCode& out) const override { return out = identity(); }
+    int32_t getRefCount() const override { return 1; }
+
+    // KELInterface_Casting_V1: the neutral answers of a kind without such a form, and the widths
+    // that follow from toInt and toDouble.
+    bool toBoolean() const override { return false; }
+    int32_t toInt() const override { return 0; }
+    int8_t toSignedChar() const override { return static_cast<int8_t>(toInt()); }
+    uint8_t toUnsignedChar() const override { return static_cast<uint8_t>(toInt()); }
+    int16_t toShort() const override { return static_cast<int16_t>(toInt()); }
+    uint16_t toUnsignedShort() const override { return static_cast<uint16_t>(toInt()); }
+    uint32_t toUnsignedInt() const override { return static_cast<uint32_t>(toInt()); }
+    long toLong() const override { return toInt(); }
+    unsigned long toUnsignedLong() const override { return static_cast<unsigned long>(toInt()); }
+    int64_t toInt64() const override { return toInt(); }
+    uint64_t toUnsignedInt64() const override { return static_cast<uint64_t>(toInt()); }
+    double toDouble() const override { return 0.0; }
+    float toFloat() const override { return static_cast<float>(toDouble()); }
+    long double toLongDouble() const override { return toDouble(); }
+    const char* toString() const override { return nullptr; }
+    JHashCode& toGuid(JHashCode& out) const override { return out = JHashCode(); }
+    void freeString() override;
+
+    // KELInterface_V1
+    using JObject::equals;
+    KEL* copy() const override;
+    void assign(const KEL* value) override;
+    bool equals(const KEL* other) const override;
+    bool equals(const KEL* a, const KEL* b) const override;
+    void assignConverted(const KEL* value, bool notify) override;
+    bool equalsValue(const KEL* other) const override;
+    int32_t getVersion() const override { return 1; }
+
+    // KELInterface_Observable_V1
+    void addObserver(JObserver* observer) override;
+    void addObserver(KEL_Observer* observer) override;
+    void removeObserver(KEL_Observer* observer) override;
+    void removeObserver(JObserver* observer) override;
+
+    /// Marks the value changed, then notifies its observers.
+    void notifyChanged() {
+        setChanged();
+        if (observers() != nullptr) {
+            notifyObservers();
+        }
+    }
+
+    // What walks over trees are made of.
+
+    /// Moves the cursor to this container's next child; false after the last, and at once for a
+    /// value without children.
+    virtual bool nextChild(kel::ChildCursor& cursor) const;
+
+    /// A new value of this kind with this value's own contents, but without the children that a
+    /// deep copy copies one by one. The caller owns it.
+    virtual KEL_Impl* copyWithoutChildren() const = 0;
+
+    /// True when a deep copy copies the children, false when there are none or they are shared.
+    virtual bool copiesChildren() const { return false; }
+
+    /// Appends a copied child and takes over its reference; null only for a
+    /// struct's null variable. Nobody is notified.
+    virtual void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child);
+
+    /// True for kinds whose contents are children.
+    virtual bool isContainer() const { return false; }
+
+    /// True when the kinds agree (Int and Double do) and the contents are equal, the children of a
+    /// container left out but for their number.
+    virtual bool equalsWithoutChildren(const KEL_Impl& other) const = 0;
+
+    /// Takes over the contents of a value of the same kind.
+    /// \throws KELMemBlockException for a memory block of another size
+    virtual void takeContents(const KEL_Impl& source) = 0;
+
+    /// Takes over a value of any kind, converted. \return false, unchanged, if it has no form here
+    virtual bool takeConverted(const KEL_Impl& source);
+
+    /// True while a walk that must not meet this container inside itself is below it. Such walks
+    /// never call the host, so one mark is enough.
+    bool isOnPath() const { return onPath_; }
+    void setOnPath(bool onPath) const { onPath_ = onPath; }
+
+    /// True when more than one holder has this value: only then can a walk meet it again.
+    bool isShared() const { return referenceCount() > 1; }
+
+protected:
+    /// A zero-filled text buffer of the kind's size, made at the first call and kept until
+    /// freeString; null when there is no memory.
+    char* textBuffer(std::size_t size) const;
+
+private:
+    union {
+        mutable char* text_ = nullptr; ///< what toString returns, for kinds that format
+        KEL_Impl* nextDoomed_;         ///< the text is freed before a value has to wait
+    };
+    mutable bool onPath_ = false;
+};

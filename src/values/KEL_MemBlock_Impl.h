@@ -1,0 +1,55 @@
+/// \file
+/// KEL_MemBlock_Impl: a memory block value.
+#pragma once
+
+#include "streams/JInputStream.h"
+#include "values/KEL_Impl.h"
+
+#include <kel/KEL_MemBlock.h>
+
+/// Implements KEL_MemBlock. A block with a source is loaded from it at its first read.
+class KEL_MemBlock_Impl final : public KEL_Impl, public KEL_MemBlock {
+public:
+    /// size bytes, copied from bytes or zero if that is null.
+    /// \throws KELOutOfMemoryException "Out of memory!"
+    KEL_MemBlock_Impl(int32_t size, const void* bytes);
+
+    /// The same with a given identity.
+    KEL_MemBlock_Impl(const JHashCode& identity, int32_t size, const void* bytes);
+
+    /// size bytes that the next ones of source will be, read when they are first asked for. The
+    /// block shares the source.
+    KEL_MemBlock_Impl(JInputStream* source, int32_t size);
+
+    ~KEL_MemBlock_Impl() override;
+
+    int32_t getType() const override { return KELKind_MemBlock; }
+
+    // KELInterface_MemBlock_V1
+    void read(int32_t offset, void* destination, int32_t count) override;
+    void write(int32_t offset, const void* source, int32_t count) override;
+    int32_t getSize() const override { return size_; }
+
+    /// The bytes, loaded if need be, borrowed.
+    /// \throws as read does when they cannot be loaded
+    const unsigned char* bytes() const {
+        load();
+        return data_;
+    }
+
+    /// The bytes if they are there already, else null.
+    const unsigned char* loadedBytes() const { return data_; }
+
+    // KEL_Impl
+    KEL_Impl* copyWithoutChildren() const override { return new KEL_MemBlock_Impl(size_, bytes()); }
+    bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void takeContents(const KEL_Impl& source) override;
+    bool takeConverted(const KEL_Impl& source) override;
+
+private:
+    void load() const;
+
+    int32_t size_;
+    mutable unsigned char* data_ = nullptr; // null until loaded
+    mutable JPointer<JInputStream> source_;
+};

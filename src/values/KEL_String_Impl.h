@@ -1,0 +1,63 @@
+/// \file
+/// KEL_String_Impl: a String value.
+#pragma once
+
+#include "values/KEL_Impl.h"
+
+#include <kel/KEL_String.h>
+
+/// Implements KEL_String over a JString that is never without a buffer.
+class KEL_String_Impl final : public KEL_Impl, public KEL_String {
+public:
+    /// A copy of text; empty for null.
+    /// \throws JOutOfMemoryException as JString's constructors
+    explicit KEL_String_Impl(const char* text) : value_(makeString(text)) {}
+
+    /// The same with a given identity.
+    KEL_String_Impl(const JHashCode& identity, const char* text)
+        : JObject(identity), value_(makeString(text)) {}
+
+    /// A copy of text, which holds no NUL.
+    explicit KEL_String_Impl(std::string_view text) : value_(makeString(text)) {}
+
+    /// The same with a given identity.
+    KEL_String_Impl(const JHashCode& identity, std::string_view text)
+        : JObject(identity), value_(makeString(text)) {}
+
+    int32_t getType() const override { return KELKind_String; }
+
+    // KELInterface_String_V1
+    const char* getValue() const override { return value_->chars(); }
+    void setValue(const char* text) override;
+    KEL_String* setBoolean(bool value) override;
+    KEL_String* setInt(int32_t value) override;
+    KEL_String* setDouble(double value) override;
+    KEL_String* setString(const char* text) override;
+    KEL_String* setguid(const JHashCode& value) override;
+    char getChar(int32_t index) const override;
+
+    // KELInterface_Casting_V1
+    bool toBoolean() const override { return *getValue() != '\0'; }
+    int32_t toInt() const override;
+    double toDouble() const override;
+    const char* toString() const override { return getValue(); }
+    JHashCode& toGuid(JHashCode& out) const override;
+
+    // KEL_Impl
+    KEL_Impl* copyWithoutChildren() const override { return new KEL_String_Impl(getValue()); }
+    bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void takeContents(const KEL_Impl& source) override;
+    bool takeConverted(const KEL_Impl& source) override;
+
+private:
+    static JString* makeString(const char* text) { return new JString(text == nullptr ? "" : text); }
+    static JString* makeString(std::string_view text) {
+        return new JString(text.data() == nullptr ? "" : text.data(), 0,
+                           static_cast<uint32_t>(text.size()));
+    }
+
+    /// Replaces the text, or leaves it and throws.
+    void replace(const char* text) { value_ = makeString(text); }
+
+    JPointer<JString> value_;
+};

@@ -1,0 +1,90 @@
+/// \file
+/// KEL_Struct_Impl: a Struct value.
+#pragma once
+
+#include "values/ChildCursor.h"
+
+#include <kel/KEL_Struct.h>
+
+/// Implements KEL_Struct over an ordered map of shared values.
+class KEL_Struct_Impl final : public KEL_Impl, public KEL_Struct {
+public:
+    KEL_Struct_Impl() = default;
+
+    /// The same with a given identity.
+    explicit KEL_Struct_Impl(const JHashCode& identity) : JObject(identity) {}
+
+    int32_t getType() const override { return KELKind_Struct; }
+
+    // KELInterface_Struct_V1
+    KEL* getVar(const char* name) override;
+    KEL* getVar(const char* name) const override { return valueOf(name); }
+    bool getBoolean(const char* name) const override;
+    int32_t getInt(const char* name) const override;
+    double getDouble(const char* name) const override;
+    KEL_String* getString(const char* name) const override;
+    JHashCode& getguid(const char* name, JHashCode& out) const override;
+    void putString(const char* name, const char* text) override;
+    void putguid(const char* name, const JHashCode& value) override;
+    void putDouble(const char* name, float value) override { putDouble(name, double{value}); }
+    void putDouble(const char* name, double value) override;
+    void putInt(const char* name, long value) override {
+        putInt(name, static_cast<int32_t>(value));
+    }
+    void putInt(const char* name, unsigned long value) override {
+        putInt(name, static_cast<int32_t>(value));
+    }
+    void putInt(const char* name, int32_t value) override;
+    void putBoolean(const char* name, bool value) override;
+    void addVar(const char* name, KEL* value) override;
+    int32_t addVars(KEL_Struct* other) override;
+    void removeVar(const char* name) override;
+    void setVar(const char* name, KEL* value) override;
+    void setString(const char* name, const char* text) override;
+    void setguid(const char* name, const JHashCode& value) override;
+    void setDouble(const char* name, float value) override { setDouble(name, double{value}); }
+    void setDouble(const char* name, double value) override;
+    void setInt(const char* name, long value) override {
+        setInt(name, static_cast<int32_t>(value));
+    }
+    void setInt(const char* name, unsigned long value) override {
+        setInt(name, static_cast<int32_t>(value));
+    }
+    void setInt(const char* name, int32_t value) override;
+    void setBoolean(const char* name, bool value) override;
+    void setVarValue(const char* name, KEL* value) override;
+    bool containsVar(const char* name) const override;
+    StringEnumeration* getVarNames() const override;
+    void removeAllVars() override;
+    int32_t getCount() const override { return static_cast<int32_t>(variables_.size()); }
+    void renameVar(const char* oldName, const char* newName) override;
+
+    /// The variable's value, borrowed; null for a null name. Throws on an unknown name.
+    KEL_Impl* valueOf(const char* name) const;
+
+    /// Stores a value under a name that is neither empty nor holds a quote, in place of one that is
+    /// there, and notifies nobody: for readers that fill a new struct. Names that come in order
+    /// cost no search.
+    void adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value);
+
+    // KEL_Impl
+    bool isContainer() const override { return true; }
+    bool copiesChildren() const override { return true; }
+    bool nextChild(kel::ChildCursor& cursor) const override;
+    KEL_Impl* copyWithoutChildren() const override { return new KEL_Struct_Impl(); }
+    void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override;
+    bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void takeContents(const KEL_Impl& source) override;
+
+private:
+    /// Stores a value just made, with its one reference, as addVar does.
+    void putMade(const char* name, KEL_Impl* value);
+
+    /// Lets the variable take over a value just made, which is then released.
+    void setMade(const char* name, KEL_Impl* value);
+
+    /// The variable of this name. Throws on a name that is unknown to change.
+    kel::VariableMap::iterator findToChange(const char* name);
+
+    kel::VariableMap variables_;
+};

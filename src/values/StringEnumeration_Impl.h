@@ -1,0 +1,41 @@
+/// \file
+/// StringEnumeration_Impl: a list of names.
+#pragma once
+
+#include "runtime/JVector.h"
+
+#include <kel/StringEnumeration.h>
+
+/// Implements StringEnumeration; inside the library it also is an enumeration of JStrings.
+class StringEnumeration_Impl final : public StringEnumeration, public JEnumeration {
+public:
+    // StringEnumerationInterface_V1
+    bool hasMoreElements() const override;
+    const char* nextElement() override;
+    int32_t getCount() const override;
+    void reset() override { cursor_ = 0; }
+    bool contains(const char* text) const override;
+    void addAll(StringEnumeration* other) override;
+    void add(const char* text) override;
+    void addRef() override { JObject::addRef(); }
+    int32_t release() override { return JObject::release(); }
+    JHashCode& getHashCode(JHashCode& out) const override { return out = identity(); }
+    int32_t getRefCount() const override { return 1; }
+    void remove(const char* text) override;
+
+    // JEnumeration
+    JObject* nextElement() const override;
+
+    /// Appends a text that is known not to be here yet, without searching for it.
+    void addUnique(const char* text);
+
+private:
+    /// The index of text, or -1.
+    int32_t indexOf(const char* text) const;
+
+    /// The string at the cursor, which moves on, borrowed; null past the last.
+    JString* next() const;
+
+    JPointer<JVector<JString>> strings_; // null until the first string
+    mutable int32_t cursor_ = 0;
+};
