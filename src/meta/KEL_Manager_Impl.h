@@ -28,6 +28,13 @@ public:
     KEL* createKel(int32_t kind) override;
     KEL* createKel(int32_t kind, JHashCode hashCode) override;
 
+    /// Appends a value whose identity is known not to be here and takes over its reference;
+    /// notifies nobody: for readers that fill a new manager.
+    void adoptElement(JPointer<KEL_Impl>&& value) {
+        elements_->adoptElement(value.get());
+        value.detach();
+    }
+
     // KEL_Impl
     bool isContainer() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;

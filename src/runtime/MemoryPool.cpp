@@ -10,7 +10,7 @@
 
 MemoryPool::MemoryPool(uint32_t size, uint32_t increment)
     : size_(size), increment_(increment),
-      bytes_(static_cast<unsigned char*>(kel::platform::allocateZeroed(size, 1))) {
+      bytes_(static_cast<unsigned char*>(kel::platform::allocateZeroed(1, size))) {
     if (bytes_ == nullptr) {
         throw JOutOfMemoryException("MemoryPool out of memory.");
     }

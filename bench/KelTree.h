@@ -1,0 +1,40 @@
+/// \file
+/// KEL values from JSON, and their text and binary forms in memory, through the public interface.
+#pragma once
+
+#include <kel/kel.h>
+
+#include <memory>
+#include <string>
+
+namespace bench {
+
+/// Gives values back to the library.
+struct GiveBack {
+    void operator()(KEL* value) const { DeleteKEL(value); }
+};
+using Tree = std::unique_ptr<KEL, GiveBack>;
+
+/// The JSON document as a tree: integers of 32 bits become Ints, other numbers Doubles, a null
+/// member a variable without a value; a null array element is left out.
+Tree makeTree(const std::string& json);
+
+/// The tree from text in memory.
+Tree readText(const std::string& text);
+
+/// Writes the tree as text to memory. \return the number of characters
+std::size_t writeText(KEL* tree);
+
+/// The text form, copied.
+std::string textOf(KEL* tree);
+
+/// The tree from binary in memory, through fmemopen.
+Tree readBinary(const std::string& bytes);
+
+/// Writes the tree as binary to memory, through open_memstream. \return the number of bytes
+std::size_t writeBinary(KEL* tree);
+
+/// The binary form, copied.
+std::string bytesOf(KEL* tree);
+
+} // namespace bench

@@ -1,0 +1,39 @@
+/// \file
+/// How all benchmarks measure, so that every library is measured alike.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <cstddef>
+#include <utility>
+
+namespace bench {
+
+/// Reports the time of one iteration divided by the number of values it handled.
+inline void reportPerValue(benchmark::State& state, std::size_t values) {
+    state.counters["per_value"] = benchmark::Counter(static_cast<double>(values),
+                                                     benchmark::Counter::kIsIterationInvariantRate |
+                                                         benchmark::Counter::kInvert);
+}
+
+/// Measures making a tree. Destroying it again is not measured.
+template <class Make> void measureMaking(benchmark::State& state, std::size_t values, Make make) {
+    for ([[maybe_unused]] auto iteration : state) {
+        auto result = make();
+        benchmark::DoNotOptimize(result);
+        state.PauseTiming();
+        { [[maybe_unused]] auto destroyed = std::move(result); }
+        state.ResumeTiming();
+    }
+    reportPerValue(state, values);
+}
+
+/// Measures work that keeps nothing: what it produces is freed inside the measured time.
+template <class Work> void measureWork(benchmark::State& state, std::size_t values, Work work) {
+    for ([[maybe_unused]] auto iteration : state) {
+        auto result = work();
+        benchmark::DoNotOptimize(result);
+    }
+    reportPerValue(state, values);
+}
+
+} // namespace bench

@@ -1,0 +1,13 @@
+// Makes a small tree of values and shows it as text.
+#include <kel/kel.h>
+
+int main() {
+    KEL_Struct* room = CreateKELStruct();
+    room->putString("name", "Kitchen");
+    room->putDouble("degrees", 19.5);
+    room->putInt("windows", 2);
+    KELTextOutputStream* out = CreateKELTextOutputStream(stdout);
+    out->write(room);
+    DeleteKELOutputStream(out);
+    DeleteKEL(room);
+}

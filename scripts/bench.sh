@@ -1,0 +1,23 @@
+#!/bin/sh
+# Measures speed and memory and compares them with other libraries.
+#
+#   scripts/bench.sh [OPTION OF GOOGLE BENCHMARK...]
+#
+# KEL_BENCH_DATA is a folder of JSON documents to measure beside the generated ones; ../shared/data,
+# next to the repository, if it is not set. KEL_BENCH_MAX_VALUES is the size of the largest
+# generated tree; the usual ten million take about 8 GB of memory.
+set -eu
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh build bench
+cmake --preset release -DKEL_BUILD_BENCH=ON
+cmake --build --preset release --target kel_bench kel_bench_memory
+
+KEL_BENCH_DATA=${KEL_BENCH_DATA:-$PWD/../shared/data}
+export KEL_BENCH_DATA
+results=build/release/bench
+build/release/bin/kel_bench --benchmark_min_time=0.5 \
+    --benchmark_out=$results/results.json --benchmark_out_format=json "$@"
+build/release/bin/kel_bench_memory >$results/memory.txt
+echo
+python3 -B bench/report.py $results/results.json $results/memory.txt

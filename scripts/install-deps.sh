@@ -1,0 +1,83 @@
+#!/bin/sh
+# Installs what is missing for the given purposes, on Debian: the one place that knows the packages.
+#
+#   scripts/install-deps.sh PURPOSE...
+#
+#   build   compiler and build system: all that the library needs
+#   tool    the command-line tool
+#   test    the tests, and a locale that writes numbers with a decimal comma
+#   demo    the documents that scripts/demo.sh works on
+#   bench   the benchmarks
+set -eu
+
+comma_locale=de_DE.UTF-8
+
+packages_for() {
+    case $1 in
+        build) echo "g++ cmake ninja-build" ;;
+        tool) echo "libcli11-dev nlohmann-json3-dev" ;;
+        test) echo "libgtest-dev python3 pkg-config binutils locales" ;;
+        demo) echo "iso-codes python3" ;;
+        bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3" ;;
+        *)
+            echo "install-deps.sh: unknown purpose '$1'" >&2
+            exit 2
+            ;;
+    esac
+}
+
+is_installed() {
+    dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
+}
+
+require_root() {
+    if [ "$(id -u)" != 0 ]; then
+        echo "install-deps.sh: $1; run this as root: $0 $purposes" >&2
+        exit 1
+    fi
+}
+
+install_packages() {
+    DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
+}
+
+has_comma_locale() {
+    locale -a 2>/dev/null | grep -qix 'de_DE\.utf-\?8'
+}
+
+purposes="$*"
+if [ -z "$purposes" ]; then
+    echo "usage: $0 {build|tool|test|demo|bench}..." >&2
+    exit 2
+fi
+
+missing=""
+for purpose in $purposes; do
+    names=$(packages_for "$purpose")
+    for name in $names; do
+        is_installed "$name" || missing="$missing $name"
+    done
+done
+
+if [ -n "$missing" ]; then
+    require_root "missing packages:$missing"
+    echo "Installing:$missing"
+    # The package lists are fetched only when those at hand do not lead to the packages.
+    # shellcheck disable=SC2086 # a list of words
+    {
+        install_packages --simulate $missing >/dev/null 2>&1 || apt-get update
+        install_packages $missing || {
+            apt-get update
+            install_packages $missing
+        }
+    }
+fi
+
+case " $purposes " in
+    *" test "*)
+        if ! has_comma_locale; then
+            require_root "missing locale $comma_locale"
+            localedef -i de_DE -f UTF-8 "$comma_locale"
+        fi
+        ;;
+esac

@@ -1,0 +1,17 @@
+#!/bin/sh
+# Builds everything twice, optimized and sanitized, and runs every test of both. Stops at the first
+# preset that fails, so the summary of CTest at the end always is the one that counts.
+set -eu
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh build tool test bench
+
+# What is asked for by name must be there: no test goes missing quietly.
+for preset in release asan; do
+    bench=OFF
+    [ $preset = asan ] || bench=ON
+    cmake --preset $preset -DKEL_BUILD_TOOL=ON -DKEL_BUILD_EXAMPLES=ON -DKEL_BUILD_TESTS=ON \
+        -DKEL_BUILD_BENCH=$bench
+    cmake --build --preset $preset
+    ctest --preset $preset --parallel "$(nproc)"
+done

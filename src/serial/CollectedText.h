@@ -1,0 +1,49 @@
+/// \file
+/// CollectedText: the characters that a recogniser has taken.
+#pragma once
+
+#include "runtime/MemoryPool.h"
+
+#include <cstdint>
+#include <kel/JPointer.h>
+#include <kel/JString.h>
+
+namespace kel {
+
+/// Characters collected one by one in a MemoryPool.
+class CollectedText {
+public:
+    CollectedText() : pool_(makePool()) {}
+
+    /// Appends one character.
+    /// \throws JOutOfMemoryException "MemoryPool out of memory."
+    void append(int32_t c) {
+        const auto byte = static_cast<unsigned char>(c);
+        pool_->write(count_, &byte, 1);
+        ++count_;
+    }
+
+    /// Forgets all characters, and the memory of a long text with them.
+    void clear() {
+        if (count_ > segmentSize) {
+            pool_ = makePool();
+        }
+        count_ = 0;
+    }
+
+    /// Number of characters, NULs included.
+    uint32_t count() const { return count_; }
+
+    /// A new string of the characters; the caller owns it.
+    JString* toString() const { return new JString(*pool_, 0, count_); }
+
+private:
+    static constexpr uint32_t segmentSize = 80;
+
+    static MemoryPool* makePool() { return new MemoryPool(segmentSize, segmentSize); }
+
+    JPointer<MemoryPool> pool_;
+    uint32_t count_ = 0;
+};
+
+} // namespace kel

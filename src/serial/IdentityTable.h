@@ -1,0 +1,85 @@
+/// \file
+/// IdentityTable: values found by identity in constant time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <kel/JHashCode.h>
+#include <vector>
+
+class KEL_Impl;
+
+namespace kel {
+
+/// Remembers identities in the order of their arrival, each with a borrowed value. The streams keep
+/// in it what they have written or read, millions of entries if need be: the index holds a tag and
+/// a place of 32 bits each, so that a search rarely leaves it.
+///
+/// Identities come from strangers' files, so places are drawn with a key of the table's own: nobody
+/// can choose identities that collide.
+class IdentityTable {
+public:
+    IdentityTable();
+
+    /// The value of the identity, or null.
+    KEL_Impl* find(const JHashCode& identity) const;
+
+    /// Enters an identity that is not there yet. \return false, unchanged, when it is there
+    bool insert(const JHashCode& identity, KEL_Impl* value);
+
+    /// Enters an identity or gives the one that is there another value.
+    /// \return the value it had, or null
+    KEL_Impl* put(const JHashCode& identity, KEL_Impl* value);
+
+    /// Forgets an identity; one that is not there is ignored.
+    void erase(const JHashCode& identity);
+
+    /// The number of entries ever made, a point to roll back to.
+    std::size_t mark() const { return entries_.size(); }
+
+    /// Forgets the entries made since a mark, the last first, and tells forgotten of each value.
+    template <class Forgotten> void rollBack(std::size_t mark, const Forgotten& forgotten) {
+        while (entries_.size() > mark) {
+            const Entry entry = entries_.back();
+            if (entry.live) {
+                erase(entry.identity);
+                forgotten(entry.value);
+            }
+            entries_.pop_back();
+        }
+    }
+
+    /// Calls visit with every value, in the order of arrival.
+    template <class Visit> void forEach(const Visit& visit) const {
+        for (const Entry& entry : entries_) {
+            if (entry.live) {
+                visit(entry.value);
+            }
+        }
+    }
+
+private:
+    struct Entry {
+        JHashCode identity;
+        KEL_Impl* value;
+        bool live;
+    };
+    /// One place of the index: 0 in entry means empty, else the entry's number plus one.
+    struct Slot {
+        uint32_t tag;
+        uint32_t entry;
+    };
+
+    uint32_t tagOf(const JHashCode& identity) const;
+    std::size_t placeOf(uint32_t tag) const { return tag & (slots_.size() - 1); }
+    Slot* search(const JHashCode& identity, uint32_t tag);
+    void grow();
+
+    std::vector<Entry> entries_;
+    std::vector<Slot> slots_; // a power of two, at most three quarters in use
+    std::size_t used_ = 0;
+    uint64_t key0_;
+    uint64_t key1_;
+};
+
+} // namespace kel

@@ -1,0 +1,46 @@
+/// \file
+/// KELOutputStream_Impl: what the output streams of both formats share.
+#pragma once
+
+#include "streams/JDataOutput.h"
+
+#include <kel/JPointer.h>
+#include <kel/KELOutputStream.h>
+
+/// Over a sink of bytes. Every failure of the sink, a JIOException, is thrown again as a
+/// KELIOException with its message.
+class KELOutputStream_Impl : public virtual KELOutputStream, public virtual JDataOutput {
+public:
+    /// Shares the sink, which is not null.
+    explicit KELOutputStream_Impl(const JPointer<JOutputStream>& sink) : sink_(sink) {}
+
+    KELOutputStream_Impl(const KELOutputStream_Impl&) = delete;
+    KELOutputStream_Impl& operator=(const KELOutputStream_Impl&) = delete;
+
+    // KELInterface_OutputStream_V1 and JOutputStream
+    void JWrite(int32_t byte) override;
+    void JWrite(const uint8_t* buffer, int32_t offset, int32_t count) override;
+    void JFlush() override;
+    void JClose() override;
+    void JWrite64(uint64_t value) override { JWrite64(JLong64::of(value)); }
+    using JDataOutput::JWrite64;
+
+    // JOutputStream
+    int64_t JTell() override;
+    void JSeek(int64_t position) override;
+
+    // JDataOutput
+    int32_t getByteOrder() const override { return byteOrder_; }
+    void setByteOrder(int32_t order) override { byteOrder_ = order; }
+
+    /// Closes the sink and releases this stream, also if closing fails.
+    /// \throws KELIOException with the sink's message
+    void destroy();
+
+protected:
+    JOutputStream& sink() const { return *sink_; }
+
+private:
+    JPointer<JOutputStream> sink_;
+    int32_t byteOrder_ = 1;
+};

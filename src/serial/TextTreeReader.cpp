@@ -1,0 +1,369 @@
+#include "serial/TextTreeReader.h"
+
+#include "meta/KEL_Manager_Impl.h"
+#include "serial/Characters.h"
+#include "values/KEL_Array_Impl.h"
+#include "values/KEL_Boolean_Impl.h"
+#include "values/KEL_Double_Impl.h"
+#include "values/KEL_Int_Impl.h"
+#include "values/KEL_String_Impl.h"
+#include "values/KEL_Struct_Impl.h"
+#include "values/KEL_guid_Impl.h"
+
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+bool holdsNul(std::string_view text) { return text.find('\0') != std::string_view::npos; }
+
+} // namespace
+
+KEL_Impl* TextTreeReader::read() {
+    source_.startRoot();
+    readValue();
+    while (!levels_.empty()) {
+        next();
+    }
+    return root_.detach();
+}
+
+// ---- Inside containers -------------------------------------------------------------------------
+
+void TextTreeReader::next() {
+    switch (levels_.back().kind) {
+    case KELKind_Array:
+        nextElement();
+        break;
+    case KELKind_Struct:
+        nextVariable();
+        break;
+    case KELKind_Manager:
+        nextEntry();
+        break;
+    default:
+        readValue(); // a definition's text
+        break;
+    }
+}
+
+void TextTreeReader::nextElement() {
+    const int32_t type = source_.skip();
+    if (type == tokenNone && source_.tokens().input().peek() == ']') {
+        close();
+    } else {
+        beginValue(type);
+    }
+}
+
+void TextTreeReader::nextVariable() {
+    const int32_t type = source_.skip();
+    if (type == tokenNone && source_.tokens().input().peek() == '}') {
+        close();
+        return;
+    }
+    readKey(type, levels_.back().key);
+    expect('=');
+    readValue();
+}
+
+void TextTreeReader::nextEntry() {
+    const int32_t type = source_.skip();
+    if (type == tokenEnd) {
+        source_.endError();
+    }
+    if (type == tokenNone && source_.tokens().input().peek() == ')') {
+        close();
+        return;
+    }
+    source_.unread();
+    JHashCode key;
+    if (!source_.tokens().readHashCode(key)) {
+        source_.syntaxError();
+    }
+    expect('=');
+    identity_ = key;
+    readValue();
+}
+
+void TextTreeReader::readKey(int32_t type, std::string& key) {
+    if (type == tokenEnd) {
+        source_.endError();
+    }
+    const Token& token = source_.tokens().token();
+    if (type == tokenWord && token.quoted) {
+        key = token.text;
+    } else {
+        // What is a number or the beginning of a word to the tokenizer may be part of a key.
+        source_.unread();
+        key = source_.tokens().readKeyRun();
+    }
+    if (key.empty() || holdsNul(key)) {
+        source_.syntaxError();
+    }
+}
+
+void TextTreeReader::expect(char character) {
+    const int32_t type = source_.skip();
+    if (type == tokenEnd) {
+        source_.endError();
+    }
+    if (type != tokenNone || source_.tokens().nextRaw() != character) {
+        source_.syntaxError();
+    }
+}
+
+// ---- The beginning of a value ------------------------------------------------------------------
+
+void TextTreeReader::readValue() {
+    while (!beginValue(source_.skip())) {
+        // A definition stood before the value.
+    }
+}
+
+/// Reads a whole scalar or the beginning of a container. False if it was a definition instead.
+bool TextTreeReader::beginValue(int32_t type) {
+    const Token& token = source_.tokens().token();
+    switch (type) {
+    case tokenEnd:
+        source_.endError();
+    case tokenInteger:
+    case tokenFloating:
+        beginNumber();
+        return true;
+    case tokenWord:
+        beginWord();
+        return true;
+    case tokenHashCode:
+        beginAfterHashCode(JHashCode(token.hashCode));
+        return true;
+    default:
+        return beginRaw();
+    }
+}
+
+/// True, with the input behind it, when the number just read is the first group of a hash code.
+bool TextTreeReader::atHashCode() {
+    constexpr std::size_t groupLength = 8;
+    StreamTokenizer& tokens = source_.tokens();
+    BufferedInput& input = tokens.input();
+    return tokens.token().type == tokenInteger &&
+           input.position() - tokens.tokenStart() == groupLength && input.peek() == '-';
+}
+
+void TextTreeReader::beginNumber() {
+    const Token token = source_.tokens().token();
+    if (atHashCode()) {
+        BufferedInput& input = source_.tokens().input();
+        const int64_t behind = input.position();
+        source_.unread();
+        JHashCode hashCode;
+        if (source_.tokens().readHashCode(hashCode)) {
+            beginAfterHashCode(hashCode);
+            return;
+        }
+        input.seek(behind);
+    }
+    if (token.type == tokenInteger) {
+        completeNew<KEL_Int_Impl>(token.integer);
+    } else {
+        completeNew<KEL_Double_Impl>(token.floating);
+    }
+}
+
+void TextTreeReader::beginWord() {
+    const Token& token = source_.tokens().token();
+    const std::string_view text = token.text;
+    if (token.quoted) {
+        if (holdsNul(text)) {
+            source_.syntaxError();
+        }
+        completeNew<KEL_String_Impl>(text);
+    } else if (text == "true" || text == "false") {
+        completeNew<KEL_Boolean_Impl>(text == "true");
+    } else if (text == "null" || text == "NULL") {
+        identity_.reset();
+        deliver(JPointer<KEL_Impl>());
+    } else if (text == "REF" || text == "ref") {
+        refer();
+    } else {
+        source_.beginExpansion(text);
+        levels_.push_back({expansionKind, {}, identity_, {}, {}});
+    }
+}
+
+/// A hash code where a value must stand is that value's identity when a value follows on the same
+/// line, else a guid value.
+void TextTreeReader::beginAfterHashCode(const JHashCode& hashCode) {
+    if (identity_.has_value()) {
+        completeNew<KEL_guid_Impl>(hashCode);
+        return;
+    }
+    const int32_t type = source_.skipOnLine();
+    const int32_t raw = type == tokenNone ? source_.tokens().input().peek() : -1;
+    if (raw == '=') {
+        source_.tokens().nextRaw();
+        identity_ = hashCode;
+        readValue();
+        return;
+    }
+    const bool closes = raw == ']' || raw == '}' || raw == ')' || raw == '>';
+    source_.unread();
+    if (type == tokenEnd || type == tokenNewline || closes) {
+        completeNew<KEL_guid_Impl>(hashCode);
+    } else {
+        identity_ = hashCode;
+        readValue();
+    }
+}
+
+bool TextTreeReader::beginRaw() {
+    switch (source_.tokens().nextRaw()) {
+    case '[':
+        openArray();
+        return true;
+    case '{':
+        openStruct();
+        return true;
+    case '(':
+        openManager();
+        return true;
+    case '#':
+        source_.define();
+        return false;
+    default:
+        source_.syntaxError();
+    }
+}
+
+/// Reads the hash code of a reference and finds its value, which has an identity already.
+void TextTreeReader::refer() {
+    JHashCode hashCode;
+    if (source_.skip() == tokenEnd) {
+        source_.endError();
+    }
+    source_.unread();
+    KEL_Impl* value = nullptr;
+    if (!identity_.has_value() && source_.tokens().readHashCode(hashCode)) {
+        value = known_.find(hashCode);
+    }
+    if (value == nullptr) {
+        source_.syntaxError();
+    }
+    deliver(JPointer<KEL_Impl>::share(value));
+}
+
+// ---- Containers begin and end ------------------------------------------------------------------
+
+void TextTreeReader::openArray() {
+    open(KELKind_Array, JPointer<KEL_Impl>(identity_ ? new KEL_Array_Impl(*identity_)
+                                                     : new KEL_Array_Impl()));
+}
+
+/// Reads the header, which stands on the line of the brace.
+void TextTreeReader::openStruct() {
+    StreamTokenizer& tokens = source_.tokens();
+    std::optional<JHashCode> headerIdentity;
+    for (;;) {
+        const int32_t type = source_.skipOnLine();
+        const Token& token = tokens.token();
+        const bool bare = type == tokenWord && !token.quoted;
+        const bool isType = bare && token.text == "@type";
+        if (!isType && !(bare && token.text == "@hashCode")) {
+            source_.unread();
+            break;
+        }
+        expect('=');
+        if (isType) {
+            if (source_.skip() != tokenInteger || tokens.token().integer != KELKind_Struct) {
+                source_.syntaxError();
+            }
+        } else {
+            source_.skip();
+            source_.unread();
+            if (!tokens.readHashCode(headerIdentity.emplace())) {
+                source_.syntaxError();
+            }
+        }
+        if (source_.skipOnLine() != tokenNone || tokens.input().peek() != ',') {
+            source_.unread();
+        } else {
+            tokens.nextRaw();
+        }
+    }
+    if (!identity_.has_value()) {
+        identity_ = headerIdentity;
+    }
+    open(KELKind_Struct, JPointer<KEL_Impl>(identity_ ? new KEL_Struct_Impl(*identity_)
+                                                      : new KEL_Struct_Impl()));
+}
+
+void TextTreeReader::openManager() {
+    open(KELKind_Manager, JPointer<KEL_Impl>(identity_ ? new KEL_Manager_Impl(*identity_)
+                                                       : new KEL_Manager_Impl()));
+    levels_.back().entries = std::make_unique<IdentityTable>();
+}
+
+void TextTreeReader::open(int32_t kind, JPointer<KEL_Impl>&& container) {
+    levels_.push_back({kind, std::move(container), std::exchange(identity_, {}), {}, {}});
+}
+
+void TextTreeReader::close() {
+    source_.tokens().nextRaw(); // the bracket
+    Level level = std::move(levels_.back());
+    levels_.pop_back();
+    identity_ = level.identity;
+    complete(std::move(level.container));
+}
+
+// ---- Values that are complete ------------------------------------------------------------------
+
+template <class T, class... Arguments>
+void TextTreeReader::completeNew(const Arguments&... arguments) {
+    complete(JPointer<KEL_Impl>(identity_ ? new T(*identity_, arguments...)
+                                          : new T(arguments...)));
+}
+
+void TextTreeReader::complete(JPointer<KEL_Impl>&& value) {
+    if (identity_.has_value()) {
+        known_.remember(*identity_, *value);
+        identity_.reset();
+    }
+    deliver(std::move(value));
+}
+
+/// Hands a value (null for the word null) to the container that it is in.
+void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
+    while (!levels_.empty() && levels_.back().kind == expansionKind) {
+        source_.endExpansion();
+        levels_.pop_back();
+    }
+    if (levels_.empty()) {
+        root_ = std::move(value);
+        return;
+    }
+    Level& level = levels_.back();
+    if (level.kind == KELKind_Struct) {
+        static_cast<KEL_Struct_Impl&>(*level.container).adoptVariable(level.key, std::move(value));
+    } else if (value.isValid()) {
+        if (level.kind == KELKind_Array) {
+            static_cast<KEL_Array_Impl&>(*level.container).adoptElement(std::move(value));
+        } else {
+            addEntry(level, std::move(value));
+        }
+    }
+}
+
+void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
+    auto& container = static_cast<KEL_Manager_Impl&>(*manager.container);
+    JHashCode identity;
+    value->getHashCode(identity);
+    if (manager.entries->insert(identity, nullptr)) {
+        container.adoptElement(std::move(value));
+    } else {
+        container.addKel(value.get());
+    }
+}
+
+} // namespace kel

@@ -1,0 +1,70 @@
+/// \file
+/// TextTreeReader: one walk of the text reader over a value.
+#pragma once
+
+#include "serial/TextSource.h"
+#include "serial/ValueTable.h"
+
+#include <optional>
+
+namespace kel {
+
+/// Reads one value and all inside it, with a stack of its own instead of recursion. The rules of
+/// the format stand in docs/text-format.md.
+class TextTreeReader {
+public:
+    /// Reads from source. known gives the values of references and learns those that come with an
+    /// identity.
+    TextTreeReader(TextSource& source, ValueTable& known) : source_(source), known_(known) {}
+
+    /// Reads one value; the caller owns it. Null for the word null.
+    /// \throws KELIOException for a syntax error, KELEOFException for an end, both with the line
+    /// \throws TokenizerException by value for a quote that is not closed
+    KEL_Impl* read();
+
+private:
+    /// A value that is not complete: a container, or the use of a definition.
+    struct Level {
+        int32_t kind; ///< of the container; expansionKind for a definition
+        JPointer<KEL_Impl> container;
+        std::optional<JHashCode> identity;      ///< given to this value
+        std::string key;                        ///< of the variable being read
+        std::unique_ptr<IdentityTable> entries; ///< of a manager, to find doubles
+    };
+    static constexpr int32_t expansionKind = 0;
+
+    void next();
+    void nextElement();
+    void nextVariable();
+    void nextEntry();
+    void readKey(int32_t type, std::string& key);
+    void expect(char character);
+
+    void readValue();
+    bool beginValue(int32_t type);
+    void beginNumber();
+    void beginWord();
+    void beginAfterHashCode(const JHashCode& hashCode);
+    bool beginRaw();
+    void refer();
+    bool atHashCode();
+
+    void openArray();
+    void openStruct();
+    void openManager();
+    void open(int32_t kind, JPointer<KEL_Impl>&& container);
+    void close();
+    void complete(JPointer<KEL_Impl>&& value);
+    void deliver(JPointer<KEL_Impl> value);
+    void addEntry(Level& manager, JPointer<KEL_Impl>&& value);
+
+    template <class T, class... Arguments> void completeNew(const Arguments&... arguments);
+
+    TextSource& source_;
+    ValueTable& known_;
+    std::vector<Level> levels_;
+    std::optional<JHashCode> identity_; ///< given to the value about to begin
+    JPointer<KEL_Impl> root_;
+};
+
+} // namespace kel

@@ -1,0 +1,51 @@
+/// \file
+/// TextTreeWriter: one walk of the text writer over a value.
+#pragma once
+
+#include "serial/OutputBuffer.h"
+#include "values/ChildCursor.h"
+
+#include <vector>
+
+namespace kel {
+
+/// Writes one value and all below it, with a stack of its own instead of recursion. The rules of
+/// the format stand in docs/text-format.md.
+class TextTreeWriter {
+public:
+    TextTreeWriter(OutputBuffer& out, bool memBlockComment)
+        : out_(out), memBlockComment_(memBlockComment) {}
+
+    TextTreeWriter(const TextTreeWriter&) = delete;
+    TextTreeWriter& operator=(const TextTreeWriter&) = delete;
+    ~TextTreeWriter();
+
+    /// Writes value; see KELASCIIOutputStream_Impl::write.
+    /// \throws KELIOException "General KEL exception." for a kind without a text form
+    /// \throws KELIOException "Cannot write a value that contains itself."
+    void write(const KEL_Impl& value, int32_t indent, bool indentFirst, int32_t parentKind);
+
+private:
+    /// A container whose closing bracket is still to come.
+    struct Level {
+        ChildCursor cursor;
+        int32_t kind;
+        std::size_t tabs; ///< before the container's own brackets
+    };
+
+    void begin(const KEL_Impl& value, std::size_t tabs, bool indentFirst, int32_t parentKind);
+    void open(const KEL_Impl& container, int32_t kind, std::size_t tabs);
+    void close();
+    void next();
+    void writeKey(std::string_view name);
+    void writeStructHeader(int32_t parentKind, const KEL_Impl& value);
+    void writeIdentity(const KEL_Impl& value);
+    void writeMemBlock(const KEL_Impl& value);
+    void writeQuoted(std::string_view text);
+
+    OutputBuffer& out_;
+    bool memBlockComment_;
+    std::vector<Level> levels_;
+};
+
+} // namespace kel

@@ -1,0 +1,31 @@
+/// \file
+/// JInputStream: a source of bytes.
+#pragma once
+
+#include <cstdint>
+#include <kel/JObject.h>
+
+/// Bytes read one after the other from a medium. A stream over a file, a pipe or a string
+/// implements the pure operations; failures are JIOExceptions by value.
+class JInputStream : public virtual JObject {
+public:
+    /// The next byte, 0 to 255, or -1 at end of input.
+    /// \throws JIOException with the medium's message
+    virtual int32_t JRead() = 0;
+
+    /// Reads at most count bytes to buffer + offset, here byte by byte through JRead(). A count
+    /// below 1 reads nothing.
+    /// \return the number of bytes; less than count only at end of input, 0 when none was left
+    /// \throws JIOException "JInputStream.read : buff=NULL" for a null buffer
+    virtual int32_t JRead(uint8_t* buffer, int32_t offset, int32_t count);
+
+    /// Ends the stream; reading it then answers end of input. Closing twice does nothing.
+    virtual void JClose() = 0;
+
+    /// The position of the next byte, or -1 when the medium has no positions (a pipe).
+    virtual int64_t JTell() = 0;
+
+    /// Moves to an absolute position.
+    /// \throws JIOException for a negative position, or when the medium cannot
+    virtual void JSeek(int64_t position) = 0;
+};

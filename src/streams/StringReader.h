@@ -1,0 +1,36 @@
+/// \file
+/// StringReader: bytes of a text in memory.
+#pragma once
+
+#include "streams/JInputStream.h"
+
+#include <sstream>
+
+/// Reads a copy of a caller's text.
+class StringReader : public JInputStream {
+public:
+    /// Copies length bytes of text, NULs included. Null text or a negative length is empty.
+    StringReader(const char* text, int64_t length);
+
+    /// The next byte, or -1 at the end and when closed.
+    int32_t JRead() override;
+
+    /// Reads at most count bytes to buffer + offset and returns how many; 0 at the end.
+    /// \throws JIOException "JInputStream.read : buff=NULL" for a null buffer
+    int32_t JRead(uint8_t* buffer, int32_t offset, int32_t count) override;
+
+    /// Ends the stream.
+    void JClose() override { closed_ = true; }
+
+    /// The position of the next byte.
+    int64_t JTell() override;
+
+    /// Moves to a position, up to the end of the text.
+    /// \throws JIOException "StringReader::JSeek(). Cannot seek to negative position."
+    /// \throws JIOException "StringReader::JSeek(). Stream returned fail() flag." behind the end
+    void JSeek(int64_t position) override;
+
+private:
+    std::stringbuf buffer_;
+    bool closed_ = false;
+};

@@ -1,0 +1,77 @@
+#include "streams/StringWriter.h"
+
+#include "platform/Memory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <kel/JException.h>
+#include <string_view>
+
+namespace {
+
+void checkStream(const std::ostringstream& text, const char* badMessage, const char* failMessage) {
+    if (text.bad()) {
+        throw JIOException(badMessage);
+    }
+    if (text.fail()) {
+        throw JIOException(failMessage);
+    }
+}
+
+} // namespace
+
+StringWriter::~StringWriter() { kel::platform::deallocate(snapshot_); }
+
+const char* StringWriter::getString() {
+    if (changed_) {
+        kel::platform::deallocate(snapshot_);
+        snapshot_ = static_cast<char*>(kel::platform::allocateZeroed(1, size_t{count_} + 1));
+        if (snapshot_ == nullptr) {
+            throw JOutOfMemoryException("StringWriter out of memory.");
+        }
+        const std::string_view written = text_.view();
+        std::memcpy(snapshot_, written.data(), std::min<size_t>(count_, written.size()));
+        changed_ = false;
+    }
+    return snapshot_;
+}
+
+// The count and the NUL must stay within 32 bits, or getStringSize would lie.
+void StringWriter::refuseOverflow(uint32_t count) {
+    if (count >= UINT32_MAX - count_) {
+        text_.setstate(std::ios_base::failbit);
+    }
+}
+
+void StringWriter::JWrite(int32_t byte) {
+    changed_ = true;
+    refuseOverflow(1);
+    text_.put(static_cast<char>(static_cast<uint8_t>(byte)));
+    checkStream(text_, "StringWriter::JWrite(int). Stream returned bad() flag.",
+                "StringWriter::JWrite(int). Stream returned fail() flag.");
+    ++count_;
+}
+
+void StringWriter::JWrite(const uint8_t* buffer, int32_t offset, int32_t count) {
+    if (buffer == nullptr) {
+        throw JIOException("StringWriter::JWrite(uchar*,int,int). Buffer=NULL");
+    }
+    if (count < 1) {
+        return;
+    }
+    changed_ = true;
+    refuseOverflow(static_cast<uint32_t>(count));
+    text_.write(reinterpret_cast<const char*>(buffer + offset), count);
+    checkStream(text_, "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.",
+                "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.");
+    count_ += static_cast<uint32_t>(count);
+}
+
+void StringWriter::JSeek(int64_t position) {
+    if (position < 0) {
+        throw JIOException("StringWriter::JSeek(). Cannot seek to negative position.");
+    }
+    text_.seekp(position);
+    checkStream(text_, "StringWriter::JSeek(). Stream returned bad() flag.",
+                "StringWriter::JSeek(). Stream returned fail() flag.");
+}

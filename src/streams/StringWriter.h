@@ -1,0 +1,65 @@
+/// \file
+/// StringWriter: bytes to a growing text in memory.
+#pragma once
+
+#include "streams/JOutputStream.h"
+
+#include <sstream>
+
+/// Collects what is written and shows it as a NUL-terminated text.
+class StringWriter : public JOutputStream {
+public:
+    StringWriter() = default;
+    StringWriter(const StringWriter&) = delete;
+    StringWriter& operator=(const StringWriter&) = delete;
+    ~StringWriter() override;
+
+    /// The text written so far and a NUL; null before the first write. It belongs to the writer
+    /// and lives until getString is called after a further write.
+    /// \throws JOutOfMemoryException "StringWriter out of memory."
+    virtual const char* getString();
+
+    /// The number of characters written, plus one for the NUL.
+    virtual uint32_t getStringSize() const { return count_ + 1; }
+
+    /// Writes the low eight bits of byte.
+    /// \throws JIOException "StringWriter::JWrite(int). Stream returned bad() flag."
+    /// \throws JIOException "StringWriter::JWrite(int). Stream returned fail() flag.", also when
+    ///         the number of characters would leave 32 bits
+    void JWrite(int32_t byte) override;
+
+    /// Writes count bytes from buffer + offset; nothing for a count below 1.
+    /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Buffer=NULL"
+    /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag."
+    /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.",
+    ///         also when the number of characters would leave 32 bits
+    void JWrite(const uint8_t* buffer, int32_t offset, int32_t count) override;
+
+    /// Nothing is kept back, so there is nothing to flush.
+    void JFlush() override {}
+
+    /// A text in memory has nothing to close: it stays readable.
+    void JClose() override {}
+
+    /// The position of the next character, or -1 after a failure.
+    int64_t JTell() override { return text_.tellp(); }
+
+    /// Moves back into the text, or to its end. What is written there replaces the old characters
+    /// but counts as written again, so getString then ends in that many NULs.
+    /// \throws JIOException "StringWriter::JSeek(). Cannot seek to negative position."
+    /// \throws JIOException "StringWriter::JSeek(). Stream returned bad() flag."
+    /// \throws JIOException "StringWriter::JSeek(). Stream returned fail() flag." behind the end
+    void JSeek(int64_t position) override;
+
+protected:
+    /// The standard stream underneath.
+    std::ostringstream& text() { return text_; }
+
+private:
+    void refuseOverflow(uint32_t count);
+
+    std::ostringstream text_;
+    bool changed_ = false;
+    char* snapshot_ = nullptr;
+    uint32_t count_ = 0;
+};

@@ -1,0 +1,48 @@
+#!/usr/bin/env python3
+"""Runs an example and compares what it prints and the files it makes with what is stored.
+
+    check_example.py PROGRAM FOLDER [ARGUMENT...]
+
+The program runs in a scratch folder that holds copies of the files of FOLDER. Each file of
+FOLDER/expected is compared: "stdout" with the output, others with the file of that name.
+"""
+import difflib
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+
+def difference(name, expected, found):
+    return list(difflib.unified_diff(expected.splitlines(True), found.splitlines(True),
+                                     f"expected {name}", f"found {name}"))
+
+
+def main(arguments):
+    if len(arguments) < 2:
+        sys.exit(__doc__)
+    program, folder, *rest = arguments
+    folder = pathlib.Path(folder)
+    with tempfile.TemporaryDirectory() as scratch:
+        scratch = pathlib.Path(scratch)
+        for path in folder.iterdir():
+            if path.is_file():
+                shutil.copy(path, scratch)
+        result = subprocess.run([program, *rest], cwd=scratch, text=True, stdout=subprocess.PIPE)
+        if result.returncode != 0:
+            sys.exit(f"{program} ended with status {result.returncode}")
+        differences = []
+        for expected in sorted((folder / "expected").iterdir()):
+            made = scratch / expected.name
+            found = result.stdout if expected.name == "stdout" else (
+                made.read_text() if made.is_file() else "")
+            differences += difference(expected.name, expected.read_text(), found)
+    if not (folder / "expected" / "stdout").is_file():
+        differences.append(f"{folder} stores no expected output\n")
+    sys.stdout.writelines(differences)
+    return 1 if differences else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

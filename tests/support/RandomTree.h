@@ -1,0 +1,66 @@
+/// \file
+/// Random trees of values, the same for the same seed.
+#pragma once
+
+#include "values/KEL_Impl.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kel::test {
+
+/// What random trees may hold beside Ints, Booleans, Strings, Doubles, arrays and structs. Names
+/// and strings are often awkward: keywords, numbers, brackets, line ends, bytes above 127.
+struct RandomTreeOptions {
+    int maxValues = 30;        ///< the greatest number of values
+    bool memBlocks = true;     ///< memory blocks
+    bool guids = true;         ///< guids
+    bool managers = true;      ///< managers
+    bool quotes = true;        ///< strings with a double quote
+    bool anyDoubles = true;    ///< every double; else whole millionths with an integer part that 32
+                               ///< bits hold
+    bool sharing = true;       ///< values that sit in several places
+    bool cycles = false;       ///< values that contain themselves: take them apart in the end
+    bool nullVariables = true; ///< struct variables without a value
+};
+
+/// Random numbers that are the same with every standard library.
+class RandomNumbers {
+public:
+    explicit RandomNumbers(uint64_t seed) : state_(seed) {}
+
+    /// Any 64 bits.
+    uint64_t next();
+
+    /// A number from 0 to below limit, which is above 0.
+    int below(std::size_t limit) { return static_cast<int>(next() % limit); }
+
+    /// True once in `times`.
+    bool once(int times) { return below(static_cast<std::size_t>(times)) == 0; }
+
+    JHashCode hashCode();
+
+private:
+    uint64_t state_;
+};
+
+/// The tree of this seed, owned by the caller.
+KEL_Impl* randomTree(uint64_t seed, const RandomTreeOptions& options = {});
+
+/// A name for a struct variable: not empty, no double quote.
+std::string randomName(RandomNumbers& numbers);
+
+/// Text without a NUL, perhaps empty.
+std::string randomText(RandomNumbers& numbers, bool quotes);
+
+/// A double of the kind that the option tells.
+double randomDouble(RandomNumbers& numbers, bool any);
+
+/// Changes the value so that it equals its former self no longer. \return false if it has nothing
+/// to change (a memory block without bytes)
+bool changeValue(KEL_Impl& value);
+
+/// The tree in a few words for the message of a failed test: kinds and contents, nested in brackets.
+std::string describe(const KEL_Impl& root);
+
+} // namespace kel::test

@@ -1,0 +1,114 @@
+#include "Carry.h"
+
+#include "DoubleText.h"
+#include "ReservedShapes.h"
+#include "Utf8.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace kel::tool {
+
+namespace {
+
+const char* obstacleInText(const KEL& value) {
+    switch (value.getType()) {
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_guid:
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Manager:
+        return nullptr;
+    case KELKind_Double:
+        return obstacleOfDouble(value.toDouble(), Format::text);
+    case KELKind_String:
+        return obstacleOfText(value.toString(), Format::text);
+    case KELKind_MemBlock:
+        return "a memory block";
+    default:
+        return "a value of a kind without a text form";
+    }
+}
+
+const char* obstacleInBinary(const KEL& value) {
+    const int32_t kind = value.getType();
+    if (kind == KELKind_guid) {
+        return "a guid";
+    }
+    if (kind == KELKind_Manager) {
+        return "a manager";
+    }
+    return kind > KELKind_Manager ? "a value of a kind without a binary form" : nullptr;
+}
+
+const char* obstacleInJson(const KEL& value) {
+    switch (value.getType()) {
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_guid:
+    case KELKind_MemBlock:
+    case KELKind_Array:
+        return nullptr;
+    case KELKind_Double:
+        return obstacleOfDouble(value.toDouble(), Format::json);
+    case KELKind_String:
+        return obstacleOfText(value.toString(), Format::json);
+    case KELKind_Struct: {
+        const auto& structure = dynamic_cast<const KEL_Struct&>(value);
+        return isReservedShape(structure) ? "a struct that JSON takes for a guid or memory block"
+                                          : nullptr;
+    }
+    case KELKind_Manager:
+        return "a manager";
+    default:
+        return "a value of a kind without a JSON form";
+    }
+}
+
+} // namespace
+
+const char* obstacleOfDouble(double value, Format format) {
+    if (format == Format::binary) {
+        return nullptr;
+    }
+    if (!std::isfinite(value)) {
+        return "a double that is not a finite number";
+    }
+    if (format == Format::text && !isCarriedByText(value)) {
+        return "a double that six decimals do not carry";
+    }
+    return nullptr;
+}
+
+const char* obstacleOfText(const char* text, Format format) {
+    if (format == Format::text && std::strchr(text, '"') != nullptr) {
+        return "a string with a double quote";
+    }
+    if (format == Format::json && !isUtf8(text)) {
+        return "a string that is not UTF-8";
+    }
+    return nullptr;
+}
+
+const char* obstacleOf(const KEL& value, Format format) {
+    switch (format) {
+    case Format::text:
+        return obstacleInText(value);
+    case Format::binary:
+        return obstacleInBinary(value);
+    case Format::json:
+        break;
+    }
+    return obstacleInJson(value);
+}
+
+const char* obstacleOfName(const char* name, Format format) {
+    return format == Format::json && !isUtf8(name) ? "a name that is not UTF-8" : nullptr;
+}
+
+const char* obstacleOfNullRoot(Format format) {
+    return format == Format::binary ? "null outside a struct" : nullptr;
+}
+
+} // namespace kel::tool

@@ -1,0 +1,54 @@
+#include "Children.h"
+
+#include <string>
+#include <vector>
+
+namespace kel::tool {
+
+namespace {
+
+void replaceElements(KEL_Array& array, const Replacement& replace) {
+    bool isChanged = false;
+    std::vector<Value> elements;
+    elements.reserve(static_cast<size_t>(array.getCount()));
+    for (int32_t i = 0; i < array.getCount(); ++i) {
+        Value replacement;
+        if (replace(array.getVar(i), replacement)) {
+            isChanged = true;
+            elements.push_back(std::move(replacement));
+        } else {
+            elements.push_back(share(array.getVar(i)));
+        }
+    }
+    if (!isChanged) {
+        return;
+    }
+    // Filled anew, because taking elements out one by one would take quadratic time.
+    array.removeAllVars();
+    for (const Value& element : elements) {
+        array.addVar(element.get()); // which ignores null
+    }
+}
+
+void replaceMembers(KEL_Struct& structure, const Replacement& replace) {
+    const Names names(structure.getVarNames());
+    while (names->hasMoreElements()) {
+        const char* name = names->nextElement();
+        Value replacement;
+        if (replace(memberOf(structure, name), replacement)) {
+            structure.setVar(name, replacement.get());
+        }
+    }
+}
+
+} // namespace
+
+void replaceChildren(KEL& container, const Replacement& replace) {
+    if (auto* array = dynamic_cast<KEL_Array*>(&container)) {
+        replaceElements(*array, replace);
+    } else if (auto* structure = dynamic_cast<KEL_Struct*>(&container)) {
+        replaceMembers(*structure, replace);
+    }
+}
+
+} // namespace kel::tool

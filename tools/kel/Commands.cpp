@@ -1,0 +1,135 @@
+#include "Commands.h"
+
+#include "Failure.h"
+#include "Fitter.h"
+#include "Input.h"
+#include "JsonWriter.h"
+#include "KelWriter.h"
+#include "OutputFile.h"
+#include "Survey.h"
+
+#include <algorithm>
+
+namespace kel::tool {
+
+namespace {
+
+/// Writes the document to the named file, to stdout for "-".
+void write(const Document& document, Format format, const std::string& name) {
+    OutputFile output(name);
+    try {
+        if (format == Format::json) {
+            writeJson(document, output.file());
+        } else {
+            writeKel(document, format, output.file());
+        }
+    } catch (Failure& failure) {
+        if (failure.trouble == Trouble::unwritten) {
+            failure.message = name + ": cannot be written: " + failure.message;
+        }
+        throw;
+    }
+    output.commit();
+}
+
+std::string headingOf(const Places& places, const std::string& inputName, const std::string& what) {
+    const char* noun = places.count() == 1 ? " place that " : " places that ";
+    return inputName + ": " + std::to_string(places.count()) + noun + what + " cannot carry:";
+}
+
+/// Looks the document through, which finds the rest of what the target cannot carry.
+void survey(Input& input, Format target, const std::string& inputName, Places& places) {
+    // The reader of JSON has listed everything already, under the paths of the JSON text.
+    const Survey found = surveyOf(input.document, target,
+                                  input.format == Format::json ? nullptr : &places);
+    if (!found.cycle) {
+        input.document.knowAcyclic();
+    }
+    requireSensibleSize(found, target, inputName);
+}
+
+int convert(const Options& options, Console& console) {
+    const std::string& name = options.inputs.front();
+    const Format target = *options.to;
+    Places places;
+    console.begin("reading " + name);
+    Input input = readInput(name, options.from, target, places);
+    console.begin("checking " + name);
+    survey(input, target, name, places);
+    if (places.count() > 0) {
+        const size_t rootCount = input.document.roots().size();
+        const std::string list =
+            describe(places, headingOf(places, name, nameOf(target)), rootCount);
+        if (!options.isForced) {
+            throw Failure{Trouble::refused,
+                          list + "\nNothing was written; --force converts the rest."};
+        }
+        console.say("warning: " + list);
+        fit(input.document, target);
+        if (input.document.roots().empty()) {
+            throw Failure{Trouble::refused, name + ": nothing is left to be written"};
+        }
+    }
+    console.begin("writing " + options.output);
+    write(input.document, target, options.output);
+    return 0;
+}
+
+int show(const Options& options, Console& console) {
+    const std::string& name = options.inputs.front();
+    Places places;
+    console.begin("reading " + name);
+    Input input = readInput(name, options.from, std::nullopt, places);
+    if (places.count() > 0) {
+        console.say("warning: " + describe(places, headingOf(places, name, "values"),
+                                           input.document.roots().size()));
+    }
+    const Survey found = surveyOf(input.document, Format::text, nullptr);
+    if (found.cycle) {
+        throw Failure{Trouble::refused,
+                      name + ": " + *found.cycle + ": Cannot write a value that contains itself."};
+    }
+    input.document.knowAcyclic();
+    requireSensibleSize(found, Format::text, name);
+    console.begin("writing " + name);
+    write(input.document, Format::text, "-");
+    return 0;
+}
+
+int check(const Options& options, Console& console) {
+    int worst = 0;
+    for (const std::string& name : options.inputs) {
+        console.begin("reading " + name);
+        try {
+            Places lostInReading; // a matter of converting, not of the file
+            readInput(name, options.from, std::nullopt, lostInReading);
+        } catch (const Failure& failure) {
+            console.say(failure.message);
+            const bool isWrong = failure.trouble == Trouble::malformed;
+            worst = std::max(worst, exitStatus(isWrong ? Trouble::refused : failure.trouble));
+        }
+    }
+    return worst;
+}
+
+} // namespace
+
+int run(const Options& options, Console& console) {
+    switch (options.command) {
+    case Command::convert:
+        return convert(options, console);
+    case Command::show:
+        return show(options, console);
+    case Command::check:
+        break;
+    }
+    return check(options, console);
+}
+
+void print(const std::string& text) {
+    OutputFile output("-");
+    std::fwrite(text.data(), 1, text.size(), output.file());
+    output.commit();
+}
+
+} // namespace kel::tool

@@ -1,0 +1,41 @@
+/// \file
+/// Failure: why the tool stops, and the exit status that says so.
+#pragma once
+
+#include <string>
+
+namespace kel::tool {
+
+/// What went wrong, as far as the exit status tells it.
+enum class Trouble {
+    refused,    ///< the answer is no: nothing was written, or check found an error
+    usage,      ///< the command line makes no sense
+    unreadable, ///< an input could not be opened or read
+    malformed,  ///< an input was read but is not what it should be
+    unwritten   ///< an output could not be written
+};
+
+/// The exit status of the process for a trouble: 1 to 4.
+constexpr int exitStatus(Trouble trouble) {
+    switch (trouble) {
+    case Trouble::refused:
+        return 1;
+    case Trouble::usage:
+        return 2;
+    case Trouble::unreadable:
+    case Trouble::malformed:
+        return 3;
+    case Trouble::unwritten:
+        break;
+    }
+    return 4;
+}
+
+/// Thrown by value by everything in the tool that cannot go on.
+struct Failure {
+    Trouble trouble;
+    /// What to print after "kel: "; empty when all has been said already.
+    std::string message;
+};
+
+} // namespace kel::tool

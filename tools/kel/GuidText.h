@@ -1,0 +1,18 @@
+/// \file
+/// GUIDs in their text layout.
+#pragma once
+
+#include <kel/JHashCode.h>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kel::tool {
+
+/// The GUID that the text spells: 8-4-4-4-12 hexadecimal digits in either case and nothing else.
+std::optional<JHashCode> guidOfText(std::string_view text);
+
+/// The 36 characters of the GUID.
+std::string textOfGuid(const JHashCode& guid);
+
+} // namespace kel::tool

@@ -1,0 +1,67 @@
+#include "Input.h"
+
+#include "Failure.h"
+#include "JsonReader.h"
+#include "KelReader.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+
+namespace kel::tool {
+
+namespace {
+
+[[noreturn]] void failToRead(const std::string& name) {
+    throw Failure{Trouble::unreadable, name + ": " + std::strerror(errno)};
+}
+
+} // namespace
+
+std::string readBytes(const std::string& name) {
+    constexpr size_t pieceSize = size_t{1} << 20U;
+    errno = 0;
+    std::FILE* file = name == "-" ? stdin : std::fopen(name.c_str(), "rb");
+    if (file == nullptr) {
+        failToRead(name);
+    }
+    std::string bytes;
+    size_t size = 0;
+    size_t got = 0;
+    do {
+        bytes.resize(size + pieceSize);
+        got = std::fread(bytes.data() + size, 1, pieceSize, file);
+        size += got;
+    } while (got == pieceSize);
+    bytes.resize(size);
+    const bool isRead = std::ferror(file) == 0;
+    const int reason = errno;
+    if (file != stdin) {
+        std::fclose(file);
+    }
+    errno = reason;
+    if (!isRead) {
+        failToRead(name);
+    }
+    return bytes;
+}
+
+Input readInput(const std::string& name, std::optional<Format> from, std::optional<Format> target,
+                Places& places) {
+    try {
+        std::string bytes = readBytes(name);
+        const Format format = from ? *from : recogniseFormat(bytes, name);
+        if (format == Format::json) {
+            return {format, readJson(std::move(bytes), name, target, places)};
+        }
+        return {format, readKel(std::move(bytes), format, name)};
+    } catch (const std::bad_alloc&) {
+        throw Failure{Trouble::unreadable, name + ": out of memory"};
+    } catch (const std::length_error&) {
+        throw Failure{Trouble::unreadable, name + ": out of memory"};
+    }
+}
+
+} // namespace kel::tool

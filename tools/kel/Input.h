@@ -1,0 +1,32 @@
+/// \file
+/// Reading a whole input.
+#pragma once
+
+#include "Document.h"
+#include "Format.h"
+#include "Places.h"
+
+#include <optional>
+#include <string>
+
+namespace kel::tool {
+
+/// All bytes of the named file, of stdin for "-".
+/// \throws Failure unreadable, "NAME: the system's reason"
+std::string readBytes(const std::string& name);
+
+/// What an input held.
+struct Input {
+    Format format;
+    Document document;
+};
+
+/// Reads the root values of the named file, of stdin for "-".
+/// \param from the format to take it for; by its content, else by its name when there is none
+/// \param target the format that the values go to, if there is one
+/// \param places gets what is lost in reading JSON: what values or the target cannot carry
+/// \throws Failure unreadable or malformed
+Input readInput(const std::string& name, std::optional<Format> from, std::optional<Format> target,
+                Places& places);
+
+} // namespace kel::tool

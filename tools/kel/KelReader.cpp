@@ -1,0 +1,164 @@
+#include "KelReader.h"
+
+#include "Failure.h"
+#include "KelWriter.h"
+#include "System.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+namespace kel::tool {
+
+namespace {
+
+/// The text of the end mark. No bare word contains the first character, so the mark is never read
+/// as anything but a String.
+constexpr const char* markText = "\x01 end of input \x01";
+
+/// A root value that is put behind the content of every input. A stream says "end of input" both
+/// behind the last value and in the middle of one; having read the mark last tells them apart.
+std::string endMark(Format format) {
+    char buffer[256];
+    std::FILE* file = openMemoryToWrite(buffer, sizeof buffer);
+    if (file == nullptr) {
+        throw std::bad_alloc();
+    }
+    const Value mark = made(CreateKELString(markText));
+    ValueWriter writer(format, file);
+    writer.write(mark.get());
+    writer.close();
+    const long size = std::ftell(file);
+    std::fclose(file);
+    // The blank keeps a carriage return at the end of the content from becoming half a line end.
+    return (format == Format::text ? " \n" : "") + std::string(buffer, static_cast<size_t>(size));
+}
+
+bool isEndMark(const Value& value) {
+    return value != nullptr && value->getType() == KELKind_String &&
+           std::strcmp(value->toString(), markText) == 0;
+}
+
+/// How the reading of a stream ended.
+struct Ending {
+    bool isEndOfInput = false;
+    std::string message; ///< of what the library threw
+    long offset = 0;     ///< of the first byte that was not used
+};
+
+/// An input stream of the library over bytes in memory.
+class ValueReader {
+public:
+    ValueReader(std::string_view content, Format format)
+        : file_(openMemoryToRead(content.data(), content.size())) {
+        if (file_ == nullptr) {
+            throw std::bad_alloc();
+        }
+        if (format == Format::text) {
+            stream_ = CreateKELTextInputStream(file_);
+        } else {
+            stream_ = CreateKELBinaryInputStream(file_);
+        }
+    }
+    ValueReader(const ValueReader&) = delete;
+    ValueReader& operator=(const ValueReader&) = delete;
+    ~ValueReader() {
+        DeleteKELInputStream(stream_);
+        std::fclose(file_);
+    }
+
+    KEL* read() { return stream_->read(); }
+
+    /// Ends the stream, which leaves the file behind the last byte that it used.
+    long offset() {
+        DeleteKELInputStream(stream_);
+        stream_ = nullptr;
+        return std::ftell(file_);
+    }
+
+private:
+    std::FILE* file_;
+    KELInputStream* stream_ = nullptr;
+};
+
+/// Reads root values until the library throws, which it does at the end at the latest.
+Ending readUntilFailure(std::string_view content, Format format, std::vector<Value>& roots) {
+    ValueReader reader(content, format);
+    Ending ending;
+    try {
+        for (;;) {
+            roots.emplace_back(reader.read());
+        }
+    } catch (KELException* failure) {
+        ending.isEndOfInput = dynamic_cast<KELEOFException*>(failure) != nullptr;
+        ending.message = failure->getMessage();
+        DeleteKELException(failure);
+    } catch (const JEOFException&) {
+        ending.isEndOfInput = true;
+    } catch (const JException& failure) {
+        const JPointer<JString> message(failure.getMessage());
+        ending.message = message.isNull() ? "out of memory" : message->chars();
+    }
+    ending.offset = reader.offset();
+    return ending;
+}
+
+/// The line that a message of the text reader ends with, cut off from it together with its lead;
+/// nothing for other messages.
+std::optional<std::string> takeLine(std::string& message) {
+    constexpr std::string_view lead = "Error reading KEL - ";
+    constexpr std::string_view beforeLine = " at line:";
+    const size_t at = message.rfind(beforeLine);
+    if (!message.starts_with(lead) || at == std::string::npos) {
+        return std::nullopt;
+    }
+    const size_t digits = message.find_first_not_of(' ', at + beforeLine.size());
+    if (digits == std::string::npos) {
+        return std::nullopt;
+    }
+    std::string line = message.substr(digits);
+    message = message.substr(lead.size(), at - lead.size());
+    return line;
+}
+
+std::string textFailure(std::string message, std::string_view content) {
+    if (const std::optional<std::string> line = takeLine(message)) {
+        return *line + ": " + message;
+    }
+    // Without a line of its own a failure concerns the end of the input.
+    const std::string_view body = content.substr(0, content.find_last_not_of('\n') + 1);
+    return std::to_string(std::count(body.begin(), body.end(), '\n') + 1) + ": " + message;
+}
+
+} // namespace
+
+Document readKel(std::string content, Format format, const std::string& inputName) {
+    const size_t size = content.size();
+    content += endMark(format);
+    {
+        std::vector<Value> roots;
+        const Ending ending = readUntilFailure(content, format, roots);
+        const bool isWhole = ending.isEndOfInput && !roots.empty() && isEndMark(roots.back());
+        if (isWhole) {
+            roots.pop_back();
+        }
+        // The document has to own the values in every case: it alone can release cycles.
+        Document document(std::move(roots), format == Format::binary);
+        if (isWhole && !document.roots().empty()) {
+            return document;
+        }
+    }
+    // Read again without the mark, which may have changed what the library says is wrong.
+    content.resize(size);
+    std::vector<Value> roots;
+    const Ending ending = readUntilFailure(content, format, roots);
+    const Document released(std::move(roots), format == Format::binary);
+    if (format == Format::text) {
+        throw Failure{Trouble::malformed, inputName + ':' + textFailure(ending.message, content)};
+    }
+    throw Failure{Trouble::malformed,
+                  inputName + ": offset " + std::to_string(ending.offset) + ": " +
+                      (ending.isEndOfInput ? "unexpected end of input" : ending.message)};
+}
+
+} // namespace kel::tool

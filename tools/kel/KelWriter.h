@@ -1,0 +1,39 @@
+/// \file
+/// Writing values as text and binary.
+#pragma once
+
+#include "Document.h"
+#include "Format.h"
+#include "Values.h"
+
+#include <cstdio>
+
+namespace kel::tool {
+
+/// The library's text or binary writer over an open file, which it flushes but does not close.
+/// Every failure becomes a Failure of the kind unwritten whose message is the reason alone.
+class ValueWriter {
+public:
+    /// \param format text or binary
+    ValueWriter(Format format, std::FILE* file);
+    ValueWriter(const ValueWriter&) = delete;
+    ValueWriter& operator=(const ValueWriter&) = delete;
+    /// Ends the stream; a writer that was not closed has failed already, so a failure to flush adds
+    /// nothing and is not reported again.
+    ~ValueWriter();
+
+    /// Writes one root value. Null is written as the word NULL in text; binary has no form for it.
+    void write(KEL* value);
+
+    /// Hands the last bytes to the system.
+    void close();
+
+private:
+    KELOutputStream* stream_;
+};
+
+/// Writes all root values of the document as text or binary.
+/// \throws Failure unwritten
+void writeKel(const Document& document, Format format, std::FILE* file);
+
+} // namespace kel::tool

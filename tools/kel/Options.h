@@ -1,0 +1,32 @@
+/// \file
+/// Options: what the command line asks for.
+#pragma once
+
+#include "Format.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace kel::tool {
+
+enum class Command { convert, show, check };
+
+struct Options {
+    Command command = Command::convert;
+    std::vector<std::string> inputs; ///< one, except for check
+    std::string output;              ///< for convert
+    std::optional<Format> from;
+    std::optional<Format> to;
+    bool isForced = false;
+};
+
+/// A text to print instead of doing anything: help or version.
+using Answer = std::string;
+
+/// Reads the command line.
+/// \throws Failure usage
+std::variant<Options, Answer> parseOptions(int argc, const char* const* argv);
+
+} // namespace kel::tool

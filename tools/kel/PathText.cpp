@@ -1,0 +1,90 @@
+#include "PathText.h"
+
+#include "Utf8.h"
+
+#include <algorithm>
+
+namespace kel::tool {
+
+namespace {
+
+/// A path of a deeply nested value would fill the screen; its two ends tell enough.
+constexpr size_t longestPath = 160;
+constexpr size_t shownEnd = 76;
+constexpr std::string_view gap = " ... ";
+
+bool isBareCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+           c == '@';
+}
+
+bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; }
+
+void appendHex(std::string& out, const char* prefix, unsigned char byte) {
+    constexpr char digits[] = "0123456789abcdef";
+    out += prefix;
+    out += digits[byte >> 4U];
+    out += digits[byte & 0xFU];
+}
+
+} // namespace
+
+std::string withoutControls(std::string_view text) {
+    std::string out;
+    while (!text.empty()) {
+        const size_t length = utf8SequenceLength(text);
+        const auto byte = static_cast<unsigned char>(text[0]);
+        if (length == 0) {
+            appendHex(out, "\\x", byte);
+        } else if (byte < 0x20 || byte == 0x7F) {
+            appendHex(out, "\\u00", byte);
+        } else {
+            out += text.substr(0, length);
+        }
+        text.remove_prefix(std::max<size_t>(length, 1));
+    }
+    return out;
+}
+
+void PathText::addIndex(uint64_t index) { text_ += '[' + std::to_string(index) + ']'; }
+
+void PathText::addName(std::string_view name) {
+    if (!name.empty() && std::all_of(name.begin(), name.end(), isBareCharacter)) {
+        if (!text_.empty()) {
+            text_ += '.';
+        }
+        text_ += name;
+    } else {
+        std::string quoted;
+        for (const char c : name) {
+            quoted.append(c == '"' || c == '\\' ? 1 : 0, '\\').append(1, c);
+        }
+        text_ += "[\"" + withoutControls(quoted) + "\"]";
+    }
+}
+
+void PathText::addIdentity(std::string_view guid) {
+    text_ += '(';
+    text_ += guid;
+    text_ += ')';
+}
+
+std::string PathText::take() const {
+    if (text_.empty()) {
+        return "(the value itself)";
+    }
+    if (text_.size() <= longestPath) {
+        return text_;
+    }
+    size_t headEnd = shownEnd;
+    while (isContinuation(text_[headEnd])) {
+        --headEnd;
+    }
+    size_t tailBegin = text_.size() - shownEnd;
+    while (isContinuation(text_[tailBegin])) {
+        ++tailBegin;
+    }
+    return text_.substr(0, headEnd).append(gap).append(text_, tailBegin);
+}
+
+} // namespace kel::tool

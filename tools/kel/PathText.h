@@ -1,0 +1,33 @@
+/// \file
+/// PathText: the way from a root value to one inside it, for people: `statuses[3].id`.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kel::tool {
+
+/// Builds the text of a path step by step. Names of letters, digits, "_" and "@" stand bare after a
+/// dot, all others as `["..."]` with escapes, so a path is always one line of printable text.
+class PathText {
+public:
+    /// Into the element of an array.
+    void addIndex(uint64_t index);
+    /// Into the member of a struct.
+    void addName(std::string_view name);
+    /// Into the element of a manager, told by its identity in GUID layout.
+    void addIdentity(std::string_view guid);
+
+    /// The path; "(the value itself)" without any step. Long ones lose their middle.
+    std::string take() const;
+
+private:
+    std::string text_;
+};
+
+/// The text in a form that no terminal stumbles over: control characters as \u00HH, bytes that are
+/// no UTF-8 as \xHH.
+std::string withoutControls(std::string_view text);
+
+} // namespace kel::tool

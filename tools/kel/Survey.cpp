@@ -1,0 +1,167 @@
+#include "Survey.h"
+
+#include "Carry.h"
+#include "Failure.h"
+#include "TreeCursor.h"
+
+#include <algorithm>
+#include <cstring>
+#include <unordered_map>
+
+namespace kel::tool {
+
+namespace {
+
+constexpr uint64_t ceiling = uint64_t{1} << 62U;
+
+uint64_t sum(uint64_t a, uint64_t b) { return std::min(a + b, ceiling); }
+
+/// The size of a value with all that it holds, written out at the left margin.
+struct Extent {
+    uint64_t values = 0;
+    uint64_t lines = 0;
+    uint64_t bytes = 0;
+
+    void add(const Extent& other) {
+        values = sum(values, other.values);
+        lines = sum(lines, other.lines);
+        bytes = sum(bytes, other.bytes);
+    }
+};
+
+/// One pass over a document.
+class Surveyor {
+public:
+    Surveyor(Format target, Places* places) : target_(target), places_(places) {}
+
+    /// Visits everything below a root.
+    void visit(KEL* root, size_t rootNumber);
+
+    Survey result() const { return {total_.values, total_.bytes, cycle_}; }
+
+private:
+    /// A container that was entered, and its extent once it has been left.
+    struct Met {
+        bool isOpen = true;
+        Extent extent;
+    };
+
+    void arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNumber);
+    void enter(TreeCursor& cursor, size_t rootNumber);
+    void leave(const KEL* container);
+    void list(const TreeCursor& cursor, size_t rootNumber, const char* reason);
+    void add(const Extent& extent) { (open_.empty() ? total_ : open_.back()).add(extent); }
+
+    Format target_;
+    Places* places_;
+    Extent total_;
+    std::optional<std::string> cycle_;
+    std::vector<Extent> open_; ///< what the open containers hold so far
+    std::unordered_map<const KEL*, Met> met_;
+};
+
+/// The bytes of a scalar that depend on its contents.
+uint64_t bytesOf(const KEL& scalar) {
+    if (scalar.getType() == KELKind_String) {
+        return std::strlen(scalar.toString());
+    }
+    if (const auto* block = dynamic_cast<const KEL_MemBlock*>(&scalar)) {
+        return static_cast<uint64_t>(block->getSize());
+    }
+    return 1;
+}
+
+void Surveyor::visit(KEL* root, size_t rootNumber) {
+    TreeCursor cursor(root);
+    for (auto event = cursor.next(); event != TreeCursor::Event::done; event = cursor.next()) {
+        if (event == TreeCursor::Event::leave) {
+            leave(cursor.value());
+        } else {
+            arrive(cursor, event, rootNumber);
+        }
+    }
+}
+
+void Surveyor::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNumber) {
+    const char* name = cursor.name();
+    const char* obstacle = name != nullptr ? obstacleOfName(name, target_) : nullptr;
+    if (name != nullptr) {
+        add({0, 0, std::strlen(name)});
+    }
+    if (obstacle == nullptr && event == TreeCursor::Event::scalar) {
+        obstacle = obstacleOf(*cursor.value(), target_);
+    } else if (obstacle == nullptr && event == TreeCursor::Event::null && cursor.depth() == 0) {
+        obstacle = obstacleOfNullRoot(target_);
+    }
+    list(cursor, rootNumber, obstacle);
+    if (event == TreeCursor::Event::enter) {
+        enter(cursor, rootNumber);
+    } else {
+        add({1, 1, event == TreeCursor::Event::scalar ? bytesOf(*cursor.value()) : 1});
+    }
+}
+
+void Surveyor::enter(TreeCursor& cursor, size_t rootNumber) {
+    const auto [place, isNew] = met_.try_emplace(cursor.value());
+    if (isNew) {
+        list(cursor, rootNumber, obstacleOf(*cursor.value(), target_));
+        open_.emplace_back();
+        return;
+    }
+    if (place->second.isOpen) {
+        if (!cycle_) {
+            cycle_ = cursor.path();
+        }
+        if (target_ != Format::binary) {
+            list(cursor, rootNumber, "a value that contains itself");
+        }
+        add({1, 1, 1});
+    } else {
+        add(place->second.extent);
+    }
+    cursor.skip();
+}
+
+void Surveyor::leave(const KEL* container) {
+    const Extent inside = open_.back();
+    open_.pop_back();
+    Met& met = met_[container];
+    met.isOpen = false;
+    const uint64_t tabs = target_ == Format::text ? inside.lines : 0;
+    met.extent = {sum(inside.values, 1), sum(inside.lines, 2), sum(inside.bytes, tabs)};
+    add(met.extent);
+}
+
+void Surveyor::list(const TreeCursor& cursor, size_t rootNumber, const char* reason) {
+    if (reason != nullptr && places_ != nullptr) {
+        places_->add(rootNumber, reason, [&cursor] { return cursor.path(); });
+    }
+}
+
+} // namespace
+
+Survey surveyOf(const Document& document, Format target, Places* places) {
+    Surveyor surveyor(target, places);
+    for (size_t i = 0; i < document.roots().size(); ++i) {
+        surveyor.visit(document.roots()[i].get(), i);
+    }
+    return surveyor.result();
+}
+
+void requireSensibleSize(const Survey& survey, Format target, const std::string& inputName) {
+    if (target == Format::binary) {
+        return; // which writes every value once
+    }
+    const std::string what = inputName + ": as " + nameOf(target) + " this would be more than ";
+    if (survey.values > Survey::mostValues) {
+        throw Failure{Trouble::refused, what + std::to_string(Survey::mostValues) +
+                                            " values, because values are shared many times over"};
+    }
+    if (survey.bytes > Survey::mostBytes) {
+        throw Failure{Trouble::refused,
+                      what + std::to_string(Survey::mostBytes) +
+                          " bytes, because of deep nesting or of values that are shared many times"};
+    }
+}
+
+} // namespace kel::tool

@@ -1,0 +1,38 @@
+/// \file
+/// Survey: what a document holds, before anything of it is written.
+#pragma once
+
+#include "Document.h"
+#include "Format.h"
+#include "Places.h"
+
+#include <optional>
+
+namespace kel::tool {
+
+/// What text and JSON would make of a document. Both write a shared value wherever it occurs, so a
+/// small binary file can unfold to more than any disk holds; and text indents every level with a
+/// tab, so a deep tree can be mostly tabs. The counts are saturated far above the limits.
+struct Survey {
+    /// More values than this are refused in text and JSON.
+    static constexpr uint64_t mostValues = uint64_t{1} << 31U;
+    /// More bytes than this, tabs and characters of strings and names, are refused likewise.
+    static constexpr uint64_t mostBytes = uint64_t{1} << 36U;
+
+    uint64_t values = 0;
+    uint64_t bytes = 0;
+    /// The way to the first value that is one of the containers it lies in.
+    std::optional<std::string> cycle;
+};
+
+/// Looks at every value of the document once, in linear time.
+/// \param target the format that the document is to be written in
+/// \param places gets every place that target cannot carry; a value that sits in several places is
+///        listed where it comes first. Null when the places are known already.
+Survey surveyOf(const Document& document, Format target, Places* places);
+
+/// Refuses a document that would become too large.
+/// \throws Failure refused
+void requireSensibleSize(const Survey& survey, Format target, const std::string& inputName);
+
+} // namespace kel::tool

@@ -1,0 +1,76 @@
+/// \file
+/// TreeCursor: visits every value below a root, in order, without recursion.
+#pragma once
+
+#include "Values.h"
+
+#include <string>
+#include <vector>
+
+namespace kel::tool {
+
+/// Walks a tree with a stack of its own, however deep it is. Every value is visited as often as the
+/// tree holds it; whoever walks trees in which values are shared or contain themselves has to skip
+/// what was visited before. The tree belongs to somebody else, who keeps it alive.
+class TreeCursor {
+public:
+    enum class Event {
+        null,   ///< a place without a value
+        scalar, ///< a value that holds no others
+        enter,  ///< a container whose values come next; they are looked up after this event
+        leave,  ///< the end of a container
+        done    ///< nothing is left
+    };
+
+    explicit TreeCursor(KEL* root) : root_(root) {}
+
+    /// Moves on. \throws Failure refused for a manager whose values cannot be listed
+    Event next();
+
+    /// Right after enter: passes over the container's values; no leave comes for it.
+    void skip() { stack_.pop_back(); }
+
+    /// The value of the last event; null for a place without one.
+    KEL* value() const { return value_; }
+
+    /// The number of containers around the value.
+    size_t depth() const { return depth_; }
+
+    /// The value's name in the struct around it, valid until next; null elsewhere.
+    const char* name() const;
+
+    /// True for the first value of its container.
+    bool isFirst() const { return depth_ == 0 || stack_[depth_ - 1].next == 1; }
+
+    /// The way from the root to the value.
+    std::string path() const;
+
+private:
+    /// A container on the way to the current value, and how far it has been visited.
+    struct Frame {
+        KEL* container;
+        KEL_Array* array;       ///< for arrays
+        KEL_Struct* structure;  ///< for structs
+        size_t begin = 0;       ///< where the frame's names or elements begin in their stack
+        size_t name = 0;        ///< the current variable's name
+        size_t nextName = 0;    ///< the next variable's name
+        int32_t next = 0;       ///< number of the next value
+        int32_t count = 0;
+        bool isOpen = false;
+    };
+
+    Event arrive(KEL* value);
+    void open(Frame& frame);
+    KEL* childOf(Frame& frame);
+    void close();
+
+    KEL* root_;
+    KEL* value_ = nullptr;
+    size_t depth_ = 0;
+    bool isStarted_ = false;
+    std::vector<Frame> stack_;
+    std::string names_;          ///< the names of all open structs, each with a NUL
+    std::vector<KEL*> elements_; ///< the elements of all open managers
+};
+
+} // namespace kel::tool

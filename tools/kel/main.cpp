@@ -1,0 +1,41 @@
+// kel: converts, shows and checks files of KEL values.
+
+#include "Commands.h"
+#include "Failure.h"
+#include "System.h"
+
+#include <kel/KELException.h>
+#include <new>
+
+namespace {
+
+using namespace kel::tool;
+
+int runTool(int argc, const char* const* argv, Console& console) {
+    try {
+        const std::variant<Options, Answer> asked = parseOptions(argc, argv);
+        if (const Answer* answer = std::get_if<Answer>(&asked)) {
+            print(*answer);
+            return 0;
+        }
+        return run(std::get<Options>(asked), console);
+    } catch (const Failure& failure) {
+        console.say(failure.message);
+        return exitStatus(failure.trouble);
+    } catch (const std::bad_alloc&) {
+        console.say("out of memory");
+        return exitStatus(Trouble::unwritten);
+    } catch (KELException* failure) {
+        console.say(failure->getMessage());
+        DeleteKELException(failure);
+        return exitStatus(Trouble::unwritten);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    ignoreClosedPipes();
+    Console console;
+    return runTool(argc, argv, console);
+}
