@@ -82,8 +82,8 @@ def print_scaling(results):
             times = [cell["KEL"] for _, cell in sorted(sizes.items(), key=lambda s: int(s[0]))]
             spread = max(times) / min(times)
             row = "  ".join(f"{time:8.1f}" for time in times)
-            print(f"  {operation:<24} {row}  slowest by fastest {spread:.2f}, "
-                  f"{verdict(spread, WANTED_SPREAD)}")
+            note = verdict(spread, WANTED_SPREAD) if len(times) > 1 else "only one size measured"
+            print(f"  {operation:<24} {row}  slowest by fastest {spread:.2f}, {note}")
 
 
 def print_single_figures(results, memory):

@@ -20,10 +20,11 @@ public:
 
     /// Count 1 and the given identity; nothing is drawn.
     JObject(uint32_t w0, uint32_t w1, uint32_t w2, uint32_t w3)
-        : refCount_(1), hashCode_(w0, w1, w2, w3) {}
+        : refCount_(1), hashCode_(w0, w1, w2, w3), identityGiven_(true) {}
 
     /// Count 1 and the given identity; nothing is drawn.
-    explicit JObject(const JHashCode& hashCode) : refCount_(1), hashCode_(hashCode) {}
+    explicit JObject(const JHashCode& hashCode)
+        : refCount_(1), hashCode_(hashCode), identityGiven_(true) {}
 
     /// A copy is an object of its own: count 1 and a fresh identity.
     JObject(const JObject&) : JObject() {}
@@ -75,9 +76,14 @@ protected:
     /// The identity, without a virtual call.
     const JHashCode& identity() const { return hashCode_; }
 
+    /// True when the identity was given to the constructor: only then can it equal that of an
+    /// object made earlier.
+    bool isIdentityGiven() const { return identityGiven_; }
+
 private:
     int32_t refCount_;
     JHashCode hashCode_;
+    bool identityGiven_;
 };
 
 /// True when both are null, false when one is, else whether the identities are equal.

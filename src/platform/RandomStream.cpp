@@ -66,7 +66,7 @@ void RandomStream::fill() {
             state[b][lane] = std::rotl(state[b][lane] ^ state[c][lane], 7);
         }
     };
-    for (int round = 0; round < 10; ++round) {
+    for (int doubleRound = 0; doubleRound < 4; ++doubleRound) {
         quarterRound(0, 4, 8, 12);
         quarterRound(1, 5, 9, 13);
         quarterRound(2, 6, 10, 14);

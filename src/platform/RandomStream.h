@@ -7,8 +7,9 @@
 
 namespace kel::platform {
 
-/// The ChaCha20 key stream, several blocks at a time: random words at a few nanoseconds each
-/// without a system call. One thread uses a stream.
+/// The ChaCha key stream of eight rounds, several blocks at a time: random words at a few
+/// nanoseconds each without a system call. Identities have to be distinct, not secret; eight rounds
+/// are more than that takes. One thread uses a stream.
 class RandomStream {
 public:
     /// Draws a new key from the kernel and starts over; false when the kernel fails.

@@ -15,4 +15,4 @@ JHashCode drawIdentity() {
 
 } // namespace
 
-JObject::JObject() : refCount_(1), hashCode_(drawIdentity()) {}
+JObject::JObject() : refCount_(1), hashCode_(drawIdentity()), identityGiven_(false) {}

@@ -12,8 +12,10 @@ inline constexpr uint8_t magic[4] = {'K', 'E', 'L', 0};
 inline constexpr int32_t backReference = 0x7FFFFFFF;
 /// Magic, identity and kind: all of a back-reference.
 inline constexpr uint32_t referenceSize = 4 + 16 + 4;
-/// What precedes the payload: a reference's fields, version and payload length.
-inline constexpr uint32_t prefixSize = referenceSize + 2 + 8;
+/// Where the payload length stands, behind a reference's fields and the version.
+inline constexpr uint32_t lengthOffset = referenceSize + 2;
+/// All that precedes the payload.
+inline constexpr uint32_t prefixSize = lengthOffset + 8;
 /// The one version of every kind.
 inline constexpr int16_t version = 1;
 inline constexpr uint64_t intLength = 4;

@@ -12,7 +12,7 @@ namespace kel {
 BinaryTreeWriter::~BinaryTreeWriter() {
     for (const Level& level : levels_) {
         level.cursor.container->setOnPath(false);
-        written_.erase(level.identity);
+        written_.erase(level.cursor.container->identity());
     }
     if (!incomplete_.isZero()) {
         written_.erase(incomplete_);
@@ -34,83 +34,91 @@ void BinaryTreeWriter::writeReference(const JHashCode& identity) {
     out_.commit(binary::referenceSize);
 }
 
+/// Remembers that the value is being written. False if it was written before.
+bool BinaryTreeWriter::enter(const KEL_Impl& value) {
+    const JHashCode& identity = value.identity();
+    if (value.isIdentityGiven() && !askAlways_) {
+        askAlways_ = true;
+        written_.indexAdded();
+    }
+    if (identity.isZero()) {
+        return true; // stands for "no value" in references, so such a value never is one
+    }
+    if (!askAlways_ && !value.isShared()) {
+        written_.add(identity, nullptr);
+        return true;
+    }
+    return written_.insert(identity, nullptr);
+}
+
 void BinaryTreeWriter::writeRecord(const KEL_Impl& value) {
-    JHashCode identity;
-    value.getHashCode(identity);
-    // A zero identity stands for "no value" in references, so such a value never is one.
-    if (!identity.isZero() && !written_.insert(identity, nullptr)) {
-        writeReference(identity);
+    if (!enter(value)) {
+        writeReference(value.identity());
         return;
     }
-    incomplete_ = identity;
+    incomplete_ = value.identity();
     const int32_t kind = value.getType();
-    uint8_t* at = out_.reserve(binary::referenceSize + 2);
-    std::memcpy(at, binary::magic, 4);
-    storeLittle128(at + 4, identity);
-    storeLittle32(at + 20, static_cast<uint32_t>(kind));
-    storeLittle16(at + 24, static_cast<uint16_t>(value.getVersion()));
-    out_.commit(binary::referenceSize + 2);
-    writePayload(value, kind, identity);
+    // Room for a whole scalar record; what is not committed does not count.
+    uint8_t* prefix = out_.reserve(binary::prefixSize + binary::doubleLength);
+    std::memcpy(prefix, binary::magic, 4);
+    storeLittle128(prefix + 4, value.identity());
+    storeLittle32(prefix + 20, static_cast<uint32_t>(kind));
+    storeLittle16(prefix + 24, static_cast<uint16_t>(value.getVersion()));
+    writePayload(value, kind, prefix);
     incomplete_ = JHashCode();
 }
 
-uint8_t* BinaryTreeWriter::writeLength(uint64_t length) {
-    uint8_t* at = out_.reserve(8);
-    storeLittle64(at, length);
-    out_.commit(8);
-    return at;
+void BinaryTreeWriter::commitPrefix(uint8_t* prefix, uint64_t length, std::size_t more) {
+    storeLittle64(prefix + binary::lengthOffset, length);
+    out_.commit(binary::prefixSize + more);
 }
 
-void BinaryTreeWriter::writeBytes(const void* bytes, std::size_t count) {
-    writeLength(count);
+void BinaryTreeWriter::writeBytes(uint8_t* prefix, const void* bytes, std::size_t count) {
+    commitPrefix(prefix, count, 0);
     out_.append(bytes, count);
 }
 
-void BinaryTreeWriter::writePayload(const KEL_Impl& value, int32_t kind,
-                                    const JHashCode& identity) {
+void BinaryTreeWriter::writePayload(const KEL_Impl& value, int32_t kind, uint8_t* prefix) {
+    uint8_t* payload = prefix + binary::prefixSize;
     switch (kind) {
-    case KELKind_Int: {
-        writeLength(binary::intLength);
-        storeLittle32(out_.reserve(4), static_cast<uint32_t>(value.toInt()));
-        out_.commit(4);
+    case KELKind_Int:
+        storeLittle32(payload, static_cast<uint32_t>(value.toInt()));
+        commitPrefix(prefix, binary::intLength, binary::intLength);
         break;
-    }
     case KELKind_Boolean:
-        writeLength(binary::booleanLength);
-        *out_.reserve(1) = value.toBoolean() ? 1 : 0;
-        out_.commit(1);
+        *payload = value.toBoolean() ? 1 : 0;
+        commitPrefix(prefix, binary::booleanLength, binary::booleanLength);
         break;
     case KELKind_Double:
-        writeLength(binary::doubleLength);
-        storeLittleDouble(out_.reserve(8), value.toDouble());
-        out_.commit(8);
+        storeLittleDouble(payload, value.toDouble());
+        commitPrefix(prefix, binary::doubleLength, binary::doubleLength);
         break;
     case KELKind_MemBlock: {
         const auto& block = dynamic_cast<const KEL_MemBlock_Impl&>(value);
-        const unsigned char* bytes = block.bytes(); // may fail, before the length counts
-        writeBytes(bytes, static_cast<std::size_t>(block.getSize()));
+        writeBytes(prefix, block.bytes(), static_cast<std::size_t>(block.getSize()));
         break;
     }
     case KELKind_String: {
         const char* text = value.toString();
-        writeBytes(text, std::strlen(text));
+        writeBytes(prefix, text, std::strlen(text));
         break;
     }
     case KELKind_Array:
     case KELKind_Struct:
-        open(value, identity);
+        open(value, prefix);
         break;
     default:
+        out_.commit(binary::lengthOffset); // what precedes the length stays, as the rest does
         throw new KELIOException_Impl();
     }
 }
 
-void BinaryTreeWriter::open(const KEL_Impl& container, const JHashCode& identity) {
-    if (identity.isZero() && container.isOnPath()) {
+void BinaryTreeWriter::open(const KEL_Impl& container, uint8_t* prefix) {
+    if (container.identity().isZero() && container.isOnPath()) {
         throw new KELIOException_Impl("Cannot write a value that contains itself.");
     }
-    uint8_t* length = writeLength(0);
-    levels_.push_back({ChildCursor(container), identity, length, out_.total()});
+    commitPrefix(prefix, 0, 0);
+    levels_.push_back({ChildCursor(container), prefix + binary::lengthOffset, out_.total()});
     container.setOnPath(true);
 }
 

@@ -15,7 +15,10 @@ namespace kel {
 class BinaryTreeWriter {
 public:
     /// Appends to out; written tells which values were written before and learns the new ones.
-    BinaryTreeWriter(RecordBuffer& out, IdentityTable& written) : out_(out), written_(written) {}
+    /// While nothing with a given identity was written, a value that is not shared cannot have been
+    /// written before, and written is not asked; askAlways tells that this is over.
+    BinaryTreeWriter(RecordBuffer& out, IdentityTable& written, bool& askAlways)
+        : out_(out), written_(written), askAlways_(askAlways) {}
 
     BinaryTreeWriter(const BinaryTreeWriter&) = delete;
     BinaryTreeWriter& operator=(const BinaryTreeWriter&) = delete;
@@ -35,22 +38,23 @@ private:
     /// A container whose length is still to come.
     struct Level {
         ChildCursor cursor;
-        JHashCode identity;
         uint8_t* length;
         uint64_t contentsStart;
     };
 
+    bool enter(const KEL_Impl& value);
     void writeRecord(const KEL_Impl& value);
-    void writePayload(const KEL_Impl& value, int32_t kind, const JHashCode& identity);
+    void writePayload(const KEL_Impl& value, int32_t kind, uint8_t* prefix);
     void writeReference(const JHashCode& identity);
-    void writeBytes(const void* bytes, std::size_t count);
-    uint8_t* writeLength(uint64_t length);
-    void open(const KEL_Impl& container, const JHashCode& identity);
+    void writeBytes(uint8_t* prefix, const void* bytes, std::size_t count);
+    void commitPrefix(uint8_t* prefix, uint64_t length, std::size_t more);
+    void open(const KEL_Impl& container, uint8_t* prefix);
     void next();
     void close(const Level& level);
 
     RecordBuffer& out_;
     IdentityTable& written_;
+    bool& askAlways_;
     std::vector<Level> levels_;
     JHashCode incomplete_; ///< of the record being written, zero when it is complete
 };

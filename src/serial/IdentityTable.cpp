@@ -6,7 +6,9 @@ namespace kel {
 
 namespace {
 
-constexpr std::size_t firstSize = 64;
+constexpr std::size_t firstSize = 64; // places of the index at first
+constexpr std::size_t growth = 4;     // its factor, up to a million places; then 2
+constexpr std::size_t fastGrowthEnd = std::size_t{1} << 20;
 
 uint64_t pair(uint32_t low, uint32_t high) { return low | static_cast<uint64_t>(high) << 32; }
 
@@ -33,7 +35,7 @@ IdentityTable::Slot* IdentityTable::search(const JHashCode& identity, uint32_t t
     for (std::size_t place = placeOf(tag);; place = (place + 1) & mask) {
         Slot& slot = slots_[place];
         if (slot.entry == 0 ||
-            (slot.tag == tag && entries_[slot.entry - 1].identity == identity)) {
+            (slot.tag == tag && entryAt(slot.entry - 1).identity == identity)) {
             return &slot;
         }
     }
@@ -41,41 +43,70 @@ IdentityTable::Slot* IdentityTable::search(const JHashCode& identity, uint32_t t
 
 KEL_Impl* IdentityTable::find(const JHashCode& identity) const {
     const Slot* slot = const_cast<IdentityTable*>(this)->search(identity, tagOf(identity));
-    return slot->entry == 0 ? nullptr : entries_[slot->entry - 1].value;
+    return slot->entry == 0 ? nullptr : entryAt(slot->entry - 1).value;
+}
+
+/// The same with room for one more place in use.
+IdentityTable::Slot* IdentityTable::searchWithRoom(const JHashCode& identity, uint32_t tag) {
+    if ((used_ + 1) * 4 > slots_.size() * 3) {
+        grow();
+    }
+    return search(identity, tag);
+}
+
+void IdentityTable::append(const JHashCode& identity, KEL_Impl* value) {
+    if (count_ == blocks_.size() * blockSize) {
+        blocks_.push_back(std::make_unique<Entry[]>(blockSize));
+    }
+    entryAt(count_++) = {identity, value};
 }
 
 bool IdentityTable::insert(const JHashCode& identity, KEL_Impl* value) {
     const uint32_t tag = tagOf(identity);
-    Slot* slot = search(identity, tag);
+    Slot* slot = searchWithRoom(identity, tag);
     if (slot->entry != 0) {
         return false;
     }
-    if ((used_ + 1) * 4 > slots_.size() * 3) {
-        grow();
-        slot = search(identity, tag);
-    }
-    entries_.push_back({identity, value, true});
-    *slot = {tag, static_cast<uint32_t>(entries_.size())};
+    append(identity, value);
+    *slot = {tag, static_cast<uint32_t>(count_)};
     ++used_;
     return true;
+}
+
+void IdentityTable::add(const JHashCode& identity, KEL_Impl* value) { append(identity, value); }
+
+void IdentityTable::indexAdded() {
+    for (; indexedEnd_ < count_; ++indexedEnd_) {
+        const JHashCode& identity = entryAt(indexedEnd_).identity;
+        if (identity.isZero()) {
+            continue;
+        }
+        const uint32_t tag = tagOf(identity);
+        Slot* slot = searchWithRoom(identity, tag);
+        if (slot->entry == 0) {
+            *slot = {tag, static_cast<uint32_t>(indexedEnd_ + 1)};
+            ++used_;
+        }
+    }
 }
 
 KEL_Impl* IdentityTable::put(const JHashCode& identity, KEL_Impl* value) {
     if (insert(identity, value)) {
         return nullptr;
     }
-    KEL_Impl*& held = entries_[search(identity, tagOf(identity))->entry - 1].value;
+    KEL_Impl*& held = entryAt(search(identity, tagOf(identity))->entry - 1).value;
     KEL_Impl* before = held;
     held = value;
     return before;
 }
 
 void IdentityTable::erase(const JHashCode& identity) {
+    indexAdded();
     Slot* slot = search(identity, tagOf(identity));
     if (slot->entry == 0) {
         return;
     }
-    entries_[slot->entry - 1].live = false;
+    entryAt(slot->entry - 1).identity = JHashCode();
     --used_;
     // Close the gap: move back every follower that the gap would hide from its search.
     const std::size_t mask = slots_.size() - 1;
@@ -92,10 +123,11 @@ void IdentityTable::erase(const JHashCode& identity) {
 }
 
 void IdentityTable::grow() {
-    std::vector<Slot> larger(slots_.size() * 2);
-    larger.swap(slots_);
+    const std::size_t factor = slots_.size() < fastGrowthEnd ? growth : 2;
+    std::vector<Slot> before(slots_.size() * factor);
+    before.swap(slots_);
     const std::size_t mask = slots_.size() - 1;
-    for (const Slot& slot : larger) {
+    for (const Slot& slot : before) {
         if (slot.entry != 0) {
             std::size_t place = placeOf(slot.tag);
             while (slots_[place].entry != 0) {

@@ -5,13 +5,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <kel/JHashCode.h>
+#include <memory>
 #include <vector>
 
 class KEL_Impl;
 
 namespace kel {
 
-/// Remembers identities in the order of their arrival, each with a borrowed value. The streams keep
+/// Remembers identities (never the zero one) in the order of their arrival, each with a borrowed
+/// value. The streams keep
 /// in it what they have written or read, millions of entries if need be: the index holds a tag and
 /// a place of 32 bits each, so that a search rarely leaves it.
 ///
@@ -27,6 +29,13 @@ public:
     /// Enters an identity that is not there yet. \return false, unchanged, when it is there
     bool insert(const JHashCode& identity, KEL_Impl* value);
 
+    /// Enters an identity that the caller knows not to be there and will not ask for before
+    /// indexAdded: it costs no search.
+    void add(const JHashCode& identity, KEL_Impl* value);
+
+    /// Makes all that add has entered findable.
+    void indexAdded();
+
     /// Enters an identity or gives the one that is there another value.
     /// \return the value it had, or null
     KEL_Impl* put(const JHashCode& identity, KEL_Impl* value);
@@ -35,24 +44,24 @@ public:
     void erase(const JHashCode& identity);
 
     /// The number of entries ever made, a point to roll back to.
-    std::size_t mark() const { return entries_.size(); }
+    std::size_t mark() const { return count_; }
 
     /// Forgets the entries made since a mark, the last first, and tells forgotten of each value.
     template <class Forgotten> void rollBack(std::size_t mark, const Forgotten& forgotten) {
-        while (entries_.size() > mark) {
-            const Entry entry = entries_.back();
-            if (entry.live) {
+        indexAdded();
+        for (; count_ > mark; indexedEnd_ = --count_) {
+            const Entry entry = entryAt(count_ - 1);
+            if (!entry.identity.isZero()) {
                 erase(entry.identity);
                 forgotten(entry.value);
             }
-            entries_.pop_back();
         }
     }
 
     /// Calls visit with every value, in the order of arrival.
     template <class Visit> void forEach(const Visit& visit) const {
-        for (const Entry& entry : entries_) {
-            if (entry.live) {
+        for (std::size_t i = 0; i < count_; ++i) {
+            if (const Entry& entry = entryAt(i); !entry.identity.isZero()) {
                 visit(entry.value);
             }
         }
@@ -60,9 +69,8 @@ public:
 
 private:
     struct Entry {
-        JHashCode identity;
+        JHashCode identity; ///< zero when the entry was erased
         KEL_Impl* value;
-        bool live;
     };
     /// One place of the index: 0 in entry means empty, else the entry's number plus one.
     struct Slot {
@@ -70,12 +78,22 @@ private:
         uint32_t entry;
     };
 
+    /// Entries lie in blocks that never move: a million of them are not copied to make room.
+    static constexpr std::size_t blockSize = 1024;
+    Entry& entryAt(std::size_t number) const {
+        return blocks_[number / blockSize][number % blockSize];
+    }
+
     uint32_t tagOf(const JHashCode& identity) const;
     std::size_t placeOf(uint32_t tag) const { return tag & (slots_.size() - 1); }
     Slot* search(const JHashCode& identity, uint32_t tag);
+    Slot* searchWithRoom(const JHashCode& identity, uint32_t tag);
+    void append(const JHashCode& identity, KEL_Impl* value);
     void grow();
 
-    std::vector<Entry> entries_;
+    std::vector<std::unique_ptr<Entry[]>> blocks_;
+    std::size_t count_ = 0;
+    std::size_t indexedEnd_ = 0; // entries from here on may be missing in the index
     std::vector<Slot> slots_; // a power of two, at most three quarters in use
     std::size_t used_ = 0;
     uint64_t key0_;

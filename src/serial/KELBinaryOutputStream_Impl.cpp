@@ -10,6 +10,10 @@ void KELBinaryOutputStream_Impl::write(KEL* value) {
     if (implementation == nullptr) {
         throw new KELNullPointerException_Impl();
     }
+    if (written_.mark() > 0) {
+        askAlways_ = true; // what was written once can come again
+        written_.indexAdded();
+    }
     kel::RecordBuffer records;
     const std::size_t before = written_.mark();
     const auto emit = [&] {
@@ -22,7 +26,7 @@ void KELBinaryOutputStream_Impl::write(KEL* value) {
         }
     };
     try {
-        kel::BinaryTreeWriter(records, written_).write(*implementation);
+        kel::BinaryTreeWriter(records, written_, askAlways_).write(*implementation);
     } catch (KELException_Impl* failure) {
         // The records before a refusal, and the partial one, stay in the sink.
         const JPointer<KELException_Impl> refused(failure);

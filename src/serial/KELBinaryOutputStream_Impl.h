@@ -30,4 +30,5 @@ public:
 private:
     BinaryDataOutput data_;
     kel::IdentityTable written_;
+    bool askAlways_ = false; // see kel::BinaryTreeWriter
 };

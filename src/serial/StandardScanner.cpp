@@ -21,7 +21,7 @@ bool isLineEnd(uint8_t byte) { return byte == '\n' || byte == '\f' || byte == '\
 // ask for more. Pointers are fetched anew after that, since the window may have moved.
 
 int32_t StandardScanner::scan() {
-    token_ = Token();
+    token_.clear();
     input_.mark();
     const int32_t first = input_.peek();
     switch (first) {
@@ -249,6 +249,23 @@ int32_t StandardScanner::scanFraction(bool negative, double sum) {
 int32_t StandardScanner::scanHashCodeInstead() {
     input_.resetToMark();
     return finish(scanHashCode(input_, token_.hashCode) ? tokenHashCode : tokenNone);
+}
+
+int32_t StandardScanner::skipLayout(BufferedInput& input) {
+    int32_t lineEnds = 0;
+    const uint8_t* p = input.begin();
+    for (;; ++p) {
+        if (*p == '\n' || *p == '\f') {
+            ++lineEnds;
+        } else if (*p == '\r' && p[1] == '\n') {
+            ++p; // the two are one line end
+            ++lineEnds;
+        } else if (!isInClass(*p, blankClass)) {
+            break;
+        }
+    }
+    input.skipTo(p);
+    return lineEnds;
 }
 
 bool StandardScanner::scanHashCode(BufferedInput& input, JHashCode& hashCode) {

@@ -22,6 +22,10 @@ public:
     /// \throws TokenizerException "Reached end of file with no closing quote."
     int32_t scan();
 
+    /// Uses the blanks and line ends that are in the window, without making tokens of them. More of
+    /// them may follow, as tokens. \return the number of line ends
+    static int32_t skipLayout(BufferedInput& input);
+
     /// Asks for a hash code only. \return false, at the same position, when there is none
     static bool scanHashCode(BufferedInput& input, JHashCode& hashCode);
 

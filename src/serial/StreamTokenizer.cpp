@@ -100,8 +100,22 @@ int32_t StreamTokenizer::nextToken() {
     return scans_ ? StandardScanner(input_, token_).scan() : nextLiteralToken();
 }
 
+int32_t StreamTokenizer::nextSolidToken(int32_t& line) {
+    for (;;) {
+        if (scans_) {
+            line += StandardScanner::skipLayout(input_);
+        }
+        const int32_t type = nextToken();
+        if (type == tokenNewline) {
+            ++line;
+        } else if (type != tokenWhitespace && type != tokenComment) {
+            return type;
+        }
+    }
+}
+
 int32_t StreamTokenizer::nextLiteralToken() {
-    token_ = Token();
+    token_.clear();
     asked_.assign(recognisers_.data(), recognisers_.data() + recognisers_.size());
     for (TokenizerFSM* fsm : asked_) {
         fsm->reset();

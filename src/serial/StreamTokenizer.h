@@ -53,6 +53,11 @@ public:
     /// The last token as a plain struct.
     const kel::Token& token() const { return token_; }
 
+    /// Reads tokens until one is neither whitespace nor a comment nor a newline, adding the number
+    /// of newlines to line. The same as so many calls of nextToken, and faster. \return its type
+    /// \throws as nextToken; the newlines before the failure are counted
+    int32_t nextSolidToken(int32_t& line);
+
     /// Where the last token, or failed match, began.
     int64_t tokenStart() const { return tokenStart_; }
 

@@ -26,12 +26,28 @@ TextSource::TextSource(const JPointer<JInputStream>& input) : stream_(input), cu
 
 int32_t TextSource::skip() {
     for (;;) {
+        skipPlainLayout();
         const int32_t type = skipOnLine();
         if (type != tokenNewline) {
             return type;
         }
         ++line_;
     }
+}
+
+/// Skips what most layout is made of without making tokens of it.
+void TextSource::skipPlainLayout() {
+    BufferedInput& input = tokens().input();
+    const uint8_t* at = input.begin();
+    // A NUL stands behind the window and ends the loop.
+    for (;; ++at) {
+        if (*at == '\n') {
+            ++line_;
+        } else if (*at != ' ' && *at != '\t') {
+            break;
+        }
+    }
+    input.skipTo(at);
 }
 
 int32_t TextSource::skipOnLine() {

@@ -72,6 +72,7 @@ private:
         JPointer<StreamTokenizer> tokens;
     };
 
+    void skipPlainLayout();
     void expectWord(std::string& word);
 
     StreamTokenizer stream_;

@@ -32,6 +32,17 @@ struct Token {
     std::string_view text;
     bool quoted = false; ///< a word between double quotes
     JHashCode hashCode;  ///< of a hash code
+
+    /// Back to no token, member by member: assigning a whole empty token costs more than scanning
+    /// a short one.
+    void clear() {
+        type = tokenNone;
+        integer = 0;
+        floating = 0.0;
+        text = {};
+        quoted = false;
+        hashCode.w0 = hashCode.w1 = hashCode.w2 = hashCode.w3 = 0;
+    }
 };
 
 } // namespace kel

@@ -13,6 +13,9 @@ namespace {
 // Used bytes that are kept before the mark, so that short steps back never need the stream.
 constexpr std::size_t historySize = 1024;
 
+// The window and the pieces start small and double: short inputs are many, and cheap this way.
+constexpr std::size_t firstSize = 1024;
+
 uint8_t* allocateWindow(std::size_t capacity) {
     void* storage = platform::allocate(capacity + 1);
     if (storage == nullptr) {
@@ -26,7 +29,7 @@ uint8_t* allocateWindow(std::size_t capacity) {
 BufferedInput::BufferedInput(const JPointer<JInputStream>& stream) : stream_(stream) {
     const int64_t position = stream_->JTell();
     seekable_ = position >= 0;
-    capacity_ = chunkSize + 4 * historySize;
+    capacity_ = piece_ = firstSize;
     buffer_ = allocateWindow(capacity_);
     restart(seekable_ ? position : 0);
 }
@@ -50,15 +53,15 @@ bool BufferedInput::grow(std::size_t count) {
     return true;
 }
 
-// Reads once from the stream: a whole chunk, or what is wanted where nothing may be read ahead.
+// Reads once from the stream: a whole piece, or what is wanted where nothing may be read ahead.
 bool BufferedInput::fill(std::size_t wanted) {
     if (ended_) {
         return false;
     }
-    makeRoom(seekable_ ? chunkSize / 2 : 1);
+    makeRoom(seekable_ ? piece_ / 2 : 1);
     uint8_t* free = buffer_ + (end_ - buffer_);
     const std::size_t room = capacity_ - static_cast<std::size_t>(end_ - buffer_);
-    const std::size_t request = std::min({room, chunkSize, seekable_ ? chunkSize : wanted});
+    const std::size_t request = std::min(room, seekable_ ? piece_ : std::min(wanted, chunkSize));
     int32_t got = 0;
     try {
         got = stream_->JRead(free, 0, static_cast<int32_t>(request));
@@ -71,6 +74,7 @@ bool BufferedInput::fill(std::size_t wanted) {
         ended_ = true;
         return false;
     }
+    piece_ = std::min(2 * piece_, chunkSize);
     end_ = free + got;
     free[got] = 0;
     return true;

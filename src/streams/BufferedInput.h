@@ -113,6 +113,7 @@ private:
     const uint8_t* mark_;   // bytes from here on are kept; null: none before cursor_
     uint8_t* buffer_;       // capacity_ bytes and one for the NUL
     std::size_t capacity_;
+    std::size_t piece_; // read at once where the stream has positions
     int64_t start_; // position of buffer_[0]
     bool ended_ = false;
     bool seekable_;

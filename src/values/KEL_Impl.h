@@ -123,6 +123,10 @@ public:
     /// True when more than one holder has this value: only then can a walk meet it again.
     bool isShared() const { return referenceCount() > 1; }
 
+    /// The identity without a virtual call, and whether it was given rather than drawn.
+    using JObject::identity;
+    using JObject::isIdentityGiven;
+
 protected:
     /// A zero-filled text buffer of the kind's size, made at the first call and kept until
     /// freeString; null when there is no memory.

@@ -59,7 +59,7 @@ public:
         for (int i = 1; i < count; ++i) {
             values_.emplace_back(numbers_.once(3) ? makeContainer() : makeScalar());
             free_.push_back(values_.size() - 1);
-            fillAtTimes(values_.back().get());
+            fill(values_.back().get());
         }
         // The root takes whatever nobody took.
         values_.emplace_back(count == 1 && !numbers_.once(3) ? makeScalar() : makeContainer());
@@ -118,7 +118,7 @@ private:
 
     /// Gives a container some of the values made before it: free ones, or, if sharing is allowed,
     /// any.
-    void fillAtTimes(KEL_Impl* container) {
+    void fill(KEL_Impl* container) {
         if (!container->isContainer()) {
             return;
         }
@@ -139,9 +139,7 @@ private:
         for (int i = 1 + numbers_.below(3); i > 0; --i) {
             const auto inner = static_cast<std::size_t>(numbers_.below(values_.size()));
             const auto outer = inner + static_cast<std::size_t>(numbers_.below(values_.size() - inner));
-            if (values_[outer]->isContainer()) {
-                put(values_[inner].get(), values_[outer].get());
-            }
+            put(values_[inner].get(), values_[outer].get()); // nothing, if inner is a scalar
         }
     }
 
@@ -252,22 +250,25 @@ std::string describe(const KEL_Impl& root) {
     std::vector<ChildCursor> levels;
     const auto enter = [&](const KEL_Impl& value) {
         const char* contents = value.toString();
-        text += std::to_string(value.getType()) + ":" + (contents == nullptr ? "" : contents);
+        text.append(std::to_string(value.getType())).append(":");
+        text.append(contents == nullptr ? "" : contents);
         if (value.isContainer() && levels.size() < 20) { // also of values that contain themselves
             text += "[";
             levels.emplace_back(value);
         }
     };
     enter(root);
-    while (!levels.empty()) {
+    while (!levels.empty() && text.size() < 4000) {
         if (!levels.back().next()) {
-            text += "]";
+            text.append("]");
             levels.pop_back();
-        } else if (KEL_Impl* value = levels.back().value; value == nullptr) {
-            text += " " + std::string(levels.back().name) + "=null";
-        } else {
-            text += " " + std::string(levels.back().name) + "=";
+            continue;
+        }
+        text.append(" ").append(levels.back().name).append("=");
+        if (const KEL_Impl* value = levels.back().value; value != nullptr) {
             enter(*value);
+        } else {
+            text.append("null");
         }
     }
     return text;

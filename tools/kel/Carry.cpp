@@ -75,10 +75,13 @@ const char* obstacleOfDouble(double value, Format format) {
     if (!std::isfinite(value)) {
         return "a double that is not a finite number";
     }
-    if (format == Format::text && !isCarriedByText(value)) {
-        return "a double that six decimals do not carry";
+    if (format == Format::json || isCarriedByText(value)) {
+        return nullptr;
     }
-    return nullptr;
+    constexpr double firstBeyond32Bits = 2147483648.0;
+    return std::fabs(value) < firstBeyond32Bits
+               ? "a double that six decimals do not carry"
+               : "a double whose integer part does not fit in 32 bits";
 }
 
 const char* obstacleOfText(const char* text, Format format) {

@@ -32,9 +32,14 @@ void write(const Document& document, Format format, const std::string& name) {
     output.commit();
 }
 
-std::string headingOf(const Places& places, const std::string& inputName, const std::string& what) {
-    const char* noun = places.count() == 1 ? " place that " : " places that ";
-    return inputName + ": " + std::to_string(places.count()) + noun + what + " cannot carry:";
+/// The list of what is lost on the way from the input.
+std::string lossesOf(const Places& places, const std::string& inputName, const Input& input,
+                     const char* target) {
+    const std::string heading = inputName + ": " + std::to_string(places.count()) +
+                                (places.count() == 1 ? " place" : " places") +
+                                " cannot be carried from " + nameOf(input.format) + " to " +
+                                target + ':';
+    return describe(places, heading, input.document.roots().size());
 }
 
 /// Looks the document through, which finds the rest of what the target cannot carry.
@@ -57,9 +62,7 @@ int convert(const Options& options, Console& console) {
     console.begin("checking " + name);
     survey(input, target, name, places);
     if (places.count() > 0) {
-        const size_t rootCount = input.document.roots().size();
-        const std::string list =
-            describe(places, headingOf(places, name, nameOf(target)), rootCount);
+        const std::string list = lossesOf(places, name, input, nameOf(target));
         if (!options.isForced) {
             throw Failure{Trouble::refused,
                           list + "\nNothing was written; --force converts the rest."};
@@ -81,8 +84,7 @@ int show(const Options& options, Console& console) {
     console.begin("reading " + name);
     Input input = readInput(name, options.from, std::nullopt, places);
     if (places.count() > 0) {
-        console.say("warning: " + describe(places, headingOf(places, name, "values"),
-                                           input.document.roots().size()));
+        console.say("warning: " + lossesOf(places, name, input, "values"));
     }
     const Survey found = surveyOf(input.document, Format::text, nullptr);
     if (found.cycle) {

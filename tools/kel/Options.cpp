@@ -4,15 +4,21 @@
 
 #include <CLI/CLI.hpp>
 #include <kel/config.h>
-#include <map>
 #include <sstream>
 
 namespace kel::tool {
 
 namespace {
 
-const std::map<std::string, Format> formatNames = {
-    {"text", Format::text}, {"binary", Format::binary}, {"json", Format::json}};
+/// The format of a name that the command line has been checked for; nothing for an empty one.
+std::optional<Format> formatCalled(const std::string& name) {
+    for (const Format format : {Format::text, Format::binary, Format::json}) {
+        if (name == nameOf(format)) {
+            return format;
+        }
+    }
+    return std::nullopt;
+}
 
 constexpr const char* generalNotes = R"(Formats:
   text    KEL text, .kel          binary  KEL binary, .kelb          json  JSON, .json
@@ -82,13 +88,16 @@ Examples:
   kel check settings.kel backup.kelb
   kel check --from text -)";
 
-void addFromOption(CLI::App& command, std::optional<Format>& from) {
-    command.add_option_function<Format>(
-               "--from", [&from](const Format& format) { from = format; },
-               "Take the input for text, binary or json")
-        ->type_name("FORMAT")
-        ->transform(CLI::Transformer(formatNames))
-        ->check(CLI::IsMember(formatNames));
+void addFormatOption(CLI::App& command, const char* name, std::string& format,
+                     const char* description) {
+    command.add_option(name, format, description)
+        ->type_name("text|binary|json")
+        ->check(CLI::Validator(
+            [](const std::string& called) {
+                return formatCalled(called) ? std::string()
+                                            : called + " is none of text, binary and json";
+            },
+            ""));
 }
 
 /// The output format: as asked for, else as the file name tells.
@@ -106,6 +115,9 @@ Format requireTarget(const Options& options) {
 std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     Options options;
     std::string input;
+    std::string from;
+    std::string to;
+    constexpr const char* takeInputFor = "Take the input for this format, whatever it looks like";
     CLI::App app("Converts, shows and checks files of KEL values.", "kel");
     app.footer(generalNotes);
     app.set_version_flag("--version", "kel " KEL_VERSION_STRING);
@@ -114,26 +126,20 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     CLI::App* convert = app.add_subcommand("convert", "Convert a file into another format");
     convert->add_option("IN", input, "File to read")->required()->type_name("");
     convert->add_option("OUT", options.output, "File to write")->required()->type_name("");
-    addFromOption(*convert, options.from);
-    convert
-        ->add_option_function<Format>(
-            "--to", [&options](const Format& format) { options.to = format; },
-            "Write text, binary or json, whatever the name of OUT says")
-        ->type_name("FORMAT")
-        ->transform(CLI::Transformer(formatNames))
-        ->check(CLI::IsMember(formatNames));
+    addFormatOption(*convert, "--from", from, takeInputFor);
+    addFormatOption(*convert, "--to", to, "Write this format, whatever the name of OUT tells");
     convert->add_flag("--force", options.isForced,
                       "Convert what can be carried and warn about the rest");
     convert->footer(convertNotes);
 
     CLI::App* show = app.add_subcommand("show", "Print a file in the text form");
     show->add_option("IN", input, "File to read")->required()->type_name("");
-    addFromOption(*show, options.from);
+    addFormatOption(*show, "--from", from, takeInputFor);
     show->footer(showNotes);
 
     CLI::App* check = app.add_subcommand("check", "Read files and say what is wrong with them");
     check->add_option("IN", options.inputs, "Files to read")->required()->type_name("");
-    addFromOption(*check, options.from);
+    addFormatOption(*check, "--from", from, takeInputFor);
     check->footer(checkNotes);
 
     try {
@@ -150,6 +156,8 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
         options.inputs = {input};
     }
     options.command = *convert ? Command::convert : *show ? Command::show : Command::check;
+    options.from = formatCalled(from);
+    options.to = formatCalled(to);
     if (*convert) {
         options.to = requireTarget(options);
     }

@@ -1,0 +1,204 @@
+#include "platform/Guid.h"
+
+#include "support/Thrown.h"
+#include "values/KELException_Impl.h"
+#include "values/KEL_Array_Impl.h"
+#include "values/KEL_Int_Impl.h"
+#include "values/KEL_String_Impl.h"
+#include "values/KEL_Struct_Impl.h"
+
+#include <algorithm>
+#include <array>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using kel::platform::createGuid;
+using kel::test::thrownMessage;
+using Words = std::array<uint32_t, 4>;
+
+Words draw() {
+    JHashCode guid;
+    EXPECT_TRUE(createGuid(guid));
+    return {guid.w0, guid.w1, guid.w2, guid.w3};
+}
+
+std::vector<Words> draw(std::size_t count) {
+    std::vector<Words> drawn(count);
+    std::generate(drawn.begin(), drawn.end(), [] { return draw(); });
+    return drawn;
+}
+
+bool areDistinct(std::vector<Words> drawn) {
+    std::sort(drawn.begin(), drawn.end());
+    return std::adjacent_find(drawn.begin(), drawn.end()) == drawn.end();
+}
+
+/// Runs draw in a child process, which begins with what this process has, and returns what it drew.
+template <class Draw> std::vector<Words> inChild(const Draw& drawInChild) {
+    int ends[2] = {};
+    EXPECT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const std::vector<Words> drawn = drawInChild();
+        const auto size = drawn.size() * sizeof(Words);
+        const bool written = write(ends[1], drawn.data(), size) == static_cast<ssize_t>(size);
+        _exit(written ? 0 : 1);
+    }
+    close(ends[1]);
+    std::vector<Words> drawn;
+    Words words = {};
+    while (read(ends[0], words.data(), sizeof words) == sizeof words) {
+        drawn.push_back(words);
+    }
+    close(ends[0]);
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    return drawn;
+}
+
+/// While alive, no identity can be drawn.
+class NoGuids {
+public:
+    NoGuids() : before_(kel::platform::exchangeGuidSource([](JHashCode&) { return false; })) {}
+    NoGuids(const NoGuids&) = delete;
+    NoGuids& operator=(const NoGuids&) = delete;
+    ~NoGuids() { kel::platform::exchangeGuidSource(before_); }
+
+private:
+    kel::platform::GuidSource before_;
+};
+
+TEST(Guid, IsOfVersion4AndVariant1) {
+    for (int i = 0; i < 10000; ++i) {
+        JHashCode guid;
+        ASSERT_TRUE(createGuid(guid));
+        const KELGuid layout = guid.toGuid();
+        ASSERT_EQ(layout.data3 >> 12, 4);
+        ASSERT_EQ(layout.data4[0] >> 6, 2);
+    }
+}
+
+TEST(Guid, EveryOtherBitVaries) {
+    Words ones = {};
+    Words zeros = {};
+    for (const Words& words : draw(1000)) {
+        for (std::size_t i = 0; i < 4; ++i) {
+            ones[i] |= words[i];
+            zeros[i] |= ~words[i];
+        }
+    }
+    EXPECT_EQ(ones, (Words{0xFFFFFFFFU, 0x4FFFFFFFU, 0xFFFFFFBFU, 0xFFFFFFFFU}));
+    EXPECT_EQ(zeros, (Words{0xFFFFFFFFU, 0xBFFFFFFFU, 0xFFFFFF7FU, 0xFFFFFFFFU}));
+}
+
+TEST(Guid, AMillionAreDistinct) { EXPECT_TRUE(areDistinct(draw(1000000))); }
+
+TEST(Guid, ThreadsNeverShareASequence) {
+    std::array<std::vector<Words>, 8> drawn;
+    std::vector<std::thread> threads;
+    for (std::vector<Words>& mine : drawn) {
+        threads.emplace_back([&mine] { mine = draw(20000); });
+    }
+    std::vector<Words> all;
+    for (std::size_t i = 0; i < drawn.size(); ++i) {
+        threads[i].join();
+        all.insert(all.end(), drawn[i].begin(), drawn[i].end());
+    }
+    EXPECT_TRUE(areDistinct(std::move(all)));
+}
+
+TEST(Guid, AForkedChildNeverRepeatsItsParent) {
+    draw(); // the parent's generator is keyed and in the middle of a block
+    std::vector<Words> all = inChild([] { return draw(200); });
+    const std::vector<Words> ours = draw(200);
+    EXPECT_EQ(all.size(), 200U);
+    all.insert(all.end(), ours.begin(), ours.end());
+    EXPECT_TRUE(areDistinct(std::move(all)));
+}
+
+TEST(Guid, SiblingsAndGrandchildrenNeverRepeatEachOther) {
+    draw();
+    std::vector<Words> all = inChild([] {
+        std::vector<Words> family = inChild([] { return draw(100); });
+        const std::vector<Words> own = draw(100);
+        family.insert(family.end(), own.begin(), own.end());
+        return family;
+    });
+    const std::vector<Words> sibling = inChild([] { return draw(100); });
+    all.insert(all.end(), sibling.begin(), sibling.end());
+    EXPECT_EQ(all.size(), 300U);
+    EXPECT_TRUE(areDistinct(std::move(all)));
+}
+
+TEST(Guid, AThreadOfAForkedChildDoesNotRepeatTheParentEither) {
+    draw();
+    std::vector<Words> all = inChild([] {
+        std::vector<Words> drawn;
+        std::thread([&drawn] { drawn = draw(100); }).join();
+        return drawn;
+    });
+    const std::vector<Words> ours = draw(100);
+    all.insert(all.end(), ours.begin(), ours.end());
+    EXPECT_EQ(all.size(), 200U);
+    EXPECT_TRUE(areDistinct(std::move(all)));
+}
+
+TEST(Guid, AFailingSourceIsReported) {
+    const NoGuids none;
+    JHashCode guid;
+    EXPECT_FALSE(createGuid(guid));
+}
+
+TEST(Guid, NullPutsThePlatformsOwnSourceBack) {
+    { const NoGuids none; }
+    kel::platform::exchangeGuidSource(nullptr);
+    EXPECT_NE(draw(), draw());
+}
+
+TEST(Guid, AnObjectWithoutAnIdentityCannotBeMade) {
+    const NoGuids none;
+    EXPECT_EQ(thrownMessage<JException>([] { const JObject object; }), "Cannot create hash code.");
+}
+
+TEST(Guid, NoValueCanBeMadeWithoutAnIdentity) {
+    const NoGuids none;
+    const auto messageOfMaking = [](auto makeValue) {
+        return thrownMessage<JException>([&] { makeValue()->release(); });
+    };
+    EXPECT_EQ(messageOfMaking([] { return new KEL_Int_Impl(5); }), "Cannot create hash code.");
+    EXPECT_EQ(messageOfMaking([] { return new KEL_String_Impl("x"); }), "Cannot create hash code.");
+    EXPECT_EQ(messageOfMaking([] { return new KEL_Array_Impl(); }), "Cannot create hash code.");
+    EXPECT_EQ(messageOfMaking([] { return new KEL_Struct_Impl(); }), "Cannot create hash code.");
+}
+
+TEST(Guid, AnExceptionNeedsAnIdentityToo) {
+    const NoGuids none;
+    EXPECT_EQ(thrownMessage<JException>([] { throw JIOException("unread"); }),
+              "Cannot create hash code.");
+    EXPECT_EQ(thrownMessage<JException>([] { throw new KELIOException_Impl("unread"); }),
+              "Cannot create hash code.");
+}
+
+TEST(Guid, AGivenIdentityIsNotDrawn) {
+    const NoGuids none;
+    const JPointer<KEL_Int_Impl> value(new KEL_Int_Impl(JHashCode(1, 2, 3, 4), 5));
+    EXPECT_EQ(value->getValue(), 5);
+}
+
+TEST(Guid, AContainerStaysAsItIsWhenAnElementCannotBeMade) {
+    const JPointer<KEL_Array_Impl> array(new KEL_Array_Impl());
+    array->addInt(1);
+    {
+        const NoGuids none;
+        EXPECT_EQ(thrownMessage<JException>([&] { array->addInt(2); }), "Cannot create hash code.");
+    }
+    EXPECT_EQ(array->getCount(), 1);
+}
+
+} // namespace

@@ -1,0 +1,104 @@
+import os
+import subprocess
+import unittest
+
+from support import ToolTest
+
+HINT = 'Try "kel --help".\n'
+
+
+class CommandLine(ToolTest):
+    def test_version_goes_to_stdout(self):
+        self.assertRegex(self.ok("--version").out, rb"\Akel \d+\.\d+\.\d+\n\Z")
+
+    def test_help_lists_the_commands_and_the_exit_statuses(self):
+        text = self.ok("--help").out.decode()
+        for word in ("convert", "show", "check", "Exit status:", "Examples:"):
+            self.assertIn(word, text)
+
+    def test_every_command_has_help_with_examples(self):
+        for command in ("convert", "show", "check"):
+            text = self.ok(command, "--help").out.decode()
+            self.assertIn("Usage: kel " + command, text)
+            self.assertIn("Examples:\n  kel " + command, text)
+
+    def test_no_command_is_a_usage_error(self):
+        self.fails(2, "kel: A subcommand is required\n" + HINT)
+
+    def test_an_unknown_command_is_a_usage_error(self):
+        result = self.kel("frobnicate")
+        self.assertEqual((result.status, result.out), (2, b""))
+        self.assertIn("frobnicate", result.err)
+
+    def test_an_unknown_option_is_a_usage_error(self):
+        self.fails(2, "kel: The following argument was not expected: --frobnicate\n" + HINT,
+                   "show", "--frobnicate", "a.kel")
+
+    def test_a_missing_file_name_is_a_usage_error(self):
+        self.assertEqual(self.kel("convert", "a.json").status, 2)
+        self.assertEqual(self.kel("show").status, 2)
+        self.assertEqual(self.kel("check").status, 2)
+
+    def test_force_belongs_to_convert_alone(self):
+        self.assertEqual(self.kel("show", "--force", "a.kel").status, 2)
+
+    def test_an_unknown_format_is_a_usage_error(self):
+        self.fails(2, "kel: --to: yaml is none of text, binary and json\n" + HINT,
+                   "convert", "--to", "yaml", "a.json", "b")
+
+    def test_an_output_name_without_known_extension_needs_a_format(self):
+        self.write("a.json", "1")
+        self.fails(2, "kel: b.txt: the name tells no format; give one with --to text, "
+                      "--to binary or --to json\n", "convert", "a.json", "b.txt")
+        self.fails(2, "kel: -: the name tells no format; give one with --to text, "
+                      "--to binary or --to json\n", "convert", "a.json", "-")
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "needs /dev/full")
+    def test_help_that_cannot_be_printed_is_an_output_error(self):
+        with open("/dev/full", "wb") as full:
+            self.fails(4, "kel: -: cannot be written: No space left on device\n",
+                       "--help", stdout=full)
+
+
+class InputFormat(ToolTest):
+    """Contents tell the format before names do."""
+
+    def shown(self, name, content):
+        self.write(name, content)
+        return self.ok("show", name).out
+
+    def test_json_is_known_by_its_colons_and_commas(self):
+        self.assertEqual(self.shown("a.kel", '{"a": 1}'), b"{\n\ta = 1\n}\n")
+        self.assertEqual(self.shown("b.kel", "[1,2]"), b"[\n\t1\n\t2\n]\n")
+
+    def test_text_is_known_by_its_equals_signs_words_and_comments(self):
+        self.assertEqual(self.shown("a.json", "{ a = 1 }"), b"{\n\ta = 1\n}\n")
+        self.assertEqual(self.shown("b.json", "// 1, 2\n7\n"), b"7\n")
+        self.assertEqual(self.shown("c.json", "#define seven 7\nseven\n"), b"7\n")
+
+    def test_binary_is_known_by_its_first_bytes(self):
+        self.write("a.json", "[1, 2]")
+        self.ok("convert", "a.json", "b.kelb")
+        self.assertEqual(self.shown("c.json", self.read("b.kelb")), b"[\n\t1\n\t2\n]\n")
+
+    def test_what_could_be_both_goes_by_the_name(self):
+        self.assertEqual(self.shown("a.json", r'["a\tb"]'), b'[\n\t"a\tb"\n]\n')
+        self.assertEqual(self.shown("a.kel", r'["a\tb"]'), b'[\n\t"a\\tb"\n]\n')
+
+    def test_what_could_be_both_is_text_without_a_known_name(self):
+        self.assertEqual(self.ok("show", "-", input=r'["a\tb"]').out, b'[\n\t"a\\tb"\n]\n')
+
+    def test_from_overrides_content_and_name(self):
+        self.write("a.kel", r'["a\tb"]')
+        self.assertEqual(self.ok("show", "--from", "json", "a.kel").out, b'[\n\t"a\tb"\n]\n')
+
+    def test_a_quoted_line_end_makes_text(self):
+        self.assertEqual(self.shown("a.json", '"a\nb"'), b'"a\nb"\n')
+
+    def test_a_damaged_binary_file_is_not_taken_for_text(self):
+        self.write("a.kelb", b"KEM\0\1\2\3")
+        self.fails(3, "kel: a.kelb: offset 7: Error reading KEL header.\n", "show", "a.kelb")
+
+
+if __name__ == "__main__":
+    unittest.main()

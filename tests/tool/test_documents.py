@@ -1,0 +1,120 @@
+import json
+import os
+import unittest
+
+from support import ToolTest
+
+FOLDER = os.environ.get("KEL_TEST_DATA", "")
+NAMES = sorted(name for name in os.listdir(FOLDER) if name.endswith(".json")) if FOLDER else []
+
+
+def same(a, b):
+    """Equal JSON contents, where an integer beyond 32 bits may have become a double."""
+    waiting = [(a, b)]
+    while waiting:
+        a, b = waiting.pop()
+        if isinstance(a, dict) and isinstance(b, dict) and a.keys() == b.keys():
+            waiting += [(a[key], b[key]) for key in a]
+        elif isinstance(a, list) and isinstance(b, list) and len(a) == len(b):
+            waiting += list(zip(a, b))
+        elif isinstance(a, (int, float)) and isinstance(b, (int, float)):
+            if float(a) != float(b) or isinstance(a, bool) != isinstance(b, bool):
+                return False
+        elif a != b or type(a) is not type(b):
+            return False
+    return True
+
+
+def read_from_text(number):
+    """The double that reading the six-decimals form gives, by the rules of the text format."""
+    whole, decimals = f"{abs(number):.6f}".split(".")
+    wrapped = (int(whole) + 2**31) % 2**32 - 2**31
+    result, weight = float(wrapped), 0.1
+    for digit in decimals:
+        result, weight = result + int(digit) * weight, weight * 0.1
+    return -result if number < 0 else result
+
+
+def obstacle(value, to_text):
+    """Why a value of a JSON document cannot be carried, or None."""
+    if isinstance(value, bool) or value is None:
+        return None
+    if isinstance(value, str):
+        return "a string with a double quote" if to_text and '"' in value else None
+    if isinstance(value, int) and -2**31 <= value < 2**31:
+        return None
+    if isinstance(value, int) and int(float(value)) != value:
+        return "an integer that no double holds exactly"
+    if not to_text or read_from_text(float(value)) == float(value):
+        return None
+    return ("a double whose integer part does not fit in 32 bits" if abs(value) >= 2**31 else
+            "a double that six decimals do not carry")
+
+
+def step(name):
+    bare = name and all(c.isascii() and (c.isalnum() or c in "_@") for c in name)
+    return "." + name if bare else f"[{json.dumps(name, ensure_ascii=False)}]"
+
+
+def obstacles(document, to_text):
+    """All places with an obstacle, in the order of the document."""
+    found, waiting = [], [("", document)]
+    while waiting:
+        path, value = waiting.pop()
+        if isinstance(value, dict):
+            waiting += [(path + step(name), value[name]) for name in reversed(value)]
+        elif isinstance(value, list):
+            waiting += [(f"{path}[{i}]", value[i]) for i in reversed(range(len(value)))]
+        elif reason := obstacle(value, to_text):
+            found.append(f"{path.removeprefix('.')}: {reason}")
+    return found
+
+
+@unittest.skipUnless(FOLDER, "KEL_TEST_DATA names no folder")
+class Documents(ToolTest):
+    """Large documents from the world."""
+
+    def test_there_are_documents(self):
+        self.assertNotEqual(NAMES, [])
+
+    def convert(self, document, name, output):
+        """Converts a document; expects the list of what is lost first, then forces."""
+        source = os.path.join(FOLDER, name)
+        to_text = output.endswith(".kel")
+        lost = obstacles(document, to_text)
+        result = self.kel("convert", source, output)
+        if not lost:
+            self.assertEqual((result.status, result.err), (0, ""))
+            return
+        lines = result.err.splitlines()
+        count = f"{len(lost)} place{'' if len(lost) == 1 else 's'}"
+        self.assertEqual(result.status, 1)
+        self.assertEqual(lines[0], f"kel: {source}: {count} cannot be carried from json to "
+                                   f"{'text' if to_text else 'binary'}:")
+        self.assertEqual(lines[1:1 + min(10, len(lost))], ["  " + place for place in lost[:10]])
+        self.assertEqual(self.files(), [])
+        self.assertEqual(self.kel("convert", "--force", source, output).status, 0)
+
+    def test_binary_keeps_their_content(self):
+        for name in NAMES:
+            with self.subTest(name), open(os.path.join(FOLDER, name), encoding="utf-8") as file:
+                document = json.load(file)
+                self.convert(document, name, "a.kelb")
+                self.ok("convert", "a.kelb", "b.json")
+                self.assertTrue(same(document, self.json("b.json")))
+                self.ok("convert", "b.json", "c.kelb") # now every number is a double or an Int
+                os.remove(self.path("a.kelb"))
+                os.remove(self.path("b.json"))
+                os.remove(self.path("c.kelb"))
+
+    def test_text_keeps_what_it_can(self):
+        for name in NAMES:
+            with self.subTest(name), open(os.path.join(FOLDER, name), encoding="utf-8") as file:
+                document = json.load(file)
+                self.convert(document, name, "a.kel")
+                self.ok("convert", "a.kel", "b.kelb")
+                self.ok("convert", "b.kelb", "c.kel")
+                self.assertEqual(self.read("a.kel") if name != "canada.json" else b"",
+                                 self.read("c.kel") if name != "canada.json" else b"")
+                for made in self.files():
+                    os.remove(self.path(made))

@@ -1,0 +1,92 @@
+import os
+import pty
+import subprocess
+import time
+
+from support import ARRAY, MEMBLOCK, TOOL, ToolTest, double_record, record, string_record
+
+
+class Show(ToolTest):
+    def test_the_text_form_goes_to_stdout(self):
+        self.write("a.json", '{"a": [1, 2.5], "b": "x"}')
+        self.assertEqual(self.ok("show", "a.json").out,
+                         b'{\n\ta = [\n\t\t1\n\t\t2.500000\n\t]\n\tb = "x"\n}\n')
+
+    def test_what_text_cannot_carry_is_shown_all_the_same(self):
+        values = (record(MEMBLOCK, b"abc", 2) + string_record(b'a"b', 3) +
+                  double_record(float("inf"), 4) + double_record(0.12345678, 5))
+        self.write("a.kelb", record(ARRAY, values))
+        self.assertRegex(self.ok("show", "a.kelb").out,
+                         rb'\A\[\n\tvoid\[3\] : 0x[0-9a-f]{8}\n\t"a"b"\n\tinf\n\t0\.123457\n\]\n\Z')
+
+    def test_what_values_cannot_hold_of_json_is_a_warning(self):
+        self.write("a.json", "[null, 1]")
+        result = self.kel("show", "a.json")
+        self.assertEqual((result.status, result.out), (0, b"[\n\t1\n]\n"))
+        self.assertEqual(result.err, "kel: warning: a.json: 1 place cannot be carried from json "
+                                     "to values:\n  [0]: null in an array\n")
+
+
+class Check(ToolTest):
+    def test_good_files_are_not_mentioned(self):
+        self.write("a.json", '{"a": [null, 12345678901234567890, "\\""], "": 1}')
+        self.write("b.kel", "{ a = 1 }")
+        self.ok("convert", "b.kel", "c.kelb")
+        self.assertEqual(self.ok("check", "a.json", "b.kel", "c.kelb").out, b"")
+
+    def test_every_file_is_read_and_every_error_told(self):
+        self.write("a.kel", "{ a = ? }")
+        self.write("b.kel", "1")
+        self.write("c.json", "[1,\n2")
+        self.fails(1, "kel: a.kel:1: syntax error\n"
+                      "kel: c.json:2: syntax error while parsing array - unexpected end of input; "
+                      "expected ']'\n", "check", "a.kel", "b.kel", "c.json")
+
+    def test_an_unreadable_file_weighs_more_than_a_malformed_one(self):
+        self.write("a.kel", "{ a = ? }")
+        self.fails(3, "kel: none.kel: No such file or directory\nkel: a.kel:1: syntax error\n",
+                   "check", "none.kel", "a.kel")
+
+    def test_stdin_is_checked_too(self):
+        self.ok("check", "-", input="[ 1 2 ]")
+        self.fails(1, "kel: -:1: unexpected end of input\n", "check", "-", input="[ 1 2 ")
+
+    def test_from_holds_for_all_files(self):
+        self.write("a.kel", "1")
+        self.fails(1, "kel: a.kel: offset 1: Error reading KEL header.\n",
+                   "check", "--from", "binary", "a.kel")
+
+
+class Progress(ToolTest):
+    def run_slowly(self, seconds):
+        """Shows stdin that stays open for a while, with stderr on a terminal."""
+        terminal, stderr = pty.openpty()
+        process = subprocess.Popen([TOOL, "show", "-"], stdin=subprocess.PIPE,
+                                   stdout=subprocess.DEVNULL, stderr=stderr, cwd=self.folder)
+        os.close(stderr)
+        time.sleep(seconds)
+        process.stdin.write(b"1")
+        process.stdin.close()
+        self.assertEqual(process.wait(), 0)
+        shown = b""
+        try:
+            while piece := os.read(terminal, 4096):
+                shown += piece
+        except OSError:
+            pass  # how Linux tells that nobody writes any more
+        os.close(terminal)
+        return shown
+
+    def test_long_work_shows_progress_on_a_terminal_and_removes_it(self):
+        shown = self.run_slowly(1.8)
+        self.assertTrue(shown.startswith(b"kel: reading -, 1 s"), shown)
+        self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
+
+    def test_short_work_shows_nothing(self):
+        self.assertEqual(self.run_slowly(0.1), b"")
+
+    def test_without_a_terminal_nothing_is_shown(self):
+        process = subprocess.Popen([TOOL, "show", "-"], stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        time.sleep(1.5)
+        self.assertEqual(process.communicate(b"1"), (b"1\n", b""))
