@@ -95,46 +95,52 @@ private:
 
 // What one token was, and where it left the input.
 struct Seen {
-    std::string what;
+    int32_t type = 0;
+    int32_t integer = 0;
+    uint64_t floatingBits = 0;
+    bool quoted = false;
+    std::string text;
+    JHashCode hashCode;
+    std::string failure;
+    int32_t raw = 0; // the character behind a place where nothing matches
     int64_t start = 0;
     int64_t behind = 0;
     bool operator==(const Seen&) const = default;
 };
 
-std::string bitsOf(double value) { return std::to_string(std::bit_cast<uint64_t>(value)); }
-
-std::string describe(const kel::Token& token) {
+std::ostream& operator<<(std::ostream& out, const Seen& seen) {
     char guid[JHashCode::guidTextLength + 1];
-    token.hashCode.toGuidText(guid);
-    return std::to_string(token.type) + " " + std::to_string(token.integer) + " " +
-           bitsOf(token.floating) + " " + (token.quoted ? "quoted " : "bare ") +
-           std::string(token.text) + " " + guid;
-}
-
-std::string describe(const JObject& value) {
-    if (const auto* text = dynamic_cast<const JString*>(&value)) {
-        return std::string(text->isQuoted() ? "\"" : "'") + text->chars();
-    }
-    if (const auto* integer = dynamic_cast<const JInteger*>(&value)) {
-        return std::string("integer ").append(std::to_string(integer->intValue()));
-    }
-    if (const auto* number = dynamic_cast<const JDouble*>(&value)) {
-        return std::string("double ").append(bitsOf(number->doubleValue()));
-    }
-    char guid[JHashCode::guidTextLength + 1];
-    dynamic_cast<const JInt128&>(value).int128().toGuidText(guid);
-    return guid;
+    seen.hashCode.toGuidText(guid);
+    return out << "type " << seen.type << ", " << seen.integer << ", bits " << seen.floatingBits
+               << (seen.quoted ? ", quoted " : ", bare ") << hex(seen.text) << ", " << guid
+               << ", threw \"" << seen.failure << "\", raw " << seen.raw << ", from "
+               << seen.start << " to " << seen.behind;
 }
 
 std::string messageOf(const TokenizerException& failure) {
-    return std::string("threw ").append(JPointer<JString>(failure.getMessage())->chars());
+    return JPointer<JString>(failure.getMessage())->chars();
 }
 
-std::string valueOf(StreamTokenizer& tokenizer) {
-    try {
-        return describe(*tokenizer.getValue());
-    } catch (const TokenizerException& failure) {
-        return messageOf(failure);
+bool isText(const JObject* value, const kel::Token& token) {
+    const auto* text = dynamic_cast<const JString*>(value);
+    return text != nullptr && text->isQuoted() == token.quoted &&
+           std::string_view(text->chars(), token.text.size()) == token.text;
+}
+
+// True when the value object says what the plain token says.
+bool valueMatches(StreamTokenizer& tokenizer) {
+    const kel::Token& token = tokenizer.token();
+    const JPointer<JObject> value = tokenizer.getValue();
+    switch (token.type) {
+    case kel::tokenInteger:
+        return dynamic_cast<const JInteger&>(*value).intValue() == token.integer;
+    case kel::tokenFloating:
+        return std::bit_cast<uint64_t>(dynamic_cast<const JDouble&>(*value).doubleValue()) ==
+               std::bit_cast<uint64_t>(token.floating);
+    case kel::tokenHashCode:
+        return dynamic_cast<const JInt128&>(*value).int128Value() == token.hashCode;
+    default:
+        return isText(value.get(), token);
     }
 }
 
@@ -149,26 +155,43 @@ public:
     Seen next() {
         Seen seen;
         try {
-            const int32_t type = tokenizer_.nextToken();
-            seen.what = std::to_string(type) + " " + describe(tokenizer_.token()) + " " +
-                        valueOf(tokenizer_);
-            seen.behind = tokenizer_.input().position();
-            if (type == kel::tokenNone) {
-                seen.what += " " + std::to_string(tokenizer_.nextRaw());
-            }
-            ended_ = type == kel::tokenEnd;
+            seen.type = tokenizer_.nextToken();
+            ended_ = seen.type == kel::tokenEnd;
         } catch (const TokenizerException& failure) {
-            seen.what = messageOf(failure) + " " + valueOf(tokenizer_);
-            seen.behind = tokenizer_.input().position();
+            seen.failure = messageOf(failure);
             ended_ = true;
         }
+        const kel::Token& token = tokenizer_.token();
+        seen.integer = token.integer;
+        seen.floatingBits = std::bit_cast<uint64_t>(token.floating);
+        seen.quoted = token.quoted;
+        seen.text = token.text;
+        seen.hashCode = token.hashCode;
         seen.start = tokenizer_.tokenStart();
+        seen.behind = tokenizer_.input().position();
+        if (seen.type > kel::tokenNewline) {
+            EXPECT_TRUE(valueMatches(tokenizer_)) << seen;
+        } else {
+            EXPECT_EQ(valueFailure(), "Error reading tokens") << seen;
+        }
+        if (seen.type == kel::tokenNone) {
+            seen.raw = tokenizer_.nextRaw();
+        }
         return seen;
     }
 
     bool hasEnded() const { return ended_; }
 
 private:
+    std::string valueFailure() {
+        try {
+            tokenizer_.getValue();
+        } catch (const TokenizerException& failure) {
+            return messageOf(failure);
+        }
+        return "(a value)";
+    }
+
     StreamTokenizer tokenizer_;
     bool ended_ = false;
 };
@@ -188,9 +211,7 @@ int compare(const std::string& text, int32_t largestPiece, bool seekable) {
     for (; !machines.hasEnded(); ++count) {
         const Seen expected = machines.next();
         const Seen got = scanner.next();
-        EXPECT_EQ(got.what, expected.what) << "in " << hex(text) << " at " << expected.start;
-        EXPECT_EQ(got.start, expected.start) << "in " << hex(text);
-        EXPECT_EQ(got.behind, expected.behind) << "in " << hex(text);
+        EXPECT_EQ(got, expected) << "in " << hex(text);
         if (!(got == expected)) {
             break;
         }

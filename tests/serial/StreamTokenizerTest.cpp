@@ -4,6 +4,7 @@
 #include "runtime/JDouble.h"
 #include "runtime/JInt128.h"
 #include "runtime/JInteger.h"
+#include "runtime/Text.h"
 #include "serial/NewlineFSM.h"
 #include "serial/WhitespaceFSM.h"
 #include "serial/WordFSM.h"
@@ -35,8 +36,11 @@ std::string describe(StreamTokenizer& tokenizer, int32_t type) {
         return out + (token.quoted ? ":\"" : ":") + std::string(token.text);
     case kel::tokenInteger:
         return out + ":" + std::to_string(token.integer);
-    case kel::tokenFloating:
-        return out + ":" + std::to_string(token.floating);
+    case kel::tokenFloating: {
+        char text[kel::doubleTextSize];
+        kel::formatDouble(text, token.floating);
+        return out + ":" + text;
+    }
     case kel::tokenHashCode: {
         char guid[JHashCode::guidTextLength + 1];
         token.hashCode.toGuidText(guid);
@@ -58,7 +62,8 @@ protected:
         int32_t type = 1;
         while (type > 0) {
             type = tokenizer.nextToken();
-            out += (out.empty() ? "" : "|") + describe(tokenizer, type);
+            out += out.empty() ? "" : "|";
+            out += describe(tokenizer, type);
         }
         return out;
     }
@@ -139,7 +144,7 @@ TEST_P(Tokens, ALineCommentLeavesItsLineEnd) {
 TEST_P(Tokens, BlockComments) {
     EXPECT_EQ(tokens("/*a\nb*/1"), "2:a\nb|3:1|0");
     EXPECT_EQ(tokens("/* a **/ b */"), "2: a **/ b |0");
-    EXPECT_EQ(tokens("/****/*/"), "2:**/|0");
+    EXPECT_EQ(tokens("/***/*/"), "2:**/|0");
     EXPECT_EQ(tokens("/*** /***/"), "2:** /**|0");
 }
 

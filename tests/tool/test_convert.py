@@ -101,9 +101,9 @@ class Mapping(ToolTest):
         self.assertEqual(self.converted(text, "kel", "in.kel"), text)
 
     def test_everything_survives_the_way_through_all_formats(self):
-        document = {"a": [1, -2.5, True, None and 0, "\u00fc"], "b": {"c": {}, "d": None}, "e": []}
+        document = {"a": [1, -2.5, True, "\u00fc"], "b": {"c": {}, "d": None}, "e": []}
         self.write("a.json", json.dumps(document))
-        self.ok("convert", "a.json", "b.kel", )
+        self.ok("convert", "a.json", "b.kel")
         self.ok("convert", "b.kel", "c.kelb")
         self.ok("convert", "c.kelb", "d.kel")
         self.ok("convert", "d.kel", "e.json")
@@ -124,8 +124,6 @@ class Roots(ToolTest):
 
     def test_json_texts_may_touch_where_a_bracket_stands(self):
         self.write("a.json", '{"a":1}[2]3{}"x"\n4 5')
-        self.assertEqual(self.kel("show", "a.json").status, 3)
-        self.write("a.json", '{"a":1}[2]3{} "x"\n4 5')
         self.ok("convert", "a.json", "b.json")
         self.assertEqual(self.read("b.json"), b'{"a":1}\n[2]\n3\n{}\n"x"\n4\n5\n')
 
@@ -136,7 +134,7 @@ class Roots(ToolTest):
 
     def test_null_is_a_root_of_text_and_json(self):
         self.write("a.json", "null 1 null")
-        self.ok("convert", "a.json", "b.kel", )
+        self.ok("convert", "a.json", "b.kel")
         self.assertEqual(self.read("b.kel"), b"NULL\n1\nNULL\n")
         self.ok("convert", "b.kel", "c.json")
         self.assertEqual(self.read("c.json"), b"null\n1\nnull\n")

@@ -79,7 +79,7 @@ class MalformedInput(ToolTest):
 
     def test_binary_tells_the_offset_of_a_bad_header(self):
         self.malformed("a.kelb", int_record(1) + b"KEX\0" + bytes(30),
-                       f": offset {len(int_record(1)) + 4}: Error reading KEL header.")
+                       f": offset {len(int_record(1))}: Error reading KEL header.")
 
     def test_binary_tells_an_unknown_reference(self):
         self.malformed("a.kelb", b"KEL\0" + b"\1" * 16 + b"\xff\xff\xff\x7f",
@@ -87,8 +87,8 @@ class MalformedInput(ToolTest):
 
     def test_json_tells_the_line(self):
         self.malformed("a.json", '{\n  "a": 1,\n  "b": nul\n}\n',
-                       ":3: syntax error while parsing value - invalid literal; last read: 'nul\\u000a'"
-                       .replace("\\u000a", "<U+000A>"))
+                       ":3: syntax error while parsing value - invalid literal; last read: "
+                       "'\"b\": nul<U+000A>'")
 
     def test_json_tells_the_line_in_later_roots_too(self):
         self.malformed("a.json", "[1]\n[2]\n[3,]\n",

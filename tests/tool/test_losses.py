@@ -78,7 +78,7 @@ class LossesToText(Losses):
 
 class LossesToBinary(Losses):
     def test_guids_become_strings(self):
-        self.refused("a.kel", f"{{ a = {GUID_TEXT} b = [ {GUID_TEXT}\n ] }}", "kelb",
+        self.refused("a.kel", f"{{ a = {GUID_TEXT}\n b = [ {GUID_TEXT}\n ] }}", "kelb",
                      "a: a guid", "b[0]: a guid")
         self.forced("a.kel", "kelb")
         self.ok("convert", "out.kelb", "back.json")

@@ -53,7 +53,7 @@ class Check(ToolTest):
 
     def test_from_holds_for_all_files(self):
         self.write("a.kel", "1")
-        self.fails(1, "kel: a.kel: offset 1: Error reading KEL header.\n",
+        self.fails(1, "kel: a.kel: offset 0: Error reading KEL header.\n",
                    "check", "--from", "binary", "a.kel")
 
 

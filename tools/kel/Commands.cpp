@@ -45,8 +45,8 @@ std::string lossesOf(const Places& places, const std::string& inputName, const I
 /// Looks the document through, which finds the rest of what the target cannot carry.
 void survey(Input& input, Format target, const std::string& inputName, Places& places) {
     // The reader of JSON has listed everything already, under the paths of the JSON text.
-    const Survey found = surveyOf(input.document, target,
-                                  input.format == Format::json ? nullptr : &places);
+    const Survey found =
+        surveyOf(input.document, target, input.format == Format::json ? nullptr : &places);
     if (!found.cycle) {
         input.document.knowAcyclic();
     }

@@ -6,11 +6,21 @@ namespace {
 
 constexpr std::string_view binaryMagic("KEL\0", 4);
 
-bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isLayout(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
-bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 && !isLayout(c); }
-bool isWordCharacter(char c) { return isLetter(c) || isDigit(c) || c == '_' || c == '.'; }
+bool isLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isLayout(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
+}
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20 && !isLayout(c);
+}
+bool isWordCharacter(char c) {
+    return isLetter(c) || isDigit(c) || c == '_' || c == '.';
+}
 
 /// The word or number that starts at begin.
 std::string_view wordAt(std::string_view content, size_t begin) {

@@ -50,9 +50,9 @@ private:
         Value container;
         KEL_Array* array;
         KEL_Struct* structure;
-        std::string name = {};        ///< of the current member
-        uint64_t index = 0;           ///< of the current element, as the JSON text counts
-        bool mayBeShape = false;      ///< a reserved name was met
+        std::string name = {};   ///< of the current member
+        uint64_t index = 0;      ///< of the current element, as the JSON text counts
+        bool mayBeShape = false; ///< a reserved name was met
     };
 
     bool isLeftOut();

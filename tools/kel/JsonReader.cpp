@@ -87,8 +87,8 @@ class JsonReader {
 public:
     /// \param content has to end with white space, so that something follows every number
     JsonReader(const std::string& content, const std::string& inputName, Handler& handler)
-        : begin_(content.data()), at_(begin_), end_(begin_ + content.size()),
-          inputName_(inputName), handler_(handler) {}
+        : begin_(content.data()), at_(begin_), end_(begin_ + content.size()), inputName_(inputName),
+          handler_(handler) {}
 
     void readAll() {
         do {
@@ -143,8 +143,8 @@ private:
 
 } // namespace
 
-Document readJson(std::string content, const std::string& inputName,
-                  std::optional<Format> target, Places& places) {
+Document readJson(std::string content, const std::string& inputName, std::optional<Format> target,
+                  Places& places) {
     content += '\n';
     Handler handler(target, places);
     JsonReader(content, inputName, handler).readAll();

@@ -19,7 +19,7 @@ namespace kel::tool {
 /// \param target the format that the values go to, if there is one
 /// \param places gets what the values or the target cannot carry
 /// \throws Failure malformed, "INPUT:LINE: what is wrong"
-Document readJson(std::string content, const std::string& inputName,
-                  std::optional<Format> target, Places& places);
+Document readJson(std::string content, const std::string& inputName, std::optional<Format> target,
+                  Places& places);
 
 } // namespace kel::tool

@@ -73,14 +73,16 @@ Examples:
 
 The output appears whole or not at all; an existing file is replaced and keeps its permissions.)";
 
-constexpr const char* showNotes = R"(Prints the text form, also where it could not be read back: strings with double quotes as they
+constexpr const char* showNotes =
+    R"(Prints the text form, also where it could not be read back: strings with double quotes as they
 are, of a memory block the size.
 
 Examples:
   kel show settings.kelb
   kel show --from json - < settings.json)";
 
-constexpr const char* checkNotes = R"(Says nothing about files that are fine. An error tells the file and the line, in binary files the
+constexpr const char* checkNotes =
+    R"(Says nothing about files that are fine. An error tells the file and the line, in binary files the
 offset of the byte where reading stopped. Exit status 1 when a file is malformed, 3 when one
 cannot be read.
 
@@ -99,6 +101,8 @@ void addFormatOption(CLI::App& command, const char* name, std::string& format,
             },
             ""));
 }
+
+constexpr const char* hint = "\nTry \"kel --help\".";
 
 /// The output format: as asked for, else as the file name tells.
 Format requireTarget(const Options& options) {
@@ -142,6 +146,9 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     addFormatOption(*check, "--from", from, takeInputFor);
     check->footer(checkNotes);
 
+    if (argc > 1 && argv[1][0] != '-' && app.get_subcommand_no_throw(argv[1]) == nullptr) {
+        throw Failure{Trouble::usage, argv[1] + std::string(": unknown command") + hint};
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& end) {
@@ -150,7 +157,7 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
             app.exit(end, answer, answer);
             return answer.str();
         }
-        throw Failure{Trouble::usage, end.what() + std::string("\nTry \"kel --help\".")};
+        throw Failure{Trouble::usage, end.what() + std::string(hint)};
     }
     if (!*check) {
         options.inputs = {input};

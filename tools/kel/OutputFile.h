@@ -8,8 +8,8 @@
 
 namespace kel::tool {
 
-/// Where a command writes. A regular file is written under another name in the same folder and takes
-/// the place of the old one only in commit, with the old one's permissions; a name that is a
+/// Where a command writes. A regular file is written under another name in the same folder and
+/// takes the place of the old one only in commit, with the old one's permissions; a name that is a
 /// symbolic link stays one, and the file that it leads to is replaced. "-" is stdout, and devices
 /// and pipes are written directly: nothing can be taken back there.
 class OutputFile {

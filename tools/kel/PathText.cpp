@@ -18,7 +18,9 @@ bool isBareCharacter(char c) {
            c == '@';
 }
 
-bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; }
+bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
+}
 
 void appendHex(std::string& out, const char* prefix, unsigned char byte) {
     constexpr char digits[] = "0123456789abcdef";
@@ -46,7 +48,9 @@ std::string withoutControls(std::string_view text) {
     return out;
 }
 
-void PathText::addIndex(uint64_t index) { text_ += '[' + std::to_string(index) + ']'; }
+void PathText::addIndex(uint64_t index) {
+    text_ += '[' + std::to_string(index) + ']';
+}
 
 void PathText::addName(std::string_view name) {
     if (!name.empty() && std::all_of(name.begin(), name.end(), isBareCharacter)) {

@@ -57,9 +57,13 @@ void handleEndingSignals() {
 
 } // namespace
 
-void ignoreClosedPipes() { std::signal(SIGPIPE, SIG_IGN); }
+void ignoreClosedPipes() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
 
-bool isTerminal(std::FILE* file) { return isatty(fileno(file)) == 1; }
+bool isTerminal(std::FILE* file) {
+    return isatty(fileno(file)) == 1;
+}
 
 bool mayWrite(const std::string& name) {
     return access(name.c_str(), W_OK) == 0 || errno == ENOENT;
@@ -70,7 +74,9 @@ std::FILE* openMemoryToRead(const char* bytes, size_t size) {
     return fmemopen(const_cast<char*>(bytes), size, "rb");
 }
 
-std::FILE* openMemoryToWrite(char* buffer, size_t size) { return fmemopen(buffer, size, "wb"); }
+std::FILE* openMemoryToWrite(char* buffer, size_t size) {
+    return fmemopen(buffer, size, "wb");
+}
 
 std::FILE* createTemporary(const std::string& folder, std::string& name) {
     constexpr int attempts = 1000;
@@ -115,7 +121,9 @@ void copyPermissions(std::FILE* file, const std::string& from) {
     }
 }
 
-bool synchronise(std::FILE* file) { return fsync(fileno(file)) == 0; }
+bool synchronise(std::FILE* file) {
+    return fsync(fileno(file)) == 0;
+}
 
 void synchroniseFolder(const std::string& folder) {
     const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);

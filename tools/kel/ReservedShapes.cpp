@@ -39,6 +39,8 @@ Value valueOfShape(const KEL_Struct& structure) {
     return nullptr;
 }
 
-bool isReservedShape(const KEL_Struct& structure) { return valueOfShape(structure) != nullptr; }
+bool isReservedShape(const KEL_Struct& structure) {
+    return valueOfShape(structure) != nullptr;
+}
 
 } // namespace kel::tool

@@ -14,7 +14,9 @@ namespace {
 
 constexpr uint64_t ceiling = uint64_t{1} << 62U;
 
-uint64_t sum(uint64_t a, uint64_t b) { return std::min(a + b, ceiling); }
+uint64_t sum(uint64_t a, uint64_t b) {
+    return std::min(a + b, ceiling);
+}
 
 /// The size of a value with all that it holds, written out at the left margin.
 struct Extent {
@@ -158,9 +160,10 @@ void requireSensibleSize(const Survey& survey, Format target, const std::string&
                                             " values, because values are shared many times over"};
     }
     if (survey.bytes > Survey::mostBytes) {
-        throw Failure{Trouble::refused,
-                      what + std::to_string(Survey::mostBytes) +
-                          " bytes, because of deep nesting or of values that are shared many times"};
+        throw Failure{
+            Trouble::refused,
+            what + std::to_string(Survey::mostBytes) +
+                " bytes, because of deep nesting or of values that are shared many times"};
     }
 }
 

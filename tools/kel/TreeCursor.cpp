@@ -38,8 +38,7 @@ TreeCursor::Event TreeCursor::arrive(KEL* value) {
     if (!isContainer(*value)) {
         return Event::scalar;
     }
-    stack_.push_back(
-        {value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value)});
+    stack_.push_back({value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value)});
     return Event::enter;
 }
 
@@ -57,7 +56,7 @@ void TreeCursor::open(Frame& frame) {
             const char* name = names->nextElement();
             names_.append(name, std::strlen(name) + 1);
         }
-            return;
+        return;
     }
     const std::vector<KEL*> elements = elementsOf(dynamic_cast<KEL_Manager&>(*frame.container));
     frame.begin = elements_.size();

@@ -49,12 +49,12 @@ private:
     /// A container on the way to the current value, and how far it has been visited.
     struct Frame {
         KEL* container;
-        KEL_Array* array;       ///< for arrays
-        KEL_Struct* structure;  ///< for structs
-        size_t begin = 0;       ///< where the frame's names or elements begin in their stack
-        size_t name = 0;        ///< the current variable's name
-        size_t nextName = 0;    ///< the next variable's name
-        int32_t next = 0;       ///< number of the next value
+        KEL_Array* array;      ///< for arrays
+        KEL_Struct* structure; ///< for structs
+        size_t begin = 0;      ///< where the frame's names or elements begin in their stack
+        size_t name = 0;       ///< the current variable's name
+        size_t nextName = 0;   ///< the next variable's name
+        int32_t next = 0;      ///< number of the next value
         int32_t count = 0;
         bool isOpen = false;
     };
