@@ -107,7 +107,7 @@ void KEL_Array_Impl::swapVars(int32_t a, int32_t b) {
 
 int32_t KEL_Array_Impl::addMade(KEL_Impl* value) {
     const JPointer<KEL_Impl> made(value);
-    return addVar(made.get());
+    return append(value);
 }
 
 int32_t KEL_Array_Impl::addString(const char* text) { return addMade(new KEL_String_Impl(text)); }
@@ -122,9 +122,10 @@ int32_t KEL_Array_Impl::addBoolean(bool value) { return addMade(new KEL_Boolean_
 
 int32_t KEL_Array_Impl::addVar(KEL* value) {
     KEL_Impl* element = KEL_Impl::of(value);
-    if (element == nullptr) {
-        return -1;
-    }
+    return element == nullptr ? -1 : append(element);
+}
+
+int32_t KEL_Array_Impl::append(KEL_Impl* element) {
     elements_->addElement(element);
     notifyChanged();
     return elements_->size() - 1;

@@ -75,6 +75,9 @@ public:
     void takeContents(const KEL_Impl& source) override;
 
 private:
+    /// Appends an element, sharing it, and notifies. \return its index
+    int32_t append(KEL_Impl* element);
+
     /// Appends a value just made, with its one reference, and notifies. \return its index
     int32_t addMade(KEL_Impl* value);
 
