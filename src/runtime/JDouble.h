@@ -28,9 +28,7 @@ public:
     int32_t intValue() const override { return truncated(); }
     int32_t longValue() const override { return truncated(); }
     JLong64 int64Value() const override { return JLong64(static_cast<uint32_t>(truncated())); }
-    JHashCode int128Value() const override {
-        return JHashCode(static_cast<uint32_t>(truncated()));
-    }
+    JHashCode int128Value() const override { return JHashCode(static_cast<uint32_t>(truncated())); }
     int16_t shortValue() const override { return static_cast<int16_t>(truncated()); }
     double doubleValue() const override { return value_; }
     float floatValue() const override { return static_cast<float>(value_); }

@@ -16,7 +16,9 @@ namespace kel {
 inline constexpr double firstFractionWeight = 0.1;
 
 /// The weight of the digit behind the one with this weight.
-constexpr double nextFractionWeight(double weight) { return weight * 0.1; }
+constexpr double nextFractionWeight(double weight) {
+    return weight * 0.1;
+}
 
 /// The sum with one more digit.
 constexpr double addFractionDigit(double sum, uint32_t digit, double weight) {

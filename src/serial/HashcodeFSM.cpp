@@ -15,8 +15,8 @@ JHashCode hashCodeOfDigits(const uint8_t* digits) {
         }
         return value;
     };
-    KELGuid guid = {field(0, 8), static_cast<uint16_t>(field(8, 4)),
-                    static_cast<uint16_t>(field(12, 4)), {}};
+    KELGuid guid = {
+        field(0, 8), static_cast<uint16_t>(field(8, 4)), static_cast<uint16_t>(field(12, 4)), {}};
     for (int32_t i = 0; i < 8; ++i) {
         guid.data4[i] = static_cast<uint8_t>(field(16 + 2 * i, 2));
     }

@@ -12,6 +12,7 @@ KEL_Impl* KELASCIIInputStream_Impl::readTree() {
 
 const kel::Token& KELASCIIInputStream_Impl::readNumber() {
     return withMediumErrors([&]() -> const kel::Token& {
+        source_.startRoot();
         const int32_t type = source_.skip();
         if (type == kel::tokenEnd) {
             source_.endError();
@@ -40,6 +41,7 @@ JHashCode KELASCIIInputStream_Impl::JRead128() { throw new KELException_Impl("No
 
 JString* KELASCIIInputStream_Impl::JReadString() {
     return withMediumErrors([&] {
+        source_.startRoot();
         const int32_t type = source_.skip();
         if (type == kel::tokenEnd) {
             source_.endError();

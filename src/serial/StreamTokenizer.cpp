@@ -92,7 +92,9 @@ void StreamTokenizer::setLiteral(bool literal) {
     findOutPath();
 }
 
-void StreamTokenizer::findOutPath() { scans_ = !literal_ && areStandard(recognisers_); }
+void StreamTokenizer::findOutPath() {
+    scans_ = !literal_ && areStandard(recognisers_);
+}
 
 int32_t StreamTokenizer::nextToken() {
     value_.clear();

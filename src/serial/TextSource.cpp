@@ -86,21 +86,18 @@ void TextSource::define() {
     }
     expectWord(word);
     BufferedInput& input = tokens().input();
-    int32_t c = input.next();
-    while (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
+    int32_t c = input.peek();
+    for (; c == ' ' || c == '\t' || c == '\r' || c == '\n'; c = input.peek()) {
         line_ += c == '\n' ? 1 : 0;
-        c = input.next();
+        input.skip(1);
     }
     if (c == -1) {
         endError();
     }
     std::string text;
-    while (!endsLine(c)) {
+    for (; !endsLine(c); c = input.peek()) {
         text.push_back(static_cast<char>(c));
-        c = input.peek();
-        if (!endsLine(c)) {
-            input.skip(1);
-        }
+        input.skip(1);
     }
     Definition& definition = definitions_[word];
     if (definition.expanding) {

@@ -39,7 +39,8 @@ public:
     /// Goes back before the last token.
     void unread() { tokens().input().seek(tokens().tokenStart()); }
 
-    /// Throws away what a failed value left: unfinished expansions. Called before a root value.
+    /// Throws away what a failed value left: unfinished expansions. Called before a root value or
+    /// a single number or word.
     void startRoot();
 
     /// Reads a definition behind its "#": "define", a name, and the text up to the line's end.

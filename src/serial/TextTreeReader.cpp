@@ -159,7 +159,8 @@ void TextTreeReader::beginNumber() {
         const int64_t behind = input.position();
         source_.unread();
         JHashCode hashCode;
-        if (source_.tokens().readHashCode(hashCode)) {
+        // Of a negative number, the dash is no digit.
+        if (input.peek() != '-' && source_.tokens().readHashCode(hashCode)) {
             beginAfterHashCode(hashCode);
             return;
         }
@@ -275,12 +276,15 @@ void TextTreeReader::openStruct() {
             break;
         }
         expect('=');
+        const int32_t item = source_.skip();
+        if (item == tokenEnd) {
+            source_.endError();
+        }
         if (isType) {
-            if (source_.skip() != tokenInteger || tokens.token().integer != KELKind_Struct) {
+            if (item != tokenInteger || tokens.token().integer != KELKind_Struct) {
                 source_.syntaxError();
             }
         } else {
-            source_.skip();
             source_.unread();
             if (!tokens.readHashCode(headerIdentity.emplace())) {
                 source_.syntaxError();

@@ -46,7 +46,9 @@ JHashCode BinaryDataInput::JRead128() {
     return littleEndian() ? loadLittle128(bytes) : loadBig128(bytes);
 }
 
-double BinaryDataInput::JReadDouble() { return std::bit_cast<double>(JRead64().value()); }
+double BinaryDataInput::JReadDouble() {
+    return std::bit_cast<double>(JRead64().value());
+}
 
 JString* BinaryDataInput::JReadString() {
     constexpr uint32_t step = 512;

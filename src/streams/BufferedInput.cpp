@@ -34,7 +34,9 @@ BufferedInput::BufferedInput(const JPointer<JInputStream>& stream) : stream_(str
     restart(seekable_ ? position : 0);
 }
 
-BufferedInput::~BufferedInput() { platform::deallocate(buffer_); }
+BufferedInput::~BufferedInput() {
+    platform::deallocate(buffer_);
+}
 
 void BufferedInput::restart(int64_t position) {
     cursor_ = end_ = buffer_;

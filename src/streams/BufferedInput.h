@@ -114,7 +114,7 @@ private:
     uint8_t* buffer_;       // capacity_ bytes and one for the NUL
     std::size_t capacity_;
     std::size_t piece_; // read at once where the stream has positions
-    int64_t start_; // position of buffer_[0]
+    int64_t start_;     // position of buffer_[0]
     bool ended_ = false;
     bool seekable_;
     JPointer<JInputStream> stream_;

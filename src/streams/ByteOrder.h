@@ -32,7 +32,9 @@ inline JHashCode loadLittle128(const uint8_t* b) {
 }
 
 /// The IEEE double whose bits are eight bytes, least significant first.
-inline double loadLittleDouble(const uint8_t* b) { return std::bit_cast<double>(loadLittle64(b)); }
+inline double loadLittleDouble(const uint8_t* b) {
+    return std::bit_cast<double>(loadLittle64(b));
+}
 
 inline void storeLittle16(uint8_t* b, uint16_t v) {
     b[0] = static_cast<uint8_t>(v);
@@ -64,7 +66,9 @@ inline void storeLittleDouble(uint8_t* b, double v) {
     storeLittle64(b, std::bit_cast<uint64_t>(v));
 }
 
-inline uint16_t loadBig16(const uint8_t* b) { return static_cast<uint16_t>(b[0] << 8 | b[1]); }
+inline uint16_t loadBig16(const uint8_t* b) {
+    return static_cast<uint16_t>(b[0] << 8 | b[1]);
+}
 
 inline uint32_t loadBig32(const uint8_t* b) {
     return static_cast<uint32_t>(b[0]) << 24 | static_cast<uint32_t>(b[1]) << 16 |

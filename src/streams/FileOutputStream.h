@@ -42,7 +42,8 @@ public:
     /// \throws JIOException "FileOutputStream::JWrite(uchar*,int,int). Buffer=NULL"
     /// \throws JIOException "FileOutputStream::JWrite(uchar*,int,int). Stream returned error:32"
     /// \throws JIOException "FileOutputStream::JWrite(uchar*,int,int). Stream returned bad() flag."
-    /// \throws JIOException "FileOutputStream::JWrite(uchar*,int,int). Stream returned fail() flag."
+    /// \throws JIOException "FileOutputStream::JWrite(uchar*,int,int). Stream returned fail()
+    /// flag."
     void JWrite(const uint8_t* buffer, int32_t offset, int32_t count) override;
 
     /// Hands everything to the system; does nothing when closed.

@@ -16,7 +16,9 @@ std::string copyOf(const char* text, int64_t length) {
 StringReader::StringReader(const char* text, int64_t length)
     : buffer_(copyOf(text, length), std::ios_base::in) {}
 
-int32_t StringReader::JRead() { return closed_ ? -1 : buffer_.sbumpc(); }
+int32_t StringReader::JRead() {
+    return closed_ ? -1 : buffer_.sbumpc();
+}
 
 int32_t StringReader::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
     if (buffer == nullptr) {
@@ -25,8 +27,7 @@ int32_t StringReader::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
     if (closed_ || count < 1) {
         return 0;
     }
-    return static_cast<int32_t>(
-        buffer_.sgetn(reinterpret_cast<char*>(buffer + offset), count));
+    return static_cast<int32_t>(buffer_.sgetn(reinterpret_cast<char*>(buffer + offset), count));
 }
 
 int64_t StringReader::JTell() {

@@ -20,7 +20,9 @@ void checkStream(const std::ostringstream& text, const char* badMessage, const c
 
 } // namespace
 
-StringWriter::~StringWriter() { kel::platform::deallocate(snapshot_); }
+StringWriter::~StringWriter() {
+    kel::platform::deallocate(snapshot_);
+}
 
 const char* StringWriter::getString() {
     if (changed_) {

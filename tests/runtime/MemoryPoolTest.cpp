@@ -63,7 +63,9 @@ TEST(MemoryPool, ReadingOutsideThrows) {
     EXPECT_EQ(read(pool, 4, 0), "");
 }
 
-bool refuseAll(std::size_t) { return false; }
+bool refuseAll(std::size_t) {
+    return false;
+}
 
 TEST(MemoryPool, ConstructionWithoutMemoryThrows) {
     const auto before = kel::platform::exchangeAllocationGate(refuseAll);
@@ -78,7 +80,9 @@ TEST(MemoryPool, ConstructionWithoutMemoryThrows) {
     EXPECT_TRUE(failed);
 }
 
-bool refuseLarge(std::size_t size) { return size < 1000; }
+bool refuseLarge(std::size_t size) {
+    return size < 1000;
+}
 
 TEST(MemoryPool, FailureToGrowThrowsAndKeepsTheContents) {
     MemoryPool pool(4, 4);

@@ -130,10 +130,13 @@ TEST(Text, DoublesHaveSixDecimals) {
 
 TEST(Text, DoublesRoundTheirExactValue) {
     EXPECT_EQ(text(0.0000005), "0.000000"); // a little below the half
-    EXPECT_EQ(text(0.0000015), "0.000002"); // a little above
-    EXPECT_EQ(text(1.0000005), "1.000000");
-    EXPECT_EQ(text(0.9999995), "0.999999");
+    EXPECT_EQ(text(0.0000015), "0.000002"); // a little above it
     EXPECT_EQ(text(0.99999951), "1.000000");
+}
+
+TEST(Text, AnExactHalfRoundsToTheEvenDigit) {
+    EXPECT_EQ(text(1.0 / 128), "0.007812"); // 0.0078125
+    EXPECT_EQ(text(3.0 / 128), "0.023438"); // 0.0234375
 }
 
 TEST(Text, InfinitiesAndNansHaveNames) {

@@ -113,8 +113,8 @@ std::ostream& operator<<(std::ostream& out, const Seen& seen) {
     seen.hashCode.toGuidText(guid);
     return out << "type " << seen.type << ", " << seen.integer << ", bits " << seen.floatingBits
                << (seen.quoted ? ", quoted " : ", bare ") << hex(seen.text) << ", " << guid
-               << ", threw \"" << seen.failure << "\", raw " << seen.raw << ", from "
-               << seen.start << " to " << seen.behind;
+               << ", threw \"" << seen.failure << "\", raw " << seen.raw << ", from " << seen.start
+               << " to " << seen.behind;
 }
 
 std::string messageOf(const TokenizerException& failure) {
@@ -171,10 +171,9 @@ public:
         seen.behind = tokenizer_.input().position();
         if (seen.type > kel::tokenNewline) {
             EXPECT_TRUE(valueMatches(tokenizer_)) << seen;
-        } else {
+        } else if (ended_) {
             EXPECT_EQ(valueFailure(), "Error reading tokens") << seen;
-        }
-        if (seen.type == kel::tokenNone) {
+        } else if (seen.type == kel::tokenNone) {
             seen.raw = tokenizer_.nextRaw();
         }
         return seen;

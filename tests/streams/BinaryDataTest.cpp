@@ -101,16 +101,15 @@ TEST_P(BinaryDataOrders, IntegersComeBackAroundEveryPowerOfTwo) {
     for (int bit = 0; bit < 64; ++bit) {
         for (const uint64_t v : {1ULL << bit, (1ULL << bit) - 1, 0 - (1ULL << bit)}) {
             const auto half = static_cast<uint32_t>(v >> 32);
-            BinaryDataInput input = reading(
-                written(GetParam(),
-                        [&](auto& o) {
-                            o.JWrite8(static_cast<int8_t>(v));
-                            o.JWrite16(static_cast<int16_t>(v));
-                            o.JWrite32(static_cast<int32_t>(v));
-                            o.JWrite64(JLong64::of(v));
-                            o.JWrite128(JHashCode(half, 1, 2, half));
-                        }),
-                GetParam());
+            BinaryDataInput input = reading(written(GetParam(),
+                                                    [&](auto& o) {
+                                                        o.JWrite8(static_cast<int8_t>(v));
+                                                        o.JWrite16(static_cast<int16_t>(v));
+                                                        o.JWrite32(static_cast<int32_t>(v));
+                                                        o.JWrite64(JLong64::of(v));
+                                                        o.JWrite128(JHashCode(half, 1, 2, half));
+                                                    }),
+                                            GetParam());
             EXPECT_EQ(input.JRead8(), static_cast<int8_t>(v));
             EXPECT_EQ(input.JRead16(), static_cast<int16_t>(v));
             EXPECT_EQ(input.JRead32(), static_cast<int32_t>(v));

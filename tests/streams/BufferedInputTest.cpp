@@ -39,7 +39,9 @@ std::string numbers(size_t count) {
     return out;
 }
 
-std::string window(const BufferedInput& input) { return {input.begin(), input.end()}; }
+std::string window(const BufferedInput& input) {
+    return {input.begin(), input.end()};
+}
 
 std::string takeAll(BufferedInput& input) {
     std::string out;
@@ -299,7 +301,9 @@ TEST(BufferedInput, AFailureOfTheStreamLosesNothing) {
     EXPECT_EQ(takeAll(input), source.stream->data);
 }
 
-bool refuseLarge(std::size_t size) { return size < 100000; }
+bool refuseLarge(std::size_t size) {
+    return size < 100000;
+}
 
 TEST(BufferedInput, WithoutMemoryTheWindowStays) {
     Buffered source(numbers(1000000));

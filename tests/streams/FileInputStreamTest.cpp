@@ -142,11 +142,14 @@ TEST_P(FileInputStreamMedia, BytesAreUnsigned) {
 
 TEST(FileInputStream, RefusesAFileThatIsNotThere) {
     const std::string expected = "FileInputStream. Cannot open file.";
-    EXPECT_EQ(thrownMessage<JIOException>([] { FileInputStream input("/no/such/file"); }), expected);
-    EXPECT_EQ(thrownMessage<JIOException>([] { FileInputStream input(static_cast<char*>(nullptr)); }),
+    EXPECT_EQ(thrownMessage<JIOException>([] { FileInputStream input("/no/such/file"); }),
               expected);
-    EXPECT_EQ(thrownMessage<JIOException>([] { FileInputStream input(static_cast<FILE*>(nullptr)); }),
-              expected);
+    EXPECT_EQ(
+        thrownMessage<JIOException>([] { FileInputStream input(static_cast<char*>(nullptr)); }),
+        expected);
+    EXPECT_EQ(
+        thrownMessage<JIOException>([] { FileInputStream input(static_cast<FILE*>(nullptr)); }),
+        expected);
 }
 
 TEST(FileInputStream, ReadsAHandleFromWhereItStands) {

@@ -59,7 +59,8 @@ TEST_P(FileOutputStreamMedia, WritesBytesAndBlocks) {
     output->JWrite(0x1FF);
     output->JWrite(unsignedBytes("xbcx"), 1, 2);
     output->JFlush();
-    EXPECT_EQ(arrived(), "a\xFF" "bc");
+    EXPECT_EQ(arrived(), "a\xFF"
+                         "bc");
 }
 
 TEST_P(FileOutputStreamMedia, ABlockOfNothingWritesNothing) {
@@ -130,11 +131,14 @@ TEST(FileOutputStream, ReplacesOrAppends) {
 
 TEST(FileOutputStream, RefusesAFileThatCannotBeMade) {
     const std::string expected = "FileOutputStream. Cannot open file.";
-    EXPECT_EQ(thrownMessage<JIOException>([] { FileOutputStream output("/no/such/place/x", false); }),
+    EXPECT_EQ(
+        thrownMessage<JIOException>([] { FileOutputStream output("/no/such/place/x", false); }),
+        expected);
+    EXPECT_EQ(thrownMessage<JIOException>([] { FileOutputStream output(nullptr, true); }),
               expected);
-    EXPECT_EQ(thrownMessage<JIOException>([] { FileOutputStream output(nullptr, true); }), expected);
-    EXPECT_EQ(thrownMessage<JIOException>([] { FileOutputStream output(static_cast<FILE*>(nullptr)); }),
-              expected);
+    EXPECT_EQ(
+        thrownMessage<JIOException>([] { FileOutputStream output(static_cast<FILE*>(nullptr)); }),
+        expected);
 }
 
 TEST(FileOutputStream, AHostsHandleStaysOpen) {
@@ -169,8 +173,10 @@ void expectFlags(std::ostream& stream, const std::string& flag) {
               "FileOutputStream::JWrite(uchar*,int,int). Stream returned " + flag + " flag.");
     EXPECT_EQ(thrownMessage<JIOException>([&] { output.JSeek(0); }),
               "FileOutputStream::JSeek(). Stream returned " + flag + " flag.");
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JFlush(); }), "FileOutputStream::JFlush() error.");
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JClose(); }), "FileOutputStream::JClose() error.");
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JFlush(); }),
+              "FileOutputStream::JFlush() error.");
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JClose(); }),
+              "FileOutputStream::JClose() error.");
     EXPECT_NO_THROW(output.JClose()) << "closed, although closing failed";
 }
 
@@ -197,7 +203,8 @@ TEST(FileOutputStream, ABrokenStandardStreamShowsWhenFlushed) {
     FailingBuffer broken;
     std::ostream stream(&broken);
     FileOutputStream output(stream);
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JFlush(); }), "FileOutputStream::JFlush() error.");
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JFlush(); }),
+              "FileOutputStream::JFlush() error.");
 }
 
 } // namespace

@@ -95,7 +95,8 @@ TEST(FileInputStream, ADescriptorThatIsGoneFailsToClose) {
     close(next);
     FileInputStream input(file.name());
     close(next);
-    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JClose(); }), "FileInputStream::JClose() error.");
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JClose(); }),
+              "FileInputStream::JClose() error.");
     EXPECT_NO_THROW(input.JClose());
     EXPECT_EQ(input.JRead(), -1);
 }

@@ -114,7 +114,9 @@ TEST(StringWriter, StaysReadableWhenClosed) {
     EXPECT_STREQ(output.getString(), "abc");
 }
 
-bool refuseLarge(std::size_t size) { return size < 1000; }
+bool refuseLarge(std::size_t size) {
+    return size < 1000;
+}
 
 TEST(StringWriter, ATextWithoutMemoryIsReportedAndTriedAgain) {
     OpenWriter output;

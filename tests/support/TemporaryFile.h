@@ -22,8 +22,8 @@ public:
     const char* name() const { return path_.c_str(); }
 
     void write(const std::string& bytes) const {
-        std::ofstream(path_, std::ios::binary).write(bytes.data(),
-                                                     static_cast<std::streamsize>(bytes.size()));
+        std::ofstream(path_, std::ios::binary)
+            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     }
 
     std::string bytes() const {

@@ -1,10 +1,9 @@
 import json
-
-from support import (MEMBLOCK, NO_IDENTITY, ToolTest, double_record, int_record, record, reference,
-                     string_record, struct_record)
-from support import ARRAY, BOOLEAN, REFERENCE
-
+import os
 import struct
+
+from support import (ARRAY, BOOLEAN, MEMBLOCK, NO_IDENTITY, REFERENCE, ToolTest, double_record,
+                     int_record, record, reference, string_record, struct_record)
 
 GUID_TEXT = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
 
@@ -143,6 +142,16 @@ class Roots(ToolTest):
         self.write("a.json", "null")
         self.ok("convert", "a.json", "b.kel")
         self.assertEqual(self.ok("convert", "b.kel", "-", "--to", "json").out, b"null\n")
+
+
+class Locale(ToolTest):
+    def test_numbers_do_not_depend_on_the_locale(self):
+        comma = {**os.environ, "LC_ALL": "de_DE.UTF-8"}
+        self.write("a.json", '{"a": 0.5, "b": -1234567.25}')
+        self.ok("convert", "a.json", "b.kel", env=comma)
+        self.assertEqual(self.read("b.kel"), b"{\n\ta = 0.500000\n\tb = -1234567.250000\n}\n")
+        self.ok("convert", "b.kel", "c.json", env=comma)
+        self.assertEqual(self.read("c.json"), b'{\n    "a": 0.5,\n    "b": -1234567.25\n}\n')
 
 
 class StandardStreams(ToolTest):

@@ -1,7 +1,7 @@
 import struct
 
-from support import (ARRAY, REFERENCE, STRUCT, ToolTest, identity, int_record, limit_stack, record,
-                     reference, struct_record)
+from support import (ARRAY, STRING, ToolTest, identity, int_record, limit_stack, record, reference,
+                     struct_record)
 
 DEPTH = 1000000
 ARRAYS = b"[" * DEPTH + b"]" * DEPTH
@@ -90,7 +90,8 @@ class Cycles(ToolTest):
         for name in ("b.kel", "b.json"):
             self.assertEqual(self.kel("convert", "--force", "a.kelb", name).status, 0)
         self.assertEqual(self.json("b.json"), [5, {"list": None, "self": None}])
-        self.assertEqual(self.read("b.kel"), b"[\n\t5\n\t{\n\t\tlist = NULL\n\t\tself = NULL\n\t}\n]\n")
+        self.assertEqual(self.read("b.kel"),
+                         b"[\n\t5\n\t{\n\t\tlist = NULL\n\t\tself = NULL\n\t}\n]\n")
 
     def test_force_leaves_an_outer_value_out_of_an_array(self):
         self.write("a.kelb", record(ARRAY, reference(1) + int_record(5, 3) + reference(1), 1))
@@ -134,7 +135,7 @@ class SharingBombs(ToolTest):
         self.assertEqual(self.files(), ["a.kelb"])
 
     def test_long_strings_count_by_their_length(self):
-        self.write("a.kelb", self.bomb(20, record(6, b"x" * 1000000, 1)))
+        self.write("a.kelb", self.bomb(20, record(STRING, b"x" * 1000000, 1)))
         self.fails(1, "kel: a.kelb: as json this would be more than 68719476736 bytes, because of "
                       "deep nesting or of values that are shared many times\n",
                    "convert", "a.kelb", "b.json")
@@ -150,11 +151,21 @@ class SharingBombs(ToolTest):
         self.ok("convert", "a.kelb", "b.json")
         self.assertEqual(self.read("b.json").count(b"7"), 1024)
 
-    def test_cycles_among_shared_values_do_not_unfold_either(self):
-        everyone = b"".join(reference(number) for number in range(1, 31))
+    def entangled(self, levels):
+        """Arrays that each hold the one before, references to all before, and themselves."""
         content = int_record(0, 99)
-        for number in range(1, 31):
-            content = record(ARRAY, content + everyone[:24 * (number - 1)] + reference(number), number)
-        self.write("a.kelb", content)
-        self.assertEqual(self.kel("check", "a.kelb").status, 0)
-        self.assertIn(self.kel("convert", "--force", "a.kelb", "b.json").status, (0, 1))
+        for number in range(1, levels + 1):
+            others = b"".join(reference(other) for other in range(1, number + 1))
+            content = record(ARRAY, content + others, number)
+        return content
+
+    def test_cycles_among_shared_values_do_not_unfold_either(self):
+        self.write("a.kelb", self.entangled(30))
+        self.ok("check", "a.kelb")
+        result = self.kel("convert", "--force", "a.kelb", "b.json")
+        self.assertEqual((result.status, result.err.count("more than 2147483648 values")), (1, 1))
+
+    def test_without_its_cycles_a_shared_value_is_written_out(self):
+        self.write("a.kelb", self.entangled(3))
+        self.assertEqual(self.kel("convert", "--force", "a.kelb", "b.json").status, 0)
+        self.assertEqual(self.json("b.json"), [[[0], [0]], [0], [[0], [0]]])

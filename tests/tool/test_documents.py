@@ -115,5 +115,6 @@ class Documents(ToolTest):
                 self.ok("convert", "c.kel", "d.kelb")
                 self.ok("convert", "d.kelb", "e.kel")
                 self.assertEqual(self.read("c.kel"), self.read("e.kel"))
-                changed = set(self.read("a.kel").split(b"\n")) ^ set(self.read("c.kel").split(b"\n"))
+                first, later = (self.read(made).split(b"\n") for made in ("a.kel", "c.kel"))
+                changed = set(first) ^ set(later)
                 self.assertEqual([line for line in changed if not line.endswith(b".000000")], [])

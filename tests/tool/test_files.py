@@ -1,13 +1,13 @@
 import json
 import os
+import resource
 import signal
-import socket
 import stat
 import subprocess
 import time
 import unittest
 
-from support import TOOL, ToolTest, int_record, record
+from support import ARRAY, TOOL, ToolTest, int_record, record
 
 ROOT = os.geteuid() == 0
 NOBODY = 65534
@@ -68,7 +68,7 @@ class MalformedInput(ToolTest):
                        "'[', '{', or a literal")
 
     def test_binary_tells_the_offset_where_it_ends_too_early(self):
-        content = record(7, int_record(1, 2) + int_record(2, 3))
+        content = record(ARRAY, int_record(1, 2) + int_record(2, 3))
         for size in range(1, len(content)):
             self.write("a.kelb", content[:size])
             result = self.kel("check", "--from", "binary", "a.kelb")
@@ -210,8 +210,6 @@ class Output(ToolTest):
                    "convert", "a.json", "b.kel")
 
     def test_a_file_that_grows_too_large_leaves_nothing_behind(self):
-        import resource
-
         def limit():
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (10000, 10000))

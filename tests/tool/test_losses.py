@@ -40,7 +40,8 @@ class LossesToText(Losses):
         self.refused("a.json", "[0.1234567, 0.5, -1e-9]", "kel",
                      "[0]: a double that six decimals do not carry",
                      "[2]: a double that six decimals do not carry")
-        self.assertEqual(self.forced("a.json", "kel"), b"[\n\t0.123457\n\t0.500000\n\t-0.000000\n]\n")
+        self.assertEqual(self.forced("a.json", "kel"),
+                         b"[\n\t0.123457\n\t0.500000\n\t-0.000000\n]\n")
 
     def test_doubles_beyond_32_bits_are_listed_as_such(self):
         self.refused("a.json", "[2147483648, 2147483647.5, -3e9]", "kel",
@@ -57,7 +58,8 @@ class LossesToText(Losses):
                          b"{\n\ta = NULL\n\tb = [\n\t\t1\n\t\t2\n\t]\n}\n")
 
     def test_a_memory_block_alone_becomes_null(self):
-        self.refused("a.kelb", record(MEMBLOCK, b"abc"), "kel", "(the value itself): a memory block")
+        self.refused("a.kelb", record(MEMBLOCK, b"abc"), "kel",
+                     "(the value itself): a memory block")
         self.assertEqual(self.forced("a.kelb", "kel"), b"NULL\n")
 
     def test_infinities_become_null_or_are_left_out(self):
@@ -99,7 +101,8 @@ class LossesToBinary(Losses):
         self.assertEqual(self.read("b.kelb").count(struct.pack("<iHQ", ARRAY, 1, 0)), 1)
 
     def test_null_roots_are_left_out(self):
-        self.refused("a.json", "1 null 2", "kelb", "value 2: (the value itself): null outside a struct")
+        self.refused("a.json", "1 null 2", "kelb",
+                     "value 2: (the value itself): null outside a struct")
         self.forced("a.json", "kelb")
         self.assertEqual(self.ok("show", "out.kelb").out, b"1\n2\n")
 
@@ -133,8 +136,8 @@ class LossesToJson(Losses):
                          {"a": "x\ufffdy", "\ufffd": 1})
 
     def test_ill_formed_utf8_of_every_sort_is_found(self):
-        for bad in (b"\x80", b"\xc0\xaf", b"\xc1\xbf", b"\xe0\x80\x80", b"\xed\xa0\x80", b"\xf0\x80\x80\x80",
-                    b"\xf4\x90\x80\x80", b"\xf5\x80\x80\x80", b"\xe2\x82", b"\xff"):
+        for bad in (b"\x80", b"\xc0\xaf", b"\xc1\xbf", b"\xe0\x80\x80", b"\xed\xa0\x80",
+                    b"\xf0\x80\x80\x80", b"\xf4\x90\x80\x80", b"\xf5\x80\x80\x80", b"\xe2\x82", b"\xff"):
             self.refused("a.kelb", string_record(bad), "json",
                          "(the value itself): a string that is not UTF-8")
 
@@ -164,8 +167,9 @@ class LossesFromJson(Losses):
                          b"{\n\ta = [\n\t\t1\n\t\t{\n\t\t\tb = \"'\"\n\t\t}\n\t]\n}\n")
 
     def test_members_with_impossible_names_are_left_out_whole(self):
-        self.refused("a.json", r'{"": {"a": [null, 9007199254740993]}, "b\"c": 1, "d\u0000": [[]], "e": 2}',
-                     "json", '[""]: an empty name', r'["b\"c"]: a name with a double quote',
+        document = (r'{"": {"a": [null, 9007199254740993]}, "b\"c": 1, "d\u0000": [[]],'
+                    r' "e": 2}')
+        self.refused("a.json", document, "json", '[""]: an empty name', r'["b\"c"]: a name with a double quote',
                      r'["d\u0000"]: a name with a NUL')
         self.assertEqual(json.loads(self.forced("a.json", "json")), {"e": 2})
 

@@ -74,16 +74,16 @@ Examples:
 The output appears whole or not at all; an existing file is replaced and keeps its permissions.)";
 
 constexpr const char* showNotes =
-    R"(Prints the text form, also where it could not be read back: strings with double quotes as they
-are, of a memory block the size.
+    R"(Prints the text form, also where it could not be read back: strings with double quotes as
+they are, of a memory block the size.
 
 Examples:
   kel show settings.kelb
   kel show --from json - < settings.json)";
 
 constexpr const char* checkNotes =
-    R"(Says nothing about files that are fine. An error tells the file and the line, in binary files the
-offset of the byte where reading stopped. Exit status 1 when a file is malformed, 3 when one
+    R"(Says nothing about files that are fine. An error tells the file and the line, in binary
+files the offset where reading stopped. Exit status 1 when a file is malformed, 3 when one
 cannot be read.
 
 Examples:
@@ -146,7 +146,11 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     addFormatOption(*check, "--from", from, takeInputFor);
     check->footer(checkNotes);
 
-    if (argc > 1 && argv[1][0] != '-' && app.get_subcommand_no_throw(argv[1]) == nullptr) {
+    const auto isCalled = [argc, argv](const CLI::App* command) {
+        return argc > 1 && command->get_name() == argv[1];
+    };
+    // The parser would say that a command is missing, which is no help against a slip of the pen.
+    if (argc > 1 && argv[1][0] != '-' && app.get_subcommands(isCalled).empty()) {
         throw Failure{Trouble::usage, argv[1] + std::string(": unknown command") + hint};
     }
     try {

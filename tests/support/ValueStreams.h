@@ -1,0 +1,98 @@
+/// \file
+/// Values to text and binary and back, in memory.
+#pragma once
+
+#include "serial/KELBinaryInputStream_Impl.h"
+#include "serial/KELBinaryOutputStream_Impl.h"
+#include "serial/KELStringInputStream_Impl.h"
+#include "serial/KELTextOutputStream_Impl.h"
+#include "streams/StringReader.h"
+#include "streams/StringWriter.h"
+#include "support/Held.h"
+#include "support/Thrown.h"
+
+#include <string>
+#include <string_view>
+
+namespace kel::test {
+
+/// An output stream over a string.
+template <class Stream> class Output {
+public:
+    Output() : writer_(new StringWriter()), stream_(new Stream(JPointer<JOutputStream>::share(writer_.get()))) {}
+
+    /// Writes a value: raw, held, or null.
+    Output& write(KEL* value) {
+        stream_->write(value);
+        return *this;
+    }
+    template <class T> Output& write(const Held<T>& value) { return write(value.get()); }
+
+    Stream* operator->() const { return stream_.get(); }
+
+    /// All that was written so far.
+    std::string bytes() const {
+        const char* text = writer_->getString();
+        return text == nullptr ? std::string() : std::string(text, writer_->getStringSize() - 1);
+    }
+
+private:
+    JPointer<StringWriter> writer_;
+    JPointer<Stream> stream_;
+};
+
+using TextOutput = Output<KELTextOutputStream_Impl>;
+using BinaryOutput = Output<KELBinaryOutputStream_Impl>;
+
+/// An input stream over a string, or over a medium that the test hands in.
+template <class Stream> class Input {
+public:
+    explicit Input(std::string_view text)
+        : Input(new StringReader(text.data(), static_cast<int64_t>(text.size()))) {}
+    explicit Input(JInputStream* medium) : stream_(new Stream(JPointer<JInputStream>(medium))) {}
+
+    /// The next root value.
+    Held<KEL_Impl> read() { return Held<KEL_Impl>(KEL_Impl::of(stream_->read())); }
+
+    Stream* operator->() const { return stream_.get(); }
+
+private:
+    JPointer<Stream> stream_;
+};
+
+using TextInput = Input<KELStringInputStream_Impl>;
+using BinaryInput = Input<KELBinaryInputStream_Impl>;
+
+/// The text of one value.
+inline std::string textOf(KEL* value) { return TextOutput().write(value).bytes(); }
+template <class T> std::string textOf(const Held<T>& value) { return textOf(value.get()); }
+
+/// The record of one value.
+inline std::string binaryOf(KEL* value) { return BinaryOutput().write(value).bytes(); }
+template <class T> std::string binaryOf(const Held<T>& value) { return binaryOf(value.get()); }
+
+/// The first value of a text or of binary records.
+inline Held<KEL_Impl> read(std::string_view text) { return TextInput(text).read(); }
+inline Held<KEL_Impl> readBinary(std::string_view bytes) { return BinaryInput(bytes).read(); }
+
+/// What a text becomes when it is read and written again.
+inline std::string rewritten(std::string_view text) { return textOf(read(text)); }
+
+/// What reading a text throws at its first value: a KELIOException's message.
+inline std::string refusalOf(std::string_view text) {
+    return thrownMessage<KELIOException>([&] { read(text); });
+}
+/// The same for a KELEOFException.
+inline std::string endingOf(std::string_view text) {
+    return thrownMessage<KELEOFException>([&] { read(text); });
+}
+
+/// The two messages of the text reader.
+inline std::string syntaxErrorAt(int line) {
+    return "Error reading KEL - syntax error at line: " + std::to_string(line);
+}
+inline std::string endAt(int line) {
+    return "Error reading KEL - unexpected end of input at line: " + std::to_string(line);
+}
+
+} // namespace kel::test

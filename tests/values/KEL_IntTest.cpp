@@ -1,0 +1,137 @@
+#include "support/AllocationFailure.h"
+#include "support/CommaLocale.h"
+#include "support/Held.h"
+#include "support/Watcher.h"
+#include "values/KEL_Int_Impl.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+using kel::test::Held;
+using kel::test::make;
+using kel::test::Watcher;
+
+Held<KEL_Int> of(int32_t value) { return Held<KEL_Int>(new KEL_Int_Impl(value)); }
+
+JHashCode guidOf(const KEL& value) {
+    JHashCode guid(9, 9, 9, 9);
+    EXPECT_EQ(&value.toGuid(guid), &guid);
+    return guid;
+}
+
+TEST(KEL_Int, IsOfItsKindAndHoldsItsValue) {
+    EXPECT_EQ(of(5)->getType(), 1);
+    EXPECT_EQ(of(5)->getValue(), 5);
+    EXPECT_EQ(of(INT32_MIN)->getValue(), INT32_MIN);
+}
+
+TEST(KEL_Int, IsTrueOnlyForExactly1) {
+    EXPECT_TRUE(of(1)->toBoolean());
+    EXPECT_FALSE(of(2)->toBoolean());
+    EXPECT_FALSE(of(-1)->toBoolean());
+    EXPECT_FALSE(of(0)->toBoolean());
+}
+
+TEST(KEL_Int, IsANumber) {
+    EXPECT_EQ(of(-7)->toInt(), -7);
+    EXPECT_EQ(of(-7)->toDouble(), -7.0);
+    EXPECT_EQ(of(INT32_MIN)->toDouble(), -2147483648.0);
+}
+
+TEST(KEL_Int, HasTheUsualWidthsOfC) {
+    const Held<KEL_Int> value = of(-129);
+    EXPECT_EQ(value->toSignedChar(), 127);
+    EXPECT_EQ(value->toUnsignedChar(), 127);
+    EXPECT_EQ(value->toShort(), -129);
+    EXPECT_EQ(value->toUnsignedShort(), 65407);
+    EXPECT_EQ(value->toUnsignedInt(), 4294967167U);
+    EXPECT_EQ(value->toLong(), -129);
+    EXPECT_EQ(value->toUnsignedLong(), std::numeric_limits<unsigned long>::max() - 128);
+    EXPECT_EQ(value->toInt64(), -129);
+    EXPECT_EQ(value->toUnsignedInt64(), 18446744073709551487U);
+    EXPECT_EQ(value->toFloat(), -129.0F);
+    EXPECT_EQ(value->toLongDouble(), -129.0L);
+}
+
+TEST(KEL_Int, TextIsDecimal) {
+    EXPECT_STREQ(of(0)->toString(), "0");
+    EXPECT_STREQ(of(2147483647)->toString(), "2147483647");
+    EXPECT_STREQ(of(INT32_MIN)->toString(), "-2147483648");
+}
+
+TEST(KEL_Int, TextIsTheSameInEveryLocale) {
+    const kel::test::CommaLocale comma;
+    KEL_NEED(comma);
+    EXPECT_STREQ(of(1234567)->toString(), "1234567");
+}
+
+TEST(KEL_Int, TextStaysUntilTheNextOrUntilItIsFreed) {
+    const Held<KEL_Int> value = of(123456);
+    const char* first = value->toString();
+    value->setValue(7);
+    EXPECT_STREQ(first, "123456");
+    EXPECT_EQ(value->toString(), first); // one buffer, written anew
+    EXPECT_STREQ(first, "7");
+    value->freeString();
+    value->freeString();
+    EXPECT_STREQ(value->toString(), "7");
+}
+
+TEST(KEL_Int, TextIsNullWithoutMemory) {
+    const Held<KEL_Int> value = of(7);
+    {
+        const kel::test::FailingAllocation failing(0);
+        EXPECT_EQ(value->toString(), nullptr);
+    }
+    EXPECT_STREQ(value->toString(), "7");
+}
+
+TEST(KEL_Int, GuidHoldsTheValueInItsLowestWord) {
+    EXPECT_EQ(guidOf(*of(7)), JHashCode(7, 0, 0, 0));
+    EXPECT_EQ(guidOf(*of(-1)), JHashCode(0xFFFFFFFFU, 0, 0, 0));
+}
+
+TEST(KEL_Int, SettersConvertAndReturnTheValueItself) {
+    const Held<KEL_Int> value = of(5);
+    EXPECT_EQ(value->setBoolean(true), value.get());
+    EXPECT_EQ(value->getValue(), 1);
+    EXPECT_EQ(value->setInt(-3)->getValue(), -3);
+    EXPECT_EQ(value->setDouble(-7.9)->getValue(), -7);
+    EXPECT_EQ(value->setString("12abc")->getValue(), 12);
+    EXPECT_EQ(value->setguid(JHashCode(4))->getValue(), 4);
+    EXPECT_EQ(value->setBoolean(false)->getValue(), 0);
+}
+
+TEST(KEL_Int, SetFromAGuidTakesItsIntValue) {
+    const Held<KEL_Int> value = of(5);
+    EXPECT_EQ(value->setguid(JHashCode(5, 1, 0, 0))->getValue(), 2147483647);
+    EXPECT_EQ(value->setguid(JHashCode(0xFFFFFFFFU))->getValue(), -1);
+}
+
+TEST(KEL_Int, SetFromTextTakesTheLeadingIntegerSaturated) {
+    const Held<KEL_Int> value = of(5);
+    EXPECT_EQ(value->setString("abc")->getValue(), 0);
+    EXPECT_EQ(value->setString("-99999999999")->getValue(), INT32_MIN);
+    EXPECT_EQ(value->setString(nullptr)->getValue(), INT32_MIN);
+}
+
+TEST(KEL_Int, SetFromADoubleTakesTheLow32BitsOfItsTruncation) {
+    const Held<KEL_Int> value = of(5);
+    EXPECT_EQ(value->setDouble(4294967303.5)->getValue(), 7);
+    EXPECT_EQ(value->setDouble(1e300)->getValue(), 0);
+}
+
+TEST(KEL_Int, EverySetterNotifiesOnce) {
+    const auto value = make<KEL_Int_Impl>(5);
+    Watcher watcher;
+    value->addObserver(&watcher);
+    value->setValue(5);
+    value->setBoolean(true)->setInt(2)->setDouble(2.5)->setString("3")->setguid(JHashCode(4));
+    value->setString(nullptr);
+    EXPECT_EQ(watcher.calls(), 6);
+    value->removeObserver(&watcher);
+}
+
+} // namespace

@@ -1,0 +1,102 @@
+#include "support/Held.h"
+#include "support/Watcher.h"
+#include "values/KEL_guid_Impl.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using kel::test::Held;
+using kel::test::make;
+using kel::test::Watcher;
+
+const JHashCode sample(0x3F2504E0U, 0x11D34F89U, 0x05030C9AU, 0x01332CE8U);
+
+Held<KEL_guid> of(const JHashCode& value) { return Held<KEL_guid>(new KEL_guid_Impl(value)); }
+
+JHashCode valueOf(const KEL_guid& guid) {
+    JHashCode value(9, 9, 9, 9);
+    EXPECT_EQ(&guid.getValue(value), &value);
+    return value;
+}
+
+TEST(KEL_guid, IsOfItsKindAndHoldsItsValue) {
+    EXPECT_EQ(of(sample)->getType(), 4);
+    EXPECT_EQ(valueOf(*of(sample)), sample);
+}
+
+TEST(KEL_guid, IsIndependentOfTheIdentity) {
+    JHashCode identity;
+    EXPECT_NE(of(sample)->getHashCode(identity), sample);
+    EXPECT_EQ(make<KEL_guid_Impl>(JHashCode(1, 2, 3, 4), sample)->getHashCode(identity),
+              JHashCode(1, 2, 3, 4));
+}
+
+TEST(KEL_guid, IsItsIntValueAsANumber) {
+    EXPECT_EQ(of(JHashCode(5))->toInt(), 5);
+    EXPECT_EQ(of(JHashCode(0xFFFFFFFFU))->toInt(), -1);
+    EXPECT_EQ(of(JHashCode(5))->toDouble(), 5.0);
+    EXPECT_EQ(of(JHashCode())->toInt(), 0);
+}
+
+TEST(KEL_guid, SaturatesWithAnyBitOutsideTheLowestWord) {
+    for (int bit = 0; bit < 32; ++bit) {
+        const uint32_t word = 1U << bit;
+        EXPECT_EQ(of(JHashCode(0, word, 0, 0))->toInt(), 2147483647);
+        EXPECT_EQ(of(JHashCode(0, 0, word, 0))->toInt(), 2147483647);
+        EXPECT_EQ(of(JHashCode(0, 0, 0, word))->toDouble(), 2147483647.0);
+    }
+}
+
+TEST(KEL_guid, IsTrueUnlessItsIntIs0) {
+    EXPECT_TRUE(of(JHashCode(2))->toBoolean());
+    EXPECT_TRUE(of(JHashCode(0, 0, 0, 1))->toBoolean());
+    EXPECT_FALSE(of(JHashCode())->toBoolean());
+}
+
+TEST(KEL_guid, TextIsTheGuidLayout) {
+    EXPECT_STREQ(of(sample)->toString(), "3F2504E0-4F89-11D3-9A0C-0305E82C3301");
+    EXPECT_STREQ(of(JHashCode())->toString(), "00000000-0000-0000-0000-000000000000");
+}
+
+TEST(KEL_guid, TextIsWrittenAnewAtEveryCall) {
+    const Held<KEL_guid> value = of(sample);
+    value->toString();
+    value->setValue(JHashCode());
+    EXPECT_STREQ(value->toString(), "00000000-0000-0000-0000-000000000000");
+    value->freeString();
+    EXPECT_STREQ(value->toString(), "00000000-0000-0000-0000-000000000000");
+}
+
+TEST(KEL_guid, ToGuidIsTheValue) {
+    JHashCode out;
+    EXPECT_EQ(of(sample)->toGuid(out), sample);
+}
+
+TEST(KEL_guid, SettersPutNumbersIntoTheLowestWord) {
+    const Held<KEL_guid> value = of(sample);
+    EXPECT_EQ(valueOf(*value->setBoolean(true)), JHashCode(1, 0, 0, 0));
+    EXPECT_EQ(valueOf(*value->setBoolean(false)), JHashCode());
+    EXPECT_EQ(valueOf(*value->setInt(-1)), JHashCode(0xFFFFFFFFU, 0, 0, 0));
+    EXPECT_EQ(valueOf(*value->setDouble(-2.7)), JHashCode(0xFFFFFFFEU, 0, 0, 0));
+    EXPECT_EQ(valueOf(*value->setString("12abc")), JHashCode(12, 0, 0, 0));
+    EXPECT_EQ(valueOf(*value->setguid(sample)), sample);
+}
+
+TEST(KEL_guid, SetFromNullTextChangesNothing) {
+    const Held<KEL_guid> value = of(sample);
+    EXPECT_EQ(value->setString(nullptr), value.get());
+    EXPECT_EQ(valueOf(*value), sample);
+}
+
+TEST(KEL_guid, EverySetterNotifiesOnce) {
+    const auto value = make<KEL_guid_Impl>(sample);
+    Watcher watcher;
+    value->addObserver(&watcher);
+    value->setValue(sample);
+    value->setBoolean(true)->setInt(2)->setDouble(2.5)->setString("3")->setguid(JHashCode(4));
+    value->setString(nullptr);
+    EXPECT_EQ(watcher.calls(), 6);
+}
+
+} // namespace

@@ -1,0 +1,209 @@
+#include "support/AllocationFailure.h"
+#include "support/Held.h"
+#include "support/Thrown.h"
+#include "values/StringEnumeration_Impl.h"
+
+#include <gtest/gtest.h>
+#include <kel/KELException.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using kel::test::Held;
+using kel::test::make;
+using kel::test::thrownMessage;
+using Names = Held<StringEnumeration_Impl>;
+
+Names listOf(std::initializer_list<const char*> texts) {
+    Names names = make<StringEnumeration_Impl>();
+    for (const char* text : texts) {
+        names->add(text);
+    }
+    return names;
+}
+
+/// What is left from the cursor on.
+std::vector<std::string> rest(StringEnumeration& names) {
+    std::vector<std::string> texts;
+    while (names.hasMoreElements()) {
+        texts.emplace_back(names.nextElement());
+    }
+    return texts;
+}
+
+using Texts = std::vector<std::string>;
+
+TEST(StringEnumeration, IsEmptyAtFirst) {
+    const Names names = listOf({});
+    EXPECT_FALSE(names->hasMoreElements());
+    EXPECT_EQ(names->getCount(), 0);
+    EXPECT_FALSE(names->contains("a"));
+    EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { names->nextElement(); }),
+              "Enumeration is empty.");
+}
+
+TEST(StringEnumeration, EmptyRaisesThroughTheRuntimesInterfaceToo) {
+    const Names names = listOf({});
+    const JEnumeration& walk = *names;
+    EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { walk.nextElement(); }),
+              "Enumeration is empty.");
+}
+
+TEST(StringEnumeration, KeepsTheOrderOfAddition) {
+    EXPECT_EQ(rest(*listOf({"b", "a", "c"})), (Texts{"b", "a", "c"}));
+}
+
+TEST(StringEnumeration, TheSameTextIsKeptOnce) {
+    const Names names = listOf({"a", "b", "a"});
+    EXPECT_EQ(names->getCount(), 2);
+    EXPECT_EQ(rest(*names), (Texts{"a", "b"}));
+}
+
+TEST(StringEnumeration, AnotherLetterCaseIsAnotherText) {
+    EXPECT_EQ(rest(*listOf({"a", "A"})), (Texts{"a", "A"}));
+}
+
+TEST(StringEnumeration, TheEmptyTextIsAText) {
+    const Names names = listOf({""});
+    EXPECT_EQ(names->getCount(), 1);
+    EXPECT_TRUE(names->contains(""));
+}
+
+TEST(StringEnumeration, NullIsIgnored) {
+    const Names names = listOf({"a"});
+    names->add(nullptr);
+    names->remove(nullptr);
+    names->addAll(nullptr);
+    EXPECT_FALSE(names->contains(nullptr));
+    EXPECT_EQ(names->getCount(), 1);
+}
+
+TEST(StringEnumeration, HoldsCopies) {
+    char text[] = "abc";
+    const Names names = listOf({text});
+    text[0] = '?';
+    EXPECT_TRUE(names->contains("abc"));
+}
+
+TEST(StringEnumeration, TheTextStaysWhileTheListLives) {
+    const Names names = listOf({"a"});
+    const char* text = names->nextElement();
+    for (int i = 0; i < 100; ++i) {
+        names->add(std::to_string(i).c_str());
+    }
+    EXPECT_STREQ(text, "a");
+}
+
+TEST(StringEnumeration, PastTheLastTextTheAnswerIsNull) {
+    const Names names = listOf({"a"});
+    names->nextElement();
+    EXPECT_EQ(names->nextElement(), nullptr);
+    const JEnumeration& walk = *names;
+    EXPECT_EQ(walk.nextElement(), nullptr);
+}
+
+TEST(StringEnumeration, ResetStartsOver) {
+    const Names names = listOf({"a", "b"});
+    rest(*names);
+    names->reset();
+    EXPECT_EQ(rest(*names), (Texts{"a", "b"}));
+}
+
+TEST(StringEnumeration, ContainsComparesWholeTexts) {
+    const Names names = listOf({"abc"});
+    EXPECT_TRUE(names->contains("abc"));
+    EXPECT_FALSE(names->contains("ab"));
+    EXPECT_FALSE(names->contains("ABC"));
+}
+
+TEST(StringEnumeration, AddAllAddsWhatIsMissingAndResetsTheOther) {
+    const Names names = listOf({"a", "b"});
+    const Names other = listOf({"c", "b", "d"});
+    other->nextElement();
+    names->addAll(other.get());
+    EXPECT_EQ(rest(*names), (Texts{"a", "b", "c", "d"}));
+    EXPECT_EQ(rest(*other), (Texts{"c", "b", "d"}));
+}
+
+TEST(StringEnumeration, AddAllOfItselfChangesNothingAndResets) {
+    const Names names = listOf({"a", "b"});
+    names->nextElement();
+    names->addAll(names.get());
+    EXPECT_EQ(names->getCount(), 2);
+    EXPECT_EQ(rest(*names), (Texts{"a", "b"}));
+}
+
+TEST(StringEnumeration, RemoveTakesTheText) {
+    const Names names = listOf({"a", "b", "c"});
+    names->remove("b");
+    EXPECT_EQ(rest(*names), (Texts{"a", "c"}));
+}
+
+TEST(StringEnumeration, RemoveOfAnAbsentTextChangesNothing) {
+    const Names names = listOf({"a"});
+    names->remove("b");
+    EXPECT_EQ(names->getCount(), 1);
+    listOf({})->remove("b");
+}
+
+TEST(StringEnumeration, RemovingBeforeTheCursorSkipsTheOneAfterIt) {
+    const Names names = listOf({"a", "b", "c", "d"});
+    names->nextElement();
+    names->nextElement();
+    names->remove("a");
+    EXPECT_EQ(rest(*names), (Texts{"d"}));
+}
+
+TEST(StringEnumeration, OnceFilledAndEmptiedItIsNotEmptyAsANewOne) {
+    const Names names = listOf({"a"});
+    names->remove("a");
+    EXPECT_EQ(names->getCount(), 0);
+    EXPECT_FALSE(names->hasMoreElements());
+    EXPECT_EQ(names->nextElement(), nullptr);
+}
+
+TEST(StringEnumeration, IsAnEnumerationOfStrings) {
+    const Names names = listOf({"a"});
+    const JEnumeration& walk = *names;
+    const JPointer<JObject> element(walk.nextElement());
+    const auto* string = dynamic_cast<JString*>(element.get());
+    ASSERT_NE(string, nullptr);
+    EXPECT_STREQ(string->chars(), "a");
+    EXPECT_EQ(string->getRefCount(), 2);
+    EXPECT_FALSE(walk.hasMoreElements());
+}
+
+TEST(StringEnumeration, CountsReferencesButAnswersOne) {
+    StringEnumeration* names = listOf({"a"}).detach();
+    names->addRef();
+    EXPECT_EQ(names->getRefCount(), 1);
+    EXPECT_EQ(names->release(), 1);
+    EXPECT_EQ(names->release(), 0);
+}
+
+TEST(StringEnumeration, HasAnIdentityOfItsOwn) {
+    JHashCode first;
+    JHashCode second;
+    EXPECT_NE(listOf({})->getHashCode(first), listOf({})->getHashCode(second));
+}
+
+TEST(StringEnumeration, EveryAllocationMayFail) {
+    const Names names = listOf({"a"});
+    const auto add = [&] {
+        for (const char* text : {"b", "c", "d", "e", "f", "g"}) {
+            names->add(text);
+        }
+    };
+    const auto expectWhole = [&] {
+        names->reset();
+        for (const std::string& text : rest(*names)) {
+            EXPECT_EQ(text.size(), 1U);
+            names->remove(text == "a" ? nullptr : text.c_str());
+        }
+        EXPECT_TRUE(names->contains("a"));
+    };
+    EXPECT_GE(kel::test::failEachAllocation(add, expectWhole), 12U);
+}
+
+} // namespace
