@@ -36,7 +36,9 @@
 #if defined(_MSC_VER)
 #define KEL_SLOTS_2(a, b) b a
 #define KEL_SLOTS_3(a, b, c) c b a
+#define KEL_SLOTS_5(a, b, c, d, e) e d c b a
 #else
 #define KEL_SLOTS_2(a, b) a b
 #define KEL_SLOTS_3(a, b, c) a b c
+#define KEL_SLOTS_5(a, b, c, d, e) a b c d e
 #endif

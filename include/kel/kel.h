@@ -19,11 +19,17 @@
 #include <kel/KEL_Array.h>
 #include <kel/KEL_Boolean.h>
 #include <kel/KEL_Double.h>
+#include <kel/KEL_IndexList.h>
 #include <kel/KEL_Int.h>
 #include <kel/KEL_Manager.h>
 #include <kel/KEL_MemBlock.h>
+#include <kel/KEL_MultiSelector.h>
 #include <kel/KEL_Observable.h>
+#include <kel/KEL_Selector.h>
 #include <kel/KEL_String.h>
 #include <kel/KEL_Struct.h>
 #include <kel/KEL_guid.h>
+#include <kel/MetaKel.h>
+#include <kel/MetaKelDescriptor.h>
+#include <kel/MetaKelVarDescriptor.h>
 #include <kel/StringEnumeration.h>

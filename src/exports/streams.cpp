@@ -1,6 +1,7 @@
 // The exported factories and delete functions of streams. A factory answers null when there is no
 // memory; a file that cannot be opened is the medium's JIOException.
 
+#include "exports/OrNull.h"
 #include "serial/KELBinaryInputStream_Impl.h"
 #include "serial/KELBinaryOutputStream_Impl.h"
 #include "serial/KELStringInputStream_Impl.h"
@@ -12,18 +13,10 @@
 #include "streams/StringReader.h"
 
 #include <algorithm>
-#include <new>
+
+using kel::orNullWithoutMemory;
 
 namespace {
-
-template <class Operation> auto orNullWithoutMemory(const Operation& operation) {
-    try {
-        return operation();
-    } catch (const std::bad_alloc&) {
-    } catch (const JOutOfMemoryException&) {
-    }
-    return decltype(operation())();
-}
 
 /// A stream of class T over a new medium of class Medium.
 template <class T, class Base, class Medium, class... Arguments>

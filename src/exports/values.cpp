@@ -1,12 +1,16 @@
 // The exported factories and delete functions of values, names and exceptions. A factory answers
 // null when there is no memory for the value.
 
+#include "exports/OrNull.h"
 #include "meta/KEL_Manager_Impl.h"
+#include "meta/MetaKel_Impl.h"
 #include "values/KEL_Array_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_MemBlock_Impl.h"
+#include "values/KEL_MultiSelector_Impl.h"
+#include "values/KEL_Selector_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 #include "values/KEL_guid_Impl.h"
@@ -14,16 +18,12 @@
 #include <kel/KELException.h>
 #include <kel/StringEnumeration.h>
 
+using kel::orNullWithoutMemory;
+
 namespace {
 
 template <class T, class... Arguments> T* create(const Arguments&... arguments) {
-    try {
-        return new T(arguments...);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    } catch (const JOutOfMemoryException&) {
-        return nullptr;
-    }
+    return orNullWithoutMemory([&] { return new T(arguments...); });
 }
 
 template <class T> void releaseOnce(T* object) {
@@ -55,6 +55,58 @@ KEL_Array* KEL_CALL CreateKELArray() { return create<KEL_Array_Impl>(); }
 KEL_Struct* KEL_CALL CreateKELStruct() { return create<KEL_Struct_Impl>(); }
 
 KEL_Manager* KEL_CALL CreateKELManager() { return create<KEL_Manager_Impl>(); }
+
+KEL_IndexList* KEL_CALL CreateKELIndexList() { return create<KEL_IndexList_Impl>(); }
+
+KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* items) {
+    auto* array = dynamic_cast<KEL_Array_Impl*>(items);
+    return array == nullptr
+               ? CreateKELIndexList()
+               : orNullWithoutMemory([&] { return KEL_IndexList_Impl::ofItems(*array); });
+}
+
+KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* keys, KEL_Array* items) {
+    auto* first = dynamic_cast<KEL_Array_Impl*>(keys);
+    auto* second = dynamic_cast<KEL_Array_Impl*>(items);
+    if (first == nullptr || second == nullptr || first->getCount() != second->getCount()) {
+        return nullptr;
+    }
+    return create<KEL_IndexList_Impl>(JPointer<KEL_Array_Impl>::share(first),
+                                      JPointer<KEL_Array_Impl>::share(second));
+}
+
+KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Struct* variables) {
+    auto* structure = dynamic_cast<KEL_Struct_Impl*>(variables);
+    if (structure == nullptr) {
+        auto* holder = dynamic_cast<kel::StructHolder*>(variables);
+        structure = holder == nullptr ? nullptr : &holder->inner();
+    }
+    return structure == nullptr ? CreateKELIndexList() : orNullWithoutMemory([&] {
+        return KEL_IndexList_Impl::ofVariables(*structure);
+    });
+}
+
+KEL_Selector* KEL_CALL CreateKELSelector(KEL_IndexList* list) {
+    return create<KEL_Selector_Impl>(dynamic_cast<KEL_IndexList_Impl*>(list));
+}
+
+KEL_MultiSelector* KEL_CALL CreateKELMultiSelector(KEL_IndexList* list) {
+    return create<KEL_MultiSelector_Impl>(dynamic_cast<KEL_IndexList_Impl*>(list));
+}
+
+MetaKel* KEL_CALL CreateMetaKel(MetaKelDescriptor* descriptor) {
+    return orNullWithoutMemory([&]() -> MetaKel* {
+        JPointer<MetaKel_Impl> made(new MetaKel_Impl());
+        made->setDescriptor(descriptor);
+        return made.detach();
+    });
+}
+
+MetaKelDescriptor* KEL_CALL CreateMetaKelDescriptor() { return create<MetaKelDescriptor_Impl>(); }
+
+MetaKelVarDescriptor* KEL_CALL CreateMetaKelVarDescriptor() {
+    return create<MetaKelVarDescriptor_Impl>();
+}
 
 void KEL_CALL DeleteKEL(KEL* value) { releaseOnce(value); }
 

@@ -1,12 +1,15 @@
 #include "meta/KELFactory.h"
 
 #include "meta/KEL_Manager_Impl.h"
+#include "meta/MetaKel_Impl.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Array_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_MemBlock_Impl.h"
+#include "values/KEL_MultiSelector_Impl.h"
+#include "values/KEL_Selector_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 #include "values/KEL_guid_Impl.h"
@@ -49,6 +52,12 @@ constexpr Product products[] = {
     {KELKind_Array, create<KEL_Array_Impl>},
     {KELKind_Struct, create<KEL_Struct_Impl>},
     {KELKind_Manager, create<KEL_Manager_Impl>},
+    {KELKind_Selector, create<KEL_Selector_Impl, nullptr>},
+    {KELKind_MultiSelector, create<KEL_MultiSelector_Impl, nullptr>},
+    {KELKind_IndexList, create<KEL_IndexList_Impl>},
+    {KELKind_MetaKel, create<MetaKel_Impl>},
+    {KELKind_MetaKelDescriptor, create<MetaKelDescriptor_Impl>},
+    {KELKind_MetaKelVarDescriptor, create<MetaKelVarDescriptor_Impl>},
 };
 
 } // namespace

@@ -1,13 +1,13 @@
 #include "serial/TextTreeReader.h"
 
 #include "meta/KEL_Manager_Impl.h"
+#include "meta/MetaKel_Impl.h"
 #include "serial/Characters.h"
-#include "values/KEL_Array_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
+#include "values/KEL_IndexList_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
-#include "values/KEL_Struct_Impl.h"
 #include "values/KEL_guid_Impl.h"
 
 #include <utility>
@@ -41,6 +41,9 @@ void TextTreeReader::next() {
         break;
     case KELKind_Manager:
         nextEntry();
+        break;
+    case KELKind_IndexList:
+        nextArray();
         break;
     default:
         readValue(); // a definition's text
@@ -85,6 +88,21 @@ void TextTreeReader::nextEntry() {
     expect('=');
     identity_ = key;
     readValue();
+}
+
+/// Reads one of an index list's two arrays, or its end.
+void TextTreeReader::nextArray() {
+    const Level& list = levels_.back();
+    const int32_t type = source_.skip();
+    if (type != tokenNone || source_.tokens().input().peek() != '>') {
+        beginValue(type);
+    } else if (list.items.isNull() || list.keys->getCount() != list.items->getCount()) {
+        source_.syntaxError();
+    } else {
+        list.container->adoptCopiedChild({}, JPointer<KEL_Impl>::share(list.keys.get()));
+        list.container->adoptCopiedChild({}, JPointer<KEL_Impl>::share(list.items.get()));
+        close();
+    }
 }
 
 void TextTreeReader::readKey(int32_t type, std::string& key) {
@@ -190,7 +208,7 @@ void TextTreeReader::beginWord() {
         refer();
     } else {
         source_.beginExpansion(text);
-        levels_.push_back({expansionKind, {}, identity_, {}, {}});
+        levels_.push_back({expansionKind, {}, identity_, {}, {}, nullptr, {}, {}});
     }
 }
 
@@ -230,6 +248,9 @@ bool TextTreeReader::beginRaw() {
     case '(':
         openManager();
         return true;
+    case '<':
+        openIndexList();
+        return true;
     case '#':
         source_.define();
         return false;
@@ -266,6 +287,7 @@ void TextTreeReader::openArray() {
 void TextTreeReader::openStruct() {
     StreamTokenizer& tokens = source_.tokens();
     std::optional<JHashCode> headerIdentity;
+    int32_t kind = KELKind_Struct;
     for (;;) {
         const int32_t type = source_.skipOnLine();
         const Token& token = tokens.token();
@@ -281,9 +303,10 @@ void TextTreeReader::openStruct() {
             source_.endError();
         }
         if (isType) {
-            if (item != tokenInteger || tokens.token().integer != KELKind_Struct) {
+            if (item != tokenInteger) {
                 source_.syntaxError();
             }
+            kind = tokens.token().integer;
         } else {
             source_.unread();
             if (!tokens.readHashCode(headerIdentity.emplace())) {
@@ -296,11 +319,41 @@ void TextTreeReader::openStruct() {
             tokens.nextRaw();
         }
     }
+    JPointer<KEL_Impl> made(makeStruct(kind, headerIdentity));
     if (!identity_.has_value()) {
         identity_ = headerIdentity;
     }
-    open(KELKind_Struct, JPointer<KEL_Impl>(identity_ ? new KEL_Struct_Impl(*identity_)
-                                                      : new KEL_Struct_Impl()));
+    auto* holder = dynamic_cast<StructHolder*>(made.get());
+    KEL_Struct_Impl* variables =
+        holder == nullptr ? static_cast<KEL_Struct_Impl*>(made.get()) : &holder->inner();
+    open(KELKind_Struct, std::move(made));
+    levels_.back().variables = variables;
+}
+
+/// A struct or a value built on one. An identity in front of the brace is the value's, one in the
+/// header the struct's; where there is only one it is both.
+KEL_Impl* TextTreeReader::makeStruct(int32_t kind,
+                                     const std::optional<JHashCode>& headerIdentity) const {
+    const bool given = identity_.has_value() || headerIdentity.has_value();
+    const JHashCode own = identity_ ? *identity_ : headerIdentity.value_or(JHashCode());
+    const JHashCode inner = headerIdentity.value_or(own);
+    switch (kind) {
+    case KELKind_Struct:
+        return given ? new KEL_Struct_Impl(own) : new KEL_Struct_Impl();
+    case KELKind_MetaKel:
+        return given ? new MetaKel_Impl(own, inner) : new MetaKel_Impl();
+    case KELKind_MetaKelDescriptor:
+        return given ? new MetaKelDescriptor_Impl(own, inner) : new MetaKelDescriptor_Impl();
+    case KELKind_MetaKelVarDescriptor:
+        return given ? new MetaKelVarDescriptor_Impl(own, inner) : new MetaKelVarDescriptor_Impl();
+    default:
+        source_.syntaxError();
+    }
+}
+
+void TextTreeReader::openIndexList() {
+    open(KELKind_IndexList, JPointer<KEL_Impl>(identity_ ? new KEL_IndexList_Impl(*identity_)
+                                                         : new KEL_IndexList_Impl()));
 }
 
 void TextTreeReader::openManager() {
@@ -310,7 +363,8 @@ void TextTreeReader::openManager() {
 }
 
 void TextTreeReader::open(int32_t kind, JPointer<KEL_Impl>&& container) {
-    levels_.push_back({kind, std::move(container), std::exchange(identity_, {}), {}, {}});
+    levels_.push_back(
+        {kind, std::move(container), std::exchange(identity_, {}), {}, {}, nullptr, {}, {}});
 }
 
 void TextTreeReader::close() {
@@ -349,7 +403,10 @@ void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
     }
     Level& level = levels_.back();
     if (level.kind == KELKind_Struct) {
-        static_cast<KEL_Struct_Impl&>(*level.container).adoptVariable(level.key, std::move(value));
+        // Unchecked also where a descriptor says no: reading loses nothing.
+        level.variables->adoptVariable(level.key, std::move(value));
+    } else if (level.kind == KELKind_IndexList) {
+        addArray(level, value);
     } else if (value.isValid()) {
         if (level.kind == KELKind_Array) {
             static_cast<KEL_Array_Impl&>(*level.container).adoptElement(std::move(value));
@@ -357,6 +414,15 @@ void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
             addEntry(level, std::move(value));
         }
     }
+}
+
+/// Takes the keys, then the items, of an index list.
+void TextTreeReader::addArray(Level& list, const JPointer<KEL_Impl>& value) {
+    auto* array = dynamic_cast<KEL_Array_Impl*>(value.get());
+    if (array == nullptr || list.items.isValid()) {
+        source_.syntaxError();
+    }
+    (list.keys.isNull() ? list.keys : list.items) = JPointer<KEL_Array_Impl>::share(array);
 }
 
 void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {

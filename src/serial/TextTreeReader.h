@@ -4,6 +4,8 @@
 
 #include "serial/TextSource.h"
 #include "serial/ValueTable.h"
+#include "values/KEL_Array_Impl.h"
+#include "values/KEL_Struct_Impl.h"
 
 #include <optional>
 
@@ -30,6 +32,9 @@ private:
         std::optional<JHashCode> identity;      ///< given to this value
         std::string key;                        ///< of the variable being read
         std::unique_ptr<IdentityTable> entries; ///< of a manager, to find doubles
+        KEL_Struct_Impl* variables;             ///< of a struct, or of the value built on one
+        JPointer<KEL_Array_Impl> keys;          ///< of an index list, when they are read
+        JPointer<KEL_Array_Impl> items;         ///< and when these are
     };
     static constexpr int32_t expansionKind = 0;
 
@@ -37,6 +42,7 @@ private:
     void nextElement();
     void nextVariable();
     void nextEntry();
+    void nextArray();
     void readKey(int32_t type, std::string& key);
     void expect(char character);
 
@@ -52,11 +58,14 @@ private:
     void openArray();
     void openStruct();
     void openManager();
+    void openIndexList();
+    KEL_Impl* makeStruct(int32_t kind, const std::optional<JHashCode>& headerIdentity) const;
     void open(int32_t kind, JPointer<KEL_Impl>&& container);
     void close();
     void complete(JPointer<KEL_Impl>&& value);
     void deliver(JPointer<KEL_Impl> value);
     void addEntry(Level& manager, JPointer<KEL_Impl>&& value);
+    void addArray(Level& list, const JPointer<KEL_Impl>& value);
 
     template <class T, class... Arguments> void completeNew(const Arguments&... arguments);
 

@@ -1,8 +1,10 @@
 #include "serial/TextTreeWriter.h"
 
+#include "meta/StructHolder.h"
 #include "runtime/Text.h"
 #include "serial/Characters.h"
 #include "values/KELException_Impl.h"
+#include "values/KEL_IndexList_Impl.h"
 #include "values/KEL_MemBlock_Impl.h"
 
 #include <charconv>
@@ -59,10 +61,16 @@ void TextTreeWriter::begin(const KEL_Impl& value, std::size_t tabs, bool indentF
         out_.append(kind == KELKind_Array ? std::string_view("[\n") : std::string_view("(\n"));
         return;
     case KELKind_Struct:
+        beginStruct(value, tabs, parentKind, value);
+        return;
+    case KELKind_IndexList:
         open(value, kind, tabs);
-        out_.append('{');
-        writeStructHeader(parentKind, value);
-        out_.append('\n');
+        out_.append("<\n");
+        return;
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        beginMeta(value, tabs, indentFirst);
         return;
     default:
         throw new KELIOException_Impl();
@@ -70,34 +78,81 @@ void TextTreeWriter::begin(const KEL_Impl& value, std::size_t tabs, bool indentF
     out_.append('\n');
 }
 
-void TextTreeWriter::open(const KEL_Impl& container, int32_t kind, std::size_t tabs) {
+/// Begins the struct of a holder, itself or a value that is built on it.
+void TextTreeWriter::beginStruct(const KEL_Impl& value, std::size_t tabs, int32_t parentKind,
+                                 const KEL_Impl& holder) {
+    open(holder, holder.getType(), tabs);
+    out_.append('{');
+    writeStructHeader(parentKind, value);
+    out_.append('\n');
+}
+
+void TextTreeWriter::beginMeta(const KEL_Impl& value, std::size_t tabs, bool indentFirst) {
+    // The value and its struct are each indented where a line begins.
+    if (indentFirst) {
+        out_.append(tabs, '\t');
+    }
+    const auto* holder = dynamic_cast<const StructHolder*>(&value);
+    beginStruct(holder->inner(), tabs, value.getType(), value);
+}
+
+void TextTreeWriter::open(const KEL_Impl& container, int32_t kind, std::size_t tabs,
+                          int32_t limit) {
     if (container.isOnPath()) {
         throw new KELIOException_Impl("Cannot write a value that contains itself.");
     }
-    levels_.push_back({ChildCursor(container), kind, tabs});
+    levels_.push_back({ChildCursor(container), kind, tabs, limit});
     container.setOnPath(true);
 }
 
 void TextTreeWriter::close() {
     const Level& level = levels_.back();
     level.cursor.container->setOnPath(false);
-    out_.append(level.tabs, '\t');
-    out_.append(level.kind == KELKind_Array    ? std::string_view("]\n")
-                : level.kind == KELKind_Struct ? std::string_view("}\n")
-                                               : std::string_view(")\n"));
+    if (level.kind != KELKind_IndexList) {
+        out_.append(level.tabs, '\t'); // the angle bracket always begins its line
+    }
+    switch (level.kind) {
+    case KELKind_Array:
+        out_.append("]\n");
+        break;
+    case KELKind_Struct:
+        out_.append("}\n");
+        break;
+    case KELKind_Manager:
+        out_.append(")\n");
+        break;
+    case KELKind_IndexList:
+        out_.append(">\n");
+        break;
+    default:
+        out_.append("}\n\n"); // a line feed for the struct, one for the value built on it
+        break;
+    }
     levels_.pop_back();
 }
 
 void TextTreeWriter::next() {
     Level& level = levels_.back();
-    if (!level.cursor.next()) {
+    if (level.cursor.index + 1 >= level.limit || !level.cursor.next()) {
         close();
         return;
     }
     const std::size_t tabs = level.tabs + 1;
     const KEL_Impl* child = level.cursor.value;
     switch (level.kind) {
-    case KELKind_Struct:
+    case KELKind_Array:
+        begin(*child, tabs, true, -1);
+        return;
+    case KELKind_Manager:
+        out_.append(tabs, '\t');
+        writeIdentity(*child);
+        out_.append(" = ");
+        begin(*child, tabs, false, -1);
+        return;
+    case KELKind_IndexList:
+        nextOfIndexList(level);
+        return;
+    default: // a struct, or a value built on one
         out_.append(tabs, '\t');
         writeKey(level.cursor.name);
         out_.append(" = ");
@@ -107,15 +162,20 @@ void TextTreeWriter::next() {
         }
         begin(*child, tabs, false, -1);
         return;
-    case KELKind_Manager:
-        out_.append(tabs, '\t');
-        writeIdentity(*child);
-        out_.append(" = ");
-        begin(*child, tabs, false, -1);
-        return;
-    default:
-        begin(*child, tabs, true, -1);
     }
+}
+
+/// Begins the keys or the items of a list, as far as they make pairs.
+void TextTreeWriter::nextOfIndexList(Level& list) {
+    const std::size_t tabs = list.tabs + 1;
+    const auto& pairs = static_cast<const KEL_IndexList_Impl&>(*list.cursor.container);
+    const KEL_Impl& array = *list.cursor.value;
+    out_.append(tabs, '\t');
+    out_.append(list.cursor.index == 0 ? std::string_view("/* keys: */ \n")
+                                       : std::string_view("/* values: */ \n"));
+    out_.append(tabs, '\t');
+    open(array, KELKind_Array, tabs, pairs.getCount());
+    out_.append("[\n");
 }
 
 void TextTreeWriter::writeKey(std::string_view name) {

@@ -31,12 +31,17 @@ private:
         ChildCursor cursor;
         int32_t kind;
         std::size_t tabs; ///< before the container's own brackets
+        int32_t limit;    ///< of an array in an index list: children beyond have no partner
     };
 
     void begin(const KEL_Impl& value, std::size_t tabs, bool indentFirst, int32_t parentKind);
-    void open(const KEL_Impl& container, int32_t kind, std::size_t tabs);
+    void beginStruct(const KEL_Impl& value, std::size_t tabs, int32_t parentKind,
+                     const KEL_Impl& holder);
+    void beginMeta(const KEL_Impl& value, std::size_t tabs, bool indentFirst);
+    void open(const KEL_Impl& container, int32_t kind, std::size_t tabs, int32_t limit = INT32_MAX);
     void close();
     void next();
+    void nextOfIndexList(Level& list);
     void writeKey(std::string_view name);
     void writeStructHeader(int32_t parentKind, const KEL_Impl& value);
     void writeIdentity(const KEL_Impl& value);

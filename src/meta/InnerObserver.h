@@ -1,0 +1,21 @@
+/// \file
+/// InnerObserver: tells the owner of an inner struct that it has changed.
+#pragma once
+
+#include "runtime/JObserver.h"
+
+namespace kel {
+
+/// Calls a function of its owner, which takes it off before it goes.
+class InnerObserver final : public JObserver {
+public:
+    InnerObserver(void (*changed)(void* owner), void* owner) : changed_(changed), owner_(owner) {}
+
+    void update(JObservable*) override { changed_(owner_); }
+
+private:
+    void (*changed_)(void* owner);
+    void* owner_;
+};
+
+} // namespace kel

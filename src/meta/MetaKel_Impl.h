@@ -1,0 +1,58 @@
+/// \file
+/// MetaKel_Impl: a checked struct value.
+#pragma once
+
+#include "meta/MetaKelDescriptor_Impl.h"
+
+#include <kel/MetaKel.h>
+
+/// Implements MetaKel over an inner struct that holds the variables and, under "@desc", the
+/// descriptor.
+class MetaKel_Impl final : public kel::StructForwarder<MetaKel> {
+public:
+    MetaKel_Impl() : StructForwarder(identity()) {}
+
+    /// The same with a given identity.
+    explicit MetaKel_Impl(const JHashCode& identity) : MetaKel_Impl(identity, identity) {}
+
+    /// The same with an inner struct of another identity.
+    MetaKel_Impl(const JHashCode& identity, const JHashCode& innerIdentity)
+        : JObject(identity), StructForwarder(innerIdentity) {}
+
+    int32_t getType() const override { return KELKind_MetaKel; }
+    KEL_Impl* copyWithoutChildren() const override { return new MetaKel_Impl(); }
+
+    // MetaKelInterface_V1
+    void clearVar(const char* name) override;
+    void setDescriptor(MetaKelDescriptor* descriptor) override;
+    void replaceDescriptor(MetaKelDescriptor* descriptor) override;
+    MetaKelDescriptor* getDescriptor() const override { return descriptor(); }
+    void removeDescriptor() override;
+    void createVar(const char* name, KEL* value, MetaKelVarDescriptor* descriptor) override;
+
+    // MetaKel
+    KEL* getVar(const char* name, bool storeDefault) override;
+    void createVarWithType(const char* name, KEL* value) override;
+    void createVarWithDefault(const char* name, KEL* value, KEL* defaultValue) override;
+    void createVarWithEnum(const char* name, KEL* value, KEL_Array* allowed) override;
+
+    // KELInterface_Struct_V1, where a checked struct differs
+    KEL* getVar(const char* name) override;
+    KEL* getVar(const char* name) const override { return find(name); }
+    void addVar(const char* name, KEL* value) override;
+    void setVar(const char* name, KEL* value) override;
+    void setVarValue(const char* name, KEL* value) override;
+
+private:
+    /// The descriptor in use, borrowed; null when there is none.
+    MetaKelDescriptor_Impl* descriptor() const;
+
+    /// The descriptor of a variable, borrowed; null when it is not described.
+    MetaKelVarDescriptor_Impl* descriptorOf(const char* name) const;
+
+    /// True when nothing that describes the variable speaks against the value.
+    bool accepts(const char* name, const KEL* value) const;
+
+    /// The variable's value or its default, borrowed. Throws as getVar.
+    KEL* find(const char* name) const;
+};

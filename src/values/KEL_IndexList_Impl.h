@@ -1,0 +1,165 @@
+/// \file
+/// KEL_IndexList_Impl: an IndexList value.
+#pragma once
+
+#include "values/KEL_Array_Impl.h"
+#include "values/KEL_Struct_Impl.h"
+
+#include <kel/KEL_IndexList.h>
+
+/// Implements KEL_IndexList over two arrays, which other holders may change meanwhile: every
+/// operation looks only at the pairs that both arrays have.
+class KEL_IndexList_Impl final : public KEL_Impl, public KEL_IndexList {
+public:
+    /// Empty, over two new arrays.
+    KEL_IndexList_Impl() : KEL_IndexList_Impl(makeArray(), makeArray()) {}
+
+    /// The same with a given identity.
+    explicit KEL_IndexList_Impl(const JHashCode& identity)
+        : JObject(identity), keys_(makeArray()), items_(makeArray()) {}
+
+    /// Over the given arrays, which are not null.
+    KEL_IndexList_Impl(const JPointer<KEL_Array_Impl>& keys, const JPointer<KEL_Array_Impl>& items)
+        : keys_(keys), items_(items) {}
+
+    /// A new list over items, with their texts as keys; the caller owns it.
+    static KEL_IndexList_Impl* ofItems(KEL_Array_Impl& items);
+
+    /// A new list of a struct's variables; the caller owns it.
+    static KEL_IndexList_Impl* ofVariables(const KEL_Struct_Impl& variables);
+
+    int32_t getType() const override { return KELKind_IndexList; }
+
+    // KELInterface_IndexList_V1
+    KEL* getItem(const KEL* key) override { return itemOf(key); }
+    KEL* getItem(const KEL* key) const override { return itemOf(key); }
+    KEL* getKey(const KEL* item) override { return keyOf(item); }
+    KEL* getKey(const KEL* item) const override { return keyOf(item); }
+    bool containsKey(const KEL* key) const override { return indexOfKey(key) != -1; }
+    void removeKey(const KEL* key) override;
+    void removeItem(const KEL* item) override;
+    bool containsItem(const KEL* item) const override { return indexOfItem(item) != -1; }
+    int32_t indexOfKey(const KEL* key) const override;
+    int32_t indexOfItem(const KEL* item) const override;
+    KEL* getItemOfKeyValue(const KEL* keyValue) override { return itemOfValue(keyValue); }
+    KEL* getItemOfKeyValue(const KEL* keyValue) const override { return itemOfValue(keyValue); }
+    bool containsKeyValue(const KEL* keyValue) const override {
+        return indexOfKeyValue(keyValue) != -1;
+    }
+    int32_t indexOfKeyValue(const KEL* keyValue) const override;
+    KEL* getItemOfKeyText(const char* text) const override;
+    void removeKeyValue(const KEL* keyValue) override;
+    void setItemOfKey(const KEL* key, KEL* newItem) override;
+    void setKeyOfItem(const KEL* item, KEL* newKey) override;
+    void setItemOfKeyValue(const KEL* keyValue, KEL* newItem) override;
+    void setKeyString(const KEL* keyValue, const char* text) override;
+    void setKeyguid(const KEL* keyValue, const JHashCode& value) override;
+    void setKeyDouble(const KEL* keyValue, float value) override {
+        setKeyDouble(keyValue, double{value});
+    }
+    void setKeyDouble(const KEL* keyValue, double value) override;
+    void setKeyInt(const KEL* keyValue, long value) override {
+        setKeyInt(keyValue, static_cast<int32_t>(value));
+    }
+    void setKeyInt(const KEL* keyValue, unsigned long value) override {
+        setKeyInt(keyValue, static_cast<int32_t>(value));
+    }
+    void setKeyInt(const KEL* keyValue, int32_t value) override;
+    void setKeyBoolean(const KEL* keyValue, bool value) override;
+    void setKeyValue(const KEL* keyValue, const KEL* newValue) override;
+    int32_t addKeyString(const char* text, KEL* item) override;
+    int32_t addKeyguid(const JHashCode& value, KEL* item) override;
+    int32_t addKeyDouble(float value, KEL* item) override {
+        return addKeyDouble(double{value}, item);
+    }
+    int32_t addKeyDouble(double value, KEL* item) override;
+    int32_t addKeyInt(long value, KEL* item) override {
+        return addKeyInt(static_cast<int32_t>(value), item);
+    }
+    int32_t addKeyInt(unsigned long value, KEL* item) override {
+        return addKeyInt(static_cast<int32_t>(value), item);
+    }
+    int32_t addKeyInt(int32_t value, KEL* item) override;
+    int32_t addKeyBoolean(bool value, KEL* item) override;
+    int32_t addItemString(KEL* key, const char* text) override;
+    int32_t addItemguid(KEL* key, const JHashCode& value) override;
+    int32_t addItemDouble(KEL* key, float value) override {
+        return addItemDouble(key, double{value});
+    }
+    int32_t addItemDouble(KEL* key, double value) override;
+    int32_t addItemInt(KEL* key, long value) override {
+        return addItemInt(key, static_cast<int32_t>(value));
+    }
+    int32_t addItemInt(KEL* key, unsigned long value) override {
+        return addItemInt(key, static_cast<int32_t>(value));
+    }
+    int32_t addItemInt(KEL* key, int32_t value) override;
+    int32_t addItemBoolean(KEL* key, bool value) override;
+    int32_t addNamedString(const char* key, const char* text) override;
+    int32_t addNamedguid(const char* key, const JHashCode& value) override;
+    int32_t addNamedDouble(const char* key, float value) override {
+        return addNamedDouble(key, double{value});
+    }
+    int32_t addNamedDouble(const char* key, double value) override;
+    int32_t addNamedInt(const char* key, long value) override {
+        return addNamedInt(key, static_cast<int32_t>(value));
+    }
+    int32_t addNamedInt(const char* key, unsigned long value) override {
+        return addNamedInt(key, static_cast<int32_t>(value));
+    }
+    int32_t addNamedInt(const char* key, int32_t value) override;
+    int32_t addNamedBoolean(const char* key, bool value) override;
+    int32_t addPair(KEL* key, KEL* item) override;
+    void insertPair(KEL* key, KEL* item, int32_t index) override;
+    int32_t addPairs(KEL_IndexList* other) override;
+    void removePair(int32_t index) override;
+    void swapPairs(int32_t a, int32_t b) override;
+    void removeAllPairs() override;
+    int32_t getCount() const override;
+    KEL_Array* getKeys() override { return keys_.get(); }
+    const KEL_Array* getKeys() const override { return keys_.get(); }
+    KEL_Array* getItems() override { return items_.get(); }
+    const KEL_Array* getItems() const override { return items_.get(); }
+    KEL* getKeyAt(int32_t index) const override;
+    KEL* getItemAt(int32_t index) const override;
+    void setItemAt(int32_t index, KEL* newItem) override;
+
+    // KEL_Impl: the children are the two arrays.
+    bool isContainer() const override { return true; }
+    bool copiesChildren() const override { return true; }
+    bool nextChild(kel::ChildCursor& cursor) const override;
+    KEL_Impl* copyWithoutChildren() const override { return new KEL_IndexList_Impl(); }
+    void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override;
+    bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void takeContents(const KEL_Impl& source) override;
+
+private:
+    static JPointer<KEL_Array_Impl> makeArray() {
+        return JPointer<KEL_Array_Impl>(new KEL_Array_Impl());
+    }
+
+    KEL_Impl* itemOf(const KEL* key) const;
+    KEL_Impl* keyOf(const KEL* item) const;
+    KEL_Impl* itemOfValue(const KEL* keyValue) const;
+
+    /// An index that was looked for. Throws the not-found message for -1.
+    static int32_t found(int32_t index, const char* message);
+
+    /// Throws on an index that is not that of a pair.
+    void checkIndex(int32_t index) const;
+
+    /// Removes the pair at index from both arrays and notifies nobody.
+    void erase(int32_t index);
+
+    /// Appends a pair one half of which was just made, with its one reference.
+    int32_t addMadeKey(KEL_Impl* key, KEL* item);
+    int32_t addMadeItem(KEL* key, KEL_Impl* item);
+    int32_t addNamed(const char* key, KEL_Impl* item);
+
+    /// setKeyValue with a value just made, which is then released.
+    void setMadeKey(const KEL* keyValue, KEL_Impl* newValue);
+
+    JPointer<KEL_Array_Impl> keys_;
+    JPointer<KEL_Array_Impl> items_;
+    bool keysCopied_ = false; // while a copy is filled: the first child was the keys
+};

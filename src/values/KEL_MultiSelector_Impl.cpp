@@ -1,0 +1,100 @@
+#include "values/KEL_MultiSelector_Impl.h"
+
+#include "values/KEL_Selector_Impl.h"
+
+KEL_MultiSelector_Impl::KEL_MultiSelector_Impl(KEL_IndexList_Impl* list)
+    : list_(KEL_Selector_Impl::listOrNew(list)), selectedKeys_(new KEL_Array_Impl()) {}
+
+KEL_MultiSelector_Impl::KEL_MultiSelector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)
+    : JObject(identity), list_(KEL_Selector_Impl::listOrNew(list)),
+      selectedKeys_(new KEL_Array_Impl()) {}
+
+bool KEL_MultiSelector_Impl::selectKey(KEL* key) {
+    if (!list_->containsKey(key)) {
+        return false;
+    }
+    if (!selectedKeys_->containsVar(key)) {
+        selectedKeys_->addVar(key);
+        notifyChanged();
+    }
+    return true;
+}
+
+bool KEL_MultiSelector_Impl::selectItem(KEL* item) {
+    return list_->containsItem(item) && selectKey(list_->getKey(item));
+}
+
+bool KEL_MultiSelector_Impl::deselectKey(KEL* key) {
+    const int32_t index = selectedKeys_->indexOfVar(key);
+    if (index == -1) {
+        return false;
+    }
+    selectedKeys_->removeVar(index);
+    notifyChanged();
+    return true;
+}
+
+bool KEL_MultiSelector_Impl::deselectItem(KEL* item) {
+    return list_->containsItem(item) && deselectKey(list_->getKey(item));
+}
+
+void KEL_MultiSelector_Impl::clearSelection() {
+    if (selectedKeys_->getCount() > 0) {
+        selectedKeys_->removeAllVars();
+        notifyChanged();
+    }
+}
+
+KEL_Array* KEL_MultiSelector_Impl::getSelectedItems() const {
+    JPointer<KEL_Array_Impl> items(new KEL_Array_Impl());
+    for (int32_t i = 0; i < selectedKeys_->getCount(); ++i) {
+        items->addVar(list_->getItem(selectedKeys_->elementAt(i)));
+    }
+    return items.detach();
+}
+
+bool KEL_MultiSelector_Impl::isKeySelected(const KEL* key) const {
+    return key == nullptr ? selectedKeys_->getCount() == 0 : selectedKeys_->containsVar(key);
+}
+
+bool KEL_MultiSelector_Impl::isItemSelected(const KEL* item) const {
+    if (item == nullptr) {
+        return selectedKeys_->getCount() == 0;
+    }
+    return list_->containsItem(item) && selectedKeys_->containsVar(list_->getKey(item));
+}
+
+void KEL_MultiSelector_Impl::setList(KEL_IndexList* list) {
+    auto* implementation = dynamic_cast<KEL_IndexList_Impl*>(list);
+    if (implementation != nullptr && !list_->equals(list)) {
+        list_ = JPointer<KEL_IndexList_Impl>::share(implementation);
+        notifyChanged();
+    }
+}
+
+KEL_Impl* KEL_MultiSelector_Impl::copyWithoutChildren() const {
+    JPointer<KEL_MultiSelector_Impl> made(new KEL_MultiSelector_Impl(list_.get()));
+    made->selectedKeys_->addVars(selectedKeys_.get());
+    return made.detach();
+}
+
+bool KEL_MultiSelector_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
+    const auto* selector = dynamic_cast<const KEL_MultiSelector_Impl*>(&other);
+    if (selector == nullptr || selector->list_.get() != list_.get() ||
+        selector->selectedKeys_->getCount() != selectedKeys_->getCount()) {
+        return false;
+    }
+    for (int32_t i = 0; i < selectedKeys_->getCount(); ++i) {
+        if (selector->selectedKeys_->elementAt(i) != selectedKeys_->elementAt(i)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void KEL_MultiSelector_Impl::takeContents(const KEL_Impl& source) {
+    const JPointer<KEL_Impl> copied(source.copyWithoutChildren());
+    const auto& selector = dynamic_cast<const KEL_MultiSelector_Impl&>(*copied);
+    list_ = selector.list_;
+    selectedKeys_ = selector.selectedKeys_;
+}

@@ -1,0 +1,75 @@
+#include "values/KEL_Selector_Impl.h"
+
+JPointer<KEL_IndexList_Impl> KEL_Selector_Impl::listOrNew(KEL_IndexList_Impl* list) {
+    return list == nullptr ? JPointer<KEL_IndexList_Impl>(new KEL_IndexList_Impl())
+                           : JPointer<KEL_IndexList_Impl>::share(list);
+}
+
+void KEL_Selector_Impl::select(KEL_Impl* key) {
+    if (selection_.get() != key) {
+        selection_ = JPointer<KEL_Impl>::share(key);
+        notifyChanged();
+    }
+}
+
+bool KEL_Selector_Impl::selectKey(KEL* key) {
+    if (key != nullptr && !list_->containsKey(key)) {
+        return false;
+    }
+    select(KEL_Impl::of(key));
+    return true;
+}
+
+bool KEL_Selector_Impl::selectItem(KEL* item) {
+    if (!list_->containsItem(item)) {
+        return false;
+    }
+    select(KEL_Impl::of(list_->getKey(item)));
+    return true;
+}
+
+bool KEL_Selector_Impl::clearSelection() {
+    select(nullptr);
+    return true;
+}
+
+KEL* KEL_Selector_Impl::getSelectedItem() { return list_->getItem(selection_.get()); }
+
+KEL* KEL_Selector_Impl::getSelectedItem() const {
+    return list_->getItemOfKeyValue(selection_.get());
+}
+
+bool KEL_Selector_Impl::isSelectedKey(const KEL* key) const {
+    return selection_.isNull() ? key == nullptr : selection_->equals(key);
+}
+
+bool KEL_Selector_Impl::isSelectedItem(const KEL* item) const {
+    return selection_.isNull() ? item == nullptr
+                               : list_->getItem(selection_.get())->equals(item);
+}
+
+void KEL_Selector_Impl::setList(KEL_IndexList* list) {
+    auto* implementation = dynamic_cast<KEL_IndexList_Impl*>(list);
+    if (implementation != nullptr && !list_->equals(list)) {
+        list_ = JPointer<KEL_IndexList_Impl>::share(implementation);
+        notifyChanged();
+    }
+}
+
+KEL_Impl* KEL_Selector_Impl::copyWithoutChildren() const {
+    auto* made = new KEL_Selector_Impl(list_.get());
+    made->selection_ = selection_;
+    return made;
+}
+
+bool KEL_Selector_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
+    const auto* selector = dynamic_cast<const KEL_Selector_Impl*>(&other);
+    return selector != nullptr && selector->list_.get() == list_.get() &&
+           selector->selection_.get() == selection_.get();
+}
+
+void KEL_Selector_Impl::takeContents(const KEL_Impl& source) {
+    const auto& selector = dynamic_cast<const KEL_Selector_Impl&>(source);
+    list_ = selector.list_;
+    selection_ = selector.selection_;
+}

@@ -1,0 +1,49 @@
+/// \file
+/// KEL_Selector_Impl: a Selector value.
+#pragma once
+
+#include "values/KEL_IndexList_Impl.h"
+
+#include <kel/KEL_Selector.h>
+
+/// Implements KEL_Selector. List and selection are shared with the list's other holders, so a walk
+/// does not go through them.
+class KEL_Selector_Impl final : public KEL_Impl, public KEL_Selector {
+public:
+    /// Selects from list, or from a new empty one for null.
+    explicit KEL_Selector_Impl(KEL_IndexList_Impl* list) : list_(listOrNew(list)) {}
+
+    /// The same with a given identity.
+    KEL_Selector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)
+        : JObject(identity), list_(listOrNew(list)) {}
+
+    /// The list, shared, or a new one for null.
+    static JPointer<KEL_IndexList_Impl> listOrNew(KEL_IndexList_Impl* list);
+
+    int32_t getType() const override { return KELKind_Selector; }
+
+    // KELInterface_Selector_V1
+    bool selectKey(KEL* key) override;
+    bool selectItem(KEL* item) override;
+    bool clearSelection() override;
+    bool deselect() override { return clearSelection(); }
+    KEL* getSelectedKey() override { return selection_.get(); }
+    KEL* getSelectedKey() const override { return selection_.get(); }
+    KEL* getSelectedItem() override;
+    KEL* getSelectedItem() const override;
+    bool isSelectedKey(const KEL* key) const override;
+    bool isSelectedItem(const KEL* item) const override;
+    KEL_IndexList* getList() const override { return list_.get(); }
+    void setList(KEL_IndexList* list) override;
+
+    // KEL_Impl
+    KEL_Impl* copyWithoutChildren() const override;
+    bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void takeContents(const KEL_Impl& source) override;
+
+private:
+    void select(KEL_Impl* key);
+
+    JPointer<KEL_IndexList_Impl> list_;
+    JPointer<KEL_Impl> selection_;
+};
