@@ -44,7 +44,9 @@ bool BinaryTreeWriter::enter(const KEL_Impl& value) {
     if (identity.isZero()) {
         return true; // stands for "no value" in references, so such a value never is one
     }
-    if (!askAlways_ && !value.isShared()) {
+    // A root's one holder may be inside it.
+    const bool canComeAgain = value.isShared() || levels_.empty();
+    if (!askAlways_ && !canComeAgain) {
         written_.add(identity, nullptr);
         return true;
     }

@@ -39,15 +39,20 @@ KEL_Impl* copyTree(const KEL_Impl& source) {
     std::vector<Level<KEL_Impl*>> levels;
     std::unordered_map<const KEL_Impl*, KEL_Impl*> copies; // of the values that can be met again
 
+    // The root's one holder may be inside it.
+    const auto canMeetAgain = [&source](const KEL_Impl& value) {
+        return value.isShared() || &value == &source;
+    };
+
     // A copy belongs to its container as soon as it is made, so a failure leaves nothing behind.
     const auto copyOf = [&](const KEL_Impl& value) -> JPointer<KEL_Impl> {
-        if (value.isShared()) {
+        if (canMeetAgain(value)) {
             if (const auto known = copies.find(&value); known != copies.end()) {
                 return JPointer<KEL_Impl>::share(known->second);
             }
         }
         JPointer<KEL_Impl> made(value.copyWithoutChildren());
-        if (value.isShared()) {
+        if (canMeetAgain(value)) {
             copies.emplace(&value, made.get());
         }
         if (value.copiesChildren()) {
@@ -83,7 +88,8 @@ bool treesEqual(const KEL_Impl& a, const KEL_Impl& b) {
         if (!x.equalsWithoutChildren(y)) {
             return false;
         }
-        const bool canMeetAgain = x.isShared() && y.isShared();
+        // One of the two is enough. A root's one holder may be inside it.
+        const bool canMeetAgain = x.isShared() || y.isShared() || &x == &a || &y == &b;
         if (&x != &y && x.isContainer() && (!canMeetAgain || met.emplace(&x, &y).second)) {
             levels.push_back({ChildCursor(x), ChildCursor(y)});
         }

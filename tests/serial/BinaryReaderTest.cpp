@@ -196,8 +196,9 @@ TEST(BinaryReader, ABadMagicInsideAContainerIsRefused) {
 }
 
 TEST(BinaryReader, AVersionOtherThanOneIsRefused) {
-    for (const uint16_t version : {0, 2, 0x0100, 0xFFFF}) {
-        EXPECT_EQ(refusal(prefix(counting, KELKind_Int, 4, version) + "abcd"), badHeader);
+    for (const int version : {0, 2, 0x0100, 0xFFFF}) {
+        const auto stored = static_cast<uint16_t>(version);
+        EXPECT_EQ(refusal(prefix(counting, KELKind_Int, 4, stored) + "abcd"), badHeader);
     }
 }
 

@@ -22,15 +22,19 @@ using Struct = Held<KEL_Struct_Impl>;
 
 constexpr std::size_t walkBudget = 16 << 20; // far more than any walk below needs
 
-/// A walk that does not end runs out of this instead of time.
-class EndlessWalksFail : public ::testing::Test {
-private:
-    AllocationBudget budget_{walkBudget};
-};
+/// The copy, owned by the caller. A walk that does not end runs out of memory instead of time.
+KEL_Impl& copyOf(const KEL& value) {
+    const AllocationBudget budget(walkBudget);
+    return *KEL_Impl::of(value.copy());
+}
 
-class TreeWalk : public EndlessWalksFail {};
-
-KEL_Impl& copyOf(const KEL& value) { return *KEL_Impl::of(value.copy()); }
+/// Equality of contents, asked both ways.
+bool areEqual(const KEL& a, const KEL& b) {
+    const AllocationBudget budget(walkBudget);
+    const bool equal = a.equalsValue(&b);
+    EXPECT_EQ(b.equalsValue(&a), equal);
+    return equal;
+}
 
 KEL* elementOf(KEL* array, int32_t index) { return dynamic_cast<KEL_Array&>(*array).getVar(index); }
 
@@ -50,12 +54,7 @@ std::vector<Array> ring(std::size_t length) {
     return arrays;
 }
 
-bool areEqual(const KEL& a, const KEL& b) {
-    EXPECT_EQ(a.equalsValue(&b), b.equalsValue(&a));
-    return a.equalsValue(&b);
-}
-
-TEST_F(TreeWalk, WhatIsSharedInTheSourceIsSharedAlikeInTheCopy) {
+TEST(TreeWalk, WhatIsSharedInTheSourceIsSharedAlikeInTheCopy) {
     const Array source = make<KEL_Array_Impl>();
     const auto shared = make<KEL_Int_Impl>(1);
     source->addVar(shared.get());
@@ -67,7 +66,7 @@ TEST_F(TreeWalk, WhatIsSharedInTheSourceIsSharedAlikeInTheCopy) {
     EXPECT_EQ(kel::test::referencesOf(*elementOf(copy.get(), 0)), 2);
 }
 
-TEST_F(TreeWalk, AValueThatOthersHoldTooIsCopiedAsAnyOther) {
+TEST(TreeWalk, AValueThatOthersHoldTooIsCopiedAsAnyOther) {
     const Array source = make<KEL_Array_Impl>();
     const auto held = make<KEL_Int_Impl>(1);
     source->addVar(held.get());
@@ -76,7 +75,7 @@ TEST_F(TreeWalk, AValueThatOthersHoldTooIsCopiedAsAnyOther) {
     EXPECT_EQ(kel::test::referencesOf(*elementOf(copy.get(), 0)), 1);
 }
 
-TEST_F(TreeWalk, AnArrayInItselfIsCopiedToAnArrayInItself) {
+TEST(TreeWalk, AnArrayInItselfIsCopiedToAnArrayInItself) {
     const Array array = make<KEL_Array_Impl>();
     const TakeApart source(array.get());
     array->addVar(array.get());
@@ -86,7 +85,7 @@ TEST_F(TreeWalk, AnArrayInItselfIsCopiedToAnArrayInItself) {
     EXPECT_EQ(elementOf(copy.get(), 0), static_cast<KEL*>(copy.get()));
 }
 
-TEST_F(TreeWalk, AStructInItselfIsCopiedToAStructInItself) {
+TEST(TreeWalk, AStructInItselfIsCopiedToAStructInItself) {
     const Struct structure = make<KEL_Struct_Impl>();
     const TakeApart source(structure.get());
     structure->addVar("me", structure.get());
@@ -97,7 +96,7 @@ TEST_F(TreeWalk, AStructInItselfIsCopiedToAStructInItself) {
     EXPECT_TRUE(areEqual(*structure, *copy));
 }
 
-TEST_F(TreeWalk, ValuesThatContainEachOtherAreCopiedWithThatShape) {
+TEST(TreeWalk, ValuesThatContainEachOtherAreCopiedWithThatShape) {
     const Array array = make<KEL_Array_Impl>();
     const Struct structure = make<KEL_Struct_Impl>();
     const TakeApart source(array.get());
@@ -109,7 +108,7 @@ TEST_F(TreeWalk, ValuesThatContainEachOtherAreCopiedWithThatShape) {
     EXPECT_EQ(valuesOf(*copy).size(), 2U);
 }
 
-TEST_F(TreeWalk, ACycleThatIsMetOnTheWayIsCopiedOnce) {
+TEST(TreeWalk, ACycleThatIsMetOnTheWayIsCopiedOnce) {
     const Array outer = make<KEL_Array_Impl>();
     const std::vector<Array> arrays = ring(3);
     const TakeApart source(outer.get());
@@ -121,19 +120,33 @@ TEST_F(TreeWalk, ACycleThatIsMetOnTheWayIsCopiedOnce) {
     EXPECT_TRUE(areEqual(*outer, *copy));
 }
 
-TEST_F(TreeWalk, AValueThatOnlyItselfHoldsIsCopied) {
+/// An array in itself that nobody else holds, borrowed.
+KEL_Array_Impl* selfHeld() {
     auto* array = new KEL_Array_Impl();
     array->addVar(array);
-    array->release(); // its own element keeps it alive
-    const TakeApart source(array);
-    array->release(); // TakeApart gives it back at the end
-    const Held<KEL_Impl> copy(&copyOf(*array));
-    const TakeApart copied(copy.get());
-    EXPECT_EQ(elementOf(copy.get(), 0), static_cast<KEL*>(copy.get()));
-    array->addRef();
+    array->release();
+    return array;
 }
 
-TEST_F(TreeWalk, AManagerInItselfIsCopiedAsAManagerOfTheSameElement) {
+TEST(TreeWalk, AValueThatOnlyItselfHoldsIsCopied) {
+    KEL_Array_Impl* array = selfHeld();
+    const Held<KEL_Impl> copy(&copyOf(*array));
+    const TakeApart source(array);
+    const TakeApart copied(copy.get());
+    EXPECT_EQ(elementOf(copy.get(), 0), static_cast<KEL*>(copy.get()));
+}
+
+TEST(TreeWalk, ValuesThatOnlyThemselvesHoldAreCompared) {
+    KEL_Array_Impl* first = selfHeld();
+    KEL_Array_Impl* second = selfHeld();
+    EXPECT_TRUE(areEqual(*first, *second));
+    second->addInt(1);
+    EXPECT_FALSE(areEqual(*first, *second));
+    const TakeApart apart1(first);
+    const TakeApart apart2(second);
+}
+
+TEST(TreeWalk, AManagerInItselfIsCopiedAsAManagerOfTheSameElement) {
     const auto manager = make<KEL_Manager_Impl>();
     const TakeApart source(manager.get());
     manager->addKel(manager.get());
@@ -143,7 +156,7 @@ TEST_F(TreeWalk, AManagerInItselfIsCopiedAsAManagerOfTheSameElement) {
     EXPECT_EQ(copied.getKel(manager->getHashCode(identity)), manager.get());
 }
 
-TEST_F(TreeWalk, ValuesThatContainThemselvesAreEqualWhenNoDifferenceCanBeFound) {
+TEST(TreeWalk, ValuesThatContainThemselvesAreEqualWhenNoDifferenceCanBeFound) {
     const std::vector<Array> one = ring(1);
     const std::vector<Array> same = ring(1);
     const TakeApart first(one[0].get());
@@ -153,7 +166,7 @@ TEST_F(TreeWalk, ValuesThatContainThemselvesAreEqualWhenNoDifferenceCanBeFound) 
     EXPECT_FALSE(areEqual(*one[0], *same[0]));
 }
 
-TEST_F(TreeWalk, CyclesOfDifferentLengthsAreEqualWhenNoDifferenceCanBeFound) {
+TEST(TreeWalk, CyclesOfDifferentLengthsAreEqualWhenNoDifferenceCanBeFound) {
     const std::vector<Array> two = ring(2);
     const std::vector<Array> three = ring(3);
     const TakeApart first(two[0].get());
@@ -163,21 +176,19 @@ TEST_F(TreeWalk, CyclesOfDifferentLengthsAreEqualWhenNoDifferenceCanBeFound) {
     EXPECT_FALSE(areEqual(*two[0], *three[0]));
 }
 
-TEST_F(TreeWalk, CyclesAreComparedWhereverTheirOneOtherHolderIs) {
-    // Each cycle of two has one more holder, at different places.
+TEST(TreeWalk, CyclesAreComparedWhereverTheirOneOtherHolderIs) {
+    // Of the first cycle the test holds the array that is compared, of the second the other one.
     std::vector<Array> first = ring(2);
     std::vector<Array> second = ring(2);
-    KEL_Array* first0 = first[0].get();
-    KEL_Array* second0 = second[0].get();
+    const KEL_Array* compared = second[0].get();
+    const TakeApart apart1(first[0].get());
+    const TakeApart apart2(second[1].get());
     first[1].clear();
     second[0].clear();
-    const auto compare = [&] { return first0->equalsValue(second0); };
-    EXPECT_TRUE(compare());
-    second[1]->removeAllVars();
-    first[0]->removeAllVars();
+    EXPECT_TRUE(areEqual(*first[0], *compared));
 }
 
-TEST_F(TreeWalk, ACycleEqualsItsUnrolledSelfOnlyAsFarAsThatGoes) {
+TEST(TreeWalk, ACycleEqualsItsUnrolledSelfOnlyAsFarAsThatGoes) {
     const std::vector<Array> cycle = ring(1);
     const TakeApart apart(cycle[0].get());
     Array unrolled = make<KEL_Array_Impl>();
@@ -189,7 +200,7 @@ TEST_F(TreeWalk, ACycleEqualsItsUnrolledSelfOnlyAsFarAsThatGoes) {
     EXPECT_FALSE(areEqual(*cycle[0], *unrolled));
 }
 
-TEST_F(TreeWalk, StructsInACycleAreCompared) {
+TEST(TreeWalk, StructsInACycleAreCompared) {
     const auto selfNamed = [](const char* name) {
         Struct structure = make<KEL_Struct_Impl>();
         structure->addVar(name, structure.get());
@@ -205,13 +216,13 @@ TEST_F(TreeWalk, StructsInACycleAreCompared) {
     EXPECT_FALSE(areEqual(*first, *third));
 }
 
-TEST_F(TreeWalk, ADoublingChainIsCopiedInLinearTime) {
+TEST(TreeWalk, ADoublingChainIsCopiedInLinearTime) {
     const Held<KEL_Impl> chain(kel::test::doublingChain(40));
     const Held<KEL_Impl> copy(&copyOf(*chain));
     EXPECT_EQ(valuesOf(*copy).size(), 41U);
 }
 
-TEST_F(TreeWalk, DoublingChainsAreComparedInLinearTime) {
+TEST(TreeWalk, DoublingChainsAreComparedInLinearTime) {
     const Held<KEL_Impl> chain(kel::test::doublingChain(40));
     const Held<KEL_Impl> same(kel::test::doublingChain(40));
     const Held<KEL_Impl> copy(&copyOf(*chain));
@@ -237,13 +248,13 @@ Array doublingAtTurns(int levels, bool pairIsShared) {
     return level;
 }
 
-TEST_F(TreeWalk, ChainsThatShareAtDifferentLevelsAreComparedInLinearTime) {
+TEST(TreeWalk, ChainsThatShareAtDifferentLevelsAreComparedInLinearTime) {
     const Array first = doublingAtTurns(40, true);
     const Array second = doublingAtTurns(40, false);
     EXPECT_TRUE(areEqual(*first, *second));
 }
 
-TEST_F(TreeWalk, TakingOverAValueInItselfEqualsIt) {
+TEST(TreeWalk, TakingOverAValueInItselfEqualsIt) {
     const Struct source = make<KEL_Struct_Impl>();
     const Struct target = make<KEL_Struct_Impl>();
     const TakeApart apart1(source.get());
@@ -254,7 +265,7 @@ TEST_F(TreeWalk, TakingOverAValueInItselfEqualsIt) {
     EXPECT_TRUE(areEqual(*target, *source));
 }
 
-TEST_F(TreeWalk, TakingOverAnArrayInItselfSharesNoStorage) {
+TEST(TreeWalk, TakingOverAnArrayInItselfSharesNoStorage) {
     const Array source = make<KEL_Array_Impl>();
     const Array target = make<KEL_Array_Impl>();
     const TakeApart apart1(source.get());
@@ -269,7 +280,7 @@ TEST_F(TreeWalk, TakingOverAnArrayInItselfSharesNoStorage) {
     }
 }
 
-TEST_F(TreeWalk, ComparingASharedValueWithItselfLooksNoFurther) {
+TEST(TreeWalk, ComparingASharedValueWithItselfLooksNoFurther) {
     const Held<KEL_Impl> deep(kel::test::nestedArrays(1000));
     const Array first = make<KEL_Array_Impl>();
     const Array second = make<KEL_Array_Impl>();
