@@ -91,7 +91,8 @@ public:
     /// \throws KELNoSuchTypeException "Can't set the value when types are not equal!"
     virtual void setKeyValue(const KEL* keyValue, const KEL* newValue) = 0;
 
-    /// Appends the pair of a new String with this text (empty for null) and item; returns its index.
+    /// Appends the pair of a new String with this text (empty for null) and item; returns its
+    /// index.
     virtual int32_t addKeyString(const char* text, KEL* item) = 0;
     /// Appends the pair of a new guid and item; returns its index.
     virtual int32_t addKeyguid(const JHashCode& value, KEL* item) = 0;
@@ -129,7 +130,8 @@ public:
     /// Appends the pair of key and a new Boolean; returns its index.
     virtual int32_t addItemBoolean(KEL* key, bool value) = 0;
 
-    /// Appends the pair of a new String key and a new String with this text (empty for null); returns its index.
+    /// Appends the pair of a new String key and a new String with this text (empty for null);
+    /// returns its index.
     virtual int32_t addNamedString(const char* key, const char* text) = 0;
     /// Appends the pair of a new String key and a new guid; returns its index.
     virtual int32_t addNamedguid(const char* key, const JHashCode& value) = 0;

@@ -11,7 +11,8 @@ protected:
     ~MetaKelDescriptorInterface_V1() = default;
 };
 
-/// A description of a struct. Kind 51.
+/// A description of a struct. Kind 51. Observers are told once of every call that changes its
+/// variables, setVar included.
 class MetaKelDescriptor : public virtual KEL_Struct, public virtual MetaKelDescriptorInterface_V1 {
 protected:
     ~MetaKelDescriptor() = default;

@@ -23,6 +23,9 @@
 /// others are only replaced: they come into being when a descriptor is built (MetaKel::createVar...,
 /// or putInt("min", ...) and the like) or by the conversions between range and enumeration.
 ///
+/// An "enum" that is no Array allows nothing: inEnum answers false, and what needs the Array throws as
+/// if there were no "enum".
+///
 /// Values are shared, never copied. Failures are KELExceptions: "Not a ranged variable." and "Not
 /// an enumerated variable.". A failed call changes nothing.
 class MetaKelVarDescriptorInterface_V1 {
@@ -196,7 +199,9 @@ protected:
     ~MetaKelVarDescriptorInterface_V1() = default;
 };
 
-/// A description of one variable. Kind 52.
+/// A description of one variable. Kind 52. Observers are told once of every call that changes a
+/// property, setVar included; they are not told of changes inside the array of allowed values, which
+/// has observers of its own.
 class MetaKelVarDescriptor : public virtual KEL_Struct,
                              public virtual MetaKelVarDescriptorInterface_V1 {
 public:

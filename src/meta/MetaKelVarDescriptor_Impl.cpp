@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr const char* notEnumerated = "Not an enumerated variable.";
+
 /// A value that lives for one call.
 template <class T, class Argument> JPointer<KEL_Impl> temporary(const Argument& value) {
     return JPointer<KEL_Impl>(new T(value));
@@ -83,6 +85,8 @@ void MetaKelVarDescriptor_Impl::setRange(KEL* min, KEL* max) {
         return;
     }
     requireRange();
+    // Held: max may be the value that now stands under "min".
+    const JPointer<KEL_Impl> held = JPointer<KEL_Impl>::share(KEL_Impl::of(max));
     notifyOnce([&] {
         inner().addVar("min", min);
         inner().addVar("max", max);
@@ -136,10 +140,14 @@ bool MetaKelVarDescriptor_Impl::inRange(const KEL* value) const {
 
 // ---- Enumeration -------------------------------------------------------------------------------
 
+KEL_Array_Impl* MetaKelVarDescriptor_Impl::listOfAllowed() const {
+    return dynamic_cast<KEL_Array_Impl*>(property("enum"));
+}
+
 KEL_Array_Impl& MetaKelVarDescriptor_Impl::allowedValues() const {
-    auto* array = dynamic_cast<KEL_Array_Impl*>(property("enum"));
+    KEL_Array_Impl* array = listOfAllowed();
     if (array == nullptr) {
-        throw new KELException_Impl("Not an enumerated variable.");
+        throw new KELException_Impl(notEnumerated);
     }
     return *array;
 }
@@ -166,9 +174,12 @@ bool MetaKelVarDescriptor_Impl::inEnum(const KEL* value) const {
     if (value == nullptr) {
         return false;
     }
-    const KEL_Array_Impl& allowed = allowedValues();
-    for (int32_t i = 0; i < allowed.getCount(); ++i) {
-        if (allowed.elementAt(i)->equalsValue(value)) {
+    if (!isEnumerated()) {
+        throw new KELException_Impl(notEnumerated);
+    }
+    const KEL_Array_Impl* allowed = listOfAllowed();
+    for (int32_t i = 0; allowed != nullptr && i < allowed->getCount(); ++i) {
+        if (allowed->elementAt(i)->equalsValue(value)) {
             return true;
         }
     }
@@ -250,10 +261,10 @@ void MetaKelVarDescriptor_Impl::removeEnumerationList() {
 
 void MetaKelVarDescriptor_Impl::rangeFromEnumeration() {
     // Only for doubles: the steps between allowed integers would be lost.
-    if (isRanged() || !isEnumerated() || variableType() != KELKind_Double) {
+    if (isRanged() || listOfAllowed() == nullptr || variableType() != KELKind_Double) {
         return;
     }
-    const KEL_Array_Impl& allowed = allowedValues();
+    const KEL_Array_Impl& allowed = *listOfAllowed();
     JPointer<KEL_Impl> min;
     JPointer<KEL_Impl> max;
     if (allowed.getCount() == 0) {

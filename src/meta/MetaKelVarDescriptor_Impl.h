@@ -111,6 +111,9 @@ private:
     const char* textOf(const char* name) const;
     void requireRange() const;
 
+    /// The allowed values; null when there are none, or something that is no list.
+    KEL_Array_Impl* listOfAllowed() const;
+
     /// The allowed values. Throws when there are none, or something that is no list.
     KEL_Array_Impl& allowedValues() const;
 };

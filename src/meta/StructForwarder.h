@@ -75,7 +75,12 @@ public:
         notifyOnce([&] { inner_->removeVar(name); });
     }
     void setVar(const char* name, KEL* value) override {
-        notifyOnce([&] { inner_->setVar(name, value); });
+        notifyOnce([&] {
+            inner_->setVar(name, value);
+            if (name != nullptr) {
+                markInnerChanged();
+            }
+        });
     }
     void setString(const char* name, const char* text) override {
         notifyOnce([&] { inner_->setString(name, text); });
@@ -168,7 +173,10 @@ private:
     /// Collects the notifications of one operation.
     class Deferral {
     public:
-        explicit Deferral(StructForwarder& owner) : owner_(owner) { ++owner_.deferrals_; }
+        explicit Deferral(StructForwarder& owner)
+            : owner_(owner), held_(JPointer<StructForwarder>::share(&owner)) {
+            ++owner_.deferrals_;
+        }
         Deferral(const Deferral&) = delete;
         Deferral& operator=(const Deferral&) = delete;
         ~Deferral() {
@@ -187,6 +195,7 @@ private:
 
     private:
         StructForwarder& owner_;
+        JPointer<StructForwarder> held_; // the inner struct's own observers may let go of it
         bool finished_ = false;
     };
 

@@ -45,7 +45,7 @@ bool BinaryTreeWriter::enter(const KEL_Impl& value) {
         return true; // stands for "no value" in references, so such a value never is one
     }
     // A root's one holder may be inside it.
-    const bool canComeAgain = value.isShared() || levels_.empty();
+    const bool canComeAgain = value.isShared() || levels_.empty() || value.isOnPath();
     if (!askAlways_ && !canComeAgain) {
         written_.add(identity, nullptr);
         return true;

@@ -13,11 +13,12 @@ namespace kel {
 /// Characters collected one by one in a MemoryPool.
 class CollectedText {
 public:
-    CollectedText() : pool_(makePool()) {}
-
     /// Appends one character.
     /// \throws JOutOfMemoryException "MemoryPool out of memory."
     void append(int32_t c) {
+        if (pool_.isNull()) {
+            pool_ = new MemoryPool(segmentSize, segmentSize);
+        }
         const auto byte = static_cast<unsigned char>(c);
         pool_->write(count_, &byte, 1);
         ++count_;
@@ -26,7 +27,7 @@ public:
     /// Forgets all characters, and the memory of a long text with them.
     void clear() {
         if (count_ > segmentSize) {
-            pool_ = makePool();
+            pool_.clear();
         }
         count_ = 0;
     }
@@ -35,14 +36,14 @@ public:
     uint32_t count() const { return count_; }
 
     /// A new string of the characters; the caller owns it.
-    JString* toString() const { return new JString(*pool_, 0, count_); }
+    JString* toString() const {
+        return count_ == 0 ? new JString("") : new JString(*pool_, 0, count_);
+    }
 
 private:
     static constexpr uint32_t segmentSize = 80;
 
-    static MemoryPool* makePool() { return new MemoryPool(segmentSize, segmentSize); }
-
-    JPointer<MemoryPool> pool_;
+    JPointer<MemoryPool> pool_; // made with the first character: many machines never take one
     uint32_t count_ = 0;
 };
 

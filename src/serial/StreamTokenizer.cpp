@@ -87,6 +87,13 @@ void StreamTokenizer::addStandardRecognisers() {
     addFSM(JPointer<TokenizerFSM>(new HashcodeFSM));
 }
 
+void StreamTokenizer::shareRecognisers(const StreamTokenizer& other) {
+    for (int32_t i = 0; i < other.recognisers_.size(); ++i) {
+        recognisers_.addElement(other.recognisers_.elementAtRef(i));
+    }
+    findOutPath();
+}
+
 void StreamTokenizer::setLiteral(bool literal) {
     literal_ = literal;
     findOutPath();

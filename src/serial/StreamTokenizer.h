@@ -47,6 +47,10 @@ public:
     /// Adds CommentFSM, NewlineFSM, NumberFSM, WhitespaceFSM, WordFSM and HashcodeFSM.
     void addStandardRecognisers();
 
+    /// Adds the recognisers of another tokenizer, which go on serving that one too: they remember
+    /// nothing between tokens. Many short texts then need one set of machines.
+    void shareRecognisers(const StreamTokenizer& other);
+
     /// Makes the machines do the work even where the scanner could. For tests.
     void setLiteral(bool literal);
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t historySize = 1024;
 
 // The window and the pieces start small and double: short inputs are many, and cheap this way.
-constexpr std::size_t firstSize = 1024;
+constexpr std::size_t firstSize = 256;
 
 uint8_t* allocateWindow(std::size_t capacity) {
     void* storage = platform::allocate(capacity + 1);
@@ -76,7 +76,9 @@ bool BufferedInput::fill(std::size_t wanted) {
         ended_ = true;
         return false;
     }
-    piece_ = std::min(2 * piece_, chunkSize);
+    if (static_cast<std::size_t>(got) == request) {
+        piece_ = std::min(2 * piece_, chunkSize);
+    }
     end_ = free + got;
     free[got] = 0;
     return true;

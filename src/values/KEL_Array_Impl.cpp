@@ -127,14 +127,16 @@ int32_t KEL_Array_Impl::addVar(KEL* value) {
 
 int32_t KEL_Array_Impl::append(KEL_Impl* element) {
     elements_->addElement(element);
+    const int32_t index = elements_->size() - 1; // now: an observer may change or end the array
     notifyChanged();
-    return elements_->size() - 1;
+    return index;
 }
 
 int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
     if (other == nullptr) {
         return -1;
     }
+    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // an observer may release it
     for (int32_t i = 0; i < other->getCount(); ++i) {
         KEL* value = other->getVar(i);
         if (!containsVar(value)) {

@@ -18,7 +18,8 @@ constexpr const char* keyNotFound = "Key not found in list.";
 constexpr const char* itemNotFound = "Item not found in list.";
 constexpr const char* keyValueNotFound = "Key value not found in list.";
 
-/// A reference to a host's argument that an operation may be the last to hold.
+/// A reference to a value that the operation itself, or an observer of one of the arrays, may set
+/// free meanwhile: an argument, or the list.
 JPointer<KEL_Impl> hold(const KEL* value) {
     return JPointer<KEL_Impl>::share(const_cast<KEL_Impl*>(KEL_Impl::of(value)));
 }
@@ -131,6 +132,7 @@ void KEL_IndexList_Impl::erase(int32_t index) {
 
 void KEL_IndexList_Impl::removePair(int32_t index) {
     checkIndex(index);
+    const JPointer<KEL_Impl> self = hold(this);
     erase(index);
     notifyChanged();
 }
@@ -151,6 +153,7 @@ void KEL_IndexList_Impl::removeKeyValue(const KEL* keyValue) {
     if (keyValue == nullptr) {
         return;
     }
+    const JPointer<KEL_Impl> self = hold(this);
     const JPointer<KEL_Impl> held = hold(keyValue); // it may be one of the keys
     bool removed = false;
     for (int32_t i = 0; i < getCount(); ++i) {
@@ -164,6 +167,7 @@ void KEL_IndexList_Impl::removeKeyValue(const KEL* keyValue) {
 }
 
 void KEL_IndexList_Impl::removeAllPairs() {
+    const JPointer<KEL_Impl> self = hold(this);
     keys_->removeAllVars();
     items_->removeAllVars();
     notifyChanged();
@@ -174,6 +178,7 @@ void KEL_IndexList_Impl::removeAllPairs() {
 void KEL_IndexList_Impl::setItemAt(int32_t index, KEL* newItem) {
     checkIndex(index);
     if (newItem != nullptr) {
+        const JPointer<KEL_Impl> self = hold(this);
         items_->setVar(newItem, index);
         notifyChanged();
     }
@@ -193,7 +198,9 @@ void KEL_IndexList_Impl::setItemOfKeyValue(const KEL* keyValue, KEL* newItem) {
 
 void KEL_IndexList_Impl::setKeyOfItem(const KEL* item, KEL* newKey) {
     if (item != nullptr && newKey != nullptr) {
-        keys_->setVar(newKey, found(indexOfItem(item), itemNotFound));
+        const int32_t index = found(indexOfItem(item), itemNotFound);
+        const JPointer<KEL_Impl> self = hold(this);
+        keys_->setVar(newKey, index);
         notifyChanged();
     }
 }
@@ -252,6 +259,7 @@ void KEL_IndexList_Impl::setKeyBoolean(const KEL* keyValue, bool value) {
 void KEL_IndexList_Impl::swapPairs(int32_t a, int32_t b) {
     checkIndex(a);
     checkIndex(b);
+    const JPointer<KEL_Impl> self = hold(this);
     keys_->swapVars(a, b);
     if (items_.get() != keys_.get() && std::max(a, b) < items_->getCount()) {
         items_->swapVars(a, b);
@@ -277,6 +285,9 @@ void KEL_IndexList_Impl::insertPair(KEL* key, KEL* item, int32_t index) {
     if (KEL_Impl::of(key) == nullptr || KEL_Impl::of(item) == nullptr) {
         return;
     }
+    // An observer of the keys may let go of the list and of the item before the item's turn.
+    const JPointer<KEL_Impl> self = hold(this);
+    const JPointer<KEL_Impl> held = hold(item);
     keys_->insertVar(key, index);
     items_->insertVar(item, std::min(index, items_->getCount()));
     notifyChanged();
@@ -286,6 +297,8 @@ int32_t KEL_IndexList_Impl::addPairs(KEL_IndexList* other) {
     if (other == nullptr) {
         return -1;
     }
+    const JPointer<KEL_Impl> self = hold(this);
+    const JPointer<KEL_Impl> held = hold(other);
     for (int32_t i = 0; i < other->getCount(); ++i) {
         KEL* key = other->getKeyAt(i);
         if (!containsKey(key)) {

@@ -14,6 +14,7 @@ bool KEL_MultiSelector_Impl::selectKey(KEL* key) {
         return false;
     }
     if (!selectedKeys_->containsVar(key)) {
+        const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // the array has observers
         selectedKeys_->addVar(key);
         notifyChanged();
     }
@@ -29,6 +30,7 @@ bool KEL_MultiSelector_Impl::deselectKey(KEL* key) {
     if (index == -1) {
         return false;
     }
+    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this);
     selectedKeys_->removeVar(index);
     notifyChanged();
     return true;
@@ -40,6 +42,7 @@ bool KEL_MultiSelector_Impl::deselectItem(KEL* item) {
 
 void KEL_MultiSelector_Impl::clearSelection() {
     if (selectedKeys_->getCount() > 0) {
+        const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this);
         selectedKeys_->removeAllVars();
         notifyChanged();
     }

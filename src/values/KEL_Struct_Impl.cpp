@@ -90,6 +90,7 @@ void KEL_Struct_Impl::addVar(const char* name, KEL* value) {
     }
     refuseQuote(name);
     // Held and copied first: removing the old variable may release both, and callbacks run.
+    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this);
     const JPointer<KEL_Impl> held = JPointer<KEL_Impl>::share(KEL_Impl::of(value));
     std::string key(name);
     if (variables_.contains(key)) {
@@ -103,6 +104,7 @@ int32_t KEL_Struct_Impl::addVars(KEL_Struct* other) {
     if (other == nullptr) {
         return -1;
     }
+    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // an observer may release it
     const JPointer<StringEnumeration_Impl> names(
         dynamic_cast<StringEnumeration_Impl*>(other->getVarNames()));
     while (names->hasMoreElements()) {

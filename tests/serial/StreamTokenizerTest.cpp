@@ -319,6 +319,19 @@ TEST(StreamTokenizer, RemovingWhatIsNotThereAndAddingNothingChangesNothing) {
     EXPECT_EQ(tokenizer.nextToken(), 5);
 }
 
+TEST_P(Tokenizer, SharedRecognisersServeBothTokenizersInTurn) {
+    StreamTokenizer first(reader("abc 12.5"));
+    prepare(first);
+    StreamTokenizer second(reader("/*x*/\"y\""));
+    second.shareRecognisers(first);
+    second.setLiteral(GetParam());
+    EXPECT_EQ(describe(first, first.nextToken()), "6:abc");
+    EXPECT_EQ(describe(second, second.nextToken()), "2:x");
+    EXPECT_EQ(first.nextToken(), 5);
+    EXPECT_EQ(describe(second, second.nextToken()), "6:\"y");
+    EXPECT_EQ(describe(first, first.nextToken()), "4:12.500000");
+}
+
 TEST(StreamTokenizer, OneRecogniserMoreThanUsualIsAskedToo) {
     StreamTokenizer tokenizer(reader("="));
     tokenizer.addStandardRecognisers();

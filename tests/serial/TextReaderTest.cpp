@@ -40,6 +40,17 @@ TEST(TextReader, TheDigitsBehindThePointAreAddedFromLeftToRight) {
     EXPECT_EQ(read("0.123")->toDouble(), second + 3 * (0.1 * 0.1 * 0.1));
 }
 
+TEST(TextReader, AboveTwoToThe30ADoublesLastDecimalMayChange) {
+    EXPECT_EQ(rewritten("1073741823.999999"), "1073741823.999999\n");
+    EXPECT_EQ(rewritten("1146147281.171891"), "1146147281.171890\n");
+}
+
+TEST(TextReader, ADoublesIntegerPartHas32Bits) {
+    EXPECT_EQ(rewritten("2147483647.5"), "2147483647.500000\n");
+    EXPECT_EQ(rewritten("2147483648.5"), "-2147483647.500000\n");
+    EXPECT_EQ(rewritten("4294967296.5"), "0.500000\n");
+}
+
 TEST(TextReader, ReadsDoublesWithAPointInEveryLocale) {
     const CommaLocale comma;
     KEL_NEED(comma);
@@ -125,7 +136,7 @@ TEST(TextReader, ANullElementIsIgnored) {
 TEST(TextReader, ACommaSeparatesNothing) { EXPECT_EQ(refusalOf("[1, 2]"), syntaxErrorAt(1)); }
 
 TEST(TextReader, ABracketOfAnotherKindIsASyntaxError) {
-    for (const char* text : {"[ }", "[ )", "{ ]", "{ )", "( ]", "( }", "]", "}", ")", "<", ">"}) {
+    for (const char* text : {"[ }", "[ )", "{ ]", "{ )", "( ]", "( }", "< ]", "[ >", "]", "}", ")", ">"}) {
         EXPECT_EQ(refusalOf(text), syntaxErrorAt(1)) << text;
     }
 }

@@ -3,6 +3,8 @@
 #include "support/Thrown.h"
 #include "support/Trees.h"
 #include "support/Values.h"
+#include "values/KEL_MultiSelector_Impl.h"
+#include "values/KEL_Selector_Impl.h"
 #include "support/ValueStreams.h"
 
 #include <cmath>
@@ -279,19 +281,11 @@ TEST(TextWriter, AnEmptyValueInsideWritesNothingNotEvenIndentation) {
 
 // ---- Refusals ----------------------------------------------------------------------------------
 
-/// A value of a kind that has no text form.
-class Selector : public KEL_Impl {
-public:
-    int32_t getType() const override { return KELKind_Selector; }
-    KEL_Impl* copyWithoutChildren() const override { return new Selector(); }
-    bool equalsWithoutChildren(const KEL_Impl&) const override { return false; }
-    void takeContents(const KEL_Impl&) override {}
-};
+HeldValue selector() { return HeldValue(new KEL_Selector_Impl(nullptr)); }
 
-HeldValue selector() { return HeldValue(new Selector()); }
-
-TEST(TextWriter, AKindWithoutTextAbortsTheWrite) {
-    EXPECT_EQ(thrownMessage<KELIOException>([] { textOf(selector()); }),
+TEST(TextWriter, ASelectorAbortsTheWrite) {
+    EXPECT_EQ(thrownMessage<KELIOException>([] { textOf(selector()); }), "General KEL exception.");
+    EXPECT_EQ(thrownMessage<KELIOException>([] { textOf(make<KEL_MultiSelector_Impl>(nullptr)); }),
               "General KEL exception.");
 }
 

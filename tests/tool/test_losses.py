@@ -137,7 +137,8 @@ class LossesToJson(Losses):
 
     def test_ill_formed_utf8_of_every_sort_is_found(self):
         for bad in (b"\x80", b"\xc0\xaf", b"\xc1\xbf", b"\xe0\x80\x80", b"\xed\xa0\x80",
-                    b"\xf0\x80\x80\x80", b"\xf4\x90\x80\x80", b"\xf5\x80\x80\x80", b"\xe2\x82", b"\xff"):
+                    b"\xf0\x80\x80\x80", b"\xf4\x90\x80\x80", b"\xf5\x80\x80\x80",
+                    b"\xe2\x82", b"\xff"):
             self.refused("a.kelb", string_record(bad), "json",
                          "(the value itself): a string that is not UTF-8")
 
@@ -169,7 +170,8 @@ class LossesFromJson(Losses):
     def test_members_with_impossible_names_are_left_out_whole(self):
         document = (r'{"": {"a": [null, 9007199254740993]}, "b\"c": 1, "d\u0000": [[]],'
                     r' "e": 2}')
-        self.refused("a.json", document, "json", '[""]: an empty name', r'["b\"c"]: a name with a double quote',
+        self.refused("a.json", document, "json", '[""]: an empty name',
+                     r'["b\"c"]: a name with a double quote',
                      r'["d\u0000"]: a name with a NUL')
         self.assertEqual(json.loads(self.forced("a.json", "json")), {"e": 2})
 

@@ -27,7 +27,7 @@ const char* obstacleInText(const KEL& value) {
     case KELKind_MemBlock:
         return "a memory block";
     default:
-        return "a value of a kind without a text form";
+        return "a value of a kind that is shown but not converted";
     }
 }
 

@@ -15,7 +15,12 @@ namespace kel::tool {
 namespace {
 
 /// Writes the document to the named file, to stdout for "-".
-void write(const Document& document, Format format, const std::string& name) {
+void write(const Document& document, Format format, const std::string& name, Console& console) {
+    if (name == "-") {
+        console.hush();
+    } else {
+        console.begin("writing " + name);
+    }
     OutputFile output(name);
     try {
         if (format == Format::json) {
@@ -24,9 +29,7 @@ void write(const Document& document, Format format, const std::string& name) {
             writeKel(document, format, output.file());
         }
     } catch (Failure& failure) {
-        if (failure.trouble == Trouble::unwritten) {
-            failure.message = name + ": cannot be written: " + failure.message;
-        }
+        failure.message = name + ": cannot be written: " + failure.message;
         throw;
     }
     output.commit();
@@ -42,15 +45,20 @@ std::string lossesOf(const Places& places, const std::string& inputName, const I
     return describe(places, heading, input.document.roots().size());
 }
 
-/// Looks the document through, which finds the rest of what the target cannot carry.
-void survey(Input& input, Format target, const std::string& inputName, Places& places) {
-    // The reader of JSON has listed everything already, under the paths of the JSON text.
-    const Survey found =
-        surveyOf(input.document, target, input.format == Format::json ? nullptr : &places);
+/// Looks the document through for what it would become in the target format.
+/// \param places gets what the target cannot carry; null when that is known
+Survey survey(Input& input, Format target, const std::string& inputName, Places* places) {
+    Survey found;
+    try {
+        found = surveyOf(input.document, target, places);
+    } catch (Failure& failure) {
+        failure.message = inputName + ": " + failure.message;
+        throw;
+    }
     if (!found.cycle) {
         input.document.knowAcyclic();
     }
-    requireSensibleSize(found, target, inputName);
+    return found;
 }
 
 int convert(const Options& options, Console& console) {
@@ -60,7 +68,9 @@ int convert(const Options& options, Console& console) {
     console.begin("reading " + name);
     Input input = readInput(name, options.from, target, places);
     console.begin("checking " + name);
-    survey(input, target, name, places);
+    // The reader of JSON has listed everything already, under the paths of the JSON text.
+    Places* rest = input.format == Format::json ? nullptr : &places;
+    requireSensibleSize(survey(input, target, name, rest), target, name);
     if (places.count() > 0) {
         const std::string list = lossesOf(places, name, input, nameOf(target));
         if (!options.isForced) {
@@ -73,8 +83,7 @@ int convert(const Options& options, Console& console) {
             throw Failure{Trouble::refused, name + ": nothing is left to be written"};
         }
     }
-    console.begin("writing " + options.output);
-    write(input.document, target, options.output);
+    write(input.document, target, options.output, console);
     return 0;
 }
 
@@ -86,15 +95,13 @@ int show(const Options& options, Console& console) {
     if (places.count() > 0) {
         console.say("warning: " + lossesOf(places, name, input, "values"));
     }
-    const Survey found = surveyOf(input.document, Format::text, nullptr);
+    const Survey found = survey(input, Format::text, name, nullptr);
     if (found.cycle) {
         throw Failure{Trouble::refused,
                       name + ": " + *found.cycle + ": Cannot write a value that contains itself."};
     }
-    input.document.knowAcyclic();
     requireSensibleSize(found, Format::text, name);
-    console.begin("writing " + name);
-    write(input.document, Format::text, "-");
+    write(input.document, Format::text, "-", console);
     return 0;
 }
 

@@ -48,11 +48,20 @@ void Console::begin(const std::string& work) {
     work_ = work;
 }
 
+void Console::hush() {
+    const std::lock_guard lock(mutex_);
+    erase();
+    work_.clear();
+}
+
 void Console::drawUntilEnd() {
     std::unique_lock lock(mutex_);
     auto wait = Clock::duration(patience);
     while (!changed_.wait_for(lock, wait, [this] { return isOver_; })) {
         wait = redrawAfter;
+        if (work_.empty()) {
+            continue;
+        }
         const auto seconds =
             std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start_).count();
         erase();

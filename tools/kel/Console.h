@@ -28,6 +28,9 @@ public:
     /// Tells what is being done from now on, such as "reading FILE".
     void begin(const std::string& work);
 
+    /// No progress from now on: what follows may write to the terminal itself.
+    void hush();
+
 private:
     using Clock = std::chrono::steady_clock;
 

@@ -30,7 +30,6 @@ public:
         return *this;
     }
     friend bool operator==(const Reader& a, const Reader& b) { return *a.at_ == *b.at_; }
-    friend bool operator!=(const Reader& a, const Reader& b) { return *a.at_ != *b.at_; }
 
 private:
     const char** at_;

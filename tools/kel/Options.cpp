@@ -63,7 +63,7 @@ With --force the same list is a warning, and:
   json    managers become arrays of their values, doubles that are not finite null
   From JSON, null in arrays and members with such names are left out; integers are rounded.
   A value inside itself becomes null or is left out of an array.
-  Documents that would unfold to more than 2147483648 values or 64 GiB are refused all the same.
+  Documents that would unfold to more than 2147483648 values or 16 GiB are refused all the same.
 
 Examples:
   kel convert settings.json settings.kel

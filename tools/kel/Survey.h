@@ -17,7 +17,7 @@ struct Survey {
     /// More values than this are refused in text and JSON.
     static constexpr uint64_t mostValues = uint64_t{1} << 31U;
     /// More bytes than this, tabs and characters of strings and names, are refused likewise.
-    static constexpr uint64_t mostBytes = uint64_t{1} << 36U;
+    static constexpr uint64_t mostBytes = uint64_t{1} << 34U;
 
     uint64_t values = 0;
     uint64_t bytes = 0;
