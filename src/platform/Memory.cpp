@@ -27,8 +27,8 @@ void* allocateZeroed(std::size_t count, std::size_t size) {
     if (count == 0 || size == 0) {
         count = size = 1;
     }
-    const std::size_t whole = count > SIZE_MAX / size ? SIZE_MAX : count * size;
-    return mayAllocate(whole) ? std::calloc(count, size) : nullptr;
+    const bool fits = count <= SIZE_MAX / size;
+    return fits && mayAllocate(count * size) ? std::calloc(count, size) : nullptr;
 }
 
 void deallocate(void* storage) { std::free(storage); }

@@ -24,31 +24,7 @@ TextSource::TextSource(const JPointer<JInputStream>& input) : stream_(input), cu
     stream_.addStandardRecognisers();
 }
 
-int32_t TextSource::skip() {
-    for (;;) {
-        skipPlainLayout();
-        const int32_t type = skipOnLine();
-        if (type != tokenNewline) {
-            return type;
-        }
-        ++line_;
-    }
-}
-
-/// Skips what most layout is made of without making tokens of it.
-void TextSource::skipPlainLayout() {
-    BufferedInput& input = tokens().input();
-    const uint8_t* at = input.begin();
-    // A NUL stands behind the window and ends the loop.
-    for (;; ++at) {
-        if (*at == '\n') {
-            ++line_;
-        } else if (*at != ' ' && *at != '\t') {
-            break;
-        }
-    }
-    input.skipTo(at);
-}
+int32_t TextSource::skip() { return tokens().nextSolidToken(line_); }
 
 int32_t TextSource::skipOnLine() {
     int32_t type = tokenWhitespace;
@@ -119,7 +95,7 @@ void TextSource::beginExpansion(std::string_view name) {
     const JPointer<JInputStream> text(
         new StringReader(definition.text.data(), static_cast<int32_t>(definition.text.size())));
     JPointer<StreamTokenizer> tokens(new StreamTokenizer(text));
-    tokens->addStandardRecognisers();
+    tokens->shareRecognisers(stream_);
     expansions_.push_back({&definition, tokens});
     definition.expanding = true;
     current_ = tokens.get();

@@ -73,7 +73,6 @@ private:
         JPointer<StreamTokenizer> tokens;
     };
 
-    void skipPlainLayout();
     void expectWord(std::string& word);
 
     StreamTokenizer stream_;

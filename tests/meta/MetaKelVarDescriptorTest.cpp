@@ -2,7 +2,6 @@
 #include "support/Kinds.h"
 #include "support/Thrown.h"
 #include "support/ValueStreams.h"
-#include "support/Watcher.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -48,7 +47,6 @@ protected:
     HeldValue heldEnum = enumOf(KELKind_String, arrayOf(stringOf("a"), stringOf("b")));
     MetaKelVarDescriptor& choice = asDescriptor(heldEnum);
     HeldValue five = intOf(5), text = stringOf("text"), nothing{};
-    Watcher watcher;
 };
 
 // ---- Range -------------------------------------------------------------------------------------

@@ -78,8 +78,9 @@ void JsonBuilder::addInteger(int64_t value) {
         return;
     }
     const auto number = static_cast<double>(value);
-    // The double nearest to the greatest negative number is exact, so it converts back safely.
-    addNumber(number, static_cast<int64_t>(number) == value ? nullptr : inexactInteger);
+    constexpr double tooLarge = 9223372036854775808.0; // does not convert back
+    const bool isExact = number < tooLarge && static_cast<int64_t>(number) == value;
+    addNumber(number, isExact ? nullptr : inexactInteger);
 }
 
 void JsonBuilder::addUnsigned(uint64_t value) {

@@ -1,0 +1,524 @@
+#include "support/Kinds.h"
+#include "support/Thrown.h"
+#include "support/Watcher.h"
+
+#include <gtest/gtest.h>
+
+using namespace kel::test;
+
+namespace {
+
+const std::string notFound = "Variable not found.";
+const std::string notFoundAtAll = "Variable not found and no descriptor.";
+
+template <class Action> std::string messageOf(const Action& action) {
+    return thrownMessage<KELException>(action);
+}
+
+/// A watched struct under a descriptor: level is an Int from 0 to 10; pan is a Double from -1 to 1
+/// with the default 0; mode is one of "slow" and "fast".
+class MetaKelTest : public ::testing::Test {
+protected:
+    MetaKelTest() {
+        asStruct(pan).addVar("default", zero.get());
+        meta.setDescriptor(&asStructDescriptor(descriptor));
+        watch(held.get(), watcher);
+    }
+
+    KEL* valueOf(const char* name) const {
+        return static_cast<const KEL_Struct&>(meta).getVar(name);
+    }
+    int32_t level() const { return valueOf("level")->toInt(); }
+
+    HeldValue zero = doubleOf(0.0), pan = doubleRange(-1.0, 1.0);
+    HeldValue mode = enumOf(KELKind_String, arrayOf(stringOf("slow"), stringOf("fast")));
+    HeldValue descriptor = structDescriptorOf("level", intRange(0, 10), "pan", pan, "mode", mode);
+    HeldValue held = metaOf();
+    MetaKel& meta = asMeta(held);
+    HeldValue three = intOf(3), eleven = intOf(11), seven = intOf(7);
+    HeldValue plainHeld = metaOf();
+    MetaKel& plain = asMeta(plainHeld); // without a descriptor
+    Watcher watcher;
+};
+
+// ---- The descriptor ----------------------------------------------------------------------------
+
+TEST_F(MetaKelTest, IsOfItsKindAndEmptyWithoutADescriptor) {
+    const Held<MetaKel> made(CreateMetaKel(nullptr));
+    EXPECT_EQ(made->getType(), 50);
+    EXPECT_EQ(made->getCount(), 0);
+    EXPECT_EQ(made->getDescriptor(), nullptr);
+    EXPECT_EQ(made->toString(), nullptr);
+}
+
+TEST_F(MetaKelTest, IsMadeWithADescriptorThatItShares) {
+    const Held<MetaKel> made(CreateMetaKel(&asStructDescriptor(descriptor)));
+    EXPECT_EQ(static_cast<KEL*>(made->getDescriptor()), descriptor.get());
+    EXPECT_TRUE(made->containsVar("@desc"));
+    EXPECT_EQ(made->getCount(), 1);
+}
+
+TEST_F(MetaKelTest, SetDescriptorStoresAndReplaces) {
+    const auto other = structDescriptorOf();
+    plain.setDescriptor(&asStructDescriptor(descriptor));
+    EXPECT_EQ(static_cast<KEL*>(plain.getDescriptor()), descriptor.get());
+    plain.setDescriptor(&asStructDescriptor(other));
+    EXPECT_EQ(static_cast<KEL*>(plain.getDescriptor()), other.get());
+    plain.setDescriptor(nullptr);
+    EXPECT_EQ(static_cast<KEL*>(plain.getDescriptor()), other.get());
+}
+
+TEST_F(MetaKelTest, ReplaceDescriptorNeedsOneThatIsThere) {
+    const auto other = structDescriptorOf();
+    plain.replaceDescriptor(&asStructDescriptor(other));
+    EXPECT_FALSE(plain.containsVar("@desc"));
+    meta.replaceDescriptor(nullptr);
+    EXPECT_EQ(static_cast<KEL*>(meta.getDescriptor()), descriptor.get());
+    meta.replaceDescriptor(&asStructDescriptor(other));
+    EXPECT_EQ(static_cast<KEL*>(meta.getDescriptor()), other.get());
+}
+
+TEST_F(MetaKelTest, RemoveDescriptorLeavesNone) {
+    meta.removeDescriptor();
+    EXPECT_EQ(meta.getDescriptor(), nullptr);
+    EXPECT_FALSE(meta.containsVar("@desc"));
+    meta.addVar("level", eleven.get());
+    EXPECT_EQ(level(), 11);
+    meta.removeDescriptor();
+    EXPECT_EQ(watcher.calls(), 2);
+}
+
+TEST_F(MetaKelTest, TheDescriptorInUseIsWhatStandsUnderItsName) {
+    meta.renameVar("@desc", "kept");
+    EXPECT_EQ(meta.getDescriptor(), nullptr);
+    meta.renameVar("kept", "@desc");
+    EXPECT_EQ(static_cast<KEL*>(meta.getDescriptor()), descriptor.get());
+    meta.removeVar("@desc");
+    EXPECT_EQ(meta.getDescriptor(), nullptr);
+    meta.setVar("@desc", descriptor.get());
+    EXPECT_EQ(static_cast<KEL*>(meta.getDescriptor()), descriptor.get());
+    meta.removeAllVars();
+    EXPECT_EQ(meta.getDescriptor(), nullptr);
+}
+
+TEST_F(MetaKelTest, SomethingElseUnderTheNameCountsAsNoDescriptor) {
+    for (const HeldValue& other : {intOf(5), structOf("level", intRange(0, 1)), intRange(0, 1)}) {
+        meta.setVar("@desc", other.get());
+        EXPECT_EQ(meta.getDescriptor(), nullptr);
+        meta.setVar("level", eleven.get());
+        EXPECT_EQ(level(), 11);
+        EXPECT_EQ(messageOf([&] { meta.getVar("pan"); }), notFoundAtAll);
+    }
+    meta.clearVar("@desc");
+    EXPECT_EQ(meta.getDescriptor(), nullptr);
+    meta.replaceDescriptor(&asStructDescriptor(descriptor)); // the name is there
+    EXPECT_EQ(static_cast<KEL*>(meta.getDescriptor()), descriptor.get());
+}
+
+TEST_F(MetaKelTest, AnEntryThatIsNoVariableDescriptorDescribesNothing) {
+    asStruct(descriptor).addVar("level", structOf("min", intOf(0)).get());
+    meta.addVar("level", eleven.get());
+    EXPECT_EQ(level(), 11);
+    asStruct(descriptor).addVar("x", nullptr);
+    EXPECT_EQ(messageOf([&] { meta.getVar("x"); }), notFoundAtAll);
+}
+
+TEST_F(MetaKelTest, AChangeOfTheDescriptorCountsAtOnce) {
+    meta.addVar("level", eleven.get());
+    EXPECT_FALSE(meta.containsVar("level"));
+    asDescriptor(HeldValue(KEL_Impl::of(asStruct(descriptor).getVar("level")))).setRange(0, 20);
+    meta.addVar("level", eleven.get());
+    EXPECT_EQ(level(), 11);
+}
+
+// ---- The checked add ---------------------------------------------------------------------------
+
+TEST_F(MetaKelTest, LevelsAreCheckedOnTheirWayIn) {
+    meta.addVar("level", eleven.get());
+    EXPECT_FALSE(meta.containsVar("level"));
+    meta.addVar("level", three.get());
+    EXPECT_EQ(valueOf("level"), three.get());
+    meta.addVar("level", intOf(4).get()); // the name exists
+    EXPECT_EQ(valueOf("level"), three.get());
+    meta.setVar("level", intOf(12).get());
+    EXPECT_EQ(level(), 3);
+    meta.setVar("level", seven.get());
+    EXPECT_EQ(valueOf("level"), seven.get());
+}
+
+TEST_F(MetaKelTest, NamesThatBeginWithAnAtAreReserved) {
+    const auto add = [&](const char* name) {
+        return thrownMessage<KELRenameException>([&] { meta.addVar(name, three.get()); });
+    };
+    EXPECT_EQ(add("@desc"), "Variable names beginning with '@' are reserved.");
+    EXPECT_EQ(add("@"), "Variable names beginning with '@' are reserved.");
+    EXPECT_EQ(static_cast<KEL*>(meta.getDescriptor()), descriptor.get());
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(MetaKelTest, NullAndEmptyNamesAndNullValuesAreNotAdded) {
+    meta.addVar(nullptr, three.get());
+    meta.addVar("", three.get());
+    meta.addVar("x", nullptr);
+    meta.addVar("@x", nullptr); // not even refused
+    EXPECT_EQ(meta.getCount(), 1);
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(MetaKelTest, AnInvalidValueWithADefaultAddsTheNameWithoutAValue) {
+    meta.addVar("pan", doubleOf(2.0).get());
+    EXPECT_TRUE(meta.containsVar("pan"));
+    EXPECT_EQ(valueOf("pan"), nullptr);
+    EXPECT_EQ(watcher.calls(), 1);
+}
+
+TEST_F(MetaKelTest, WhatIsNotDescribedIsNotChecked) {
+    meta.addVar("other", eleven.get());
+    EXPECT_EQ(valueOf("other"), eleven.get());
+    plain.addVar("level", eleven.get());
+    EXPECT_EQ(at(plainHeld, "level"), eleven.get());
+}
+
+TEST_F(MetaKelTest, AddVarRefusesAQuoteAsAStructDoes) {
+    EXPECT_EQ(thrownMessage<KELRenameException>([&] { meta.addVar("a\"b", three.get()); }),
+              "KEL_Struct key can't contain a \"");
+    EXPECT_EQ(thrownMessage<KELRenameException>([&] { meta.setVar("a\"b", three.get()); }),
+              "KEL_Struct key can't contain a \"");
+}
+
+TEST_F(MetaKelTest, ABrokenDescriptionNeverThrowsOnTheWayIn) {
+    const HeldValue broken[] = {descriptorOf("enum", intOf(1)), descriptorOf("enum", nullptr),
+                                descriptorOf("min", intOf(0), "max", intOf(9)),
+                                descriptorOf("type", intOf(99), "min", nullptr, "max", nullptr)};
+    for (const HeldValue& rules : broken) {
+        asStruct(descriptor).addVar("level", rules.get());
+        meta.addVar("level", three.get());
+        meta.setVar("level", three.get());
+        EXPECT_FALSE(meta.containsVar("level"));
+    }
+}
+
+// ---- Setting -----------------------------------------------------------------------------------
+
+TEST_F(MetaKelTest, SetVarAddsAMissingName) {
+    meta.setVar("level", three.get());
+    EXPECT_EQ(valueOf("level"), three.get());
+    plain.setVar("x", three.get());
+    EXPECT_EQ(at(plainHeld, "x"), three.get());
+}
+
+TEST_F(MetaKelTest, SetVarIgnoresNullAndInvalidValues) {
+    meta.setVar(nullptr, three.get());
+    meta.setVar("level", nullptr);
+    meta.setVar("level", eleven.get());
+    meta.setVar("mode", stringOf("idle").get());
+    meta.setVar("", three.get());
+    EXPECT_EQ(meta.getCount(), 1);
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(MetaKelTest, SetVarKeepsAValueThatItReplacesByItself) {
+    meta.putInt("x", int32_t{5});
+    meta.setVar("x", valueOf("x"));
+    EXPECT_EQ(valueOf("x")->toInt(), 5);
+}
+
+TEST_F(MetaKelTest, SetVarValueActsOnNamesThatAreThere) {
+    meta.setVarValue("level", three.get());
+    EXPECT_FALSE(meta.containsVar("level"));
+    meta.setVar("level", three.get());
+    meta.setVarValue("level", seven.get());
+    EXPECT_EQ(valueOf("level"), three.get()); // the same object
+    EXPECT_EQ(level(), 7);
+    meta.setVarValue("level", eleven.get());
+    EXPECT_EQ(level(), 7);
+    meta.setVarValue("level", nullptr);
+    meta.setVarValue(nullptr, three.get());
+    EXPECT_EQ(level(), 7);
+}
+
+TEST_F(MetaKelTest, SetVarValueConvertsAfterTheCheck) {
+    meta.setVar("level", three.get());
+    meta.setVarValue("level", stringOf("9").get());
+    EXPECT_EQ(level(), 9);
+    EXPECT_EQ(valueOf("level")->getType(), KELKind_Int);
+    meta.setVarValue("level", stringOf("12").get());
+    EXPECT_EQ(level(), 9);
+}
+
+TEST_F(MetaKelTest, ClearVarTakesTheValueAway) {
+    meta.setVar("level", three.get());
+    meta.clearVar("level");
+    EXPECT_TRUE(meta.containsVar("level"));
+    EXPECT_EQ(valueOf("level"), nullptr);
+    EXPECT_EQ(watcher.calls(), 2);
+    meta.clearVar(nullptr);
+    EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { meta.clearVar("gone"); }),
+              "KEL_Struct_Impl. Cannot remove variable - name does not exist.");
+    EXPECT_EQ(watcher.calls(), 2);
+}
+
+TEST_F(MetaKelTest, TypedOperationsAreNotChecked) {
+    meta.putInt("level", int32_t{99});
+    EXPECT_EQ(level(), 99);
+    meta.setInt("level", int32_t{98});
+    EXPECT_EQ(level(), 98);
+    meta.putString("mode", "idle");
+    EXPECT_STREQ(valueOf("mode")->toString(), "idle");
+    meta.putBoolean("@x", true);
+    EXPECT_TRUE(meta.containsVar("@x"));
+}
+
+// ---- Getting -----------------------------------------------------------------------------------
+
+TEST_F(MetaKelTest, AVariableThatIsThereIsAnswered) {
+    meta.setVar("level", three.get());
+    const Held<KEL> owned(meta.getVar("level"));
+    EXPECT_EQ(owned.get(), three.get());
+    EXPECT_EQ(referencesOf(*three), 3); // the test's, the variable's and the new one
+    EXPECT_EQ(valueOf("level"), three.get());
+    EXPECT_EQ(meta.getVar("level", true), three.get());
+    EXPECT_EQ(referencesOf(*three), 3);
+}
+
+TEST_F(MetaKelTest, AVariableWithoutAValueIsAnsweredAsNull) {
+    meta.addVar("pan", doubleOf(2.0).get());
+    EXPECT_EQ(meta.getVar("pan"), nullptr);
+    EXPECT_EQ(meta.getVar("pan", true), nullptr);
+    EXPECT_EQ(valueOf("pan"), nullptr);
+}
+
+TEST_F(MetaKelTest, AMissingVariableAnswersItsDefault) {
+    const Held<KEL> owned(meta.getVar("pan"));
+    EXPECT_EQ(owned.get(), zero.get());
+    EXPECT_EQ(valueOf("pan"), zero.get());
+    EXPECT_EQ(meta.getVar("pan", false), zero.get());
+    EXPECT_FALSE(meta.containsVar("pan"));
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(MetaKelTest, TheFlagStoresTheDefault) {
+    EXPECT_EQ(meta.getVar("pan", true), zero.get());
+    EXPECT_TRUE(meta.containsVar("pan"));
+    EXPECT_EQ(valueOf("pan"), zero.get());
+    EXPECT_EQ(watcher.calls(), 1);
+    meta.getVar("pan", true);
+    EXPECT_EQ(watcher.calls(), 1);
+}
+
+TEST_F(MetaKelTest, ADescribedVariableWithoutADefaultIsNotFound) {
+    EXPECT_EQ(messageOf([&] { meta.getVar("level"); }), notFound);
+    EXPECT_EQ(messageOf([&] { valueOf("level"); }), notFound);
+    EXPECT_EQ(messageOf([&] { meta.getVar("level", true); }), notFound);
+    EXPECT_EQ(messageOf([&] { meta.getVar("level", false); }), notFound);
+}
+
+TEST_F(MetaKelTest, AVariableThatIsNotDescribedIsNotFoundEither) {
+    EXPECT_EQ(messageOf([&] { meta.getVar("other"); }), notFoundAtAll);
+    EXPECT_EQ(messageOf([&] { valueOf("other"); }), notFoundAtAll);
+    EXPECT_EQ(messageOf([&] { plain.getVar("level"); }), notFoundAtAll);
+    EXPECT_EQ(messageOf([&] { plain.getVar("level", true); }), notFoundAtAll);
+    EXPECT_EQ(messageOf([&] { plain.getVar(""); }), notFoundAtAll);
+}
+
+TEST_F(MetaKelTest, ANullNameAnswersNull) {
+    EXPECT_EQ(meta.getVar(nullptr), nullptr);
+    EXPECT_EQ(meta.getVar(nullptr, true), nullptr);
+    EXPECT_EQ(valueOf(nullptr), nullptr);
+}
+
+TEST_F(MetaKelTest, TypedGettersAreThoseOfTheStruct) {
+    meta.setVar("level", three.get());
+    EXPECT_EQ(meta.getInt("level"), 3);
+    EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { meta.getDouble("pan"); }),
+              "KEL_Struct_Impl. Cannot get variable - unknown variable name.");
+}
+
+// ---- Describing and adding at once -------------------------------------------------------------
+
+TEST_F(MetaKelTest, CreateVarMakesADescriptorAndAdds) {
+    const auto rules = intRange(0, 5);
+    plain.createVar("x", three.get(), &asDescriptor(rules));
+    ASSERT_NE(plain.getDescriptor(), nullptr);
+    EXPECT_EQ(static_cast<const KEL_Struct*>(plain.getDescriptor())->getVar("x"), rules.get());
+    EXPECT_EQ(at(plainHeld, "x"), three.get());
+}
+
+TEST_F(MetaKelTest, CreateVarDescribesInTheDescriptorInUse) {
+    const auto rules = intRange(0, 5);
+    meta.createVar("level", eleven.get(), &asDescriptor(rules));
+    EXPECT_EQ(at(descriptor, "level"), rules.get());
+    EXPECT_FALSE(meta.containsVar("level")); // described, but not valid
+    meta.createVar("level", nullptr, &asDescriptor(intRange(0, 20)));
+    EXPECT_FALSE(meta.containsVar("level"));
+    meta.createVar("level", eleven.get(), &asDescriptor(intRange(0, 20)));
+    EXPECT_EQ(level(), 11);
+}
+
+TEST_F(MetaKelTest, CreateVarDoesNothingWithoutNameOrDescriptor) {
+    const auto rules = intRange(0, 5);
+    meta.createVar(nullptr, three.get(), &asDescriptor(rules));
+    meta.createVar("", three.get(), &asDescriptor(rules));
+    meta.createVar("x", three.get(), nullptr);
+    EXPECT_EQ(meta.getCount(), 1);
+    EXPECT_EQ(asStruct(descriptor).getCount(), 3);
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(MetaKelTest, CreateVarThatIsRefusedChangesNothing) {
+    const auto rules = intRange(0, 5);
+    EXPECT_EQ(thrownMessage<KELRenameException>(
+                  [&] { plain.createVar("@x", three.get(), &asDescriptor(rules)); }),
+              "Variable names beginning with '@' are reserved.");
+    EXPECT_EQ(thrownMessage<KELRenameException>(
+                  [&] { plain.createVar("\"", three.get(), &asDescriptor(rules)); }),
+              "KEL_Struct key can't contain a \"");
+    EXPECT_EQ(plain.getCount(), 0);
+}
+
+TEST_F(MetaKelTest, CreateVarWithTypeStatesTheKind) {
+    plain.createVarWithType("x", three.get());
+    const HeldValue rules(KEL_Impl::of(plain.getDescriptor()->getVar("x")));
+    EXPECT_TRUE(rules->equalsValue(descriptorOf("type", intOf(KELKind_Int)).get()));
+    EXPECT_EQ(at(plainHeld, "x"), three.get());
+}
+
+TEST_F(MetaKelTest, CreateVarWithDefaultStatesDefaultAndKind) {
+    plain.createVarWithDefault("x", three.get(), seven.get());
+    const HeldValue rules(KEL_Impl::of(plain.getDescriptor()->getVar("x")));
+    EXPECT_EQ(asDescriptor(rules).getDefault(), seven.get());
+    EXPECT_EQ(asDescriptor(rules).getType(), 1);
+    asDescriptor(rules).setDefault(8); // it is there, so it can be replaced
+    EXPECT_EQ(asDescriptor(rules).getDefault()->toInt(), 8);
+    plain.createVarWithDefault("y", nullptr, seven.get());
+    EXPECT_FALSE(plain.containsVar("y"));
+    EXPECT_EQ(plain.getVar("y", false), seven.get());
+    plain.createVarWithDefault("z", three.get(), nullptr);
+    const HeldValue ofZ(KEL_Impl::of(plain.getDescriptor()->getVar("z")));
+    EXPECT_FALSE(asDescriptor(ofZ).hasDefault());
+}
+
+TEST_F(MetaKelTest, CreateVarWithEnumStatesTheAllowedValues) {
+    const auto allowed = arrayOf(three, seven);
+    plain.createVarWithEnum("x", three.get(), &asArray(allowed));
+    plain.createVarWithEnum("y", eleven.get(), &asArray(allowed));
+    const HeldValue rules(KEL_Impl::of(plain.getDescriptor()->getVar("x")));
+    EXPECT_EQ(static_cast<KEL*>(asDescriptor(rules).getEnum()), allowed.get());
+    EXPECT_EQ(asDescriptor(rules).getType(), 1);
+    EXPECT_EQ(at(plainHeld, "x"), three.get());
+    EXPECT_FALSE(plain.containsVar("y"));
+    plain.createVarWithEnum("z", three.get(), nullptr);
+    const HeldValue ofZ(KEL_Impl::of(plain.getDescriptor()->getVar("z")));
+    EXPECT_FALSE(asDescriptor(ofZ).isEnumerated());
+}
+
+// ---- Observers ---------------------------------------------------------------------------------
+
+TEST_F(MetaKelTest, ObserversAreToldOnceOfEachChangeWithTheMetaValue) {
+    meta.addVar("level", three.get());
+    meta.setVar("level", seven.get()); // replaces
+    meta.putInt("level", int32_t{1});  // replaces
+    meta.clearVar("level");
+    meta.setVarValue("level", three.get()); // fills the place
+    meta.renameVar("level", "renamed");
+    meta.removeVar("renamed");
+    meta.setDescriptor(&asStructDescriptor(descriptor));
+    meta.createVar("x", three.get(), &asDescriptor(intRange(0, 5)));
+    meta.removeDescriptor();
+    meta.removeAllVars();
+    EXPECT_EQ(watcher.told, std::vector<KEL*>(11, held.get()));
+}
+
+TEST_F(MetaKelTest, ObserversAreToldOnceWhenCreateVarMakesTheDescriptor) {
+    Watcher ofPlain;
+    watch(plainHeld.get(), ofPlain);
+    plain.createVarWithDefault("x", three.get(), seven.get());
+    EXPECT_EQ(ofPlain.told, std::vector<KEL*>{plainHeld.get()});
+}
+
+TEST_F(MetaKelTest, AddVarsIsOneChangeHoweverManyVariablesItAdds) {
+    const auto source = structOf("a", three, "b", seven, "level", eleven);
+    EXPECT_EQ(meta.addVars(&asStruct(source)), 0);
+    EXPECT_EQ(meta.getCount(), 4);
+    EXPECT_EQ(watcher.calls(), 1);
+}
+
+TEST_F(MetaKelTest, ARefusedValueNotifiesNobody) {
+    meta.addVar("level", eleven.get());
+    meta.setVar("level", eleven.get());
+    meta.setVarValue("level", eleven.get());
+    messageOf([&] { meta.getVar("level"); });
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(MetaKelTest, AnObserverMayChangeTheStructAgain) {
+    watcher.then = [&] {
+        watcher.then = nullptr;
+        meta.setVar("level", seven.get());
+    };
+    meta.addVar("level", three.get());
+    EXPECT_EQ(level(), 7);
+    EXPECT_EQ(watcher.calls(), 2);
+}
+
+TEST_F(MetaKelTest, AnObserverMayReleaseTheStruct) {
+    const LifeProbe probe(*held);
+    watcher.then = [&] { held.clear(); };
+    meta.addVar("level", three.get());
+    EXPECT_EQ(watcher.calls(), 1);
+    EXPECT_FALSE(probe.isAlive());
+}
+
+TEST_F(MetaKelTest, AnObserverThatIsTakenOffIsNotTold) {
+    meta.removeObserver(&watcher);
+    meta.addVar("level", three.get());
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(MetaKelTest, AChangeOfTheDescriptorIsTheDescriptorsOwn) {
+    asStruct(descriptor).removeVar("level");
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+// ---- Identity, copy, equality ------------------------------------------------------------------
+
+TEST_F(MetaKelTest, TheFactoryGivesTheIdentityToTheInnerStructToo) {
+    const Held<KEL> made(KEL_Manager_Impl().createKel(50, codeOf(7)));
+    EXPECT_EQ(identityOf(made.get()), "00000000-0000-0000-0000-000000000007");
+    EXPECT_EQ(identityOf(&dynamic_cast<MetaKel_Impl&>(*made.get()).inner()),
+              identityOf(made.get()));
+    EXPECT_EQ(dynamic_cast<MetaKel&>(*made.get()).getDescriptor(), nullptr);
+}
+
+TEST_F(MetaKelTest, ACopyHasADescriptorOfItsOwn) {
+    meta.addVar("level", three.get());
+    const HeldValue copy(KEL_Impl::of(held->copy()));
+    EXPECT_TRUE(copy->equalsValue(held.get()));
+    ASSERT_NE(asMeta(copy).getDescriptor(), nullptr);
+    EXPECT_NE(static_cast<KEL*>(asMeta(copy).getDescriptor()), descriptor.get());
+    EXPECT_NE(at(copy, "level"), three.get());
+    asMeta(copy).setVar("level", eleven.get());
+    EXPECT_EQ(asMeta(copy).getInt("level"), 3); // it is checked there too
+}
+
+TEST_F(MetaKelTest, EqualityCoversVariablesAndDescriptor) {
+    const HeldValue other(KEL_Impl::of(held->copy()));
+    EXPECT_TRUE(held->equalsValue(other.get()));
+    asMeta(other).removeDescriptor();
+    EXPECT_FALSE(held->equalsValue(other.get()));
+    EXPECT_FALSE(plainHeld->equalsValue(structOf().get()));
+    EXPECT_FALSE(structOf()->equalsValue(plainHeld.get()));
+    EXPECT_TRUE(plainHeld->equalsValue(metaOf().get()));
+}
+
+TEST_F(MetaKelTest, AssignTakesVariablesAndDescriptorUnchecked) {
+    const auto source = metaOf("level", eleven);
+    held->assign(source.get());
+    EXPECT_EQ(level(), 11);
+    EXPECT_EQ(meta.getDescriptor(), nullptr);
+    EXPECT_EQ(watcher.told, std::vector<KEL*>{held.get()});
+    EXPECT_EQ(thrownMessage<KELNoSuchTypeException>([&] { held->assign(structOf().get()); }),
+              "Can't set the value when types are not equal!");
+}
+
+} // namespace
