@@ -20,6 +20,7 @@ public:
     KEL_Struct_Impl& inner() const final { return *inner_; }
 
     // KELInterface_Struct_V1
+    using Public::getVar;
     KEL* getVar(const char* name) override {
         return inner_->getVar(name);
     }

@@ -31,7 +31,7 @@ void require(bool condition) {
 } // namespace
 
 KEL_Impl* BinaryTreeReader::read() {
-    const std::size_t mark = known_.mark();
+    known_.begin();
     try {
         JPointer<KEL_Impl> root = readRecord(noEnd, Place::plain);
         while (!levels_.empty()) {
@@ -39,7 +39,7 @@ KEL_Impl* BinaryTreeReader::read() {
         }
         return root.detach();
     } catch (...) {
-        known_.rollBack(mark); // half-read containers must not be referred to
+        known_.rollBack(); // half-read containers must not be referred to
         throw;
     }
 }

@@ -22,6 +22,7 @@ bool holdsNul(std::string_view text) { return text.find('\0') != std::string_vie
 
 KEL_Impl* TextTreeReader::read() {
     source_.startRoot();
+    known_.begin();
     readValue();
     while (!levels_.empty()) {
         next();

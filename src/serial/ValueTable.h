@@ -24,6 +24,36 @@ public:
         if (identity.isZero()) {
             return;
         }
+        if (KEL_Impl* before = table_.find(identity)) {
+            replaced_.push_back({identity, JPointer<KEL_Impl>::share(before)});
+        }
+        exchange(identity, value);
+    }
+
+    /// Begins what rollBack may undo.
+    void begin() {
+        replaced_.clear();
+        mark_ = table_.mark();
+    }
+
+    /// Forgets what was remembered since begin, and remembers what that had replaced.
+    void rollBack() {
+        for (; !replaced_.empty(); replaced_.pop_back()) {
+            exchange(replaced_.back().identity, *replaced_.back().value);
+        }
+        table_.rollBack(mark_, &release);
+    }
+
+private:
+    /// A value whose identity came again.
+    struct Replaced {
+        JHashCode identity;
+        JPointer<KEL_Impl> value;
+    };
+
+    static void release(KEL_Impl* value) { value->release(); }
+
+    void exchange(const JHashCode& identity, KEL_Impl& value) {
         KEL_Impl* before = table_.put(identity, &value);
         value.addRef();
         if (before != nullptr) {
@@ -31,14 +61,9 @@ public:
         }
     }
 
-    /// A point to roll back to, and forgetting all identities first seen since.
-    std::size_t mark() const { return table_.mark(); }
-    void rollBack(std::size_t mark) { table_.rollBack(mark, &release); }
-
-private:
-    static void release(KEL_Impl* value) { value->release(); }
-
     IdentityTable table_;
+    std::vector<Replaced> replaced_; // since begin, the last one last
+    std::size_t mark_ = 0;
 };
 
 } // namespace kel

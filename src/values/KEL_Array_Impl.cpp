@@ -8,6 +8,7 @@
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
+#include "values/TreeWalk.h"
 
 namespace {
 
@@ -183,6 +184,6 @@ bool KEL_Array_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
 }
 
 void KEL_Array_Impl::takeContents(const KEL_Impl& source) {
-    const JPointer<KEL_Impl> copied(KEL_Impl::of(source.copy()));
+    const JPointer<KEL_Impl> copied(kel::copyTreeFor(source, *this));
     elements_ = dynamic_cast<KEL_Array_Impl&>(*copied).elements_;
 }

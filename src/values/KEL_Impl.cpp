@@ -78,7 +78,9 @@ void KEL_Impl::assign(const KEL* value) {
     if (source->getType() != getType()) {
         throw new KELNoSuchTypeException_Impl("Can't set the value when types are not equal!");
     }
-    takeContents(*source);
+    if (source != this) {
+        takeContents(*source);
+    }
     notifyChanged();
 }
 
@@ -105,7 +107,9 @@ bool KEL_Impl::takeConverted(const KEL_Impl& source) {
     if (source.getType() != getType()) {
         return false;
     }
-    takeContents(source);
+    if (&source != this) {
+        takeContents(source);
+    }
     return true;
 }
 

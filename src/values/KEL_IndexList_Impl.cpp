@@ -8,6 +8,7 @@
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
+#include "values/TreeWalk.h"
 
 #include <algorithm>
 #include <vector>
@@ -409,7 +410,7 @@ bool KEL_IndexList_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
 }
 
 void KEL_IndexList_Impl::takeContents(const KEL_Impl& source) {
-    const JPointer<KEL_Impl> copied(KEL_Impl::of(source.copy()));
+    const JPointer<KEL_Impl> copied(kel::copyTreeFor(source, *this));
     const auto& list = dynamic_cast<const KEL_IndexList_Impl&>(*copied);
     keys_ = list.keys_;
     items_ = list.items_;

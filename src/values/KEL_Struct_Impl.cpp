@@ -8,6 +8,7 @@
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
 #include "values/StringEnumeration_Impl.h"
+#include "values/TreeWalk.h"
 
 #include <cstring>
 
@@ -260,6 +261,6 @@ bool KEL_Struct_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
 }
 
 void KEL_Struct_Impl::takeContents(const KEL_Impl& source) {
-    const JPointer<KEL_Impl> copied(KEL_Impl::of(source.copy()));
+    const JPointer<KEL_Impl> copied(kel::copyTreeFor(source, *this));
     variables_.swap(dynamic_cast<KEL_Struct_Impl&>(*copied).variables_);
 }

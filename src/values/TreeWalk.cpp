@@ -35,7 +35,10 @@ bool walk(std::vector<Level<Partner>>& levels, const Visit& visit) {
 
 } // namespace
 
-KEL_Impl* copyTree(const KEL_Impl& source) {
+namespace {
+
+/// \param standIn what stands for source inside the copy; null for the copy itself
+KEL_Impl* copyTree(const KEL_Impl& source, KEL_Impl* standIn) {
     std::vector<Level<KEL_Impl*>> levels;
     std::unordered_map<const KEL_Impl*, KEL_Impl*> copies; // of the values that can be met again
 
@@ -53,7 +56,8 @@ KEL_Impl* copyTree(const KEL_Impl& source) {
         }
         JPointer<KEL_Impl> made(value.copyWithoutChildren());
         if (canMeetAgain(value)) {
-            copies.emplace(&value, made.get());
+            const bool isStoodInFor = &value == &source && standIn != nullptr;
+            copies.emplace(&value, isStoodInFor ? standIn : made.get());
         }
         if (value.copiesChildren()) {
             levels.push_back({ChildCursor(value), made.get()});
@@ -71,6 +75,14 @@ KEL_Impl* copyTree(const KEL_Impl& source) {
         return true;
     });
     return root.detach();
+}
+
+} // namespace
+
+KEL_Impl* copyTree(const KEL_Impl& source) { return copyTree(source, nullptr); }
+
+KEL_Impl* copyTreeFor(const KEL_Impl& source, KEL_Impl& target) {
+    return copyTree(source, &target);
 }
 
 bool treesEqual(const KEL_Impl& a, const KEL_Impl& b) {

@@ -1,219 +1,428 @@
-// Index lists, checked structs and descriptors as text.
-#include "meta/MetaKel_Impl.h"
-#include "support/Thrown.h"
-#include "support/Trees.h"
+// Keyed lists, selectors, checked structs and descriptors in text, byte by byte, and back.
+#include "support/Kinds.h"
 #include "support/ValueStreams.h"
-#include "support/Values.h"
-#include "values/KEL_IndexList_Impl.h"
 
+#include <algorithm>
+#include <cstring>
 #include <gtest/gtest.h>
 
 using namespace kel::test;
 
 namespace {
 
-const std::string sample = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
-const std::string other = "00000000-0000-0000-0000-0000000000FF";
+const std::string id1 = "00000000-0000-0000-0000-000000000001";
+const std::string id2 = "00000000-0000-0000-0000-000000000002";
+const std::string id3 = "00000000-0000-0000-0000-000000000003";
 
-JPointer<KEL_Array_Impl> asElements(const HeldValue& array) {
-    return JPointer<KEL_Array_Impl>::share(dynamic_cast<KEL_Array_Impl*>(array.get()));
+/// A struct descriptor of this identity, written with it in its header.
+template <class... Variables>
+HeldValue structDescriptorWith(uint8_t number, const Variables&... variables) {
+    auto made = make<MetaKelDescriptor_Impl>(codeOf(number));
+    detail::addVariables(*made, variables...);
+    return HeldValue(made.detach());
 }
 
-HeldValue listOf(const HeldValue& keys, const HeldValue& items) {
-    return HeldValue(new KEL_IndexList_Impl(asElements(keys), asElements(items)));
+template <class Kind> HeldValue with(uint8_t number) {
+    return HeldValue(new Kind(codeOf(number)));
 }
 
-/// A meta value of class T with one variable, x.
-template <class T> Held<T> metaOf(int32_t x) {
-    auto made = make<T>();
-    made->inner().putInt("x", x);
-    return made;
+/// Writes a value, reads the text and writes what was read: the text, if it is the same.
+std::string thereAndBack(const HeldValue& value) {
+    const std::string text = textOf(value);
+    EXPECT_EQ(rewritten(text), text);
+    return text;
 }
 
-template <class T> const T& as(const HeldValue& value) { return dynamic_cast<const T&>(*value); }
-
-// ---- Index lists, written ----------------------------------------------------------------------
-
-TEST(TextIndexList, HasItsKeysAndItsItemsAsArrays) {
-    EXPECT_EQ(textOf(listOf(arrayOf(stringOf("one")), arrayOf(intOf(1)))), "<\n"
-                                                                        "\t/* keys: */ \n"
-                                                                        "\t[\n"
-                                                                        "\t\t\"one\"\n"
-                                                                        "\t]\n"
-                                                                        "\t/* values: */ \n"
-                                                                        "\t[\n"
-                                                                        "\t\t1\n"
-                                                                        "\t]\n"
-                                                                        ">\n");
+/// The identity of the struct inside a value that is built on one.
+std::string innerIdentityOf(const HeldValue& value) {
+    return identityOf(&dynamic_cast<kel::StructHolder&>(*value).inner());
 }
 
-TEST(TextIndexList, ItsClosingBracketStandsAtTheStartOfItsLineAtEveryDepth) {
-    const auto list = listOf(arrayOf(), arrayOf());
-    EXPECT_EQ(textOf(arrayOf(structOf("list", list))), "[\n"
-                                                       "\t{\n"
-                                                       "\t\tlist = <\n"
-                                                       "\t\t\t/* keys: */ \n"
-                                                       "\t\t\t[\n"
-                                                       "\t\t\t]\n"
-                                                       "\t\t\t/* values: */ \n"
-                                                       "\t\t\t[\n"
-                                                       "\t\t\t]\n"
-                                                       ">\n"
-                                                       "\t}\n"
-                                                       "]\n");
+// ---- Index lists -------------------------------------------------------------------------------
+
+TEST(TextIndexList, IsWrittenAsTwoArraysWithComments) {
+    const auto list = listOf(arrayOf(stringOf("a"), stringOf("b")), arrayOf(intOf(1), intOf(2)));
+    EXPECT_EQ(thereAndBack(list), "<\n"
+                                  "\t/* keys: */ \n"
+                                  "\t[\n"
+                                  "\t\t\"a\"\n"
+                                  "\t\t\"b\"\n"
+                                  "\t]\n"
+                                  "\t/* values: */ \n"
+                                  "\t[\n"
+                                  "\t\t1\n"
+                                  "\t\t2\n"
+                                  "\t]\n"
+                                  ">\n");
 }
 
-TEST(TextIndexList, AsAnElementItBeginsALine) {
-    const std::string text = textOf(arrayOf(listOf(arrayOf(), arrayOf())));
-    EXPECT_EQ(text.substr(0, 5), "[\n\t<\n");
+TEST(TextIndexList, AnEmptyListHasTwoEmptyArrays) {
+    EXPECT_EQ(thereAndBack(listOf(arrayOf(), arrayOf())),
+              "<\n\t/* keys: */ \n\t[\n\t]\n\t/* values: */ \n\t[\n\t]\n>\n");
+}
+
+TEST(TextIndexList, TheAngleBracketStandsAtTheStartOfItsLineAtEveryDepth) {
+    const auto empty = listOf(arrayOf(), arrayOf());
+    EXPECT_EQ(thereAndBack(arrayOf(empty, intOf(1))), "[\n"
+                                                      "\t<\n"
+                                                      "\t\t/* keys: */ \n"
+                                                      "\t\t[\n"
+                                                      "\t\t]\n"
+                                                      "\t\t/* values: */ \n"
+                                                      "\t\t[\n"
+                                                      "\t\t]\n"
+                                                      ">\n"
+                                                      "\t1\n"
+                                                      "]\n");
+    EXPECT_EQ(thereAndBack(structOf("x", structOf("list", empty))), "{\n"
+                                                                    "\tx = {\n"
+                                                                    "\t\tlist = <\n"
+                                                                    "\t\t\t/* keys: */ \n"
+                                                                    "\t\t\t[\n"
+                                                                    "\t\t\t]\n"
+                                                                    "\t\t\t/* values: */ \n"
+                                                                    "\t\t\t[\n"
+                                                                    "\t\t\t]\n"
+                                                                    ">\n"
+                                                                    "\t}\n"
+                                                                    "}\n");
+}
+
+TEST(TextIndexList, AListInsideAListComesBack) {
+    const auto inner = listOf(arrayOf(arrayOf(intOf(1))), arrayOf(structOf("x", nullptr)));
+    const auto read = kel::test::read(thereAndBack(listOf(arrayOf(inner), arrayOf(intOf(5)))));
+    EXPECT_TRUE(asList(read).getKeyAt(0)->equalsValue(inner.get()));
+    EXPECT_EQ(asList(read).getItemAt(0)->toInt(), 5);
 }
 
 TEST(TextIndexList, OnlyPairsAreWritten) {
-    const auto list = listOf(arrayOf(intOf(1), intOf(2), intOf(3)), arrayOf(intOf(4)));
-    EXPECT_EQ(rewritten(textOf(list)), textOf(list));
-    EXPECT_EQ(as<KEL_IndexList>(read(textOf(list))).getCount(), 1);
+    const auto keys = arrayOf(intOf(1), intOf(2)), items = arrayOf(intOf(3));
+    const std::string pair = "<\n\t/* keys: */ \n\t[\n\t\t1\n\t]\n\t/* values: */ \n\t[\n\t\t3\n\t]\n>\n";
+    EXPECT_EQ(thereAndBack(listOf(keys, items)), pair);
+    asArray(keys).removeVar(1);
+    asArray(items).addInt(int32_t{4});
+    EXPECT_EQ(thereAndBack(listOf(keys, items)), pair);
 }
 
-TEST(TextIndexList, InsideItselfItIsRefused) {
-    const auto items = arrayOf();
-    const TakeApart atEnd(items.get());
-    const auto list = listOf(arrayOf(intOf(1)), items);
-    asArray(items).addVar(list.get());
-    EXPECT_EQ(thrownMessage<KELIOException>([&] { textOf(list); }),
-              "Cannot write a value that contains itself.");
+TEST(TextIndexList, AnEntryOfAManagerKeepsItsIdentity) {
+    const auto list = with<KEL_IndexList_Impl>(1);
+    EXPECT_EQ(thereAndBack(managerOf(list)), "(\n\t" + id1 +
+                                                 " = <\n"
+                                                 "\t\t/* keys: */ \n\t\t[\n\t\t]\n"
+                                                 "\t\t/* values: */ \n\t\t[\n\t\t]\n"
+                                                 ">\n"
+                                                 ")\n");
 }
 
-// ---- Index lists, read -------------------------------------------------------------------------
-
-TEST(TextIndexList, IsReadBack) {
-    const auto list = read("< [ \"a\" 2 ] [ 1 { } ] >");
-    ASSERT_EQ(list->getType(), KELKind_IndexList);
-    EXPECT_EQ(as<KEL_IndexList>(list).getCount(), 2);
-    EXPECT_STREQ(as<KEL_IndexList>(list).getKeyAt(0)->toString(), "a");
-    EXPECT_EQ(as<KEL_IndexList>(list).getItemAt(1)->getType(), KELKind_Struct);
+TEST(TextIndexList, TheCommentsAreNotNeededAndOneLineIsEnough) {
+    const auto list = read("<[\"a\" 2][1 {x = <[][]>}]>");
+    EXPECT_EQ(textsOf(*asList(list).getKeys()), "a 2");
+    EXPECT_EQ(textsOf(*asList(list).getItems()), "1 -");
+    EXPECT_EQ(read(" < /* a */ [ ] // b\n [ ] // c\n > ")->getType(), KELKind_IndexList);
 }
 
-TEST(TextIndexList, TakesAnIdentity) {
-    EXPECT_EQ(identityOf(read(sample + " = < [ ] [ ] >")), sample);
+TEST(TextIndexList, ItsArraysMayHaveIdentitiesAndBeReferences) {
+    const auto list = read("[" + id1 + " = [1] " + id2 + " = <REF " + id1 + " " + id3 + " = [5]>]");
+    const HeldValue second(KEL_Impl::of(at(list, 1)));
+    second->addRef();
+    EXPECT_EQ(identityOf(second), id2);
+    EXPECT_EQ(static_cast<KEL*>(asList(second).getKeys()), at(list, 0));
+    EXPECT_EQ(identityOf(asList(second).getItems()), id3);
 }
 
-TEST(TextIndexList, ItsArraysMayHaveIdentitiesOrBeReferences) {
-    const auto list = read("< " + sample + " = [ 1 ] REF " + sample + " >");
-    EXPECT_EQ(as<KEL_IndexList>(list).getKeyAt(0), as<KEL_IndexList>(list).getItemAt(0));
+TEST(TextIndexList, ADefinitionMayStandForAnArray) {
+    const auto list = read("#define TWO [1 2]\n<TWO TWO>");
+    EXPECT_EQ(asList(list).getCount(), 2);
+    EXPECT_NE(asList(list).getKeys(), asList(list).getItems());
 }
 
-TEST(TextIndexList, ArraysOfDifferentLengthAreASyntaxError) {
-    EXPECT_EQ(refusalOf("< [ 1 ] [ ] >"), syntaxErrorAt(1));
-    EXPECT_EQ(refusalOf("< [ ]\n[ 1 ] >"), syntaxErrorAt(2));
+TEST(TextIndexList, ArraysOfDifferentLengthsAreASyntaxError) {
+    EXPECT_EQ(refusalOf("<\n[1]\n[]\n>"), syntaxErrorAt(4));
+    EXPECT_EQ(refusalOf("<[1 2]\n[1 2 3]>"), syntaxErrorAt(2));
 }
 
-TEST(TextIndexList, AnythingButTwoArraysIsASyntaxError) {
-    for (const char* text : {"< >", "< [ ] >", "< [ ] [ ] [ ] >", "< 1 [ ] >", "< [ ] { } >",
-                             "< [ ] null >", "< null [ ] >", "< [ ] ]"}) {
+TEST(TextIndexList, OneArrayNoneOrThreeAreASyntaxError) {
+    EXPECT_EQ(refusalOf("<>"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("<\n[]\n>"), syntaxErrorAt(3));
+    EXPECT_EQ(refusalOf("<[][]\n[]>"), syntaxErrorAt(2));
+}
+
+TEST(TextIndexList, AnythingButArraysIsASyntaxError) {
+    for (const char* text : {"<1 2>", "<[] {}>", "<null []>", "<[] NULL>", "<[1] \"a\">",
+                             "<([])>", "<<[][]> []>", "<[][]]", "<[][]}", "<[] = []>", "<,>"}) {
         EXPECT_EQ(refusalOf(text), syntaxErrorAt(1)) << text;
     }
 }
 
-TEST(TextIndexList, EndOfInputInsideIt) {
-    EXPECT_EQ(endingOf("<"), endAt(1));
-    EXPECT_EQ(endingOf("< [ 1 ]\n"), endAt(2));
-    EXPECT_EQ(endingOf("< [ ] [ ]"), endAt(1));
-}
-
-// ---- Checked structs and descriptors, written --------------------------------------------------
-
-TEST(TextMeta, ACheckedStructNamesItsKindAndIsFollowedByAnEmptyLine) {
-    EXPECT_EQ(textOf(metaOf<MetaKel_Impl>(1)), "{ @type = 50\n\tx = 1\n}\n\n");
-    EXPECT_EQ(textOf(metaOf<MetaKelVarDescriptor_Impl>(1)), "{ @type = 52\n\tx = 1\n}\n\n");
-}
-
-TEST(TextMeta, ADescriptorAlsoNamesTheIdentityOfItsStruct) {
-    const auto descriptor = make<MetaKelDescriptor_Impl>(codeOf(1), codeOf(0xFF));
-    EXPECT_EQ(textOf(descriptor), "{ @type = 51, @hashCode = " + other + "\n}\n\n");
-}
-
-TEST(TextMeta, AtTheStartOfALineTheIndentationIsWrittenTwice) {
-    const auto descriptor = make<MetaKelDescriptor_Impl>(codeOf(0xFF));
-    EXPECT_EQ(textOf(arrayOf(descriptor.get())),
-              "[\n\t\t{ @type = 51, @hashCode = " + other + "\n\t}\n\n]\n");
-    EXPECT_EQ(textOf(arrayOf(arrayOf(metaOf<MetaKel_Impl>(1).get()))),
-              "[\n\t[\n\t\t\t\t{ @type = 50\n\t\t\tx = 1\n\t\t}\n\n\t]\n]\n");
-}
-
-TEST(TextMeta, ContinuingALineItIsNotIndented) {
-    EXPECT_EQ(textOf(structOf("m", metaOf<MetaKel_Impl>(1).get())),
-              "{\n\tm = { @type = 50\n\t\tx = 1\n\t}\n\n}\n");
-}
-
-TEST(TextMeta, InsideItselfItIsRefused) {
-    const auto meta = metaOf<MetaKel_Impl>(1);
-    meta->inner().addVar("again", meta.get());
-    EXPECT_EQ(thrownMessage<KELIOException>([&] { textOf(meta); }),
-              "Cannot write a value that contains itself.");
-    meta->removeAllVars();
-}
-
-// ---- Checked structs and descriptors, read -----------------------------------------------------
-
-TEST(TextMeta, TheHeaderTellsTheKind) {
-    EXPECT_EQ(read("{ @type = 50\n}")->getType(), KELKind_MetaKel);
-    EXPECT_EQ(read("{ @type = 51\n}")->getType(), KELKind_MetaKelDescriptor);
-    EXPECT_EQ(read("{ @type = 52\n}")->getType(), KELKind_MetaKelVarDescriptor);
-    EXPECT_EQ(read("{ @type = 8\n}")->getType(), KELKind_Struct);
-}
-
-TEST(TextMeta, OtherKindsInAHeaderAreSyntaxErrors) {
-    for (const char* kind : {"0", "7", "9", "12", "49", "53", "-50", "5.0"}) {
-        EXPECT_EQ(refusalOf(std::string("{ @type = ") + kind + "\n}"), syntaxErrorAt(1)) << kind;
+TEST(TextIndexList, AListThatEndsTooEarlyIsAnUnexpectedEnd) {
+    for (const char* text : {"<", "<[", "<[1]", "<[1]\n", "<[1] [", "<[1] [2]"}) {
+        EXPECT_EQ(endingOf(text), endAt(text[4] == '\n' ? 2 : 1)) << text;
     }
 }
 
-TEST(TextMeta, WhatIsWrittenIsReadBack) {
-    const std::string text = "{ @type = 50\n"
-                             "\t@desc = { @type = 51, @hashCode = " + sample + "\n"
-                             "\t\tlevel = { @type = 52\n"
-                             "\t\t\tmax = 10\n"
-                             "\t\t\tmin = 0\n"
-                             "\t\t\ttype = 1\n"
-                             "\t\t}\n"
-                             "\n"
-                             "\t}\n"
-                             "\n"
-                             "\tlevel = 3\n"
-                             "}\n"
-                             "\n";
-    EXPECT_EQ(rewritten(text), text);
+TEST(TextIndexList, AClosingBracketAloneIsASyntaxError) {
+    EXPECT_EQ(refusalOf(">"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("[>"), syntaxErrorAt(1));
 }
 
-TEST(TextMeta, ItsMembersAreReadUnchecked) {
-    const auto meta = read("{ @type = 50\n@desc = { @type = 51\nlevel = { @type = 52\ntype = 1\n"
-                           "min = 0\nmax = 10\n} }\nlevel = 11\n\"@x\" = 1 }");
-    EXPECT_EQ(as<MetaKel>(meta).getInt("level"), 11);
-    EXPECT_EQ(as<MetaKel>(meta).getInt("@x"), 1);
-    EXPECT_NE(as<MetaKel>(meta).getDescriptor(), nullptr);
+TEST(TextIndexList, AGuidBeforeTheBracketOfAnArrayIsAGuid) {
+    EXPECT_EQ(refusalOf("<[] " + id1 + ">"), syntaxErrorAt(1)); // and a guid is no array
+    EXPECT_EQ(textsOf(*asList(read("<[1][" + id1 + "]>")).getItems()), id1);
 }
 
-std::string identities(const std::string& text) {
-    const auto value = read(text);
-    return identityOf(value) + " over " +
-           identityOf(&dynamic_cast<const kel::StructHolder&>(*value).inner());
+// ---- Selectors ---------------------------------------------------------------------------------
+
+TEST(TextSelector, ASelectorAnywhereAbortsTheWriting) {
+    const HeldValue selectors[] = {HeldValue(new KEL_Selector_Impl(nullptr)),
+                                   HeldValue(new KEL_MultiSelector_Impl(nullptr))};
+    for (const HeldValue& selector : selectors) {
+        TextOutput output;
+        const auto document = arrayOf(intOf(1), structOf("s", selector), intOf(2));
+        EXPECT_EQ(thrownMessage<KELIOException>([&] { output.write(selector); }),
+                  "General KEL exception.");
+        EXPECT_EQ(thrownMessage<KELIOException>([&] { output.write(document); }),
+                  "General KEL exception.");
+        EXPECT_EQ(output.bytes(), "[\n\t1\n\t{\n\t\ts = "); // what was written stays
+    }
 }
 
-TEST(TextMeta, AnIdentityInItsHeaderIsItsOwnAndItsStructs) {
-    EXPECT_EQ(identities("{ @type = 51, @hashCode = " + sample + "\n}"), sample + " over " + sample);
-    EXPECT_EQ(identities("{ @type = 50, @hashCode = " + sample + "\n}"), sample + " over " + sample);
+TEST(TextSelector, IsRefusedInsideListsAndCheckedStructsToo) {
+    const HeldValue selector(new KEL_Selector_Impl(nullptr));
+    for (const HeldValue& value :
+         {listOf(arrayOf(selector), arrayOf(intOf(1))), metaOf("x", selector),
+          descriptorOf("default", selector), structDescriptorOf("x", selector)}) {
+        EXPECT_EQ(thrownMessage<KELIOException>([&] { textOf(value); }), "General KEL exception.");
+        EXPECT_EQ(textOf(intOf(1)), "1\n");
+    }
 }
 
-TEST(TextMeta, AnIdentityInFrontOfTheBraceIsTheValuesOneInTheHeaderTheStructs) {
-    EXPECT_EQ(identities(other + " = { @type = 51, @hashCode = " + sample + "\n}"),
-              other + " over " + sample);
-    EXPECT_EQ(identities(other + " = { @type = 52\n}"), other + " over " + other);
+// ---- Checked structs and descriptors -----------------------------------------------------------
+
+TEST(TextMeta, AnEmptyCheckedStructIsFollowedByAnEmptyLine) {
+    EXPECT_EQ(thereAndBack(metaOf()), "{ @type = 50\n}\n\n");
 }
 
-TEST(TextMeta, InAManagerItKeepsBothIdentities) {
-    const std::string text = "(\n\t" + other + " = { @type = 51, @hashCode = " + sample +
-                             "\n\t}\n\n)\n";
-    EXPECT_EQ(rewritten(text), text);
+TEST(TextMeta, AnEmptyVariableDescriptorStatesItsKind) {
+    EXPECT_EQ(thereAndBack(descriptorOf()), "{ @type = 52\n}\n\n");
+}
+
+TEST(TextMeta, AStructDescriptorStatesItsIdentityToo) {
+    EXPECT_EQ(thereAndBack(structDescriptorWith(1)), "{ @type = 51, @hashCode = " + id1 + "\n}\n\n");
+}
+
+TEST(TextMeta, AsAnElementItsIndentationStandsTwice) {
+    EXPECT_EQ(thereAndBack(arrayOf(structDescriptorWith(1))),
+              "[\n\t\t{ @type = 51, @hashCode = " + id1 + "\n\t}\n\n]\n");
+    EXPECT_EQ(thereAndBack(arrayOf(arrayOf(metaOf("x", intOf(1)), intOf(2)))),
+              "[\n\t[\n\t\t\t\t{ @type = 50\n\t\t\tx = 1\n\t\t}\n\n\t\t2\n\t]\n]\n");
+}
+
+TEST(TextMeta, InsideAStructOrManagerTheLineGoesOn) {
+    EXPECT_EQ(thereAndBack(structOf("a", descriptorOf(), "b", intOf(1))),
+              "{\n\ta = { @type = 52\n\t}\n\n\tb = 1\n}\n");
+    EXPECT_EQ(thereAndBack(managerOf(with<MetaKel_Impl>(1))),
+              "(\n\t" + id1 + " = { @type = 50\n\t}\n\n)\n");
+}
+
+TEST(TextMeta, InsideAnIndexListTheIndentationStandsTwice) {
+    EXPECT_EQ(thereAndBack(listOf(arrayOf(intOf(1)), arrayOf(metaOf()))),
+              "<\n\t/* keys: */ \n\t[\n\t\t1\n\t]\n\t/* values: */ \n\t[\n"
+              "\t\t\t\t{ @type = 50\n\t\t}\n\n\t]\n>\n");
+}
+
+TEST(TextMeta, AWholeCheckedStructCarriesItsDescriptor) {
+    const auto descriptor = structDescriptorWith(1, "level", intRange(0, 10));
+    const auto meta = metaOf("@desc", descriptor, "level", intOf(3), "none", nullptr);
+    EXPECT_EQ(thereAndBack(meta), "{ @type = 50\n"
+                                  "\t@desc = { @type = 51, @hashCode = " + id1 + "\n"
+                                  "\t\tlevel = { @type = 52\n"
+                                  "\t\t\tmax = 10\n"
+                                  "\t\t\tmin = 0\n"
+                                  "\t\t\ttype = 1\n"
+                                  "\t\t}\n"
+                                  "\n"
+                                  "\t}\n"
+                                  "\n"
+                                  "\tlevel = 3\n"
+                                  "\tnone = NULL\n"
+                                  "}\n"
+                                  "\n");
+}
+
+TEST(TextMeta, WhatIsReadIsInUse) {
+    const auto meta = read("{ @type = 50\n @desc = { @type = 51\n level = { @type = 52\n type = 1\n"
+                           "min = 0 max = 10 } }\n level = 3 }");
+    ASSERT_NE(asMeta(meta).getDescriptor(), nullptr);
+    asMeta(meta).setVar("level", intOf(11).get());
+    EXPECT_EQ(asMeta(meta).getInt("level"), 3);
+    asMeta(meta).setVar("level", intOf(10).get());
+    EXPECT_EQ(asMeta(meta).getInt("level"), 10);
+}
+
+TEST(TextMeta, ReadingLosesNothingThatADescriptorForbids) {
+    const auto meta = read("{ @type = 50\n level = 99\n @desc = { @type = 51\n level = { @type = 52\n"
+                           "type = 1 min = 0 max = 10 } }\n level2 = null\n @other = 1 }");
+    EXPECT_EQ(asMeta(meta).getInt("level"), 99);
+    EXPECT_TRUE(asMeta(meta).containsVar("level2"));
+    EXPECT_TRUE(asMeta(meta).containsVar("@other"));
+    EXPECT_EQ(asMeta(meta).getCount(), 4);
+}
+
+TEST(TextMeta, ADescriptorThatIsSomethingElseComesBackAndDescribesNothing) {
+    for (const char* other : {"5", "{}", "[ ]", "{ @type = 52 }", "null"}) {
+        const auto meta = read("{ @type = 50\n @desc = " + std::string(other) + "\n}");
+        EXPECT_EQ(asMeta(meta).getDescriptor(), nullptr) << other;
+        EXPECT_TRUE(asMeta(meta).containsVar("@desc")) << other;
+        EXPECT_EQ(rewritten(textOf(meta)), textOf(meta));
+    }
+}
+
+TEST(TextMeta, TheEmptyLineIsNotNeeded) {
+    EXPECT_EQ(rewritten("[{ @type = 50 } { @type = 52\n} 1]"),
+              "[\n\t\t{ @type = 50\n\t}\n\n\t\t{ @type = 52\n\t}\n\n\t1\n]\n");
+}
+
+TEST(TextMeta, RootsThatFollowOneAnotherAreReadInTurn) {
+    TextOutput output;
+    output.write(metaOf("x", intOf(1))).write(descriptorOf()).write(intOf(5));
+    TextInput input(output.bytes());
+    EXPECT_EQ(input.read()->getType(), KELKind_MetaKel);
+    EXPECT_EQ(std::as_const(*input.read()).getType(), KELKind_MetaKelVarDescriptor);
+    EXPECT_EQ(input.read()->toInt(), 5);
+}
+
+TEST(TextMeta, TheKindsBetweenAreSyntaxErrors) {
+    for (const char* kind : {"0", "1", "7", "9", "10", "11", "12", "13", "49", "53", "-50"}) {
+        EXPECT_EQ(refusalOf("{ @type = " + std::string(kind) + "\n}"), syntaxErrorAt(1)) << kind;
+    }
+    EXPECT_EQ(refusalOf("{ @type = 50.5\n}"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("{ @type = meta\n}"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("{ @type = 51, @hashCode = 5\n}"), syntaxErrorAt(1));
+}
+
+TEST(TextMeta, AHeaderThatEndsTooEarlyIsAnUnexpectedEnd) {
+    for (const char* text : {"{ @type", "{ @type =", "{ @type = 50", "{ @type = 51, @hashCode =",
+                             "{ @type = 50\n", "{ @type = 50\n x = 1\n"}) {
+        const auto lines = std::count(text, text + std::strlen(text), '\n');
+        EXPECT_EQ(endingOf(text), endAt(1 + static_cast<int>(lines))) << text;
+    }
+}
+
+// ---- Identities --------------------------------------------------------------------------------
+
+TEST(TextMetaIdentity, TheHeadersIdentityIsThatOfValueAndStruct) {
+    const auto descriptor = read("{ @type = 51, @hashCode = " + id1 + "\n}");
+    EXPECT_EQ(identityOf(descriptor), id1);
+    EXPECT_EQ(innerIdentityOf(descriptor), id1);
+}
+
+TEST(TextMetaIdentity, AnIdentityInFrontIsThatOfBothWhereTheHeaderHasNone) {
+    for (const char* kind : {"50", "51", "52"}) {
+        const auto value = read(id1 + " = { @type = " + kind + "\n}");
+        EXPECT_EQ(identityOf(value), id1);
+        EXPECT_EQ(innerIdentityOf(value), id1);
+    }
+}
+
+TEST(TextMetaIdentity, AnIdentityInFrontWinsForTheValueAndTheHeaderKeepsTheStruct) {
+    const std::string text = "(\n\t" + id1 + " = { @type = 51, @hashCode = " + id2 + "\n\t}\n\n)\n";
+    const auto manager = read(text);
+    const HeldValue descriptor(KEL_Impl::of(asManager(manager).getKel(codeOf(1))));
+    descriptor->addRef();
+    EXPECT_EQ(identityOf(descriptor), id1);
+    EXPECT_EQ(innerIdentityOf(descriptor), id2);
+    EXPECT_EQ(textOf(manager), text);
+}
+
+TEST(TextMetaIdentity, EveryKindTakesAHeaderIdentity) {
+    for (const char* kind : {"8", "50", "52"}) {
+        const auto value = read("{ @type = " + std::string(kind) + ", @hashCode = " + id1 + "\n}");
+        EXPECT_EQ(identityOf(value), id1) << kind;
+    }
+}
+
+TEST(TextMetaIdentity, WithoutOneTheIdentityIsFreshAndTheSameInside) {
+    const auto first = read("{ @type = 51\n}"), second = read("{ @type = 51\n}");
+    EXPECT_NE(identityOf(first), identityOf(second));
+    EXPECT_EQ(identityOf(first), innerIdentityOf(first));
+}
+
+TEST(TextMetaIdentity, AReferenceFindsADescriptorByItsHeader) {
+    const auto array = read("[ { @type = 51, @hashCode = " + id1 + "\n} { @type = 50\n @desc = REF " +
+                            id1 + " } ]");
+    const HeldValue meta(KEL_Impl::of(at(array, 1)));
+    meta->addRef();
+    EXPECT_EQ(static_cast<KEL*>(asMeta(meta).getDescriptor()), at(array, 0));
+}
+
+TEST(TextMetaIdentity, DescriptorsKeepTheirsThroughTextWhereverTheyStand) {
+    const auto descriptor = structDescriptorOf("x", intRange(0, 1));
+    const auto document = arrayOf(metaOf("@desc", descriptor), structOf("d", descriptor));
+    const auto back = read(thereAndBack(document));
+    const HeldValue meta(KEL_Impl::of(at(back, 0)));
+    meta->addRef();
+    EXPECT_EQ(identityOf(asMeta(meta).getDescriptor()), identityOf(descriptor));
+}
+
+// ---- Values that contain themselves ------------------------------------------------------------
+
+const std::string containsItself = "Cannot write a value that contains itself.";
+
+std::string refusalToWrite(const HeldValue& value) {
+    return thrownMessage<KELIOException>([&] { textOf(value); });
+}
+
+TEST(TextCycles, ThroughTheItemsOrKeysOfAList) {
+    for (const bool asKey : {false, true}) {
+        const auto list = listOf(arrayOf(), arrayOf()), one = intOf(1);
+        const auto outer = arrayOf(list);
+        asList(list).addPair(asKey ? outer.get() : one.get(), asKey ? one.get() : outer.get());
+        EXPECT_EQ(refusalToWrite(outer), containsItself);
+        EXPECT_EQ(refusalToWrite(list), containsItself);
+        asArray(outer).removeAllVars();
+        EXPECT_EQ(refusalToWrite(list), "(nothing thrown)");
+    }
+}
+
+TEST(TextCycles, ThroughAListsOwnArray) {
+    const auto keys = arrayOf(), items = arrayOf(intOf(1));
+    asArray(keys).addVar(keys.get());
+    const auto list = listOf(keys, items);
+    EXPECT_EQ(refusalToWrite(list), containsItself);
+    asArray(keys).removeAllVars();
+}
+
+TEST(TextCycles, BeyondTheShorterArrayNothingIsWritten) {
+    const auto keys = arrayOf(), items = arrayOf();
+    asArray(keys).addVar(keys.get());
+    EXPECT_EQ(refusalToWrite(listOf(keys, items)), "(nothing thrown)");
+    asArray(keys).removeAllVars();
+}
+
+TEST(TextCycles, ThroughValuesBuiltOnStructs) {
+    for (const HeldValue& value : {metaOf(), structDescriptorOf(), descriptorOf()}) {
+        asStruct(value).putInt("before", int32_t{1});
+        dynamic_cast<kel::StructHolder&>(*value).inner().addVar("self", value.get());
+        EXPECT_EQ(refusalToWrite(value), containsItself);
+        EXPECT_EQ(refusalToWrite(arrayOf(value)), containsItself);
+        asStruct(value).removeVar("self");
+        EXPECT_EQ(refusalToWrite(value), "(nothing thrown)");
+    }
+}
+
+TEST(TextCycles, ThroughTheInnerStructOfADescriptor) {
+    const auto descriptor = descriptorOf();
+    KEL_Struct* inner = asDescriptor(descriptor).getStruct();
+    asStruct(descriptor).addVar("inner", inner);
+    EXPECT_EQ(refusalToWrite(descriptor), containsItself);
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { textOf(inner); }), containsItself);
+    asStruct(descriptor).removeVar("inner");
+}
+
+TEST(TextCycles, WhatIsSharedButNotInsideItselfIsWrittenEachTime) {
+    const auto both = arrayOf(intOf(1));
+    EXPECT_EQ(refusalToWrite(listOf(both, both)), "(nothing thrown)");
+    EXPECT_EQ(refusalToWrite(metaOf("a", both, "b", both)), "(nothing thrown)");
 }
 
 } // namespace

@@ -1,0 +1,187 @@
+// Reading and writing use no call stack for depth, and cost in proportion to it.
+#include "support/AllocationFailure.h"
+#include "support/SmallStack.h"
+#include "support/Trees.h"
+#include "support/ValueStreams.h"
+#include "support/Values.h"
+#include "values/ChildCursor.h"
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+
+using namespace kel::test;
+
+namespace {
+
+constexpr int million = 1000000;
+constexpr const char* entry = "00000000-0000-0000-0000-000000000001=";
+
+std::string repeated(const std::string& text, int times) {
+    std::string out;
+    out.reserve(text.size() * static_cast<std::size_t>(times));
+    while (times-- > 0) {
+        out += text;
+    }
+    return out;
+}
+
+/// A text of so many levels without indentation, around the value 7.
+std::string nested(const std::string& open, int levels, const std::string& close) {
+    return repeated(open, levels).append("7").append(repeated(close, levels));
+}
+
+/// The number of containers around the innermost value, always going into the last child.
+int depthOf(const KEL_Impl& root) {
+    int depth = 0;
+    const KEL_Impl* value = &root;
+    while (value->isContainer()) {
+        const KEL_Impl* last = nullptr;
+        for (kel::ChildCursor cursor(*value); cursor.next();) {
+            last = cursor.value;
+        }
+        value = last;
+        ++depth;
+    }
+    return depth;
+}
+
+void readDeep(const std::string& text, int depth) {
+    runInSmallStack([&] {
+        auto value = read(text);
+        EXPECT_EQ(depthOf(*value), depth);
+        value.clear();
+    });
+}
+
+TEST(SerialDepth, AMillionArraysAreReadFromText) { readDeep(nested("[", million, "]"), million); }
+
+TEST(SerialDepth, AMillionStructsAreReadFromText) {
+    readDeep(nested("{a=", million, "}"), million);
+}
+
+TEST(SerialDepth, AMillionManagersAreReadFromText) {
+    readDeep(nested(std::string("(") + entry, million, ")"), million);
+}
+
+TEST(SerialDepth, IndexListsAndCheckedStructsAreReadFromText) {
+    readDeep(nested("<[1][", million / 4, "]>"), million / 2);
+    readDeep(nested("{@type=50 a=", million / 4, "}"), million / 4);
+}
+
+TEST(SerialDepth, AMillionLevelsWithIdentitiesAreReadFromText) {
+    readDeep(nested(std::string(entry) + "[", million / 4, "]"), million / 4);
+}
+
+TEST(SerialDepth, AnErrorAtTheBottomIsReportedAndEverythingFreed) {
+    runInSmallStack([] {
+        EXPECT_EQ(refusalOf(repeated("[", million) + "?"), syntaxErrorAt(1));
+        EXPECT_EQ(endingOf(repeated("{a=[", million / 2)), endAt(1));
+    });
+}
+
+TEST(SerialDepth, ADeepValueIsWrittenAsText) {
+    runInSmallStack([] {
+        constexpr int levels = 6000; // the indentation alone takes 36 million characters
+        const HeldValue value(nestedMixed(levels));
+        const std::string text = textOf(value);
+        EXPECT_EQ(depthOf(*read(text)), levels);
+    });
+}
+
+/// Writes a value as records and reads them back.
+void throughBinary(KEL_Impl* (*build)(int), int levels) {
+    runInSmallStack([&] {
+        HeldValue value(build(levels));
+        const std::string records = binaryOf(value);
+        value.clear();
+        const auto back = readBinary(records);
+        EXPECT_EQ(depthOf(*back), levels);
+        EXPECT_EQ(binaryOf(back), records);
+    });
+}
+
+TEST(SerialDepth, AMillionArraysAreWrittenAndReadAsRecords) {
+    throughBinary(nestedArrays, million);
+}
+
+TEST(SerialDepth, AMillionStructsAreWrittenAndReadAsRecords) {
+    throughBinary(nestedStructs, million);
+}
+
+TEST(SerialDepth, ARefusalAtTheBottomOfAMillionLevelsFreesTheWriter) {
+    runInSmallStack([] {
+        HeldValue value = guidOf(JHashCode());
+        for (int i = 0; i < million; ++i) {
+            value = arrayOf(value);
+        }
+        EXPECT_EQ(thrownMessage<KELIOException>([&] { binaryOf(value); }),
+                  "General KEL exception.");
+    });
+}
+
+TEST(SerialDepth, RecordsThatAreCutAtTheBottomAreFreed) {
+    runInSmallStack([] {
+        const std::string records = binaryOf(HeldValue(nestedArrays(million / 4)));
+        EXPECT_EQ(thrownMessage<JEOFException>(
+                      [&] { readBinary(std::string_view(records).substr(0, records.size() - 1)); }),
+                  "BinaryDataInput::JRead32(). EOF reached.");
+    });
+}
+
+// ---- Cost --------------------------------------------------------------------------------------
+
+double secondsOf(const std::function<void()>& action) {
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// How many times longer action takes for ten times the levels, at best of three.
+double growth(const std::function<void(int)>& action) {
+    double best = 1e9;
+    for (int i = 0; i < 3; ++i) {
+        const double small = secondsOf([&] { action(million / 10); });
+        best = std::min(best, secondsOf([&] { action(million); }) / small);
+    }
+    return best;
+}
+
+TEST(SerialDepth, TheCostOfReadingTextIsLinear) {
+    EXPECT_LT(growth([](int levels) { read(nested("[", levels, "]")); }), 40.0);
+}
+
+TEST(SerialDepth, TheCostOfRecordsIsLinear) {
+    EXPECT_LT(growth([](int levels) {
+                  const HeldValue value(nestedArrays(levels));
+                  readBinary(binaryOf(value));
+              }),
+              40.0);
+}
+
+TEST(SerialDepth, TheCostOfManagersIsLinear) {
+    // Twice the same entries: each of the second half replaces one of the first.
+    const auto time = [](int entries) {
+        std::string half;
+        for (int i = 0; i < entries; ++i) {
+            char code[JHashCode::guidTextLength + 1];
+            JHashCode(static_cast<uint32_t>(i), 1, 2, 3).toGuidText(code);
+            half.append(code).append("=1\n");
+        }
+        const std::string text = "(" + half + half + ")";
+        return secondsOf([&] { EXPECT_EQ(asManager(read(text)).size(), entries); });
+    };
+    const double small = time(2000);
+    EXPECT_LT(time(20000), small * 40.0);
+}
+
+TEST(SerialDepth, NestedManagersTakeMemoryInProportionToTheirText) {
+    const std::string open = std::string("(") + entry + "1 00000000-0000-0000-0000-000000000002=";
+    const std::string text = nested(open, 10000, ")");
+    const AllocationBudget budget(64 * text.size());
+    EXPECT_EQ(depthOf(*read(text)), 10000);
+}
+
+} // namespace
