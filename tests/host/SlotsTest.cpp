@@ -26,6 +26,15 @@ template <class... Operations> void expectOrder(Operations... operations) {
     }
 }
 
+/// The same for classes whose destructor comes first: the places follow each other.
+template <class First, class... Operations>
+void expectConsecutive(First first, Operations... operations) {
+    std::size_t expected = slotOf(first);
+    for (const std::size_t slot : {slotOf(operations)...}) {
+        EXPECT_EQ(slot, ++expected);
+    }
+}
+
 /// Chooses one overload by its type.
 template <class Signature, class Interface>
 Signature Interface::*overload(Signature Interface::*operation) {
@@ -137,6 +146,22 @@ TEST(Slots, OfStringEnumerations) {
     expectOrder(&I::hasMoreElements, &I::nextElement, &I::getCount, &I::reset, &I::contains,
                 &I::addAll, &I::add, &I::addRef, &I::release, &I::getHashCode, &I::getRefCount,
                 &I::remove);
+}
+
+TEST(Slots, OfTheRuntime) {
+    expectConsecutive(&JObject::equals, &JObject::getHashCode, &JObject::getRefCount);
+    using P = JPointer<JObject>;
+    expectConsecutive(&P::clear, &P::detach, overload<bool(), P>(&P::isNull),
+                      overload<bool() const, P>(&P::isNull), &P::isValid,
+                      overload<P&(const P&), P>(&P::operator=),
+                      overload<P&(JObject*), P>(&P::operator=), &P::get);
+    expectConsecutive(&JException::getMessage, &JException::getMessageString);
+    using S = JString;
+    expectConsecutive(overload<bool(const char*) const, S>(&S::equals), &S::length,
+                      overload<JString*(uint32_t, uint32_t) const, S>(&S::substring),
+                      overload<JString*(uint32_t) const, S>(&S::substring),
+                      overload<void(char), S>(&S::append), overload<void(const char*), S>(&S::append),
+                      overload<void(const JString&), S>(&S::append), &S::getChar);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Damaged input: every beginning of sample files and every change of one byte in them is read or
-// refused, takes little memory, and what was read is written and read again.
+// Damaged input: every beginning of sample files and changes of every byte in them are read or
+// refused, take little memory, and what was read is written and read again.
 #include "support/AllocationFailure.h"
 #include "support/Records.h"
 #include "support/SameTree.h"
@@ -7,6 +7,7 @@
 #include "support/ValueStreams.h"
 #include "support/Values.h"
 
+#include <bit>
 #include <gtest/gtest.h>
 #include <list>
 
@@ -139,11 +140,16 @@ std::size_t surviveBinary(const std::string& records) {
     return roots.all().size();
 }
 
+/// Gives every byte other values: each single bit turned over, and every fourth of all values,
+/// another fourth at each place.
 template <class Survive> void damageEveryByte(const std::string& sample, const Survive& survive) {
     std::string damaged = sample;
     for (std::size_t place = 0; place < sample.size(); ++place) {
-        for (int change = 1; change < 256; ++change) {
-            damaged[place] = static_cast<char>(sample[place] ^ change);
+        for (unsigned change = 1; change < 256; ++change) {
+            if (!std::has_single_bit(change) && (change + place) % 4 != 0) {
+                continue;
+            }
+            damaged[place] = static_cast<char>(static_cast<unsigned char>(sample[place]) ^ change);
             survive(damaged);
             ASSERT_FALSE(::testing::Test::HasFailure()) << "byte " << place << " ^ " << change;
         }
@@ -173,11 +179,11 @@ TEST(Damage, EveryBeginningOfARecordIsRefused) {
     }
 }
 
-TEST(Damage, EveryChangeOfOneByteOfATextIsReadOrRefused) {
+TEST(Damage, AChangeOfAnyByteOfATextIsReadOrRefused) {
     damageEveryByte(textSample, surviveText);
 }
 
-TEST(Damage, EveryChangeOfOneByteOfARecordIsReadOrRefused) {
+TEST(Damage, AChangeOfAnyByteOfARecordIsReadOrRefused) {
     damageEveryByte(binarySample, surviveBinary);
 }
 
