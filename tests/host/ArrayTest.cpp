@@ -20,9 +20,7 @@ protected:
         return found;
     }
 
-    std::string text(int32_t index) const {
-        return hold(constant.getString(index))->getValue();
-    }
+    std::string text(int32_t index) const { return hold(constant.getString(index))->getValue(); }
 
     using Numbers = std::vector<int32_t>;
 

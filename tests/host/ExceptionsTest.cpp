@@ -15,11 +15,21 @@ void readText(const std::string& text) {
     DeleteKEL(stream->read());
 }
 
-void readBadText() { readText("}"); }
-void readNothing() { readText(""); }
-void readOpenQuote() { readText("\"abc"); }
-void getUnknownVariable() { DeleteKEL(hold(CreateKELStruct())->getVar("x")); }
-void openMissingFile() { DeleteKELInputStream(CreateKELTextInputStream("/no such folder/x.kel")); }
+void readBadText() {
+    readText("}");
+}
+void readNothing() {
+    readText("");
+}
+void readOpenQuote() {
+    readText("\"abc");
+}
+void getUnknownVariable() {
+    DeleteKEL(hold(CreateKELStruct())->getVar("x"));
+}
+void openMissingFile() {
+    DeleteKELInputStream(CreateKELTextInputStream("/no such folder/x.kel"));
+}
 
 /// True when a handler for Caught pointers takes what action throws, which is then given back.
 template <class Caught, class Action> bool isCaughtAs(const Action& action) {

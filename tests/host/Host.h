@@ -13,11 +13,21 @@
 
 namespace host {
 
-inline void giveBack(KEL* value) { DeleteKEL(value); }
-inline void giveBack(KELException* failure) { DeleteKELException(failure); }
-inline void giveBack(KELInputStream* stream) { DeleteKELInputStream(stream); }
-inline void giveBack(KELOutputStream* stream) { DeleteKELOutputStream(stream); }
-inline void giveBack(StringEnumeration* names) { DeleteStringEnumeration(names); }
+inline void giveBack(KEL* value) {
+    DeleteKEL(value);
+}
+inline void giveBack(KELException* failure) {
+    DeleteKELException(failure);
+}
+inline void giveBack(KELInputStream* stream) {
+    DeleteKELInputStream(stream);
+}
+inline void giveBack(KELOutputStream* stream) {
+    DeleteKELOutputStream(stream);
+}
+inline void giveBack(StringEnumeration* names) {
+    DeleteStringEnumeration(names);
+}
 
 /// Owns one reference to something of the library and gives it back in the library's way.
 template <class T> class Held {
@@ -42,7 +52,9 @@ private:
     T* target_;
 };
 
-template <class T> Held<T> hold(T* target) { return Held<T>(target); }
+template <class T> Held<T> hold(T* target) {
+    return Held<T>(target);
+}
 
 /// The real number of references.
 template <class T> int32_t referencesOf(T& counted) {

@@ -2,6 +2,8 @@
 #include "Host.h"
 
 #include <memory>
+#include <thread>
+#include <type_traits>
 
 namespace {
 
@@ -72,7 +74,19 @@ TEST_F(HostObservers, EveryValueCanBeWatched) {
     }
 }
 
+TEST_F(HostObservers, ValuesOfEveryKindLeadToTheirObservable) {
+    const auto manager = hold(CreateKELManager());
+    for (const int32_t kind : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 50, 51, 52}) {
+        const auto made = hold(manager->createKel(kind));
+        EXPECT_NE(dynamic_cast<KEL_Observable*>(made.get()), nullptr) << kind;
+    }
+}
+
 TEST_F(HostObservers, ContainersAreObservablesByDeclaration) {
+    static_assert(std::is_base_of_v<KEL_Observable, KEL_Array>);
+    static_assert(std::is_base_of_v<KEL_Observable, KEL_Struct>);
+    static_assert(std::is_base_of_v<KEL_Observable, KEL_IndexList>);
+    static_assert(std::is_base_of_v<KEL_Observable, KEL_Manager>);
     const auto array = hold(CreateKELArray());
     KEL_Observable& observable = *array;
     observable.addObserver(&a);
@@ -146,6 +160,14 @@ TEST_F(HostObservers, AreCalledAfterTheChange) {
     watchInt({&a});
     value->setValue(7);
     EXPECT_EQ(seen, 7);
+}
+
+TEST_F(HostObservers, AreCalledInsideTheCallThatMadeTheChangeOnItsThread) {
+    std::thread::id where;
+    onUpdate(a, [&] { where = std::this_thread::get_id(); });
+    watchInt({&a});
+    EXPECT_EQ(change(), "a");
+    EXPECT_EQ(where, std::this_thread::get_id());
 }
 
 TEST_F(HostObservers, AreCalledInTheOrderOfTheirRegistration) {

@@ -21,9 +21,9 @@ protected:
     }
     ~HostRoundTrip() override { std::remove(fileName.c_str()); }
 
-    const std::string fileName =
-        ::testing::TempDir() + "kel_host_" +
-        ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".kel";
+    const std::string fileName = ::testing::TempDir() + "kel_host_" +
+                                 ::testing::UnitTest::GetInstance()->current_test_info()->name() +
+                                 ".kel";
     Held<KEL_Struct> document = hold(CreateKELStruct());
 };
 

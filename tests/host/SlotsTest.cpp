@@ -160,7 +160,8 @@ TEST(Slots, OfTheRuntime) {
     expectConsecutive(overload<bool(const char*) const, S>(&S::equals), &S::length,
                       overload<JString*(uint32_t, uint32_t) const, S>(&S::substring),
                       overload<JString*(uint32_t) const, S>(&S::substring),
-                      overload<void(char), S>(&S::append), overload<void(const char*), S>(&S::append),
+                      overload<void(char), S>(&S::append),
+                      overload<void(const char*), S>(&S::append),
                       overload<void(const JString&), S>(&S::append), &S::getChar);
 }
 

@@ -97,7 +97,9 @@ TEST(Guid, EveryOtherBitVaries) {
     EXPECT_EQ(zeros, (Words{0xFFFFFFFFU, 0xBFFFFFFFU, 0xFFFFFF7FU, 0xFFFFFFFFU}));
 }
 
-TEST(Guid, AMillionAreDistinct) { EXPECT_TRUE(areDistinct(draw(1000000))); }
+TEST(Guid, AMillionAreDistinct) {
+    EXPECT_TRUE(areDistinct(draw(1000000)));
+}
 
 TEST(Guid, ThreadsNeverShareASequence) {
     std::array<std::vector<Words>, 8> drawn;

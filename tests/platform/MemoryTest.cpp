@@ -38,7 +38,9 @@ TEST(Memory, ACountThatOverflowsIsRefused) {
     EXPECT_EQ(allocateZeroed(SIZE_MAX / 2, 4), nullptr);
 }
 
-TEST(Memory, FreeingNullDoesNothing) { deallocate(nullptr); }
+TEST(Memory, FreeingNullDoesNothing) {
+    deallocate(nullptr);
+}
 
 TEST(Memory, AClosedGateLetsEveryAllocationFail) {
     const ClosedGate closed;

@@ -67,7 +67,9 @@ TEST(JObject, DoesNotEqualNull) {
     EXPECT_FALSE(equals(nullptr, &object));
 }
 
-TEST(JObject, NullEqualsNull) { EXPECT_TRUE(equals(nullptr, nullptr)); }
+TEST(JObject, NullEqualsNull) {
+    EXPECT_TRUE(equals(nullptr, nullptr));
+}
 
 TEST(JObject, KeepsTheGivenIdentity) {
     EXPECT_EQ(identityOf(JObject(1, 2, 3, 4)), JHashCode(1, 2, 3, 4));

@@ -18,7 +18,9 @@ template <class Action> std::string messageWithoutMemory(const Action& action) {
     return thrownMessage<JOutOfMemoryException>(action);
 }
 
-std::string textOf(const JPointer<JString>& string) { return string->chars(); }
+std::string textOf(const JPointer<JString>& string) {
+    return string->chars();
+}
 
 TEST(JString, CopiesItsText) {
     char text[] = "abc";

@@ -416,8 +416,7 @@ TEST_F(JVectorTest, GrowingWithoutMemoryThrowsAndLeavesTheVector) {
 TEST_F(JVectorTest, FailureToGrowSaysSo) {
     const auto refuseLarge = [](std::size_t size) { return size < 1000; };
     const auto before = kel::platform::exchangeAllocationGate(refuseLarge);
-    const std::string message =
-        thrownMessage<JOutOfMemoryException>([&] { vector.setSize(1000); });
+    const std::string message = thrownMessage<JOutOfMemoryException>([&] { vector.setSize(1000); });
     kel::platform::exchangeAllocationGate(before);
     EXPECT_EQ(message, "JVector::setSize() failed.");
 }

@@ -114,7 +114,9 @@ TEST(Text, AnIntegerMayFollowBlanksAndOneSign) {
 }
 
 TEST(Text, TextWithoutAnIntegerIs0) {
-    for (const char* none : {"", "abc", "-", "+", "- 1", "+-1", "--1", ".5", " ", "\xA0" "1"}) {
+    for (const char* none : {"", "abc", "-", "+", "- 1", "+-1", "--1", ".5", " ",
+                             "\xA0"
+                             "1"}) {
         EXPECT_EQ(parseInteger(none), 0) << none;
     }
 }

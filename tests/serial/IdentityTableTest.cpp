@@ -128,12 +128,14 @@ TEST(ValueTable, HoldsAReferenceToEachValue) {
     EXPECT_EQ(referencesOf(*value), 1);
 }
 
-TEST(ValueTable, LetsGoOfAReplacedValue) {
+TEST(ValueTable, LetsGoOfAReplacedValueOnceItCannotComeBack) {
     const auto first = intOf(1);
     const auto second = intOf(2);
     ValueTable table;
     table.remember(numbered(1), *first);
     table.remember(numbered(1), *second);
+    EXPECT_EQ(referencesOf(*first), 2);
+    table.begin();
     EXPECT_EQ(referencesOf(*first), 1);
     EXPECT_EQ(table.find(numbered(1)), second.get());
 }
@@ -143,7 +145,9 @@ TEST(ValueTable, RememberingAValueAgainKeepsIt) {
     ValueTable table;
     table.remember(numbered(1), *value);
     table.remember(numbered(1), *value);
+    table.begin();
     EXPECT_EQ(referencesOf(*value), 2);
+    EXPECT_EQ(table.find(numbered(1)), value.get());
 }
 
 TEST(ValueTable, TheZeroIdentityIsNoIdentity) {
@@ -157,9 +161,9 @@ TEST(ValueTable, TheZeroIdentityIsNoIdentity) {
 TEST(ValueTable, RollingBackLetsGoOfWhatCameSince) {
     const auto value = intOf(1);
     ValueTable table;
-    const std::size_t mark = table.mark();
+    table.begin();
     table.remember(numbered(1), *value);
-    table.rollBack(mark);
+    table.rollBack();
     EXPECT_EQ(table.find(numbered(1)), nullptr);
     EXPECT_EQ(referencesOf(*value), 1);
 }
@@ -169,9 +173,9 @@ TEST(ValueTable, RollingBackRestoresWhatWasReplacedSince) {
     const auto late = intOf(2);
     ValueTable table;
     table.remember(numbered(1), *early);
-    const std::size_t mark = table.mark();
+    table.begin();
     table.remember(numbered(1), *late);
-    table.rollBack(mark);
+    table.rollBack();
     EXPECT_EQ(table.find(numbered(1)), early.get());
     EXPECT_EQ(referencesOf(*late), 1);
 }
@@ -181,11 +185,11 @@ TEST(ValueTable, RollingBackFreesLoops) {
     const LifeProbe probe(*loop);
     asArray(loop).addVar(loop.get());
     ValueTable table;
-    const std::size_t mark = table.mark();
+    table.begin();
     table.remember(numbered(1), *loop);
     KEL_Impl* borrowed = loop.get();
     loop.clear();
-    table.rollBack(mark);
+    table.rollBack();
     EXPECT_FALSE(probe.isAlive());
     if (probe.isAlive()) {
         takeApart(*borrowed); // leave nothing behind

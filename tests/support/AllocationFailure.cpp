@@ -51,7 +51,9 @@ FailingAllocation::~FailingAllocation() {
     limits = {};
 }
 
-bool FailingAllocation::hasFailed() const { return limits.failed; }
+bool FailingAllocation::hasFailed() const {
+    return limits.failed;
+}
 
 AllocationBudget::AllocationBudget(std::size_t bytes) {
     kel::platform::exchangeAllocationGate(mayAllocate);
@@ -113,15 +115,33 @@ void* allocateOrThrow(std::size_t size) {
 
 } // namespace
 
-void* operator new(std::size_t size) { return allocateOrThrow(size); }
-void* operator new[](std::size_t size) { return allocateOrThrow(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocateOrNull(size); }
+void* operator new(std::size_t size) {
+    return allocateOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+    return allocateOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocateOrNull(size);
+}
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return allocateOrNull(size);
 }
-void operator delete(void* storage) noexcept { std::free(storage); }
-void operator delete[](void* storage) noexcept { std::free(storage); }
-void operator delete(void* storage, std::size_t) noexcept { std::free(storage); }
-void operator delete[](void* storage, std::size_t) noexcept { std::free(storage); }
-void operator delete(void* storage, const std::nothrow_t&) noexcept { std::free(storage); }
-void operator delete[](void* storage, const std::nothrow_t&) noexcept { std::free(storage); }
+void operator delete(void* storage) noexcept {
+    std::free(storage);
+}
+void operator delete[](void* storage) noexcept {
+    std::free(storage);
+}
+void operator delete(void* storage, std::size_t) noexcept {
+    std::free(storage);
+}
+void operator delete[](void* storage, std::size_t) noexcept {
+    std::free(storage);
+}
+void operator delete(void* storage, const std::nothrow_t&) noexcept {
+    std::free(storage);
+}
+void operator delete[](void* storage, const std::nothrow_t&) noexcept {
+    std::free(storage);
+}

@@ -38,7 +38,7 @@ public:
 /// exception is what action is expected to throw; every other one comes through. `afterwards` looks
 /// at the damage after each run.
 /// \return how many allocations action makes
-std::size_t failEachAllocation(const std::function<void()>& action,
-                               const std::function<void()>& afterwards = [] {});
+std::size_t failEachAllocation(
+    const std::function<void()>& action, const std::function<void()>& afterwards = [] {});
 
 } // namespace kel::test

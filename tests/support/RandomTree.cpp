@@ -1,12 +1,15 @@
 #include "support/RandomTree.h"
 
 #include "meta/KEL_Manager_Impl.h"
+#include "meta/MetaKel_Impl.h"
 #include "values/ChildCursor.h"
 #include "values/KEL_Array_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_MemBlock_Impl.h"
+#include "values/KEL_MultiSelector_Impl.h"
+#include "values/KEL_Selector_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 #include "values/KEL_guid_Impl.h"
@@ -36,16 +39,22 @@ namespace {
 
 /// Texts that a writer or reader could take for something else; none is empty or holds a quote.
 constexpr const char* awkwardTexts[] = {
-    "true", "false", "null", "NULL", "REF", "ref", "inf", "nan", "@type", "@hashCode", "@desc",
-    "@", "9lives", "0x1f", "a_b@1", "a-b", "two words", " ", "\t", "\n", "\r\n", "\f", "\r", "'",
-    "\\", "\\n", "/* no comment", "// neither", "*/", "#define x", "{", "}", "[", "]", "(", ")",
-    "<", ">", "=", " = ", ",", ";", "-1", "1.5", ".", "-", "12345678", "00000000-0000-0000-0000",
+    // clang-format off
+    "true", "false", "null", "NULL", "REF", "ref", "inf", "nan",
+    "@type", "@hashCode", "@desc", "@", "9lives", "0x1f", "a_b@1", "a-b", "two words", "a", "A",
+    "ab", "B", "-1", "1.5", ".", "-", "12345678", "00000000-0000-0000-0000",
     "3F2504E0-4F89-11D3-9A0C-0305E82C3301", "12345678-4F89-11D3-9A0C-0305E82C3301",
-    "3F2504E04F8911D39A0C0305E82C3301", "void[8] : 0x00000000", "\x01", "\x7F", "\x80", "\xFF",
-    "\xC3\xA9", "\xE2\x82\xAC", "$guid", "$memblock", "a", "A", "ab", "B"};
+    "3F2504E04F8911D39A0C0305E82C3301", "void[8] : 0x00000000", "$guid", "$memblock",
+    "/* no comment", "// neither", "*/", "#define x",
+    "{", "}", "[", "]", "(", ")", "<", ">", "=", " = ", ",", ";", "'", "\\", "\\n",
+    " ", "\t", "\n", "\r\n", "\f", "\r", "\x01", "\x7F", "\x80", "\xFF",
+    "\xC3\xA9", "\xE2\x82\xAC",
+    // clang-format on
+};
 
-constexpr double awkwardDoubles[] = {0.0, 1.0, -1.0, 0.5, -0.5, 2147483647.0, -2147483647.0,
-                                     2147483646.999999, 0.1, 0.000001, -0.000001, 123.456};
+constexpr double awkwardDoubles[] = {0.0,  1.0,          -1.0,          0.5,
+                                     -0.5, 2147483647.0, -2147483647.0, 2147483646.999999,
+                                     0.1,  0.000001,     -0.000001,     123.456};
 
 constexpr int32_t awkwardInts[] = {0, 1, -1, 2, 127, 128, 255, 256, 65535, INT32_MAX, INT32_MIN};
 
@@ -74,6 +83,9 @@ public:
 
 private:
     KEL_Impl* makeScalar() {
+        if (options_.selectors && numbers_.once(8)) {
+            return makeSelector();
+        }
         switch (numbers_.below(7)) {
         case 0:
             return new KEL_Boolean_Impl(numbers_.once(2));
@@ -99,7 +111,37 @@ private:
         return new KEL_MemBlock_Impl(size, bytes.data());
     }
 
+    /// A selector of either kind, with a selection, over a list made before or a new one.
+    KEL_Impl* makeSelector() {
+        KEL_Impl* any = values_.empty() ? nullptr : values_[anyIndex()].get();
+        auto* list = dynamic_cast<KEL_IndexList_Impl*>(any);
+        const JPointer<KEL_IndexList_Impl> made(list == nullptr ? new KEL_IndexList_Impl()
+                                                                : nullptr);
+        if (list == nullptr) {
+            list = made.get();
+            list->addNamedInt("one", int32_t{1});
+            list->addNamedInt("two", int32_t{2});
+        }
+        KEL* key = list->getCount() == 0 ? nullptr : list->getKeyAt(0);
+        if (numbers_.once(2)) {
+            auto* selector = new KEL_Selector_Impl(list);
+            selector->selectKey(key);
+            return selector;
+        }
+        auto* selector = new KEL_MultiSelector_Impl(list);
+        selector->selectKey(key);
+        return selector;
+    }
+
+    std::size_t anyIndex() { return static_cast<std::size_t>(numbers_.below(values_.size())); }
+
     KEL_Impl* makeContainer() {
+        if (options_.lists && numbers_.once(4)) {
+            return new KEL_IndexList_Impl();
+        }
+        if (options_.metas && numbers_.once(3)) {
+            return makeMeta();
+        }
         switch (numbers_.below(5)) {
         case 0:
         case 1:
@@ -108,6 +150,41 @@ private:
             return options_.managers ? new KEL_Manager_Impl() : makeContainer();
         default:
             return new KEL_Struct_Impl();
+        }
+    }
+
+    KEL_Impl* makeMeta() {
+        switch (numbers_.below(3)) {
+        case 0:
+            return new MetaKel_Impl();
+        case 1:
+            return new MetaKelDescriptor_Impl();
+        default:
+            return new MetaKelVarDescriptor_Impl();
+        }
+    }
+
+    /// A name for a variable of the container: often one that means something there.
+    std::string nameFor(const KEL_Impl& container) {
+        constexpr const char* properties[] = {"type", "default", "enum",    "min",
+                                              "max",  "wrapped", "stepsize"};
+        const int32_t kind = container.getType();
+        if (kind == KELKind_MetaKel && numbers_.once(3)) {
+            return "@desc";
+        }
+        if (kind == KELKind_MetaKelVarDescriptor && numbers_.once(2)) {
+            return properties[numbers_.below(std::size(properties))];
+        }
+        return randomName(numbers_);
+    }
+
+    /// Adds a pair of the value and a new one, either being the key.
+    void putPair(KEL_IndexList_Impl& list, KEL_Impl* value) {
+        const JPointer<KEL_Impl> other(makeScalar());
+        if (numbers_.once(3)) {
+            list.addPair(value, other.get());
+        } else {
+            list.addPair(other.get(), value);
         }
     }
 
@@ -138,7 +215,8 @@ private:
     void addBackReferences() {
         for (int i = 1 + numbers_.below(3); i > 0; --i) {
             const auto inner = static_cast<std::size_t>(numbers_.below(values_.size()));
-            const auto outer = inner + static_cast<std::size_t>(numbers_.below(values_.size() - inner));
+            const auto outer =
+                inner + static_cast<std::size_t>(numbers_.below(values_.size() - inner));
             put(values_[inner].get(), values_[outer].get()); // nothing, if inner is a scalar
         }
     }
@@ -148,18 +226,27 @@ private:
             array->addVar(value);
         } else if (auto* manager = dynamic_cast<KEL_Manager*>(container)) {
             manager->addKel(value);
-        } else if (auto* structure = dynamic_cast<KEL_Struct*>(container)) {
+        } else if (auto* list = dynamic_cast<KEL_IndexList_Impl*>(container)) {
+            putPair(*list, value);
+        } else if (auto* structure = variablesOf(container)) {
             // A name that is there already would drop its value, and with it perhaps a whole part.
-            std::string name = randomName(numbers_);
+            std::string name = nameFor(*container);
             while (structure->containsVar(name.c_str())) {
                 name += std::to_string(numbers_.below(10));
             }
             structure->addVar(name.c_str(), value);
             name += "_null";
-            if (options_.nullVariables && numbers_.once(10) && !structure->containsVar(name.c_str())) {
+            if (options_.nullVariables && numbers_.once(10) &&
+                !structure->containsVar(name.c_str())) {
                 structure->addVar(name.c_str(), nullptr);
             }
         }
+    }
+
+    /// A struct, or the struct inside a value built on one, so that nothing is checked.
+    static KEL_Struct* variablesOf(KEL_Impl* container) {
+        auto* holder = dynamic_cast<StructHolder*>(container);
+        return holder == nullptr ? dynamic_cast<KEL_Struct*>(container) : &holder->inner();
     }
 
     RandomNumbers numbers_;
@@ -241,6 +328,12 @@ bool changeValue(KEL_Impl& value) {
     } else if (auto* manager = dynamic_cast<KEL_Manager*>(&value)) {
         const JPointer<KEL_Impl> added(new KEL_Int_Impl(1));
         manager->addKel(added.get());
+    } else if (auto* list = dynamic_cast<KEL_IndexList*>(&value)) {
+        list->addNamedInt("a key that was not there", int32_t{1});
+    } else if (auto* selector = dynamic_cast<KEL_Selector*>(&value)) {
+        selector->setList(JPointer<KEL_IndexList_Impl>(new KEL_IndexList_Impl()).get());
+    } else if (auto* many = dynamic_cast<KEL_MultiSelector*>(&value)) {
+        many->setList(JPointer<KEL_IndexList_Impl>(new KEL_IndexList_Impl()).get());
     }
     return true;
 }

@@ -22,6 +22,10 @@ struct RandomTreeOptions {
     bool sharing = true;       ///< values that sit in several places
     bool cycles = false;       ///< values that contain themselves: take them apart in the end
     bool nullVariables = true; ///< struct variables without a value
+    bool lists = false;        ///< index lists
+    bool metas = false;        ///< checked structs, struct descriptors and variable descriptors
+    bool selectors = false;    ///< selectors and multi-selectors over lists of their own or of the
+                               ///< tree
 };
 
 /// Random numbers that are the same with every standard library.
@@ -60,7 +64,8 @@ double randomDouble(RandomNumbers& numbers, bool any);
 /// to change (a memory block without bytes)
 bool changeValue(KEL_Impl& value);
 
-/// The tree in a few words for the message of a failed test: kinds and contents, nested in brackets.
+/// The tree in a few words for the message of a failed test: kinds and contents, nested in
+/// brackets.
 std::string describe(const KEL_Impl& root);
 
 } // namespace kel::test

@@ -54,8 +54,9 @@ KEL_Impl* nestedStructs(int levels) {
 KEL_Impl* nestedMixed(int levels) {
     KEL_Impl* value = new KEL_Int_Impl(7);
     for (int i = 0; i < levels; ++i) {
-        value = i % 3 == 0 ? arrayAround(value) : i % 3 == 1 ? structAround(value)
-                                                             : managerAround(value);
+        value = i % 3 == 0   ? arrayAround(value)
+                : i % 3 == 1 ? structAround(value)
+                             : managerAround(value);
     }
     return value;
 }

@@ -1,7 +1,7 @@
+#include "values/Conversions.h"
 #include "meta/KEL_Manager_Impl.h"
 #include "support/AllocationFailure.h"
 #include "support/Held.h"
-#include "values/Conversions.h"
 #include "values/KEL_Array_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
@@ -27,16 +27,34 @@ using kel::test::Held;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-Held<KEL> of(int32_t value) { return Held<KEL>(new KEL_Int_Impl(value)); }
-Held<KEL> of(bool value) { return Held<KEL>(new KEL_Boolean_Impl(value)); }
-Held<KEL> of(double value) { return Held<KEL>(new KEL_Double_Impl(value)); }
-Held<KEL> of(const JHashCode& value) { return Held<KEL>(new KEL_guid_Impl(value)); }
-Held<KEL> of(const char* value) { return Held<KEL>(new KEL_String_Impl(value)); }
+Held<KEL> of(int32_t value) {
+    return Held<KEL>(new KEL_Int_Impl(value));
+}
+Held<KEL> of(bool value) {
+    return Held<KEL>(new KEL_Boolean_Impl(value));
+}
+Held<KEL> of(double value) {
+    return Held<KEL>(new KEL_Double_Impl(value));
+}
+Held<KEL> of(const JHashCode& value) {
+    return Held<KEL>(new KEL_guid_Impl(value));
+}
+Held<KEL> of(const char* value) {
+    return Held<KEL>(new KEL_String_Impl(value));
+}
 
-template <class T> bool booleanOf(T value) { return convertToBoolean(of(value).get()); }
-template <class T> int32_t intOf(T value) { return convertToInt(of(value).get()); }
-template <class T> double doubleOf(T value) { return convertToDouble(of(value).get()); }
-template <class T> JHashCode guidOf(T value) { return convertToGuid(of(value).get()); }
+template <class T> bool booleanOf(T value) {
+    return convertToBoolean(of(value).get());
+}
+template <class T> int32_t intOf(T value) {
+    return convertToInt(of(value).get());
+}
+template <class T> double doubleOf(T value) {
+    return convertToDouble(of(value).get());
+}
+template <class T> JHashCode guidOf(T value) {
+    return convertToGuid(of(value).get());
+}
 
 /// The text of the String that the value becomes, after a look at who owns it.
 template <class T> std::string stringOf(T value) {
@@ -55,7 +73,9 @@ void expectNeutral(const KEL* value) {
     EXPECT_EQ(convertToString(value), nullptr);
 }
 
-TEST(Conversions, NullGivesTheNeutralAnswers) { expectNeutral(nullptr); }
+TEST(Conversions, NullGivesTheNeutralAnswers) {
+    expectNeutral(nullptr);
+}
 
 TEST(Conversions, KindsWithoutAScalarFormGiveTheNeutralAnswers) {
     expectNeutral(kel::test::make<KEL_MemBlock_Impl>(8, nullptr).get());

@@ -27,7 +27,9 @@ void liveDeep(KEL_Impl* (*build)(int)) {
     });
 }
 
-TEST(Depth, AMillionArraysAreBuiltCopiedComparedAndDestroyed) { liveDeep(kel::test::nestedArrays); }
+TEST(Depth, AMillionArraysAreBuiltCopiedComparedAndDestroyed) {
+    liveDeep(kel::test::nestedArrays);
+}
 
 TEST(Depth, AMillionStructsAreBuiltCopiedComparedAndDestroyed) {
     liveDeep(kel::test::nestedStructs);

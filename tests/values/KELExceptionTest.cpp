@@ -48,7 +48,8 @@ template <class T> class KELExceptionFamily : public ::testing::Test {};
 TYPED_TEST_SUITE(KELExceptionFamily, Kinds);
 
 TYPED_TEST(KELExceptionFamily, WithoutArgumentsHasTheGeneralMessage) {
-    EXPECT_EQ(messageAndRelease(new typename TypeParam::Implementation()), "General KEL exception.");
+    EXPECT_EQ(messageAndRelease(new typename TypeParam::Implementation()),
+              "General KEL exception.");
 }
 
 TYPED_TEST(KELExceptionFamily, CarriesACopyOfItsMessage) {
@@ -91,7 +92,8 @@ TYPED_TEST(KELExceptionFamily, HasAFreshIdentity) {
 }
 
 TYPED_TEST(KELExceptionFamily, IsCaughtAsItsImplementationClass) {
-    EXPECT_TRUE((catches<typename TypeParam::Implementation, typename TypeParam::Implementation>()));
+    EXPECT_TRUE(
+        (catches<typename TypeParam::Implementation, typename TypeParam::Implementation>()));
 }
 
 TYPED_TEST(KELExceptionFamily, IsCaughtAsItsPublicClass) {
@@ -139,15 +141,16 @@ TYPED_TEST(KELExceptionFamily, IsCaughtAsItsRuntimeClassAndNoOther) {
 }
 
 TYPED_TEST(KELExceptionFamily, IsNotCaughtAsAnotherPublicClass) {
-    using Other = std::conditional_t<
-        std::is_same_v<typename TypeParam::PublicClass, KELRenameException>,
-        KELNoSuchElementException, KELRenameException>;
+    using Other =
+        std::conditional_t<std::is_same_v<typename TypeParam::PublicClass, KELRenameException>,
+                           KELNoSuchElementException, KELRenameException>;
     EXPECT_FALSE((catches<Other, typename TypeParam::Implementation>()));
 }
 
 TYPED_TEST(KELExceptionFamily, CarriesItsMessageInEveryMessagePart) {
     auto* failure = new typename TypeParam::Implementation("text");
-    EXPECT_EQ(messageOf(static_cast<JException&>(static_cast<KELException_Impl&>(*failure))), "text");
+    EXPECT_EQ(messageOf(static_cast<JException&>(static_cast<KELException_Impl&>(*failure))),
+              "text");
     if constexpr (TypeParam::isDoubled) {
         EXPECT_EQ(messageOf(static_cast<typename TypeParam::RuntimeClass&>(*failure)), "text");
     }

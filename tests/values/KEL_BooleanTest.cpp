@@ -12,7 +12,9 @@ using kel::test::Held;
 using kel::test::make;
 using kel::test::Watcher;
 
-Held<KEL_Boolean> of(bool value) { return Held<KEL_Boolean>(new KEL_Boolean_Impl(value)); }
+Held<KEL_Boolean> of(bool value) {
+    return Held<KEL_Boolean>(new KEL_Boolean_Impl(value));
+}
 
 JHashCode guidOf(const KEL& value) {
     JHashCode guid(9, 9, 9, 9);

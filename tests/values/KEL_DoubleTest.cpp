@@ -15,7 +15,9 @@ using kel::test::Watcher;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-Held<KEL_Double> of(double value) { return Held<KEL_Double>(new KEL_Double_Impl(value)); }
+Held<KEL_Double> of(double value) {
+    return Held<KEL_Double>(new KEL_Double_Impl(value));
+}
 
 JHashCode guidOf(const KEL& value) {
     JHashCode guid(9, 9, 9, 9);
@@ -62,7 +64,8 @@ TEST(KEL_Double, IsAnIntAtEveryPowerOfTwo) {
     for (int bit = 0; bit < 63; ++bit) {
         const auto low = static_cast<int32_t>(static_cast<uint32_t>(uint64_t{1} << bit));
         ASSERT_EQ(of(std::ldexp(1.0, bit))->toInt(), low) << bit;
-        ASSERT_EQ(of(-std::ldexp(1.0, bit))->toInt(), static_cast<int32_t>(0U - static_cast<uint32_t>(low)));
+        ASSERT_EQ(of(-std::ldexp(1.0, bit))->toInt(),
+                  static_cast<int32_t>(0U - static_cast<uint32_t>(low)));
     }
 }
 

@@ -13,7 +13,9 @@ using kel::test::Held;
 using kel::test::make;
 using kel::test::Watcher;
 
-Held<KEL_Int> of(int32_t value) { return Held<KEL_Int>(new KEL_Int_Impl(value)); }
+Held<KEL_Int> of(int32_t value) {
+    return Held<KEL_Int>(new KEL_Int_Impl(value));
+}
 
 JHashCode guidOf(const KEL& value) {
     JHashCode guid(9, 9, 9, 9);

@@ -24,10 +24,14 @@ const std::string digits = "0123456789ABCDEF";
 using Block = Held<KEL_MemBlock_Impl>;
 
 /// A block of the sixteen hexadecimal digits.
-Block sixteen() { return make<KEL_MemBlock_Impl>(16, digits.data()); }
+Block sixteen() {
+    return make<KEL_MemBlock_Impl>(16, digits.data());
+}
 
 /// A block that waits for its bytes.
-Block lazy(JInputStream* source, int32_t size) { return make<KEL_MemBlock_Impl>(source, size); }
+Block lazy(JInputStream* source, int32_t size) {
+    return make<KEL_MemBlock_Impl>(source, size);
+}
 
 /// What read puts into ten bytes that were dots.
 std::string read(KEL_MemBlock& block, int32_t offset, int32_t count) {
@@ -176,8 +180,9 @@ TEST(KEL_MemBlock, CannotBeMadeWithoutMemory) {
 TEST(KEL_MemBlock, ANegativeSizeIsOutOfMemory) {
     EXPECT_EQ(thrownMessage<KELOutOfMemoryException>([] { make<KEL_MemBlock_Impl>(-1, nullptr); }),
               "Out of memory!");
-    EXPECT_EQ(thrownMessage<KELOutOfMemoryException>([] { make<KEL_MemBlock_Impl>(INT32_MIN, ""); }),
-              "Out of memory!");
+    EXPECT_EQ(
+        thrownMessage<KELOutOfMemoryException>([] { make<KEL_MemBlock_Impl>(INT32_MIN, ""); }),
+        "Out of memory!");
 }
 
 TEST(KEL_MemBlock, WritingNotifiesAndAFailedWriteDoesNot) {

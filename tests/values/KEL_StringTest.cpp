@@ -15,7 +15,9 @@ using kel::test::make;
 using kel::test::thrownMessage;
 using kel::test::Watcher;
 
-Held<KEL_String> of(const char* text) { return Held<KEL_String>(new KEL_String_Impl(text)); }
+Held<KEL_String> of(const char* text) {
+    return Held<KEL_String>(new KEL_String_Impl(text));
+}
 
 JHashCode guidOf(const KEL& value) {
     JHashCode guid(9, 9, 9, 9);
@@ -30,7 +32,9 @@ TEST(KEL_String, IsOfItsKindAndHoldsACopyOfItsText) {
     EXPECT_STREQ(value->getValue(), "abc");
 }
 
-TEST(KEL_String, MadeFromNullIsEmpty) { EXPECT_STREQ(of(nullptr)->getValue(), ""); }
+TEST(KEL_String, MadeFromNullIsEmpty) {
+    EXPECT_STREQ(of(nullptr)->getValue(), "");
+}
 
 TEST(KEL_String, MadeFromAPartOfATextHoldsThatPart) {
     const auto value = make<KEL_String_Impl>(std::string_view("abcdef").substr(1, 3));

@@ -19,7 +19,8 @@ using kel::test::thrownMessage;
 using kel::test::Watcher;
 
 const std::string unknownToGet = "KEL_Struct_Impl. Cannot get variable - unknown variable name.";
-const std::string unknownToChange = "KEL_Struct_Impl. Cannot remove variable - name does not exist.";
+const std::string unknownToChange =
+    "KEL_Struct_Impl. Cannot remove variable - name does not exist.";
 const std::string quoteInName = "KEL_Struct key can't contain a \"";
 
 using Names = std::vector<std::string>;

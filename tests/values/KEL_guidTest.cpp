@@ -12,7 +12,9 @@ using kel::test::Watcher;
 
 const JHashCode sample(0x3F2504E0U, 0x11D34F89U, 0x05030C9AU, 0x01332CE8U);
 
-Held<KEL_guid> of(const JHashCode& value) { return Held<KEL_guid>(new KEL_guid_Impl(value)); }
+Held<KEL_guid> of(const JHashCode& value) {
+    return Held<KEL_guid>(new KEL_guid_Impl(value));
+}
 
 JHashCode valueOf(const KEL_guid& guid) {
     JHashCode value(9, 9, 9, 9);

@@ -15,6 +15,7 @@ using namespace kel::test;
 namespace {
 
 constexpr int million = 1000000;
+constexpr int many = million / 4; // for what differs little from its neighbour
 
 using Wrap = KEL_Impl* (*)(KEL_Impl* inner);
 
@@ -63,9 +64,9 @@ KEL_Impl* inTurns(KEL_Impl* inner) {
 }
 
 /// Builds, copies, compares and destroys a nesting in a thread with little stack.
-void liveDeep(Wrap wrap) {
-    runInSmallStack([wrap] {
-        auto value = nested(million, wrap);
+void liveDeep(int levels, Wrap wrap) {
+    runInSmallStack([=] {
+        auto value = nested(levels, wrap);
         Held<KEL> copy(value->copy());
         EXPECT_TRUE(copy->equalsValue(value.get()));
         EXPECT_TRUE(value->equalsValue(copy.get()));
@@ -74,19 +75,20 @@ void liveDeep(Wrap wrap) {
     });
 }
 
-TEST(KindsDepth, AMillionListsAsItemsOfOneAnother) { liveDeep(asItem); }
-TEST(KindsDepth, AMillionListsAsKeysOfOneAnother) { liveDeep(asKey); }
-TEST(KindsDepth, AMillionManagers) { liveDeep(asEntry); }
-TEST(KindsDepth, AMillionCheckedStructs) { liveDeep(asVariable<MetaKel_Impl>); }
-TEST(KindsDepth, AMillionStructDescriptors) { liveDeep(asVariable<MetaKelDescriptor_Impl>); }
-TEST(KindsDepth, AMillionVariableDescriptors) { liveDeep(asVariable<MetaKelVarDescriptor_Impl>); }
-TEST(KindsDepth, AMillionOfAllKindsInTurns) { liveDeep(inTurns); }
+TEST(KindsDepth, AMillionListsAsItemsOfOneAnother) { liveDeep(million, asItem); }
+TEST(KindsDepth, ListsAsKeysOfOneAnother) { liveDeep(many, asKey); }
+TEST(KindsDepth, Managers) { liveDeep(many, asEntry); }
+TEST(KindsDepth, AMillionCheckedStructs) { liveDeep(million, asVariable<MetaKel_Impl>); }
+TEST(KindsDepth, StructDescriptors) { liveDeep(many, asVariable<MetaKelDescriptor_Impl>); }
+TEST(KindsDepth, VariableDescriptors) {
+    liveDeep(many, asVariable<MetaKelVarDescriptor_Impl>);
+}
+TEST(KindsDepth, AMillionOfAllKindsInTurns) { liveDeep(million, inTurns); }
 
 TEST(KindsDepth, AMillionSelectorsAreCopiedComparedAndDestroyed) {
     runInSmallStack([] {
         auto value = nested(million, [](KEL_Impl* inner) -> KEL_Impl* {
             const JPointer<KEL_IndexList_Impl> list(new KEL_IndexList_Impl());
-            list->addNamedInt("x", int32_t{1});
             list->addPair(inner, inner);
             auto* selector = new KEL_Selector_Impl(list.get());
             selector->selectKey(inner);
@@ -99,9 +101,9 @@ TEST(KindsDepth, AMillionSelectorsAreCopiedComparedAndDestroyed) {
     });
 }
 
-TEST(KindsDepth, AMillionMultiSelectorsAreDestroyed) {
+TEST(KindsDepth, MultiSelectorsAreDestroyed) {
     runInSmallStack([] {
-        auto value = nested(million / 2, [](KEL_Impl* inner) -> KEL_Impl* {
+        auto value = nested(many, [](KEL_Impl* inner) -> KEL_Impl* {
             auto* selector = new KEL_MultiSelector_Impl(nullptr);
             selector->getList()->addPair(inner, inner);
             selector->selectKey(inner);
@@ -112,45 +114,44 @@ TEST(KindsDepth, AMillionMultiSelectorsAreDestroyed) {
 }
 
 /// A text of so many levels, without indentation.
-std::string nestedText(const std::string& open, const std::string& middle,
-                       const std::string& close) {
+std::string nestedText(int levels, const std::string& open, const std::string& close) {
     std::string text;
-    for (int i = 0; i < million; ++i) {
+    for (int i = 0; i < levels; ++i) {
         text += open;
     }
-    text += middle;
-    for (int i = 0; i < million; ++i) {
+    text += "7";
+    for (int i = 0; i < levels; ++i) {
         text += close;
     }
     return text;
 }
 
 /// Reads a deep text with little stack, and compares what was read with the value.
-void readDeep(const std::string& text, Wrap wrap) {
+void readDeep(int levels, const std::string& open, const std::string& close, Wrap wrap) {
     runInSmallStack([&] {
-        auto value = read(text);
-        EXPECT_TRUE(value->equalsValue(nested(million, wrap).get()));
+        auto value = read(nestedText(levels, open, close));
+        EXPECT_TRUE(value->equalsValue(nested(levels, wrap).get()));
         value.clear();
     });
 }
 
 TEST(KindsDepth, AMillionListsAreRead) {
-    readDeep(nestedText("<[0][", "7", "]>"), asItem);
-    readDeep(nestedText("<[", "7", "][0]>"), asKey);
+    readDeep(million, "<[0][", "]>", asItem);
+    readDeep(many, "<[", "][0]>", asKey);
 }
 
 TEST(KindsDepth, AMillionCheckedStructsAreRead) {
-    readDeep(nestedText("{ @type = 50\nx=", "7", "}"), asVariable<MetaKel_Impl>);
+    readDeep(million, "{ @type = 50\nx=", "}", asVariable<MetaKel_Impl>);
 }
 
-TEST(KindsDepth, AMillionDescriptorsAreRead) {
-    readDeep(nestedText("{ @type = 52\nx=", "7", "}\n\n"), asVariable<MetaKelVarDescriptor_Impl>);
+TEST(KindsDepth, DescriptorsAreRead) {
+    readDeep(many, "{ @type = 52\nx=", "}\n\n", asVariable<MetaKelVarDescriptor_Impl>);
 }
 
 TEST(KindsDepth, ADeepSyntaxErrorIsClearedAwayWithoutStack) {
     runInSmallStack([] {
-        const std::string opens = nestedText("<[0][{ @type = 50\nx=", "?", "");
-        EXPECT_EQ(refusalOf(opens), syntaxErrorAt(million + 1));
+        const std::string text = nestedText(many, "<[0][{ @type = 50\nx=", "?");
+        EXPECT_EQ(refusalOf(text), syntaxErrorAt(many + 1));
     });
 }
 

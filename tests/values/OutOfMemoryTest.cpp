@@ -43,11 +43,12 @@ KEL_Struct* buildDocument() {
 }
 
 /// A watched document, and what it must equal whenever a change failed or was undone.
-class OutOfMemory : public ::testing::Test {
+class OutOfMemoryTest : public ::testing::Test {
 protected:
     /// Fails each allocation of change, which is undone by undo where it succeeded, and expects the
     /// document as it was, without a notification, after each failure.
-    void expectAllOrNothing(const std::function<void()>& change, const std::function<void()>& undo) {
+    void expectAllOrNothing(const std::function<void()>& change,
+                            const std::function<void()>& undo) {
         bool done = false;
         const auto changeAndNote = [&] {
             const int calls = watcher.calls();
@@ -87,27 +88,27 @@ protected:
     const Held<KEL_Int_Impl> value = make<KEL_Int_Impl>(7);
 };
 
-TEST_F(OutOfMemory, BuildingLeavesNothingBehind) {
+TEST_F(OutOfMemoryTest, BuildingLeavesNothingBehind) {
     EXPECT_GT(failEachAllocation([] { Held<KEL_Struct>(buildDocument()).clear(); }), 40U);
 }
 
-TEST_F(OutOfMemory, CopyingLeavesNothingBehind) {
+TEST_F(OutOfMemoryTest, CopyingLeavesNothingBehind) {
     failEachAllocation([&] { Held<KEL>(document->copy()).clear(); });
     EXPECT_TRUE(document->equalsValue(expected.get()));
 }
 
-TEST_F(OutOfMemory, CopyingRandomTreesLeavesNothingBehind) {
+TEST_F(OutOfMemoryTest, CopyingRandomTreesLeavesNothingBehind) {
     for (uint64_t seed = 0; seed < 20; ++seed) {
         const Held<KEL_Impl> tree(kel::test::randomTree(seed));
         failEachAllocation([&] { Held<KEL>(tree->copy()).clear(); });
     }
 }
 
-TEST_F(OutOfMemory, ComparingLeavesNothingBehind) {
+TEST_F(OutOfMemoryTest, ComparingLeavesNothingBehind) {
     EXPECT_GT(failEachAllocation([&] { document->equalsValue(expected.get()); }), 1U);
 }
 
-TEST_F(OutOfMemory, AddingToAnArrayAddsOrDoesNot) {
+TEST_F(OutOfMemoryTest, AddingToAnArrayAddsOrDoesNot) {
     const auto undo = [&] { list().removeVar(14); };
     expectAllOrNothing([&] { list().addVar(make<KEL_Int_Impl>(1).get()); }, undo);
     expectAllOrNothing([&] { list().addInt(1); }, undo);
@@ -117,7 +118,7 @@ TEST_F(OutOfMemory, AddingToAnArrayAddsOrDoesNot) {
     expectAllOrNothing([&] { list().addguid(JHashCode(1)); }, undo);
 }
 
-TEST_F(OutOfMemory, AFullArrayThatCannotGrowStaysAsItIs) {
+TEST_F(OutOfMemoryTest, AFullArrayThatCannotGrowStaysAsItIs) {
     const auto array = make<KEL_Array_Impl>();
     const auto fillFurther = [&] {
         for (int i = 0; i < 50; ++i) {
@@ -132,12 +133,12 @@ TEST_F(OutOfMemory, AFullArrayThatCannotGrowStaysAsItIs) {
     EXPECT_EQ(kel::test::referencesOf(*value), 1);
 }
 
-TEST_F(OutOfMemory, InsertingIntoAnArrayInsertsOrDoesNot) {
+TEST_F(OutOfMemoryTest, InsertingIntoAnArrayInsertsOrDoesNot) {
     const auto insert = [&] { list().insertVar(make<KEL_Int_Impl>(1).get(), 3); };
     expectAllOrNothing(insert, [&] { list().removeVar(3); });
 }
 
-TEST_F(OutOfMemory, AddVarsAddsWholeElements) {
+TEST_F(OutOfMemoryTest, AddVarsAddsWholeElements) {
     const auto source = make<KEL_Array_Impl>();
     for (int i = 0; i < 20; ++i) {
         source->addInt(i);
@@ -152,7 +153,7 @@ TEST_F(OutOfMemory, AddVarsAddsWholeElements) {
                        });
 }
 
-TEST_F(OutOfMemory, ConvertingIntoAnElementConvertsOrDoesNot) {
+TEST_F(OutOfMemoryTest, ConvertingIntoAnElementConvertsOrDoesNot) {
     const auto undo = [&] {
         list().setInt(0, 0);
         list().setString(1, "element");
@@ -166,13 +167,13 @@ TEST_F(OutOfMemory, ConvertingIntoAnElementConvertsOrDoesNot) {
     expectAllOrNothing([&] { list().setVarValue(1, list().getVar(2)); }, undo);
 }
 
-TEST_F(OutOfMemory, ConvertingIntoAStringSaysOutOfMemory) {
+TEST_F(OutOfMemoryTest, ConvertingIntoAStringSaysOutOfMemory) {
     const FailingAllocation failing(0);
     const auto convert = [&] { list().setVarValue(1, list().getVar(2)); };
     EXPECT_EQ(kel::test::thrownMessage<KELOutOfMemoryException>(convert), "Out of memory!");
 }
 
-TEST_F(OutOfMemory, AddingToAStructAddsOrDoesNot) {
+TEST_F(OutOfMemoryTest, AddingToAStructAddsOrDoesNot) {
     const char* longName = "another name that fits no small buffer of any string class";
     const auto undo = [&] { document->removeVar(longName); };
     expectAllOrNothing([&] { document->addVar(longName, value.get()); }, undo);
@@ -181,19 +182,19 @@ TEST_F(OutOfMemory, AddingToAStructAddsOrDoesNot) {
     expectAllOrNothing([&] { document->putString(longName, "text"); }, undo);
 }
 
-TEST_F(OutOfMemory, ReplacingAVariableReplacesOrDoesNot) {
+TEST_F(OutOfMemoryTest, ReplacingAVariableReplacesOrDoesNot) {
     const auto undo = [&] { document->setVar("name", std::as_const(*expected).getVar("name")); };
     expectAllOrNothing([&] { document->putString("name", "other"); }, undo);
     expectAllOrNothing([&] { document->addVar("name", value.get()); }, undo);
 }
 
-TEST_F(OutOfMemory, RenamingRenamesOrDoesNot) {
+TEST_F(OutOfMemoryTest, RenamingRenamesOrDoesNot) {
     const char* longName = "another name that fits no small buffer of any string class";
     expectAllOrNothing([&] { document->renameVar("name", longName); },
                        [&] { document->renameVar(longName, "name"); });
 }
 
-TEST_F(OutOfMemory, ConvertingIntoAVariableConvertsOrDoesNot) {
+TEST_F(OutOfMemoryTest, ConvertingIntoAVariableConvertsOrDoesNot) {
     const auto undo = [&] {
         const Held<KEL_String> text(expected->getString("name"));
         document->setString("name", text->getValue());
@@ -202,19 +203,19 @@ TEST_F(OutOfMemory, ConvertingIntoAVariableConvertsOrDoesNot) {
     expectAllOrNothing([&] { document->setInt("name", 1); }, undo);
 }
 
-TEST_F(OutOfMemory, SettingAVariableNeedsNoMemory) {
+TEST_F(OutOfMemoryTest, SettingAVariableNeedsNoMemory) {
     const FailingAllocation failing(0, true);
     document->setVar("name", value.get());
     document->removeVar("name");
     EXPECT_FALSE(failing.hasFailed());
 }
 
-TEST_F(OutOfMemory, NamesAreListedOrNot) {
+TEST_F(OutOfMemoryTest, NamesAreListedOrNot) {
     failEachAllocation([&] { Held<StringEnumeration>(document->getVarNames()).clear(); });
     EXPECT_TRUE(document->equalsValue(expected.get()));
 }
 
-TEST_F(OutOfMemory, AddVarsOfStructsAddsWholeVariables) {
+TEST_F(OutOfMemoryTest, AddVarsOfStructsAddsWholeVariables) {
     const auto target = make<KEL_Struct_Impl>();
     failEachAllocation([&] { target->addVars(document.get()); },
                        [&] {
@@ -228,7 +229,7 @@ TEST_F(OutOfMemory, AddVarsOfStructsAddsWholeVariables) {
                        });
 }
 
-TEST_F(OutOfMemory, AssigningAContainerTakesItOverOrDoesNot) {
+TEST_F(OutOfMemoryTest, AssigningAContainerTakesItOverOrDoesNot) {
     const auto other = make<KEL_Struct_Impl>();
     other->putString("x", "text");
     other->addVar("list", &list());
@@ -236,7 +237,7 @@ TEST_F(OutOfMemory, AssigningAContainerTakesItOverOrDoesNot) {
                        [&] { document->assign(expected.get()); });
 }
 
-TEST_F(OutOfMemory, AddingToAManagerAddsOrDoesNot) {
+TEST_F(OutOfMemoryTest, AddingToAManagerAddsOrDoesNot) {
     JHashCode identity;
     value->getHashCode(identity);
     const auto full = make<KEL_Manager_Impl>();
@@ -254,7 +255,7 @@ TEST_F(OutOfMemory, AddingToAManagerAddsOrDoesNot) {
     failEachAllocation([&] { full->addKel(value.get()); }, expectTen);
 }
 
-TEST_F(OutOfMemory, AnObserverIsRegisteredOrNot) {
+TEST_F(OutOfMemoryTest, AnObserverIsRegisteredOrNot) {
     Watcher other;
     const auto observed = make<KEL_Int_Impl>(1);
     failEachAllocation([&] { observed->addObserver(&other); },
@@ -266,7 +267,7 @@ TEST_F(OutOfMemory, AnObserverIsRegisteredOrNot) {
                        });
 }
 
-TEST_F(OutOfMemory, NotifyingNeedsNoMemory) {
+TEST_F(OutOfMemoryTest, NotifyingNeedsNoMemory) {
     const auto observed = make<KEL_Int_Impl>(1);
     observed->addObserver(&watcher);
     const FailingAllocation failing(0, true);
@@ -274,7 +275,7 @@ TEST_F(OutOfMemory, NotifyingNeedsNoMemory) {
     EXPECT_FALSE(failing.hasFailed());
 }
 
-TEST_F(OutOfMemory, DestroyingNeedsNoMemory) {
+TEST_F(OutOfMemoryTest, DestroyingNeedsNoMemory) {
     Held<KEL_Impl> tree(kel::test::nestedMixed(1000));
     const FailingAllocation failing(0, true);
     tree.clear();
@@ -282,7 +283,7 @@ TEST_F(OutOfMemory, DestroyingNeedsNoMemory) {
     EXPECT_FALSE(failing.hasFailed());
 }
 
-TEST_F(OutOfMemory, FactoriesAnswerNull) {
+TEST_F(OutOfMemoryTest, FactoriesAnswerNull) {
     const auto answersNull = [](auto create) {
         std::size_t nulls = 0;
         failEachAllocation([&] {
@@ -304,7 +305,7 @@ TEST_F(OutOfMemory, FactoriesAnswerNull) {
     EXPECT_TRUE(answersNull([] { return CreateKELMemBlock(10, nullptr); }));
 }
 
-TEST_F(OutOfMemory, FactoriesThrowNothingButABlocksOwnFailure) {
+TEST_F(OutOfMemoryTest, FactoriesThrowNothingButABlocksOwnFailure) {
     for (std::size_t allowed = 0; allowed < 4; ++allowed) {
         const FailingAllocation failing(allowed);
         EXPECT_NO_THROW(DeleteKEL(CreateKELInt(1)));
@@ -314,8 +315,9 @@ TEST_F(OutOfMemory, FactoriesThrowNothingButABlocksOwnFailure) {
         EXPECT_NO_THROW(DeleteKEL(CreateKELManager()));
     }
     const FailingAllocation failing(1);
-    EXPECT_EQ(kel::test::thrownMessage<KELOutOfMemoryException>([] { CreateKELMemBlock(9, nullptr); }),
-              "Out of memory!");
+    EXPECT_EQ(
+        kel::test::thrownMessage<KELOutOfMemoryException>([] { CreateKELMemBlock(9, nullptr); }),
+        "Out of memory!");
 }
 
 } // namespace

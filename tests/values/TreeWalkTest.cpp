@@ -36,7 +36,9 @@ bool areEqual(const KEL& a, const KEL& b) {
     return equal;
 }
 
-KEL* elementOf(KEL* array, int32_t index) { return dynamic_cast<KEL_Array&>(*array).getVar(index); }
+KEL* elementOf(KEL* array, int32_t index) {
+    return dynamic_cast<KEL_Array&>(*array).getVar(index);
+}
 
 KEL* variableOf(KEL* structure, const char* name) {
     return dynamic_cast<const KEL_Struct&>(*structure).getVar(name);

@@ -3,6 +3,7 @@
 #include "DoubleText.h"
 #include "ReservedShapes.h"
 #include "Utf8.h"
+#include "Values.h"
 
 #include <cmath>
 #include <cstring>
@@ -10,6 +11,22 @@
 namespace kel::tool {
 
 namespace {
+
+/// What people call a value of a kind that only text has a form for.
+const char* nameOfTextOnly(const KEL& value) {
+    switch (value.getType()) {
+    case KELKind_IndexList:
+        return "an index list";
+    case KELKind_MetaKel:
+        return "a checked struct";
+    case KELKind_MetaKelDescriptor:
+        return "a struct descriptor";
+    case KELKind_MetaKelVarDescriptor:
+        return "a variable descriptor";
+    default:
+        return "a selector";
+    }
+}
 
 const char* obstacleInText(const KEL& value) {
     switch (value.getType()) {
@@ -19,6 +36,10 @@ const char* obstacleInText(const KEL& value) {
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
+    case KELKind_IndexList:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
         return nullptr;
     case KELKind_Double:
         return obstacleOfDouble(value.toDouble(), Format::text);
@@ -27,7 +48,7 @@ const char* obstacleInText(const KEL& value) {
     case KELKind_MemBlock:
         return "a memory block";
     default:
-        return "a value of a kind that is shown but not converted";
+        return nameOfTextOnly(value); // a selector, which no format has a form for
     }
 }
 
@@ -39,7 +60,7 @@ const char* obstacleInBinary(const KEL& value) {
     if (kind == KELKind_Manager) {
         return "a manager";
     }
-    return kind > KELKind_Manager ? "a value of a kind without a binary form" : nullptr;
+    return isTextOnly(value) ? nameOfTextOnly(value) : nullptr;
 }
 
 const char* obstacleInJson(const KEL& value) {
@@ -62,7 +83,7 @@ const char* obstacleInJson(const KEL& value) {
     case KELKind_Manager:
         return "a manager";
     default:
-        return "a value of a kind without a JSON form";
+        return nameOfTextOnly(value);
     }
 }
 

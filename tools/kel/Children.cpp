@@ -1,6 +1,6 @@
 #include "Children.h"
 
-#include <string>
+#include <utility>
 #include <vector>
 
 namespace kel::tool {
@@ -30,12 +30,41 @@ void replaceElements(KEL_Array& array, const Replacement& replace) {
     }
 }
 
+void replacePairs(KEL_IndexList& list, const Replacement& replace) {
+    std::vector<std::pair<Value, Value>> pairs;
+    bool isChanged = false;
+    const auto settled = [&](KEL* value) {
+        Value replacement;
+        if (!replace(value, replacement)) {
+            return share(value);
+        }
+        isChanged = true;
+        return replacement;
+    };
+    for (int32_t i = 0; i < list.getCount(); ++i) {
+        Value key = settled(list.getKeyAt(i));
+        pairs.emplace_back(std::move(key), settled(list.getItemAt(i)));
+    }
+    if (!isChanged) {
+        return;
+    }
+    list.removeAllPairs();
+    for (const auto& [key, item] : pairs) {
+        list.addPair(key.get(), item.get()); // which ignores a pair with null
+    }
+}
+
 void replaceMembers(KEL_Struct& structure, const Replacement& replace) {
     const Names names(structure.getVarNames());
     while (names->hasMoreElements()) {
         const char* name = names->nextElement();
         Value replacement;
-        if (replace(memberOf(structure, name), replacement)) {
+        if (!replace(memberOf(structure, name), replacement)) {
+            continue;
+        }
+        if (auto* checked = dynamic_cast<MetaKel*>(&structure)) {
+            checked->clearVar(name); // setVar would check the value and ignore null
+        } else {
             structure.setVar(name, replacement.get());
         }
     }
@@ -46,6 +75,8 @@ void replaceMembers(KEL_Struct& structure, const Replacement& replace) {
 void replaceChildren(KEL& container, const Replacement& replace) {
     if (auto* array = dynamic_cast<KEL_Array*>(&container)) {
         replaceElements(*array, replace);
+    } else if (auto* list = dynamic_cast<KEL_IndexList*>(&container)) {
+        replacePairs(*list, replace);
     } else if (auto* structure = dynamic_cast<KEL_Struct*>(&container)) {
         replaceMembers(*structure, replace);
     }

@@ -11,9 +11,10 @@ namespace kel::tool {
 /// Answers whether the child, null included, has to go, and sets what comes in its place.
 using Replacement = std::function<bool(KEL* child, Value& replacement)>;
 
-/// Asks replace for every value that an array or struct holds itself and puts the replacements in.
-/// A null replacement becomes a null variable in a struct and leaves the element out in an array.
-/// Any other value is left alone.
+/// Asks replace for every value that an array, index list or struct (checked ones and descriptors
+/// too) holds itself and puts the replacements in. A null replacement becomes a null variable in a
+/// struct, leaves the element out in an array and the pair in an index list. The variables of a
+/// checked struct only ever become null. Any other value is left alone.
 void replaceChildren(KEL& container, const Replacement& replace);
 
 } // namespace kel::tool

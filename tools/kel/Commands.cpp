@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "DescriptorCheck.h"
 #include "Failure.h"
 #include "Fitter.h"
 #include "Input.h"
@@ -70,12 +71,16 @@ int convert(const Options& options, Console& console) {
     console.begin("checking " + name);
     // The reader of JSON has listed everything already, under the paths of the JSON text.
     Places* rest = input.format == Format::json ? nullptr : &places;
-    requireSensibleSize(survey(input, target, name, rest), target, name);
+    const Survey found = survey(input, target, name, rest);
+    requireSensibleSize(found, target, name);
     if (places.count() > 0) {
         const std::string list = lossesOf(places, name, input, nameOf(target));
         if (!options.isForced) {
             throw Failure{Trouble::refused,
-                          list + "\nNothing was written; --force converts the rest."};
+                          list + (found.hasTextOnly
+                                      ? "\nNothing was written; text carries all of it, --force "
+                                        "converts the rest."
+                                      : "\nNothing was written; --force converts the rest.")};
         }
         console.say("warning: " + list);
         fit(input.document, target);
@@ -105,13 +110,32 @@ int show(const Options& options, Console& console) {
     return 0;
 }
 
+/// Says where the document departs from the descriptors in it. \return whether it nowhere does
+bool areDescriptorsKept(const Document& document, const std::string& inputName, Console& console) {
+    bool areKept = true;
+    console.begin("checking " + inputName);
+    try {
+        checkDescriptors(document, [&](const std::string& violation) {
+            areKept = false;
+            console.say(inputName + ": " + violation);
+        });
+    } catch (Failure& failure) {
+        failure.message = inputName + ": " + failure.message;
+        throw;
+    }
+    return areKept;
+}
+
 int check(const Options& options, Console& console) {
     int worst = 0;
     for (const std::string& name : options.inputs) {
         console.begin("reading " + name);
         try {
             Places lostInReading; // a matter of converting, not of the file
-            readInput(name, options.from, std::nullopt, lostInReading);
+            const Input input = readInput(name, options.from, std::nullopt, lostInReading);
+            if (input.mayHoldDescriptors && !areDescriptorsKept(input.document, name, console)) {
+                worst = std::max(worst, exitStatus(Trouble::refused));
+            }
         } catch (const Failure& failure) {
             console.say(failure.message);
             const bool isWrong = failure.trouble == Trouble::malformed;

@@ -1,14 +1,12 @@
 #include "Fitter.h"
 
 #include "Children.h"
-#include "GuidText.h"
-#include "ManagerElements.h"
+#include "PlainData.h"
 #include "TreeCursor.h"
 
 #include <algorithm>
 #include <cmath>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 
 namespace kel::tool {
@@ -30,58 +28,16 @@ bool fitText(KEL& value, Value& replacement) {
            (value.getType() == KELKind_Double && !std::isfinite(value.toDouble()));
 }
 
-/// Makes values fit binary. A manager that sits in several places becomes one array in all of them.
-class BinaryFitter {
-public:
-    /// Sets what comes in the place of a value.
-    bool operator()(KEL& value, Value& replacement) {
-        if (value.getType() == KELKind_guid) {
-            replacement = made(CreateKELString(value.toString()));
-            return true;
-        }
-        if (value.getType() == KELKind_Manager) {
-            replacement = share(arrayFor(value));
-            return true;
-        }
-        return false;
-    }
-
-private:
-    /// The manager stays referred to, so that no other value takes its address meanwhile.
-    struct Exchange {
-        Value manager;
-        Value array;
-    };
-
-    KEL* arrayFor(KEL& value) {
-        Exchange& exchange = exchanges_[&value];
-        if (exchange.array == nullptr) {
-            exchange.manager = share(&value);
-            KEL_Array* array = CreateKELArray();
-            exchange.array = made(array);
-            for (KEL* element : elementsOf(dynamic_cast<KEL_Manager&>(value))) {
-                array->addVar(element);
-            }
-        }
-        return exchange.array.get();
-    }
-
-    std::unordered_map<const KEL*, Exchange> exchanges_;
-};
-
 } // namespace
 
 void fit(Document& document, Format target) {
     if (target != Format::binary) {
         document.cutCycles();
     }
-    if (target == Format::json) {
-        return;
-    }
-    BinaryFitter fitBinary;
-    const Replacement replace = [target, &fitBinary](KEL* child, Value& replacement) {
+    PlainData plain(target);
+    const Replacement replace = [target, &plain](KEL* child, Value& replacement) {
         return child != nullptr && (target == Format::text ? fitText(*child, replacement)
-                                                           : fitBinary(*child, replacement));
+                                                           : plain.exchange(*child, replacement));
     };
     std::unordered_set<const KEL*> met;
     for (Value& root : document.roots()) {

@@ -11,10 +11,11 @@ namespace kel::tool {
 ///
 /// - text: double quotes in strings become single ones; memory blocks and doubles that are not
 ///   finite become null, or are left out of an array; other doubles keep six decimals
-/// - binary: guids become strings, managers become arrays of their values, null roots are left out
+/// - binary: guids become strings, null roots are left out
+/// - binary and JSON: managers, index lists, checked structs and descriptors become plain data
 /// - text and JSON: a value inside itself becomes null, or is left out of an array
 ///
-/// What JSON has no form for (bytes that are no UTF-8, infinities, managers) its writer replaces.
+/// Bytes that are no UTF-8 and doubles that are not finite are replaced by the writer of JSON.
 void fit(Document& document, Format target);
 
 } // namespace kel::tool

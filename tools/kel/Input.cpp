@@ -56,7 +56,9 @@ Input readInput(const std::string& name, std::optional<Format> from, std::option
         if (format == Format::json) {
             return {format, readJson(std::move(bytes), name, target, places)};
         }
-        return {format, readKel(std::move(bytes), format, name)};
+        const bool hasKinds =
+            format == Format::text && bytes.find("@type") != std::string::npos; // in a header
+        return {format, readKel(std::move(bytes), format, name), hasKinds};
     } catch (const std::bad_alloc&) {
         throw Failure{Trouble::unreadable, name + ": out of memory"};
     } catch (const std::length_error&) {

@@ -19,6 +19,8 @@ std::string readBytes(const std::string& name);
 struct Input {
     Format format;
     Document document;
+    /// Whether there may be checked structs and descriptors, which text alone has a form for.
+    bool mayHoldDescriptors = false;
 };
 
 /// Reads the root values of the named file, of stdin for "-".

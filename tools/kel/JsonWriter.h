@@ -11,8 +11,8 @@ namespace kel::tool {
 /// Writes all root values as JSON: a single one indented by four spaces, several ones compactly,
 /// one on each line. Structs become objects in the order of their names. Doubles always have a
 /// point or an exponent and read back exactly. What JSON has no form for is replaced: bytes that
-/// are no UTF-8 by U+FFFD, doubles that are not finite by null, managers by arrays of their values.
-/// The document must not contain a value inside itself.
+/// are no UTF-8 by U+FFFD, doubles that are not finite by null. Values without any plain form have
+/// been exchanged by fit before. The document must not contain a value inside itself.
 /// \throws Failure unwritten with the system's reason as its message
 void writeJson(const Document& document, std::FILE* file);
 

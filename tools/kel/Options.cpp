@@ -49,9 +49,10 @@ constexpr const char* convertNotes = R"(JSON:
 Nothing is lost silently:
   What the output cannot carry makes convert refuse: nothing is written, and the first ten
   places are listed. Text cannot carry a double quote in a string, a double that six decimals
-  or a 32-bit integer part do not carry, a memory block. Binary cannot carry guids, managers
-  and null outside a struct. JSON cannot carry managers, bytes that are no UTF-8, doubles that
-  are not finite, and structs that look like a guid or memory block. Values do not hold what
+  or a 32-bit integer part do not carry, a memory block. Binary cannot carry guids and null
+  outside a struct. JSON cannot carry bytes that are no UTF-8, doubles that are not finite, and
+  structs that look like a guid or memory block. Neither can carry managers, index lists, checked
+  structs and descriptors; text carries them all. Values do not hold what
   only JSON knows: null in an array, names that are empty or contain a double quote, integers
   that no double holds exactly. Text and JSON cannot carry a value that contains itself.
   Identities, and that a value is shared between places, are not kept outside binary.
@@ -59,8 +60,11 @@ Nothing is lost silently:
 With --force the same list is a warning, and:
   text    double quotes become single ones, doubles get six decimals; memory blocks and doubles
           that are not finite become null or are left out of arrays
-  binary  guids become strings, managers arrays of their values; null roots are left out
-  json    managers become arrays of their values, doubles that are not finite null
+  binary  guids become strings; null roots are left out
+  json    doubles that are not finite become null
+  binary and json
+          managers become arrays of their values, index lists arrays of their pairs, checked
+          structs plain structs without "@desc", descriptors plain structs
   From JSON, null in arrays and members with such names are left out; integers are rounded.
   A value inside itself becomes null or is left out of an array.
   Documents that would unfold to more than 2147483648 values or 16 GiB are refused all the same.
@@ -83,8 +87,10 @@ Examples:
 
 constexpr const char* checkNotes =
     R"(Says nothing about files that are fine. An error tells the file and the line, in binary
-files the offset where reading stopped. Exit status 1 when a file is malformed, 3 when one
-cannot be read.
+files the offset where reading stopped. Checked structs are compared with their descriptors: each
+variable whose value its descriptor does not allow is told with its path, the value and what is
+allowed, and so is each variable descriptor that is wrong in itself. Exit status 1 when a file is
+malformed or holds such a value, 3 when one cannot be read.
 
 Examples:
   kel check settings.kel backup.kelb

@@ -8,18 +8,12 @@ namespace kel::tool {
 
 namespace {
 
-/// A path of a deeply nested value would fill the screen; its two ends tell enough.
-constexpr size_t longestPath = 160;
 constexpr size_t shownEnd = 76;
 constexpr std::string_view gap = " ... ";
 
 bool isBareCharacter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
            c == '@';
-}
-
-bool isContinuation(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
 }
 
 void appendHex(std::string& out, const char* prefix, unsigned char byte) {
@@ -77,7 +71,7 @@ std::string PathText::take() const {
     if (text_.empty()) {
         return "(the value itself)";
     }
-    if (text_.size() <= longestPath) {
+    if (text_.size() <= longest) {
         return text_;
     }
     size_t headEnd = shownEnd;

@@ -2,6 +2,7 @@
 /// PathText: the way from a root value to one inside it, for people: `statuses[3].id`.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,6 +13,10 @@ namespace kel::tool {
 /// dot, all others as `["..."]` with escapes, so a path is always one line of printable text.
 class PathText {
 public:
+    /// A longer path loses its middle: of a deeply nested value it would fill the screen, and its
+    /// two ends tell enough.
+    static constexpr size_t longest = 160;
+
     /// Into the element of an array.
     void addIndex(uint64_t index);
     /// Into the member of a struct.
@@ -19,7 +24,7 @@ public:
     /// Into the element of a manager, told by its identity in GUID layout.
     void addIdentity(std::string_view guid);
 
-    /// The path; "(the value itself)" without any step. Long ones lose their middle.
+    /// The path; "(the value itself)" without any step. What is longer than longest loses its middle.
     std::string take() const;
 
 private:

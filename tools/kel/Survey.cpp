@@ -39,7 +39,7 @@ public:
     /// Visits everything below a root.
     void visit(KEL* root, size_t rootNumber);
 
-    Survey result() const { return {total_.values, total_.bytes, cycle_}; }
+    Survey result() const { return {total_.values, total_.bytes, cycle_, hasTextOnly_}; }
 
 private:
     /// A container that was entered, and its extent once it has been left.
@@ -50,7 +50,7 @@ private:
 
     void arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNumber);
     void enter(TreeCursor& cursor, size_t rootNumber);
-    void leave(const KEL* container);
+    void leave(const KEL& container);
     void list(const TreeCursor& cursor, size_t rootNumber, const char* reason);
     void add(const Extent& extent) { (open_.empty() ? total_ : open_.back()).add(extent); }
 
@@ -58,6 +58,7 @@ private:
     Places* places_;
     Extent total_;
     std::optional<std::string> cycle_;
+    bool hasTextOnly_ = false;
     std::vector<Extent> open_; ///< what the open containers hold so far
     std::unordered_map<const KEL*, Met> met_;
 };
@@ -74,10 +75,11 @@ uint64_t bytesOf(const KEL& scalar) {
 }
 
 void Surveyor::visit(KEL* root, size_t rootNumber) {
-    TreeCursor cursor(root);
+    TreeCursor cursor(root, target_ == Format::text ? TreeCursor::Descriptors::visited
+                                                    : TreeCursor::Descriptors::passedOver);
     for (auto event = cursor.next(); event != TreeCursor::Event::done; event = cursor.next()) {
         if (event == TreeCursor::Event::leave) {
-            leave(cursor.value());
+            leave(*cursor.value());
         } else {
             arrive(cursor, event, rootNumber);
         }
@@ -99,13 +101,16 @@ void Surveyor::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNu
     if (event == TreeCursor::Event::enter) {
         enter(cursor, rootNumber);
     } else {
-        add({1, 1, event == TreeCursor::Event::scalar ? bytesOf(*cursor.value()) : 1});
+        const KEL* value = cursor.value();
+        hasTextOnly_ = hasTextOnly_ || (value != nullptr && isTextOnly(*value));
+        add({1, 1, value != nullptr ? bytesOf(*value) : 1});
     }
 }
 
 void Surveyor::enter(TreeCursor& cursor, size_t rootNumber) {
     const auto [place, isNew] = met_.try_emplace(cursor.value());
     if (isNew) {
+        hasTextOnly_ = hasTextOnly_ || isTextOnly(*cursor.value());
         list(cursor, rootNumber, obstacleOf(*cursor.value(), target_));
         open_.emplace_back();
         return;
@@ -124,13 +129,24 @@ void Surveyor::enter(TreeCursor& cursor, size_t rootNumber) {
     cursor.skip();
 }
 
-void Surveyor::leave(const KEL* container) {
+/// The extent of a container that holds what was counted inside.
+Extent extentAround(const Extent& inside, const KEL& container, Format target) {
+    // An index list is written as two arrays, each with a comment, so its values stand one level
+    // deeper than those of other containers.
+    const bool isList = container.getType() == KELKind_IndexList;
+    const uint64_t ownLines = isList ? 6 : 0;
+    const uint64_t lines = sum(inside.lines, ownLines);
+    const uint64_t tabs = isList ? sum(inside.lines, lines) : lines;
+    return {sum(inside.values, isList ? 3 : 1), sum(lines, 2),
+            sum(inside.bytes, target == Format::text ? tabs : 0)};
+}
+
+void Surveyor::leave(const KEL& container) {
     const Extent inside = open_.back();
     open_.pop_back();
-    Met& met = met_[container];
+    Met& met = met_[&container];
     met.isOpen = false;
-    const uint64_t tabs = target_ == Format::text ? inside.lines : 0;
-    met.extent = {sum(inside.values, 1), sum(inside.lines, 2), sum(inside.bytes, tabs)};
+    met.extent = extentAround(inside, container, target_);
     add(met.extent);
 }
 

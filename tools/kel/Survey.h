@@ -23,9 +23,12 @@ struct Survey {
     uint64_t bytes = 0;
     /// The way to the first value that is one of the containers it lies in.
     std::optional<std::string> cycle;
+    /// Whether there is a value that only text has a form for.
+    bool hasTextOnly = false;
 };
 
-/// Looks at every value of the document once, in linear time.
+/// Looks at every value of the document once, in linear time. For any other target than text what
+/// stands under "@desc" of a checked struct is passed over, as it goes together with the checking.
 /// \param target the format that the document is to be written in
 /// \param places gets every place that target cannot carry; a value that sits in several places is
 ///        listed where it comes first. Null when the places are known already.

@@ -2,7 +2,6 @@
 
 #include "GuidText.h"
 #include "ManagerElements.h"
-#include "PathText.h"
 
 #include <cstring>
 
@@ -38,7 +37,9 @@ TreeCursor::Event TreeCursor::arrive(KEL* value) {
     if (!isContainer(*value)) {
         return Event::scalar;
     }
-    stack_.push_back({value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value)});
+    stack_.push_back({value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value),
+                      value->getType() == KELKind_IndexList ? dynamic_cast<KEL_IndexList*>(value)
+                                                            : nullptr});
     return Event::enter;
 }
 
@@ -49,31 +50,47 @@ void TreeCursor::open(Frame& frame) {
         return;
     }
     if (frame.structure != nullptr) {
-        frame.begin = frame.nextName = names_.size();
-        const Names names(frame.structure->getVarNames());
-        frame.count = names->getCount();
-        while (names->hasMoreElements()) {
-            const char* name = names->nextElement();
-            names_.append(name, std::strlen(name) + 1);
-        }
+        openStruct(frame);
+        return;
+    }
+    if (frame.list != nullptr) {
+        frame.count = int64_t{2} * frame.list->getCount();
         return;
     }
     const std::vector<KEL*> elements = elementsOf(dynamic_cast<KEL_Manager&>(*frame.container));
     frame.begin = elements_.size();
-    frame.count = static_cast<int32_t>(elements.size());
+    frame.count = static_cast<int64_t>(elements.size());
     elements_.insert(elements_.end(), elements.begin(), elements.end());
 }
 
+void TreeCursor::openStruct(Frame& frame) {
+    frame.begin = frame.nextName = names_.size();
+    const bool passesOver = descriptors_ == Descriptors::passedOver &&
+                            frame.container->getType() == KELKind_MetaKel;
+    const Names names(frame.structure->getVarNames());
+    while (names->hasMoreElements()) {
+        const char* name = names->nextElement();
+        if (!passesOver || std::strcmp(name, descriptorName) != 0) {
+            names_.append(name, std::strlen(name) + 1);
+            ++frame.count;
+        }
+    }
+}
+
 KEL* TreeCursor::childOf(Frame& frame) {
-    const int32_t number = frame.next++;
+    const int64_t number = frame.next++;
     if (frame.array != nullptr) {
-        return frame.array->getVar(number);
+        return frame.array->getVar(static_cast<int32_t>(number));
     }
     if (frame.structure != nullptr) {
         const char* name = names_.data() + frame.nextName;
         frame.name = frame.nextName;
         frame.nextName += std::strlen(name) + 1;
         return memberOf(*frame.structure, name);
+    }
+    if (frame.list != nullptr) {
+        const auto pair = static_cast<int32_t>(number / 2);
+        return number % 2 == 0 ? frame.list->getKeyAt(pair) : frame.list->getItemAt(pair);
     }
     return elements_[frame.begin + static_cast<size_t>(number)];
 }
@@ -82,7 +99,7 @@ void TreeCursor::close() {
     const Frame& frame = stack_.back();
     if (frame.structure != nullptr) {
         names_.resize(frame.begin);
-    } else if (frame.array == nullptr) {
+    } else if (frame.array == nullptr && frame.list == nullptr) {
         elements_.resize(frame.begin);
     }
     stack_.pop_back();
@@ -96,20 +113,32 @@ const char* TreeCursor::name() const {
 }
 
 std::string TreeCursor::path() const {
+    // Every step has a character at least, so only so many at the two ends can be shown.
+    constexpr size_t shownSteps = PathText::longest;
     PathText path;
     for (size_t i = 0; i < depth_; ++i) {
-        const Frame& frame = stack_[i];
-        if (frame.structure != nullptr) {
-            path.addName(names_.data() + frame.name);
-        } else if (frame.array != nullptr) {
-            path.addIndex(static_cast<uint64_t>(frame.next) - 1);
-        } else {
-            JHashCode identity;
-            elements_[frame.begin + static_cast<size_t>(frame.next) - 1]->getHashCode(identity);
-            path.addIdentity(textOfGuid(identity));
+        if (i == shownSteps && depth_ > 2 * shownSteps) {
+            i = depth_ - shownSteps;
         }
+        addStep(path, stack_[i]);
     }
     return path.take();
+}
+
+void TreeCursor::addStep(PathText& path, const Frame& frame) const {
+    const auto number = static_cast<uint64_t>(frame.next) - 1;
+    if (frame.structure != nullptr) {
+        path.addName(names_.data() + frame.name);
+    } else if (frame.array != nullptr) {
+        path.addIndex(number);
+    } else if (frame.list != nullptr) {
+        path.addIndex(number / 2);
+        path.addName(number % 2 == 0 ? "key" : "item");
+    } else {
+        JHashCode identity;
+        elements_[frame.begin + number]->getHashCode(identity);
+        path.addIdentity(textOfGuid(identity));
+    }
 }
 
 } // namespace kel::tool

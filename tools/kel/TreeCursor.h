@@ -2,6 +2,7 @@
 /// TreeCursor: visits every value below a root, in order, without recursion.
 #pragma once
 
+#include "PathText.h"
 #include "Values.h"
 
 #include <string>
@@ -11,7 +12,8 @@ namespace kel::tool {
 
 /// Walks a tree with a stack of its own, however deep it is. Every value is visited as often as the
 /// tree holds it; whoever walks trees in which values are shared or contain themselves has to skip
-/// what was visited before. The tree belongs to somebody else, who keeps it alive.
+/// what was visited before. The values in an index list are its keys and items, pair by pair; the
+/// two arrays that hold them are not visited. The tree belongs to somebody else, who keeps it alive.
 class TreeCursor {
 public:
     enum class Event {
@@ -22,7 +24,11 @@ public:
         done    ///< nothing is left
     };
 
-    explicit TreeCursor(KEL* root) : root_(root) {}
+    /// Whether the descriptor under "@desc" of a checked struct is visited like a variable.
+    enum class Descriptors { visited, passedOver };
+
+    explicit TreeCursor(KEL* root, Descriptors descriptors = Descriptors::visited)
+        : root_(root), descriptors_(descriptors) {}
 
     /// Moves on. \throws Failure refused for a manager whose values cannot be listed
     Event next();
@@ -35,6 +41,9 @@ public:
 
     /// The number of containers around the value.
     size_t depth() const { return depth_; }
+
+    /// The container around the value; null for the root.
+    KEL* container() const { return depth_ == 0 ? nullptr : stack_[depth_ - 1].container; }
 
     /// The value's name in the struct around it, valid until next; null elsewhere.
     const char* name() const;
@@ -50,21 +59,25 @@ private:
     struct Frame {
         KEL* container;
         KEL_Array* array;      ///< for arrays
-        KEL_Struct* structure; ///< for structs
+        KEL_Struct* structure; ///< for structs, also checked ones, and descriptors
+        KEL_IndexList* list;   ///< for index lists
         size_t begin = 0;      ///< where the frame's names or elements begin in their stack
         size_t name = 0;       ///< the current variable's name
         size_t nextName = 0;   ///< the next variable's name
-        int32_t next = 0;      ///< number of the next value
-        int32_t count = 0;
+        int64_t next = 0;      ///< number of the next value
+        int64_t count = 0;
         bool isOpen = false;
     };
 
     Event arrive(KEL* value);
     void open(Frame& frame);
+    void openStruct(Frame& frame);
     KEL* childOf(Frame& frame);
     void close();
+    void addStep(PathText& path, const Frame& frame) const;
 
     KEL* root_;
+    Descriptors descriptors_;
     KEL* value_ = nullptr;
     size_t depth_ = 0;
     bool isStarted_ = false;

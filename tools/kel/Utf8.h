@@ -1,5 +1,5 @@
 /// \file
-/// Testing bytes for UTF-8, which is all that JSON strings can hold.
+/// UTF-8, which is all that JSON strings can hold.
 #pragma once
 
 #include <string_view>
@@ -12,5 +12,10 @@ size_t utf8SequenceLength(std::string_view bytes);
 
 /// True when the bytes are well-formed UTF-8 throughout.
 bool isUtf8(std::string_view bytes);
+
+/// True for the bytes that continue a sequence, before which a text must not be cut.
+constexpr bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
+}
 
 } // namespace kel::tool

@@ -43,8 +43,27 @@ using Names = std::unique_ptr<StringEnumeration, NamesDeleter>;
 
 /// True for the kinds that hold other values.
 inline bool isContainer(const KEL& value) {
-    const int32_t kind = value.getType();
-    return kind == KELKind_Array || kind == KELKind_Struct || kind == KELKind_Manager;
+    switch (value.getType()) {
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Manager:
+    case KELKind_IndexList:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The name under which a checked struct holds its descriptor.
+constexpr const char* descriptorName = "@desc";
+
+/// True for the kinds that only text has a form for: index lists, selectors, checked structs and
+/// descriptors.
+inline bool isTextOnly(const KEL& value) {
+    return value.getType() > KELKind_Manager;
 }
 
 /// The struct's variable, borrowed; null when it holds no value. The name has to exist.

@@ -1,0 +1,89 @@
+/// \file
+/// What the tests of streams share beside Host.h: files, pipes, and text in one expression.
+#pragma once
+
+#include "Host.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <unistd.h>
+
+namespace host {
+
+/// A stdio file that is closed at the end of the scope.
+struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using Handle = std::unique_ptr<std::FILE, Closer>;
+
+/// A file of the test's own, removed at its end.
+class File {
+public:
+    File() : path_(std::filesystem::temp_directory_path() / uniqueName()) {}
+    explicit File(const std::string& bytes) : File() {
+        std::ofstream(path_, std::ios::binary)
+            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() { std::filesystem::remove(path_); }
+
+    const char* name() const { return path_.c_str(); }
+    Handle open(const char* mode) const { return Handle(std::fopen(name(), mode)); }
+    std::string bytes() const {
+        std::ifstream file(path_, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+private:
+    static std::string uniqueName() {
+        static int count = 0;
+        return "kel-host-" + std::to_string(getpid()) + "-" + std::to_string(++count);
+    }
+
+    std::filesystem::path path_;
+};
+
+/// Two stdio files joined by the system, neither of which can seek.
+struct Pipe {
+    Pipe() {
+        int ends[2] = {-1, -1};
+        if (pipe(ends) == 0) {
+            reading = Handle(fdopen(ends[0], "rb"));
+            writing = Handle(fdopen(ends[1], "wb"));
+        }
+    }
+
+    Handle reading;
+    Handle writing;
+};
+
+/// All bytes that are left in a file.
+inline std::string rest(std::FILE* file) {
+    std::string bytes;
+    for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
+        bytes.push_back(static_cast<char>(c));
+    }
+    return bytes;
+}
+
+/// The text of a value.
+inline std::string textOf(KEL* value) {
+    const auto stream = hold(CreateKELStringOutputStream());
+    stream->write(value);
+    const char* text = stream->getString();
+    return text == nullptr ? "" : text;
+}
+
+/// The value of a text.
+inline Held<KEL> fromText(const std::string& text) {
+    const auto stream =
+        hold(CreateKELStringInputStream(text.data(), static_cast<int32_t>(text.size())));
+    return hold(stream->read());
+}
+
+} // namespace host

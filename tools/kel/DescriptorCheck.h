@@ -1,0 +1,25 @@
+/// \file
+/// Whether values keep to their descriptors.
+#pragma once
+
+#include "Document.h"
+
+#include <functional>
+#include <string>
+
+namespace kel::tool {
+
+/// Takes one violation, "PATH: what is wrong", on one line.
+using ViolationReport = std::function<void(const std::string&)>;
+
+/// Looks at every value of the document once, in the order of its text form, and reports
+///
+/// - every variable of a checked struct that its descriptor finds invalid, with what is allowed;
+///   null and missing variables are no violations
+/// - every variable descriptor that no variable could keep to, or that contradicts itself
+///
+/// What sits in several places is looked at where it comes first.
+/// \throws Failure refused for a manager whose values cannot be listed
+void checkDescriptors(const Document& document, const ViolationReport& report);
+
+} // namespace kel::tool

@@ -1,0 +1,84 @@
+#include "PlainData.h"
+
+#include "ManagerElements.h"
+
+#include <cstring>
+
+namespace kel::tool {
+
+namespace {
+
+Value arrayOfElements(KEL_Manager& manager) {
+    KEL_Array* array = CreateKELArray();
+    Value made = tool::made(array);
+    for (KEL* element : elementsOf(manager)) {
+        array->addVar(element);
+    }
+    return made;
+}
+
+Value arrayOfPairs(const KEL_IndexList& list) {
+    KEL_Array* array = CreateKELArray();
+    Value made = tool::made(array);
+    for (int32_t i = 0; i < list.getCount(); ++i) {
+        KEL_Array* pair = CreateKELArray();
+        const Value madePair = tool::made(pair);
+        pair->addVar(list.getKeyAt(i));
+        pair->addVar(list.getItemAt(i));
+        array->addVar(pair);
+    }
+    return made;
+}
+
+Value structOfVariables(const KEL_Struct& variables) {
+    KEL_Struct* structure = CreateKELStruct();
+    Value made = tool::made(structure);
+    const bool isChecked = variables.getType() == KELKind_MetaKel;
+    const Names names(variables.getVarNames());
+    while (names->hasMoreElements()) {
+        const char* name = names->nextElement();
+        if (!isChecked || std::strcmp(name, descriptorName) != 0) {
+            structure->addVar(name, memberOf(variables, name));
+        }
+    }
+    return made;
+}
+
+/// The plain form of a value; null for a value that is plain already.
+Value plainFormOf(KEL& value) {
+    switch (value.getType()) {
+    case KELKind_Manager:
+        return arrayOfElements(dynamic_cast<KEL_Manager&>(value));
+    case KELKind_IndexList:
+        return arrayOfPairs(dynamic_cast<KEL_IndexList&>(value));
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        return structOfVariables(dynamic_cast<KEL_Struct&>(value));
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+bool PlainData::exchange(KEL& value, Value& replacement) {
+    if (value.getType() == KELKind_guid && target_ == Format::binary) {
+        replacement = made(CreateKELString(value.toString()));
+        return true;
+    }
+    const auto known = exchanges_.find(&value);
+    if (known != exchanges_.end()) {
+        replacement = share(known->second.plain.get());
+        return true;
+    }
+    Value plain = plainFormOf(value);
+    if (plain == nullptr) {
+        return false;
+    }
+    replacement = share(plain.get());
+    exchanges_.emplace(&value, Exchange{share(&value), std::move(plain)});
+    return true;
+}
+
+} // namespace kel::tool
