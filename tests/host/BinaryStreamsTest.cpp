@@ -20,16 +20,21 @@ template <class... Values> void write(const File& file, const Values&... values)
     (stream->write(values.get()), ...);
 }
 
-const KEL_Struct& asStruct(const Held<KEL>& value) { return dynamic_cast<KEL_Struct&>(*value); }
-KEL_Array& asArray(const Held<KEL>& value) { return dynamic_cast<KEL_Array&>(*value); }
+const KEL_Struct& asStruct(const Held<KEL>& value) {
+    return dynamic_cast<KEL_Struct&>(*value);
+}
+KEL_Array& asArray(const Held<KEL>& value) {
+    return dynamic_cast<KEL_Array&>(*value);
+}
 
-const std::string intRecord("KEL\0"                                                    // magic
-                            "\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F" // identity
-                            "\x01\x00\x00\x00"                                         // kind
-                            "\x01\x00"                                                 // version
-                            "\x04\x00\x00\x00\x00\x00\x00\x00"                         // length
-                            "\x05\x00\x00\x00",                                        // payload
-                            38);
+const std::string
+    intRecord("KEL\0"                                                            // magic
+              "\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F" // identity
+              "\x01\x00\x00\x00"                                                 // kind
+              "\x01\x00"                                                         // version
+              "\x04\x00\x00\x00\x00\x00\x00\x00"                                 // length
+              "\x05\x00\x00\x00",                                                // payload
+              38);
 
 TEST(BinaryStreams, WriteTheRecordByteByByte) {
     const File file;

@@ -90,6 +90,7 @@ class Watcher : public KEL_Observer {
 public:
     Watcher() = default;
     explicit Watcher(std::function<void()> action) : then(std::move(action)) {}
+    virtual ~Watcher() = default;
 
     void update(KEL* value) override {
         told.push_back(value);

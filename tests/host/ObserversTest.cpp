@@ -121,7 +121,7 @@ TEST_F(HostObservers, OneObserverMayWatchManyValuesAndIsToldWhich) {
 TEST_F(HostObservers, TheLibraryNeverDeletesAnObserver) {
     struct Counted : Watcher {
         explicit Counted(int& deaths) : deaths_(deaths) {}
-        ~Counted() { ++deaths_; }
+        ~Counted() override { ++deaths_; }
         int& deaths_;
     };
     int deaths = 0;

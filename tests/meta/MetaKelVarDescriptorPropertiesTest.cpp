@@ -63,8 +63,7 @@ TEST_F(MetaKelVarDescriptorPropertiesTest, ReplaceOnlyPropertiesDoNotComeIntoBei
     EXPECT_FALSE(empty.hasDefault());
     EXPECT_FALSE(empty.hasPreadorn());
     EXPECT_FALSE(empty.hasPostadorn());
-    EXPECT_EQ(messageOf([&] { empty.setRange(five.get(), five.get()); }),
-              "Not a ranged variable.");
+    EXPECT_EQ(messageOf([&] { empty.setRange(five.get(), five.get()); }), "Not a ranged variable.");
     EXPECT_EQ(empty.getCount(), 0);
 }
 

@@ -28,7 +28,9 @@ std::string namesOf(const KEL_Struct& structure) {
     return text;
 }
 
-std::string allowedBy(MetaKelVarDescriptor& descriptor) { return textsOf(*descriptor.getEnum()); }
+std::string allowedBy(MetaKelVarDescriptor& descriptor) {
+    return textsOf(*descriptor.getEnum());
+}
 
 /// Runs an operation that must leave the descriptor as it is.
 template <class Operation> void expectUnchanged(KEL_Impl* value, const Operation& operation) {
@@ -334,8 +336,8 @@ TEST_F(MetaKelVarDescriptorTest, ARangeFromAnyOtherEnumerationChangesNothing) {
     const auto noList = enumOf(KELKind_Double, five);
     const auto both = doubleRange(0, 1);
     asStruct(both).addVar("enum", arrayOf(doubleOf(5)).get());
-    for (KEL_Impl* each : {ints.get(), untyped.get(), noList.get(), both.get(),
-                                heldEnum.get(), heldRange.get()}) {
+    for (KEL_Impl* each :
+         {ints.get(), untyped.get(), noList.get(), both.get(), heldEnum.get(), heldRange.get()}) {
         expectUnchanged(each, [](auto& descriptor) { descriptor.rangeFromEnumeration(); });
     }
 }
@@ -359,7 +361,8 @@ TEST_F(MetaKelVarDescriptorTest, AnEnumerationFromAnyOtherVariableChangesNothing
     const auto both = doubleRange(0, 1);
     asStruct(both).addVar("enum", arrayOf(doubleOf(5)).get());
     for (KEL_Impl* each : {both.get(), heldEnum.get(), heldRange.get(), held.get()}) {
-        expectUnchanged(each, [&](auto& descriptor) { descriptor.enumerationFromRange(five.get()); });
+        expectUnchanged(each,
+                        [&](auto& descriptor) { descriptor.enumerationFromRange(five.get()); });
     }
 }
 

@@ -179,6 +179,14 @@ TEST(Guid, NoValueCanBeMadeWithoutAnIdentity) {
     EXPECT_EQ(messageOfMaking([] { return new KEL_Struct_Impl(); }), "Cannot create hash code.");
 }
 
+TEST(Guid, FactoriesLetTheFailureThrough) {
+    const NoGuids none;
+    EXPECT_EQ(thrownMessage<JException>([] { CreateKELInt(5); }), "Cannot create hash code.");
+    EXPECT_EQ(thrownMessage<JException>([] { CreateKELString("x"); }), "Cannot create hash code.");
+    EXPECT_EQ(thrownMessage<JException>([] { CreateKELArray(); }), "Cannot create hash code.");
+    EXPECT_EQ(thrownMessage<JException>([] { CreateKELGuid(); }), "Cannot create hash code.");
+}
+
 TEST(Guid, AnExceptionNeedsAnIdentityToo) {
     const NoGuids none;
     EXPECT_EQ(thrownMessage<JException>([] { throw JIOException("unread"); }),

@@ -413,6 +413,16 @@ TEST_F(JVectorTest, GrowingWithoutMemoryThrowsAndLeavesTheVector) {
     EXPECT_EQ(count(5), 1);
 }
 
+TEST_F(JVectorTest, TrimmingWithoutMemoryThrowsAndLeavesTheVector) {
+    fill(3);
+    {
+        const FailingAllocation failing(0, true);
+        EXPECT_THROW(vector.trimToSize(), JOutOfMemoryException);
+    }
+    EXPECT_EQ(contents(), (Indices{0, 1, 2}));
+    EXPECT_EQ(vector.capacity(), 5);
+}
+
 TEST_F(JVectorTest, FailureToGrowSaysSo) {
     const auto refuseLarge = [](std::size_t size) { return size < 1000; };
     const auto before = kel::platform::exchangeAllocationGate(refuseLarge);

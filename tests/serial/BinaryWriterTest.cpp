@@ -1,6 +1,7 @@
 // What the binary writer writes, byte by byte.
 #include "support/Bytes.h"
 #include "support/FailingSink.h"
+#include "support/PieceStream.h"
 #include "support/Records.h"
 #include "support/Thrown.h"
 #include "support/Trees.h"
@@ -16,7 +17,7 @@ namespace {
 
 constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
 
-const std::string magic = "4B 45 4C 00 ";                                       // "KEL" and a NUL
+const std::string magic = "4B 45 4C 00 ";                                        // "KEL" and a NUL
 const std::string identity = "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F "; // of counting
 const std::string zeroes = "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ";
 const std::string version = "01 00 ";
@@ -54,6 +55,20 @@ TEST(BinaryWriter, ADouble) {
 TEST(BinaryWriter, AMemoryBlock) {
     EXPECT_EQ(hex(binaryOf(make<KEL_MemBlock_Impl>(counting, 3, "\0\xFF\0"))),
               magic + identity + "05 00 00 00 " + version + "03 00 00 00 00 00 00 00 00 FF 00");
+}
+
+TEST(BinaryWriter, AMemoryBlockThatStillWaitsForItsSourceIsLoaded) {
+    const Held<JInputStream> source(new PieceStream("abcdef"));
+    const auto block = make<KEL_MemBlock_Impl>(source.get(), 4);
+    const std::string written = binaryOf(block);
+    EXPECT_EQ(written.substr(written.size() - 12), littleEndian(4, 8) + "abcd");
+}
+
+TEST(BinaryWriter, AMemoryBlockThatCannotBeLoadedIsReported) {
+    const Held<JInputStream> source(new PieceStream("abc"));
+    const auto block = make<KEL_MemBlock_Impl>(source.get(), 4);
+    EXPECT_EQ(thrownMessage<KELMemBlockException>([&] { binaryOf(block); }),
+              "Cannot read past the end of the memory block.");
 }
 
 TEST(BinaryWriter, AStringHasNoTerminator) {
@@ -208,9 +223,9 @@ TEST(BinaryWriter, ARootHeldOnlyByItsOwnPartIsAReferenceThere) {
     asArray(root).addVar(part.get());
     KEL_Impl* borrowed = root.get();
     root.clear(); // the part's reference is the only one left
-    EXPECT_EQ(hex(binaryOf(borrowed)),
-              hex(record(borrowed->identity(), KELKind_Array,
-                         record(part->identity(), KELKind_Array, reference(borrowed->identity())))));
+    EXPECT_EQ(hex(binaryOf(borrowed)), hex(record(borrowed->identity(), KELKind_Array,
+                                                  record(part->identity(), KELKind_Array,
+                                                         reference(borrowed->identity())))));
 }
 
 TEST(BinaryWriter, AValueWhoseIdentityIsZeroCannotBeInsideItself) {
@@ -323,8 +338,8 @@ TEST(BinaryWriterAfterAFailure, NothingOfThatWriteIsReferredTo) {
               "FailingSink failed.");
     sink->bytes.clear();
     stream->write(tree.get());
-    EXPECT_EQ(hex(sink->bytes), hex(record(counting, KELKind_Array,
-                                           reference(codeOf(1)) + intRecord(codeOf(2), 2))));
+    EXPECT_EQ(hex(sink->bytes),
+              hex(record(counting, KELKind_Array, reference(codeOf(1)) + intRecord(codeOf(2), 2))));
 }
 
 // ---- Single numbers ----------------------------------------------------------------------------

@@ -19,35 +19,36 @@ constexpr std::size_t memoryLimit = 64 * 1024 * 1024;
 
 // ---- The samples -------------------------------------------------------------------------------
 
-const std::string textSample = "/* all */ // that text can be\r\n"
-                               "#define ON true\n"
-                               "#define PAIR [ ON \"on\" ]\n"
-                               "{ @type = 8, @hashCode = 3F2504E0-4F89-11D3-9A0C-0305E82C3301\n"
-                               "\t9lives = -12\n"
-                               "\thex = 0x1F\n"
-                               "\tnumber = 12.5\n"
-                               "\t\"two words\" = \"a\tb\"\n"
-                               "\tnothing = NULL\n"
-                               "\tguid = 12345678-4F89-11D3-9A0C-0305E82C3302\n"
-                               "\tpair = PAIR\n"
-                               "\tmanaged = (\n"
-                               "\t\t1F2504E0-4F89-11D3-9A0C-0305E82C3303 = [ 1 2.5 ]\n"
-                               "\t)\n"
-                               "\tagain = REF 1F2504E0-4F89-11D3-9A0C-0305E82C3303\n"
-                               "\tlist = <\n"
-                               "\t\t/* keys: */ [ \"k\" ]\n"
-                               "\t\t/* values: */ [ 7 ]\n"
-                               ">\n"
-                               "\tchecked = { @type = 50\n"
-                               "\t\t@desc = { @type = 51, @hashCode = 5F2504E0-4F89-11D3-9A0C-0305E82C3304\n"
-                               "\t\t\tx = { @type = 52\n"
-                               "\t\t\t\ttype = 1\n"
-                               "\t\t\t}\n\n"
-                               "\t\t}\n\n"
-                               "\t\tx = 5\n"
-                               "\t}\n\n"
-                               "}\n"
-                               "[ ]\n";
+const std::string textSample =
+    "/* all */ // that text can be\r\n"
+    "#define ON true\n"
+    "#define PAIR [ ON \"on\" ]\n"
+    "{ @type = 8, @hashCode = 3F2504E0-4F89-11D3-9A0C-0305E82C3301\n"
+    "\t9lives = -12\n"
+    "\thex = 0x1F\n"
+    "\tnumber = 12.5\n"
+    "\t\"two words\" = \"a\tb\"\n"
+    "\tnothing = NULL\n"
+    "\tguid = 12345678-4F89-11D3-9A0C-0305E82C3302\n"
+    "\tpair = PAIR\n"
+    "\tmanaged = (\n"
+    "\t\t1F2504E0-4F89-11D3-9A0C-0305E82C3303 = [ 1 2.5 ]\n"
+    "\t)\n"
+    "\tagain = REF 1F2504E0-4F89-11D3-9A0C-0305E82C3303\n"
+    "\tlist = <\n"
+    "\t\t/* keys: */ [ \"k\" ]\n"
+    "\t\t/* values: */ [ 7 ]\n"
+    ">\n"
+    "\tchecked = { @type = 50\n"
+    "\t\t@desc = { @type = 51, @hashCode = 5F2504E0-4F89-11D3-9A0C-0305E82C3304\n"
+    "\t\t\tx = { @type = 52\n"
+    "\t\t\t\ttype = 1\n"
+    "\t\t\t}\n\n"
+    "\t\t}\n\n"
+    "\t\tx = 5\n"
+    "\t}\n\n"
+    "}\n"
+    "[ ]\n";
 
 /// Identities that differ in every byte, so that one changed byte makes no two alike.
 JHashCode wideCode(uint32_t number) {
@@ -56,16 +57,17 @@ JHashCode wideCode(uint32_t number) {
 }
 
 const std::string binarySample =
-    record(wideCode(1), KELKind_Struct,
-           variable("array", record(wideCode(2), KELKind_Array,
-                                    intRecord(wideCode(3), -5) + reference(wideCode(3)) +
-                                        reference(wideCode(1)))) +
-               variable("block", record(wideCode(4), KELKind_MemBlock, bytes("\0\1\2"))) +
-               variable("double", record(wideCode(5), KELKind_Double, bytes("\0\0\0\0\0\0\xF8\x3F"))) +
-               variable("nothing", reference(JHashCode())) +
-               variable("string", record(wideCode(6), KELKind_String, "text")) +
-               variable("truth", record(wideCode(7), KELKind_Boolean, bytes("\1"))) +
-               variable("zero", record(JHashCode(), KELKind_Struct, ""))) +
+    record(
+        wideCode(1), KELKind_Struct,
+        variable("array", record(wideCode(2), KELKind_Array,
+                                 intRecord(wideCode(3), -5) + reference(wideCode(3)) +
+                                     reference(wideCode(1)))) +
+            variable("block", record(wideCode(4), KELKind_MemBlock, bytes("\0\1\2"))) +
+            variable("double", record(wideCode(5), KELKind_Double, bytes("\0\0\0\0\0\0\xF8\x3F"))) +
+            variable("nothing", reference(JHashCode())) +
+            variable("string", record(wideCode(6), KELKind_String, "text")) +
+            variable("truth", record(wideCode(7), KELKind_Boolean, bytes("\1"))) +
+            variable("zero", record(JHashCode(), KELKind_Struct, ""))) +
     reference(wideCode(6));
 
 // ---- Reading what may be damaged ---------------------------------------------------------------

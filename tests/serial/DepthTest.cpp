@@ -56,7 +56,9 @@ void readDeep(const std::string& text, int depth) {
     });
 }
 
-TEST(SerialDepth, AMillionArraysAreReadFromText) { readDeep(nested("[", million, "]"), million); }
+TEST(SerialDepth, AMillionArraysAreReadFromText) {
+    readDeep(nested("[", million, "]"), million);
+}
 
 TEST(SerialDepth, AMillionStructsAreReadFromText) {
     readDeep(nested("{a=", million, "}"), million);

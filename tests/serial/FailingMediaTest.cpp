@@ -182,9 +182,9 @@ TEST(FailingSource, FailsABinaryReadWithItsMessageWhereverItFails) {
 }
 
 TEST(FailingSource, BehindTheValueItIsNotAskedIfItHasNoPositions) {
-    EXPECT_EQ(readFailing<KELBinaryInputStream_Impl>(sampleRecord + "x", sampleRecord.size(), 7,
-                                                     false),
-              "(nothing thrown)");
+    EXPECT_EQ(
+        readFailing<KELBinaryInputStream_Impl>(sampleRecord + "x", sampleRecord.size(), 7, false),
+        "(nothing thrown)");
     EXPECT_EQ(readFailing<KELStringInputStream_Impl>(sampleText, sampleText.size() - 1, 7, false),
               "(nothing thrown)");
 }
@@ -228,8 +228,8 @@ TEST(FailingSource, RawAndTypedReadsReportItToo) {
 // ---- Memory ------------------------------------------------------------------------------------
 
 TEST(OutOfMemory, ATextReadFailsCleanlyAtEveryAllocation) {
-    const std::string text = "#define N [ 5 ]\n" + sampleText.substr(0, 2) + "n = N " +
-                             sampleText.substr(2);
+    const std::string text =
+        "#define N [ 5 ]\n" + sampleText.substr(0, 2) + "n = N " + sampleText.substr(2);
     EXPECT_GT(failEachAllocation([&] { read(text); }), 30U);
 }
 

@@ -15,7 +15,9 @@ using kel::ValueTable;
 
 namespace {
 
-JHashCode numbered(uint32_t number) { return JHashCode(number, 0, 0, 7); }
+JHashCode numbered(uint32_t number) {
+    return JHashCode(number, 0, 0, 7);
+}
 
 /// Values that are only looked at.
 KEL_Impl* token(uint32_t number) {

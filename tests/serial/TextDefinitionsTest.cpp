@@ -125,7 +125,8 @@ TEST(TextDefinition, MayBeNull) {
 
 TEST(TextDefinition, MayBeAGuid) {
     const std::string guid = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
-    EXPECT_EQ(rewritten("#define N " + guid + "\n[ N N ]"), "[\n\t" + guid + "\n\t" + guid + "\n]\n");
+    EXPECT_EQ(rewritten("#define N " + guid + "\n[ N N ]"),
+              "[\n\t" + guid + "\n\t" + guid + "\n]\n");
 }
 
 TEST(TextDefinition, MayGiveOrTakeAnIdentity) {
@@ -164,6 +165,10 @@ TEST(TextDefinition, ATextThatEndsTooEarlyIsASyntaxError) {
 
 TEST(TextDefinition, ADefinitionInsideADefinitionHasNoValueLeft) {
     EXPECT_EQ(refusalOf("#define N #define M 5\nN"), syntaxErrorAt(2));
+}
+
+TEST(TextDefinition, AnEmptyTextIsASyntaxErrorWhenItIsUsed) {
+    EXPECT_EQ(refusalOf("#define N\f[ N ]"), syntaxErrorAt(2));
 }
 
 TEST(TextDefinition, ATextThatIsNeverUsedIsNeverRead) {
@@ -254,7 +259,9 @@ std::string chain(int length) {
     return text + numbered("C", length);
 }
 
-TEST(TextDefinition, AChainOfNamesIsFollowed) { EXPECT_EQ(rewritten(chain(1000)), "5\n"); }
+TEST(TextDefinition, AChainOfNamesIsFollowed) {
+    EXPECT_EQ(rewritten(chain(1000)), "5\n");
+}
 
 TEST(TextDefinition, AChainOfNamesTakesMemoryInProportionToItsText) {
     const std::string text = chain(50000); // about a megabyte

@@ -28,7 +28,9 @@ std::string intWithIdentity(const std::string& text) {
 
 // ---- Guid values -------------------------------------------------------------------------------
 
-TEST(TextGuid, AHashCodeAtTheEndOfTheInputIsAGuid) { EXPECT_EQ(guidIn(sample), sample); }
+TEST(TextGuid, AHashCodeAtTheEndOfTheInputIsAGuid) {
+    EXPECT_EQ(guidIn(sample), sample);
+}
 
 TEST(TextGuid, AHashCodeAtALineEndIsAGuid) {
     EXPECT_EQ(guidIn(sample + "\n5"), sample);
@@ -306,7 +308,8 @@ TEST(TextReference, AGuidValueIsNoIdentity) {
 
 TEST(TextReference, AValueThatIsNotReadToItsEndIsUnknown) {
     EXPECT_EQ(refusalOf(sample + " = [ REF " + sample + " ]"), syntaxErrorAt(1));
-    EXPECT_EQ(refusalOf("{ @hashCode = " + sample + "\n a = REF " + sample + " }"), syntaxErrorAt(2));
+    EXPECT_EQ(refusalOf("{ @hashCode = " + sample + "\n a = REF " + sample + " }"),
+              syntaxErrorAt(2));
 }
 
 TEST(TextReference, NeedsAHashCode) {

@@ -100,7 +100,8 @@ TEST(TextIndexList, AListInsideAListComesBack) {
 
 TEST(TextIndexList, OnlyPairsAreWritten) {
     const auto keys = arrayOf(intOf(1), intOf(2)), items = arrayOf(intOf(3));
-    const std::string pair = "<\n\t/* keys: */ \n\t[\n\t\t1\n\t]\n\t/* values: */ \n\t[\n\t\t3\n\t]\n>\n";
+    const std::string pair =
+        "<\n\t/* keys: */ \n\t[\n\t\t1\n\t]\n\t/* values: */ \n\t[\n\t\t3\n\t]\n>\n";
     EXPECT_EQ(thereAndBack(listOf(keys, items)), pair);
     asArray(keys).removeVar(1);
     asArray(items).addInt(int32_t{4});
@@ -151,8 +152,8 @@ TEST(TextIndexList, OneArrayNoneOrThreeAreASyntaxError) {
 }
 
 TEST(TextIndexList, AnythingButArraysIsASyntaxError) {
-    for (const char* text : {"<1 2>", "<[] {}>", "<null []>", "<[] NULL>", "<[1] \"a\">",
-                             "<([])>", "<<[][]> []>", "<[][]]", "<[][]}", "<[] = []>", "<,>"}) {
+    for (const char* text : {"<1 2>", "<[] {}>", "<null []>", "<[] NULL>", "<[1] \"a\">", "<([])>",
+                             "<<[][]> []>", "<[][]]", "<[][]}", "<[] = []>", "<,>"}) {
         EXPECT_EQ(refusalOf(text), syntaxErrorAt(1)) << text;
     }
 }
@@ -210,7 +211,8 @@ TEST(TextMeta, AnEmptyVariableDescriptorStatesItsKind) {
 }
 
 TEST(TextMeta, AStructDescriptorStatesItsIdentityToo) {
-    EXPECT_EQ(thereAndBack(structDescriptorWith(1)), "{ @type = 51, @hashCode = " + id1 + "\n}\n\n");
+    EXPECT_EQ(thereAndBack(structDescriptorWith(1)),
+              "{ @type = 51, @hashCode = " + id1 + "\n}\n\n");
 }
 
 TEST(TextMeta, AsAnElementItsIndentationStandsTwice) {
@@ -237,19 +239,21 @@ TEST(TextMeta, AWholeCheckedStructCarriesItsDescriptor) {
     const auto descriptor = structDescriptorWith(1, "level", intRange(0, 10));
     const auto meta = metaOf("@desc", descriptor, "level", intOf(3), "none", nullptr);
     EXPECT_EQ(thereAndBack(meta), "{ @type = 50\n"
-                                  "\t@desc = { @type = 51, @hashCode = " + id1 + "\n"
-                                  "\t\tlevel = { @type = 52\n"
-                                  "\t\t\tmax = 10\n"
-                                  "\t\t\tmin = 0\n"
-                                  "\t\t\ttype = 1\n"
-                                  "\t\t}\n"
-                                  "\n"
-                                  "\t}\n"
-                                  "\n"
-                                  "\tlevel = 3\n"
-                                  "\tnone = NULL\n"
-                                  "}\n"
-                                  "\n");
+                                  "\t@desc = { @type = 51, @hashCode = " +
+                                      id1 +
+                                      "\n"
+                                      "\t\tlevel = { @type = 52\n"
+                                      "\t\t\tmax = 10\n"
+                                      "\t\t\tmin = 0\n"
+                                      "\t\t\ttype = 1\n"
+                                      "\t\t}\n"
+                                      "\n"
+                                      "\t}\n"
+                                      "\n"
+                                      "\tlevel = 3\n"
+                                      "\tnone = NULL\n"
+                                      "}\n"
+                                      "\n");
 }
 
 TEST(TextMeta, WhatIsReadIsInUse) {
@@ -263,8 +267,9 @@ TEST(TextMeta, WhatIsReadIsInUse) {
 }
 
 TEST(TextMeta, ReadingLosesNothingThatADescriptorForbids) {
-    const auto meta = read("{ @type = 50\n level = 99\n @desc = { @type = 51\n level = { @type = 52\n"
-                           "type = 1 min = 0 max = 10 } }\n level2 = null\n @other = 1 }");
+    const auto meta =
+        read("{ @type = 50\n level = 99\n @desc = { @type = 51\n level = { @type = 52\n"
+             "type = 1 min = 0 max = 10 } }\n level2 = null\n @other = 1 }");
     EXPECT_EQ(asMeta(meta).getInt("level"), 99);
     EXPECT_TRUE(asMeta(meta).containsVar("level2"));
     EXPECT_TRUE(asMeta(meta).containsVar("@other"));
@@ -350,8 +355,8 @@ TEST(TextMetaIdentity, WithoutOneTheIdentityIsFreshAndTheSameInside) {
 }
 
 TEST(TextMetaIdentity, AReferenceFindsADescriptorByItsHeader) {
-    const auto array = read("[ { @type = 51, @hashCode = " + id1 + "\n} { @type = 50\n @desc = REF " +
-                            id1 + " } ]");
+    const auto array = read("[ { @type = 51, @hashCode = " + id1 +
+                            "\n} { @type = 50\n @desc = REF " + id1 + " } ]");
     const HeldValue meta(KEL_Impl::of(at(array, 1)));
     meta->addRef();
     EXPECT_EQ(static_cast<KEL*>(asMeta(meta).getDescriptor()), at(array, 0));

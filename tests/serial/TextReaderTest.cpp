@@ -59,7 +59,23 @@ TEST(TextReader, ReadsDoublesWithAPointInEveryLocale) {
     EXPECT_EQ(refusalOf("1,5") + refusalOf("[1,5]"), "(nothing thrown)" + syntaxErrorAt(1));
 }
 
-TEST(TextReader, ThereIsNoExponent) { EXPECT_EQ(refusalOf("12e3"), syntaxErrorAt(1)); }
+TEST(TextReader, NumbersMayLackDigits) {
+    EXPECT_EQ(read("5.")->toDouble(), 5.0);
+    EXPECT_EQ(read(".")->getType(), KELKind_Double);
+    EXPECT_EQ(read("-")->getType(), KELKind_Int);
+}
+
+TEST(TextReader, ANumberEndsWhereAnotherTokenMayBegin) {
+    EXPECT_EQ(rewritten("#define x 7\n[12x]"), "[\n\t12\n\t7\n]\n");
+    EXPECT_EQ(rewritten("#define X1 7\n[0X1]"), "[\n\t0\n\t7\n]\n");
+    EXPECT_EQ(rewritten("#define x1 7\n[-0x1]"), "[\n\t0\n\t7\n]\n");
+    EXPECT_EQ(refusalOf("[12b]"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("[1.5.]"), syntaxErrorAt(1));
+}
+
+TEST(TextReader, ThereIsNoExponent) {
+    EXPECT_EQ(refusalOf("12e3"), syntaxErrorAt(1));
+}
 
 TEST(TextReader, ReadsBooleans) {
     EXPECT_EQ(read("true")->getType(), KELKind_Boolean);
@@ -85,7 +101,8 @@ TEST(TextReader, TheWordNullIsNoValue) {
 }
 
 TEST(TextReader, KeywordsMatchExactly) {
-    for (const char* word : {"True", "TRUE", "FALSE", "Null", "Ref", "rEF", "truely", "t", "inf", "nan"}) {
+    for (const char* word :
+         {"True", "TRUE", "FALSE", "Null", "Ref", "rEF", "truely", "t", "inf", "nan"}) {
         EXPECT_EQ(refusalOf(word), syntaxErrorAt(1)) << word;
     }
 }
@@ -133,10 +150,13 @@ TEST(TextReader, ANullElementIsIgnored) {
     EXPECT_EQ(rewritten("[null 1 NULL 2 null]"), "[\n\t1\n\t2\n]\n");
 }
 
-TEST(TextReader, ACommaSeparatesNothing) { EXPECT_EQ(refusalOf("[1, 2]"), syntaxErrorAt(1)); }
+TEST(TextReader, ACommaSeparatesNothing) {
+    EXPECT_EQ(refusalOf("[1, 2]"), syntaxErrorAt(1));
+}
 
 TEST(TextReader, ABracketOfAnotherKindIsASyntaxError) {
-    for (const char* text : {"[ }", "[ )", "{ ]", "{ )", "( ]", "( }", "< ]", "[ >", "]", "}", ")", ">"}) {
+    for (const char* text :
+         {"[ }", "[ )", "{ ]", "{ )", "( ]", "( }", "< ]", "[ >", "]", "}", ")", ">"}) {
         EXPECT_EQ(refusalOf(text), syntaxErrorAt(1)) << text;
     }
 }
@@ -164,8 +184,9 @@ TEST(TextReader, OfTwoEqualKeysTheLastWins) {
 }
 
 TEST(TextReader, BareKeysAreTheLongestRun) {
-    for (const char* key : {"9lives", "0x1f", "a_b@1", "0", "12ab", "007", "@", "_", "true", "null",
-                            "REF", "define", "1_", "e", "@type1", "00000000000000000000000000000000"}) {
+    for (const char* key :
+         {"9lives", "0x1f", "a_b@1", "0", "12ab", "007", "@", "_", "true", "null", "REF", "define",
+          "1_", "e", "@type1", "00000000000000000000000000000000"}) {
         const auto value = read("{ " + std::string(key) + " = 5 }");
         ASSERT_TRUE(asStruct(value).containsVar(key)) << key;
         EXPECT_EQ(at(value, key)->toInt(), 5);
@@ -216,7 +237,8 @@ TEST(TextReader, ABlockCommentIsClosedOnlyByASingleStar) {
 }
 
 TEST(TextReader, AnOpenBlockCommentIsASyntaxError) {
-    EXPECT_EQ(refusalOf("1 /* x") + "|" + refusalOf("[1 /* x"), "(nothing thrown)|" + syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("1 /* x") + "|" + refusalOf("[1 /* x"),
+              "(nothing thrown)|" + syntaxErrorAt(1));
 }
 
 TEST(TextReader, ALoneCarriageReturnIsASyntaxError) {
@@ -281,7 +303,10 @@ TEST(TextReader, LinesAreCountedOverAllRoots) {
 }
 
 TEST(TextReader, ARawCharacterWhereAValueMustStartIsASyntaxError) {
-    for (const char* text : {"?", "!", "=", ",", "$", "+1", "'a'", "\xEF\xBB\xBF" "1", "\x80", "\xFF"}) {
+    for (const char* text : {"?", "!", "=", ",", "$", "+1", "'a'",
+                             "\xEF\xBB\xBF"
+                             "1",
+                             "\x80", "\xFF"}) {
         EXPECT_EQ(refusalOf(text), syntaxErrorAt(1)) << text;
     }
 }
@@ -318,9 +343,9 @@ TEST(TextReader, ReadsOnAfterAnError) {
 // ---- Round trips -------------------------------------------------------------------------------
 
 TEST(TextReader, WhatIsWrittenIsReadBack) {
-    const auto value = structOf("list", arrayOf(intOf(-5), doubleOf(2.25), booleanOf(false)), "text",
-                                stringOf("a\nb"), "none", nullptr, "id", guidOf(codeOf(3)), "m",
-                                managerOf(intWith(codeOf(4), 1)));
+    const auto value = structOf("list", arrayOf(intOf(-5), doubleOf(2.25), booleanOf(false)),
+                                "text", stringOf("a\nb"), "none", nullptr, "id", guidOf(codeOf(3)),
+                                "m", managerOf(intWith(codeOf(4), 1)));
     EXPECT_TRUE(read(textOf(value))->equalsValue(value.get()));
     EXPECT_EQ(rewritten(textOf(value)), textOf(value));
 }

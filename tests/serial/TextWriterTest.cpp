@@ -2,10 +2,10 @@
 #include "support/CommaLocale.h"
 #include "support/Thrown.h"
 #include "support/Trees.h"
+#include "support/ValueStreams.h"
 #include "support/Values.h"
 #include "values/KEL_MultiSelector_Impl.h"
 #include "values/KEL_Selector_Impl.h"
-#include "support/ValueStreams.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -15,14 +15,15 @@ using namespace kel::test;
 
 namespace {
 
-constexpr KELGuid sampleGuid = {0x3F2504E0, 0x4F89, 0x11D3, {0x9A, 0x0C, 3, 5, 0xE8, 0x2C, 0x33, 1}};
+constexpr KELGuid sampleGuid = {
+    0x3F2504E0, 0x4F89, 0x11D3, {0x9A, 0x0C, 3, 5, 0xE8, 0x2C, 0x33, 1}};
 
 // ---- The document ------------------------------------------------------------------------------
 
 TEST(TextWriter, WritesTheSampleDocumentWithItsVariablesInNameOrder) {
-    const auto document = structOf("count", intOf(5), "name", stringOf("abc"), "list",
-                                   arrayOf(intOf(1), intOf(2)), "my key", nullptr, "inner",
-                                   structOf("x", intOf(7)));
+    const auto document =
+        structOf("count", intOf(5), "name", stringOf("abc"), "list", arrayOf(intOf(1), intOf(2)),
+                 "my key", nullptr, "inner", structOf("x", intOf(7)));
     EXPECT_EQ(textOf(document), "{\n"
                                 "\tcount = 5\n"
                                 "\tinner = {\n"
@@ -37,7 +38,9 @@ TEST(TextWriter, WritesTheSampleDocumentWithItsVariablesInNameOrder) {
                                 "}\n");
 }
 
-TEST(TextWriter, NullAtTopLevelWritesNothing) { EXPECT_EQ(textOf(static_cast<KEL*>(nullptr)), ""); }
+TEST(TextWriter, NullAtTopLevelWritesNothing) {
+    EXPECT_EQ(textOf(static_cast<KEL*>(nullptr)), "");
+}
 
 TEST(TextWriter, EveryValueEndsWithOneLineFeed) {
     EXPECT_EQ(textOf(arrayOf(arrayOf(arrayOf(intOf(1))))),
@@ -195,15 +198,14 @@ TEST(TextWriter, AManagerNamesEachValueByItsIdentity) {
 
 TEST(TextWriter, ContainersInAManagerContinueTheLine) {
     const auto manager = managerOf(arrayWith(codeOf(2), managerOf()));
-    EXPECT_EQ(textOf(structOf("m", manager)),
-              "{\n"
-              "\tm = (\n"
-              "\t\t00000000-0000-0000-0000-000000000002 = [\n"
-              "\t\t\t(\n"
-              "\t\t\t)\n"
-              "\t\t]\n"
-              "\t)\n"
-              "}\n");
+    EXPECT_EQ(textOf(structOf("m", manager)), "{\n"
+                                              "\tm = (\n"
+                                              "\t\t00000000-0000-0000-0000-000000000002 = [\n"
+                                              "\t\t\t(\n"
+                                              "\t\t\t)\n"
+                                              "\t\t]\n"
+                                              "\t)\n"
+                                              "}\n");
 }
 
 TEST(TextWriter, ASharedValueIsWrittenInEveryPlace) {
@@ -243,7 +245,8 @@ TEST(TextWriter, WhetherAKeyIsQuotedDoesNotDependOnTheLocale) {
 
 // ---- The inner form ----------------------------------------------------------------------------
 
-std::string innerForm(const HeldValue& value, int32_t indent, bool indentFirst, int32_t parentKind) {
+std::string innerForm(const HeldValue& value, int32_t indent, bool indentFirst,
+                      int32_t parentKind) {
     TextOutput output;
     output->write(value.get(), indent, indentFirst, parentKind);
     return output.bytes();
@@ -281,7 +284,9 @@ TEST(TextWriter, AnEmptyValueInsideWritesNothingNotEvenIndentation) {
 
 // ---- Refusals ----------------------------------------------------------------------------------
 
-HeldValue selector() { return HeldValue(new KEL_Selector_Impl(nullptr)); }
+HeldValue selector() {
+    return HeldValue(new KEL_Selector_Impl(nullptr));
+}
 
 TEST(TextWriter, ASelectorAbortsTheWrite) {
     EXPECT_EQ(thrownMessage<KELIOException>([] { textOf(selector()); }), "General KEL exception.");

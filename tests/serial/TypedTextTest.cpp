@@ -26,13 +26,17 @@ TEST(TypedTextOutput, SixtyFourBitsAreTwoDecimalWordsHighWordFirst) {
     TextOutput output;
     output->JWrite64(JLong64(2, 1));
     output->JWrite64(uint64_t{0xFFFFFFFF00000000});
-    EXPECT_EQ(output.bytes(), "0000000100000002" "429496729500000000");
+    EXPECT_EQ(output.bytes(), "0000000100000002"
+                              "429496729500000000");
 }
 
 TEST(TypedTextOutput, A128BitValueIsFourDecimalWordsMostSignificantFirst) {
     TextOutput output;
     output->JWrite128(JHashCode(1, 22, 123456789, 0xFFFFFFFF));
-    EXPECT_EQ(output.bytes(), "4294967295" "123456789" "00000022" "00000001");
+    EXPECT_EQ(output.bytes(), "4294967295"
+                              "123456789"
+                              "00000022"
+                              "00000001");
 }
 
 TEST(TypedTextOutput, ADoubleHasSixDecimalsInEveryLocale) {
@@ -106,8 +110,10 @@ TEST(TypedTextInput, AStringIsOneWordBareOrQuoted) {
 
 TEST(TypedTextInput, AnythingElseIsASyntaxError) {
     EXPECT_EQ(thrownMessage<KELIOException>([] { TextInput("\nx")->JRead32(); }), syntaxErrorAt(2));
-    EXPECT_EQ(thrownMessage<KELIOException>([] { TextInput("[")->JReadDouble(); }), syntaxErrorAt(1));
-    EXPECT_EQ(thrownMessage<KELIOException>([] { TextInput("5")->JReadString(); }), syntaxErrorAt(1));
+    EXPECT_EQ(thrownMessage<KELIOException>([] { TextInput("[")->JReadDouble(); }),
+              syntaxErrorAt(1));
+    EXPECT_EQ(thrownMessage<KELIOException>([] { TextInput("5")->JReadString(); }),
+              syntaxErrorAt(1));
     EXPECT_EQ(thrownMessage<KELIOException>([] { TextInput(bytes("\"a\0\""))->JReadString(); }),
               syntaxErrorAt(1));
 }

@@ -4,6 +4,7 @@ import unittest
 
 import check_exports
 import check_layers
+import check_slots
 
 
 def everything_exists(_):
@@ -99,6 +100,48 @@ class Exports(unittest.TestCase):
                                               "KEL_API KEL* KEL_CALL a(int x);\n"))
         self.assertEqual(list(check_exports.check_declarations(["a()"], declared)),
                          ["a: 1 in the list, 2 in the headers"])
+
+
+class Slots(unittest.TestCase):
+    header = """
+        /// virtual void comment() = 0;
+        class Base : public virtual Other {
+        public:
+            KEL_SLOTS_2(
+                virtual int  get(const char *name) = 0;,
+                virtual int get(const char* name) const = 0;)
+            virtual void set(int x) { x_ = x; }
+            virtual ~Base() {}
+        };"""
+    rows = ["int get(const char* name)", "int get(const char* name) const", "void set(int x)"]
+
+    def test_operations_are_read_in_their_order_without_the_destructor(self):
+        self.assertEqual(check_slots.classes_of("\n" + self.header.replace("        ", "")),
+                         {"Base": self.rows})
+
+    def test_a_table_is_read_and_a_slot_out_of_order_is_found(self):
+        tables, bad = check_slots.tables_of("## `Base`\n| 0 | `void a()` |\n| 2 | `void b()` |\n")
+        self.assertEqual(tables, {"Base": ["void a()", "void b()"]})
+        self.assertEqual(bad, ["Base: slot 2 stands where 1 belongs"])
+
+    def test_two_operations_that_change_places_are_found(self):
+        self.assertEqual(
+            list(check_slots.compare({"B": ["void a()", "void b()"]},
+                                     {"B": ["void b()", "void a()"]})),
+            ["B 0: `void a()` in the document, `void b()` declared",
+             "B 1: `void b()` in the document, `void a()` declared"])
+
+    def test_a_missing_operation_and_a_missing_table_are_found(self):
+        self.assertEqual(list(check_slots.compare({"B": ["void a()"]},
+                                                  {"B": ["void a()", "void b()"], "C": []})),
+                         ["B: 1 operations in the document, 2 declared", "C: has no table"])
+
+    def test_slots_of_the_compiler_that_do_not_follow_each_other_are_found(self):
+        self.assertEqual(list(check_slots.check_slots({"AInterface_V1": [0, 1], "C": [2, 3]})), [])
+        self.assertEqual(
+            list(check_slots.check_slots({"AInterface_V1": [1, 2], "C": [3, 2]})),
+            ["AInterface_V1: the compiler gives the documented operations the slots [1, 2]",
+             "C: the compiler gives the documented operations the slots [3, 2]"])
 
 
 if __name__ == "__main__":

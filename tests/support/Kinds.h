@@ -52,7 +52,9 @@ inline HeldValue enumOf(KELKind kind, const HeldValue& allowed) {
 inline KEL_IndexList& asList(const HeldValue& value) {
     return dynamic_cast<KEL_IndexList&>(*value);
 }
-inline MetaKel& asMeta(const HeldValue& value) { return dynamic_cast<MetaKel&>(*value); }
+inline MetaKel& asMeta(const HeldValue& value) {
+    return dynamic_cast<MetaKel&>(*value);
+}
 inline MetaKelDescriptor& asStructDescriptor(const HeldValue& value) {
     return dynamic_cast<MetaKelDescriptor&>(*value);
 }

@@ -22,10 +22,9 @@ bool sameBytes(const KEL_Impl& a, const KEL_Impl& b) {
 
 bool sameDoubles(double a, double b, Kept kept) {
     char text[2][doubleTextSize];
-    return kept == Kept::inBinary
-               ? std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b)
-               : std::string_view(text[0], formatDouble(text[0], a)) ==
-                     std::string_view(text[1], formatDouble(text[1], b));
+    return kept == Kept::inBinary ? std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b)
+                                  : std::string_view(text[0], formatDouble(text[0], a)) ==
+                                        std::string_view(text[1], formatDouble(text[1], b));
 }
 
 bool sameContents(const KEL_Impl& a, const KEL_Impl& b, Kept kept) {
@@ -79,7 +78,8 @@ private:
         const KEL_Impl* x = level.a.value;
         const KEL_Impl* y = level.b.value;
         if (x == nullptr || y == nullptr) {
-            return x == y ? std::string() : std::string("null and a value at ").append(level.a.name);
+            return x == y ? std::string()
+                          : std::string("null and a value at ").append(level.a.name);
         }
         return meet(*x, *y);
     }

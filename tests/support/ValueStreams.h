@@ -19,7 +19,9 @@ namespace kel::test {
 /// An output stream over a string.
 template <class Stream> class Output {
 public:
-    Output() : writer_(new StringWriter()), stream_(new Stream(JPointer<JOutputStream>::share(writer_.get()))) {}
+    Output()
+        : writer_(new StringWriter()),
+          stream_(new Stream(JPointer<JOutputStream>::share(writer_.get()))) {}
 
     /// Writes a value: raw, held, or null.
     Output& write(KEL* value) {
@@ -64,19 +66,33 @@ using TextInput = Input<KELStringInputStream_Impl>;
 using BinaryInput = Input<KELBinaryInputStream_Impl>;
 
 /// The text of one value.
-inline std::string textOf(KEL* value) { return TextOutput().write(value).bytes(); }
-template <class T> std::string textOf(const Held<T>& value) { return textOf(value.get()); }
+inline std::string textOf(KEL* value) {
+    return TextOutput().write(value).bytes();
+}
+template <class T> std::string textOf(const Held<T>& value) {
+    return textOf(value.get());
+}
 
 /// The record of one value.
-inline std::string binaryOf(KEL* value) { return BinaryOutput().write(value).bytes(); }
-template <class T> std::string binaryOf(const Held<T>& value) { return binaryOf(value.get()); }
+inline std::string binaryOf(KEL* value) {
+    return BinaryOutput().write(value).bytes();
+}
+template <class T> std::string binaryOf(const Held<T>& value) {
+    return binaryOf(value.get());
+}
 
 /// The first value of a text or of binary records.
-inline Held<KEL_Impl> read(std::string_view text) { return TextInput(text).read(); }
-inline Held<KEL_Impl> readBinary(std::string_view bytes) { return BinaryInput(bytes).read(); }
+inline Held<KEL_Impl> read(std::string_view text) {
+    return TextInput(text).read();
+}
+inline Held<KEL_Impl> readBinary(std::string_view bytes) {
+    return BinaryInput(bytes).read();
+}
 
 /// What a text becomes when it is read and written again.
-inline std::string rewritten(std::string_view text) { return textOf(read(text)); }
+inline std::string rewritten(std::string_view text) {
+    return textOf(read(text));
+}
 
 /// What reading a text throws at its first value: a KELIOException's message.
 inline std::string refusalOf(std::string_view text) {

@@ -27,11 +27,21 @@ inline JHashCode codeOf(uint8_t number) {
     return JHashCode(0, 0, 0, static_cast<uint32_t>(number) << 24);
 }
 
-inline HeldValue intOf(int32_t value) { return HeldValue(new KEL_Int_Impl(value)); }
-inline HeldValue booleanOf(bool value) { return HeldValue(new KEL_Boolean_Impl(value)); }
-inline HeldValue doubleOf(double value) { return HeldValue(new KEL_Double_Impl(value)); }
-inline HeldValue guidOf(const JHashCode& value) { return HeldValue(new KEL_guid_Impl(value)); }
-inline HeldValue stringOf(std::string_view text) { return HeldValue(new KEL_String_Impl(text)); }
+inline HeldValue intOf(int32_t value) {
+    return HeldValue(new KEL_Int_Impl(value));
+}
+inline HeldValue booleanOf(bool value) {
+    return HeldValue(new KEL_Boolean_Impl(value));
+}
+inline HeldValue doubleOf(double value) {
+    return HeldValue(new KEL_Double_Impl(value));
+}
+inline HeldValue guidOf(const JHashCode& value) {
+    return HeldValue(new KEL_guid_Impl(value));
+}
+inline HeldValue stringOf(std::string_view text) {
+    return HeldValue(new KEL_String_Impl(text));
+}
 inline HeldValue memBlockOf(std::string_view bytes) {
     return HeldValue(new KEL_MemBlock_Impl(static_cast<int32_t>(bytes.size()), bytes.data()));
 }
@@ -46,9 +56,15 @@ inline HeldValue stringWith(const JHashCode& identity, std::string_view text) {
 
 namespace detail {
 
-inline KEL_Impl* borrow(const HeldValue& value) { return value.get(); }
-inline KEL_Impl* borrow(KEL_Impl* value) { return value; }
-inline KEL_Impl* borrow(std::nullptr_t) { return nullptr; }
+inline KEL_Impl* borrow(const HeldValue& value) {
+    return value.get();
+}
+inline KEL_Impl* borrow(KEL_Impl* value) {
+    return value;
+}
+inline KEL_Impl* borrow(std::nullptr_t) {
+    return nullptr;
+}
 
 inline void addVariables(KEL_Struct&) {}
 template <class Value, class... More>
@@ -94,12 +110,24 @@ HeldValue structWith(const JHashCode& identity, const Variables&... variables) {
 }
 
 /// The containers' own operations.
-inline KEL_Array& asArray(KEL* value) { return dynamic_cast<KEL_Array&>(*value); }
-inline KEL_Struct& asStruct(KEL* value) { return dynamic_cast<KEL_Struct&>(*value); }
-inline KEL_Manager& asManager(KEL* value) { return dynamic_cast<KEL_Manager&>(*value); }
-inline KEL_Array& asArray(const HeldValue& value) { return asArray(value.get()); }
-inline KEL_Struct& asStruct(const HeldValue& value) { return asStruct(value.get()); }
-inline KEL_Manager& asManager(const HeldValue& value) { return asManager(value.get()); }
+inline KEL_Array& asArray(KEL* value) {
+    return dynamic_cast<KEL_Array&>(*value);
+}
+inline KEL_Struct& asStruct(KEL* value) {
+    return dynamic_cast<KEL_Struct&>(*value);
+}
+inline KEL_Manager& asManager(KEL* value) {
+    return dynamic_cast<KEL_Manager&>(*value);
+}
+inline KEL_Array& asArray(const HeldValue& value) {
+    return asArray(value.get());
+}
+inline KEL_Struct& asStruct(const HeldValue& value) {
+    return asStruct(value.get());
+}
+inline KEL_Manager& asManager(const HeldValue& value) {
+    return asManager(value.get());
+}
 
 /// An element of an array, or the value of a struct's variable, borrowed.
 inline KEL_Impl* at(const HeldValue& container, int32_t index) {
@@ -116,6 +144,8 @@ inline std::string identityOf(const KEL* value) {
     value->getHashCode(identity).toGuidText(text);
     return text;
 }
-inline std::string identityOf(const HeldValue& value) { return identityOf(value.get()); }
+inline std::string identityOf(const HeldValue& value) {
+    return identityOf(value.get());
+}
 
 } // namespace kel::test

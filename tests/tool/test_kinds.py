@@ -1,7 +1,7 @@
 import json
 import time
 
-from support import ARRAY, STRUCT, ToolTest, int_record, limit_stack, record, struct_record
+from support import ARRAY, STRUCT, ToolTest, limit_stack, record
 
 GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit
 
@@ -370,7 +370,7 @@ class Sharing(Kinds):
     def test_values_that_would_unfold_without_end_are_refused(self):
         for wrap in (lambda a, b: f"<[{a}][{b}]>",
                      lambda a, b: "{ @type = 50\na = " + a + " b = " + b + "}",
-                     lambda a, b: "{ @type = 52\na = " + a + " b = " + b + "}"):
+                     lambda a, b: "{ @type = 52\ntype = 1 a = " + a + " b = " + b + "}"):
             self.write("a.kel", self.bomb(wrap))
             self.ok("check", "a.kel")
             for command in (("show", "a.kel"), ("convert", "--force", "a.kel", "b.json")):

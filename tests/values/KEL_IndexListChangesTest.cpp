@@ -79,9 +79,9 @@ TEST_F(KEL_IndexListChangesTest, SetKeyValueNotifiesTheObserversOfTheKeys) {
 }
 
 TEST_F(KEL_IndexListChangesTest, SetKeyValueOfAnotherKindIsRefused) {
-    EXPECT_EQ(thrownMessage<KELNoSuchTypeException>(
-                  [&] { list->setKeyValue(otherA.get(), one.get()); }),
-              "Can't set the value when types are not equal!");
+    EXPECT_EQ(
+        thrownMessage<KELNoSuchTypeException>([&] { list->setKeyValue(otherA.get(), one.get()); }),
+        "Can't set the value when types are not equal!");
     EXPECT_EQ(pairs(), "a=1 b=2 c=3");
 }
 
@@ -115,8 +115,8 @@ TEST_F(KEL_IndexListChangesTest, TypedFormsOfSetKeyValue) {
     list->setKeyInt(intOf(1).get(), int32_t{2});
     list->setKeyDouble(doubleOf(2.5).get(), 0.5);
     list->setKeyBoolean(booleanOf(false).get(), true);
-    EXPECT_EQ(textsOf(*list->getKeys()), "z b c " + std::string(guidOf(otherGuid)->toString()) +
-                                             " 2 0.500000 true");
+    EXPECT_EQ(textsOf(*list->getKeys()),
+              "z b c " + std::string(guidOf(otherGuid)->toString()) + " 2 0.500000 true");
     list->setKeyString(b.get(), nullptr);
     EXPECT_EQ(list->getKeyAt(1), b.get());
     EXPECT_STREQ(b->toString(), "b");
@@ -215,8 +215,8 @@ TEST_F(KEL_IndexListChangesTest, ItemsAreMadeFromPlainTypes) {
     EXPECT_EQ(list->addItemDouble(a.get(), 0.5F), 6);
     EXPECT_EQ(list->addItemInt(a.get(), 8L), 7);
     EXPECT_EQ(list->addItemInt(a.get(), 9UL), 8);
-    EXPECT_EQ(textsOf(*list->getItems()), "s  " + std::string(guidOf(guid)->toString()) +
-                                              " 1.500000 -7 true 0.500000 8 9");
+    EXPECT_EQ(textsOf(*list->getItems()),
+              "s  " + std::string(guidOf(guid)->toString()) + " 1.500000 -7 true 0.500000 8 9");
     EXPECT_EQ(list->getKeyAt(8), a.get());
 }
 

@@ -53,12 +53,9 @@ template <class Kind> KEL_Impl* asVariable(KEL_Impl* inner) {
 
 /// Each kind of container in its turn.
 KEL_Impl* inTurns(KEL_Impl* inner) {
-    static constexpr Wrap wraps[] = {asItem,
-                                     asVariable<MetaKel_Impl>,
-                                     asEntry,
-                                     asKey,
-                                     asVariable<MetaKelDescriptor_Impl>,
-                                     asVariable<MetaKelVarDescriptor_Impl>};
+    static constexpr Wrap wraps[] = {
+        asItem, asVariable<MetaKel_Impl>,           asEntry,
+        asKey,  asVariable<MetaKelDescriptor_Impl>, asVariable<MetaKelVarDescriptor_Impl>};
     static thread_local std::size_t turn = 0;
     return wraps[turn++ % std::size(wraps)](inner);
 }
@@ -75,15 +72,27 @@ void liveDeep(int levels, Wrap wrap) {
     });
 }
 
-TEST(KindsDepth, AMillionListsAsItemsOfOneAnother) { liveDeep(million, asItem); }
-TEST(KindsDepth, ListsAsKeysOfOneAnother) { liveDeep(many, asKey); }
-TEST(KindsDepth, Managers) { liveDeep(many, asEntry); }
-TEST(KindsDepth, AMillionCheckedStructs) { liveDeep(million, asVariable<MetaKel_Impl>); }
-TEST(KindsDepth, StructDescriptors) { liveDeep(many, asVariable<MetaKelDescriptor_Impl>); }
+TEST(KindsDepth, AMillionListsAsItemsOfOneAnother) {
+    liveDeep(million, asItem);
+}
+TEST(KindsDepth, ListsAsKeysOfOneAnother) {
+    liveDeep(many, asKey);
+}
+TEST(KindsDepth, Managers) {
+    liveDeep(many, asEntry);
+}
+TEST(KindsDepth, AMillionCheckedStructs) {
+    liveDeep(million, asVariable<MetaKel_Impl>);
+}
+TEST(KindsDepth, StructDescriptors) {
+    liveDeep(many, asVariable<MetaKelDescriptor_Impl>);
+}
 TEST(KindsDepth, VariableDescriptors) {
     liveDeep(many, asVariable<MetaKelVarDescriptor_Impl>);
 }
-TEST(KindsDepth, AMillionOfAllKindsInTurns) { liveDeep(million, inTurns); }
+TEST(KindsDepth, AMillionOfAllKindsInTurns) {
+    liveDeep(million, inTurns);
+}
 
 TEST(KindsDepth, AMillionSelectorsAreCopiedComparedAndDestroyed) {
     runInSmallStack([] {

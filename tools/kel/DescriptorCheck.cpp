@@ -134,8 +134,8 @@ void Checker::checkVariable(const TreeCursor& cursor, const MetaKel& owner) {
     }
     auto* rules = dynamic_cast<Rules*>(memberOf(*descriptor, name));
     if (rules != nullptr && !rules->isValid(cursor.value())) {
-        report(cursor, wordsFor(cursor.value()) + " is not allowed (allowed: " +
-                           wordsForAllowed(*rules) + ')');
+        report(cursor, wordsFor(cursor.value()) +
+                           " is not allowed (allowed: " + wordsForAllowed(*rules) + ')');
     }
 }
 
@@ -148,15 +148,15 @@ void Checker::checkRules(const TreeCursor& cursor, Rules& rules) {
     if (rules.isRanged()) {
         checkRange(cursor, rules);
     } else if (rules.isEnumerated() && allowedValuesOf(rules) == nullptr) {
-        report(cursor, "the allowed values are " + wordsFor(propertyOf(rules, "enum")) +
-                           ", not an array");
+        report(cursor,
+               "the allowed values are " + wordsFor(propertyOf(rules, "enum")) + ", not an array");
     }
     // Of a range that allows nothing the default is not at fault.
-    const bool isDefaultChecked = rules.isRanged() ? hasSoundRange(rules) : true;
+    const bool isDefaultChecked = !rules.isRanged() || hasSoundRange(rules);
     const KEL* standard = rules.getDefault();
     if (standard != nullptr && isDefaultChecked && !rules.isValid(standard)) {
-        report(cursor, "the default " + wordsFor(standard) + " is not allowed (allowed: " +
-                           wordsForAllowed(rules) + ')');
+        report(cursor, "the default " + wordsFor(standard) +
+                           " is not allowed (allowed: " + wordsForAllowed(rules) + ')');
     }
 }
 
@@ -164,8 +164,8 @@ void Checker::checkRange(const TreeCursor& cursor, Rules& rules) {
     const KEL* min = propertyOf(rules, "min");
     const KEL* max = propertyOf(rules, "max");
     if (!isNumber(min) || !isNumber(max)) {
-        report(cursor, "the range " + wordsFor(min) + " to " + wordsFor(max) +
-                           " is not one of numbers");
+        report(cursor,
+               "the range " + wordsFor(min) + " to " + wordsFor(max) + " is not one of numbers");
     } else if (boundOf(rules, "min") > boundOf(rules, "max")) {
         report(cursor, "min " + wordsFor(min) + " is above max " + wordsFor(max));
     } else if (isKnownKind(rules.getType()) && !isKindOfNumber(rules.getType())) {

@@ -100,8 +100,8 @@ std::optional<Format> formatOfContent(std::string_view content) {
             }
         } else if (isDigit(c)) {
             at += wordAt(content, at).size();
-        } else if (c == '=' || c == '#' || c == '/' || c == '(' || c == '<' ||
-                   c == '@' || c == '_') {
+        } else if (c == '=' || c == '#' || c == '/' || c == '(' || c == '<' || c == '@' ||
+                   c == '_') {
             return Format::text;
         } else if (isControl(c)) {
             return std::nullopt;

@@ -24,7 +24,8 @@ public:
     /// Into the element of a manager, told by its identity in GUID layout.
     void addIdentity(std::string_view guid);
 
-    /// The path; "(the value itself)" without any step. What is longer than longest loses its middle.
+    /// The path; "(the value itself)" without any step. What is longer than longest loses its
+    /// middle.
     std::string take() const;
 
 private:

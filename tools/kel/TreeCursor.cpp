@@ -37,9 +37,9 @@ TreeCursor::Event TreeCursor::arrive(KEL* value) {
     if (!isContainer(*value)) {
         return Event::scalar;
     }
-    stack_.push_back({value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value),
-                      value->getType() == KELKind_IndexList ? dynamic_cast<KEL_IndexList*>(value)
-                                                            : nullptr});
+    stack_.push_back(
+        {value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value),
+         value->getType() == KELKind_IndexList ? dynamic_cast<KEL_IndexList*>(value) : nullptr});
     return Event::enter;
 }
 
@@ -65,8 +65,8 @@ void TreeCursor::open(Frame& frame) {
 
 void TreeCursor::openStruct(Frame& frame) {
     frame.begin = frame.nextName = names_.size();
-    const bool passesOver = descriptors_ == Descriptors::passedOver &&
-                            frame.container->getType() == KELKind_MetaKel;
+    const bool passesOver =
+        descriptors_ == Descriptors::passedOver && frame.container->getType() == KELKind_MetaKel;
     const Names names(frame.structure->getVarNames());
     while (names->hasMoreElements()) {
         const char* name = names->nextElement();

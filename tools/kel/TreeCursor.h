@@ -13,7 +13,8 @@ namespace kel::tool {
 /// Walks a tree with a stack of its own, however deep it is. Every value is visited as often as the
 /// tree holds it; whoever walks trees in which values are shared or contain themselves has to skip
 /// what was visited before. The values in an index list are its keys and items, pair by pair; the
-/// two arrays that hold them are not visited. The tree belongs to somebody else, who keeps it alive.
+/// two arrays that hold them are not visited. The tree belongs to somebody else, who keeps it
+/// alive.
 class TreeCursor {
 public:
     enum class Event {
