@@ -1,6 +1,7 @@
 #include "serial/IdentityTable.h"
 
 #include <kel/JObject.h>
+#include <new>
 
 namespace kel {
 
@@ -100,8 +101,20 @@ KEL_Impl* IdentityTable::put(const JHashCode& identity, KEL_Impl* value) {
     return before;
 }
 
-void IdentityTable::erase(const JHashCode& identity) {
-    indexAdded();
+void IdentityTable::erase(const JHashCode& identity) noexcept {
+    try {
+        indexAdded();
+    } catch (const std::bad_alloc&) {
+        for (std::size_t i = count_; i > indexedEnd_; --i) {
+            if (entryAt(i - 1).identity == identity) {
+                entryAt(i - 1).identity = JHashCode();
+            }
+        }
+    }
+    eraseIndexed(identity);
+}
+
+void IdentityTable::eraseIndexed(const JHashCode& identity) noexcept {
     Slot* slot = search(identity, tagOf(identity));
     if (slot->entry == 0) {
         return;

@@ -2,6 +2,7 @@
 /// IdentityTable: values found by identity in constant time.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <kel/JHashCode.h>
@@ -40,22 +41,22 @@ public:
     /// \return the value it had, or null
     KEL_Impl* put(const JHashCode& identity, KEL_Impl* value);
 
-    /// Forgets an identity; one that is not there is ignored.
-    void erase(const JHashCode& identity);
+    /// Forgets an identity; one that is not there is ignored. Works without memory, slower.
+    void erase(const JHashCode& identity) noexcept;
 
     /// The number of entries ever made, a point to roll back to.
     std::size_t mark() const { return count_; }
 
     /// Forgets the entries made since a mark, the last first, and tells forgotten of each value.
     template <class Forgotten> void rollBack(std::size_t mark, const Forgotten& forgotten) {
-        indexAdded();
-        for (; count_ > mark; indexedEnd_ = --count_) {
+        for (; count_ > mark; --count_) {
             const Entry entry = entryAt(count_ - 1);
             if (!entry.identity.isZero()) {
-                erase(entry.identity);
+                eraseIndexed(entry.identity);
                 forgotten(entry.value);
             }
         }
+        indexedEnd_ = std::min(indexedEnd_, count_);
     }
 
     /// Calls visit with every value, in the order of arrival.
@@ -89,6 +90,7 @@ private:
     Slot* search(const JHashCode& identity, uint32_t tag);
     Slot* searchWithRoom(const JHashCode& identity, uint32_t tag);
     void append(const JHashCode& identity, KEL_Impl* value);
+    void eraseIndexed(const JHashCode& identity) noexcept;
     void grow();
 
     std::vector<std::unique_ptr<Entry[]>> blocks_;

@@ -18,7 +18,10 @@ KEL* KELInputStream_Impl::read() {
 }
 
 int32_t KELInputStream_Impl::JRead() {
-    return withMediumErrors([&] { return input().next(); });
+    return withMediumErrors([&] {
+        input().clearMark(); // a token's, or the window would keep every byte from there on
+        return input().next();
+    });
 }
 
 int32_t KELInputStream_Impl::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
@@ -26,6 +29,7 @@ int32_t KELInputStream_Impl::JRead(uint8_t* buffer, int32_t offset, int32_t coun
         if (buffer == nullptr) {
             return JDataInput::JRead(buffer, offset, count);
         }
+        input().clearMark();
         return count < 1 ? 0
                          : static_cast<int32_t>(
                                input().read(buffer + offset, static_cast<size_t>(count)));
@@ -40,7 +44,9 @@ void KELInputStream_Impl::JClose() {
     });
 }
 
-int64_t KELInputStream_Impl::JTell() { return input().position(); }
+int64_t KELInputStream_Impl::JTell() {
+    return input().position();
+}
 
 void KELInputStream_Impl::JSeek(int64_t position) {
     withMediumErrors([&] { input().seek(position); });

@@ -3,6 +3,7 @@
 #include "meta/KEL_Manager_Impl.h"
 #include "meta/MetaKel_Impl.h"
 #include "serial/Characters.h"
+#include "values/ChildCursor.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_IndexList_Impl.h"
@@ -360,7 +361,6 @@ void TextTreeReader::openIndexList() {
 void TextTreeReader::openManager() {
     open(KELKind_Manager, JPointer<KEL_Impl>(identity_ ? new KEL_Manager_Impl(*identity_)
                                                        : new KEL_Manager_Impl()));
-    levels_.back().entries = std::make_unique<IdentityTable>();
 }
 
 void TextTreeReader::open(int32_t kind, JPointer<KEL_Impl>&& container) {
@@ -427,10 +427,21 @@ void TextTreeReader::addArray(Level& list, const JPointer<KEL_Impl>& value) {
 }
 
 void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
+    constexpr int32_t searchedLength = 16; // up to here a table would cost more than it saves
     auto& container = static_cast<KEL_Manager_Impl&>(*manager.container);
-    JHashCode identity;
-    value->getHashCode(identity);
-    if (manager.entries->insert(identity, nullptr)) {
+    if (container.size() < searchedLength) {
+        container.addKel(value.get());
+        return;
+    }
+    if (manager.entries == nullptr) {
+        manager.entries = std::make_unique<IdentityTable>();
+        ChildCursor cursor(container);
+        while (cursor.next()) {
+            manager.entries->insert(cursor.value->identity(), nullptr);
+        }
+    }
+    const JHashCode& identity = value->identity();
+    if (!identity.isZero() && manager.entries->insert(identity, nullptr)) {
         container.adoptElement(std::move(value));
     } else {
         container.addKel(value.get());

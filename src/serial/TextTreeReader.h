@@ -31,7 +31,7 @@ private:
         JPointer<KEL_Impl> container;
         std::optional<JHashCode> identity;      ///< given to this value
         std::string key;                        ///< of the variable being read
-        std::unique_ptr<IdentityTable> entries; ///< of a manager, to find doubles
+        std::unique_ptr<IdentityTable> entries; ///< of a large manager, to find doubles
         KEL_Struct_Impl* variables;             ///< of a struct, or of the value built on one
         JPointer<KEL_Array_Impl> keys;          ///< of an index list, when they are read
         JPointer<KEL_Array_Impl> items;         ///< and when these are

@@ -3,7 +3,8 @@
 #pragma once
 
 #include "serial/IdentityTable.h"
-#include "values/KEL_Impl.h"
+#include "values/KEL_Array_Impl.h"
+#include "values/KEL_Struct_Impl.h"
 
 namespace kel {
 
@@ -36,12 +37,17 @@ public:
         mark_ = table_.mark();
     }
 
-    /// Forgets what was remembered since begin, and remembers what that had replaced.
+    /// Forgets what was remembered since begin, and remembers what that had replaced. Nobody else
+    /// has the forgotten values, so containers are emptied: some may hold themselves.
     void rollBack() {
         for (; !replaced_.empty(); replaced_.pop_back()) {
+            takeApart(*table_.find(replaced_.back().identity));
             exchange(replaced_.back().identity, *replaced_.back().value);
         }
-        table_.rollBack(mark_, &release);
+        table_.rollBack(mark_, [](KEL_Impl* value) {
+            takeApart(*value);
+            value->release();
+        });
     }
 
 private:
@@ -52,6 +58,14 @@ private:
     };
 
     static void release(KEL_Impl* value) { value->release(); }
+
+    static void takeApart(KEL_Impl& value) {
+        if (auto* array = dynamic_cast<KEL_Array_Impl*>(&value)) {
+            array->removeAllVars();
+        } else if (auto* structure = dynamic_cast<KEL_Struct_Impl*>(&value)) {
+            structure->removeAllVars();
+        }
+    }
 
     void exchange(const JHashCode& identity, KEL_Impl& value) {
         KEL_Impl* before = table_.put(identity, &value);

@@ -90,14 +90,18 @@ void KEL_Struct_Impl::addVar(const char* name, KEL* value) {
         return;
     }
     refuseQuote(name);
-    // Held and copied first: removing the old variable may release both, and callbacks run.
-    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this);
-    const JPointer<KEL_Impl> held = JPointer<KEL_Impl>::share(KEL_Impl::of(value));
-    std::string key(name);
-    if (variables_.contains(key)) {
-        removeVar(key.c_str());
+    // The new variable is made first: then nothing can fail once the old one is gone. It also holds
+    // what removing may release, name and value; and callbacks run meanwhile.
+    kel::VariableMap made;
+    made.emplace(name, JPointer<KEL_Impl>::share(KEL_Impl::of(value)));
+    auto node = made.extract(made.begin());
+    if (variables_.contains(node.key())) {
+        removeVar(node.key().c_str());
     }
-    variables_.insert_or_assign(std::move(key), held);
+    auto result = variables_.insert(std::move(node));
+    if (!result.inserted) {
+        result.position->second = result.node.mapped(); // a callback was faster
+    }
     notifyChanged();
 }
 

@@ -27,8 +27,8 @@ HeldValue largeValue() {
 
 /// An output stream over a sink that fails.
 template <class Stream> struct Failing {
-    FailingSink* sink = new FailingSink;
-    JPointer<Stream> stream{new Stream(JPointer<JOutputStream>(sink))};
+    JPointer<FailingSink> sink{new FailingSink};
+    JPointer<Stream> stream{new Stream(JPointer<JOutputStream>::share(sink.get()))};
 
     std::string write(KEL* value) {
         return thrownMessage<KELIOException>([&] { stream->write(value); });

@@ -38,7 +38,7 @@ TEST(OutputBuffer, PiecesOfAnySizeArriveInOrder) {
     FailingSink sink;
     OutputBuffer buffer(sink);
     std::string expected;
-    for (std::size_t size : {1, 1000, 32767, 32768, 32769, 100000, 3}) {
+    for (const std::size_t size : {1U, 1000U, 32767U, 32768U, 32769U, 100000U, 3U}) {
         const std::string text(size, static_cast<char>('a' + size % 26));
         buffer.append(text);
         buffer.append(size, '-');

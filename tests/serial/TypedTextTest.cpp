@@ -1,4 +1,5 @@
 // Single numbers and words on text streams, beside whole values.
+#include "support/AllocationFailure.h"
 #include "support/Bytes.h"
 #include "support/CommaLocale.h"
 #include "support/Thrown.h"
@@ -142,6 +143,18 @@ TEST(TypedTextInput, RawBytesComeFromTheSamePlace) {
     EXPECT_EQ(hex({reinterpret_cast<char*>(buffer), 5}), "00 61 62 63 00");
     EXPECT_EQ(input->JRead(buffer, 0, 1), 0);
     EXPECT_EQ(input->JRead(), -1);
+}
+
+TEST(TypedTextInput, RawBytesTakeNoMemory) {
+    TextInput input("1 " + std::string(8 << 20, 'x'));
+    EXPECT_EQ(input->JRead32(), 1);
+    uint8_t buffer[1000];
+    const AllocationBudget budget(1 << 20);
+    int32_t count = 0;
+    while (const int32_t piece = input->JRead(buffer, 0, 1000)) {
+        count += piece;
+    }
+    EXPECT_EQ(count, (8 << 20) + 1);
 }
 
 TEST(TypedTextInput, ANullBufferIsRefused) {

@@ -111,9 +111,13 @@ private:
         return new KEL_MemBlock_Impl(size, bytes.data());
     }
 
-    /// A selector of either kind, with a selection, over a list made before or a new one.
+    /// A selector of either kind, with a selection, over a new list or one made before. The last
+    /// may be the one that the selector is for: a list that its own selector holds would leak.
     KEL_Impl* makeSelector() {
-        KEL_Impl* any = values_.empty() ? nullptr : values_[anyIndex()].get();
+        KEL_Impl* any = nullptr;
+        if (values_.size() > 1) {
+            any = values_[static_cast<std::size_t>(numbers_.below(values_.size() - 1))].get();
+        }
         auto* list = dynamic_cast<KEL_IndexList_Impl*>(any);
         const JPointer<KEL_IndexList_Impl> made(list == nullptr ? new KEL_IndexList_Impl()
                                                                 : nullptr);
@@ -132,8 +136,6 @@ private:
         selector->selectKey(key);
         return selector;
     }
-
-    std::size_t anyIndex() { return static_cast<std::size_t>(numbers_.below(values_.size())); }
 
     KEL_Impl* makeContainer() {
         if (options_.lists && numbers_.once(4)) {

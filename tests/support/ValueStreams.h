@@ -51,7 +51,7 @@ template <class Stream> class Input {
 public:
     explicit Input(std::string_view text)
         : Input(new StringReader(text.data(), static_cast<int64_t>(text.size()))) {}
-    explicit Input(JInputStream* medium) : stream_(new Stream(JPointer<JInputStream>(medium))) {}
+    explicit Input(JInputStream* medium) : Input(JPointer<JInputStream>(medium)) {}
 
     /// The next root value.
     Held<KEL_Impl> read() { return Held<KEL_Impl>(KEL_Impl::of(stream_->read())); }
@@ -59,6 +59,8 @@ public:
     Stream* operator->() const { return stream_.get(); }
 
 private:
+    explicit Input(const JPointer<JInputStream>& medium) : stream_(new Stream(medium)) {}
+
     JPointer<Stream> stream_;
 };
 
