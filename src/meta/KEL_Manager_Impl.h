@@ -28,11 +28,14 @@ public:
     KEL* createKel(int32_t kind) override;
     KEL* createKel(int32_t kind, JHashCode hashCode) override;
 
-    /// Appends a value whose identity is known not to be here and takes over its reference;
-    /// notifies nobody: for readers that fill a new manager.
-    void adoptElement(JPointer<KEL_Impl>&& value) {
-        elements_->adoptElement(value.get());
-        value.detach();
+    /// Puts a value at a place, in place of an element of the same identity or behind the last one,
+    /// without searching; notifies nobody: for readers that fill a new manager.
+    void adoptElementAt(int32_t place, JPointer<KEL_Impl>&& value) {
+        if (place < size()) {
+            elements_->setElementAt(value.get(), place);
+        } else {
+            elements_->addElement(value.get());
+        }
     }
 
     // KEL_Impl

@@ -433,19 +433,27 @@ void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
         container.addKel(value.get());
         return;
     }
-    if (manager.entries == nullptr) {
-        manager.entries = std::make_unique<IdentityTable>();
+    const auto enter = [&](KEL_Impl* element, int32_t place) {
+        manager.index->places[element] = place;
+        manager.index->entries.put(element->identity(), element);
+    };
+    if (manager.index == nullptr) {
+        manager.index = std::make_unique<ManagerIndex>();
         ChildCursor cursor(container);
         while (cursor.next()) {
-            manager.entries->insert(cursor.value->identity(), nullptr);
+            if (!cursor.value->identity().isZero()) {
+                enter(cursor.value, cursor.index);
+            }
         }
     }
-    const JHashCode& identity = value->identity();
-    if (!identity.isZero() && manager.entries->insert(identity, nullptr)) {
-        container.adoptElement(std::move(value));
-    } else {
+    if (value->identity().isZero()) {
         container.addKel(value.get());
+        return;
     }
+    const KEL_Impl* before = manager.index->entries.find(value->identity());
+    const int32_t place = before == nullptr ? container.size() : manager.index->places[before];
+    enter(value.get(), place);
+    container.adoptElementAt(place, std::move(value));
 }
 
 } // namespace kel

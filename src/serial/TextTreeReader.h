@@ -8,6 +8,7 @@
 #include "values/KEL_Struct_Impl.h"
 
 #include <optional>
+#include <unordered_map>
 
 namespace kel {
 
@@ -25,13 +26,19 @@ public:
     KEL_Impl* read();
 
 private:
+    /// Finds a manager's elements by identity, and their places.
+    struct ManagerIndex {
+        IdentityTable entries;
+        std::unordered_map<const KEL_Impl*, int32_t> places;
+    };
+
     /// A value that is not complete: a container, or the use of a definition.
     struct Level {
         int32_t kind; ///< of the container; expansionKind for a definition
         JPointer<KEL_Impl> container;
         std::optional<JHashCode> identity;      ///< given to this value
         std::string key;                        ///< of the variable being read
-        std::unique_ptr<IdentityTable> entries; ///< of a large manager, to find doubles
+        std::unique_ptr<ManagerIndex> index;    ///< of a large manager, to find doubles
         KEL_Struct_Impl* variables;             ///< of a struct, or of the value built on one
         JPointer<KEL_Array_Impl> keys;          ///< of an index list, when they are read
         JPointer<KEL_Array_Impl> items;         ///< and when these are

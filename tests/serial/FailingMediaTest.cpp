@@ -3,6 +3,7 @@
 #include "support/FailingSink.h"
 #include "support/PieceStream.h"
 #include "support/Records.h"
+#include "support/TemporaryFile.h"
 #include "support/Thrown.h"
 #include "support/ValueStreams.h"
 #include "support/Values.h"
@@ -27,8 +28,11 @@ HeldValue largeValue() {
 
 /// An output stream over a sink that fails.
 template <class Stream> struct Failing {
-    JPointer<FailingSink> sink{new FailingSink};
-    JPointer<Stream> stream{new Stream(JPointer<JOutputStream>::share(sink.get()))};
+    Failing()
+        : sink(new FailingSink), stream(new Stream(JPointer<JOutputStream>::share(sink.get()))) {}
+
+    JPointer<FailingSink> sink;
+    JPointer<Stream> stream;
 
     std::string write(KEL* value) {
         return thrownMessage<KELIOException>([&] { stream->write(value); });
@@ -253,6 +257,19 @@ TEST(OutOfMemory, ATextWriteFailsCleanlyAtEveryAllocation) {
 TEST(OutOfMemory, ABinaryWriteFailsCleanlyAtEveryAllocation) {
     const auto value = readBinary(sampleRecord);
     EXPECT_GT(failEachAllocation([&] { writeAmply<FailingBinary>(value); }), 5U);
+}
+
+TEST(OutOfMemory, AFactoryAnswersNullAtEveryAllocation) {
+    const TemporaryFile file("");
+    const auto create = [&] {
+        DeleteKELOutputStream(CreateKELBinaryOutputStream(file.name()));
+        DeleteKELOutputStream(CreateKELTextOutputStream(file.name(), true));
+        DeleteKELOutputStream(CreateKELStringOutputStream());
+        DeleteKELInputStream(CreateKELBinaryInputStream(file.name()));
+        DeleteKELInputStream(CreateKELTextInputStream(file.name()));
+        DeleteKELInputStream(CreateKELStringInputStream("1", 1));
+    };
+    EXPECT_GT(failEachAllocation(create), 20U);
 }
 
 /// A value whose record makes the writer ask for memory for more than a few identities: many Ints
