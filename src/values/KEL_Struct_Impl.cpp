@@ -95,6 +95,7 @@ void KEL_Struct_Impl::addVar(const char* name, KEL* value) {
     kel::VariableMap made;
     made.emplace(name, JPointer<KEL_Impl>::share(KEL_Impl::of(value)));
     auto node = made.extract(made.begin());
+    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // an observer may release it
     if (variables_.contains(node.key())) {
         removeVar(node.key().c_str());
     }
