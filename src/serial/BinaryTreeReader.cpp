@@ -56,7 +56,9 @@ void BinaryTreeReader::next() {
     } else {
         readName(level.end);
         JPointer<KEL_Impl> value = readRecord(level.end, Place::variable);
-        static_cast<KEL_Struct_Impl*>(level.container)->adoptVariable(name_, std::move(value));
+        // A writer never repeats a name: to keep one of two values would lose the other.
+        require(static_cast<KEL_Struct_Impl*>(level.container)
+                    ->adoptVariable(name_, std::move(value)));
     }
 }
 

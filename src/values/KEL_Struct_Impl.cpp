@@ -229,16 +229,17 @@ void KEL_Struct_Impl::renameVar(const char* oldName, const char* newName) {
     notifyChanged();
 }
 
-void KEL_Struct_Impl::adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value) {
+bool KEL_Struct_Impl::adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value) {
     // Writers put names in order, so the end is nearly always the place.
     const auto hint = variables_.empty() || std::prev(variables_.end())->first < name
                           ? variables_.end()
                           : variables_.lower_bound(name);
     if (hint != variables_.end() && hint->first == name) {
         hint->second = std::move(value);
-    } else {
-        variables_.emplace_hint(hint, name, std::move(value));
+        return false;
     }
+    variables_.emplace_hint(hint, name, std::move(value));
+    return true;
 }
 
 bool KEL_Struct_Impl::nextChild(kel::ChildCursor& cursor) const {

@@ -65,7 +65,8 @@ public:
     /// Stores a value under a name that is neither empty nor holds a quote, in place of one that is
     /// there, and notifies nobody: for readers that fill a new struct. Names that come in order
     /// cost no search.
-    void adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value);
+    /// \return false when one was there
+    bool adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value);
 
     // KEL_Impl
     bool isContainer() const override { return true; }

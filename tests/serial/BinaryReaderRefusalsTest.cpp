@@ -83,6 +83,14 @@ TEST(BinaryReader, ANameWithAQuoteIsRefused) {
               badHeader);
 }
 
+TEST(BinaryReader, TwoEqualNamesInAStructAreRefused) {
+    const std::string one = variable("a", intRecord(codeOf(1), 1));
+    const std::string other = variable("b", intRecord(codeOf(2), 2));
+    const std::string again = variable("a", intRecord(codeOf(3), 3));
+    EXPECT_EQ(refusal(record(counting, KELKind_Struct, one + again)), badHeader);
+    EXPECT_EQ(refusal(record(counting, KELKind_Struct, one + other + again)), badHeader);
+}
+
 TEST(BinaryReader, WhatRunsPastItsContainerIsRefused) {
     const std::string element = intRecord(codeOf(1), 1);
     for (std::size_t room = 1; room < element.size(); ++room) {

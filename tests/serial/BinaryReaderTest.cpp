@@ -79,14 +79,6 @@ TEST(BinaryReader, NamesOfAnyLengthAndOrderAreTaken) {
     EXPECT_EQ(at(value, "a")->toInt(), 2);
 }
 
-TEST(BinaryReader, OfTwoEqualNamesTheLastWins) {
-    const auto value = readBinary(
-        record(counting, KELKind_Struct,
-               variable("a", intRecord(codeOf(1), 1)) + variable("a", intRecord(codeOf(2), 2))));
-    EXPECT_EQ(asStruct(value).getCount(), 1);
-    EXPECT_EQ(at(value, "a")->toInt(), 2);
-}
-
 TEST(BinaryReader, ReadsOneRootAfterTheOther) {
     BinaryInput input(intRecord(codeOf(1), 1) + record(codeOf(2), KELKind_String, "two") + "rest");
     EXPECT_EQ(input.read()->toInt(), 1);
