@@ -1,3 +1,6 @@
+// Positions have 64 bits on 32-bit Linux too. Has to stand before the first include.
+#define _FILE_OFFSET_BITS 64
+
 #include "platform/File.h"
 
 #if defined(_WIN32)

@@ -215,7 +215,7 @@ TEST(Damage, TextWithBytesOfEveryKindIsReadOrRefused) {
         std::string text = "[ #define A [ 1 ]\n";
         for (int length = 0; length < 24; ++length) {
             state = state * 6364136223846793005U + 1442695040888963407U;
-            text.push_back(pieces[(state >> 33) % pieces.size()]);
+            text.push_back(pieces[static_cast<uint32_t>(state >> 33) % pieces.size()]);
         }
         surviveText(text);
         ASSERT_FALSE(::testing::Test::HasFailure()) << text;

@@ -92,7 +92,7 @@ TEST(RoundTrip, SeveralRootsShareValuesOverOneStream) {
     for (uint64_t seed = 1; seed <= trees / 10; ++seed) {
         const auto value = tree(seed, forBinary());
         const auto parts = valuesOf(*value);
-        KEL_Impl* part = parts[seed % parts.size()];
+        KEL_Impl* part = parts[static_cast<size_t>(seed) % parts.size()];
         const auto outer = arrayOf(value, part);
         const std::string records = BinaryOutput().write(part).write(value).write(outer).bytes();
         BinaryInput input(records);

@@ -5,6 +5,7 @@
 #include "ReservedShapes.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -18,6 +19,13 @@ constexpr const char* inexactInteger = "an integer that no double holds exactly"
 bool fitsInt(int64_t value) {
     return value >= std::numeric_limits<int32_t>::min() &&
            value <= std::numeric_limits<int32_t>::max();
+}
+
+/// True when a double holds the integer of this magnitude exactly. Asked of the bits: converting
+/// there and back tells nothing on machines that compute with more digits than a double has.
+bool isExact(uint64_t magnitude) {
+    constexpr int digits = std::numeric_limits<double>::digits;
+    return std::bit_width(magnitude) - std::countr_zero(magnitude) <= digits;
 }
 
 /// True when the double is exactly the integer that the digits spell.
@@ -77,10 +85,9 @@ void JsonBuilder::addInteger(int64_t value) {
         add(made(CreateKELInt(static_cast<int32_t>(value))));
         return;
     }
-    const auto number = static_cast<double>(value);
-    constexpr double tooLarge = 9223372036854775808.0; // does not convert back
-    const bool isExact = number < tooLarge && static_cast<int64_t>(number) == value;
-    addNumber(number, isExact ? nullptr : inexactInteger);
+    const auto bits = static_cast<uint64_t>(value);
+    addNumber(static_cast<double>(value),
+              isExact(value < 0 ? 0 - bits : bits) ? nullptr : inexactInteger);
 }
 
 void JsonBuilder::addUnsigned(uint64_t value) {
@@ -91,10 +98,7 @@ void JsonBuilder::addUnsigned(uint64_t value) {
         add(made(CreateKELInt(static_cast<int32_t>(value))));
         return;
     }
-    const auto number = static_cast<double>(value);
-    constexpr double tooLarge = 18446744073709551616.0; // does not convert back
-    const bool isExact = number < tooLarge && static_cast<uint64_t>(number) == value;
-    addNumber(number, isExact ? nullptr : inexactInteger);
+    addNumber(static_cast<double>(value), isExact(value) ? nullptr : inexactInteger);
 }
 
 void JsonBuilder::addDouble(double value, const std::string& spelling) {

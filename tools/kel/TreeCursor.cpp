@@ -126,7 +126,7 @@ std::string TreeCursor::path() const {
 }
 
 void TreeCursor::addStep(PathText& path, const Frame& frame) const {
-    const auto number = static_cast<uint64_t>(frame.next) - 1;
+    const auto number = static_cast<size_t>(frame.next) - 1;
     if (frame.structure != nullptr) {
         path.addName(names_.data() + frame.name);
     } else if (frame.array != nullptr) {

@@ -1,0 +1,52 @@
+# What only the build for Windows needs. Nothing here has an effect elsewhere.
+
+# kel_version_resource(<target> <file name> <VFT_DLL|VFT_APP> <description>)
+#
+# Gives the target's binary a version resource, made from the version of the library.
+function(kel_version_resource target KEL_RC_FILE KEL_RC_TYPE KEL_RC_DESCRIPTION)
+  if(NOT WIN32)
+    return()
+  endif()
+  cmake_path(GET KEL_RC_FILE STEM KEL_RC_NAME)
+  set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/src/platform/library/kel.rc.in ${resource} @ONLY)
+  target_sources(${target} PRIVATE ${resource})
+endfunction()
+
+# kel_name_dll(<target> <name>)
+#
+# Names a library <name>.dll, without a lead, and its import library as the tool chain is used to:
+# lib<name>.dll.a or <name>.lib.
+function(kel_name_dll target name)
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME ${name} PREFIX "")
+endfunction()
+
+# kel_add_runtime(<target>)
+#
+# Puts the run-time libraries of mingw beside the target's binary, because Windows looks for them
+# there. KEL_RUNTIME_FILES names them; they have to be shipped with KEL.dll.
+#
+# An exception that leaves KEL.dll is caught by the host's code: both have to use the one libgcc
+# that is shared. It needs the thread library, so that is shared as well. The C++ library stands in
+# every binary by itself: nothing of it crosses the boundary.
+if(MINGW)
+  set(KEL_RUNTIME_FILES)
+  foreach(name IN ITEMS libgcc_s_dw2-1.dll libwinpthread-1.dll)
+    execute_process(
+      COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+      OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    if(NOT EXISTS ${file})
+      message(FATAL_ERROR "The compiler does not say where ${name} is.")
+    endif()
+    cmake_path(NORMAL_PATH file)
+    list(APPEND KEL_RUNTIME_FILES ${file})
+  endforeach()
+  add_link_options(-static-libstdc++ -shared-libgcc)
+endif()
+function(kel_add_runtime target)
+  if(MINGW)
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND ${CMAKE_COMMAND} -E copy_if_different ${KEL_RUNTIME_FILES} $<TARGET_FILE_DIR:${target}>
+      VERBATIM)
+  endif()
+endfunction()

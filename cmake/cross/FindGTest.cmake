@@ -1,0 +1,21 @@
+# GoogleTest for a cross build: no system ships it built for another one, so it is built here from
+# the sources of the Debian package.
+set(KEL_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "Sources of GoogleTest for cross builds")
+mark_as_advanced(KEL_GOOGLETEST_SOURCE)
+
+if(NOT TARGET GTest::gtest AND EXISTS ${KEL_GOOGLETEST_SOURCE}/CMakeLists.txt)
+  block()
+    set(BUILD_GMOCK OFF)
+    set(INSTALL_GTEST OFF)
+    set(BUILD_SHARED_LIBS OFF)
+    set(CMAKE_COMPILE_WARNING_AS_ERROR OFF)
+    set(CMAKE_WARN_DEPRECATED OFF)
+    add_subdirectory(
+      ${KEL_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  endblock()
+endif()
+if(TARGET GTest::gtest)
+  set(GTest_FOUND TRUE)
+elseif(GTest_FIND_REQUIRED)
+  message(FATAL_ERROR "${KEL_GOOGLETEST_SOURCE} holds no GoogleTest (googletest).")
+endif()
