@@ -7,6 +7,8 @@
 #include <string>
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
+
+#include <io.h>
 #else
 #include <limits>
 #include <sys/types.h>
@@ -29,6 +31,11 @@ std::wstring widen(const char* text) {
     return wide;
 }
 
+/// Windows lets pipes and devices be asked for a position and moved, and answers something.
+bool hasPositions(std::FILE* file) {
+    return GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) == FILE_TYPE_DISK;
+}
+
 } // namespace
 
 std::FILE* openFile(const char* name, const char* mode) {
@@ -36,9 +43,13 @@ std::FILE* openFile(const char* name, const char* mode) {
     return wideName.empty() ? nullptr : _wfopen(wideName.c_str(), widen(mode).c_str());
 }
 
-int64_t tell(std::FILE* file) { return _ftelli64(file); }
+int64_t tell(std::FILE* file) {
+    return hasPositions(file) ? _ftelli64(file) : -1;
+}
 
-bool seek(std::FILE* file, int64_t position) { return _fseeki64(file, position, SEEK_SET) == 0; }
+bool seek(std::FILE* file, int64_t position) {
+    return hasPositions(file) && _fseeki64(file, position, SEEK_SET) == 0;
+}
 
 #else
 
@@ -46,7 +57,9 @@ std::FILE* openFile(const char* name, const char* mode) {
     return name == nullptr ? nullptr : std::fopen(name, mode);
 }
 
-int64_t tell(std::FILE* file) { return ftello(file); }
+int64_t tell(std::FILE* file) {
+    return ftello(file);
+}
 
 bool seek(std::FILE* file, int64_t position) {
     if (position > std::numeric_limits<off_t>::max()) {

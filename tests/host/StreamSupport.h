@@ -10,7 +10,14 @@
 #include <iterator>
 #include <memory>
 #include <string>
+
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#include <process.h>
+#else
 #include <unistd.h>
+#endif
 
 namespace host {
 
@@ -23,7 +30,18 @@ using Handle = std::unique_ptr<std::FILE, Closer>;
 /// A file of the test's own, removed at its end.
 class File {
 public:
-    File() : path_(std::filesystem::temp_directory_path() / uniqueName()) {}
+    /// A name that no other file of a test has.
+    static std::string uniqueName() {
+        static int count = 0;
+        return "kel-host-" + std::to_string(getpid()) + "-" + std::to_string(++count);
+    }
+
+    /// A file of this name in the folder for temporary files.
+    static File named(const std::filesystem::path& name) {
+        return File(Path{std::filesystem::temp_directory_path() / name});
+    }
+
+    File() : File(Path{std::filesystem::temp_directory_path() / uniqueName()}) {}
     explicit File(const std::string& bytes) : File() {
         std::ofstream(path_, std::ios::binary)
             .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
@@ -32,7 +50,8 @@ public:
     File& operator=(const File&) = delete;
     ~File() { std::filesystem::remove(path_); }
 
-    const char* name() const { return path_.c_str(); }
+    /// As the library takes it: in UTF-8 on Windows.
+    const char* name() const { return name_.c_str(); }
     Handle open(const char* mode) const { return Handle(std::fopen(name(), mode)); }
     std::string bytes() const {
         std::ifstream file(path_, std::ios::binary);
@@ -40,19 +59,29 @@ public:
     }
 
 private:
-    static std::string uniqueName() {
-        static int count = 0;
-        return "kel-host-" + std::to_string(getpid()) + "-" + std::to_string(++count);
+    struct Path {
+        std::filesystem::path path;
+    };
+
+    explicit File(Path path) : path_(std::move(path.path)) {
+        const auto utf8 = path_.u8string();
+        name_.assign(utf8.begin(), utf8.end());
     }
 
     std::filesystem::path path_;
+    std::string name_;
 };
 
 /// Two stdio files joined by the system, neither of which can seek.
 struct Pipe {
     Pipe() {
         int ends[2] = {-1, -1};
-        if (pipe(ends) == 0) {
+#if defined(_WIN32)
+        const bool isOpen = _pipe(ends, 64 * 1024, _O_BINARY | _O_NOINHERIT) == 0;
+#else
+        const bool isOpen = pipe(ends) == 0;
+#endif
+        if (isOpen) {
             reading = Handle(fdopen(ends[0], "rb"));
             writing = Handle(fdopen(ends[1], "wb"));
         }

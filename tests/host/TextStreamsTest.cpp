@@ -206,7 +206,8 @@ TEST(TextStreams, OfferTheirInterfacesAcrossTheLibrarysBoundary) {
 
 TEST(TextStreams, DoNotDependOnTheLocale) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
+    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr &&
+        std::setlocale(LC_ALL, "German_Germany.1252") == nullptr) {
         ASSERT_EQ(std::getenv("KEL_REQUIRE_LOCALE"), nullptr) << "de_DE.UTF-8 is not installed";
         GTEST_SKIP() << "de_DE.UTF-8 is not installed";
     }

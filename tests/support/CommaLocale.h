@@ -10,19 +10,28 @@
 
 namespace kel::test {
 
-/// While alive, the program is in the locale de_DE.UTF-8, for C and for C++ streams.
+#if defined(_WIN32)
+constexpr const char* germanLocale = "German_Germany.1252";
+/// The C++ library of mingw knows no other locale than "C".
+constexpr bool streamsHaveLocales = false;
+#else
+constexpr const char* germanLocale = "de_DE.UTF-8";
+constexpr bool streamsHaveLocales = true;
+#endif
+
+/// While alive, the program is in a German locale, for C and, where they have any, for C++ streams.
 class CommaLocale {
 public:
     CommaLocale() : before_(std::setlocale(LC_ALL, nullptr)) {
-        installed_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-        if (installed_) {
-            streamsBefore_ = std::locale::global(std::locale("de_DE.UTF-8"));
+        installed_ = std::setlocale(LC_ALL, germanLocale) != nullptr;
+        if (installed_ && streamsHaveLocales) {
+            streamsBefore_ = std::locale::global(std::locale(germanLocale));
         }
     }
     CommaLocale(const CommaLocale&) = delete;
     CommaLocale& operator=(const CommaLocale&) = delete;
     ~CommaLocale() {
-        if (installed_) {
+        if (installed_ && streamsHaveLocales) {
             std::locale::global(streamsBefore_);
         }
         std::setlocale(LC_ALL, before_.c_str());
@@ -40,8 +49,9 @@ private:
 /// KEL_REQUIRE_LOCALE is set.
 #define KEL_NEED(commaLocale)                                                                      \
     if (!(commaLocale).isInstalled()) {                                                            \
-        ASSERT_EQ(std::getenv("KEL_REQUIRE_LOCALE"), nullptr) << "de_DE.UTF-8 is not installed";   \
-        GTEST_SKIP() << "de_DE.UTF-8 is not installed";                                            \
+        ASSERT_EQ(std::getenv("KEL_REQUIRE_LOCALE"), nullptr)                                      \
+            << kel::test::germanLocale << " is not installed";                                      \
+        GTEST_SKIP() << kel::test::germanLocale << " is not installed";                             \
     }
 
 } // namespace kel::test

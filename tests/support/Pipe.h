@@ -1,17 +1,23 @@
 /// \file
-/// Pipe: two stdio files joined by the system, neither of which can seek. POSIX only.
+/// Pipe: two stdio files joined by the system, neither of which can seek.
 #pragma once
 
 #include <cstdio>
 #include <stdexcept>
 #include <string>
+
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#else
 #include <unistd.h>
+#endif
 
 class Pipe {
 public:
     Pipe() {
         int ends[2];
-        if (pipe(ends) != 0) {
+        if (open(ends) != 0) {
             throw std::runtime_error("no pipe");
         }
         reading_ = fdopen(ends[0], "rb");
@@ -42,6 +48,14 @@ public:
     }
 
 private:
+    static int open(int* ends) {
+#if defined(_WIN32)
+        return _pipe(ends, 64 * 1024, _O_BINARY | _O_NOINHERIT);
+#else
+        return pipe(ends);
+#endif
+    }
+
     std::FILE* reading_;
     std::FILE* writing_;
 };

@@ -1,0 +1,36 @@
+#!/bin/sh
+# Runs a Windows program under Wine, as CTest's emulator: without a display, for any user, in a Wine
+# prefix of its own.
+#
+#   scripts/winerun.sh PROGRAM [ARGUMENT...]
+#
+# The first run makes the prefix, which takes some seconds. One Wine server stays for five minutes
+# after the last program: without it each program pays for starting and ending one. Server and
+# services are started apart from our output, because a test driver waits until everybody who
+# inherited it has closed it.
+# Ends with status 77 where there is no Wine.
+: "${WINEPREFIX:=${TMPDIR:-/tmp}/kel-wine-$(id -u)}"
+: "${WINEDEBUG:=-all}"
+: "${WINEDLLOVERRIDES:=mscoree,mshtml=}" # no offers to install what no test needs
+export WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
+unset DISPLAY WAYLAND_DISPLAY
+# Names of files and arguments are UTF-8, whatever locale a test runs in.
+export LC_CTYPE=C.UTF-8
+if [ "${LC_ALL:-C}" = C ]; then
+    export LC_ALL=C.UTF-8
+fi
+
+wine=$(command -v wine-stable || command -v wine) || {
+    echo "winerun.sh: Wine is not installed" >&2
+    exit 77
+}
+mkdir -p "$WINEPREFIX" || exit 77
+(
+    flock 9
+    wineserver -p300 </dev/null >/dev/null 2>&1 9>&-
+    if [ ! -e "$WINEPREFIX/kel-ready" ]; then
+        timeout 180 "$wine" wineboot --init </dev/null >/dev/null 2>&1 9>&- &&
+            touch "$WINEPREFIX/kel-ready"
+    fi
+) 9>"$WINEPREFIX.lock"
+exec "$wine" "$@"
