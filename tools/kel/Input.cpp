@@ -3,12 +3,14 @@
 #include "Failure.h"
 #include "JsonReader.h"
 #include "KelReader.h"
+#include "System.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <system_error>
 
 namespace kel::tool {
 
@@ -23,7 +25,7 @@ namespace {
 std::string readBytes(const std::string& name) {
     constexpr size_t pieceSize = size_t{1} << 20U;
     errno = 0;
-    std::FILE* file = name == "-" ? stdin : std::fopen(name.c_str(), "rb");
+    std::FILE* file = name == "-" ? stdin : openToRead(name);
     if (file == nullptr) {
         failToRead(name);
     }
@@ -63,6 +65,8 @@ Input readInput(const std::string& name, std::optional<Format> from, std::option
         throw Failure{Trouble::unreadable, name + ": out of memory"};
     } catch (const std::length_error&) {
         throw Failure{Trouble::unreadable, name + ": out of memory"};
+    } catch (const std::system_error& failure) {
+        throw Failure{Trouble::unreadable, name + ": " + failure.code().message()};
     }
 }
 

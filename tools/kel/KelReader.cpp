@@ -5,12 +5,29 @@
 #include "System.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <memory>
 #include <optional>
+#include <system_error>
 
 namespace kel::tool {
 
 namespace {
+
+struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, Closer>;
+
+/// The file, which the system has just tried to open.
+/// \throws std::system_error with the system's reason when it failed
+File opened(std::FILE* file) {
+    if (file == nullptr) {
+        throw std::system_error(errno, std::generic_category());
+    }
+    return File(file);
+}
 
 /// The text of the end mark. No bare word contains the first character, so the mark is never read
 /// as anything but a String.
@@ -19,19 +36,14 @@ constexpr const char* markText = "\x01 end of input \x01";
 /// A root value that is put behind the content of every input. A stream says "end of input" both
 /// behind the last value and in the middle of one; having read the mark last tells them apart.
 std::string endMark(Format format) {
-    char buffer[256];
-    std::FILE* file = openMemoryToWrite(buffer, sizeof buffer);
-    if (file == nullptr) {
-        throw std::bad_alloc();
-    }
+    constexpr size_t largestMark = 256;
+    MemoryFile file(largestMark);
     const Value mark = made(CreateKELString(markText));
-    ValueWriter writer(format, file);
+    ValueWriter writer(format, file.file());
     writer.write(mark.get());
     writer.close();
-    const long size = std::ftell(file);
-    std::fclose(file);
     // The blank keeps a carriage return at the end of the content from becoming half a line end.
-    return (format == Format::text ? " \n" : "") + std::string(buffer, static_cast<size_t>(size));
+    return (format == Format::text ? " \n" : "") + file.take().value();
 }
 
 bool isEndMark(const Value& value) {
@@ -50,22 +62,16 @@ struct Ending {
 class ValueReader {
 public:
     ValueReader(std::string_view content, Format format)
-        : file_(openMemoryToRead(content.data(), content.size())) {
-        if (file_ == nullptr) {
-            throw std::bad_alloc();
-        }
+        : file_(opened(openMemoryToRead(content.data(), content.size()))) {
         if (format == Format::text) {
-            stream_ = CreateKELTextInputStream(file_);
+            stream_ = CreateKELTextInputStream(file_.get());
         } else {
-            stream_ = CreateKELBinaryInputStream(file_);
+            stream_ = CreateKELBinaryInputStream(file_.get());
         }
     }
     ValueReader(const ValueReader&) = delete;
     ValueReader& operator=(const ValueReader&) = delete;
-    ~ValueReader() {
-        DeleteKELInputStream(stream_);
-        std::fclose(file_);
-    }
+    ~ValueReader() { DeleteKELInputStream(stream_); }
 
     KEL* read() { return stream_->read(); }
 
@@ -73,11 +79,11 @@ public:
     long offset() {
         DeleteKELInputStream(stream_);
         stream_ = nullptr;
-        return std::ftell(file_);
+        return std::ftell(file_.get());
     }
 
 private:
-    std::FILE* file_;
+    File file_;
     KELInputStream* stream_ = nullptr;
 };
 

@@ -15,25 +15,21 @@ constexpr size_t largestTextForm = size_t{64} << 20U;
 
 /// The manager's text form.
 std::string textFormOf(KEL_Manager& manager) {
-    // The buffer is bounded because the indentation of a deep tree can be far longer than the tree.
-    const std::unique_ptr<char[]> buffer(new char[largestTextForm]);
-    std::FILE* file = openMemoryToWrite(buffer.get(), largestTextForm);
-    if (file == nullptr) {
-        throw std::bad_alloc();
-    }
+    // The file is bounded because the indentation of a deep tree can be far longer than the tree.
+    MemoryFile file(largestTextForm);
     bool isWritten = true;
     try {
-        ValueWriter writer(Format::text, file);
+        ValueWriter writer(Format::text, file.file());
         writer.write(&manager);
         writer.close();
     } catch (const Failure&) {
         isWritten = false;
     }
-    const long size = std::ftell(file);
-    if (std::fclose(file) != 0 || !isWritten || size < 0) {
+    const std::optional<std::string> text = file.take();
+    if (!text || !isWritten) {
         throw Failure{Trouble::refused, "a manager is too large to list its values"};
     }
-    return std::string(buffer.get(), static_cast<size_t>(size));
+    return *text;
 }
 
 } // namespace

@@ -122,13 +122,14 @@ Format requireTarget(const Options& options) {
 
 } // namespace
 
-std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
+std::variant<Options, Answer> parseOptions(const std::vector<std::string>& arguments) {
     Options options;
     std::string input;
     std::string from;
     std::string to;
     constexpr const char* takeInputFor = "Take the input for this format, whatever it looks like";
     CLI::App app("Converts, shows and checks files of KEL values.", "kel");
+    app.allow_windows_style_options(false); // "/" begins a file name on every system
     app.footer(generalNotes);
     app.set_version_flag("--version", "kel " KEL_VERSION_STRING);
     app.require_subcommand(1);
@@ -152,15 +153,16 @@ std::variant<Options, Answer> parseOptions(int argc, const char* const* argv) {
     addFormatOption(*check, "--from", from, takeInputFor);
     check->footer(checkNotes);
 
-    const auto isCalled = [argc, argv](const CLI::App* command) {
-        return argc > 1 && command->get_name() == argv[1];
+    const std::string first = arguments.size() > 1 ? arguments[1] : "-";
+    const auto isCalled = [&first](const CLI::App* command) {
+        return command->get_name() == first;
     };
     // The parser would say that a command is missing, which is no help against a slip of the pen.
-    if (argc > 1 && argv[1][0] != '-' && app.get_subcommands(isCalled).empty()) {
-        throw Failure{Trouble::usage, argv[1] + std::string(": unknown command") + hint};
+    if (!first.starts_with('-') && app.get_subcommands(isCalled).empty()) {
+        throw Failure{Trouble::usage, first + ": unknown command" + hint};
     }
     try {
-        app.parse(argc, argv);
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1)); // last first
     } catch (const CLI::ParseError& end) {
         if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
             std::ostringstream answer;

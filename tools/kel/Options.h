@@ -25,8 +25,8 @@ struct Options {
 /// A text to print instead of doing anything: help or version.
 using Answer = std::string;
 
-/// Reads the command line.
+/// Reads the arguments of the command line, which begin with the name of the program.
 /// \throws Failure usage
-std::variant<Options, Answer> parseOptions(int argc, const char* const* argv);
+std::variant<Options, Answer> parseOptions(const std::vector<std::string>& arguments);
 
 } // namespace kel::tool

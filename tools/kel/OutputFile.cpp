@@ -29,12 +29,12 @@ OutputFile::OutputFile(const std::string& name) : name_(name) {
         file_ = stdout;
         return;
     }
-    const fs::path target = behindLinks(name);
+    const fs::path target = behindLinks(pathOf(name));
     std::error_code ignored;
     const fs::file_status status = fs::status(target, ignored);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         errno = 0;
-        file_ = std::fopen(name.c_str(), "wb");
+        file_ = openToWrite(name);
         if (file_ == nullptr) {
             failWithSystemReason();
         }
@@ -49,22 +49,23 @@ OutputFile::~OutputFile() {
         std::fclose(file_);
     }
     if (!temporary_.empty()) {
-        std::remove(temporary_.c_str());
+        std::error_code ignored;
+        fs::remove(temporary_, ignored);
         keepTemporary();
     }
 }
 
 void OutputFile::openTemporary() {
     errno = 0;
-    if (!mayWrite(target_.string())) {
+    if (!mayWrite(target_)) {
         failWithSystemReason(); // replacing the file would get round its protection
     }
-    file_ = createTemporary(target_.parent_path().string(), temporary_);
+    file_ = createTemporary(target_.parent_path(), temporary_);
     if (file_ == nullptr) {
         temporary_.clear();
         failWithSystemReason();
     }
-    copyPermissions(file_, target_.string());
+    copyPermissions(file_, target_);
 }
 
 void OutputFile::commit() {
@@ -82,14 +83,12 @@ void OutputFile::commit() {
         failWithSystemReason();
     }
     closeFile();
-    std::error_code failure;
-    fs::rename(temporary_, target_, failure);
-    if (failure) {
+    if (const std::error_code failure = replaceFile(temporary_, target_)) {
         fail(failure.message());
     }
     temporary_.clear();
     keepTemporary();
-    synchroniseFolder(target_.parent_path().string());
+    synchroniseFolder(target_.parent_path());
 }
 
 void OutputFile::closeFile() {

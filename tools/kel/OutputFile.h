@@ -36,7 +36,7 @@ private:
 
     std::string name_;             ///< as the user gave it
     std::filesystem::path target_; ///< what is replaced; empty when written directly
-    std::string temporary_;
+    std::filesystem::path temporary_;
     std::FILE* file_ = nullptr;
 };
 

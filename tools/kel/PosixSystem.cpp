@@ -57,7 +57,11 @@ void handleEndingSignals() {
 
 } // namespace
 
-void ignoreClosedPipes() {
+std::vector<std::string> argumentsOf(int argc, const char* const* argv) {
+    return {argv, argv + argc};
+}
+
+void prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
@@ -65,8 +69,20 @@ bool isTerminal(std::FILE* file) {
     return isatty(fileno(file)) == 1;
 }
 
-bool mayWrite(const std::string& name) {
-    return access(name.c_str(), W_OK) == 0 || errno == ENOENT;
+std::filesystem::path pathOf(const std::string& name) {
+    return name;
+}
+
+std::FILE* openToRead(const std::string& name) {
+    return std::fopen(name.c_str(), "rb");
+}
+
+std::FILE* openToWrite(const std::string& name) {
+    return std::fopen(name.c_str(), "wb");
+}
+
+bool mayWrite(const std::filesystem::path& path) {
+    return access(path.c_str(), W_OK) == 0 || errno == ENOENT;
 }
 
 std::FILE* openMemoryToRead(const char* bytes, size_t size) {
@@ -74,16 +90,46 @@ std::FILE* openMemoryToRead(const char* bytes, size_t size) {
     return fmemopen(const_cast<char*>(bytes), size, "rb");
 }
 
-std::FILE* openMemoryToWrite(char* buffer, size_t size) {
-    return fmemopen(buffer, size, "wb");
+struct MemoryFile::Storage {
+    std::unique_ptr<char[]> bytes;
+    std::FILE* file;
+};
+
+MemoryFile::MemoryFile(size_t limit)
+    : storage_(new Storage{std::unique_ptr<char[]>(new char[limit]), nullptr}) {
+    storage_->file = fmemopen(storage_->bytes.get(), limit, "wb");
+    if (storage_->file == nullptr) {
+        throw std::system_error(errno, std::generic_category());
+    }
 }
 
-std::FILE* createTemporary(const std::string& folder, std::string& name) {
+MemoryFile::~MemoryFile() {
+    if (storage_->file != nullptr) {
+        std::fclose(storage_->file);
+    }
+}
+
+std::FILE* MemoryFile::file() {
+    return storage_->file;
+}
+
+std::optional<std::string> MemoryFile::take() {
+    const bool isWritten = std::fflush(storage_->file) == 0 && std::ferror(storage_->file) == 0;
+    const long size = std::ftell(storage_->file);
+    const bool isClosed = std::fclose(storage_->file) == 0;
+    storage_->file = nullptr;
+    if (!isWritten || !isClosed || size < 0) {
+        return std::nullopt;
+    }
+    return std::string(storage_->bytes.get(), static_cast<size_t>(size));
+}
+
+std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem::path& path) {
     constexpr int attempts = 1000;
-    const std::string prefix =
-        (folder.empty() ? "" : folder + '/') + ".kel-" + std::to_string(getpid()) + '-';
+    const std::string prefix = ".kel-" + std::to_string(getpid()) + '-';
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        name = prefix + std::to_string(attempt) + ".tmp";
+        path = folder / (prefix + std::to_string(attempt) + ".tmp");
+        const std::string& name = path.native();
         if (name.size() >= sizeof temporaryName) {
             errno = ENAMETOOLONG;
             return nullptr;
@@ -107,7 +153,7 @@ void keepTemporary() {
     temporaryName[0] = '\0';
 }
 
-void copyPermissions(std::FILE* file, const std::string& from) {
+void copyPermissions(std::FILE* file, const std::filesystem::path& from) {
     struct stat existing = {};
     if (stat(from.c_str(), &existing) != 0) {
         return;
@@ -125,7 +171,13 @@ bool synchronise(std::FILE* file) {
     return fsync(fileno(file)) == 0;
 }
 
-void synchroniseFolder(const std::string& folder) {
+std::error_code replaceFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+    std::error_code failure;
+    std::filesystem::rename(from, to, failure);
+    return failure;
+}
+
+void synchroniseFolder(const std::filesystem::path& folder) {
     const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor >= 0) {
         fsync(descriptor); // not every file system can; the file itself is safe already

@@ -1,48 +1,90 @@
 /// \file
 /// What the tool needs from the operating system beyond the C++ standard library. One source file
 /// per system implements it; this one is free of the differences.
+///
+/// Names of files are texts as the user gave them: bytes on POSIX systems, UTF-8 on Windows.
 #pragma once
 
 #include <cstddef>
 #include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
+#include <system_error>
+#include <vector>
 
 namespace kel::tool {
 
-/// Lets a write to a closed pipe fail like any other write instead of ending the process.
-void ignoreClosedPipes();
+/// The arguments of the command line with the name of the program in front. On Windows the process
+/// has them wide, whatever main was given.
+std::vector<std::string> argumentsOf(int argc, const char* const* argv);
 
-/// True when the file is a terminal.
+/// Makes the process ready: bytes pass stdin and stdout as they are, and a write to a closed pipe
+/// fails like any other write instead of ending the process.
+void prepareProcess();
+
+/// True when the file is a terminal that understands control sequences.
 bool isTerminal(std::FILE* file);
 
-/// True when the file that the name leads to may be written, or does not exist.
-bool mayWrite(const std::string& name);
+/// The name as the C++ library takes it.
+std::filesystem::path pathOf(const std::string& name);
+
+/// Opens a file to read from. \return null with errno set
+std::FILE* openToRead(const std::string& name);
+
+/// Opens a file or a device to write to, emptied. \return null with errno set
+std::FILE* openToWrite(const std::string& name);
+
+/// True when the file that the path leads to may be written, or does not exist; errno tells why
+/// not.
+bool mayWrite(const std::filesystem::path& path);
 
 /// The bytes as a file to read from. They stay the caller's and have to live as long as the file.
-/// \return null when out of memory
+/// \return null with errno set when there is no room for it
 std::FILE* openMemoryToRead(const char* bytes, size_t size);
 
-/// A file to write to whose bytes go to the buffer; writing beyond its size fails.
-/// \return null when out of memory
-std::FILE* openMemoryToWrite(char* buffer, size_t size);
+/// A file to write to whose bytes stay in memory.
+class MemoryFile {
+public:
+    /// \param limit how many bytes fit; writing more fails
+    /// \throws std::system_error
+    explicit MemoryFile(size_t limit);
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+    ~MemoryFile();
+
+    std::FILE* file();
+
+    /// Closes the file. \return what was written; nothing when that was more than fits
+    std::optional<std::string> take();
+
+private:
+    struct Storage;
+
+    std::unique_ptr<Storage> storage_;
+};
 
 /// A new, empty file in the folder (empty for the current one), open for writing, with the usual
 /// permissions of new files. A signal that ends the process removes the file.
-/// \param[out] name the file's name with its folder
+/// \param[out] path the file with its folder
 /// \return null with errno set when it cannot be made
-std::FILE* createTemporary(const std::string& folder, std::string& name);
+std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem::path& path);
 
 /// From now on a signal leaves the temporary file alone.
 void keepTemporary();
 
-/// Gives an open file the permissions and, where that is allowed, the owner of the named file. A
-/// file that does not exist changes nothing.
-void copyPermissions(std::FILE* file, const std::string& from);
+/// Gives an open file the permissions and, where that is allowed, the owner of another file. A file
+/// that does not exist changes nothing.
+void copyPermissions(std::FILE* file, const std::filesystem::path& from);
 
 /// Waits until the file's bytes are on the medium. \return false with errno set on failure
 bool synchronise(std::FILE* file);
 
+/// Puts a closed file in the place of another, which may exist: at no moment is there none.
+std::error_code replaceFile(const std::filesystem::path& from, const std::filesystem::path& to);
+
 /// Waits until the folder's entries are on the medium, where the system can.
-void synchroniseFolder(const std::string& folder);
+void synchroniseFolder(const std::filesystem::path& folder);
 
 } // namespace kel::tool

@@ -6,14 +6,16 @@
 
 #include <kel/KELException.h>
 #include <new>
+#include <string>
+#include <vector>
 
 namespace {
 
 using namespace kel::tool;
 
-int runTool(int argc, const char* const* argv, Console& console) {
+int runTool(const std::vector<std::string>& arguments, Console& console) {
     try {
-        const std::variant<Options, Answer> asked = parseOptions(argc, argv);
+        const std::variant<Options, Answer> asked = parseOptions(arguments);
         if (const Answer* answer = std::get_if<Answer>(&asked)) {
             print(*answer);
             return 0;
@@ -35,7 +37,7 @@ int runTool(int argc, const char* const* argv, Console& console) {
 } // namespace
 
 int main(int argc, char** argv) {
-    ignoreClosedPipes();
+    prepareProcess();
     Console console;
-    return runTool(argc, argv, console);
+    return runTool(argumentsOf(argc, argv), console);
 }
