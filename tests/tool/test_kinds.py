@@ -141,6 +141,18 @@ class PlainData(Kinds):
                      f"[0]({GUID}1)[0].item: an index list",
                      f"[0]({GUID}1)[0].item[0].item: a checked struct")
 
+    def test_wide_and_deep_managers_become_arrays_in_linear_time(self):
+        entries = 100000
+        wide = "\n".join(f"{number:08X}{GUID[8:]}0 = {number}" for number in range(entries))
+        self.refused(f"(\n{wide}\n)", "json", "(the value itself): a manager")
+        self.assertEqual(self.forced("json"), list(range(entries)))
+        levels = 20000
+        self.write("a.kel", f"( {GUID}0 = " * levels + "1" + " )" * levels)
+        result = self.kel("convert", "--force", "a.kel", "out.json")
+        self.assertEqual(result.status, 0, result.err)
+        self.assertEqual(self.read("out.json").translate(None, b" \n"),
+                         b"[" * levels + b"1" + b"]" * levels)
+
     def test_keys_and_items_have_paths_of_their_own(self):
         self.becomes([[[], 1], [2, {"x": []}]], "<[ <[][]> 2 ] [ 1 { x = <[][]> } ]>",
                      "(the value itself): an index list", "[0].key: an index list",
