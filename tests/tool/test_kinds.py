@@ -63,7 +63,7 @@ class Kinds(ToolTest):
         self.places = (f"a.kel: {len(places)} place{'' if len(places) == 1 else 's'} cannot be "
                        f"carried from text to {'binary' if to == 'kelb' else to}:\n" +
                        "".join(f"  {place}\n" for place in places))
-        self.fails(1, "kel: " + self.places + "Nothing was written; text carries all of it, "
+        self.fails(1, "kel: " + self.places + "Nothing was written; text carries every kind, "
                       "--force converts the rest.\n", "convert", "a.kel", "out." + to)
         self.assertEqual(self.files(), ["a.kel"])
 
@@ -174,7 +174,7 @@ class PlainData(Kinds):
             "kel: a.kel: 12 places cannot be carried from text to binary:",
             *(f"  [{i}]: an index list" for i in range(10)),
             "  and 2 more",
-            "Nothing was written; text carries all of it, --force converts the rest."])
+            "Nothing was written; text carries every kind, --force converts the rest."])
 
     def test_a_value_in_several_places_becomes_one_value_in_binary(self):
         for text in ("<[][]>", "{ @type = 51\n}"):
