@@ -47,6 +47,12 @@ protected:
 class KEL_Manager : public virtual KEL,
                     public virtual KEL_Observable,
                     public virtual KELInterface_Manager_V1 {
+public:
+    /// The element at a place of the order of addition, from 0 to size() - 1: borrowed. With size()
+    /// it lists a manager whose identities the host does not know.
+    /// \throws KELNoSuchElementException "getKel: no such element" for another index
+    virtual KEL* getKelAt(int32_t index) const = 0;
+
 protected:
     ~KEL_Manager() = default;
 };

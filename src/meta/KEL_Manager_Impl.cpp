@@ -45,6 +45,13 @@ void KEL_Manager_Impl::removeKel(JHashCode hashCode) {
     notifyChanged();
 }
 
+KEL* KEL_Manager_Impl::getKelAt(int32_t index) const {
+    if (index < 0 || index >= size()) {
+        throw new KELNoSuchElementException_Impl("getKel: no such element");
+    }
+    return elements_->elementAtRef(index);
+}
+
 KEL* KEL_Manager_Impl::createKel(int32_t kind) { return kel::createValue(kind, nullptr); }
 
 KEL* KEL_Manager_Impl::createKel(int32_t kind, JHashCode hashCode) {

@@ -28,6 +28,9 @@ public:
     KEL* createKel(int32_t kind) override;
     KEL* createKel(int32_t kind, JHashCode hashCode) override;
 
+    // KEL_Manager
+    KEL* getKelAt(int32_t index) const override;
+
     /// Puts a value at a place, in place of an element of the same identity or behind the last one,
     /// without searching; notifies nobody: for readers that fill a new manager.
     void adoptElementAt(int32_t place, JPointer<KEL_Impl>&& value) {

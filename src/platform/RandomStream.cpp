@@ -2,8 +2,8 @@
 
 #if !defined(_WIN32)
 
-#include <bit>
 #include <cerrno>
+#include <cstring>
 #include <sys/random.h>
 
 namespace kel::platform {
@@ -27,59 +27,65 @@ bool RandomStream::key() {
     return true;
 }
 
-// The state is kept transposed, one row per word of the state and one column per block, so that
-// compilers turn each step into vector instructions.
+namespace {
+
+// One word of the state, of each block. Compilers do not see by themselves that the blocks can be
+// computed side by side, so they are told: this makes identities three times as fast.
+using Row = uint32_t __attribute__((vector_size(4 * RandomStream::lanes)));
+
+template <int bits> Row rotateLeft(Row row) {
+    return (row << bits) | (row >> (32 - bits));
+}
+
+void quarterRound(Row& a, Row& b, Row& c, Row& d) {
+    a += b;
+    d = rotateLeft<16>(d ^ a);
+    c += d;
+    b = rotateLeft<12>(b ^ c);
+    a += b;
+    d = rotateLeft<8>(d ^ a);
+    c += d;
+    b = rotateLeft<7>(b ^ c);
+}
+
+Row allLanes(uint32_t word) {
+    return Row{} + word;
+}
+
+} // namespace
+
 void RandomStream::fill() {
-    using Row = uint32_t[lanes];
-    Row start[16];
     const uint32_t constants[4] = {0x61707865U, 0x3320646EU, 0x79622D32U, 0x6B206574U};
+    Row start[16] = {};
+    for (std::size_t i = 0; i < 4; ++i) {
+        start[i] = allLanes(constants[i]);
+    }
+    for (std::size_t i = 0; i < 8; ++i) {
+        start[4 + i] = allLanes(key_[i]);
+    }
     for (std::size_t lane = 0; lane < lanes; ++lane) {
-        for (std::size_t i = 0; i < 4; ++i) {
-            start[i][lane] = constants[i];
-        }
-        for (std::size_t i = 0; i < 8; ++i) {
-            start[4 + i][lane] = key_[i];
-        }
         const uint64_t block = block_ + lane;
         start[12][lane] = static_cast<uint32_t>(block);
         start[13][lane] = static_cast<uint32_t>(block >> 32);
-        start[14][lane] = 0;
-        start[15][lane] = 0;
     }
     block_ += lanes;
 
-    Row state[16];
-    for (std::size_t i = 0; i < 16; ++i) {
-        for (std::size_t lane = 0; lane < lanes; ++lane) {
-            state[i][lane] = start[i][lane];
-        }
-    }
-    const auto quarterRound = [&state](std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
-        for (std::size_t lane = 0; lane < lanes; ++lane) {
-            state[a][lane] += state[b][lane];
-            state[d][lane] = std::rotl(state[d][lane] ^ state[a][lane], 16);
-            state[c][lane] += state[d][lane];
-            state[b][lane] = std::rotl(state[b][lane] ^ state[c][lane], 12);
-            state[a][lane] += state[b][lane];
-            state[d][lane] = std::rotl(state[d][lane] ^ state[a][lane], 8);
-            state[c][lane] += state[d][lane];
-            state[b][lane] = std::rotl(state[b][lane] ^ state[c][lane], 7);
-        }
-    };
+    Row row[16];
+    std::memcpy(row, start, sizeof row);
     for (int doubleRound = 0; doubleRound < 4; ++doubleRound) {
-        quarterRound(0, 4, 8, 12);
-        quarterRound(1, 5, 9, 13);
-        quarterRound(2, 6, 10, 14);
-        quarterRound(3, 7, 11, 15);
-        quarterRound(0, 5, 10, 15);
-        quarterRound(1, 6, 11, 12);
-        quarterRound(2, 7, 8, 13);
-        quarterRound(3, 4, 9, 14);
+        quarterRound(row[0], row[4], row[8], row[12]);
+        quarterRound(row[1], row[5], row[9], row[13]);
+        quarterRound(row[2], row[6], row[10], row[14]);
+        quarterRound(row[3], row[7], row[11], row[15]);
+        quarterRound(row[0], row[5], row[10], row[15]);
+        quarterRound(row[1], row[6], row[11], row[12]);
+        quarterRound(row[2], row[7], row[8], row[13]);
+        quarterRound(row[3], row[4], row[9], row[14]);
     }
+    // The words of the blocks come interleaved: as random as one block after the other.
     for (std::size_t i = 0; i < 16; ++i) {
-        for (std::size_t lane = 0; lane < lanes; ++lane) {
-            words_[lane * 16 + i] = state[i][lane] + start[i][lane];
-        }
+        const Row sum = row[i] + start[i];
+        std::memcpy(words_ + i * lanes, &sum, sizeof sum);
     }
     used_ = 0;
 }

@@ -25,8 +25,10 @@ public:
         return words;
     }
 
+    /// The blocks that are computed side by side.
+    static constexpr std::size_t lanes = 4;
+
 private:
-    static constexpr std::size_t lanes = 8; // blocks computed side by side
     static constexpr std::size_t wordCount = 16 * lanes;
 
     void fill();

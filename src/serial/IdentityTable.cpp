@@ -11,7 +11,9 @@ constexpr std::size_t firstSize = 64; // places of the index at first
 constexpr std::size_t growth = 4;     // its factor, up to a million places; then 2
 constexpr std::size_t fastGrowthEnd = std::size_t{1} << 20;
 
-uint64_t pair(uint32_t low, uint32_t high) { return low | static_cast<uint64_t>(high) << 32; }
+uint64_t pair(uint32_t low, uint32_t high) {
+    return low | static_cast<uint64_t>(high) << 32;
+}
 
 } // namespace
 
@@ -35,8 +37,7 @@ IdentityTable::Slot* IdentityTable::search(const JHashCode& identity, uint32_t t
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t place = placeOf(tag);; place = (place + 1) & mask) {
         Slot& slot = slots_[place];
-        if (slot.entry == 0 ||
-            (slot.tag == tag && entryAt(slot.entry - 1).identity == identity)) {
+        if (slot.entry == 0 || (slot.tag == tag && entryAt(slot.entry - 1).identity == identity)) {
             return &slot;
         }
     }
@@ -74,7 +75,9 @@ bool IdentityTable::insert(const JHashCode& identity, KEL_Impl* value) {
     return true;
 }
 
-void IdentityTable::add(const JHashCode& identity, KEL_Impl* value) { append(identity, value); }
+void IdentityTable::add(const JHashCode& identity, KEL_Impl* value) {
+    append(identity, value);
+}
 
 void IdentityTable::indexAdded() {
     for (; indexedEnd_ < count_; ++indexedEnd_) {
@@ -83,11 +86,29 @@ void IdentityTable::indexAdded() {
             continue;
         }
         const uint32_t tag = tagOf(identity);
+        const auto number = static_cast<uint32_t>(indexedEnd_);
         Slot* slot = searchWithRoom(identity, tag);
         if (slot->entry == 0) {
-            *slot = {tag, static_cast<uint32_t>(indexedEnd_ + 1)};
             ++used_;
+        } else if (slot->entry - 1 != number) {
+            repetitions_.push_back({slot->entry - 1, number});
         }
+        *slot = {tag, number + 1};
+    }
+}
+
+/// Lets the index forget an entry, all behind which are forgotten already.
+void IdentityTable::hideEntry(std::size_t number) noexcept {
+    const JHashCode& identity = entryAt(number).identity;
+    Slot* slot = search(identity, tagOf(identity));
+    if (slot->entry != number + 1) {
+        return; // it was not indexed yet
+    }
+    if (!repetitions_.empty() && repetitions_.back().later == number) {
+        slot->entry = repetitions_.back().earlier + 1;
+        repetitions_.pop_back();
+    } else {
+        eraseIndexed(identity);
     }
 }
 

@@ -30,11 +30,11 @@ public:
     /// Enters an identity that is not there yet. \return false, unchanged, when it is there
     bool insert(const JHashCode& identity, KEL_Impl* value);
 
-    /// Enters an identity that the caller knows not to be there and will not ask for before
-    /// indexAdded: it costs no search.
+    /// Enters an identity that nobody will ask for before indexAdded: it costs no search.
     void add(const JHashCode& identity, KEL_Impl* value);
 
-    /// Makes all that add has entered findable.
+    /// Makes all that add has entered findable. Of several values of one identity the last is
+    /// found, until rolling back forgets it.
     void indexAdded();
 
     /// Enters an identity or gives the one that is there another value.
@@ -52,7 +52,7 @@ public:
         for (; count_ > mark; --count_) {
             const Entry entry = entryAt(count_ - 1);
             if (!entry.identity.isZero()) {
-                eraseIndexed(entry.identity);
+                hideEntry(count_ - 1);
                 forgotten(entry.value);
             }
         }
@@ -79,6 +79,12 @@ private:
         uint32_t entry;
     };
 
+    /// Two entries of one identity; the index knows the later one.
+    struct Repetition {
+        uint32_t earlier;
+        uint32_t later;
+    };
+
     /// Entries lie in blocks that never move: a million of them are not copied to make room.
     static constexpr std::size_t blockSize = 1024;
     Entry& entryAt(std::size_t number) const {
@@ -91,12 +97,14 @@ private:
     Slot* searchWithRoom(const JHashCode& identity, uint32_t tag);
     void append(const JHashCode& identity, KEL_Impl* value);
     void eraseIndexed(const JHashCode& identity) noexcept;
+    void hideEntry(std::size_t number) noexcept;
     void grow();
 
     std::vector<std::unique_ptr<Entry[]>> blocks_;
     std::size_t count_ = 0;
-    std::size_t indexedEnd_ = 0; // entries from here on may be missing in the index
-    std::vector<Slot> slots_; // a power of two, at most three quarters in use
+    std::size_t indexedEnd_ = 0;          // entries from here on may be missing in the index
+    std::vector<Repetition> repetitions_; // in the order of their later entries
+    std::vector<Slot> slots_;             // a power of two, at most three quarters in use
     std::size_t used_ = 0;
     uint64_t key0_;
     uint64_t key1_;

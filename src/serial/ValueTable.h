@@ -8,7 +8,8 @@
 
 namespace kel {
 
-/// Holds one reference to each value that it remembers.
+/// Holds a reference to each value that it was ever told to remember. Remembering only makes a
+/// note: most inputs never refer back, and are spared the search for every value's place.
 class ValueTable {
 public:
     ValueTable() = default;
@@ -16,34 +17,27 @@ public:
     ValueTable& operator=(const ValueTable&) = delete;
     ~ValueTable() { table_.forEach(&release); }
 
-    /// The value of the identity, borrowed; null when there is none.
-    KEL_Impl* find(const JHashCode& identity) const { return table_.find(identity); }
+    /// The value of the identity, borrowed; null when there is none. Of several the last one.
+    KEL_Impl* find(const JHashCode& identity) {
+        table_.indexAdded();
+        return table_.find(identity);
+    }
 
     /// Remembers a value, in place of one that had the identity before. The zero identity is no
     /// identity: it is never remembered.
     void remember(const JHashCode& identity, KEL_Impl& value) {
-        if (identity.isZero()) {
-            return;
+        if (!identity.isZero()) {
+            table_.add(identity, &value);
+            value.addRef();
         }
-        if (KEL_Impl* before = table_.find(identity)) {
-            replaced_.push_back({identity, JPointer<KEL_Impl>::share(before)});
-        }
-        exchange(identity, value);
     }
 
     /// Begins what rollBack may undo.
-    void begin() {
-        replaced_.clear();
-        mark_ = table_.mark();
-    }
+    void begin() { mark_ = table_.mark(); }
 
-    /// Forgets what was remembered since begin, and remembers what that had replaced. Nobody else
+    /// Forgets what was remembered since begin, and finds again what that had replaced. Nobody else
     /// has the forgotten values, so containers are emptied: some may hold themselves.
     void rollBack() {
-        for (; !replaced_.empty(); replaced_.pop_back()) {
-            takeApart(*table_.find(replaced_.back().identity));
-            exchange(replaced_.back().identity, *replaced_.back().value);
-        }
         table_.rollBack(mark_, [](KEL_Impl* value) {
             takeApart(*value);
             value->release();
@@ -51,12 +45,6 @@ public:
     }
 
 private:
-    /// A value whose identity came again.
-    struct Replaced {
-        JHashCode identity;
-        JPointer<KEL_Impl> value;
-    };
-
     static void release(KEL_Impl* value) { value->release(); }
 
     static void takeApart(KEL_Impl& value) {
@@ -67,16 +55,7 @@ private:
         }
     }
 
-    void exchange(const JHashCode& identity, KEL_Impl& value) {
-        KEL_Impl* before = table_.put(identity, &value);
-        value.addRef();
-        if (before != nullptr) {
-            before->release();
-        }
-    }
-
     IdentityTable table_;
-    std::vector<Replaced> replaced_; // since begin, the last one last
     std::size_t mark_ = 0;
 };
 

@@ -29,6 +29,16 @@ TEST_F(HostManager, FindsAValueByItsIdentity) {
     EXPECT_EQ(referencesOf(*seven), 2);
 }
 
+TEST_F(HostManager, ListsItsValues) {
+    const auto eight = hold(CreateKELInt(8));
+    manager.addKel(seven.get());
+    manager.addKel(eight.get());
+    EXPECT_EQ(owner->getKelAt(0), seven.get());
+    EXPECT_EQ(owner->getKelAt(1), eight.get());
+    EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { owner->getKelAt(2); }),
+              "getKel: no such element");
+}
+
 TEST_F(HostManager, LosesValues) {
     manager.addKel(seven.get());
     manager.removeKel(identity);

@@ -124,6 +124,22 @@ TEST_F(KEL_ManagerTest, KeepsTheOrderOfAdditionWhenOneGoes) {
     EXPECT_EQ(elements(), (std::vector<KEL*>{one.get(), three.get()}));
 }
 
+TEST_F(KEL_ManagerTest, ListsItsElementsInTheOrderOfAddition) {
+    manager->addKel(two.get());
+    manager->addKel(one.get());
+    EXPECT_EQ(manager->getKelAt(0), two.get());
+    EXPECT_EQ(manager->getKelAt(1), one.get());
+    EXPECT_EQ(referencesOf(*one), 2); // borrowed
+}
+
+TEST_F(KEL_ManagerTest, HasNoElementOutsideItsPlaces) {
+    manager->addKel(one.get());
+    for (const int32_t index : {-1, 1, 2, INT32_MAX, INT32_MIN}) {
+        EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { manager->getKelAt(index); }),
+                  notHeld);
+    }
+}
+
 TEST_F(KEL_ManagerTest, RemovingTheOnlyElementLeavesNone) {
     manager->addKel(one.get());
     manager->removeKel(identityOf(*one));

@@ -63,7 +63,7 @@ class Kinds(ToolTest):
         self.places = (f"a.kel: {len(places)} place{'' if len(places) == 1 else 's'} cannot be "
                        f"carried from text to {'binary' if to == 'kelb' else to}:\n" +
                        "".join(f"  {place}\n" for place in places))
-        self.fails(1, "kel: " + self.places + "Nothing was written; text carries all of it, "
+        self.fails(1, "kel: " + self.places + "Nothing was written; text carries every kind, "
                       "--force converts the rest.\n", "convert", "a.kel", "out." + to)
         self.assertEqual(self.files(), ["a.kel"])
 
@@ -141,6 +141,18 @@ class PlainData(Kinds):
                      f"[0]({GUID}1)[0].item: an index list",
                      f"[0]({GUID}1)[0].item[0].item: a checked struct")
 
+    def test_wide_and_deep_managers_become_arrays_in_linear_time(self):
+        entries = 100000
+        wide = "\n".join(f"{number:08X}{GUID[8:]}0 = {number}" for number in range(entries))
+        self.refused(f"(\n{wide}\n)", "json", "(the value itself): a manager")
+        self.assertEqual(self.forced("json"), list(range(entries)))
+        levels = 20000
+        self.write("a.kel", f"( {GUID}0 = " * levels + "1" + " )" * levels)
+        result = self.kel("convert", "--force", "a.kel", "out.json")
+        self.assertEqual(result.status, 0, result.err)
+        self.assertEqual(self.read("out.json").translate(None, b" \n"),
+                         b"[" * levels + b"1" + b"]" * levels)
+
     def test_keys_and_items_have_paths_of_their_own(self):
         self.becomes([[[], 1], [2, {"x": []}]], "<[ <[][]> 2 ] [ 1 { x = <[][]> } ]>",
                      "(the value itself): an index list", "[0].key: an index list",
@@ -162,7 +174,7 @@ class PlainData(Kinds):
             "kel: a.kel: 12 places cannot be carried from text to binary:",
             *(f"  [{i}]: an index list" for i in range(10)),
             "  and 2 more",
-            "Nothing was written; text carries all of it, --force converts the rest."])
+            "Nothing was written; text carries every kind, --force converts the rest."])
 
     def test_a_value_in_several_places_becomes_one_value_in_binary(self):
         for text in ("<[][]>", "{ @type = 51\n}"):

@@ -76,11 +76,11 @@ int convert(const Options& options, Console& console) {
     if (places.count() > 0) {
         const std::string list = lossesOf(places, name, input, nameOf(target));
         if (!options.isForced) {
+            const bool advisesText = found.hasTextOnly && target != Format::text;
             throw Failure{Trouble::refused,
-                          list + (found.hasTextOnly
-                                      ? "\nNothing was written; text carries all of it, --force "
-                                        "converts the rest."
-                                      : "\nNothing was written; --force converts the rest.")};
+                          list + "\nNothing was written; " +
+                              (advisesText ? "text carries every kind, " : "") +
+                              "--force converts the rest."};
         }
         console.say("warning: " + list);
         fit(input.document, target);

@@ -19,7 +19,6 @@ using ViolationReport = std::function<void(const std::string&)>;
 /// - every variable descriptor that no variable could keep to, or that contradicts itself
 ///
 /// What sits in several places is looked at where it comes first.
-/// \throws Failure refused for a manager whose values cannot be listed
 void checkDescriptors(const Document& document, const ViolationReport& report);
 
 } // namespace kel::tool

@@ -1,18 +1,16 @@
 #include "PlainData.h"
 
-#include "ManagerElements.h"
-
 #include <cstring>
 
 namespace kel::tool {
 
 namespace {
 
-Value arrayOfElements(KEL_Manager& manager) {
+Value arrayOfElements(const KEL_Manager& manager) {
     KEL_Array* array = CreateKELArray();
     Value made = tool::made(array);
-    for (KEL* element : elementsOf(manager)) {
-        array->addVar(element);
+    for (int32_t i = 0; i < manager.size(); ++i) {
+        array->addVar(manager.getKelAt(i));
     }
     return made;
 }

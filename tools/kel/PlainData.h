@@ -24,7 +24,6 @@ public:
     explicit PlainData(Format target) : target_(target) {}
 
     /// True when the value has to go; sets what comes in its place.
-    /// \throws Failure refused for a manager whose values cannot be listed
     bool exchange(KEL& value, Value& replacement);
 
 private:

@@ -1,7 +1,6 @@
 #include "TreeCursor.h"
 
 #include "GuidText.h"
-#include "ManagerElements.h"
 
 #include <cstring>
 
@@ -39,7 +38,8 @@ TreeCursor::Event TreeCursor::arrive(KEL* value) {
     }
     stack_.push_back(
         {value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value),
-         value->getType() == KELKind_IndexList ? dynamic_cast<KEL_IndexList*>(value) : nullptr});
+         value->getType() == KELKind_IndexList ? dynamic_cast<KEL_IndexList*>(value) : nullptr,
+         dynamic_cast<KEL_Manager*>(value)});
     return Event::enter;
 }
 
@@ -57,10 +57,7 @@ void TreeCursor::open(Frame& frame) {
         frame.count = int64_t{2} * frame.list->getCount();
         return;
     }
-    const std::vector<KEL*> elements = elementsOf(dynamic_cast<KEL_Manager&>(*frame.container));
-    frame.begin = elements_.size();
-    frame.count = static_cast<int64_t>(elements.size());
-    elements_.insert(elements_.end(), elements.begin(), elements.end());
+    frame.count = frame.manager->size();
 }
 
 void TreeCursor::openStruct(Frame& frame) {
@@ -92,15 +89,13 @@ KEL* TreeCursor::childOf(Frame& frame) {
         const auto pair = static_cast<int32_t>(number / 2);
         return number % 2 == 0 ? frame.list->getKeyAt(pair) : frame.list->getItemAt(pair);
     }
-    return elements_[frame.begin + static_cast<size_t>(number)];
+    return frame.manager->getKelAt(static_cast<int32_t>(number));
 }
 
 void TreeCursor::close() {
     const Frame& frame = stack_.back();
     if (frame.structure != nullptr) {
         names_.resize(frame.begin);
-    } else if (frame.array == nullptr && frame.list == nullptr) {
-        elements_.resize(frame.begin);
     }
     stack_.pop_back();
 }
@@ -136,7 +131,7 @@ void TreeCursor::addStep(PathText& path, const Frame& frame) const {
         path.addName(number % 2 == 0 ? "key" : "item");
     } else {
         JHashCode identity;
-        elements_[frame.begin + number]->getHashCode(identity);
+        frame.manager->getKelAt(static_cast<int32_t>(number))->getHashCode(identity);
         path.addIdentity(textOfGuid(identity));
     }
 }

@@ -31,7 +31,7 @@ public:
     explicit TreeCursor(KEL* root, Descriptors descriptors = Descriptors::visited)
         : root_(root), descriptors_(descriptors) {}
 
-    /// Moves on. \throws Failure refused for a manager whose values cannot be listed
+    /// Moves on.
     Event next();
 
     /// Right after enter: passes over the container's values; no leave comes for it.
@@ -62,7 +62,8 @@ private:
         KEL_Array* array;      ///< for arrays
         KEL_Struct* structure; ///< for structs, also checked ones, and descriptors
         KEL_IndexList* list;   ///< for index lists
-        size_t begin = 0;      ///< where the frame's names or elements begin in their stack
+        KEL_Manager* manager;  ///< for managers
+        size_t begin = 0;      ///< where the names of a struct begin among all names
         size_t name = 0;       ///< the current variable's name
         size_t nextName = 0;   ///< the next variable's name
         int64_t next = 0;      ///< number of the next value
@@ -83,8 +84,7 @@ private:
     size_t depth_ = 0;
     bool isStarted_ = false;
     std::vector<Frame> stack_;
-    std::string names_;          ///< the names of all open structs, each with a NUL
-    std::vector<KEL*> elements_; ///< the elements of all open managers
+    std::string names_; ///< the names of all open structs, each with a NUL
 };
 
 } // namespace kel::tool

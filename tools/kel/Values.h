@@ -60,10 +60,10 @@ inline bool isContainer(const KEL& value) {
 /// The name under which a checked struct holds its descriptor.
 constexpr const char* descriptorName = "@desc";
 
-/// True for the kinds that only text has a form for: index lists, selectors, checked structs and
+/// True for the kinds that only text has a form for: managers, index lists, checked structs and
 /// descriptors.
 inline bool isTextOnly(const KEL& value) {
-    return value.getType() > KELKind_Manager;
+    return value.getType() >= KELKind_Manager;
 }
 
 /// The struct's variable, borrowed; null when it holds no value. The name has to exist.
