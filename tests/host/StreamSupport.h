@@ -100,6 +100,15 @@ inline std::string rest(std::FILE* file) {
     return bytes;
 }
 
+/// An array of the Ints from 0 to count - 1.
+inline Held<KEL_Array> numbers(int count) {
+    auto array = hold(CreateKELArray());
+    for (int i = 0; i < count; ++i) {
+        array->addInt(i);
+    }
+    return array;
+}
+
 /// The text of a value.
 inline std::string textOf(KEL* value) {
     const auto stream = hold(CreateKELStringOutputStream());
