@@ -17,12 +17,19 @@ write_basic_package_version_file(
 install(FILES ${PROJECT_BINARY_DIR}/kelConfig.cmake ${PROJECT_BINARY_DIR}/kelConfigVersion.cmake
         DESTINATION ${kel_package_dir})
 
-# The way from the folder of kel.pc back to the prefix.
-set(kel_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-file(RELATIVE_PATH kel_pc_up /prefix/${kel_pc_dir} /prefix)
-string(REGEX REPLACE "/$" "" kel_pc_up ${kel_pc_up})
-configure_file(${CMAKE_CURRENT_LIST_DIR}/kel.pc.in ${PROJECT_BINARY_DIR}/kel.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/kel.pc DESTINATION ${kel_pc_dir})
+# Windows looks for a program's libraries beside the program.
+if(MINGW)
+  install(FILES ${KEL_RUNTIME_FILES} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+if(NOT WIN32)
+  # The way from the folder of kel.pc back to the prefix.
+  set(kel_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  file(RELATIVE_PATH kel_pc_up /prefix/${kel_pc_dir} /prefix)
+  string(REGEX REPLACE "/$" "" kel_pc_up ${kel_pc_up})
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/kel.pc.in ${PROJECT_BINARY_DIR}/kel.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/kel.pc DESTINATION ${kel_pc_dir})
+endif()
 
 if(TARGET kel_tool)
   install(TARGETS kel_tool)

@@ -6,6 +6,7 @@
 #   build   compiler and build system: all that the library needs
 #   tool    the command-line tool
 #   test    the tests, and a locale that writes numbers with a decimal comma
+#   package making the packages that are shipped
 #   demo    the documents that scripts/demo.sh works on
 #   bench   the benchmarks
 set -eu
@@ -17,6 +18,7 @@ packages_for() {
         build) echo "g++ cmake ninja-build" ;;
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
         test) echo "libgtest-dev python3 pkg-config binutils locales" ;;
+        package) echo "dpkg-dev python3" ;;
         demo) echo "iso-codes python3" ;;
         bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3" ;;
         *)
@@ -47,7 +49,7 @@ has_comma_locale() {
 
 purposes="$*"
 if [ -z "$purposes" ]; then
-    echo "usage: $0 {build|tool|test|demo|bench}..." >&2
+    echo "usage: $0 {build|tool|test|package|demo|bench}..." >&2
     exit 2
 fi
 

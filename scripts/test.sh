@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install-deps.sh build tool test bench
+scripts/install-deps.sh build tool test bench package
 
 # Large documents that may lie beside the repository; the tool's tests convert them if they do.
 data=$PWD/../shared/data

@@ -45,7 +45,10 @@ def check_tree(prefix, arguments):
         expected.add(f"{arguments.libdir}/{name}")
     if arguments.tool:
         expected.add("bin/kel")
-    found = {str(p.relative_to(prefix)) for p in prefix.rglob("*") if not p.is_dir()}
+    texts = prefix / "share/doc/kel"
+    expect((texts / "LICENSE").exists() and (texts / "docs/hosting.md").exists(), "no texts")
+    found = {str(p.relative_to(prefix)) for p in prefix.rglob("*")
+             if not p.is_dir() and texts not in p.parents}
     expect(found == expected, f"missing {sorted(expected - found)}, "
                               f"surplus {sorted(found - expected)}")
     soname = run("readelf", "-d", library / "libkel.so")

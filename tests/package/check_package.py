@@ -1,0 +1,145 @@
+#!/usr/bin/env python3
+"""Makes the packages, unpacks them elsewhere, and builds and runs a host against what was inside.
+
+    check_package.py --build BUILD --cmake CMAKE --cpack CPACK --generator NAME --compiler CXX
+                     --version X.Y.Z [--toolchain FILE] [--emulator PROGRAM]
+
+Without --toolchain the packages are those of Linux: the archive and the Debian package. With it they
+are those of Windows: the host of the archive is built with the tool chain and run by the emulator.
+"""
+import argparse
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+HERE = pathlib.Path(__file__).resolve().parent
+ROOT = HERE.parent.parent
+HOST = ROOT / "packaging/windows/host"
+OUTPUT = ["settings: 1", "settings: 2", "read back alike",
+            "refused: KEL_Struct_Impl. Cannot get variable - unknown variable name."]
+SAVED = '{\n\tdevice = "Front speakers"\n\tvolume = 7\n}\n'
+
+
+def expect(condition, message):
+    if not condition:
+        sys.exit(f"failed: {message}")
+
+
+def run(*command, **more):
+    print("+", *command, flush=True)
+    result = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, **more)
+    output = result.stdout.decode("utf-8", "replace").replace("\r\n", "\n")
+    expect(result.returncode == 0, f"status {result.returncode}\n{output}")
+    return output
+
+
+def expect_files(folder, *patterns):
+    for pattern in patterns:
+        expect(list(folder.glob(pattern)), f"{folder.name} holds no {pattern}")
+
+
+def only(folder, pattern):
+    found = [path for path in folder.glob(pattern) if not path.name.endswith(".sha256")]
+    expect(len(found) == 1, f"{pattern}: {len(found)} files instead of one")
+    return found[0]
+
+
+def check_host(program, folder, emulator):
+    """Runs the host inside the folder and looks at what it says and saves."""
+    output = run(*emulator, program, cwd=folder)
+    expect(output.splitlines() == OUTPUT, f"the host says:\n{output}")
+    saved = folder / "r\u00e9glages.kel"
+    expect(saved.exists(), f"no file of that name: {[path.name for path in folder.iterdir()]}")
+    text = saved.read_bytes().decode("ascii").replace("\r\n", "\n")
+    expect(text == SAVED, f"the host saved:\n{text}")
+    saved.unlink()
+
+
+def build_host(prefix, work, options):
+    """Builds the host through the CMake package under the prefix."""
+    more = [f"-DCMAKE_TOOLCHAIN_FILE={options.toolchain}",
+            f"-DCMAKE_FIND_ROOT_PATH={prefix}"] if options.toolchain else []
+    run(options.cmake, "-S", HOST, "-B", work, "-G", options.generator, *more,
+        f"-DCMAKE_CXX_COMPILER={options.compiler}", "-DCMAKE_BUILD_TYPE=Release",
+        f"-DCMAKE_PREFIX_PATH={prefix}")
+    run(options.cmake, "--build", work)
+
+
+def check_archive(packages, scratch, options):
+    archive = only(packages, "*.tar.gz")
+    run("tar", "xzf", archive, "-C", scratch)
+    prefix = scratch / archive.name.removesuffix(".tar.gz")
+    expect_files(prefix, "bin/kel", "lib/libkel.so.*", "include/kel/kel.h", "lib/pkgconfig/kel.pc",
+                 "lib/cmake/kel/kelConfig.cmake", "share/doc/kel/README.md",
+                 "share/doc/kel/docs/hosting.md", "share/doc/kel/LICENSE",
+                 "share/doc/kel/licenses/CLI11.txt", "share/doc/kel/licenses/nlohmann-json.txt")
+    build_host(prefix, scratch / "from_archive", options)
+    check_host(scratch / "from_archive/host", scratch, [])
+    expect(options.version in run(prefix / "bin/kel", "--version"), "the tool is of another version")
+
+
+def check_debian_package(packages, scratch, options):
+    package = only(packages, "*.deb")
+    expect(run("dpkg-deb", "--field", package, "Version").strip() == options.version, "the version")
+    for needed in ("libc6", "libstdc++6", "libgcc-s1"):
+        expect(needed in run("dpkg-deb", "--field", package, "Depends"), f"{needed} is not needed")
+    root = scratch / "root"
+    run("dpkg-deb", "--extract", package, root)
+    expect_files(root / "usr", "bin/kel", "lib/libkel.so.1", "share/doc/kel/LICENSE")
+    build_host(root / "usr", scratch / "from_package", options)
+    check_host(scratch / "from_package/host", scratch, [])
+
+
+def check_windows_archive(packages, scratch, options):
+    archive = only(packages, "*.zip")
+    shutil.unpack_archive(archive, scratch)
+    prefix = scratch / archive.stem
+    expect(prefix.name == f"kel-{options.version}-win32", f"the archive is called {prefix.name}")
+    expect_files(prefix, "README.md", "bin/KEL.dll", "bin/kel.exe", "bin/libgcc_s_dw2-1.dll",
+                 "lib/libKEL.dll.a", "include/kel/kel.h", "lib/cmake/kel/kelConfig.cmake",
+                 "host/main.cpp", "docs/abi.md", "LICENSE", "licenses/gcc-runtime.txt",
+                 "licenses/mingw-w64.txt", "licenses/CLI11.txt", "licenses/nlohmann-json.txt")
+    expect(all(path.read_bytes() == (prefix / "host" / path.name).read_bytes()
+               for path in HOST.iterdir()), "the archive holds another host")
+    build_host(prefix, scratch / "by_cmake", options)
+    shutil.copytree(prefix / "bin", scratch / "plain")
+    run(options.compiler, "-std=c++17", "-Wall", "-Wextra", "-Werror", f"-I{prefix / 'include'}",
+        prefix / "host/main.cpp", "-o", scratch / "plain/host.exe", prefix / "lib/libKEL.dll.a",
+        "-static-libstdc++", "-shared-libgcc")
+    if not options.emulator:
+        print("Built; not run, because there is no emulator.")
+        return
+    for library in (prefix / "bin").glob("*.dll"):
+        shutil.copy(library, scratch / "by_cmake")
+    emulator = [options.emulator]
+    check_host(scratch / "by_cmake/host.exe", scratch, emulator)
+    check_host(scratch / "plain/host.exe", scratch, emulator)
+    expect(options.version in run(*emulator, prefix / "bin/kel.exe", "--version"),
+           "the tool is of another version")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    for name in ["build", "cmake", "cpack", "generator", "compiler", "version"]:
+        parser.add_argument(f"--{name}", required=True)
+    parser.add_argument("--toolchain", default="")
+    parser.add_argument("--emulator", default="")
+    options = parser.parse_args()
+
+    with tempfile.TemporaryDirectory(prefix="kel-package-") as scratch:
+        scratch = pathlib.Path(scratch)
+        packages = scratch / "packages"
+        run(options.cpack, "--config", pathlib.Path(options.build) / "CPackConfig.cmake", "-B",
+            packages)
+        if options.toolchain:
+            check_windows_archive(packages, scratch, options)
+        else:
+            check_archive(packages, scratch, options)
+            check_debian_package(packages, scratch, options)
+    print("The packages work.")
+
+
+if __name__ == "__main__":
+    main()
