@@ -16,7 +16,7 @@ constexpr size_t largestTextForm = size_t{64} << 20U;
 /// The manager's text form.
 std::string textFormOf(KEL_Manager& manager) {
     // The file is bounded because the indentation of a deep tree can be far longer than the tree.
-    MemoryFile file(largestTextForm);
+    MemoryToWrite file(largestTextForm);
     bool isWritten = true;
     try {
         ValueWriter writer(Format::text, file.file());
