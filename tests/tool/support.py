@@ -1,18 +1,32 @@
 """Vocabulary of the tool's tests: running the tool, files in a folder of their own, binary records.
 
-The environment variable KEL_TOOL holds the path of the tool.
+The environment variable KEL_TOOL holds the path of the tool, and KEL_TOOL_LAUNCHER that of a program
+which runs it where the system cannot (empty where it can).
 """
 
+import atexit
+import functools
 import json
 import os
-import resource
+import pathlib
+import shutil
 import struct
 import subprocess
 import tempfile
 import unittest
 
 TOOL = os.environ["KEL_TOOL"]
+LAUNCHER = [part for part in [os.environ.get("KEL_TOOL_LAUNCHER")] if part]
+WINDOWS = TOOL.endswith(".exe")
 SMALL_STACK = 256 * 1024
+
+if not WINDOWS:
+    import resource
+
+
+def posix_only(reason):
+    """Marks a test of what Windows does not have; the reason is told where the test is left out."""
+    return unittest.skipIf(WINDOWS, reason)
 
 
 class Result:
@@ -22,10 +36,36 @@ class Result:
         self.status = process.returncode
         self.out = process.stdout
         self.err = (process.stderr or b"").decode("utf-8", "backslashreplace")
+        if WINDOWS:
+            self.err = self.err.replace("\r\n", "\n")
 
 
 def limit_stack():
     resource.setrlimit(resource.RLIMIT_STACK, (SMALL_STACK, SMALL_STACK))
+
+
+@functools.lru_cache
+def tool_with_small_stack():
+    """A copy of a Windows tool that asks the system for a small stack: its header says how large."""
+    folder = tempfile.mkdtemp(prefix="kel-small-stack-")
+    atexit.register(shutil.rmtree, folder, ignore_errors=True)
+    for library in pathlib.Path(TOOL).parent.glob("*.dll"):
+        shutil.copy(library, folder)
+    image = bytearray(pathlib.Path(TOOL).read_bytes())
+    header = struct.unpack_from("<I", image, 0x3C)[0]
+    optional = header + 24
+    if image[header:header + 4] != b"PE\0\0" or image[optional:optional + 2] != b"\x0B\x01":
+        raise ValueError(f"{TOOL} is no 32-bit Windows program")
+    struct.pack_into("<I", image, optional + 72, SMALL_STACK)
+    copy = pathlib.Path(folder, "kel.exe")
+    copy.write_bytes(image)
+    copy.chmod(0o755)
+    return str(copy)
+
+
+def command(*arguments, tool=TOOL):
+    """The command that runs the tool."""
+    return [*LAUNCHER, tool, *arguments]
 
 
 class ToolTest(unittest.TestCase):
@@ -57,8 +97,8 @@ class ToolTest(unittest.TestCase):
     def files(self):
         return sorted(os.listdir(self.folder))
 
-    def kel(self, *arguments, input=None, **options):
-        """Runs the tool whatever comes of it."""
+    def kel(self, *arguments, input=None, small_stack=False, **options):
+        """Runs the tool whatever comes of it, if asked with little room on the call stack."""
         if isinstance(input, str):
             input = input.encode("utf-8")
         options.setdefault("stdout", subprocess.PIPE)
@@ -66,7 +106,12 @@ class ToolTest(unittest.TestCase):
             options["input"] = input
         else:
             options.setdefault("stdin", subprocess.DEVNULL)
-        return Result(subprocess.run([TOOL, *arguments], cwd=self.folder, check=False,
+        tool = TOOL
+        if small_stack and WINDOWS:
+            tool = tool_with_small_stack()
+        elif small_stack:
+            options["preexec_fn"] = limit_stack
+        return Result(subprocess.run(command(*arguments, tool=tool), cwd=self.folder, check=False,
                                      stderr=subprocess.PIPE, **options))
 
     def ok(self, *arguments, **options):

@@ -1,6 +1,6 @@
 import struct
 
-from support import (ARRAY, STRING, ToolTest, identity, int_record, limit_stack, record, reference,
+from support import (ARRAY, STRING, ToolTest, identity, int_record, record, reference,
                      struct_record)
 
 DEPTH = 1000000
@@ -13,7 +13,7 @@ class Deep(ToolTest):
 
     def setUp(self):
         super().setUp()
-        self.ok = lambda *arguments: ToolTest.ok(self, *arguments, preexec_fn=limit_stack)
+        self.ok = lambda *arguments: ToolTest.ok(self, *arguments, small_stack=True)
 
     def test_arrays_pass_between_json_and_binary(self):
         self.write("a.json", ARRAYS)
@@ -39,7 +39,7 @@ class Deep(ToolTest):
                         ("show", "a.json")):
             self.fails(1, "kel: a.json: as text this would be more than 17179869184 bytes, because "
                           "of deep nesting or of values that are shared many times\n", *command,
-                       preexec_fn=limit_stack)
+                       small_stack=True)
         self.assertEqual(self.files(), ["a.json"])
 
     def test_a_thousand_levels_are_written_as_text(self):
@@ -51,7 +51,7 @@ class Deep(ToolTest):
     def test_forced_changes_reach_the_deepest_level(self):
         levels = 100000
         self.write("a.json", b"[" * levels + b"null" + b"]" * levels)
-        result = self.kel("convert", "--force", "a.json", "b.kelb", preexec_fn=limit_stack)
+        result = self.kel("convert", "--force", "a.json", "b.kelb", small_stack=True)
         self.assertEqual(result.status, 0, result.err)
         self.ok("convert", "b.kelb", "c.json")
         self.assertEqual(self.read("c.json").translate(None, b" \n"),
@@ -105,8 +105,8 @@ class Cycles(ToolTest):
             heads.append(b"KEL\0" + identity(number) + struct.pack("<iHQ", ARRAY, 1, size))
             size += len(heads[-1])
         self.write("a.kelb", b"".join(reversed(heads)) + reference(0))
-        self.assertEqual(self.kel("check", "a.kelb", preexec_fn=limit_stack).status, 0)
-        result = self.kel("convert", "--force", "a.kelb", "b.json", preexec_fn=limit_stack)
+        self.assertEqual(self.kel("check", "a.kelb", small_stack=True).status, 0)
+        result = self.kel("convert", "--force", "a.kelb", "b.json", small_stack=True)
         self.assertEqual(result.status, 0, result.err)
         self.assertEqual(self.read("b.json").translate(None, b" \n"),
                          b"[" * levels + b"]" * levels)

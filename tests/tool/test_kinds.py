@@ -1,7 +1,7 @@
 import json
 import time
 
-from support import ARRAY, STRUCT, ToolTest, limit_stack, record
+from support import ARRAY, STRUCT, ToolTest, record
 
 GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit
 
@@ -335,33 +335,33 @@ class Depth(Kinds):
         self.write("a.kel", head * self.LEVELS + "1" + tail * self.LEVELS)
 
     def forced_json(self):
-        result = self.kel("convert", "--force", "a.kel", "b.json", preexec_fn=limit_stack)
+        result = self.kel("convert", "--force", "a.kel", "b.json", small_stack=True)
         self.assertEqual(result.status, 0, result.err[-300:])
         return self.read("b.json").translate(None, b" \n")
 
     def test_index_lists(self):
         self.deep("<[0][", "]>")
-        self.ok("check", "a.kel", preexec_fn=limit_stack)
+        self.ok("check", "a.kel", small_stack=True)
         self.assertEqual(self.forced_json(),
                          b"[[0," * self.LEVELS + b"1" + b"]]" * self.LEVELS)
 
     def test_checked_structs(self):
         self.deep("{ @type = 50\na = ", "}")
-        self.ok("check", "a.kel", preexec_fn=limit_stack)
+        self.ok("check", "a.kel", small_stack=True)
         self.assertEqual(self.forced_json(), b'{"a":' * self.LEVELS + b"1" + b"}" * self.LEVELS)
 
     def test_text_that_would_be_tabs_for_the_most_part_is_refused(self):
         self.deep("<[0][", "]>")
         self.fails(1, "kel: a.kel: as text this would be more than 17179869184 bytes, because of "
                       "deep nesting or of values that are shared many times\n",
-                   "show", "a.kel", preexec_fn=limit_stack)
+                   "show", "a.kel", small_stack=True)
 
     def test_violations_at_every_level_are_told_in_linear_time(self):
         self.write("a.kel", f"[ {GUID}1 = {SETTINGS} " +
                    f"{{ @type = 50\n@desc = REF {GUID}1\nlevel = 11 a = " * 20000 + "1" +
                    "}" * 20000 + "]")
         start = time.monotonic()
-        result = self.kel("check", "a.kel", preexec_fn=limit_stack)
+        result = self.kel("check", "a.kel", small_stack=True)
         self.assertLess(time.monotonic() - start, 20)
         self.assertEqual((result.status, len(result.err.splitlines())), (1, 20000))
 

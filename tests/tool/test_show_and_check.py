@@ -1,9 +1,12 @@
 import os
-import pty
 import subprocess
 import time
 
-from support import ARRAY, MEMBLOCK, TOOL, ToolTest, double_record, record, string_record
+if os.name == "posix":
+    import pty
+
+from support import (ARRAY, MEMBLOCK, ToolTest, command, double_record, posix_only, record,
+                     string_record)
 
 
 class Show(ToolTest):
@@ -61,7 +64,7 @@ class Progress(ToolTest):
     def run_slowly(self, seconds):
         """Shows stdin that stays open for a while, with stderr on a terminal."""
         terminal, stderr = pty.openpty()
-        process = subprocess.Popen([TOOL, "show", "-"], stdin=subprocess.PIPE,
+        process = subprocess.Popen(command("show", "-"), stdin=subprocess.PIPE,
                                    stdout=subprocess.DEVNULL, stderr=stderr, cwd=self.folder)
         os.close(stderr)
         time.sleep(seconds)
@@ -77,6 +80,7 @@ class Progress(ToolTest):
         os.close(terminal)
         return shown
 
+    @posix_only("the console draws in its own way")
     def test_long_work_shows_progress_on_a_terminal_and_removes_it(self):
         shown = self.run_slowly(1.8)
         self.assertTrue(shown.startswith(b"kel: reading -, 1 s"), shown)
@@ -86,7 +90,7 @@ class Progress(ToolTest):
         self.assertEqual(self.run_slowly(0.1), b"")
 
     def test_without_a_terminal_nothing_is_shown(self):
-        process = subprocess.Popen([TOOL, "show", "-"], stdin=subprocess.PIPE,
+        process = subprocess.Popen(command("show", "-"), stdin=subprocess.PIPE,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         time.sleep(1.5)
         self.assertEqual(process.communicate(b"1"), (b"1\n", b""))

@@ -10,6 +10,7 @@
 #include "Survey.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace kel::tool {
 
@@ -161,6 +162,7 @@ int run(const Options& options, Console& console) {
 
 void print(const std::string& text) {
     OutputFile output("-");
+    errno = 0;
     std::fwrite(text.data(), 1, text.size(), output.file());
     output.commit();
 }

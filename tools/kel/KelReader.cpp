@@ -5,29 +5,12 @@
 #include "System.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <memory>
 #include <optional>
-#include <system_error>
 
 namespace kel::tool {
 
 namespace {
-
-struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, Closer>;
-
-/// The file, which the system has just tried to open.
-/// \throws std::system_error with the system's reason when it failed
-File opened(std::FILE* file) {
-    if (file == nullptr) {
-        throw std::system_error(errno, std::generic_category());
-    }
-    return File(file);
-}
 
 /// The text of the end mark. No bare word contains the first character, so the mark is never read
 /// as anything but a String.
@@ -37,7 +20,7 @@ constexpr const char* markText = "\x01 end of input \x01";
 /// behind the last value and in the middle of one; having read the mark last tells them apart.
 std::string endMark(Format format) {
     constexpr size_t largestMark = 256;
-    MemoryFile file(largestMark);
+    MemoryToWrite file(largestMark);
     const Value mark = made(CreateKELString(markText));
     ValueWriter writer(format, file.file());
     writer.write(mark.get());
@@ -61,12 +44,11 @@ struct Ending {
 /// An input stream of the library over bytes in memory.
 class ValueReader {
 public:
-    ValueReader(std::string_view content, Format format)
-        : file_(opened(openMemoryToRead(content.data(), content.size()))) {
+    ValueReader(std::string_view content, Format format) : memory_(content) {
         if (format == Format::text) {
-            stream_ = CreateKELTextInputStream(file_.get());
+            stream_ = CreateKELTextInputStream(memory_.file());
         } else {
-            stream_ = CreateKELBinaryInputStream(file_.get());
+            stream_ = CreateKELBinaryInputStream(memory_.file());
         }
     }
     ValueReader(const ValueReader&) = delete;
@@ -79,11 +61,11 @@ public:
     long offset() {
         DeleteKELInputStream(stream_);
         stream_ = nullptr;
-        return std::ftell(file_.get());
+        return std::ftell(memory_.file());
     }
 
 private:
-    File file_;
+    MemoryToRead memory_;
     KELInputStream* stream_ = nullptr;
 };
 

@@ -69,7 +69,9 @@ void OutputFile::openTemporary() {
 }
 
 void OutputFile::commit() {
-    errno = 0;
+    if (std::ferror(file_) == 0) {
+        errno = 0; // else it tells why what was written before did not arrive
+    }
     if (std::fflush(file_) != 0 || std::ferror(file_) != 0) {
         failWithSystemReason();
     }

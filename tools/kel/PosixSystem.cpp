@@ -85,17 +85,24 @@ bool mayWrite(const std::filesystem::path& path) {
     return access(path.c_str(), W_OK) == 0 || errno == ENOENT;
 }
 
-std::FILE* openMemoryToRead(const char* bytes, size_t size) {
-    // Opened for reading only, the bytes are not touched.
-    return fmemopen(const_cast<char*>(bytes), size, "rb");
+// Opened for reading only, the bytes are not touched.
+MemoryToRead::MemoryToRead(std::string_view bytes)
+    : file_(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb")) {
+    if (file_ == nullptr) {
+        throw std::system_error(errno, std::generic_category());
+    }
 }
 
-struct MemoryFile::Storage {
+MemoryToRead::~MemoryToRead() {
+    std::fclose(file_);
+}
+
+struct MemoryToWrite::Storage {
     std::unique_ptr<char[]> bytes;
     std::FILE* file;
 };
 
-MemoryFile::MemoryFile(size_t limit)
+MemoryToWrite::MemoryToWrite(size_t limit)
     : storage_(new Storage{std::unique_ptr<char[]>(new char[limit]), nullptr}) {
     storage_->file = fmemopen(storage_->bytes.get(), limit, "wb");
     if (storage_->file == nullptr) {
@@ -103,17 +110,17 @@ MemoryFile::MemoryFile(size_t limit)
     }
 }
 
-MemoryFile::~MemoryFile() {
+MemoryToWrite::~MemoryToWrite() {
     if (storage_->file != nullptr) {
         std::fclose(storage_->file);
     }
 }
 
-std::FILE* MemoryFile::file() {
+std::FILE* MemoryToWrite::file() {
     return storage_->file;
 }
 
-std::optional<std::string> MemoryFile::take() {
+std::optional<std::string> MemoryToWrite::take() {
     const bool isWritten = std::fflush(storage_->file) == 0 && std::ferror(storage_->file) == 0;
     const long size = std::ftell(storage_->file);
     const bool isClosed = std::fclose(storage_->file) == 0;

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -40,19 +41,31 @@ std::FILE* openToWrite(const std::string& name);
 /// not.
 bool mayWrite(const std::filesystem::path& path);
 
-/// The bytes as a file to read from. They stay the caller's and have to live as long as the file.
-/// \return null with errno set when there is no room for it
-std::FILE* openMemoryToRead(const char* bytes, size_t size);
+/// Bytes as a file to read from. They stay the caller's and have to live as long as this. One at a
+/// time.
+class MemoryToRead {
+public:
+    /// \throws std::system_error when there is no room
+    explicit MemoryToRead(std::string_view bytes);
+    MemoryToRead(const MemoryToRead&) = delete;
+    MemoryToRead& operator=(const MemoryToRead&) = delete;
+    ~MemoryToRead();
+
+    std::FILE* file() { return file_; }
+
+private:
+    std::FILE* file_;
+};
 
 /// A file to write to whose bytes stay in memory.
-class MemoryFile {
+class MemoryToWrite {
 public:
     /// \param limit how many bytes fit; writing more fails
-    /// \throws std::system_error
-    explicit MemoryFile(size_t limit);
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-    ~MemoryFile();
+    /// \throws std::system_error when there is no room
+    explicit MemoryToWrite(size_t limit);
+    MemoryToWrite(const MemoryToWrite&) = delete;
+    MemoryToWrite& operator=(const MemoryToWrite&) = delete;
+    ~MemoryToWrite();
 
     std::FILE* file();
 

@@ -20,6 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr UINT interrupted = 0xC000013A; // STATUS_CONTROL_C_EXIT
+
 std::wstring wide(const std::string& utf8) {
     // A name that is no UTF-8 names no file; the replacement keeps it from naming another one.
     const int size = static_cast<int>(utf8.size());
@@ -93,24 +95,60 @@ std::FILE* openNamed(const std::string& name, const wchar_t* mode) {
     return file;
 }
 
+/// A new file in the folder for temporary files. It usually stays in the system's cache, and goes
+/// when it is closed, however the process ends. \return null with errno set
+std::FILE* openScratch() {
+    wchar_t folder[MAX_PATH + 1];
+    wchar_t name[MAX_PATH];
+    if (GetTempPathW(MAX_PATH + 1, folder) == 0 || GetTempFileNameW(folder, L"kel", 0, name) == 0) {
+        errno = lastReason();
+        return nullptr;
+    }
+    std::FILE* file =
+        fileOf(CreateFileW(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                           FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr),
+               "w+b");
+    if (file == nullptr) {
+        const int reason = errno;
+        DeleteFileW(name);
+        errno = reason;
+    }
+    return file;
+}
+
+/// The file that stands in for files in memory, which Windows does not have: empty, and one for the
+/// whole process, because a new one takes long. \return null with errno set
+std::FILE* emptyScratch() {
+    static std::FILE* const file = openScratch();
+    if (file != nullptr) {
+        std::rewind(file);
+        _chsize_s(_fileno(file), 0);
+    }
+    return file;
+}
+
 /// What the handler of interruptions has to remove; empty for nothing. The handler runs in a thread
 /// of its own.
 std::wstring temporaryName;
 std::mutex temporaryMutex;
 
-/// Removes the temporary file and lets the process be ended as if there were no handler.
+UINT codePageBefore = 0;
+
+void restoreCodePage() {
+    if (codePageBefore != 0) {
+        SetConsoleOutputCP(codePageBefore);
+    }
+}
+
+/// Removes the temporary file and ends the process with the status that it has without a handler.
 BOOL WINAPI endByInterruption(DWORD /*reason*/) {
     const std::lock_guard lock(temporaryMutex);
     if (!temporaryName.empty()) {
         DeleteFileW(temporaryName.c_str()); // gone as soon as the process has ended
     }
-    return FALSE;
-}
-
-UINT codePageBefore = 0;
-
-void restoreCodePage() {
-    SetConsoleOutputCP(codePageBefore);
+    restoreCodePage();
+    ExitProcess(interrupted);
+    return TRUE;
 }
 
 } // namespace
@@ -159,6 +197,11 @@ std::FILE* openToWrite(const std::string& name) {
 }
 
 bool mayWrite(const fs::path& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        errno = EACCES;
+        return false;
+    }
     const HANDLE handle = CreateFileW(path.c_str(), GENERIC_WRITE,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -170,36 +213,19 @@ bool mayWrite(const fs::path& path) {
     return true;
 }
 
-// Windows has no files in memory. This one usually stays in the system's cache, and goes when it is
-// closed, however the process ends.
-std::FILE* openMemoryToRead(const char* bytes, size_t size) {
-    wchar_t folder[MAX_PATH + 1];
-    wchar_t name[MAX_PATH];
-    if (GetTempPathW(MAX_PATH + 1, folder) == 0 || GetTempFileNameW(folder, L"kel", 0, name) == 0) {
-        errno = lastReason();
-        return nullptr;
+MemoryToRead::MemoryToRead(std::string_view bytes) : file_(emptyScratch()) {
+    if (file_ == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size() ||
+        std::fflush(file_) != 0) {
+        throw std::system_error(errno, std::generic_category());
     }
-    std::FILE* file =
-        fileOf(CreateFileW(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                           FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr),
-               "w+b");
-    if (file == nullptr) {
-        DeleteFileW(name);
-        return nullptr;
-    }
-    if (std::fwrite(bytes, 1, size, file) != size || std::fflush(file) != 0) {
-        const int reason = errno;
-        std::fclose(file);
-        errno = reason;
-        return nullptr;
-    }
-    std::rewind(file);
-    return file;
+    std::rewind(file_);
 }
+
+MemoryToRead::~MemoryToRead() = default;
 
 /// A pipe whose other end a thread empties into a text. Windows has no files in memory, and a file
 /// on the disk would grow beyond any limit.
-struct MemoryFile::Storage {
+struct MemoryToWrite::Storage {
     int reading = -1;
     std::FILE* writing = nullptr;
     size_t limit = 0;
@@ -229,7 +255,7 @@ struct MemoryFile::Storage {
     }
 };
 
-MemoryFile::MemoryFile(size_t limit) : storage_(new Storage) {
+MemoryToWrite::MemoryToWrite(size_t limit) : storage_(new Storage) {
     int ends[2];
     if (_pipe(ends, 64 * 1024, _O_BINARY | _O_NOINHERIT) != 0) {
         throw std::system_error(errno, std::generic_category());
@@ -246,18 +272,18 @@ MemoryFile::MemoryFile(size_t limit) : storage_(new Storage) {
     storage_->reader = std::thread([storage = storage_.get()] { storage->readAll(); });
 }
 
-MemoryFile::~MemoryFile() {
+MemoryToWrite::~MemoryToWrite() {
     if (storage_->writing != nullptr) {
         std::fclose(storage_->writing);
         storage_->reader.join();
     }
 }
 
-std::FILE* MemoryFile::file() {
+std::FILE* MemoryToWrite::file() {
     return storage_->writing;
 }
 
-std::optional<std::string> MemoryFile::take() {
+std::optional<std::string> MemoryToWrite::take() {
     const bool isWritten = std::ferror(storage_->writing) == 0;
     const bool isClosed = std::fclose(storage_->writing) == 0;
     storage_->writing = nullptr;
