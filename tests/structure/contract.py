@@ -31,7 +31,7 @@ Operation = collections.namedtuple("Operation", "result name arguments constant"
 def normal(signature):
     """A signature with one way to set blanks."""
     text = re.sub(r"\s+", " ", signature.strip())
-    return re.sub(r"\s*([*&])\s*", r"\1 ", text).replace("( ", "(").replace(" )", ")")
+    return re.sub(r"\s*([*&])\s*", r"\1 ", text).replace("( ", "(").replace(" )", ")").replace(" ,", ",")
 
 
 def type_name(owner):
