@@ -42,35 +42,35 @@ public:
         return old;
     }
 
-    /// True when there is no target: the answer of the const form.
-    virtual bool isNull() { return static_cast<const JPointer*>(this)->isNull(); }
-
-    /// True when there is no target.
-    virtual bool isNull() const { return target_ == nullptr; }
+    KEL_SLOTS(
+        /// True when there is no target: the answer of the const form.
+        virtual bool isNull() { return static_cast<const JPointer*>(this)->isNull(); },
+        /// True when there is no target.
+        virtual bool isNull() const { return target_ == nullptr; })
 
     /// True when there is a target.
     virtual bool isValid() const { return !isNull(); }
 
-    /// Shares other's target and releases the old one. The new reference is taken first, so a
-    /// target that the old one alone keeps alive survives.
-    virtual JPointer& operator=(const JPointer& other) {
-        if (target_ != other.target_) {
+    KEL_SLOTS(
+        /// Shares other's target and releases the old one. The new reference is taken first, so a
+        /// target that the old one alone keeps alive survives.
+        virtual JPointer& operator=(const JPointer& other) {
+            if (target_ != other.target_) {
+                T* old = target_;
+                target_ = other.target_;
+                retain(target_);
+                drop(old);
+            }
+            return *this;
+        },
+        /// Adopts target and releases the old one. Never pass the pointer that is held already: it
+        /// would be released, and perhaps deleted, before it is stored again.
+        virtual JPointer& operator=(T* target) {
             T* old = target_;
-            target_ = other.target_;
-            retain(target_);
+            target_ = target;
             drop(old);
-        }
-        return *this;
-    }
-
-    /// Adopts target and releases the old one. Never pass the pointer that is held already: it
-    /// would be released, and perhaps deleted, before it is stored again.
-    virtual JPointer& operator=(T* target) {
-        T* old = target_;
-        target_ = target;
-        drop(old);
-        return *this;
-    }
+            return *this;
+        })
 
     /// The target, borrowed: valid as long as somebody holds a reference.
     virtual T* get() const { return target_; }

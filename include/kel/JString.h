@@ -49,14 +49,14 @@ public:
     /// Number of bytes before the NUL, found by scanning.
     virtual uint32_t length() const;
 
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// A new string of the bytes from begin to before end; the caller owns it. The caller
         /// guarantees the range. Null when the object cannot be allocated.
         virtual JString* substring(uint32_t begin, uint32_t end) const;,
         /// A new string of the bytes from begin on; the caller owns it.
         virtual JString* substring(uint32_t begin) const;)
 
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// Appends one character.
         /// \throws JOutOfMemoryException as the constructors; the string is then unchanged
         virtual void append(char character);,

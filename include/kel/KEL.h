@@ -78,7 +78,7 @@ public:
     ///         of another size
     virtual void assign(const KEL* value) = 0;
 
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// True when other is the same value by identity; equal contents do not matter. False for
         /// null.
         virtual bool equals(const KEL* other) const = 0;,

@@ -37,7 +37,7 @@ public:
     virtual JString* JReadString() = 0;
     /// Text: one number. Binary: eight bytes, little-endian.
     virtual double JReadDouble() = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// Reads one raw byte; -1 at end of input.
         virtual int32_t JRead() = 0;,
         /// Reads at most count raw bytes to buffer + offset. \return how many, 0 at end of input

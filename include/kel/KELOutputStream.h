@@ -30,7 +30,7 @@ public:
     virtual void JWriteString(const char* text) = 0;
     /// Text: six decimals. Binary: the eight bytes of the double, little-endian.
     virtual void JWriteDouble(double value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// Writes one raw byte, the low eight bits of byte.
         virtual void JWrite(int32_t byte) = 0;,
         /// Writes count raw bytes from buffer + offset.

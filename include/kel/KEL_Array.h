@@ -19,7 +19,7 @@ class KEL_Array;
 /// array is then unchanged and nobody is notified.
 class KELInterface_Array_V1 {
 public:
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The element at index, borrowed: the array keeps its reference. Throws on a bad index.
         virtual KEL* getVar(int32_t index) = 0;,
         /// The same element from a constant array, borrowed too: constness does not reach through
@@ -47,12 +47,12 @@ public:
     virtual void setString(int32_t index, const char* text) = 0;
     /// Converts a GUID into the element at index, as setVarValue does.
     virtual void setguid(int32_t index, const JHashCode& value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual void setDouble(int32_t index, float value) = 0;,
         /// Converts a number into the element at index, as setVarValue does.
         virtual void setDouble(int32_t index, double value) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual void setInt(int32_t index, long value) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
@@ -75,12 +75,12 @@ public:
     virtual int32_t addString(const char* text) = 0;
     /// Appends a new guid and returns its index.
     virtual int32_t addguid(const JHashCode& value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual int32_t addDouble(float value) = 0;,
         /// Appends a new Double and returns its index.
         virtual int32_t addDouble(double value) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual int32_t addInt(long value) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.

@@ -22,12 +22,12 @@ class KEL_IndexList;
 /// of bounds.".
 class KELInterface_IndexList_V1 {
 public:
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The item of the key, by identity, borrowed. Throws if the key is not found.
         virtual KEL* getItem(const KEL* key) = 0;,
         /// The same from a constant list.
         virtual KEL* getItem(const KEL* key) const = 0;)
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The key of the item, by identity, borrowed. Throws if the item is not found.
         virtual KEL* getKey(const KEL* item) = 0;,
         /// The same from a constant list.
@@ -44,7 +44,7 @@ public:
     virtual int32_t indexOfKey(const KEL* key) const = 0;
     /// The first index of the item, by identity, or -1.
     virtual int32_t indexOfItem(const KEL* item) const = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The item of the first key equal to keyValue, borrowed. Throws if no key is.
         virtual KEL* getItemOfKeyValue(const KEL* keyValue) = 0;,
         /// The same from a constant list.
@@ -71,12 +71,12 @@ public:
     virtual void setKeyString(const KEL* keyValue, const char* text) = 0;
     /// setKeyValue with a guid of this value.
     virtual void setKeyguid(const KEL* keyValue, const JHashCode& value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual void setKeyDouble(const KEL* keyValue, float value) = 0;,
         /// setKeyValue with a Double of this value.
         virtual void setKeyDouble(const KEL* keyValue, double value) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual void setKeyInt(const KEL* keyValue, long value) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
@@ -96,12 +96,12 @@ public:
     virtual int32_t addKeyString(const char* text, KEL* item) = 0;
     /// Appends the pair of a new guid and item; returns its index.
     virtual int32_t addKeyguid(const JHashCode& value, KEL* item) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual int32_t addKeyDouble(float value, KEL* item) = 0;,
         /// Appends the pair of a new Double and item; returns its index.
         virtual int32_t addKeyDouble(double value, KEL* item) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual int32_t addKeyInt(long value, KEL* item) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
@@ -115,12 +115,12 @@ public:
     virtual int32_t addItemString(KEL* key, const char* text) = 0;
     /// Appends the pair of key and a new guid; returns its index.
     virtual int32_t addItemguid(KEL* key, const JHashCode& value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual int32_t addItemDouble(KEL* key, float value) = 0;,
         /// Appends the pair of key and a new Double; returns its index.
         virtual int32_t addItemDouble(KEL* key, double value) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual int32_t addItemInt(KEL* key, long value) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
@@ -135,12 +135,12 @@ public:
     virtual int32_t addNamedString(const char* key, const char* text) = 0;
     /// Appends the pair of a new String key and a new guid; returns its index.
     virtual int32_t addNamedguid(const char* key, const JHashCode& value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual int32_t addNamedDouble(const char* key, float value) = 0;,
         /// Appends the pair of a new String key and a new Double; returns its index.
         virtual int32_t addNamedDouble(const char* key, double value) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual int32_t addNamedInt(const char* key, long value) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
@@ -165,12 +165,12 @@ public:
     virtual void removeAllPairs() = 0;
     /// The number of pairs.
     virtual int32_t getCount() const = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The array of the keys itself, borrowed.
         virtual KEL_Array* getKeys() = 0;,
         /// The same from a constant list.
         virtual const KEL_Array* getKeys() const = 0;)
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The array of the items itself, borrowed.
         virtual KEL_Array* getItems() = 0;,
         /// The same from a constant list.

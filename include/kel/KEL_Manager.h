@@ -16,7 +16,7 @@ public:
     /// Appends value, or puts it in the place of the element with the same identity, and notifies.
     /// Null is ignored.
     virtual void addKel(KEL* value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The library's own form of the element: the implementation base, borrowed.
         /// \throws KELNoSuchElementException "getKel: no such element"
         virtual KEL_Impl* getKel(JHashCode hashCode) const = 0;,
@@ -30,7 +30,7 @@ public:
     virtual void removeAllKels() = 0;
     /// The number of elements.
     virtual int32_t size() const = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// A new empty value of the kind (one of KELKind) with a fresh identity, count 1, owned by
         /// the caller; it is not added to the manager.
         /// \throws KELNoSuchTypeException "createKel: Unknown type."

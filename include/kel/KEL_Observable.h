@@ -23,13 +23,13 @@ protected:
 /// A container does not watch its elements.
 class KELInterface_Observable_V1 {
 public:
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// Registers an observer of the runtime; one that is registered already, or null, changes
         /// nothing. The value holds a reference to it.
         virtual void addObserver(JObserver* observer) = 0;,
         /// Registers a host's observer; one that is registered already, or null, changes nothing.
         virtual void addObserver(KEL_Observer* observer) = 0;)
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// Takes a host's observer off; one that is not registered, or null, changes nothing.
         virtual void removeObserver(KEL_Observer* observer) = 0;,
         /// Takes an observer of the runtime off, in the same way.

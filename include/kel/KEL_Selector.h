@@ -19,12 +19,12 @@ public:
     virtual bool clearSelection() = 0;
     /// The same as clearSelection, kept as a slot of its own.
     virtual bool deselect() = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The selected key, borrowed; null when nothing is selected.
         virtual KEL* getSelectedKey() = 0;,
         /// The same from a constant selector.
         virtual KEL* getSelectedKey() const = 0;)
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The list's item for the selected key, found by the key's identity, borrowed; null when
         /// nothing is selected.
         /// \throws KELNoSuchElementException "Key not found in list." when the key has left it

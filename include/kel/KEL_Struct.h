@@ -23,7 +23,7 @@ class KEL_Struct;
 /// remove variable - name does not exist.". A failed call changes nothing.
 class KELInterface_Struct_V1 {
 public:
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The variable's value with one reference for the caller, who gives it back with
         /// DeleteKEL; may be null. Throws on a name that is unknown to get.
         virtual KEL* getVar(const char* name) = 0;,
@@ -50,12 +50,12 @@ public:
     virtual void putString(const char* name, const char* text) = 0;
     /// Stores a new guid as addVar does.
     virtual void putguid(const char* name, const JHashCode& value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual void putDouble(const char* name, float value) = 0;,
         /// Stores a new Double as addVar does.
         virtual void putDouble(const char* name, double value) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual void putInt(const char* name, long value) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
@@ -83,12 +83,12 @@ public:
     virtual void setString(const char* name, const char* text) = 0;
     /// Converts a GUID into the variable, as setVarValue does.
     virtual void setguid(const char* name, const JHashCode& value) = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The form for a float: forwards to the double.
         virtual void setDouble(const char* name, float value) = 0;,
         /// Converts a number into the variable, as setVarValue does.
         virtual void setDouble(const char* name, double value) = 0;)
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The form for a long, low 32 bits: forwards to the 32-bit integer.
         virtual void setInt(const char* name, long value) = 0;,
         /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.

@@ -36,7 +36,7 @@ public:
     virtual bool isEnumerated() const = 0;
     /// Ranged: inRange. Else enumerated: inEnum. Else true.
     virtual bool isValid(const KEL* value) const = 0;
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// Replaces both bounds, in any order. Null does nothing.
         /// \throws KELException "Not a ranged variable."
         virtual void setRange(KEL* min, KEL* max) = 0;,
@@ -50,7 +50,7 @@ public:
     /// The upper bound, borrowed.
     /// \throws KELException "Not a ranged variable."
     virtual KEL* getMax() const = 0;
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// The general form with a new Double.
         virtual bool inRange(double value) const = 0;,
         /// The general form with a new Int.
@@ -62,7 +62,7 @@ public:
     /// The array of the allowed values itself, borrowed.
     /// \throws KELException "Not an enumerated variable."
     virtual KEL_Array* getEnum() const = 0;
-    KEL_SLOTS_5(
+    KEL_SLOTS(
         /// The general form with a new Boolean.
         virtual bool inEnum(bool value) const = 0;,
         /// The general form with a new String; false for null.
@@ -74,7 +74,7 @@ public:
         /// True when an allowed value is equal in value; false for null.
         /// \throws KELException "Not an enumerated variable."
         virtual bool inEnum(const KEL* value) const = 0;)
-    KEL_SLOTS_5(
+    KEL_SLOTS(
         /// The general form with a new Boolean.
         virtual void addEnumValue(bool value) = 0;,
         /// The general form with a new String; null is ignored.
@@ -86,7 +86,7 @@ public:
         /// Appends an allowed value; it may be there already. Null is ignored.
         /// \throws KELException "Not an enumerated variable."
         virtual void addEnumValue(KEL* value) = 0;)
-    KEL_SLOTS_5(
+    KEL_SLOTS(
         /// The general form with a new Boolean.
         virtual void removeEnumValue(bool value) = 0;,
         /// The general form with a new String; null is ignored.
@@ -103,7 +103,7 @@ public:
     virtual bool hasDefault() const = 0;
     /// The default, borrowed; null when absent.
     virtual KEL* getDefault() const = 0;
-    KEL_SLOTS_5(
+    KEL_SLOTS(
         /// The general form with a new Boolean.
         virtual void setDefault(bool value) = 0;,
         /// The general form with a new String; null is ignored.
@@ -120,7 +120,7 @@ public:
     virtual bool hasPreadorn() const = 0;
     /// That text, owned by the descriptor and valid until it changes; null when absent.
     virtual const char* getPreadorn() const = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The general form with a new String; null is ignored.
         virtual void setPreadorn(const char* text) = 0;,
         /// Replaces the text; does nothing when it is absent, or for null.
@@ -131,7 +131,7 @@ public:
     virtual bool hasPostadorn() const = 0;
     /// That text, owned by the descriptor and valid until it changes; null when absent.
     virtual const char* getPostadorn() const = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// The general form with a new String; null is ignored.
         virtual void setPostadorn(const char* text) = 0;,
         /// Replaces the text; does nothing when it is absent, or for null.
@@ -142,7 +142,7 @@ public:
     virtual bool hasWrapped() const = 0;
     /// Whether the value wraps around at its bounds; false when it is not stated.
     virtual bool getWrapped() const = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// States it.
         virtual void setWrapped(bool value) = 0;,
         /// States the value converted to a Boolean. Null is ignored.
@@ -153,7 +153,7 @@ public:
     virtual bool hasInterpolated() const = 0;
     /// Whether the value may be interpolated; true when it is not stated.
     virtual bool getInterpolated() const = 0;
-    KEL_SLOTS_2(
+    KEL_SLOTS(
         /// States it.
         virtual void setInterpolated(bool value) = 0;,
         /// States the value converted to a Boolean. Null is ignored.
@@ -164,7 +164,7 @@ public:
     virtual bool hasStepsize() const = 0;
     /// The step between successive values; 1.0 when it is not stated.
     virtual double getStepsize() const = 0;
-    KEL_SLOTS_3(
+    KEL_SLOTS(
         /// States the step.
         virtual void setStepsize(double value) = 0;,
         /// States the step as a Double of this value.

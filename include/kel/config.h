@@ -31,14 +31,20 @@
 #define KEL_CALL
 #endif
 
-/// Declares the overloads of one name in slot order. The Microsoft ABI lays adjacent overloads out
-/// in reverse order of declaration; reversing them there keeps one slot order for all compilers.
+/// Declares the overloads of one name, up to eight, in slot order: each with its semicolon, then a
+/// comma. The Microsoft ABI lays adjacent overloads out in reverse order of declaration; reversing
+/// them there keeps one slot order for all compilers. Forms by constness are overloads too.
+///
+///     KEL_SLOTS(
+///         virtual void set(float value) = 0;,
+///         virtual void set(double value) = 0;)
+///
+/// Declarations that are not given are empty. The outer macro exists for Microsoft's preprocessor,
+/// which takes an inner __VA_ARGS__ for one argument until it is read once more.
+#define KEL_SLOTS(...) KEL_SLOTS_READ_AGAIN(KEL_SLOTS_ORDER(__VA_ARGS__, , , , , , , , ))
+#define KEL_SLOTS_READ_AGAIN(declarations) declarations
 #if defined(_MSC_VER)
-#define KEL_SLOTS_2(a, b) b a
-#define KEL_SLOTS_3(a, b, c) c b a
-#define KEL_SLOTS_5(a, b, c, d, e) e d c b a
+#define KEL_SLOTS_ORDER(a, b, c, d, e, f, g, h, ...) h g f e d c b a
 #else
-#define KEL_SLOTS_2(a, b) a b
-#define KEL_SLOTS_3(a, b, c) a b c
-#define KEL_SLOTS_5(a, b, c, d, e) a b c d e
+#define KEL_SLOTS_ORDER(a, b, c, d, e, f, g, h, ...) a b c d e f g h
 #endif

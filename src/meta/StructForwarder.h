@@ -5,6 +5,7 @@
 #include "meta/InnerObserver.h"
 #include "meta/StructHolder.h"
 
+#include <type_traits>
 #include <utility>
 
 namespace kel {

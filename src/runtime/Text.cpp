@@ -1,5 +1,6 @@
 #include "runtime/Text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>

@@ -13,6 +13,7 @@
 
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace kel {
 

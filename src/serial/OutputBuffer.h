@@ -4,6 +4,7 @@
 
 #include "streams/JOutputStream.h"
 
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 

@@ -4,6 +4,7 @@
 
 #include "streams/JOutputStream.h"
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 

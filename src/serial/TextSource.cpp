@@ -4,6 +4,8 @@
 #include "streams/StringReader.h"
 #include "values/KELException_Impl.h"
 
+#include <utility>
+
 namespace kel {
 
 namespace {

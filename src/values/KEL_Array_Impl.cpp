@@ -10,6 +10,8 @@
 #include "values/KEL_guid_Impl.h"
 #include "values/TreeWalk.h"
 
+#include <utility>
+
 namespace {
 
 constexpr const char* badIndex = "Array index out of bounds.";

@@ -11,6 +11,7 @@
 #include "values/TreeWalk.h"
 
 #include <cstring>
+#include <utility>
 
 namespace {
 

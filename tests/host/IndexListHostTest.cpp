@@ -1,21 +1,9 @@
 // Keyed lists as a host sees them: every operation, through the public class.
 #include "Host.h"
 
-#include <cstdio>
-#include <cstring>
-
 using namespace host;
 
 namespace {
-
-/// The slot that a pointer to member holds.
-template <class Operation> std::ptrdiff_t slotOf(Operation operation) {
-    std::ptrdiff_t words[2] = {};
-    static_assert(sizeof operation == sizeof words);
-    std::memcpy(words, &operation, sizeof words);
-    const std::ptrdiff_t offset = (words[1] & 1) != 0 ? words[0] : words[0] - 1;
-    return offset / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
 
 std::string textsOf(const KEL_Array& array) {
     std::string texts;
@@ -48,16 +36,6 @@ protected:
     Held<KEL_IndexList> list{CreateKELIndexList()};
     const KEL_IndexList& constant = *list;
 };
-
-TEST_F(IndexListHost, TheFiveFixedSlots) {
-    using I = KELInterface_IndexList_V1;
-    EXPECT_EQ(slotOf(&I::removeKey), 5);
-    EXPECT_EQ(slotOf(&I::removeItem), 6);
-    EXPECT_EQ(slotOf(&I::removeKeyValue), 15);
-    EXPECT_EQ(slotOf(&I::setKeyOfItem), 17);
-    EXPECT_EQ(slotOf(&I::setKeyValue), 27);
-    EXPECT_EQ(slotOf(&I::setItemAt), 65); // the last
-}
 
 TEST_F(IndexListHost, IsAValueThatCanBeWatched) {
     EXPECT_EQ(list->getType(), KELKind_IndexList);

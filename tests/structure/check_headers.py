@@ -4,24 +4,38 @@
     check_headers.py INCLUDE COMPILER...
 
 C++17, every warning an error, and without the folders of the C++ standard library, so that a header
-which needs part of it is found out. A compiler that is not installed is passed over, except the
-first, which builds the library.
+which needs part of it is found out. clang++ compiles them for Windows as well, for mingw and for
+Microsoft's compiler, without any system's headers. A compiler that is not installed is passed over,
+except the first, which builds the library.
 """
 import concurrent.futures
 import pathlib
 import shutil
 import subprocess
 import sys
+import tempfile
 
-FLAGS = ["-std=c++17", "-fsyntax-only", "-nostdinc++", "-Wall", "-Wextra", "-Wpedantic",
-         "-Wconversion", "-Wshadow", "-Wnon-virtual-dtor", "-Werror", "-x", "c++", "-"]
+import check_slots
+
+FLAGS = ["-std=c++17", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow",
+         "-Wnon-virtual-dtor", "-Werror", "-x", "c++", "-"]
+WINDOWS = [target for target in check_slots.TARGETS if "linux" not in target]
 
 
-def compile_alone(compiler, include, header):
+def compile_alone(command, include, header):
     source = f"#include <{header}>\n#include <{header}>\nint main() {{}}\n"
-    result = subprocess.run([compiler, "-I", include, *FLAGS], input=source, text=True,
+    result = subprocess.run([*command, "-I", include, *FLAGS], input=source, text=True,
                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    return None if result.returncode == 0 else f"{compiler}: {header}:\n{result.stdout}"
+    return None if result.returncode == 0 else f"{' '.join(command)}: {header}:\n{result.stdout}"
+
+
+def commands(compilers, system):
+    """How to call each compiler; system: a folder with what stands for a system's headers."""
+    for compiler in compilers:
+        yield [compiler, "-nostdinc++"]
+        if "clang++" in pathlib.Path(compiler).name:
+            for target in WINDOWS:
+                yield [compiler, f"--target={target}", *check_slots.ALONE, "-isystem", system]
 
 
 def main(arguments):
@@ -32,11 +46,15 @@ def main(arguments):
     headers = sorted(str(h.relative_to(include)) for h in pathlib.Path(include).rglob("*.h"))
     if not headers:
         sys.exit(f"{include} holds no headers")
-    with concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
-        jobs = [pool.submit(compile_alone, c, include, h) for c in compilers for h in headers]
-        failures = [job.result() for job in jobs if job.result()]
+    with tempfile.TemporaryDirectory() as system:
+        pathlib.Path(system, "stdio.h").write_text(check_slots.STDIO)
+        ways = list(commands(compilers, system))
+        with concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
+            jobs = [pool.submit(compile_alone, way, include, h) for way in ways for h in headers]
+            failures = [job.result() for job in jobs if job.result()]
     print("\n".join(failures))
-    print(f"{len(headers)} headers, {', '.join(compilers)}: {len(failures)} failures")
+    print(f"{len(headers)} headers, {len(ways)} compilers and targets "
+          f"({', '.join(compilers)}): {len(failures)} failures")
     return 1 if failures else 0
 
 

@@ -5,6 +5,7 @@ import unittest
 import check_exports
 import check_layers
 import check_slots
+import contract
 
 
 def everything_exists(_):
@@ -102,46 +103,111 @@ class Exports(unittest.TestCase):
                          ["a: 1 in the list, 2 in the headers"])
 
 
+class Contract(unittest.TestCase):
+    def test_rows_are_read_by_class(self):
+        tables, bad = contract.parse_slots("# head\nA 0 void a(int x) 1.0\n\nA 1 int b() const 1.2\n")
+        self.assertEqual(bad, [])
+        self.assertEqual([(row.slot, row.operation, row.since) for row in tables["A"]],
+                         [(0, "void a(int x)", "1.0"), (1, "int b() const", "1.2")])
+
+    def test_a_slot_out_of_order_and_a_strange_line_are_found(self):
+        _, bad = contract.parse_slots("A 0 void a() 1.0\nA 2 void b() 1.0\nA 1 void c()\n")
+        self.assertEqual(bad, ["A: slot 2 stands where 1 belongs",
+                               "not a row of slots.txt: A 1 void c()"])
+
+    def test_layout_has_four_numbers_a_row_and_known_kinds(self):
+        facts, bad = contract.parse_layout("sizeof long double 16 12 8\nweight A 1 1 1\n")
+        self.assertEqual(facts, [("sizeof", "long double", (16, 12, 8))])
+        self.assertEqual(bad, ["not a row of layout.txt: weight A 1 1 1"])
+
+    def test_an_operation_gives_an_exact_pointer_to_member(self):
+        operation = contract.parse_operation("A", "KEL* get(const char* name, int32_t) const")
+        self.assertEqual(contract.member_pointer("A", operation),
+                         "static_cast<KEL* (A::*)(const char*, int32_t) const>(&A::get)")
+
+    def test_a_template_is_looked_at_with_an_argument(self):
+        operation = contract.parse_operation("JPointer", "JPointer& operator=(T* target)")
+        self.assertEqual(operation, ("JPointer<JObject>&", "operator=", ["JObject*"], ""))
+
+    def test_sizes_are_asserted_for_each_platform(self):
+        text = contract.assertions([contract.Fact("offsetof", "A b", (8, 4, 2))])
+        self.assertIn("static_assert(offsetof(A, b) == ON_THIS_PLATFORM(8, 4, 2)", text)
+
+
 class Slots(unittest.TestCase):
     header = """
         /// virtual void comment() = 0;
         class Base : public virtual Other {
         public:
-            KEL_SLOTS_2(
+            KEL_SLOTS(
                 virtual int  get(const char *name) = 0;,
                 virtual int get(const char* name) const = 0;)
             virtual void set(int x) { x_ = x; }
             virtual ~Base() {}
         };"""
     rows = ["int get(const char* name)", "int get(const char* name) const", "void set(int x)"]
+    twin = {"A": [contract.Slot("A", 0, "void a()", "1.0"),
+                  contract.Slot("A", 1, "int b(const char* name) const", "1.0")]}
+    facts = [contract.Fact("first", "A", (2, 2, 1)), contract.Fact("field", "A x", (8, 4, 4))]
+
+    def dump(self, first, second):
+        return ("VTable indices for 'A' (4 entries).\n"
+                "   0 | A::~A() [complete]\n   1 | A::~A() [deleting]\n"
+                f"   2 | {first}\n   3 | {second}\n\n"
+                "*** Dumping AST Record Layout\n         0 | class A\n"
+                "         0 |   (A vtable pointer)\n         8 |   class B<int> x\n")
+
+    def compare_dump(self, first, second):
+        return list(check_slots.compare_dump(self.twin, self.facts, "x86_64-linux-gnu",
+                                             self.dump(first, second)))
 
     def test_operations_are_read_in_their_order_without_the_destructor(self):
         self.assertEqual(check_slots.classes_of("\n" + self.header.replace("        ", "")),
                          {"Base": self.rows})
 
-    def test_a_table_is_read_and_a_slot_out_of_order_is_found(self):
-        tables, bad = check_slots.tables_of("## `Base`\n| 0 | `void a()` |\n| 2 | `void b()` |\n")
-        self.assertEqual(tables, {"Base": ["void a()", "void b()"]})
-        self.assertEqual(bad, ["Base: slot 2 stands where 1 belongs"])
-
     def test_two_operations_that_change_places_are_found(self):
         self.assertEqual(
             list(check_slots.compare({"B": ["void a()", "void b()"]},
-                                     {"B": ["void b()", "void a()"]})),
-            ["B 0: `void a()` in the document, `void b()` declared",
-             "B 1: `void b()` in the document, `void a()` declared"])
+                                     {"B": ["void b()", "void a()"]}, "declared")),
+            ["B 0: `void a()` in slots.txt, `void b()` declared",
+             "B 1: `void b()` in slots.txt, `void a()` declared"])
 
     def test_a_missing_operation_and_a_missing_table_are_found(self):
-        self.assertEqual(list(check_slots.compare({"B": ["void a()"]},
-                                                  {"B": ["void a()", "void b()"], "C": []})),
-                         ["B: 1 operations in the document, 2 declared", "C: has no table"])
-
-    def test_slots_of_the_compiler_that_do_not_follow_each_other_are_found(self):
-        self.assertEqual(list(check_slots.check_slots({"AInterface_V1": [0, 1], "C": [2, 3]})), [])
         self.assertEqual(
-            list(check_slots.check_slots({"AInterface_V1": [1, 2], "C": [3, 2]})),
-            ["AInterface_V1: the compiler gives the documented operations the slots [1, 2]",
-             "C: the compiler gives the documented operations the slots [3, 2]"])
+            list(check_slots.compare({"B": ["void a()"], "D": []},
+                                     {"B": ["void a()", "void b()"], "C": []}, "declared")),
+            ["B: 1 operations, 2 declared", "C: has no slots in slots.txt",
+             "D: introduces no operation declared"])
+
+    def test_a_page_that_says_otherwise_is_found(self):
+        page = "### `A`\n| 0 | `void a()` | 1.0 |\n| 1 | `int b(const char* name) const` | 1.1 |\n" \
+               "| `first A` | 2 | 2 | 1 |\n"
+        self.assertEqual(
+            list(check_slots.compare_page(self.twin, self.facts, page)),
+            ["A 1: `1 int b(const char* name) const since 1.0` in slots.txt,"
+             " `1 int b(const char* name) const since 1.1` on the page",
+             "field A x 8 4 4: only in layout.txt"])
+
+    def test_the_tables_of_clang_are_read_without_names_and_destructors(self):
+        self.assertEqual(self.compare_dump("void A::a()", "int A::b(const char *) const"), [])
+
+    def test_a_compiler_that_places_operations_otherwise_is_found(self):
+        self.assertEqual(self.compare_dump("int A::b(const char *) const", "void A::a()"),
+                         ["A 0: `void a()` in slots.txt, `int b(const char*) const`"
+                          " for x86_64-linux-gnu",
+                          "A 1: `int b(const char*) const` in slots.txt, `void a()`"
+                          " for x86_64-linux-gnu"])
+
+    def test_a_compiler_with_another_layout_is_found(self):
+        self.facts = [self.facts[0], contract.Fact("field", "A x", (16, 4, 4))]
+        self.assertEqual(self.compare_dump("void A::a()", "int A::b(const char *) const"),
+                         ["field A x: 16 in layout.txt, 8 for x86_64-linux-gnu"])
+
+    def test_other_tables_of_a_class_are_not_its_own(self):
+        dump = ("VFTable indices for 'A' (2 entries).\n -- accessible via vfptr at offset 0 --\n"
+                "   0 | void A::a()\n -- accessible via vbtable index 1, vfptr at offset 0 --\n"
+                "   0 | void A::c()\n\n")
+        self.assertEqual(check_slots.parse_tables(dump), {"A": {0: "void a()"}})
 
 
 if __name__ == "__main__":
