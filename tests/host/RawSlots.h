@@ -10,6 +10,7 @@
 #include <kel/kel.h>
 #include <string>
 #include <typeindex>
+#include <utility>
 #include <vector>
 
 // How a compiler calls a member function on 32-bit Windows. Elsewhere the object is the first

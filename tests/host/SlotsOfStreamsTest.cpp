@@ -2,6 +2,8 @@
 #include "Host.h"
 #include "RawSlots.h"
 
+#include <cstdio>
+
 namespace {
 
 using host::bySlot;
