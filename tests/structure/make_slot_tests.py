@@ -17,7 +17,9 @@ import contract
 INSIDE = {"JString", "JException"}
 CONSTRUCTORS = {"JObject": "JObject(1, 2, 3, 4)"}
 # What a recorder has to implement beside the operations of its class, and is called through too.
-BASES = {"MetaKel": ["KELInterface_Casting_V1", "KELInterface_RefCount_V1", "KELInterface_V1",
+BASES = {"KEL_Manager": ["KELInterface_Casting_V1", "KELInterface_RefCount_V1", "KELInterface_V1",
+                         "KELInterface_Observable_V1", "KELInterface_Manager_V1"],
+         "MetaKel": ["KELInterface_Casting_V1", "KELInterface_RefCount_V1", "KELInterface_V1",
                      "KELInterface_Observable_V1", "KELInterface_Struct_V1", "MetaKelInterface_V1"]}
 
 HEAD = """// Made by tests/structure/make_slot_tests.py from docs/abi. Do not edit.
