@@ -9,7 +9,12 @@
 #   package making the packages that are shipped
 #   demo    the documents that scripts/demo.sh works on
 #   bench   the benchmarks
+#   linux32 building for 32-bit Linux, and its tests
+#   windows building KEL.dll and its tests, and Wine to run them
+#
+# Ends with status 10 when everything is there but Wine, and build/no-wine then says why.
 set -eu
+cd "$(dirname "$0")/.."
 
 comma_locale=de_DE.UTF-8
 
@@ -17,10 +22,12 @@ packages_for() {
     case $1 in
         build) echo "g++ cmake ninja-build" ;;
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
-        test) echo "libgtest-dev python3 pkg-config binutils locales" ;;
+        test) echo "libgtest-dev python3 pkg-config binutils locales clang" ;;
         package) echo "dpkg-dev python3" ;;
         demo) echo "iso-codes python3" ;;
         bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3" ;;
+        linux32) echo "g++-multilib googletest" ;;
+        windows) echo "g++-mingw-w64-i686-posix googletest" ;;
         *)
             echo "install-deps.sh: unknown purpose '$1'" >&2
             exit 2
@@ -32,9 +39,14 @@ is_installed() {
     dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
 }
 
+# One broken index, of another architecture perhaps, does not make the others useless.
+update_indexes() {
+    apt-get update || echo "Some package index is broken now; going on."
+}
+
 require_root() {
     if [ "$(id -u)" != 0 ]; then
-        echo "install-deps.sh: $1; run this as root: $0 $purposes" >&2
+        echo "install-deps.sh: $1; run this as root: scripts/install-deps.sh $purposes" >&2
         exit 1
     fi
 }
@@ -49,7 +61,7 @@ has_comma_locale() {
 
 purposes="$*"
 if [ -z "$purposes" ]; then
-    echo "usage: $0 {build|tool|test|package|demo|bench}..." >&2
+    echo "usage: $0 {build|tool|test|package|demo|bench|linux32|windows}..." >&2
     exit 2
 fi
 
@@ -67,9 +79,9 @@ if [ -n "$missing" ]; then
     # The package lists are fetched only when those at hand do not lead to the packages.
     # shellcheck disable=SC2086 # a list of words
     {
-        install_packages --simulate $missing >/dev/null 2>&1 || apt-get update
+        install_packages --simulate $missing >/dev/null 2>&1 || update_indexes
         install_packages $missing || {
-            apt-get update
+            update_indexes
             install_packages $missing
         }
     }
@@ -82,4 +94,8 @@ case " $purposes " in
             localedef -i de_DE -f UTF-8 "$comma_locale"
         fi
         ;;
+esac
+
+case " $purposes " in
+    *" windows "*) scripts/install-wine.sh build/no-wine ;;
 esac

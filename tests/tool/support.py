@@ -1,6 +1,6 @@
 """Vocabulary of the tool's tests: running the tool, files in a folder of their own, binary records.
 
-The environment variable KEL_TOOL holds the path of the tool, and KEL_TOOL_LAUNCHER that of a program
+The environment variable KEL_TOOL holds the path of the tool, and KEL_LAUNCHER that of a program
 which runs it where the system cannot (empty where it can).
 """
 
@@ -16,7 +16,7 @@ import tempfile
 import unittest
 
 TOOL = os.environ["KEL_TOOL"]
-LAUNCHER = [part for part in [os.environ.get("KEL_TOOL_LAUNCHER")] if part]
+LAUNCHER = [part for part in [os.environ.get("KEL_LAUNCHER")] if part]
 WINDOWS = TOOL.endswith(".exe")
 SMALL_STACK = 256 * 1024
 

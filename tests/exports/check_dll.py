@@ -1,0 +1,120 @@
+#!/usr/bin/env python3
+"""Compares what KEL.dll exports and imports with what it is meant to.
+
+    check_dll.py DLL LIST
+
+LIST is the .def file that the DLL was linked with. The export table must hold its names at its
+ordinals and nothing else, least of all at the ordinals between; each export is a function of the
+DLL itself. The DLL may import from the system and from the run-time libraries that are shipped with
+it only.
+Prints one line per difference and ends with status 1 if there is any.
+"""
+import pathlib
+import struct
+import sys
+
+from export_lists import parse_def
+
+SYSTEM = {"KERNEL32.dll", "msvcrt.dll", "ole32.dll"}
+SHIPPED = {"libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}
+
+
+class Image:
+    """The tables of a 32-bit Windows binary."""
+
+    def __init__(self, data):
+        self.data = data
+        header = self.word(0x3C)
+        if data[header:header + 4] != b"PE\0\0" or self.half(header + 4) != 0x14C:
+            raise ValueError("no Windows binary for 32-bit x86")
+        self.is_library = bool(self.half(header + 22) & 0x2000)
+        optional = header + 24
+        tables = optional + 96
+        sections = optional + self.half(header + 20)
+        self.sections = [struct.unpack_from("<IIII", data, sections + 40 * i + 8)
+                         for i in range(self.half(header + 6))]
+        self.export_table = struct.unpack_from("<II", data, tables)
+        self.import_table = struct.unpack_from("<II", data, tables + 8)
+
+    def half(self, at):
+        return struct.unpack_from("<H", self.data, at)[0]
+
+    def word(self, at):
+        return struct.unpack_from("<I", self.data, at)[0]
+
+    def offset(self, address):
+        """Where in the file the byte stands that is loaded at the address."""
+        for size, start, stored, place in self.sections:
+            if start <= address < start + max(size, stored):
+                return place + address - start
+        raise ValueError(f"no section holds the address {address:#x}")
+
+    def text(self, address):
+        at = self.offset(address)
+        return self.data[at:self.data.index(b"\0", at)].decode("ascii")
+
+    def exports(self):
+        """The library's own name and its exports: ordinal to (names, address of the function)."""
+        at = self.offset(self.export_table[0])
+        name, base, functions, names = struct.unpack_from("<IIII", self.data, at + 12)
+        addresses, name_list, ordinal_list = struct.unpack_from("<III", self.data, at + 28)
+        found = {}
+        for i in range(functions):
+            address = self.word(self.offset(addresses) + 4 * i)
+            if address != 0:
+                found[base + i] = ([], address)
+        for i in range(names):
+            ordinal = base + self.half(self.offset(ordinal_list) + 2 * i)
+            found[ordinal][0].append(self.text(self.word(self.offset(name_list) + 4 * i)))
+        return self.text(name), found
+
+    def is_forwarder(self, address):
+        start, size = self.export_table
+        return start <= address < start + size
+
+    def imports(self):
+        """The libraries that are imported from."""
+        at = self.offset(self.import_table[0])
+        while (name := self.word(at + 12)) != 0:
+            yield self.text(name)
+            at += 20
+
+
+def compare_exports(listed, exports, is_forwarder):
+    """listed: ordinal to name; exports: ordinal to (names, address)."""
+    for ordinal in sorted(set(listed) | set(exports)):
+        names, address = exports.get(ordinal, ([], None))
+        if ordinal not in listed:
+            yield f"ordinal {ordinal} exports {' '.join(names) or 'a function without a name'}"
+        elif address is None:
+            yield f"ordinal {ordinal} exports nothing instead of {listed[ordinal]}"
+        elif names != [listed[ordinal]]:
+            yield f"ordinal {ordinal} exports {' '.join(names)} instead of {listed[ordinal]}"
+        elif is_forwarder(address):
+            yield f"ordinal {ordinal} is a function of another library"
+
+
+def compare_imports(imports):
+    for name in sorted(set(imports) - SYSTEM - SHIPPED):
+        yield f"imports from {name}"
+
+
+def main(arguments):
+    if len(arguments) != 2:
+        sys.exit(__doc__)
+    image = Image(pathlib.Path(arguments[0]).read_bytes())
+    name, exports = image.exports()
+    imports = list(image.imports())
+    differences = list(compare_exports(parse_def(pathlib.Path(arguments[1]).read_text()), exports,
+                                       image.is_forwarder))
+    differences += compare_imports(imports)
+    if name != "KEL.dll" or pathlib.Path(arguments[0]).name != "KEL.dll" or not image.is_library:
+        differences.append(f"{arguments[0]} is no library KEL.dll but {name}")
+    print("\n".join(differences) if differences else
+          f"KEL.dll exports exactly {len(exports)} functions and imports from "
+          f"{', '.join(sorted(imports))}.")
+    return 1 if differences else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
