@@ -59,8 +59,9 @@ def check_host(program, folder, emulator):
 
 def build_host(prefix, work, options):
     """Builds the host through the CMake package under the prefix."""
+    # A tool chain for another system looks for packages among its own, so it is told the folder.
     more = [f"-DCMAKE_TOOLCHAIN_FILE={options.toolchain}",
-            f"-DCMAKE_FIND_ROOT_PATH={prefix}"] if options.toolchain else []
+            f"-Dkel_DIR={prefix / 'lib/cmake/kel'}"] if options.toolchain else []
     run(options.cmake, "-S", HOST, "-B", work, "-G", options.generator, *more,
         f"-DCMAKE_CXX_COMPILER={options.compiler}", "-DCMAKE_BUILD_TYPE=Release",
         f"-DCMAKE_PREFIX_PATH={prefix}")
