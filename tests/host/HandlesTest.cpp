@@ -7,14 +7,6 @@ using namespace host;
 
 namespace {
 
-Held<KEL_Array> numbers(int count) {
-    auto array = hold(CreateKELArray());
-    for (int i = 0; i < count; ++i) {
-        array->addInt(i);
-    }
-    return array;
-}
-
 // ---- The handle stays the host's ---------------------------------------------------------------
 
 TEST(Handles, AreFlushedButNotClosedByATextStream) {
