@@ -142,7 +142,9 @@ KEL_Impl* BinaryTreeReader::readValue(const Prefix& prefix) {
         return new KEL_Boolean_Impl(prefix.identity, data_.JRead8() != 0);
     case KELKind_Double:
         require(prefix.length == binary::doubleLength);
-        return new KEL_Double_Impl(prefix.identity, data_.JReadDouble());
+        // Not as the result of a function: see KEL_Impl::toDoubleBits.
+        return new KEL_Double_Impl(prefix.identity,
+                                   std::bit_cast<double>(data_.JRead64().value()));
     case KELKind_String: {
         const auto* text = reinterpret_cast<const char*>(readBytes(prefix.length));
         const auto length = static_cast<std::size_t>(prefix.length);

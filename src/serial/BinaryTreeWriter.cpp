@@ -92,7 +92,7 @@ void BinaryTreeWriter::writePayload(const KEL_Impl& value, int32_t kind, uint8_t
         commitPrefix(prefix, binary::booleanLength, binary::booleanLength);
         break;
     case KELKind_Double:
-        storeLittleDouble(payload, value.toDouble());
+        storeLittle64(payload, value.toDoubleBits());
         commitPrefix(prefix, binary::doubleLength, binary::doubleLength);
         break;
     case KELKind_MemBlock: {

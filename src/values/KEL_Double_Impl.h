@@ -30,6 +30,7 @@ public:
     bool toBoolean() const override { return value_ == 1.0; }
     int32_t toInt() const override { return kel::truncateToInt32(value_); }
     double toDouble() const override { return value_; }
+    uint64_t toDoubleBits() const override { return std::bit_cast<uint64_t>(value_); }
     const char* toString() const override;
     JHashCode& toGuid(JHashCode& out) const override;
 

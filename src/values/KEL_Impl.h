@@ -4,6 +4,7 @@
 
 #include "runtime/JObservable.h"
 
+#include <bit>
 #include <kel/KEL_Observable.h>
 #include <new>
 #include <string_view>
@@ -54,6 +55,9 @@ public:
     int64_t toInt64() const override { return toInt(); }
     uint64_t toUnsignedInt64() const override { return static_cast<uint64_t>(toInt()); }
     double toDouble() const override { return 0.0; }
+    /// The bits of toDouble, all of them: machines that return doubles in x87 registers change
+    /// those of a signalling NaN on the way.
+    virtual uint64_t toDoubleBits() const { return std::bit_cast<uint64_t>(toDouble()); }
     float toFloat() const override { return static_cast<float>(toDouble()); }
     long double toLongDouble() const override { return toDouble(); }
     const char* toString() const override { return nullptr; }
