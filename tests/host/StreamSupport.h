@@ -124,13 +124,4 @@ inline Held<KEL> fromText(const std::string& text) {
     return hold(stream->read());
 }
 
-/// An array of the Ints from 0 on.
-inline Held<KEL_Array> numbers(int count) {
-    auto array = hold(CreateKELArray());
-    for (int i = 0; i < count; ++i) {
-        array->addInt(i);
-    }
-    return array;
-}
-
 } // namespace host
