@@ -27,10 +27,9 @@ wine=$(command -v wine-stable || command -v wine) || {
 mkdir -p "$WINEPREFIX" || exit 77
 (
     flock 9
-    wineserver -p300 </dev/null >/dev/null 2>&1 9>&-
-    if [ ! -e "$WINEPREFIX/kel-ready" ]; then
-        timeout 180 "$wine" wineboot --init </dev/null >/dev/null 2>&1 9>&- &&
-            touch "$WINEPREFIX/kel-ready"
+    if ! wineserver -k0 2>/dev/null; then # asks whether it runs
+        wineserver -p300 </dev/null >/dev/null 2>&1 9>&-
+        timeout 180 "$wine" wineboot </dev/null >/dev/null 2>&1 9>&-
     fi
 ) 9>"$WINEPREFIX.lock"
 exec "$wine" "$@"
