@@ -49,8 +49,9 @@ public:
     virtual float toFloat() const = 0;            ///< toDouble, rounded
     virtual long double toLongDouble() const = 0; ///< toDouble
     /// The value as text: decimal integer, six decimals, "true" or "false", GUID layout, or a
-    /// string's own characters; null for kinds without a text form. Owned by the value; valid
-    /// until the next toString or freeString, or until a string changes.
+    /// string's own characters; null for kinds without a text form, and when there is no memory for
+    /// it. Owned by the value; valid until the next toString or freeString, or until a string
+    /// changes.
     virtual const char* toString() const = 0;
     /// guid: its value. Others: toInt in the lowest word. Returns out.
     virtual JHashCode& toGuid(JHashCode& out) const = 0;
@@ -118,7 +119,9 @@ protected:
 /// A value of any kind. Hosts hold values as KEL or as the public class of the kind (dynamic_cast
 /// leads from the one to the other), get them with count 1 from the Create functions and give them
 /// back with DeleteKEL. A value is used by one thread at a time.
-class KEL : public virtual KEL_Casting, public virtual KEL_RefCount, public virtual KELInterface_V1 {
+class KEL : public virtual KEL_Casting,
+            public virtual KEL_RefCount,
+            public virtual KELInterface_V1 {
 protected:
     ~KEL() = default;
 };

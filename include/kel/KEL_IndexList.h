@@ -8,18 +8,25 @@
 class KEL_IndexList;
 
 /// Operations of an index list: two arrays side by side, the key at an index belonging to the item
-/// at the same index. Keys and items are shared, never copied. Every successful change of the list
-/// marks it changed and notifies its observers once.
+/// at the same index. Keys and items are shared, never copied.
+///
+/// Every successful change of the list marks it changed and notifies its observers once, when it is
+/// complete; the observers of the arrays that it changes are called before. addPairs notifies once
+/// for each pair. setKeyValue and its typed forms change keys, which notify, not the list.
 ///
 /// The arrays belong to their other holders too, who may change them behind the list's back: pairs
 /// exist up to the end of the shorter one.
 ///
-/// "By identity" looks for the very object, "by value" for equal contents (KEL::equalsValue). A
-/// null argument is never an error: the operation does nothing and answers null, false or -1. What
-/// is not found throws a KELNoSuchElementException and changes nothing: "Key not found in list."
-/// (a key by identity), "Item not found in list." (an item by identity) or "Key value not found in
-/// list." (a key by value). A bad index throws KELArrayIndexOutOfBoundsException "Array index out
-/// of bounds.".
+/// "By identity" looks for the identity (KEL::equals): the very object, or another one that was
+/// given the same. "By value" looks for equal contents (KEL::equalsValue). A null argument is never
+/// an error: the operation does nothing and answers null, false or -1; only a null text that
+/// becomes a key or an item is an empty one, where the comment says so. Values that the library did
+/// not make are treated as null where one would be stored, and are never found by identity.
+///
+/// What is not found throws a KELNoSuchElementException and changes nothing: "Key not found in
+/// list." (a key by identity), "Item not found in list." (an item by identity) or "Key value not
+/// found in list." (a key by value). A bad index throws KELArrayIndexOutOfBoundsException "Array
+/// index out of bounds.".
 class KELInterface_IndexList_V1 {
 public:
     KEL_SLOTS(
@@ -131,7 +138,7 @@ public:
     virtual int32_t addItemBoolean(KEL* key, bool value) = 0;
 
     /// Appends the pair of a new String key and a new String with this text (empty for null);
-    /// returns its index.
+    /// returns its index. A null key adds nothing here and below: -1.
     virtual int32_t addNamedString(const char* key, const char* text) = 0;
     /// Appends the pair of a new String key and a new guid; returns its index.
     virtual int32_t addNamedguid(const char* key, const JHashCode& value) = 0;
@@ -198,14 +205,16 @@ protected:
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList();
 
 /// A new list over the given array of items, which it shares. The keys are new Strings with the
-/// items' text forms (empty for an item without one). A null array gives an empty list.
+/// items' text forms (empty for an item without one). A null array gives an empty list. Null for an
+/// array that the library did not make, and when out of memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* items);
 
-/// A new list over both given arrays, which it shares. Null when one is null, when their counts
-/// differ, and when out of memory.
+/// A new list over both given arrays, which it shares. Null when one is null or not made by the
+/// library, when their counts differ, and when out of memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* keys, KEL_Array* items);
 
 /// A new list of a struct's variables in the order of their names: the keys are new Strings with
 /// the names, the items the values themselves. A variable that holds null gives no pair. A null
-/// struct gives an empty list.
+/// struct gives an empty list. Null for a struct that the library did not make, and when out of
+/// memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Struct* variables);

@@ -19,9 +19,11 @@ public:
     virtual KEL_Int* setBoolean(bool value) = 0;
     /// The value itself. Returns this value, borrowed.
     virtual KEL_Int* setInt(int32_t value) = 0;
-    /// Truncated toward zero through 64 bits, low 32 bits; 0 for what does not fit. Returns this value, borrowed.
+    /// Truncated toward zero through 64 bits, low 32 bits; 0 for what does not fit. Returns this
+    /// value, borrowed.
     virtual KEL_Int* setDouble(double value) = 0;
-    /// The leading decimal integer, saturated; 0 for none. Null is ignored. Returns this value, borrowed.
+    /// The leading decimal integer, saturated; 0 for none. Null is ignored. Returns this value,
+    /// borrowed.
     virtual KEL_Int* setString(const char* text) = 0;
     /// Its intValue. Returns this value, borrowed.
     virtual KEL_Int* setguid(const JHashCode& value) = 0;

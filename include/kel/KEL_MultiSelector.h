@@ -9,8 +9,8 @@
 /// changed and notifies its observers once.
 class KELInterface_MultiSelector_V1 {
 public:
-    /// Adds a key of the list, by identity, to the selection. \return false, without a change, when
-    /// it is no key of the list, and for null; true also when it was selected already
+    /// Adds the list's key with this key's identity to the selection. \return false, without a
+    /// change, when it is no key of the list, and for null; true also when it was selected already
     virtual bool selectKey(KEL* key) = 0;
     /// Adds the key of an item of the list. \return false, without a change, when it is no item of
     /// the list, and for null
@@ -43,13 +43,14 @@ protected:
     ~KELInterface_MultiSelector_V1() = default;
 };
 
-/// A choice of several among the entries of an index list. Kind 11. Two multi-selectors are equal in
-/// value if they share the list and the same keys in the same order; a copy does.
+/// A choice of several among the entries of an index list. Kind 11. Two multi-selectors are equal
+/// in value if they share the list and the same keys in the same order; a copy does.
 class KEL_MultiSelector : public virtual KEL, public virtual KELInterface_MultiSelector_V1 {
 protected:
     ~KEL_MultiSelector() = default;
 };
 
 /// A new multi-selector over the list, which it shares, or over a new empty list for null. Nothing
-/// is selected. Count 1, owned by the caller; null when out of memory.
+/// is selected. Count 1, owned by the caller; null for a list that the library did not make, and
+/// when out of memory.
 KEL_API KEL_MultiSelector* KEL_CALL CreateKELMultiSelector(KEL_IndexList* list);

@@ -9,8 +9,8 @@
 /// observers once.
 class KELInterface_Selector_V1 {
 public:
-    /// Selects a key of the list, by identity; null clears the selection. \return false, without a
-    /// change, when it is no key of the list
+    /// Selects the list's key with this key's identity; null clears the selection. \return false,
+    /// without a change, when it is no key of the list
     virtual bool selectKey(KEL* key) = 0;
     /// Selects the key of an item of the list, by identity. \return false, without a change, when
     /// it is no item of the list, and for null
@@ -55,5 +55,6 @@ protected:
 };
 
 /// A new selector over the list, which it shares, or over a new empty list for null. Nothing is
-/// selected. Count 1, owned by the caller; null when out of memory.
+/// selected. Count 1, owned by the caller; null for a list that the library did not make, and when
+/// out of memory.
 KEL_API KEL_Selector* KEL_CALL CreateKELSelector(KEL_IndexList* list);

@@ -14,8 +14,11 @@ class KEL_Struct;
 
 /// Operations of a struct. Names are byte strings, compared byte by byte, never empty and never
 /// with a double quote; variables are always visited in the order of their names. Values are
-/// shared, never copied. A name may hold null. Every successful change except setVar marks the
-/// struct changed and notifies its observers once.
+/// shared, never copied. A name may hold null. Values that the library did not make are ignored.
+///
+/// Every change marks the struct changed and notifies its observers once, but: storing under a name
+/// that is there (addVar, put...) notifies twice, addVars once for each variable, setVar never, and
+/// setVarValue and the typed set... only where the variable held null.
 ///
 /// A null name is never an error: the operation does nothing and answers null or false. "Unknown
 /// to get" below means KELNoSuchElementException "KEL_Struct_Impl. Cannot get variable - unknown
@@ -33,7 +36,8 @@ public:
     /// The variable converted to a Boolean (a Double is true if it truncates to 0). Throws on a
     /// name that is unknown to get; false for a null name.
     virtual bool getBoolean(const char* name) const = 0;
-    /// The variable converted to an Int. Throws on a name that is unknown to get; 0 for a null name.
+    /// The variable converted to an Int. Throws on a name that is unknown to get; 0 for a null
+    /// name.
     virtual int32_t getInt(const char* name) const = 0;
     /// The variable converted to a Double. Throws on a name that is unknown to get; 0.0 for a null
     /// name.
@@ -70,8 +74,8 @@ public:
     /// does nothing.
     /// \throws KELRenameException "KEL_Struct key can't contain a \""
     virtual void addVar(const char* name, KEL* value) = 0;
-    /// Adds, sharing their values, the variables of other whose names are missing here. Null is
-    /// ignored. \return 0, or -1 for null
+    /// Adds, sharing their values, the variables of other whose names are missing here; one
+    /// notification for each. Null is ignored. \return 0, or -1 for null
     virtual int32_t addVars(KEL_Struct* other) = 0;
     /// Removes the variable. Throws on a name that is unknown to change.
     virtual void removeVar(const char* name) = 0;

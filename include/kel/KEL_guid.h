@@ -21,7 +21,8 @@ public:
     virtual KEL_guid* setInt(int32_t value) = 0;
     /// As an Int from the same number. Returns this value, borrowed.
     virtual KEL_guid* setDouble(double value) = 0;
-    /// The leading decimal integer in the lowest word. Null is ignored. Returns this value, borrowed.
+    /// The leading decimal integer in the lowest word. Null is ignored. Returns this value,
+    /// borrowed.
     virtual KEL_guid* setString(const char* text) = 0;
     /// The value itself. Returns this value, borrowed.
     virtual KEL_guid* setguid(const JHashCode& value) = 0;

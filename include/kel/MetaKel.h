@@ -40,7 +40,8 @@ protected:
 ///   name that begins with "@" throws KELRenameException "Variable names beginning with '@' are
 ///   reserved.". A value that the variable's descriptor finds invalid is not added; the variable
 ///   is added with null if the descriptor has a default, else not at all.
-/// - setVar: does nothing for a null or invalid value; adds the variable if it is missing; notifies.
+/// - setVar: does nothing for a null or invalid value; adds the variable if it is missing;
+///   notifies.
 /// - setVarValue: does nothing for an invalid value and for a name that is not there.
 /// - getVar: a variable that is missing answers its descriptor's default.
 ///   \throws KELException "Variable not found." for one that is described without a default

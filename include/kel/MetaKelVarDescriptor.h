@@ -5,26 +5,27 @@
 #include <kel/KEL_Array.h>
 #include <kel/KEL_Struct.h>
 
-/// Operations of a variable descriptor. A descriptor is a struct; its properties are variables under
-/// fixed names, so every struct operation applies to them too:
+/// Operations of a variable descriptor. A descriptor is a struct; its properties are variables
+/// under fixed names, so every struct operation applies to them too:
 ///
 /// | name | holds | meaning | when absent |
 /// | --- | --- | --- | --- |
 /// | "type" | Int | kind code of the variable | getType answers 0, which fits nothing |
 /// | "default" | a value | default value | no default |
 /// | "enum" | Array | the allowed values: the variable is enumerated | not enumerated |
-/// | "min", "max" | Int or Double | inclusive bounds: with both, the variable is ranged | not ranged |
+/// | "min", "max" | Int or Double | inclusive bounds: both make it ranged | not ranged |
 /// | "preadorn", "postadorn" | String | text to show before and after the value | none |
 /// | "interpolated" | Boolean | the value may be interpolated | true |
 /// | "wrapped" | Boolean | the value wraps around at its bounds | false |
 /// | "stepsize" | Double | step between successive values | 1.0 |
 ///
 /// "type", "interpolated", "wrapped" and "stepsize" are added or replaced by their setters. The
-/// others are only replaced: they come into being when a descriptor is built (MetaKel::createVar...,
-/// or putInt("min", ...) and the like) or by the conversions between range and enumeration.
+/// others are only replaced: they come into being when a descriptor is built
+/// (MetaKel::createVar..., or putInt("min", ...) and the like) or by the conversions between range
+/// and enumeration.
 ///
-/// An "enum" that is no Array allows nothing: inEnum answers false, and what needs the Array throws as
-/// if there were no "enum".
+/// An "enum" that is no Array allows nothing: inEnum answers false, and what needs the Array throws
+/// as if there were no "enum".
 ///
 /// Values are shared, never copied. Failures are KELExceptions: "Not a ranged variable." and "Not
 /// an enumerated variable.". A failed call changes nothing.
@@ -96,7 +97,8 @@ public:
         /// The general form with a new Int.
         virtual void removeEnumValue(int32_t value) = 0;,
         /// Removes the allowed values that are equal in value. The one that moves into a removed
-        /// one's place is passed over, so of two equal neighbours the second stays. Null is ignored.
+        /// one's place is passed over, so of two equal neighbours the second stays. Null is
+        /// ignored.
         /// \throws KELException "Not an enumerated variable."
         virtual void removeEnumValue(const KEL* value) = 0;)
     /// True when there is "default".
@@ -186,8 +188,9 @@ public:
     /// Removes "enum" if it is there.
     /// \throws KELException "Can only remove enumeration list from a KEL_String"
     virtual void removeEnumerationList() = 0;
-    /// Turns an enumerated Double into a ranged one: the least and the greatest allowed value become
-    /// the bounds, and all finite doubles for an empty list. Does nothing to any other variable.
+    /// Turns an enumerated Double into a ranged one: the least and the greatest allowed value
+    /// become the bounds, and all finite doubles for an empty list. Does nothing to any other
+    /// variable.
     virtual void rangeFromEnumeration() = 0;
     /// Turns a ranged Double into an enumerated one that allows min, the default if there is one,
     /// extra if it is not null, and max. Does nothing to any other variable.
@@ -200,8 +203,8 @@ protected:
 };
 
 /// A description of one variable. Kind 52. Observers are told once of every call that changes a
-/// property, setVar included; they are not told of changes inside the array of allowed values, which
-/// has observers of its own.
+/// property, setVar included; they are not told of changes inside the array of allowed values,
+/// which has observers of its own.
 class MetaKelVarDescriptor : public virtual KEL_Struct,
                              public virtual MetaKelVarDescriptorInterface_V1 {
 public:

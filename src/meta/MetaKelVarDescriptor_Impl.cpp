@@ -62,7 +62,9 @@ int32_t MetaKelVarDescriptor_Impl::variableType() const {
     return kel::convertToInt(property("type"));
 }
 
-int32_t MetaKelVarDescriptor_Impl::getType() { return variableType(); }
+int32_t MetaKelVarDescriptor_Impl::getType() {
+    return variableType();
+}
 
 void MetaKelVarDescriptor_Impl::setType(int32_t kind) {
     putProperty("type", new KEL_Int_Impl(kind));
@@ -81,7 +83,7 @@ bool MetaKelVarDescriptor_Impl::isValid(const KEL* value) const {
 }
 
 void MetaKelVarDescriptor_Impl::setRange(KEL* min, KEL* max) {
-    if (min == nullptr || max == nullptr) {
+    if (KEL_Impl::of(min) == nullptr || KEL_Impl::of(max) == nullptr) {
         return;
     }
     requireRange();
@@ -152,7 +154,9 @@ KEL_Array_Impl& MetaKelVarDescriptor_Impl::allowedValues() const {
     return *array;
 }
 
-KEL_Array* MetaKelVarDescriptor_Impl::getEnum() const { return &allowedValues(); }
+KEL_Array* MetaKelVarDescriptor_Impl::getEnum() const {
+    return &allowedValues();
+}
 
 bool MetaKelVarDescriptor_Impl::inEnum(bool value) const {
     return inEnum(temporary<KEL_Boolean_Impl>(value).get());

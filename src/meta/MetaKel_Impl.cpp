@@ -1,6 +1,7 @@
 #include "meta/MetaKel_Impl.h"
 
 #include "values/KELException_Impl.h"
+#include "values/Reference.h"
 
 namespace {
 
@@ -65,7 +66,7 @@ void MetaKel_Impl::clearVar(const char* name) {
 }
 
 void MetaKel_Impl::addVar(const char* name, KEL* value) {
-    if (name == nullptr || *name == '\0' || value == nullptr) {
+    if (name == nullptr || *name == '\0' || value == nullptr || isForeign(value)) {
         return;
     }
     if (*name == '@') {
@@ -137,6 +138,7 @@ void MetaKel_Impl::createVar(const char* name, KEL* value, MetaKelVarDescriptor*
     if (*name == '@') {
         throw new KELRenameException_Impl("Variable names beginning with '@' are reserved.");
     }
+    const auto held = kel::keepAlive(value); // the observers of the descriptor come before it
     notifyOnce([&] {
         JPointer<MetaKelDescriptor_Impl> inUse =
             JPointer<MetaKelDescriptor_Impl>::share(descriptor());

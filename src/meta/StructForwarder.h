@@ -22,24 +22,12 @@ public:
 
     // KELInterface_Struct_V1
     using Public::getVar;
-    KEL* getVar(const char* name) override {
-        return inner_->getVar(name);
-    }
-    KEL* getVar(const char* name) const override {
-        return std::as_const(*inner_).getVar(name);
-    }
-    bool getBoolean(const char* name) const override {
-        return inner_->getBoolean(name);
-    }
-    int32_t getInt(const char* name) const override {
-        return inner_->getInt(name);
-    }
-    double getDouble(const char* name) const override {
-        return inner_->getDouble(name);
-    }
-    KEL_String* getString(const char* name) const override {
-        return inner_->getString(name);
-    }
+    KEL* getVar(const char* name) override { return inner_->getVar(name); }
+    KEL* getVar(const char* name) const override { return std::as_const(*inner_).getVar(name); }
+    bool getBoolean(const char* name) const override { return inner_->getBoolean(name); }
+    int32_t getInt(const char* name) const override { return inner_->getInt(name); }
+    double getDouble(const char* name) const override { return inner_->getDouble(name); }
+    KEL_String* getString(const char* name) const override { return inner_->getString(name); }
     JHashCode& getguid(const char* name, JHashCode& out) const override {
         return inner_->getguid(name, out);
     }
@@ -79,7 +67,7 @@ public:
     void setVar(const char* name, KEL* value) override {
         notifyOnce([&] {
             inner_->setVar(name, value);
-            if (name != nullptr) {
+            if (name != nullptr && !isForeign(value)) {
                 markInnerChanged();
             }
         });
@@ -111,18 +99,12 @@ public:
     void setVarValue(const char* name, KEL* value) override {
         notifyOnce([&] { inner_->setVarValue(name, value); });
     }
-    bool containsVar(const char* name) const override {
-        return inner_->containsVar(name);
-    }
-    StringEnumeration* getVarNames() const override {
-        return inner_->getVarNames();
-    }
+    bool containsVar(const char* name) const override { return inner_->containsVar(name); }
+    StringEnumeration* getVarNames() const override { return inner_->getVarNames(); }
     void removeAllVars() override {
         notifyOnce([&] { inner_->removeAllVars(); });
     }
-    int32_t getCount() const override {
-        return inner_->getCount();
-    }
+    int32_t getCount() const override { return inner_->getCount(); }
     void renameVar(const char* oldName, const char* newName) override {
         notifyOnce([&] { inner_->renameVar(oldName, newName); });
     }
@@ -147,9 +129,8 @@ protected:
     /// text gives a descriptor is that of the value, however it is read.
     explicit StructForwarder(const JHashCode& innerIdentity)
         : inner_(new KEL_Struct_Impl(innerIdentity)),
-          relay_(new InnerObserver([](void* self) {
-                     static_cast<StructForwarder*>(self)->innerChanged();
-                 }, this)) {
+          relay_(new InnerObserver(
+              [](void* self) { static_cast<StructForwarder*>(self)->innerChanged(); }, this)) {
         inner_->addObserver(relay_.get());
     }
 

@@ -15,8 +15,8 @@ void JObservable::deleteObserver(JObserver* observer) {
     }
 }
 
-int32_t JObservable::indexOfObserver(const JObserver* observer) const {
-    return observers_.isNull() ? 0 : observers_->indexOf(observer);
+bool JObservable::containsObserver(const JObserver* observer) const {
+    return observers_.isValid() && observers_->contains(observer);
 }
 
 void JObservable::notifyObservers() {
@@ -32,7 +32,9 @@ void JObservable::notifyObservers() {
     clearChanged();
 }
 
-void JObservable::deleteObservers() { observers_.clear(); }
+void JObservable::deleteObservers() {
+    observers_.clear();
+}
 
 int32_t JObservable::countObservers() const {
     return observers_.isNull() ? 0 : observers_->size();

@@ -21,8 +21,8 @@ public:
     /// Takes observer off if it is registered.
     virtual void deleteObserver(JObserver* observer);
 
-    /// The index of observer in the list, -1 when it is not there; 0 when there is no list.
-    virtual int32_t indexOfObserver(const JObserver* observer) const;
+    /// True when observer is registered; false for null.
+    virtual bool containsObserver(const JObserver* observer) const;
 
     /// Calls every observer if the changed flag is set, then clears the flag. Without a list
     /// nothing happens and the flag stays. The list is read anew at every step, so an observer

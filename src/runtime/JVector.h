@@ -22,8 +22,8 @@ public:
     /// Room for capacity elements; an increment of 0 doubles the room when it runs out.
     /// \throws JOutOfMemoryException "JVector constructor failed."
     JVector(int32_t capacity, int32_t capacityIncrement)
-        : elements_(allocateElements(capacity, "JVector constructor failed.")),
-          capacity_(capacity), capacityIncrement_(capacityIncrement), allocated_(capacity) {}
+        : elements_(allocateElements(capacity, "JVector constructor failed.")), capacity_(capacity),
+          capacityIncrement_(capacityIncrement), allocated_(capacity) {}
 
     /// Shares the other vector's elements; same capacity and increment.
     /// \throws JOutOfMemoryException "JVector constructor failed."
@@ -184,7 +184,7 @@ public:
         if (object == nullptr) {
             return;
         }
-        makeRoom();
+        makeRoom(1);
         const auto behind = static_cast<size_t>(size_ - index);
         std::memmove(elements_ + index + 1, elements_ + index, behind * sizeof(T*));
         retain(object);
@@ -198,7 +198,7 @@ public:
         if (object == nullptr) {
             return;
         }
-        makeRoom();
+        makeRoom(1);
         retain(object);
         elements_[size_++] = object;
     }
@@ -231,20 +231,36 @@ public:
 
     /// addElement for an object whose one reference the vector takes over; never null.
     void adoptElement(T* object) {
-        makeRoom();
+        makeRoom(1);
         elements_[size_++] = object;
     }
 
-private:
-    /// A walk that holds its vector. Nested so that it stays the vector's own business.
+    /// Makes room for so many more elements: storing them then needs no memory.
+    /// \throws JOutOfMemoryException "JVector::setSize() failed."
+    void makeRoom(int32_t more) {
+        if (more <= capacity_ - size_) {
+            return;
+        }
+        if (more > INT32_MAX - size_) {
+            throw JOutOfMemoryException("JVector::setSize() failed.");
+        }
+        ensureCapacity(size_ + more);
+    }
+
+    /// A walk that holds its vector, from the first element on. Without a vector it has nothing.
     class JVectorEnumerator : public JEnumeration {
     public:
+        /// Over vector, which it shares, or over null.
         explicit JVectorEnumerator(JVector* vector) : vector_(JPointer<JVector>::share(vector)) {}
 
         bool hasMoreElements() const override {
             return vector_.isValid() && cursor_ < vector_->size();
         }
 
+        /// The next element with one reference for the caller.
+        /// \throws JNoSuchElementException "Enumeration is empty." as a pointer, without a vector
+        /// \throws JArrayIndexOutOfBoundsException "JVector::elementAtRef: index is invalid" past
+        ///         the last element
         JObject* nextElement() const override {
             if (vector_.isNull()) {
                 throw new JNoSuchElementException("Enumeration is empty.");
@@ -257,6 +273,7 @@ private:
         mutable int32_t cursor_ = 0;
     };
 
+private:
     static T** tryAllocate(int32_t count) {
         return static_cast<T**>(
             kel::platform::allocateZeroed(static_cast<size_t>(count), sizeof(T*)));
@@ -297,16 +314,6 @@ private:
         if (index < 0 || index >= limit) {
             throw JArrayIndexOutOfBoundsException(failure);
         }
-    }
-
-    void makeRoom() {
-        if (size_ < capacity_) {
-            return;
-        }
-        if (size_ == INT32_MAX) {
-            throw JOutOfMemoryException("JVector::setSize() failed.");
-        }
-        ensureCapacity(size_ + 1);
     }
 
     static void retain(T* object) { static_cast<JObject*>(object)->addRef(); }

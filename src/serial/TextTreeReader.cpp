@@ -17,7 +17,9 @@ namespace kel {
 
 namespace {
 
-bool holdsNul(std::string_view text) { return text.find('\0') != std::string_view::npos; }
+bool holdsNul(std::string_view text) {
+    return text.find('\0') != std::string_view::npos;
+}
 
 } // namespace
 
@@ -101,8 +103,7 @@ void TextTreeReader::nextArray() {
     } else if (list.items.isNull() || list.keys->getCount() != list.items->getCount()) {
         source_.syntaxError();
     } else {
-        list.container->adoptCopiedChild({}, JPointer<KEL_Impl>::share(list.keys.get()));
-        list.container->adoptCopiedChild({}, JPointer<KEL_Impl>::share(list.items.get()));
+        dynamic_cast<KEL_IndexList_Impl&>(*list.container).useArrays(list.keys, list.items);
         close();
     }
 }
@@ -281,8 +282,8 @@ void TextTreeReader::refer() {
 // ---- Containers begin and end ------------------------------------------------------------------
 
 void TextTreeReader::openArray() {
-    open(KELKind_Array, JPointer<KEL_Impl>(identity_ ? new KEL_Array_Impl(*identity_)
-                                                     : new KEL_Array_Impl()));
+    open(KELKind_Array,
+         JPointer<KEL_Impl>(identity_ ? new KEL_Array_Impl(*identity_) : new KEL_Array_Impl()));
 }
 
 /// Reads the header, which stands on the line of the brace.
@@ -359,8 +360,8 @@ void TextTreeReader::openIndexList() {
 }
 
 void TextTreeReader::openManager() {
-    open(KELKind_Manager, JPointer<KEL_Impl>(identity_ ? new KEL_Manager_Impl(*identity_)
-                                                       : new KEL_Manager_Impl()));
+    open(KELKind_Manager,
+         JPointer<KEL_Impl>(identity_ ? new KEL_Manager_Impl(*identity_) : new KEL_Manager_Impl()));
 }
 
 void TextTreeReader::open(int32_t kind, JPointer<KEL_Impl>&& container) {
@@ -380,8 +381,7 @@ void TextTreeReader::close() {
 
 template <class T, class... Arguments>
 void TextTreeReader::completeNew(const Arguments&... arguments) {
-    complete(JPointer<KEL_Impl>(identity_ ? new T(*identity_, arguments...)
-                                          : new T(arguments...)));
+    complete(JPointer<KEL_Impl>(identity_ ? new T(*identity_, arguments...) : new T(arguments...)));
 }
 
 void TextTreeReader::complete(JPointer<KEL_Impl>&& value) {

@@ -25,10 +25,10 @@ struct ChildCursor {
     bool next() { return container->nextChild(*this); }
 
     const KEL_Impl* container;
-    int32_t index = -1;                  ///< the child's place, from 0
+    int32_t index = -1;                   ///< the child's place, from 0
     VariableMap::const_iterator variable; ///< a struct's own place
-    std::string_view name;               ///< a variable's name, empty elsewhere
-    KEL_Impl* value = nullptr;           ///< the child, borrowed; null for a null variable
+    std::string_view name;                ///< a variable's, "keys" or "items" of a list, else empty
+    KEL_Impl* value = nullptr;            ///< the child, borrowed; null for a null variable
 };
 
 } // namespace kel

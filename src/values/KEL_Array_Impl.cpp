@@ -8,6 +8,7 @@
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
+#include "values/Reference.h"
 #include "values/TreeWalk.h"
 
 #include <utility>
@@ -35,7 +36,9 @@ bool KEL_Array_Impl::getBoolean(int32_t index) const {
     return kel::convertToBoolean(elementAt(index));
 }
 
-int32_t KEL_Array_Impl::getInt(int32_t index) const { return kel::convertToInt(elementAt(index)); }
+int32_t KEL_Array_Impl::getInt(int32_t index) const {
+    return kel::convertToInt(elementAt(index));
+}
 
 double KEL_Array_Impl::getDouble(int32_t index) const {
     return kel::convertToDouble(elementAt(index));
@@ -51,10 +54,14 @@ JHashCode& KEL_Array_Impl::getguid(int32_t index, JHashCode& out) const {
 
 void KEL_Array_Impl::insertVar(KEL* value, int32_t index) {
     KEL_Impl* element = KEL_Impl::of(value);
-    withIndexError(badIndex, [&] { elements_->insertElementAt(element, index); });
+    insertQuietly(element, index);
     if (element != nullptr) {
         notifyChanged();
     }
+}
+
+void KEL_Array_Impl::insertQuietly(KEL_Impl* element, int32_t index) {
+    withIndexError(badIndex, [&] { elements_->insertElementAt(element, index); });
 }
 
 void KEL_Array_Impl::setVar(KEL* value, int32_t index) {
@@ -99,13 +106,17 @@ void KEL_Array_Impl::setVarValue(int32_t index, const KEL* value) {
 }
 
 void KEL_Array_Impl::swapVars(int32_t a, int32_t b) {
+    swapQuietly(a, b);
+    notifyChanged();
+}
+
+void KEL_Array_Impl::swapQuietly(int32_t a, int32_t b) {
     withIndexError("KEL_Array_Impl::swapVars failed. No element at specified index.", [&] {
         const JPointer<KEL_Impl> first(elements_->elementAt(a));
         const JPointer<KEL_Impl> second(elements_->elementAt(b));
         elements_->setElementAt(second.get(), a);
         elements_->setElementAt(first.get(), b);
     });
-    notifyChanged();
 }
 
 int32_t KEL_Array_Impl::addMade(KEL_Impl* value) {
@@ -113,15 +124,25 @@ int32_t KEL_Array_Impl::addMade(KEL_Impl* value) {
     return append(value);
 }
 
-int32_t KEL_Array_Impl::addString(const char* text) { return addMade(new KEL_String_Impl(text)); }
+int32_t KEL_Array_Impl::addString(const char* text) {
+    return addMade(new KEL_String_Impl(text));
+}
 
-int32_t KEL_Array_Impl::addguid(const JHashCode& value) { return addMade(new KEL_guid_Impl(value)); }
+int32_t KEL_Array_Impl::addguid(const JHashCode& value) {
+    return addMade(new KEL_guid_Impl(value));
+}
 
-int32_t KEL_Array_Impl::addDouble(double value) { return addMade(new KEL_Double_Impl(value)); }
+int32_t KEL_Array_Impl::addDouble(double value) {
+    return addMade(new KEL_Double_Impl(value));
+}
 
-int32_t KEL_Array_Impl::addInt(int32_t value) { return addMade(new KEL_Int_Impl(value)); }
+int32_t KEL_Array_Impl::addInt(int32_t value) {
+    return addMade(new KEL_Int_Impl(value));
+}
 
-int32_t KEL_Array_Impl::addBoolean(bool value) { return addMade(new KEL_Boolean_Impl(value)); }
+int32_t KEL_Array_Impl::addBoolean(bool value) {
+    return addMade(new KEL_Boolean_Impl(value));
+}
 
 int32_t KEL_Array_Impl::addVar(KEL* value) {
     KEL_Impl* element = KEL_Impl::of(value);
@@ -139,7 +160,8 @@ int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
     if (other == nullptr) {
         return -1;
     }
-    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // an observer may release it
+    const auto self = kel::keepAlive(this);
+    const auto held = kel::keepAlive(other);
     for (int32_t i = 0; i < other->getCount(); ++i) {
         KEL* value = other->getVar(i);
         if (!containsVar(value)) {
@@ -150,9 +172,13 @@ int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
 }
 
 void KEL_Array_Impl::removeVar(int32_t index) {
+    removeQuietly(index);
+    notifyChanged();
+}
+
+void KEL_Array_Impl::removeQuietly(int32_t index) {
     withIndexError("KEL_Array::removeVar failed. No element at specified index.",
                    [&] { elements_->removeElementAt(index); });
-    notifyChanged();
 }
 
 bool KEL_Array_Impl::containsVar(const KEL* value) const {
@@ -164,7 +190,7 @@ int32_t KEL_Array_Impl::indexOfVar(const KEL* value) const {
 }
 
 void KEL_Array_Impl::removeAllVars() {
-    elements_->removeAllElements();
+    removeAllQuietly();
     notifyChanged();
 }
 

@@ -65,6 +65,22 @@ public:
         value.detach();
     }
 
+    // Changes that notify nobody: for who changes more than this array and tells of it when all is
+    // done. A bad index throws as in the operation that notifies.
+
+    /// insertVar; null changes nothing.
+    void insertQuietly(KEL_Impl* element, int32_t index);
+    /// removeVar.
+    void removeQuietly(int32_t index);
+    /// swapVars.
+    void swapQuietly(int32_t a, int32_t b);
+    /// removeAllVars.
+    void removeAllQuietly() { elements_->removeAllElements(); }
+
+    /// Makes room for so many more elements: storing them then needs no memory.
+    /// \throws JOutOfMemoryException "JVector::setSize() failed."
+    void makeRoom(int32_t more) { elements_->makeRoom(more); }
+
     // KEL_Impl
     bool isContainer() const override { return true; }
     bool copiesChildren() const override { return true; }

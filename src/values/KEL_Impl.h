@@ -27,6 +27,9 @@ public:
     static KEL_Impl* of(KEL* value);
     static const KEL_Impl* of(const KEL* value);
 
+    /// True for a host's own implementation, which no container stores; false for null.
+    static bool isForeign(const KEL* value) { return value != nullptr && of(value) == nullptr; }
+
     /// Storage for a value. \throws std::bad_alloc
     static void* operator new(std::size_t size);
     static void operator delete(void* storage) noexcept;

@@ -3,11 +3,8 @@
 #include "values/ChildCursor.h"
 #include "values/Conversions.h"
 #include "values/KELException_Impl.h"
-#include "values/KEL_Boolean_Impl.h"
-#include "values/KEL_Double_Impl.h"
-#include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
-#include "values/KEL_guid_Impl.h"
+#include "values/Reference.h"
 #include "values/TreeWalk.h"
 
 #include <algorithm>
@@ -15,14 +12,24 @@
 
 namespace {
 
+constexpr std::string_view keysName = "keys"; // tells a copied child from the items
+
 constexpr const char* keyNotFound = "Key not found in list.";
 constexpr const char* itemNotFound = "Item not found in list.";
 constexpr const char* keyValueNotFound = "Key value not found in list.";
 
-/// A reference to a value that the operation itself, or an observer of one of the arrays, may set
-/// free meanwhile: an argument, or the list.
-JPointer<KEL_Impl> hold(const KEL* value) {
-    return JPointer<KEL_Impl>::share(const_cast<KEL_Impl*>(KEL_Impl::of(value)));
+/// The text that is the key of an item. Null is lack of memory only: what has no text form has the
+/// empty one.
+JPointer<KEL_Impl> keyFor(const KEL_Impl& item) {
+    if (!kel::hasScalarForm(item)) {
+        return JPointer<KEL_Impl>(new KEL_String_Impl(""));
+    }
+    KEL_String* text = kel::convertToString(&item);
+    const JPointer<KEL_Impl> held(KEL_Impl::of(text));
+    if (text == nullptr) {
+        throw std::bad_alloc();
+    }
+    return JPointer<KEL_Impl>(new KEL_String_Impl(text->getValue())); // the item may be the text
 }
 
 } // namespace
@@ -30,9 +37,7 @@ JPointer<KEL_Impl> hold(const KEL* value) {
 KEL_IndexList_Impl* KEL_IndexList_Impl::ofItems(KEL_Array_Impl& items) {
     const JPointer<KEL_Array_Impl> keys = makeArray();
     for (int32_t i = 0; i < items.getCount(); ++i) {
-        KEL_String* text = items.getString(i);
-        const JPointer<KEL_Impl> held(KEL_Impl::of(text));
-        keys->addString(text == nullptr ? "" : text->getValue());
+        keys->adoptElement(keyFor(*items.elementAt(i)));
     }
     return new KEL_IndexList_Impl(keys, JPointer<KEL_Array_Impl>::share(&items));
 }
@@ -65,6 +70,27 @@ void KEL_IndexList_Impl::checkIndex(int32_t index) const {
     if (index < 0 || index >= getCount()) {
         throw new KELArrayIndexOutOfBoundsException_Impl("Array index out of bounds.");
     }
+}
+
+void KEL_IndexList_Impl::notifyBoth() {
+    // Held: an observer may let go of the list or give it other arrays.
+    const auto self = kel::keepAlive(this);
+    const JPointer<KEL_Array_Impl> keys = keys_;
+    const JPointer<KEL_Array_Impl> items = items_;
+    keys->notifyChanged();
+    if (items.get() != keys.get()) {
+        items->notifyChanged();
+    }
+    notifyChanged();
+}
+
+template <class Change> void KEL_IndexList_Impl::changeBoth(const Change& change) {
+    const auto self = kel::keepAlive(this); // what goes may be its last holder
+    change(*keys_);
+    if (items_.get() != keys_.get()) {
+        change(*items_);
+    }
+    notifyBoth();
 }
 
 // ---- Looking up --------------------------------------------------------------------------------
@@ -123,19 +149,9 @@ KEL* KEL_IndexList_Impl::getItemAt(int32_t index) const {
 
 // ---- Removing ----------------------------------------------------------------------------------
 
-void KEL_IndexList_Impl::erase(int32_t index) {
-    // An observer of the keys may change the items before their turn, and both may be one array.
-    keys_->removeVar(index);
-    if (items_.get() != keys_.get() && index < items_->getCount()) {
-        items_->removeVar(index);
-    }
-}
-
 void KEL_IndexList_Impl::removePair(int32_t index) {
     checkIndex(index);
-    const JPointer<KEL_Impl> self = hold(this);
-    erase(index);
-    notifyChanged();
+    changeBoth([index](KEL_Array_Impl& array) { array.removeQuietly(index); });
 }
 
 void KEL_IndexList_Impl::removeKey(const KEL* key) {
@@ -154,53 +170,52 @@ void KEL_IndexList_Impl::removeKeyValue(const KEL* keyValue) {
     if (keyValue == nullptr) {
         return;
     }
-    const JPointer<KEL_Impl> self = hold(this);
-    const JPointer<KEL_Impl> held = hold(keyValue); // it may be one of the keys
-    bool removed = false;
+    // All are found before the first goes: comparing may fail for lack of memory.
+    std::vector<int32_t> matches;
     for (int32_t i = 0; i < getCount(); ++i) {
         if (keyValue->equalsValue(keys_->elementAt(i))) {
-            erase(i);
-            removed = true;
+            matches.push_back(i++); // the one behind it is passed over
         }
     }
-    found(removed ? 0 : -1, keyValueNotFound);
-    notifyChanged();
+    found(matches.empty() ? -1 : 0, keyValueNotFound);
+    changeBoth([&matches](KEL_Array_Impl& array) {
+        for (auto index = matches.rbegin(); index != matches.rend(); ++index) {
+            array.removeQuietly(*index);
+        }
+    });
 }
 
 void KEL_IndexList_Impl::removeAllPairs() {
-    const JPointer<KEL_Impl> self = hold(this);
-    keys_->removeAllVars();
-    items_->removeAllVars();
-    notifyChanged();
+    changeBoth([](KEL_Array_Impl& array) { array.removeAllQuietly(); });
 }
 
 // ---- Replacing ---------------------------------------------------------------------------------
 
 void KEL_IndexList_Impl::setItemAt(int32_t index, KEL* newItem) {
     checkIndex(index);
-    if (newItem != nullptr) {
-        const JPointer<KEL_Impl> self = hold(this);
+    if (KEL_Impl::of(newItem) != nullptr) {
+        const auto self = kel::keepAlive(this);
         items_->setVar(newItem, index);
         notifyChanged();
     }
 }
 
 void KEL_IndexList_Impl::setItemOfKey(const KEL* key, KEL* newItem) {
-    if (key != nullptr && newItem != nullptr) {
+    if (key != nullptr && KEL_Impl::of(newItem) != nullptr) {
         setItemAt(found(indexOfKey(key), keyNotFound), newItem);
     }
 }
 
 void KEL_IndexList_Impl::setItemOfKeyValue(const KEL* keyValue, KEL* newItem) {
-    if (keyValue != nullptr && newItem != nullptr) {
+    if (keyValue != nullptr && KEL_Impl::of(newItem) != nullptr) {
         setItemAt(found(indexOfKeyValue(keyValue), keyValueNotFound), newItem);
     }
 }
 
 void KEL_IndexList_Impl::setKeyOfItem(const KEL* item, KEL* newKey) {
-    if (item != nullptr && newKey != nullptr) {
+    if (item != nullptr && KEL_Impl::of(newKey) != nullptr) {
         const int32_t index = found(indexOfItem(item), itemNotFound);
-        const JPointer<KEL_Impl> self = hold(this);
+        const auto self = kel::keepAlive(this);
         keys_->setVar(newKey, index);
         notifyChanged();
     }
@@ -224,48 +239,16 @@ void KEL_IndexList_Impl::setKeyValue(const KEL* keyValue, const KEL* newValue) {
         }
     }
     found(matches.empty() ? -1 : 0, keyValueNotFound);
-    const JPointer<KEL_Impl> held = hold(newValue);
+    const auto held = kel::keepAlive(newValue);
     for (const JPointer<KEL_Impl>& key : matches) {
         key->assign(newValue);
     }
 }
 
-void KEL_IndexList_Impl::setMadeKey(const KEL* keyValue, KEL_Impl* newValue) {
-    const JPointer<KEL_Impl> made(newValue);
-    setKeyValue(keyValue, made.get());
-}
-
-void KEL_IndexList_Impl::setKeyString(const KEL* keyValue, const char* text) {
-    if (text != nullptr) {
-        setMadeKey(keyValue, new KEL_String_Impl(text));
-    }
-}
-
-void KEL_IndexList_Impl::setKeyguid(const KEL* keyValue, const JHashCode& value) {
-    setMadeKey(keyValue, new KEL_guid_Impl(value));
-}
-
-void KEL_IndexList_Impl::setKeyDouble(const KEL* keyValue, double value) {
-    setMadeKey(keyValue, new KEL_Double_Impl(value));
-}
-
-void KEL_IndexList_Impl::setKeyInt(const KEL* keyValue, int32_t value) {
-    setMadeKey(keyValue, new KEL_Int_Impl(value));
-}
-
-void KEL_IndexList_Impl::setKeyBoolean(const KEL* keyValue, bool value) {
-    setMadeKey(keyValue, new KEL_Boolean_Impl(value));
-}
-
 void KEL_IndexList_Impl::swapPairs(int32_t a, int32_t b) {
     checkIndex(a);
     checkIndex(b);
-    const JPointer<KEL_Impl> self = hold(this);
-    keys_->swapVars(a, b);
-    if (items_.get() != keys_.get() && std::max(a, b) < items_->getCount()) {
-        items_->swapVars(a, b);
-    }
-    notifyChanged();
+    changeBoth([a, b](KEL_Array_Impl& array) { array.swapQuietly(a, b); });
 }
 
 // ---- Adding ------------------------------------------------------------------------------------
@@ -283,23 +266,26 @@ void KEL_IndexList_Impl::insertPair(KEL* key, KEL* item, int32_t index) {
     if (index < 0 || index > getCount()) {
         throw new KELArrayIndexOutOfBoundsException_Impl("Array index out of bounds.");
     }
-    if (KEL_Impl::of(key) == nullptr || KEL_Impl::of(item) == nullptr) {
+    KEL_Impl* newKey = KEL_Impl::of(key);
+    KEL_Impl* newItem = KEL_Impl::of(item);
+    if (newKey == nullptr || newItem == nullptr) {
         return;
     }
-    // An observer of the keys may let go of the list and of the item before the item's turn.
-    const JPointer<KEL_Impl> self = hold(this);
-    const JPointer<KEL_Impl> held = hold(item);
-    keys_->insertVar(key, index);
-    items_->insertVar(item, std::min(index, items_->getCount()));
-    notifyChanged();
+    // Room first: then the second half cannot fail once the first is in. One array takes both.
+    const int32_t more = keys_.get() == items_.get() ? 2 : 1;
+    keys_->makeRoom(more);
+    items_->makeRoom(more);
+    keys_->insertQuietly(newKey, index);
+    items_->insertQuietly(newItem, index);
+    notifyBoth();
 }
 
 int32_t KEL_IndexList_Impl::addPairs(KEL_IndexList* other) {
     if (other == nullptr) {
         return -1;
     }
-    const JPointer<KEL_Impl> self = hold(this);
-    const JPointer<KEL_Impl> held = hold(other);
+    const auto self = kel::keepAlive(this);
+    const auto held = kel::keepAlive(other);
     for (int32_t i = 0; i < other->getCount(); ++i) {
         KEL* key = other->getKeyAt(i);
         if (!containsKey(key)) {
@@ -309,89 +295,16 @@ int32_t KEL_IndexList_Impl::addPairs(KEL_IndexList* other) {
     return 0;
 }
 
-int32_t KEL_IndexList_Impl::addMadeKey(KEL_Impl* key, KEL* item) {
-    const JPointer<KEL_Impl> made(key);
-    return addPair(made.get(), item);
-}
-
-int32_t KEL_IndexList_Impl::addMadeItem(KEL* key, KEL_Impl* item) {
-    const JPointer<KEL_Impl> made(item);
-    return addPair(key, made.get());
-}
-
-int32_t KEL_IndexList_Impl::addNamed(const char* key, KEL_Impl* item) {
-    const JPointer<KEL_Impl> made(item);
-    return key == nullptr ? -1 : addKeyString(key, made.get());
-}
-
-int32_t KEL_IndexList_Impl::addKeyString(const char* text, KEL* item) {
-    return addMadeKey(new KEL_String_Impl(text), item);
-}
-
-int32_t KEL_IndexList_Impl::addKeyguid(const JHashCode& value, KEL* item) {
-    return addMadeKey(new KEL_guid_Impl(value), item);
-}
-
-int32_t KEL_IndexList_Impl::addKeyDouble(double value, KEL* item) {
-    return addMadeKey(new KEL_Double_Impl(value), item);
-}
-
-int32_t KEL_IndexList_Impl::addKeyInt(int32_t value, KEL* item) {
-    return addMadeKey(new KEL_Int_Impl(value), item);
-}
-
-int32_t KEL_IndexList_Impl::addKeyBoolean(bool value, KEL* item) {
-    return addMadeKey(new KEL_Boolean_Impl(value), item);
-}
-
-int32_t KEL_IndexList_Impl::addItemString(KEL* key, const char* text) {
-    return addMadeItem(key, new KEL_String_Impl(text));
-}
-
-int32_t KEL_IndexList_Impl::addItemguid(KEL* key, const JHashCode& value) {
-    return addMadeItem(key, new KEL_guid_Impl(value));
-}
-
-int32_t KEL_IndexList_Impl::addItemDouble(KEL* key, double value) {
-    return addMadeItem(key, new KEL_Double_Impl(value));
-}
-
-int32_t KEL_IndexList_Impl::addItemInt(KEL* key, int32_t value) {
-    return addMadeItem(key, new KEL_Int_Impl(value));
-}
-
-int32_t KEL_IndexList_Impl::addItemBoolean(KEL* key, bool value) {
-    return addMadeItem(key, new KEL_Boolean_Impl(value));
-}
-
-int32_t KEL_IndexList_Impl::addNamedString(const char* key, const char* text) {
-    return addNamed(key, new KEL_String_Impl(text));
-}
-
-int32_t KEL_IndexList_Impl::addNamedguid(const char* key, const JHashCode& value) {
-    return addNamed(key, new KEL_guid_Impl(value));
-}
-
-int32_t KEL_IndexList_Impl::addNamedDouble(const char* key, double value) {
-    return addNamed(key, new KEL_Double_Impl(value));
-}
-
-int32_t KEL_IndexList_Impl::addNamedInt(const char* key, int32_t value) {
-    return addNamed(key, new KEL_Int_Impl(value));
-}
-
-int32_t KEL_IndexList_Impl::addNamedBoolean(const char* key, bool value) {
-    return addNamed(key, new KEL_Boolean_Impl(value));
-}
-
 // ---- Walks -------------------------------------------------------------------------------------
 
 bool KEL_IndexList_Impl::nextChild(kel::ChildCursor& cursor) const {
     switch (++cursor.index) {
     case 0:
+        cursor.name = keysName;
         cursor.value = keys_.get();
         return true;
     case 1:
+        cursor.name = "items";
         cursor.value = items_.get();
         return true;
     default:
@@ -399,10 +312,9 @@ bool KEL_IndexList_Impl::nextChild(kel::ChildCursor& cursor) const {
     }
 }
 
-void KEL_IndexList_Impl::adoptCopiedChild(std::string_view, JPointer<KEL_Impl>&& child) {
-    JPointer<KEL_Array_Impl>& place = keysCopied_ ? items_ : keys_;
+void KEL_IndexList_Impl::adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) {
+    JPointer<KEL_Array_Impl>& place = name == keysName ? keys_ : items_;
     place = JPointer<KEL_Array_Impl>::share(&dynamic_cast<KEL_Array_Impl&>(*child));
-    keysCopied_ = true;
 }
 
 bool KEL_IndexList_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
@@ -412,6 +324,5 @@ bool KEL_IndexList_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
 void KEL_IndexList_Impl::takeContents(const KEL_Impl& source) {
     const JPointer<KEL_Impl> copied(kel::copyTreeFor(source, *this));
     const auto& list = dynamic_cast<const KEL_IndexList_Impl&>(*copied);
-    keys_ = list.keys_;
-    items_ = list.items_;
+    useArrays(list.keys_, list.items_);
 }

@@ -124,6 +124,13 @@ public:
     KEL* getItemAt(int32_t index) const override;
     void setItemAt(int32_t index, KEL* newItem) override;
 
+    /// Puts these arrays, which are not null, in the place of its own and notifies nobody: for
+    /// readers that fill a new list.
+    void useArrays(const JPointer<KEL_Array_Impl>& keys, const JPointer<KEL_Array_Impl>& items) {
+        keys_ = keys;
+        items_ = items;
+    }
+
     // KEL_Impl: the children are the two arrays.
     bool isContainer() const override { return true; }
     bool copiesChildren() const override { return true; }
@@ -148,8 +155,13 @@ private:
     /// Throws on an index that is not that of a pair.
     void checkIndex(int32_t index) const;
 
-    /// Removes the pair at index from both arrays and notifies nobody.
-    void erase(int32_t index);
+    /// Makes a change, which cannot fail, of both arrays, or once of the one array that is both.
+    /// Observers are called when it is complete, so that they never meet half a pair.
+    template <class Change> void changeBoth(const Change& change);
+
+    /// Tells of a change of both arrays: first the observers of the keys, then those of the items,
+    /// then those of the list.
+    void notifyBoth();
 
     /// Appends a pair one half of which was just made, with its one reference.
     int32_t addMadeKey(KEL_Impl* key, KEL* item);
@@ -161,5 +173,4 @@ private:
 
     JPointer<KEL_Array_Impl> keys_;
     JPointer<KEL_Array_Impl> items_;
-    bool keysCopied_ = false; // while a copy is filled: the first child was the keys
 };

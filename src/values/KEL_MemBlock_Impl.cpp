@@ -9,8 +9,7 @@
 namespace {
 
 unsigned char* allocateBlock(int32_t size) {
-    void* bytes =
-        size < 0 ? nullptr : kel::platform::allocateZeroed(static_cast<size_t>(size), 1);
+    void* bytes = size < 0 ? nullptr : kel::platform::allocateZeroed(static_cast<size_t>(size), 1);
     if (bytes == nullptr) {
         throw new KELOutOfMemoryException_Impl("Out of memory!");
     }
@@ -28,7 +27,8 @@ unsigned char* copyBlock(int32_t size, const void* bytes) {
 /// The bounds are tested as the sum in 32 bits and nothing else, so a host's negative offsets and
 /// counts pass as they always did.
 bool endsOutside(int32_t size, int32_t offset, int32_t count) {
-    return size < static_cast<int32_t>(static_cast<uint32_t>(offset) + static_cast<uint32_t>(count));
+    return size <
+           static_cast<int32_t>(static_cast<uint32_t>(offset) + static_cast<uint32_t>(count));
 }
 
 /// The part of [offset, offset + count) that lies inside the block.
@@ -55,7 +55,9 @@ KEL_MemBlock_Impl::KEL_MemBlock_Impl(const JHashCode& identity, int32_t size, co
 KEL_MemBlock_Impl::KEL_MemBlock_Impl(JInputStream* source, int32_t size)
     : size_(size), source_(JPointer<JInputStream>::share(source)) {}
 
-KEL_MemBlock_Impl::~KEL_MemBlock_Impl() { kel::platform::deallocate(data_); }
+KEL_MemBlock_Impl::~KEL_MemBlock_Impl() {
+    kel::platform::deallocate(data_);
+}
 
 void KEL_MemBlock_Impl::load() const {
     if (data_ != nullptr) {
@@ -105,8 +107,8 @@ void KEL_MemBlock_Impl::write(int32_t offset, const void* source, int32_t count)
         throw new KELMemBlockException_Impl("Cannot write past the end of the memory block.");
     }
     if (range.length() > 0) {
-        std::memcpy(data_ + range.begin,
-                    static_cast<const unsigned char*>(source) + range.skipped, range.length());
+        std::memcpy(data_ + range.begin, static_cast<const unsigned char*>(source) + range.skipped,
+                    range.length());
     }
     notifyChanged();
 }

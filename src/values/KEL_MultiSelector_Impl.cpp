@@ -1,28 +1,25 @@
 #include "values/KEL_MultiSelector_Impl.h"
 
-#include "values/KEL_Selector_Impl.h"
+#include "values/Reference.h"
 
-KEL_MultiSelector_Impl::KEL_MultiSelector_Impl(KEL_IndexList_Impl* list)
-    : list_(KEL_Selector_Impl::listOrNew(list)), selectedKeys_(new KEL_Array_Impl()) {}
-
-KEL_MultiSelector_Impl::KEL_MultiSelector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)
-    : JObject(identity), list_(KEL_Selector_Impl::listOrNew(list)),
-      selectedKeys_(new KEL_Array_Impl()) {}
-
-bool KEL_MultiSelector_Impl::selectKey(KEL* key) {
-    if (!list_->containsKey(key)) {
+bool KEL_MultiSelector_Impl::select(KEL_Impl* key) {
+    if (key == nullptr) {
         return false;
     }
     if (!selectedKeys_->containsVar(key)) {
-        const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // the array has observers
+        const auto self = kel::keepAlive(this); // the array has observers
         selectedKeys_->addVar(key);
         notifyChanged();
     }
     return true;
 }
 
+bool KEL_MultiSelector_Impl::selectKey(KEL* key) {
+    return select(list_.keyLike(key));
+}
+
 bool KEL_MultiSelector_Impl::selectItem(KEL* item) {
-    return list_->containsItem(item) && selectKey(list_->getKey(item));
+    return select(list_.keyOfItem(item));
 }
 
 bool KEL_MultiSelector_Impl::deselectKey(KEL* key) {
@@ -30,19 +27,19 @@ bool KEL_MultiSelector_Impl::deselectKey(KEL* key) {
     if (index == -1) {
         return false;
     }
-    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this);
+    const auto self = kel::keepAlive(this);
     selectedKeys_->removeVar(index);
     notifyChanged();
     return true;
 }
 
 bool KEL_MultiSelector_Impl::deselectItem(KEL* item) {
-    return list_->containsItem(item) && deselectKey(list_->getKey(item));
+    return deselectKey(list_.keyOfItem(item));
 }
 
 void KEL_MultiSelector_Impl::clearSelection() {
     if (selectedKeys_->getCount() > 0) {
-        const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this);
+        const auto self = kel::keepAlive(this);
         selectedKeys_->removeAllVars();
         notifyChanged();
     }
@@ -64,20 +61,20 @@ bool KEL_MultiSelector_Impl::isItemSelected(const KEL* item) const {
     if (item == nullptr) {
         return selectedKeys_->getCount() == 0;
     }
-    return list_->containsItem(item) && selectedKeys_->containsVar(list_->getKey(item));
+    return selectedKeys_->containsVar(list_.keyOfItem(item));
 }
 
 void KEL_MultiSelector_Impl::setList(KEL_IndexList* list) {
-    auto* implementation = dynamic_cast<KEL_IndexList_Impl*>(list);
-    if (implementation != nullptr && !list_->equals(list)) {
-        list_ = JPointer<KEL_IndexList_Impl>::share(implementation);
+    if (list_.replace(list)) {
         notifyChanged();
     }
 }
 
 KEL_Impl* KEL_MultiSelector_Impl::copyWithoutChildren() const {
     JPointer<KEL_MultiSelector_Impl> made(new KEL_MultiSelector_Impl(list_.get()));
-    made->selectedKeys_->addVars(selectedKeys_.get());
+    for (int32_t i = 0; i < selectedKeys_->getCount(); ++i) {
+        made->selectedKeys_->adoptElement(JPointer<KEL_Impl>::share(selectedKeys_->elementAt(i)));
+    }
     return made.detach();
 }
 

@@ -2,7 +2,7 @@
 /// KEL_MultiSelector_Impl: a MultiSelector value.
 #pragma once
 
-#include "values/KEL_IndexList_Impl.h"
+#include "values/SelectedList.h"
 
 #include <kel/KEL_MultiSelector.h>
 
@@ -11,10 +11,12 @@
 class KEL_MultiSelector_Impl final : public KEL_Impl, public KEL_MultiSelector {
 public:
     /// Selects from list, or from a new empty one for null.
-    explicit KEL_MultiSelector_Impl(KEL_IndexList_Impl* list);
+    explicit KEL_MultiSelector_Impl(KEL_IndexList_Impl* list)
+        : list_(list), selectedKeys_(new KEL_Array_Impl()) {}
 
     /// The same with a given identity.
-    KEL_MultiSelector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list);
+    KEL_MultiSelector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)
+        : JObject(identity), list_(list), selectedKeys_(new KEL_Array_Impl()) {}
 
     int32_t getType() const override { return KELKind_MultiSelector; }
 
@@ -38,6 +40,9 @@ public:
     void takeContents(const KEL_Impl& source) override;
 
 private:
-    JPointer<KEL_IndexList_Impl> list_;
+    /// Adds a key of the list, or null, to the selection. \return false for null
+    bool select(KEL_Impl* key);
+
+    kel::SelectedList list_;
     JPointer<KEL_Array_Impl> selectedKeys_;
 };

@@ -1,10 +1,5 @@
 #include "values/KEL_Selector_Impl.h"
 
-JPointer<KEL_IndexList_Impl> KEL_Selector_Impl::listOrNew(KEL_IndexList_Impl* list) {
-    return list == nullptr ? JPointer<KEL_IndexList_Impl>(new KEL_IndexList_Impl())
-                           : JPointer<KEL_IndexList_Impl>::share(list);
-}
-
 void KEL_Selector_Impl::select(KEL_Impl* key) {
     if (selection_.get() != key) {
         selection_ = JPointer<KEL_Impl>::share(key);
@@ -13,18 +8,20 @@ void KEL_Selector_Impl::select(KEL_Impl* key) {
 }
 
 bool KEL_Selector_Impl::selectKey(KEL* key) {
-    if (key != nullptr && !list_->containsKey(key)) {
+    KEL_Impl* own = list_.keyLike(key);
+    if (own == nullptr && key != nullptr) {
         return false;
     }
-    select(KEL_Impl::of(key));
+    select(own);
     return true;
 }
 
 bool KEL_Selector_Impl::selectItem(KEL* item) {
-    if (!list_->containsItem(item)) {
+    KEL_Impl* key = list_.keyOfItem(item);
+    if (key == nullptr) {
         return false;
     }
-    select(KEL_Impl::of(list_->getKey(item)));
+    select(key);
     return true;
 }
 
@@ -33,7 +30,9 @@ bool KEL_Selector_Impl::clearSelection() {
     return true;
 }
 
-KEL* KEL_Selector_Impl::getSelectedItem() { return list_->getItem(selection_.get()); }
+KEL* KEL_Selector_Impl::getSelectedItem() {
+    return list_->getItem(selection_.get());
+}
 
 KEL* KEL_Selector_Impl::getSelectedItem() const {
     return list_->getItemOfKeyValue(selection_.get());
@@ -44,14 +43,11 @@ bool KEL_Selector_Impl::isSelectedKey(const KEL* key) const {
 }
 
 bool KEL_Selector_Impl::isSelectedItem(const KEL* item) const {
-    return selection_.isNull() ? item == nullptr
-                               : list_->getItem(selection_.get())->equals(item);
+    return selection_.isNull() ? item == nullptr : list_->getItem(selection_.get())->equals(item);
 }
 
 void KEL_Selector_Impl::setList(KEL_IndexList* list) {
-    auto* implementation = dynamic_cast<KEL_IndexList_Impl*>(list);
-    if (implementation != nullptr && !list_->equals(list)) {
-        list_ = JPointer<KEL_IndexList_Impl>::share(implementation);
+    if (list_.replace(list)) {
         notifyChanged();
     }
 }

@@ -2,7 +2,7 @@
 /// KEL_Selector_Impl: a Selector value.
 #pragma once
 
-#include "values/KEL_IndexList_Impl.h"
+#include "values/SelectedList.h"
 
 #include <kel/KEL_Selector.h>
 
@@ -11,14 +11,11 @@
 class KEL_Selector_Impl final : public KEL_Impl, public KEL_Selector {
 public:
     /// Selects from list, or from a new empty one for null.
-    explicit KEL_Selector_Impl(KEL_IndexList_Impl* list) : list_(listOrNew(list)) {}
+    explicit KEL_Selector_Impl(KEL_IndexList_Impl* list) : list_(list) {}
 
     /// The same with a given identity.
     KEL_Selector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)
-        : JObject(identity), list_(listOrNew(list)) {}
-
-    /// The list, shared, or a new one for null.
-    static JPointer<KEL_IndexList_Impl> listOrNew(KEL_IndexList_Impl* list);
+        : JObject(identity), list_(list) {}
 
     int32_t getType() const override { return KELKind_Selector; }
 
@@ -42,8 +39,9 @@ public:
     void takeContents(const KEL_Impl& source) override;
 
 private:
+    /// Makes this key, or null, the selection and notifies if it was not.
     void select(KEL_Impl* key);
 
-    JPointer<KEL_IndexList_Impl> list_;
+    kel::SelectedList list_;
     JPointer<KEL_Impl> selection_;
 };

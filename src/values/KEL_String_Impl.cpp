@@ -11,7 +11,9 @@ void KEL_String_Impl::setValue(const char* text) {
     }
 }
 
-KEL_String* KEL_String_Impl::setBoolean(bool value) { return setString(value ? "true" : "false"); }
+KEL_String* KEL_String_Impl::setBoolean(bool value) {
+    return setString(value ? "true" : "false");
+}
 
 KEL_String* KEL_String_Impl::setInt(int32_t value) {
     char text[kel::integerTextSize];
@@ -40,13 +42,18 @@ char KEL_String_Impl::getChar(int32_t index) const {
     try {
         return value_->getChar(index);
     } catch (const JArrayIndexOutOfBoundsException&) {
-        throw new KELArrayIndexOutOfBoundsException_Impl("Attemping to reference past end of string.");
+        throw new KELArrayIndexOutOfBoundsException_Impl(
+            "Attemping to reference past end of string.");
     }
 }
 
-int32_t KEL_String_Impl::toInt() const { return kel::parseInteger(getValue()); }
+int32_t KEL_String_Impl::toInt() const {
+    return kel::parseInteger(getValue());
+}
 
-double KEL_String_Impl::toDouble() const { return kel::parseDouble(getValue()); }
+double KEL_String_Impl::toDouble() const {
+    return kel::parseDouble(getValue());
+}
 
 JHashCode& KEL_String_Impl::toGuid(JHashCode& out) const {
     return out = JHashCode(static_cast<uint32_t>(toInt()));
@@ -56,7 +63,9 @@ bool KEL_String_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return other.getType() == KELKind_String && value_->equals(other.toString());
 }
 
-void KEL_String_Impl::takeContents(const KEL_Impl& source) { takeConverted(source); }
+void KEL_String_Impl::takeContents(const KEL_Impl& source) {
+    takeConverted(source);
+}
 
 bool KEL_String_Impl::takeConverted(const KEL_Impl& source) {
     if (!kel::hasScalarForm(source)) {

@@ -50,7 +50,9 @@ public:
     bool takeConverted(const KEL_Impl& source) override;
 
 private:
-    static JString* makeString(const char* text) { return new JString(text == nullptr ? "" : text); }
+    static JString* makeString(const char* text) {
+        return new JString(text == nullptr ? "" : text);
+    }
     static JString* makeString(std::string_view text) {
         return new JString(text.data() == nullptr ? "" : text.data(), 0,
                            static_cast<uint32_t>(text.size()));

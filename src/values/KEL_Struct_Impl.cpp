@@ -7,6 +7,7 @@
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
+#include "values/Reference.h"
 #include "values/StringEnumeration_Impl.h"
 #include "values/TreeWalk.h"
 
@@ -47,7 +48,9 @@ bool KEL_Struct_Impl::getBoolean(const char* name) const {
     return kel::convertToBoolean(valueOf(name));
 }
 
-int32_t KEL_Struct_Impl::getInt(const char* name) const { return kel::convertToInt(valueOf(name)); }
+int32_t KEL_Struct_Impl::getInt(const char* name) const {
+    return kel::convertToInt(valueOf(name));
+}
 
 double KEL_Struct_Impl::getDouble(const char* name) const {
     return kel::convertToDouble(valueOf(name));
@@ -91,6 +94,9 @@ void KEL_Struct_Impl::addVar(const char* name, KEL* value) {
         return;
     }
     refuseQuote(name);
+    if (isForeign(value)) {
+        return;
+    }
     // The new variable is made first: then nothing can fail once the old one is gone. It also holds
     // what removing may release, name and value; and callbacks run meanwhile.
     kel::VariableMap made;
@@ -111,11 +117,11 @@ int32_t KEL_Struct_Impl::addVars(KEL_Struct* other) {
     if (other == nullptr) {
         return -1;
     }
-    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // an observer may release it
-    const JPointer<StringEnumeration_Impl> names(
-        dynamic_cast<StringEnumeration_Impl*>(other->getVarNames()));
-    while (names->hasMoreElements()) {
-        const char* name = names->StringEnumeration_Impl::nextElement();
+    const auto self = kel::keepAlive(this);
+    const auto held = kel::keepAlive(other);
+    const kel::Reference<StringEnumeration> names(other->getVarNames());
+    while (names != nullptr && names->hasMoreElements()) {
+        const char* name = names->nextElement();
         // An observer of this struct may have changed the other one meanwhile.
         if (!containsVar(name) && other->containsVar(name)) {
             addVar(name, static_cast<const KEL_Struct*>(other)->getVar(name));
@@ -146,7 +152,10 @@ void KEL_Struct_Impl::setVar(const char* name, KEL* value) {
     if (name == nullptr) {
         return;
     }
-    findToChange(name)->second = JPointer<KEL_Impl>::share(KEL_Impl::of(value));
+    const auto found = findToChange(name);
+    if (!isForeign(value)) {
+        found->second = JPointer<KEL_Impl>::share(KEL_Impl::of(value));
+    }
 }
 
 void KEL_Struct_Impl::setMade(const char* name, KEL_Impl* value) {
@@ -259,7 +268,8 @@ bool KEL_Struct_Impl::nextChild(kel::ChildCursor& cursor) const {
 
 void KEL_Struct_Impl::adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) {
     // A copy never holds a null variable: the value 0 stands for it.
-    adoptVariable(name, child.isNull() ? JPointer<KEL_Impl>(new KEL_Int_Impl(0)) : std::move(child));
+    adoptVariable(name,
+                  child.isNull() ? JPointer<KEL_Impl>(new KEL_Int_Impl(0)) : std::move(child));
 }
 
 bool KEL_Struct_Impl::equalsWithoutChildren(const KEL_Impl& other) const {

@@ -54,6 +54,21 @@ template <class Caught, class Action> bool isCaughtAs(const Action& action) {
     return caught;
 }
 
+TEST(HostExceptions, DeletingOneGivesBackOneReference) {
+    KELException* failure = nullptr;
+    try {
+        getUnknownVariable();
+    } catch (KELException* caught) {
+        failure = caught;
+    }
+    ASSERT_NE(failure, nullptr);
+    failure->addRef();
+    DeleteKELException(failure);
+    EXPECT_STREQ(failure->getMessage(),
+                 "KEL_Struct_Impl. Cannot get variable - unknown variable name.");
+    EXPECT_EQ(failure->release(), 0);
+}
+
 TEST(HostExceptions, AreCaughtAsTheirPublicClass) {
     EXPECT_TRUE(isCaughtAs<KELIOException>(readBadText));
     EXPECT_TRUE(isCaughtAs<KELEOFException>(readNothing));

@@ -6,15 +6,16 @@
 
 namespace host {
 
-/// A host's own implementation of KEL. The library's containers hold only values of its own.
-class ForeignValue : public KEL {
+/// A host's own implementation of Base, a public class of values. The library's containers hold
+/// only values of its own.
+template <class Base, KELKind Kind> class Foreign : public Base {
 public:
-    virtual ~ForeignValue() = default;
+    virtual ~Foreign() = default;
 
-    void addRef() override {}
-    int32_t release() override { return 1; }
+    void addRef() override { ++references; }
+    int32_t release() override { return --references; }
     JHashCode& getHashCode(JHashCode& out) const override { return out = JHashCode(1, 2, 3, 4); }
-    int32_t getType() const override { return KELKind_Int; }
+    int32_t getType() const override { return Kind; }
     int32_t getRefCount() const override { return 1; }
 
     bool toBoolean() const override { return true; }
@@ -42,6 +43,11 @@ public:
     void assignConverted(const KEL*, bool) override {}
     bool equalsValue(const KEL* other) const override { return other == this; }
     int32_t getVersion() const override { return 1; }
+
+    int32_t references = 1; ///< it belongs to the test, whatever the count
 };
+
+/// A host's own value with the kind of an Int.
+using ForeignValue = Foreign<KEL, KELKind_Int>;
 
 } // namespace host

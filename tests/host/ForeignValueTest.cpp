@@ -1,5 +1,5 @@
 // Values that the library did not make are ignored where a value would be stored or taken over.
-#include "ForeignValue.h"
+#include "ForeignContainers.h"
 #include "Host.h"
 
 namespace {
@@ -48,6 +48,109 @@ TEST_F(HostForeignValue, AStructConvertsNothingFromIt) {
     EXPECT_EQ(structure->getInt("x"), 7);
 }
 
+TEST_F(HostForeignValue, AStructKeepsTheVariableThatItWouldReplace) {
+    const auto structure = hold(CreateKELStruct());
+    structure->putInt("x", 7);
+    host::watch(*structure, watcher);
+    structure->addVar("x", &foreign);
+    EXPECT_EQ(structure->getInt("x"), 7);
+    structure->setVar("x", &foreign);
+    EXPECT_EQ(structure->getInt("x"), 7);
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(HostForeignValue, AStructStoresNoNameForIt) {
+    const auto structure = hold(CreateKELStruct());
+    structure->addVar("null", nullptr);
+    host::watch(*structure, watcher);
+    structure->addVar("x", &foreign);
+    structure->setVarValue("null", &foreign);
+    EXPECT_FALSE(structure->containsVar("x"));
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(HostForeignValue, ACheckedStructIgnoresIt) {
+    const auto meta = hold(CreateMetaKel(nullptr));
+    const auto zero = hold(CreateKELInt(0));
+    meta->createVarWithDefault("x", zero.get(), zero.get());
+    meta->createVarWithDefault("y", nullptr, zero.get());
+    host::watch(*meta, watcher);
+    meta->addVar("y", &foreign);
+    meta->setVar("x", &foreign);
+    EXPECT_FALSE(meta->containsVar("y"));
+    EXPECT_EQ(meta->getVar("x", false), zero.get());
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(HostForeignValue, ADescriptorIgnoresIt) {
+    const auto rules = hold(CreateMetaKelVarDescriptor());
+    const auto two = hold(CreateKELInt(2));
+    rules->putInt("min", int32_t{1});
+    rules->putInt("max", int32_t{3});
+    rules->putInt("default", int32_t{2});
+    host::watch(*rules, watcher);
+    rules->setVar("min", &foreign);
+    rules->setDefault(&foreign);
+    rules->setRange(&foreign, two.get());
+    rules->setRange(two.get(), &foreign);
+    EXPECT_EQ(rules->getInt("min"), 1);
+    EXPECT_EQ(rules->getInt("max"), 3);
+    EXPECT_EQ(rules->getInt("default"), 2);
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(HostForeignValue, AnIndexListIgnoresIt) {
+    const auto list = hold(CreateKELIndexList());
+    const auto key = hold(CreateKELString("a"));
+    list->addItemInt(key.get(), int32_t{1});
+    host::watch(*list, watcher);
+    EXPECT_EQ(list->addPair(key.get(), &foreign), -1);
+    EXPECT_EQ(list->addPair(&foreign, key.get()), -1);
+    list->insertPair(&foreign, key.get(), 0);
+    list->insertPair(key.get(), &foreign, 0);
+    EXPECT_EQ(list->getCount(), 1);
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(HostForeignValue, AnIndexListReplacesNothingByIt) {
+    const auto list = hold(CreateKELIndexList());
+    const auto key = hold(CreateKELString("a"));
+    list->addItemInt(key.get(), int32_t{7});
+    host::watch(*list, watcher);
+    list->setItemAt(0, &foreign);
+    list->setItemOfKey(key.get(), &foreign);
+    list->setItemOfKeyValue(key.get(), &foreign);
+    list->setKeyOfItem(list->getItemAt(0), &foreign);
+    EXPECT_EQ(list->getKeyAt(0), key.get());
+    EXPECT_EQ(list->getItemAt(0)->toInt(), 7);
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(HostForeignValue, AnIndexListDoesNotFindIt) {
+    const auto list = hold(CreateKELIndexList());
+    list->addNamedInt("a", int32_t{1});
+    EXPECT_FALSE(list->containsKey(&foreign));
+    EXPECT_FALSE(list->containsItem(&foreign));
+    EXPECT_EQ(host::thrownMessage<KELNoSuchElementException>([&] { list->removeKey(&foreign); }),
+              "Key not found in list.");
+}
+
+TEST_F(HostForeignValue, ASelectorSelectsNothingByIt) {
+    const auto one = hold(CreateKELSelector(nullptr));
+    const auto many = hold(CreateKELMultiSelector(nullptr));
+    one->getList()->addNamedInt("a", int32_t{1});
+    one->selectKey(one->getList()->getKeyAt(0));
+    host::watch(*one, watcher);
+    host::watch(*many, watcher);
+    EXPECT_FALSE(one->selectKey(&foreign));
+    EXPECT_FALSE(one->selectItem(&foreign));
+    EXPECT_FALSE(one->isSelectedKey(&foreign));
+    EXPECT_FALSE(many->selectKey(&foreign));
+    EXPECT_FALSE(many->isKeySelected(&foreign));
+    EXPECT_EQ(one->getSelectedKey(), one->getList()->getKeyAt(0));
+    EXPECT_EQ(watcher.calls(), 0);
+}
+
 TEST_F(HostForeignValue, AValueNeitherEqualsNorTakesItOver) {
     const auto value = hold(CreateKELInt(7));
     host::watch(*value, watcher);
@@ -57,6 +160,40 @@ TEST_F(HostForeignValue, AValueNeitherEqualsNorTakesItOver) {
     EXPECT_FALSE(value->equals(&foreign));
     EXPECT_FALSE(value->equalsValue(&foreign));
     EXPECT_EQ(watcher.calls(), 0);
+}
+
+// ---- Containers that the library did not make --------------------------------------------------
+
+class HostForeignContainer : public ::testing::Test {
+protected:
+    host::Held<KEL_Int> seven{CreateKELInt(7)};
+    host::ForeignArray array{seven.get()};
+    host::ForeignStruct structure{seven.get()};
+};
+
+TEST_F(HostForeignContainer, AddVarsTakesTheLibrarysValuesOutOfAnArray) {
+    const auto target = hold(CreateKELArray());
+    EXPECT_EQ(target->addVars(&array), 0);
+    EXPECT_EQ(target->getCount(), 1);
+    EXPECT_EQ(target->getVar(0), seven.get());
+    EXPECT_EQ(array.references, 1);
+}
+
+TEST_F(HostForeignContainer, AddVarsTakesTheLibrarysValuesOutOfAStruct) {
+    const auto target = hold(CreateKELStruct());
+    EXPECT_EQ(target->addVars(&structure), 0);
+    EXPECT_EQ(target->getCount(), 2);
+    EXPECT_EQ(std::as_const(*target).getVar("b"), seven.get());
+    EXPECT_EQ(structure.references, 1);
+    EXPECT_EQ(structure.names.references, 0);
+}
+
+TEST_F(HostForeignContainer, NoIndexListIsMadeOfIt) {
+    const auto own = hold(CreateKELArray());
+    EXPECT_EQ(CreateKELIndexList(static_cast<KEL_Array*>(&array)), nullptr);
+    EXPECT_EQ(CreateKELIndexList(&array, own.get()), nullptr);
+    EXPECT_EQ(CreateKELIndexList(own.get(), &array), nullptr);
+    EXPECT_EQ(CreateKELIndexList(static_cast<KEL_Struct*>(&structure)), nullptr);
 }
 
 } // namespace

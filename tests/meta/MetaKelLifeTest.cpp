@@ -4,6 +4,7 @@
 #include "support/Watcher.h"
 
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 using namespace kel::test;
 
@@ -172,6 +173,30 @@ TEST_F(MetaKelLifeTest, AnObserverMayReleaseTheStruct) {
     meta.addVar("level", three.get());
     EXPECT_EQ(watcher.calls(), 1);
     EXPECT_FALSE(probe.isAlive());
+}
+
+TEST_F(MetaKelLifeTest, AnObserverOfTheDescriptorMayReleaseTheValueThatCreateVarAdds) {
+    auto value = intOf(4);
+    const LifeProbe probe(*value);
+    Watcher releaser([&] {
+        value.clear();
+        EXPECT_TRUE(probe.isAlive());
+    });
+    watch(descriptor.get(), releaser);
+    meta.createVar("x", value.get(), &asDescriptor(intRange(0, 5)));
+    EXPECT_EQ(meta.getInt("x"), 4);
+}
+
+TEST_F(MetaKelLifeTest, WhatAnObserverOfTheInnerStructThrowsKeepsTheOthersFromTheirCall) {
+    Watcher thrower([] { throw std::runtime_error("no"); }), ofPan;
+    asDescriptor(pan).getStruct()->addObserver(&thrower);
+    watch(pan.get(), ofPan);
+    EXPECT_THROW(asStruct(pan).putInt("stepsize", int32_t{1}), std::runtime_error);
+    EXPECT_EQ(asStruct(pan).getInt("stepsize"), 1);
+    EXPECT_EQ(ofPan.calls(), 0);
+    asDescriptor(pan).getStruct()->removeObserver(&thrower);
+    asStruct(pan).putInt("stepsize", int32_t{2});
+    EXPECT_EQ(ofPan.calls(), 1);
 }
 
 TEST_F(MetaKelLifeTest, AnObserverThatIsTakenOffIsNotTold) {

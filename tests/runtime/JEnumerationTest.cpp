@@ -61,6 +61,18 @@ TEST(JEnumeration, SeesElementsThatAreAddedMeanwhile) {
     EXPECT_TRUE(walk->hasMoreElements());
 }
 
+TEST(JEnumeration, WithoutAVectorHasNothingAndThrowsAPointer) {
+    const JPointer<Vector::JVectorEnumerator> walk(new Vector::JVectorEnumerator(nullptr));
+    EXPECT_FALSE(walk->hasMoreElements());
+    try {
+        walk->nextElement();
+        FAIL() << "nothing thrown";
+    } catch (JNoSuchElementException* failure) {
+        EXPECT_EQ(kel::test::messageOf(*failure), "Enumeration is empty.");
+        delete failure;
+    }
+}
+
 TEST(JEnumeration, PastTheEndTheVectorRefusesTheIndex) {
     const JPointer<JEnumeration> walk(vectorOf({})->elements());
     EXPECT_EQ(thrownMessage<JArrayIndexOutOfBoundsException>([&] { walk->nextElement(); }),

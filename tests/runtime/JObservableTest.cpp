@@ -155,11 +155,13 @@ TEST_F(JObservableTest, AfterDeleteObserversThereIsNoListAgain) {
     EXPECT_TRUE(observable->hasChanged());
 }
 
-TEST_F(JObservableTest, TellsWhereAnObserverIs) {
-    EXPECT_EQ(observable->indexOfObserver(&a), 0); // no list
+TEST_F(JObservableTest, TellsWhetherAnObserverIsRegistered) {
+    EXPECT_FALSE(observable->containsObserver(&a)); // no list
     watch({&a, &b});
-    EXPECT_EQ(observable->indexOfObserver(&b), 1);
-    EXPECT_EQ(observable->indexOfObserver(&c), -1);
+    EXPECT_TRUE(observable->containsObserver(&a));
+    EXPECT_TRUE(observable->containsObserver(&b));
+    EXPECT_FALSE(observable->containsObserver(&c));
+    EXPECT_FALSE(observable->containsObserver(nullptr));
 }
 
 TEST_F(JObservableTest, AnObserverAddedMeanwhileIsCalledInTheSameRound) {

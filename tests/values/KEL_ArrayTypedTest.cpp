@@ -1,5 +1,6 @@
 // The typed getters, setters and adders of arrays.
 #include "support/Held.h"
+#include "support/Thrown.h"
 #include "support/Watcher.h"
 #include "values/KEL_Array_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
@@ -189,6 +190,9 @@ TEST_F(KEL_ArrayTyped, SettersIntoAKindWithoutTheFormChangeNothing) {
 TEST_F(KEL_ArrayTyped, SetStringOfNullChangesNothing) {
     array->setString(string12abc, nullptr);
     EXPECT_EQ(text(string12abc), "12abc");
+    EXPECT_EQ(kel::test::thrownMessage<KELArrayIndexOutOfBoundsException>(
+                  [&] { array->setString(array->getCount(), nullptr); }),
+              "Array index out of bounds.");
 }
 
 TEST_F(KEL_ArrayTyped, SetVarValueTakesAnyKind) {

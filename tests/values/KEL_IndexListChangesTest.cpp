@@ -283,13 +283,15 @@ TEST_F(KEL_IndexListChangesTest, AnObserverOfTheKeysMayEmptyTheItemsMeanwhile) {
     Watcher emptier([&] { list->getItems()->removeAllVars(); });
     dynamic_cast<KEL_Observable&>(*list->getKeys()).addObserver(&emptier);
     list->removeKey(a.get());
-    list->addPair(unknown.get(), four.get());
-    EXPECT_EQ(list->getItems()->getCount(), 1);
-    list->insertPair(otherA.get(), four.get(), 1);
-    list->removeKeyValue(unknown.get());
+    EXPECT_EQ(textsOf(*list->getKeys()), "b c");
+    EXPECT_EQ(list->addPair(unknown.get(), four.get()), 0);
+    EXPECT_EQ(textsOf(*list->getKeys()), "x b c");
     EXPECT_EQ(list->getCount(), 0);
-    list->addPair(unknown.get(), four.get());
-    list->setKeyOfItem(four.get(), c.get());
+    list->getItems()->addInt(5);
+    list->removeKeyValue(unknown.get());
+    list->getItems()->addInt(5);
+    list->setKeyOfItem(list->getItemAt(0), a.get());
+    EXPECT_EQ(textsOf(*list->getKeys()), "a c");
     EXPECT_EQ(list->getCount(), 0);
     dynamic_cast<KEL_Observable&>(*list->getKeys()).removeObserver(&emptier);
 }

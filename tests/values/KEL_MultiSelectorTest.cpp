@@ -181,6 +181,25 @@ TEST_F(KEL_MultiSelectorTest, ACopySharesTheListAndTheKeysButNotTheirArray) {
     EXPECT_FALSE(copy.equalsValue(selector.get()));
 }
 
+TEST_F(KEL_MultiSelectorTest, ACopyHoldsAKeyAsOftenAsTheHostPutItThere) {
+    selector->selectKey(red.get());
+    selector->getSelectedKeys()->addVar(red.get());
+    const Held<KEL> copied(selector->copy());
+    EXPECT_TRUE(copied->equalsValue(selector.get()));
+    EXPECT_EQ(textsOf(*dynamic_cast<KEL_MultiSelector&>(*copied).getSelectedKeys()), "red red");
+}
+
+TEST_F(KEL_MultiSelectorTest, SelectsTheListsKeyAlsoByAnotherObjectOfItsIdentity) {
+    const auto key = stringWith(codeOf(1), "key"), twin = stringWith(codeOf(1), "twin");
+    asList(list).addPair(key.get(), one.get());
+    EXPECT_TRUE(selector->selectKey(twin.get()));
+    EXPECT_EQ(selector->getSelectedKeys()->getVar(0), key.get());
+    EXPECT_TRUE(selector->selectKey(key.get()));
+    EXPECT_EQ(selected(), "key");
+    EXPECT_TRUE(selector->deselectKey(twin.get()));
+    EXPECT_EQ(selected(), "");
+}
+
 TEST_F(KEL_MultiSelectorTest, EqualityIsTheSameKeysInTheSameOrderOfTheSameList) {
     const Held<KEL_MultiSelector> other(CreateKELMultiSelector(&asList(list)));
     selector->selectKey(red.get());

@@ -69,6 +69,15 @@ TEST_F(KEL_SelectorTest, AKeyThatIsOnlyEqualInTextIsNoKeyOfTheList) {
     EXPECT_EQ(watcher.calls(), 1);
 }
 
+TEST_F(KEL_SelectorTest, SelectsTheListsKeyAlsoByAnotherObjectOfItsIdentity) {
+    const auto key = stringWith(codeOf(1), "key"), twin = stringWith(codeOf(1), "twin");
+    asList(list).addPair(key.get(), one.get());
+    EXPECT_TRUE(selector->selectKey(twin.get()));
+    EXPECT_EQ(selector->getSelectedKey(), key.get());
+    EXPECT_TRUE(selector->selectKey(key.get()));
+    EXPECT_EQ(watcher.calls(), 1);
+}
+
 TEST_F(KEL_SelectorTest, SelectingNullClearsTheSelection) {
     selector->selectKey(red.get());
     EXPECT_TRUE(selector->selectKey(nullptr));

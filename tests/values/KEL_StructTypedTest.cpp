@@ -205,6 +205,7 @@ TEST_F(KEL_StructTyped, SetVarValueOfNullOrOfANullNameDoesNothing) {
     structure->setVarValue("unknown", nullptr);
     structure->setVarValue(nullptr, var("int"));
     structure->setString("int", nullptr);
+    structure->setString("unknown", nullptr);
     structure->setString(nullptr, "x");
     structure->setInt(nullptr, 1);
     EXPECT_EQ(structure->getInt("int"), 2);

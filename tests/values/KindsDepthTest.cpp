@@ -110,15 +110,18 @@ TEST(KindsDepth, AMillionSelectorsAreCopiedComparedAndDestroyed) {
     });
 }
 
-TEST(KindsDepth, MultiSelectorsAreDestroyed) {
+TEST(KindsDepth, AMillionMultiSelectorsAreCopiedComparedAndDestroyed) {
     runInSmallStack([] {
-        auto value = nested(many, [](KEL_Impl* inner) -> KEL_Impl* {
+        auto value = nested(million, [](KEL_Impl* inner) -> KEL_Impl* {
             auto* selector = new KEL_MultiSelector_Impl(nullptr);
             selector->getList()->addPair(inner, inner);
             selector->selectKey(inner);
             return selector;
         });
+        const LifeProbe probe(*value);
+        EXPECT_TRUE(value->equalsValue(Held<KEL>(value->copy()).get()));
         value.clear();
+        EXPECT_FALSE(probe.isAlive());
     });
 }
 

@@ -59,6 +59,21 @@ TEST_F(ReleasedArray, ByAddVars) {
     releaseAtCall(1, [&](KEL_Array& array) { EXPECT_EQ(array.addVars(other.get()), 0); });
 }
 
+TEST_F(ReleasedArray, TheArrayThatAddVarsTakesFrom) {
+    auto other = make<KEL_Array_Impl>();
+    other->addInt(1);
+    other->addInt(2);
+    const LifeProbe probe(*other);
+    Watcher watcher([&] {
+        other.clear();
+        EXPECT_TRUE(probe.isAlive());
+    });
+    container->addObserver(&watcher);
+    container->addVars(other.get());
+    EXPECT_EQ(container->getCount(), 3);
+    EXPECT_FALSE(probe.isAlive());
+}
+
 TEST_F(ReleasedArray, ByInsertVarSetVarSwapVarsRemoveVarAndRemoveAllVars) {
     const auto change = [&](int operation, KEL_Array& array) {
         switch (operation) {
@@ -108,6 +123,21 @@ TEST_F(ReleasedStruct, ByAddVars) {
     other->putInt("y", 1);
     other->putInt("z", 2);
     releaseAtCall(1, [&](KEL_Struct& structure) { structure.addVars(other.get()); });
+}
+
+TEST_F(ReleasedStruct, TheStructThatAddVarsTakesFrom) {
+    auto other = make<KEL_Struct_Impl>();
+    other->putInt("y", 1);
+    other->putInt("z", 2);
+    const LifeProbe probe(*other);
+    Watcher watcher([&] {
+        other.clear();
+        EXPECT_TRUE(probe.isAlive());
+    });
+    container->addObserver(&watcher);
+    container->addVars(other.get());
+    EXPECT_EQ(container->getCount(), 3);
+    EXPECT_FALSE(probe.isAlive());
 }
 
 TEST_F(ReleasedStruct, ByRemoveVar) {

@@ -1,0 +1,28 @@
+/// \file
+/// Reference: one reference to what stands behind a public interface.
+#pragma once
+
+#include <kel/KEL.h>
+#include <memory>
+
+namespace kel {
+
+/// Gives one reference back.
+struct GiveBack {
+    template <class T> void operator()(T* target) const { target->release(); }
+};
+
+/// Owns one reference to a value or a list of names, which may be a host's own implementation.
+template <class T> using Reference = std::unique_ptr<T, GiveBack>;
+
+/// A reference for the time of an operation whose observers may give the last other one back: to
+/// the operation's own object or to an argument. Null for null.
+inline Reference<KEL> keepAlive(const KEL* value) {
+    auto* held = const_cast<KEL*>(value); // only its count changes
+    if (held != nullptr) {
+        held->addRef();
+    }
+    return Reference<KEL>(held);
+}
+
+} // namespace kel
