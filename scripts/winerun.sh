@@ -27,8 +27,8 @@ wine=$(command -v wine-stable || command -v wine) || {
 mkdir -p "$WINEPREFIX" || exit 77
 (
     flock 9
-    if ! wineserver -k0 2>/dev/null; then # asks whether it runs
-        wineserver -p300 </dev/null >/dev/null 2>&1 9>&-
+    # A server that runs already makes a second one end with status 2. A new one has no services yet.
+    if wineserver -p300 </dev/null >/dev/null 2>&1 9>&-; then
         timeout 180 "$wine" wineboot </dev/null >/dev/null 2>&1 9>&-
     fi
 ) 9>"$WINEPREFIX.lock"
