@@ -83,7 +83,7 @@ int convert(const Options& options, Console& console) {
                               "--force converts the rest."};
         }
         console.say("warning: " + list);
-        fit(input.document, target);
+        fit(input.document, target, found.namesakes);
         if (input.document.roots().empty()) {
             throw Failure{Trouble::refused, name + ": nothing is left to be written"};
         }
