@@ -6,7 +6,7 @@ ANOTHER = "a value with the identity of another"
 
 
 class SharedIdentities(Losses):
-    """Binary knows one value for each identity: a second one is no silent reference to the first."""
+    """Binary knows one value for each identity: a second one is not silently the first."""
 
     def becomes(self, plain):
         """What was refused, converted all the same, holds this."""

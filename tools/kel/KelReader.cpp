@@ -1,12 +1,12 @@
 #include "KelReader.h"
 
 #include "Failure.h"
+#include "GuidText.h"
 #include "KelWriter.h"
 #include "System.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -29,27 +29,40 @@ File opened(std::FILE* file) {
     return File(file);
 }
 
-/// The text of the end mark. No bare word contains the first character, so the mark is never read
-/// as anything but a String.
-constexpr const char* markText = "\x01 end of input \x01";
+JHashCode identityOf(const KEL& value) {
+    JHashCode identity;
+    return value.getHashCode(identity);
+}
 
 /// A root value that is put behind the content of every input. A stream says "end of input" both
-/// behind the last value and in the middle of one; having read the mark last tells them apart.
-std::string endMark(Format format) {
-    constexpr size_t largestMark = 256;
-    MemoryFile file(largestMark);
-    const Value mark = made(CreateKELString(markText));
-    ValueWriter writer(format, file.file());
-    writer.write(mark.get());
-    writer.close();
-    // The blank keeps a carriage return at the end of the content from becoming half a line end.
-    return (format == Format::text ? " \n" : "") + file.take().value();
-}
+/// behind the last value and in the middle of one; having read the mark last tells them apart. The
+/// mark is known by its identity, which is drawn afresh.
+class EndMark {
+public:
+    EndMark() : value_(made(CreateKELString("end of input"))) {}
 
-bool isEndMark(const Value& value) {
-    return value != nullptr && value->getType() == KELKind_String &&
-           std::strcmp(value->toString(), markText) == 0;
-}
+    std::string writtenAs(Format format) const {
+        constexpr size_t largestMark = 256;
+        MemoryFile file(largestMark);
+        ValueWriter writer(format, file.file());
+        writer.write(value_.get());
+        writer.close();
+        const std::string written = file.take().value();
+        if (format == Format::binary) {
+            return written;
+        }
+        // The blank keeps a carriage return at the end of the content from becoming half a line
+        // end. An identity there that waits for its value cannot take the mark for it.
+        return " \n" + textOfGuid(identityOf(*value_)) + " = " + written;
+    }
+
+    bool isReadAs(const Value& value) const {
+        return value != nullptr && identityOf(*value) == identityOf(*value_);
+    }
+
+private:
+    Value value_;
+};
 
 /// How the reading of a stream ended.
 struct Ending {
@@ -140,11 +153,12 @@ std::string textFailure(std::string message, std::string_view content) {
 
 Document readKel(std::string content, Format format, const std::string& inputName) {
     const size_t size = content.size();
-    content += endMark(format);
+    const EndMark mark;
+    content += mark.writtenAs(format);
     {
         std::vector<Value> roots;
         const Ending ending = readUntilFailure(content, format, roots);
-        const bool isWhole = ending.isEndOfInput && !roots.empty() && isEndMark(roots.back());
+        const bool isWhole = ending.isEndOfInput && !roots.empty() && mark.isReadAs(roots.back());
         if (isWhole) {
             roots.pop_back();
         }
