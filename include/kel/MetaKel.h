@@ -48,7 +48,7 @@ protected:
 ///
 /// All others go to the variables as they are: the typed put... and set... operations are not
 /// checked, removeVar and renameVar reach "@desc" too. Observers are told once of every call that
-/// changes variables.
+/// changes variables, also in place (setInt, setVarValue, ...) and when it describes one.
 class MetaKel : public virtual KEL_Struct, public virtual MetaKelInterface_V1 {
 public:
     using KEL_Struct::getVar;

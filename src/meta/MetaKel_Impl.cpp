@@ -91,7 +91,7 @@ void MetaKel_Impl::setVar(const char* name, KEL* value) {
 
 void MetaKel_Impl::setVarValue(const char* name, KEL* value) {
     if (containsVar(name) && accepts(name, value)) {
-        notifyOnce([&] { inner().setVarValue(name, value); });
+        StructForwarder::setVarValue(name, value);
     }
 }
 
@@ -144,7 +144,15 @@ void MetaKel_Impl::createVar(const char* name, KEL* value, MetaKelVarDescriptor*
         if (isNew) {
             inUse = new MetaKelDescriptor_Impl();
         }
-        inUse->addVar(name, rules); // refuses a quote before anything has changed
+        try {
+            inUse->addVar(name, rules); // refuses a quote before anything has changed
+        } catch (...) {
+            if (inUse->find(name) == rules) { // but observers of the descriptor may throw later
+                markInnerChanged();
+            }
+            throw;
+        }
+        markInnerChanged();
         if (isNew) {
             inner().addVar(descriptorName, inUse.get());
         }
