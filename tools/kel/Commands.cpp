@@ -10,6 +10,7 @@
 #include "Survey.h"
 
 #include <algorithm>
+#include <new>
 
 namespace kel::tool {
 
@@ -140,6 +141,9 @@ int check(const Options& options, Console& console) {
             console.say(failure.message);
             const bool isWrong = failure.trouble == Trouble::malformed;
             worst = std::max(worst, exitStatus(isWrong ? Trouble::refused : failure.trouble));
+        } catch (const std::bad_alloc&) {
+            console.say(name + ": out of memory");
+            worst = std::max(worst, exitStatus(Trouble::unreadable));
         }
     }
     return worst;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <new>
 #include <optional>
 #include <system_error>
 
@@ -81,6 +82,9 @@ public:
         } else {
             stream_ = CreateKELBinaryInputStream(file_.get());
         }
+        if (stream_ == nullptr) {
+            throw std::bad_alloc();
+        }
     }
     ValueReader(const ValueReader&) = delete;
     ValueReader& operator=(const ValueReader&) = delete;
@@ -101,6 +105,7 @@ private:
 };
 
 /// Reads root values until the library throws, which it does at the end at the latest.
+/// \throws std::bad_alloc when memory ran out, which says nothing about the content
 Ending readUntilFailure(std::string_view content, Format format, std::vector<Value>& roots) {
     ValueReader reader(content, format);
     Ending ending;
@@ -108,6 +113,9 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
         for (;;) {
             roots.emplace_back(reader.read());
         }
+    } catch (KELOutOfMemoryException* failure) {
+        DeleteKELException(failure);
+        throw std::bad_alloc();
     } catch (KELException* failure) {
         ending.isEndOfInput = dynamic_cast<KELEOFException*>(failure) != nullptr;
         ending.message = failure->getMessage();
@@ -116,7 +124,10 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
         ending.isEndOfInput = true;
     } catch (const JException& failure) {
         const JPointer<JString> message(failure.getMessage());
-        ending.message = message.isNull() ? "out of memory" : message->chars();
+        if (message.isNull()) {
+            throw std::bad_alloc();
+        }
+        ending.message = message->chars();
     }
     ending.offset = reader.offset();
     return ending;
@@ -144,7 +155,8 @@ std::string textFailure(std::string message, std::string_view content) {
     if (const std::optional<std::string> line = takeLine(message)) {
         return *line + ": " + message;
     }
-    // Without a line of its own a failure concerns the end of the input.
+    // Only a quoted word without an end, which reaches to the end of the input, is told without a
+    // line: content in memory has no medium that could fail.
     const std::string_view body = content.substr(0, content.find_last_not_of('\n') + 1);
     return std::to_string(std::count(body.begin(), body.end(), '\n') + 1) + ": " + message;
 }
