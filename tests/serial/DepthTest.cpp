@@ -163,17 +163,35 @@ TEST(SerialDepth, TheCostOfRecordsIsLinear) {
               40.0);
 }
 
+/// So many different entries of a manager.
+std::string entriesOf(int count) {
+    std::string entries;
+    for (int i = 0; i < count; ++i) {
+        char code[JHashCode::guidTextLength + 1];
+        JHashCode(static_cast<uint32_t>(i), 1, 2, 3).toGuidText(code);
+        entries.append(code).append("=1\n");
+    }
+    return entries;
+}
+
+double secondsToReadManager(const std::string& entries, int differentOnes) {
+    const std::string text = "(" + entries + ")";
+    return secondsOf([&] { EXPECT_EQ(asManager(read(text)).size(), differentOnes); });
+}
+
 TEST(SerialDepth, TheCostOfManagersIsLinear) {
-    // Twice the same entries: each of the second half replaces one of the first.
+    // Each entry of the second half replaces one of the first.
     const auto time = [](int entries) {
-        std::string half;
-        for (int i = 0; i < entries; ++i) {
-            char code[JHashCode::guidTextLength + 1];
-            JHashCode(static_cast<uint32_t>(i), 1, 2, 3).toGuidText(code);
-            half.append(code).append("=1\n");
-        }
-        const std::string text = "(" + half + half + ")";
-        return secondsOf([&] { EXPECT_EQ(asManager(read(text)).size(), entries); });
+        return secondsToReadManager(entriesOf(entries) + entriesOf(entries), entries);
+    };
+    const double small = time(2000);
+    EXPECT_LT(time(20000), small * 40.0);
+}
+
+TEST(SerialDepth, TheCostOfManagersWithManyEntriesOfTheZeroIdentityIsLinear) {
+    const auto time = [](int entries) {
+        const std::string zero = "00000000-0000-0000-0000-000000000000=2\n";
+        return secondsToReadManager(entriesOf(entries) + repeated(zero, entries), entries + 1);
     };
     const double small = time(2000);
     EXPECT_LT(time(20000), small * 40.0);
