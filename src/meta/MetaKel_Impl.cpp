@@ -6,10 +6,11 @@ namespace {
 
 constexpr const char* descriptorName = "@desc";
 
-/// A descriptor that states the kind of a value as the type.
+/// A descriptor that states the kind of a value as the type; null for null.
 JPointer<MetaKelVarDescriptor_Impl> describeType(const KEL* value) {
-    JPointer<MetaKelVarDescriptor_Impl> made(new MetaKelVarDescriptor_Impl());
+    JPointer<MetaKelVarDescriptor_Impl> made;
     if (value != nullptr) {
+        made = new MetaKelVarDescriptor_Impl();
         made->setType(value->getType());
     }
     return made;
@@ -174,8 +175,10 @@ void MetaKel_Impl::createVarWithDefault(const char* name, KEL* value, KEL* defau
 }
 
 void MetaKel_Impl::createVarWithEnum(const char* name, KEL* value, KEL_Array* allowed) {
-    const JPointer<MetaKelVarDescriptor_Impl> rules = describeType(value);
-    if (allowed != nullptr) {
+    const bool tellsKind = value == nullptr && allowed != nullptr && allowed->getCount() > 0;
+    const JPointer<MetaKelVarDescriptor_Impl> rules =
+        describeType(tellsKind ? allowed->getVar(0) : value);
+    if (rules.isValid() && allowed != nullptr) {
         rules->addVar("enum", allowed);
     }
     createVar(name, value, rules.get());
