@@ -331,6 +331,13 @@ TEST(TextReference, AValueThatIsNotReadToItsEndIsUnknown) {
               syntaxErrorAt(2));
 }
 
+TEST(TextReference, ReachesWhatAFailedReadHasCompleted) {
+    TextInput input("[ " + sample + " = 5 " + other + " = [ 6 ? REF " + sample + "\nREF " + other);
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }), syntaxErrorAt(1));
+    EXPECT_EQ(input.read()->toInt(), 5); // behind the character that was wrong
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }), syntaxErrorAt(2));
+}
+
 TEST(TextReference, NeedsAHashCode) {
     EXPECT_EQ(refusalOf("[ REF 5 ]"), syntaxErrorAt(1));
     EXPECT_EQ(refusalOf("[ REF ]"), syntaxErrorAt(1));
