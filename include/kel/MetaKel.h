@@ -40,8 +40,9 @@ protected:
 ///   name that begins with "@" throws KELRenameException "Variable names beginning with '@' are
 ///   reserved.". A value that the variable's descriptor finds invalid is not added; the variable
 ///   is added with null if the descriptor has a default, else not at all.
-/// - setVar: does nothing for a null or invalid value; adds the variable if it is missing;
-///   notifies.
+/// - setVar: does nothing for a null or invalid value and for an empty name; adds the variable if it
+///   is missing; notifies.
+///   \throws KELRenameException "KEL_Struct key can't contain a \"" for a name with a quote
 /// - setVarValue: does nothing for an invalid value and for a name that is not there.
 /// - getVar: a variable that is missing answers its descriptor's default.
 ///   \throws KELException "Variable not found." for one that is described without a default
@@ -49,7 +50,7 @@ protected:
 ///
 /// All others go to the variables as they are: the typed put... and set... operations are not
 /// checked, removeVar and renameVar reach "@desc" too. Observers are told once of every call that
-/// changes variables.
+/// changes variables, also in place (setInt, setVarValue, ...) and when it describes one.
 class MetaKel : public virtual KEL_Struct, public virtual MetaKelInterface_V1 {
 public:
     using KEL_Struct::getVar;
@@ -58,13 +59,15 @@ public:
     /// variables if storeDefault is set. A null name answers null. Throws as getVar.
     virtual KEL* getVar(const char* name, bool storeDefault) = 0;
 
-    /// createVar with a new descriptor that states the value's kind as the type.
+    /// createVar with a new descriptor that states the value's kind as the type. A null value does
+    /// nothing: it tells no kind.
     virtual void createVarWithType(const char* name, KEL* value) = 0;
     /// createVar with a new descriptor that states the default and its kind. A null default is
     /// as createVarWithType.
     virtual void createVarWithDefault(const char* name, KEL* value, KEL* defaultValue) = 0;
-    /// createVar with a new descriptor that states the value's kind and the allowed values, which
-    /// are shared. Null allowed values are as createVarWithType.
+    /// createVar with a new descriptor that states the value's kind (the first allowed value's, when
+    /// the value is null) and the allowed values, which are shared. Null allowed values are as
+    /// createVarWithType. Where nothing tells a kind, nothing is done.
     virtual void createVarWithEnum(const char* name, KEL* value, KEL_Array* allowed) = 0;
 
 protected:

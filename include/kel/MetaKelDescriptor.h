@@ -12,7 +12,7 @@ protected:
 };
 
 /// A description of a struct. Kind 51. Observers are told once of every call that changes its
-/// variables, setVar included.
+/// variables, setVar and changes in place (setInt, setVarValue, ...) included.
 class MetaKelDescriptor : public virtual KEL_Struct, public virtual MetaKelDescriptorInterface_V1 {
 protected:
     ~MetaKelDescriptor() = default;

@@ -203,8 +203,8 @@ protected:
 };
 
 /// A description of one variable. Kind 52. Observers are told once of every call that changes a
-/// property, setVar included; they are not told of changes inside the array of allowed values,
-/// which has observers of its own.
+/// property, also in place (setInt, addEnumValue, ...), setVar included. They are not told of what
+/// others change in the array of allowed values, which has observers of its own.
 class MetaKelVarDescriptor : public virtual KEL_Struct,
                              public virtual MetaKelVarDescriptorInterface_V1 {
 public:

@@ -207,9 +207,16 @@ void MetaKelVarDescriptor_Impl::addEnumValue(int32_t value) {
 }
 
 void MetaKelVarDescriptor_Impl::addEnumValue(KEL* value) {
-    if (value != nullptr) {
-        allowedValues().addVar(value);
+    if (value == nullptr) {
+        return;
     }
+    const JPointer<KEL_Array_Impl> list = JPointer<KEL_Array_Impl>::share(&allowedValues());
+    notifyOnce([&] {
+        if (KEL_Impl::of(value) != nullptr) {
+            markInnerChanged(); // first, because the list's observers may throw
+        }
+        list->addVar(value); // which ignores foreign values
+    });
 }
 
 void MetaKelVarDescriptor_Impl::removeEnumValue(bool value) {
@@ -237,11 +244,14 @@ void MetaKelVarDescriptor_Impl::removeEnumValue(const KEL* value) {
     const JPointer<KEL_Impl> held =
         JPointer<KEL_Impl>::share(const_cast<KEL_Impl*>(KEL_Impl::of(value)));
     const JPointer<KEL_Array_Impl> list = JPointer<KEL_Array_Impl>::share(&allowed);
-    for (int32_t i = 0; i < allowed.getCount(); ++i) {
-        if (allowed.elementAt(i)->equalsValue(value)) {
-            allowed.removeVar(i);
+    notifyOnce([&] {
+        for (int32_t i = 0; i < allowed.getCount(); ++i) {
+            if (allowed.elementAt(i)->equalsValue(value)) {
+                markInnerChanged(); // first, because the list's observers may throw
+                allowed.removeVar(i);
+            }
         }
-    }
+    });
 }
 
 void MetaKelVarDescriptor_Impl::addEnumerationList(KEL*) {

@@ -7,10 +7,11 @@ namespace {
 
 constexpr const char* descriptorName = "@desc";
 
-/// A descriptor that states the kind of a value as the type.
+/// A descriptor that states the kind of a value as the type; null for null.
 JPointer<MetaKelVarDescriptor_Impl> describeType(const KEL* value) {
-    JPointer<MetaKelVarDescriptor_Impl> made(new MetaKelVarDescriptor_Impl());
+    JPointer<MetaKelVarDescriptor_Impl> made;
     if (value != nullptr) {
+        made = new MetaKelVarDescriptor_Impl();
         made->setType(value->getType());
     }
     return made;
@@ -92,7 +93,7 @@ void MetaKel_Impl::setVar(const char* name, KEL* value) {
 
 void MetaKel_Impl::setVarValue(const char* name, KEL* value) {
     if (containsVar(name) && accepts(name, value)) {
-        notifyOnce([&] { inner().setVarValue(name, value); });
+        StructForwarder::setVarValue(name, value);
     }
 }
 
@@ -146,7 +147,15 @@ void MetaKel_Impl::createVar(const char* name, KEL* value, MetaKelVarDescriptor*
         if (isNew) {
             inUse = new MetaKelDescriptor_Impl();
         }
-        inUse->addVar(name, rules); // refuses a quote before anything has changed
+        try {
+            inUse->addVar(name, rules); // refuses a quote before anything has changed
+        } catch (...) {
+            if (inUse->find(name) == rules) { // but observers of the descriptor may throw later
+                markInnerChanged();
+            }
+            throw;
+        }
+        markInnerChanged();
         if (isNew) {
             inner().addVar(descriptorName, inUse.get());
         }
@@ -168,8 +177,10 @@ void MetaKel_Impl::createVarWithDefault(const char* name, KEL* value, KEL* defau
 }
 
 void MetaKel_Impl::createVarWithEnum(const char* name, KEL* value, KEL_Array* allowed) {
-    const JPointer<MetaKelVarDescriptor_Impl> rules = describeType(value);
-    if (allowed != nullptr) {
+    const bool tellsKind = value == nullptr && allowed != nullptr && allowed->getCount() > 0;
+    const JPointer<MetaKelVarDescriptor_Impl> rules =
+        describeType(tellsKind ? allowed->getVar(0) : value);
+    if (rules.isValid() && allowed != nullptr) {
         rules->addVar("enum", allowed);
     }
     createVar(name, value, rules.get());

@@ -4,6 +4,12 @@
 
 #include "meta/InnerObserver.h"
 #include "meta/StructHolder.h"
+#include "values/KELException_Impl.h"
+#include "values/KEL_Boolean_Impl.h"
+#include "values/KEL_Double_Impl.h"
+#include "values/KEL_Int_Impl.h"
+#include "values/KEL_String_Impl.h"
+#include "values/KEL_guid_Impl.h"
 
 #include <type_traits>
 #include <utility>
@@ -14,7 +20,8 @@ namespace kel {
 /// same identity. Public is the kind's public class.
 ///
 /// Observers of the value hear of every change of the inner struct with the value itself, once for
-/// each operation, also when somebody changes the inner struct directly.
+/// each operation, also when somebody changes the inner struct directly. So they do of an operation
+/// of the value that changes a variable in place, which is no change of the inner struct.
 template <class Public>
 class StructForwarder : public KEL_Impl, public Public, public StructHolder {
 public:
@@ -59,7 +66,9 @@ public:
         notifyOnce([&] { inner_->addVar(name, value); });
     }
     int32_t addVars(KEL_Struct* other) override {
-        return notifyOnce([&] { return inner_->addVars(other); });
+        int32_t result = 0;
+        notifyOnce([&] { result = inner_->addVars(other); });
+        return result;
     }
     void removeVar(const char* name) override {
         notifyOnce([&] { inner_->removeVar(name); });
@@ -73,32 +82,32 @@ public:
         });
     }
     void setString(const char* name, const char* text) override {
-        notifyOnce([&] { inner_->setString(name, text); });
+        if (text != nullptr) {
+            setMade(name, new KEL_String_Impl(text));
+        }
     }
     void setguid(const char* name, const JHashCode& value) override {
-        notifyOnce([&] { inner_->setguid(name, value); });
+        setMade(name, new KEL_guid_Impl(value));
     }
     void setDouble(const char* name, float value) override {
-        notifyOnce([&] { inner_->setDouble(name, value); });
+        setMade(name, new KEL_Double_Impl(double{value}));
     }
     void setDouble(const char* name, double value) override {
-        notifyOnce([&] { inner_->setDouble(name, value); });
+        setMade(name, new KEL_Double_Impl(value));
     }
     void setInt(const char* name, long value) override {
-        notifyOnce([&] { inner_->setInt(name, value); });
+        setMade(name, new KEL_Int_Impl(static_cast<int32_t>(value)));
     }
     void setInt(const char* name, unsigned long value) override {
-        notifyOnce([&] { inner_->setInt(name, value); });
+        setMade(name, new KEL_Int_Impl(static_cast<int32_t>(value)));
     }
     void setInt(const char* name, int32_t value) override {
-        notifyOnce([&] { inner_->setInt(name, value); });
+        setMade(name, new KEL_Int_Impl(value));
     }
     void setBoolean(const char* name, bool value) override {
-        notifyOnce([&] { inner_->setBoolean(name, value); });
+        setMade(name, new KEL_Boolean_Impl(value));
     }
-    void setVarValue(const char* name, KEL* value) override {
-        notifyOnce([&] { inner_->setVarValue(name, value); });
-    }
+    void setVarValue(const char* name, KEL* value) override { changeInPlace(name, value); }
     bool containsVar(const char* name) const override { return inner_->containsVar(name); }
     StringEnumeration* getVarNames() const override { return inner_->getVarNames(); }
     void removeAllVars() override {
@@ -136,51 +145,65 @@ protected:
 
     ~StructForwarder() override { inner_->removeObserver(relay_.get()); }
 
-    /// Runs an operation on the inner struct and notifies once if that changed it.
-    template <class Operation> auto notifyOnce(const Operation& operation) {
-        Deferral deferral(*this);
-        if constexpr (std::is_void_v<decltype(operation())>) {
+    /// Runs an operation on the inner struct and notifies once if that changed it, also when it
+    /// throws on the way: an observer of something inside may.
+    template <class Operation> void notifyOnce(const Operation& operation) {
+        // Held: the inner struct's own observers may let go of this value.
+        const JPointer<StructForwarder> held = JPointer<StructForwarder>::share(this);
+        ++deferrals_;
+        try {
             operation();
-            deferral.finish();
-        } else {
-            auto result = operation();
-            deferral.finish();
-            return result;
+        } catch (...) {
+            tellAfterFailure();
+            throw;
         }
+        tell();
     }
 
-    /// Counts as a change although the inner struct notifies nobody: its setVar.
+    /// Counts as a change although the inner struct notifies nobody: its setVar, and changes of
+    /// what a variable holds.
     void markInnerChanged() { innerChanged(); }
 
 private:
-    /// Collects the notifications of one operation.
-    class Deferral {
-    public:
-        explicit Deferral(StructForwarder& owner)
-            : owner_(owner), held_(JPointer<StructForwarder>::share(&owner)) {
-            ++owner_.deferrals_;
+    /// The end of an operation. It is over before the observers are called: they may change the
+    /// value again.
+    void tell() {
+        if (--deferrals_ == 0 && std::exchange(pending_, false)) {
+            notifyChanged();
         }
-        Deferral(const Deferral&) = delete;
-        Deferral& operator=(const Deferral&) = delete;
-        ~Deferral() {
-            if (!finished_ && --owner_.deferrals_ == 0) {
-                owner_.pending_ = false; // the operation failed
-            }
-        }
+    }
 
-        /// Over before the observers are called: they may change the value again.
-        void finish() {
-            finished_ = true;
-            if (--owner_.deferrals_ == 0 && std::exchange(owner_.pending_, false)) {
-                owner_.notifyChanged();
-            }
+    /// The same for an operation that failed. Only one failure can reach the caller, the first.
+    void tellAfterFailure() {
+        try {
+            tell();
+        } catch (KELException* second) {
+            second->release();
+        } catch (...) { // the first one goes on
         }
+    }
 
-    private:
-        StructForwarder& owner_;
-        JPointer<StructForwarder> held_; // the inner struct's own observers may let go of it
-        bool finished_ = false;
-    };
+    /// Lets the variable take over a value just made, which is then released.
+    void setMade(const char* name, KEL_Impl* value) {
+        const JPointer<KEL_Impl> made(value);
+        changeInPlace(name, made.get());
+    }
+
+    /// The inner struct's setVarValue. It changes the variable's value in place, of which that
+    /// value tells its own observers and the inner struct nobody.
+    void changeInPlace(const char* name, KEL* value) {
+        notifyOnce([&] {
+            const KEL_Impl* source = KEL_Impl::of(value);
+            const JPointer<KEL_Impl> current = JPointer<KEL_Impl>::share(
+                inner_->containsVar(name) ? inner_->valueOf(name) : nullptr);
+            if (source == nullptr || current.isNull()) {
+                inner_->setVarValue(name, value);
+            } else if (current->takeConverted(*source)) {
+                markInnerChanged();
+                current->notifyChanged();
+            }
+        });
+    }
 
     void innerChanged() {
         if (deferrals_ > 0) {

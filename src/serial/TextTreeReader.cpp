@@ -433,27 +433,34 @@ void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
         container.addKel(value.get());
         return;
     }
-    const auto enter = [&](KEL_Impl* element, int32_t place) {
-        manager.index->places[element] = place;
-        manager.index->entries.put(element->identity(), element);
-    };
     if (manager.index == nullptr) {
         manager.index = std::make_unique<ManagerIndex>();
         ChildCursor cursor(container);
         while (cursor.next()) {
-            if (!cursor.value->identity().isZero()) {
-                enter(cursor.value, cursor.index);
-            }
+            manager.index->enter(cursor.value, cursor.index);
         }
     }
-    if (value->identity().isZero()) {
-        container.addKel(value.get());
+    const int32_t before = manager.index->placeOf(value->identity());
+    const int32_t place = before == -1 ? container.size() : before;
+    manager.index->enter(value.get(), place);
+    container.adoptElementAt(place, std::move(value));
+}
+
+void TextTreeReader::ManagerIndex::enter(KEL_Impl* element, int32_t place) {
+    if (element->identity().isZero()) {
+        zeroPlace_ = place;
         return;
     }
-    const KEL_Impl* before = manager.index->entries.find(value->identity());
-    const int32_t place = before == nullptr ? container.size() : manager.index->places[before];
-    enter(value.get(), place);
-    container.adoptElementAt(place, std::move(value));
+    places_[element] = place;
+    entries_.put(element->identity(), element);
+}
+
+int32_t TextTreeReader::ManagerIndex::placeOf(const JHashCode& identity) const {
+    if (identity.isZero()) {
+        return zeroPlace_;
+    }
+    const KEL_Impl* element = entries_.find(identity);
+    return element == nullptr ? -1 : places_.at(element);
 }
 
 } // namespace kel

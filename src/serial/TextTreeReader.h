@@ -26,10 +26,18 @@ public:
     KEL_Impl* read();
 
 private:
-    /// Finds a manager's elements by identity, and their places.
-    struct ManagerIndex {
-        IdentityTable entries;
-        std::unordered_map<const KEL_Impl*, int32_t> places;
+    /// Finds the places of a manager's elements by identity. The table knows no zero identity, which
+    /// here is one like others.
+    class ManagerIndex {
+    public:
+        void enter(KEL_Impl* element, int32_t place);
+        /// The place of the element with this identity, -1 when there is none.
+        int32_t placeOf(const JHashCode& identity) const;
+
+    private:
+        IdentityTable entries_;
+        std::unordered_map<const KEL_Impl*, int32_t> places_;
+        int32_t zeroPlace_ = -1;
     };
 
     /// A value that is not complete: a container, or the use of a definition.

@@ -229,8 +229,11 @@ TEST_F(MetaKelHost, ObserversAreToldOnceWithTheMetaValue) {
     meta->setVar("level", seven.get());
     meta->setVar("level", eleven.get());
     meta->createVarWithDefault("x", three.get(), seven.get());
+    meta->setVarValue("level", three.get()); // in place
+    meta->setInt("level", 5);
+    seven->setValue(6); // by others
     meta->removeObserver(&watcher);
-    EXPECT_EQ(watcher.told, std::vector<KEL*>(3, meta.get()));
+    EXPECT_EQ(watcher.told, std::vector<KEL*>(5, meta.get()));
 }
 
 TEST_F(MetaKelHost, GoesThroughTextWithItsDescriptor) {

@@ -118,6 +118,22 @@ TEST_F(MetaKelLifeTest, CreateVarWithEnumStatesTheAllowedValues) {
     EXPECT_FALSE(asDescriptor(ofZ).isEnumerated());
 }
 
+TEST_F(MetaKelLifeTest, CreateVarWithEnumTakesTheKindOfTheFirstAllowedValueWhenThereIsNoValue) {
+    plain.createVarWithEnum("x", nullptr, &asArray(arrayOf(stringOf("a"), three)));
+    const HeldValue rules(KEL_Impl::of(plain.getDescriptor()->getVar("x")));
+    EXPECT_EQ(asDescriptor(rules).getType(), KELKind_String);
+    EXPECT_TRUE(asDescriptor(rules).isEnumerated());
+    EXPECT_FALSE(plain.containsVar("x"));
+}
+
+TEST_F(MetaKelLifeTest, WithoutAValueThatTellsTheKindNothingIsDescribed) {
+    plain.createVarWithType("x", nullptr);
+    plain.createVarWithDefault("x", nullptr, nullptr);
+    plain.createVarWithEnum("x", nullptr, nullptr);
+    plain.createVarWithEnum("x", nullptr, &asArray(arrayOf()));
+    EXPECT_EQ(plain.getCount(), 0);
+}
+
 // ---- Observers ---------------------------------------------------------------------------------
 
 TEST_F(MetaKelLifeTest, ObserversAreToldOnceOfEachChangeWithTheMetaValue) {

@@ -164,19 +164,33 @@ TEST(SerialDepth, TheCostOfRecordsIsLinear) {
               40.0);
 }
 
+/// So many different entries of a manager.
+std::string entriesOf(int count) {
+    std::string entries;
+    for (int i = 0; i < count; ++i) {
+        char code[JHashCode::guidTextLength + 1];
+        JHashCode(static_cast<uint32_t>(i), 1, 2, 3).toGuidText(code);
+        entries.append(code).append("=1\n");
+    }
+    return entries;
+}
+
 TEST(SerialDepth, TheCostOfManagersIsLinear) {
-    // Twice the same entries: each of the second half replaces one of the first.
+    // Each entry of the second half replaces one of the first.
     const auto readTwice = [](int entries) {
-        std::string half;
-        for (int i = 0; i < entries; ++i) {
-            char code[JHashCode::guidTextLength + 1];
-            JHashCode(static_cast<uint32_t>(i), 1, 2, 3).toGuidText(code);
-            half.append(code).append("=1\n");
-        }
-        const std::string text = "(" + half + half + ")";
-        EXPECT_EQ(asManager(read(text)).size(), entries);
+        const std::string half = entriesOf(entries);
+        EXPECT_EQ(asManager(read("(" + half + half + ")")).size(), entries);
     };
     EXPECT_LT(growth(readTwice, 2000, 5), 40.0);
+}
+
+TEST(SerialDepth, TheCostOfManagersWithManyEntriesOfTheZeroIdentityIsLinear) {
+    const auto readZeros = [](int entries) {
+        const std::string zero = "00000000-0000-0000-0000-000000000000=2\n";
+        const std::string text = "(" + entriesOf(entries) + repeated(zero, entries) + ")";
+        EXPECT_EQ(asManager(read(text)).size(), entries + 1);
+    };
+    EXPECT_LT(growth(readZeros, 2000, 5), 40.0);
 }
 
 TEST(SerialDepth, NestedManagersTakeMemoryInProportionToTheirText) {

@@ -239,6 +239,25 @@ TEST(TextManager, TheZeroIdentityIsAKeyLikeOthers) {
     EXPECT_EQ(rewritten("( " + zero + " = 1 " + zero + " = 2 )"), "(\n\t" + zero + " = 2\n)\n");
 }
 
+/// A manager's entry, as it is written, under an identity of a small number.
+std::string entryOf(int number, int value) {
+    const std::string digits = std::to_string(1000 + number).substr(1);
+    return "\t00000000-0000-0000-0000-000000000" + digits + " = " + std::to_string(value) + "\n";
+}
+
+TEST(TextManager, TheZeroIdentityIsAKeyLikeOthersAmongMany) {
+    for (const int zeroPlace : {0, 20, 39}) {
+        std::string entries;
+        std::string expected;
+        for (int i = 0; i < 40; ++i) {
+            entries += entryOf(i == zeroPlace ? 0 : i + 1, 1);
+            expected += i == zeroPlace ? entryOf(0, 3) : entryOf(i + 1, 1);
+        }
+        const std::string text = "(\n" + entries + entryOf(0, 2) + entryOf(0, 3) + ")\n";
+        EXPECT_EQ(rewritten(text), "(\n" + expected + ")\n");
+    }
+}
+
 TEST(TextManager, AKeyThatIsNoHashCodeIsASyntaxError) {
     EXPECT_EQ(refusalOf("( a = 5 )"), syntaxErrorAt(1));
     EXPECT_EQ(refusalOf("( 5 )"), syntaxErrorAt(1));
@@ -310,6 +329,13 @@ TEST(TextReference, AValueThatIsNotReadToItsEndIsUnknown) {
     EXPECT_EQ(refusalOf(sample + " = [ REF " + sample + " ]"), syntaxErrorAt(1));
     EXPECT_EQ(refusalOf("{ @hashCode = " + sample + "\n a = REF " + sample + " }"),
               syntaxErrorAt(2));
+}
+
+TEST(TextReference, ReachesWhatAFailedReadHasCompleted) {
+    TextInput input("[ " + sample + " = 5 " + other + " = [ 6 ? REF " + sample + "\nREF " + other);
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }), syntaxErrorAt(1));
+    EXPECT_EQ(input.read()->toInt(), 5); // behind the character that was wrong
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }), syntaxErrorAt(2));
 }
 
 TEST(TextReference, NeedsAHashCode) {

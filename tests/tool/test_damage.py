@@ -5,8 +5,10 @@ from support import (ARRAY, DOUBLE, MEMBLOCK, ToolTest, int_record, record, refe
                      string_record, struct_record)
 
 JSON = b'{"a": [1, -2.5e3, true, null, "x\\u00e9\\n"], "b": {"$guid": "none"}, "": {}}'
-TEXT = (b'// comment\n{ @desc = "d" a = [ 1 -2.5 true "x" ]\n'
-        b'g = 3F2504E0-4F89-11D3-9A0C-0305E82C3301\n b = /* c */ NULL "k l" = 0x1f }')
+GUID = b"AF2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit; no beginning is a number
+ROOT = b'// comment\n' + GUID + b'2'
+TEXT = (ROOT + b' = { @desc = "d" a = [ 1 -2.5 true "x" ]\n'
+        b'g = ' + GUID + b'1\n b = /* c */ NULL "k l" = 0x1f }')
 BINARY = struct_record([(b"a", record(ARRAY, int_record(1, 2) + reference(2), 3)),
                         (b"b", string_record(b"text", 4)), (b"c", record(MEMBLOCK, b"abc", 5)),
                         (b"d", record(DOUBLE, struct.pack("<d", 0.5), 6)),
@@ -39,7 +41,19 @@ class Damage(ToolTest):
     def test_every_beginning_of_a_file_is_refused(self):
         for form, sample in SAMPLES.items():
             beginnings = [sample[:size] for size in range(len(sample))]
-            self.assertEqual(self.check(form, beginnings), list(range(len(sample))), form)
+            cut = [size for size in range(len(sample))
+                   if beginnings[size].rstrip() != ROOT]  # a guid value, whole as it is
+            self.assertEqual(self.check(form, beginnings), cut, form)
+
+    def test_an_identity_without_its_value_is_refused(self):
+        ends = [b" =", b" = ", b" =\n", b" = // comment\n", b" = " + GUID + b"1 =", b" = REF",
+                b" = #define A", b" = #define A 1"]
+        self.assertEqual(self.check("text", [b"5\n" + GUID + b"1" + end for end in ends]),
+                         list(range(len(ends))))
+        self.write("a.kel", b"5\n" + GUID + b"1 =")
+        self.fails(1, "kel: a.kel:2: unexpected end of input\n", "check", "a.kel")
+        self.fails(3, "kel: a.kel:2: unexpected end of input\n", "convert", "a.kel", "b.kelb")
+        self.assertNotIn("b.kelb", self.files())
 
     def test_every_change_of_a_byte_is_refused_or_read(self):
         for form, sample in SAMPLES.items():

@@ -162,6 +162,30 @@ class Output(ToolTest):
         self.ok("convert", "a.json", "b.kel")
         self.assertEqual(os.stat(self.path("b.kel")).st_uid, NOBODY)
 
+    def test_a_file_that_ran_as_its_owner_does_so_no_more(self):
+        self.write("a.json", "1")
+        self.write("b.kel", "old")
+        os.chmod(self.path("b.kel"), 0o6755)
+        self.ok("convert", "a.json", "b.kel")
+        self.assertEqual(self.mode("b.kel"), 0o755)
+
+    @unittest.skipUnless(ROOT, "only root can become somebody else")
+    def test_permissions_of_a_group_are_given_to_no_other_group(self):
+        def become_nobody():
+            os.setgroups([])
+            os.setgid(NOBODY)
+            os.setuid(NOBODY)
+
+        os.chmod(self.folder, 0o777)
+        for group, mode in ((0, 0o606), (NOBODY, 0o666)):
+            self.write("a.json", "1")
+            self.write("b.kel", "old")
+            os.chown(self.path("b.kel"), 0, group)
+            os.chmod(self.path("b.kel"), 0o666)
+            self.ok("convert", "a.json", "b.kel", preexec_fn=become_nobody)
+            self.assertEqual((self.mode("b.kel"), self.read("b.kel")), (mode, b"1\n"))
+            os.remove(self.path("b.kel"))
+
     def test_a_protected_file_is_not_replaced(self):
         self.write("a.json", "1")
         self.write("b.kel", "old")

@@ -231,6 +231,30 @@ class Check(Kinds):
                         f'x: "{"a" * 59}..." is not allowed (allowed: 0, 1, 2, 3, 4, 5, 6, 7, 8, '
                         "9 and 2 more)")
 
+    def test_allowed_values_are_compared_as_values(self):
+        many = rules("type = 1", f'enum = [ 1 2.5 true "a" "" {GUID}1\n [1 {GUID}2\n] 0.0 ]')
+        settings = described(*((name, many) for name in "abcdefghijkl"))
+        self.fine(checked(settings, "a = 1.0", "b = 2.5", "c = true", 'd = "a"', 'e = ""',
+                          f"f = {GUID}1", f"g = [1.0 {GUID}2\n]", "h = 0", "i = -.0"))
+        self.violations(checked(settings, 'a = "1"', "b = 2", "c = false", 'd = "true"',
+                                f'e = "{GUID}1"', f"f = {GUID}2", "g = [1]", "h = {}"),
+                        *(f"{name}: {value} is not allowed (allowed: 1, 2.5, true, \"a\", \"\", "
+                          f"{GUID}1, an array, 0)" for name, value in
+                          zip("abcdefgh", ('"1"', "2", "false", '"true"', f'"{GUID}1"',
+                                           f"{GUID}2", "an array", "a struct"))))
+
+    def test_a_long_enumeration_that_many_variables_share_takes_linear_time(self):
+        count = 20000
+        words = " ".join(f'"{number:019}"' for number in range(count))
+        shared = rules("type = 6", f"enum = [{words}]", f'default = "{count - 1:019}"')
+        names = [f"v{number}" for number in range(1, count)]
+        self.write("a.kel", checked(
+            described(("v0", f"{GUID}1 = {shared}"), *((name, f"REF {GUID}1") for name in names)),
+            *(f'{name} = "{count - 1:019}"' for name in names)))
+        start = time.monotonic()
+        self.ok("check", "a.kel")
+        self.assertLess(time.monotonic() - start, 5)
+
     def test_an_empty_enumeration_allows_nothing(self):
         self.violations(checked(described(("x", rules("type = 1", "enum = []"))), "x = [1]"),
                         "x: an array is not allowed (allowed: nothing)")

@@ -1,9 +1,11 @@
 import os
 import subprocess
 import time
+import unittest
 
 if os.name == "posix":
     import pty
+    import resource
 
 from support import (ARRAY, MEMBLOCK, ToolTest, command, double_record, posix_only, record,
                      string_record)
@@ -85,6 +87,20 @@ class Progress(ToolTest):
         shown = self.run_slowly(1.8)
         self.assertTrue(shown.startswith(b"kel: reading -, 1 s"), shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can become somebody else")
+    def test_work_goes_on_without_progress_where_no_thread_can_be_had(self):
+        def become_one_process():
+            somebody = 54321  # who runs nothing else
+            resource.setrlimit(resource.RLIMIT_NPROC, (1, 1))
+            os.setuid(somebody)
+
+        terminal, stderr = pty.openpty()
+        self.addCleanup(os.close, terminal)
+        process = subprocess.run([TOOL, "show", "-"], input=b"1", stdout=subprocess.PIPE,
+                                 stderr=stderr, preexec_fn=become_one_process, check=False)
+        os.close(stderr)
+        self.assertEqual((process.returncode, process.stdout), (0, b"1\n"))
 
     def test_short_work_shows_nothing(self):
         self.assertEqual(self.run_slowly(0.1), b"")

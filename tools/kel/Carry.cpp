@@ -15,32 +15,21 @@ namespace {
 /// What people call a value of a kind that only text has a form for.
 const char* nameOfTextOnly(const KEL& value) {
     switch (value.getType()) {
+    case KELKind_Manager:
+        return "a manager";
     case KELKind_IndexList:
         return "an index list";
     case KELKind_MetaKel:
         return "a checked struct";
     case KELKind_MetaKelDescriptor:
         return "a struct descriptor";
-    case KELKind_MetaKelVarDescriptor:
-        return "a variable descriptor";
     default:
-        return "a selector";
+        return "a variable descriptor";
     }
 }
 
 const char* obstacleInText(const KEL& value) {
     switch (value.getType()) {
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_guid:
-    case KELKind_Array:
-    case KELKind_Struct:
-    case KELKind_Manager:
-    case KELKind_IndexList:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
-        return nullptr;
     case KELKind_Double:
         return obstacleOfDouble(value.toDouble(), Format::text);
     case KELKind_String:
@@ -48,29 +37,19 @@ const char* obstacleInText(const KEL& value) {
     case KELKind_MemBlock:
         return "a memory block";
     default:
-        return nameOfTextOnly(value); // a selector, which no format has a form for
+        return nullptr;
     }
 }
 
 const char* obstacleInBinary(const KEL& value) {
-    const int32_t kind = value.getType();
-    if (kind == KELKind_guid) {
+    if (value.getType() == KELKind_guid) {
         return "a guid";
-    }
-    if (kind == KELKind_Manager) {
-        return "a manager";
     }
     return isTextOnly(value) ? nameOfTextOnly(value) : nullptr;
 }
 
 const char* obstacleInJson(const KEL& value) {
     switch (value.getType()) {
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_guid:
-    case KELKind_MemBlock:
-    case KELKind_Array:
-        return nullptr;
     case KELKind_Double:
         return obstacleOfDouble(value.toDouble(), Format::json);
     case KELKind_String:
@@ -80,10 +59,8 @@ const char* obstacleInJson(const KEL& value) {
         return isReservedShape(structure) ? "a struct that JSON takes for a guid or memory block"
                                           : nullptr;
     }
-    case KELKind_Manager:
-        return "a manager";
     default:
-        return nameOfTextOnly(value);
+        return isTextOnly(value) ? nameOfTextOnly(value) : nullptr;
     }
 }
 

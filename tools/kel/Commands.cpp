@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 namespace kel::tool {
 
@@ -84,7 +85,7 @@ int convert(const Options& options, Console& console) {
                               "--force converts the rest."};
         }
         console.say("warning: " + list);
-        fit(input.document, target);
+        fit(input.document, target, found.namesakes);
         if (input.document.roots().empty()) {
             throw Failure{Trouble::refused, name + ": nothing is left to be written"};
         }
@@ -141,6 +142,9 @@ int check(const Options& options, Console& console) {
             console.say(failure.message);
             const bool isWrong = failure.trouble == Trouble::malformed;
             worst = std::max(worst, exitStatus(isWrong ? Trouble::refused : failure.trouble));
+        } catch (const std::bad_alloc&) {
+            console.say(name + ": out of memory");
+            worst = std::max(worst, exitStatus(Trouble::unreadable));
         }
     }
     return worst;

@@ -3,6 +3,7 @@
 #include "System.h"
 
 #include <cstdio>
+#include <system_error>
 
 namespace kel::tool {
 
@@ -19,8 +20,13 @@ void print(const std::string& text) {
 } // namespace
 
 Console::Console() {
-    if (isTerminal(stderr)) {
+    if (!isTerminal(stderr)) {
+        return;
+    }
+    try {
         drawer_ = std::thread([this] { drawUntilEnd(); });
+    } catch (const std::system_error&) {
+        // The system gives no thread now: the work goes on, only without progress.
     }
 }
 

@@ -1,5 +1,6 @@
 #include "DescriptorCheck.h"
 
+#include "AllowedValues.h"
 #include "TreeCursor.h"
 #include "ValueText.h"
 
@@ -92,6 +93,7 @@ private:
     bool tellsRoot_;
     size_t rootNumber_ = 0;
     std::unordered_set<const KEL*> met_;
+    AllowedValues allowed_;
 };
 
 void Checker::visit(KEL* root, size_t rootNumber) {
@@ -133,7 +135,7 @@ void Checker::checkVariable(const TreeCursor& cursor, const MetaKel& owner) {
         return;
     }
     auto* rules = dynamic_cast<Rules*>(memberOf(*descriptor, name));
-    if (rules != nullptr && !rules->isValid(cursor.value())) {
+    if (rules != nullptr && !allowed_.isValid(*rules, *cursor.value())) {
         report(cursor, wordsFor(cursor.value()) +
                            " is not allowed (allowed: " + wordsForAllowed(*rules) + ')');
     }
@@ -154,7 +156,7 @@ void Checker::checkRules(const TreeCursor& cursor, Rules& rules) {
     // Of a range that allows nothing the default is not at fault.
     const bool isDefaultChecked = !rules.isRanged() || hasSoundRange(rules);
     const KEL* standard = rules.getDefault();
-    if (standard != nullptr && isDefaultChecked && !rules.isValid(standard)) {
+    if (standard != nullptr && isDefaultChecked && !allowed_.isValid(rules, *standard)) {
         report(cursor, "the default " + wordsFor(standard) +
                            " is not allowed (allowed: " + wordsForAllowed(rules) + ')');
     }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
-#include <unordered_set>
 
 namespace kel::tool {
 
@@ -30,11 +29,11 @@ bool fitText(KEL& value, Value& replacement) {
 
 } // namespace
 
-void fit(Document& document, Format target) {
+void fit(Document& document, Format target, const std::unordered_set<const KEL*>& namesakes) {
     if (target != Format::binary) {
         document.cutCycles();
     }
-    PlainData plain(target);
+    PlainData plain(target, namesakes);
     const Replacement replace = [target, &plain](KEL* child, Value& replacement) {
         return child != nullptr && (target == Format::text ? fitText(*child, replacement)
                                                            : plain.exchange(*child, replacement));

@@ -1,38 +1,52 @@
 #include "KelReader.h"
 
 #include "Failure.h"
+#include "GuidText.h"
 #include "KelWriter.h"
 #include "System.h"
 
 #include <algorithm>
-#include <cstring>
+#include <new>
 #include <optional>
 
 namespace kel::tool {
 
 namespace {
 
-/// The text of the end mark. No bare word contains the first character, so the mark is never read
-/// as anything but a String.
-constexpr const char* markText = "\x01 end of input \x01";
+JHashCode identityOf(const KEL& value) {
+    JHashCode identity;
+    return value.getHashCode(identity);
+}
 
 /// A root value that is put behind the content of every input. A stream says "end of input" both
-/// behind the last value and in the middle of one; having read the mark last tells them apart.
-std::string endMark(Format format) {
-    constexpr size_t largestMark = 256;
-    MemoryToWrite file(largestMark);
-    const Value mark = made(CreateKELString(markText));
-    ValueWriter writer(format, file.file());
-    writer.write(mark.get());
-    writer.close();
-    // The blank keeps a carriage return at the end of the content from becoming half a line end.
-    return (format == Format::text ? " \n" : "") + file.take().value();
-}
+/// behind the last value and in the middle of one; having read the mark last tells them apart. The
+/// mark is known by its identity, which is drawn afresh.
+class EndMark {
+public:
+    EndMark() : value_(made(CreateKELString("end of input"))) {}
 
-bool isEndMark(const Value& value) {
-    return value != nullptr && value->getType() == KELKind_String &&
-           std::strcmp(value->toString(), markText) == 0;
-}
+    std::string writtenAs(Format format) const {
+        constexpr size_t largestMark = 256;
+        MemoryToWrite file(largestMark);
+        ValueWriter writer(format, file.file());
+        writer.write(value_.get());
+        writer.close();
+        const std::string written = file.take().value();
+        if (format == Format::binary) {
+            return written;
+        }
+        // The blank keeps a carriage return at the end of the content from becoming half a line
+        // end. An identity there that waits for its value cannot take the mark for it.
+        return " \n" + textOfGuid(identityOf(*value_)) + " = " + written;
+    }
+
+    bool isReadAs(const Value& value) const {
+        return value != nullptr && identityOf(*value) == identityOf(*value_);
+    }
+
+private:
+    Value value_;
+};
 
 /// How the reading of a stream ended.
 struct Ending {
@@ -49,6 +63,9 @@ public:
             stream_ = CreateKELTextInputStream(memory_.file());
         } else {
             stream_ = CreateKELBinaryInputStream(memory_.file());
+        }
+        if (stream_ == nullptr) {
+            throw std::bad_alloc();
         }
     }
     ValueReader(const ValueReader&) = delete;
@@ -70,6 +87,7 @@ private:
 };
 
 /// Reads root values until the library throws, which it does at the end at the latest.
+/// \throws std::bad_alloc when memory ran out, which says nothing about the content
 Ending readUntilFailure(std::string_view content, Format format, std::vector<Value>& roots) {
     ValueReader reader(content, format);
     Ending ending;
@@ -77,6 +95,9 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
         for (;;) {
             roots.emplace_back(reader.read());
         }
+    } catch (KELOutOfMemoryException* failure) {
+        DeleteKELException(failure);
+        throw std::bad_alloc();
     } catch (KELException* failure) {
         ending.isEndOfInput = dynamic_cast<KELEOFException*>(failure) != nullptr;
         ending.message = failure->getMessage();
@@ -85,7 +106,10 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
         ending.isEndOfInput = true;
     } catch (const JException& failure) {
         const JPointer<JString> message(failure.getMessage());
-        ending.message = message.isNull() ? "out of memory" : message->chars();
+        if (message.isNull()) {
+            throw std::bad_alloc();
+        }
+        ending.message = message->chars();
     }
     ending.offset = reader.offset();
     return ending;
@@ -113,7 +137,8 @@ std::string textFailure(std::string message, std::string_view content) {
     if (const std::optional<std::string> line = takeLine(message)) {
         return *line + ": " + message;
     }
-    // Without a line of its own a failure concerns the end of the input.
+    // Only a quoted word without an end, which reaches to the end of the input, is told without a
+    // line: content in memory has no medium that could fail.
     const std::string_view body = content.substr(0, content.find_last_not_of('\n') + 1);
     return std::to_string(std::count(body.begin(), body.end(), '\n') + 1) + ": " + message;
 }
@@ -122,11 +147,12 @@ std::string textFailure(std::string message, std::string_view content) {
 
 Document readKel(std::string content, Format format, const std::string& inputName) {
     const size_t size = content.size();
-    content += endMark(format);
+    const EndMark mark;
+    content += mark.writtenAs(format);
     {
         std::vector<Value> roots;
         const Ending ending = readUntilFailure(content, format, roots);
-        const bool isWhole = ending.isEndOfInput && !roots.empty() && isEndMark(roots.back());
+        const bool isWhole = ending.isEndOfInput && !roots.empty() && mark.isReadAs(roots.back());
         if (isWhole) {
             roots.pop_back();
         }

@@ -49,18 +49,20 @@ constexpr const char* convertNotes = R"(JSON:
 Nothing is lost silently:
   What the output cannot carry makes convert refuse: nothing is written, and the first ten
   places are listed. Text cannot carry a double quote in a string, a double that six decimals
-  or a 32-bit integer part do not carry, a memory block. Binary cannot carry guids and null
-  outside a struct. JSON cannot carry bytes that are no UTF-8, doubles that are not finite, and
-  structs that look like a guid or memory block. Neither can carry managers, index lists, checked
-  structs and descriptors; text carries them all. Values do not hold what
-  only JSON knows: null in an array, names that are empty or contain a double quote, integers
-  that no double holds exactly. Text and JSON cannot carry a value that contains itself.
-  Identities, and that a value is shared between places, are not kept outside binary.
+  or a 32-bit integer part do not carry, a memory block. Binary cannot carry guids, null
+  outside a struct, a value with the identity of another. JSON cannot carry bytes that are no
+  UTF-8, doubles that are not finite, and structs that look like a guid or memory block. Neither
+  can carry managers, index lists, checked structs and descriptors; text carries them all. Values
+  do not hold what only JSON knows: null in an array, names that are empty or contain a double
+  quote, integers that no double holds exactly. Text and JSON cannot carry a value that contains itself.
+  Binary keeps the identity of every value, and that a value is shared between places. Text keeps
+  identities of the values in managers and of struct descriptors only, JSON none, neither sharing.
 
 With --force the same list is a warning, and:
   text    double quotes become single ones, doubles get six decimals; memory blocks and doubles
           that are not finite become null or are left out of arrays
-  binary  guids become strings; null roots are left out
+  binary  guids become strings; null roots are left out; of values with one identity, all but
+          the first get a new one
   json    doubles that are not finite become null
   binary and json
           managers become arrays of their values, index lists arrays of their pairs, checked

@@ -42,8 +42,30 @@ Value structOfVariables(const KEL_Struct& variables) {
     return made;
 }
 
-/// The plain form of a value; null for a value that is plain already.
-Value plainFormOf(KEL& value) {
+/// The same contents under a fresh identity. A container is emptied: it has no place any more, and
+/// one that contains itself would otherwise stay for ever.
+Value renewed(KEL& value) {
+    if (auto* array = dynamic_cast<KEL_Array*>(&value)) {
+        KEL_Array* copy = CreateKELArray();
+        Value made = tool::made(copy);
+        for (int32_t i = 0; i < array->getCount(); ++i) {
+            copy->addVar(array->getVar(i));
+        }
+        array->removeAllVars();
+        return made;
+    }
+    if (auto* structure = dynamic_cast<KEL_Struct*>(&value)) {
+        Value made = structOfVariables(*structure);
+        structure->removeAllVars();
+        return made;
+    }
+    return made(value.copy());
+}
+
+} // namespace
+
+/// What comes in the place of a value; null when the value may stay.
+Value PlainData::plainFormOf(KEL& value) const {
     switch (value.getType()) {
     case KELKind_Manager:
         return arrayOfElements(dynamic_cast<KEL_Manager&>(value));
@@ -54,11 +76,9 @@ Value plainFormOf(KEL& value) {
     case KELKind_MetaKelVarDescriptor:
         return structOfVariables(dynamic_cast<KEL_Struct&>(value));
     default:
-        return nullptr;
+        return namesakes_.contains(&value) ? renewed(value) : nullptr;
     }
 }
-
-} // namespace
 
 bool PlainData::exchange(KEL& value, Value& replacement) {
     if (value.getType() == KELKind_guid && target_ == Format::binary) {

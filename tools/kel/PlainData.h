@@ -1,11 +1,12 @@
 /// \file
-/// PlainData: what takes the place of values that only text has a form for.
+/// PlainData: what takes the place of values that binary and JSON have no form for.
 #pragma once
 
 #include "Format.h"
 #include "Values.h"
 
 #include <unordered_map>
+#include <unordered_set>
 
 namespace kel::tool {
 
@@ -15,13 +16,15 @@ namespace kel::tool {
 /// - an index list for an array of its pairs, each an array of key and item
 /// - a checked struct for a struct of its variables, without "@desc"
 /// - a descriptor for a struct of its variables
-/// - for binary a guid for a String
+/// - for binary a guid for a String, and one of the given namesakes for a value of a fresh identity
+///   with the same contents
 ///
-/// What was exchanged holds the values inside as they are. A container that sits in several places
+/// What was exchanged holds the values inside as they are. A value that sits in several places
 /// becomes one and the same value in all of them.
 class PlainData {
 public:
-    explicit PlainData(Format target) : target_(target) {}
+    PlainData(Format target, const std::unordered_set<const KEL*>& namesakes)
+        : target_(target), namesakes_(namesakes) {}
 
     /// True when the value has to go; sets what comes in its place.
     bool exchange(KEL& value, Value& replacement);
@@ -33,7 +36,10 @@ private:
         Value plain;
     };
 
+    Value plainFormOf(KEL& value) const;
+
     Format target_;
+    const std::unordered_set<const KEL*>& namesakes_;
     std::unordered_map<const KEL*, Exchange> exchanges_;
 };
 

@@ -144,9 +144,17 @@ std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem:
         const BlockedSignals blocked;
         const int descriptor = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (descriptor >= 0) {
+            std::FILE* file = fdopen(descriptor, "wb");
+            if (file == nullptr) {
+                const int reason = errno;
+                close(descriptor);
+                unlink(name.c_str());
+                errno = reason;
+                return nullptr;
+            }
             std::memcpy(temporaryName, name.c_str(), name.size() + 1);
             handleEndingSignals();
-            return fdopen(descriptor, "wb");
+            return file;
         }
         if (errno != EEXIST) {
             return nullptr;
@@ -165,13 +173,17 @@ void copyPermissions(std::FILE* file, const std::filesystem::path& from) {
     if (stat(from.c_str(), &existing) != 0) {
         return;
     }
-    // Only root may give files away; for everybody else the new file is simply their own.
-    if (fchown(fileno(file), existing.st_uid, existing.st_gid) != 0) {
-        errno = 0;
+    // Data does not run: no bits that make it run as somebody.
+    mode_t mode = existing.st_mode & 0777U;
+    // Only root may give files away; for everybody else the new file is simply their own. If it
+    // cannot belong to the same group, what that group might do is no matter of another one.
+    const int descriptor = fileno(file);
+    if (fchown(descriptor, existing.st_uid, existing.st_gid) != 0 &&
+        fchown(descriptor, static_cast<uid_t>(-1), existing.st_gid) != 0) {
+        mode &= ~mode_t{070};
     }
-    if (fchmod(fileno(file), existing.st_mode & 07777U) != 0) {
-        errno = 0;
-    }
+    fchmod(descriptor, mode); // else the usual permissions of new files have to do
+    errno = 0;
 }
 
 bool synchronise(std::FILE* file) {

@@ -2,6 +2,7 @@
 
 #include "Carry.h"
 #include "Failure.h"
+#include "Identities.h"
 #include "TreeCursor.h"
 
 #include <algorithm>
@@ -39,7 +40,10 @@ public:
     /// Visits everything below a root.
     void visit(KEL* root, size_t rootNumber);
 
-    Survey result() const { return {total_.values, total_.bytes, cycle_, hasTextOnly_}; }
+    Survey result() {
+        return {total_.values, total_.bytes, std::move(cycle_), hasTextOnly_,
+                std::move(namesakes_)};
+    }
 
 private:
     /// A container that was entered, and its extent once it has been left.
@@ -51,6 +55,7 @@ private:
     void arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNumber);
     void enter(TreeCursor& cursor, size_t rootNumber);
     void leave(const KEL& container);
+    const char* obstacleOfValue(const KEL& value);
     void list(const TreeCursor& cursor, size_t rootNumber, const char* reason);
     void add(const Extent& extent) { (open_.empty() ? total_ : open_.back()).add(extent); }
 
@@ -61,6 +66,8 @@ private:
     bool hasTextOnly_ = false;
     std::vector<Extent> open_; ///< what the open containers hold so far
     std::unordered_map<const KEL*, Met> met_;
+    Identities identities_; ///< of what binary carries, where places are wanted
+    std::unordered_set<const KEL*> namesakes_;
 };
 
 /// The bytes of a scalar that depend on its contents.
@@ -93,7 +100,7 @@ void Surveyor::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNu
         add({0, 0, std::strlen(name)});
     }
     if (obstacle == nullptr && event == TreeCursor::Event::scalar) {
-        obstacle = obstacleOf(*cursor.value(), target_);
+        obstacle = obstacleOfValue(*cursor.value());
     } else if (obstacle == nullptr && event == TreeCursor::Event::null && cursor.depth() == 0) {
         obstacle = obstacleOfNullRoot(target_);
     }
@@ -107,11 +114,22 @@ void Surveyor::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNu
     }
 }
 
+/// Why the target cannot carry the value at this place, be it for its kind or for its identity.
+const char* Surveyor::obstacleOfValue(const KEL& value) {
+    const char* obstacle = obstacleOf(value, target_);
+    if (obstacle == nullptr && target_ == Format::binary && places_ != nullptr &&
+        identities_.isTaken(value)) {
+        namesakes_.insert(&value);
+        return "a value with the identity of another";
+    }
+    return obstacle;
+}
+
 void Surveyor::enter(TreeCursor& cursor, size_t rootNumber) {
     const auto [place, isNew] = met_.try_emplace(cursor.value());
     if (isNew) {
         hasTextOnly_ = hasTextOnly_ || isTextOnly(*cursor.value());
-        list(cursor, rootNumber, obstacleOf(*cursor.value(), target_));
+        list(cursor, rootNumber, obstacleOfValue(*cursor.value()));
         open_.emplace_back();
         return;
     }

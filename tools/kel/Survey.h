@@ -7,6 +7,7 @@
 #include "Places.h"
 
 #include <optional>
+#include <unordered_set>
 
 namespace kel::tool {
 
@@ -25,6 +26,9 @@ struct Survey {
     std::optional<std::string> cycle;
     /// Whether there is a value that only text has a form for.
     bool hasTextOnly = false;
+    /// The values that binary would take for another one, because their identity is that of a value
+    /// before them. Found together with the places.
+    std::unordered_set<const KEL*> namesakes;
 };
 
 /// Looks at every value of the document once, in linear time. For any other target than text what

@@ -87,8 +87,9 @@ std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem:
 /// From now on a signal leaves the temporary file alone.
 void keepTemporary();
 
-/// Gives an open file the permissions and, where that is allowed, the owner of another file. A file
-/// that does not exist changes nothing.
+/// Gives an open file the permissions and, where that is allowed, owner and group of another file;
+/// never those of running as somebody, nor a group's permissions without the group. A file that
+/// does not exist changes nothing.
 void copyPermissions(std::FILE* file, const std::filesystem::path& from);
 
 /// Waits until the file's bytes are on the medium. \return false with errno set on failure

@@ -63,7 +63,8 @@ constexpr const char* descriptorName = "@desc";
 /// True for the kinds that only text has a form for: managers, index lists, checked structs and
 /// descriptors.
 inline bool isTextOnly(const KEL& value) {
-    return value.getType() >= KELKind_Manager;
+    return isContainer(value) && value.getType() != KELKind_Array &&
+           value.getType() != KELKind_Struct;
 }
 
 /// The struct's variable, borrowed; null when it holds no value. The name has to exist.

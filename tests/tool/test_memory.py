@@ -1,0 +1,31 @@
+import resource
+
+from support import ARRAY, ToolTest, int_record, record
+
+MEMORY = 100 << 20  # bytes, enough for the files but not for their values
+
+
+def limit_memory():
+    resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+
+
+class Memory(ToolTest):
+    """Too little memory says nothing about a file."""
+
+    def setUp(self):
+        super().setUp()
+        if self.kel("--version", preexec_fn=limit_memory).status != 0:
+            self.skipTest("the tool itself takes more memory than that")
+
+    def runs_out(self, name):
+        for command in (("check", name), ("show", name), ("convert", name, "out.json")):
+            self.fails(3, f"kel: {name}: out of memory\n", *command, preexec_fn=limit_memory)
+        self.assertEqual(self.files(), [name])
+
+    def test_text_that_memory_does_not_hold_is_unreadable(self):
+        self.write("a.kel", "[\n" + "1\n" * 3000000 + "]\n")
+        self.runs_out("a.kel")
+
+    def test_binary_that_memory_does_not_hold_is_unreadable(self):
+        self.write("a.kelb", record(ARRAY, int_record(1, 2) * 600000))
+        self.runs_out("a.kelb")

@@ -1,0 +1,59 @@
+#include "AllowedValues.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace kel::tool {
+
+namespace {
+
+/// Bytes that are the same for two scalars if these are equal in value; nothing for a container or
+/// a memory block.
+std::optional<std::string> contentsOf(const KEL& value) {
+    switch (value.getType()) {
+    case KELKind_Int:
+    case KELKind_Double: { // which are compared as numbers: one zero, one that is no number
+        const double number = value.toDouble() + 0.0;
+        const auto bits = std::bit_cast<uint64_t>(
+            std::isnan(number) ? std::numeric_limits<double>::quiet_NaN() : number);
+        return 'n' + std::to_string(bits);
+    }
+    case KELKind_Boolean:
+        return value.toBoolean() ? "true" : "false";
+    case KELKind_guid:
+        return 'g' + std::string(value.toString());
+    case KELKind_String:
+        return 's' + std::string(value.toString());
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+bool AllowedValues::isValid(const MetaKelVarDescriptor& rules, const KEL& value) {
+    if (!rules.isRanged() && rules.isEnumerated()) {
+        const auto* allowed = dynamic_cast<const KEL_Array*>(memberOf(rules, "enum"));
+        const std::optional<std::string> contents = tool::contentsOf(value);
+        if (allowed != nullptr && contents) {
+            return contentsOf(*allowed).contains(*contents);
+        }
+    }
+    return rules.isValid(&value);
+}
+
+const AllowedValues::Contents& AllowedValues::contentsOf(const KEL_Array& allowed) {
+    const auto [known, isNew] = known_.try_emplace(&allowed);
+    if (isNew) {
+        for (int32_t i = 0; i < allowed.getCount(); ++i) {
+            if (std::optional<std::string> contents = tool::contentsOf(*allowed.getVar(i))) {
+                known->second.insert(std::move(*contents));
+            }
+        }
+    }
+    return known->second;
+}
+
+} // namespace kel::tool
