@@ -203,18 +203,6 @@ TEST_F(MetaKelLifeTest, AnObserverOfTheDescriptorMayReleaseTheValueThatCreateVar
     EXPECT_EQ(meta.getInt("x"), 4);
 }
 
-TEST_F(MetaKelLifeTest, WhatAnObserverOfTheInnerStructThrowsKeepsTheOthersFromTheirCall) {
-    Watcher thrower([] { throw std::runtime_error("no"); }), ofPan;
-    asDescriptor(pan).getStruct()->addObserver(&thrower);
-    watch(pan.get(), ofPan);
-    EXPECT_THROW(asStruct(pan).putInt("stepsize", int32_t{1}), std::runtime_error);
-    EXPECT_EQ(asStruct(pan).getInt("stepsize"), 1);
-    EXPECT_EQ(ofPan.calls(), 0);
-    asDescriptor(pan).getStruct()->removeObserver(&thrower);
-    asStruct(pan).putInt("stepsize", int32_t{2});
-    EXPECT_EQ(ofPan.calls(), 1);
-}
-
 TEST_F(MetaKelLifeTest, AnObserverThatIsTakenOffIsNotTold) {
     meta.removeObserver(&watcher);
     meta.addVar("level", three.get());

@@ -88,7 +88,8 @@ class Progress(ToolTest):
         self.assertTrue(shown.startswith(b"kel: reading -, 1 s"), shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
 
-    @unittest.skipUnless(os.geteuid() == 0, "only root can become somebody else")
+    @unittest.skipUnless(os.name == "posix" and os.geteuid() == 0,
+                         "only root can become somebody else")
     def test_work_goes_on_without_progress_where_no_thread_can_be_had(self):
         def become_one_process():
             somebody = 54321  # who runs nothing else
@@ -99,7 +100,7 @@ class Progress(ToolTest):
         self.addCleanup(os.close, terminal)
         # A sanitizer's search for leaks would need a thread itself.
         environment = {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
-        process = subprocess.run([TOOL, "show", "-"], input=b"1", stdout=subprocess.PIPE,
+        process = subprocess.run(command("show", "-"), input=b"1", stdout=subprocess.PIPE,
                                  stderr=stderr, env=environment, preexec_fn=become_one_process,
                                  check=False)
         os.close(stderr)
