@@ -75,5 +75,6 @@ protected:
 };
 
 /// A new checked struct, without variables, under the descriptor (null: none), which it shares.
-/// Count 1, owned by the caller; null when out of memory.
+/// Count 1, owned by the caller; null for a descriptor that the library did not make, and when out
+/// of memory.
 KEL_API MetaKel* KEL_CALL CreateMetaKel(MetaKelDescriptor* descriptor);

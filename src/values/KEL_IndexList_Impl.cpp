@@ -18,8 +18,7 @@ constexpr const char* keyNotFound = "Key not found in list.";
 constexpr const char* itemNotFound = "Item not found in list.";
 constexpr const char* keyValueNotFound = "Key value not found in list.";
 
-/// The text that is the key of an item. Null is lack of memory only: what has no text form has the
-/// empty one.
+/// A new key for an item: its text form, empty if it has none. \throws std::bad_alloc
 JPointer<KEL_Impl> keyFor(const KEL_Impl& item) {
     if (!kel::hasScalarForm(item)) {
         return JPointer<KEL_Impl>(new KEL_String_Impl(""));

@@ -85,10 +85,10 @@ private:
     KEL* value_;
 };
 
-/// A struct that holds one value of the library under "a" and under "b".
-class ForeignStruct : public ForeignContainer<KEL_Struct, KELKind_Struct> {
+/// A struct, or a struct descriptor, that holds one value of the library under "a" and under "b".
+template <class Base, KELKind Kind> class ForeignStructOf : public ForeignContainer<Base, Kind> {
 public:
-    explicit ForeignStruct(KEL* value) : value_(value) {}
+    explicit ForeignStructOf(KEL* value) : value_(value) {}
 
     KEL* getVar(const char*) override { return nullptr; }
     KEL* getVar(const char*) const override { return value_; }
@@ -132,5 +132,8 @@ public:
 private:
     KEL* value_;
 };
+
+using ForeignStruct = ForeignStructOf<KEL_Struct, KELKind_Struct>;
+using ForeignDescriptor = ForeignStructOf<MetaKelDescriptor, KELKind_MetaKelDescriptor>;
 
 } // namespace host

@@ -1,5 +1,5 @@
 // Values that the library did not make are ignored where a value would be stored or taken over.
-#include "ForeignContainers.h"
+#include "ForeignIndexList.h"
 #include "Host.h"
 
 namespace {
@@ -169,6 +169,8 @@ protected:
     host::Held<KEL_Int> seven{CreateKELInt(7)};
     host::ForeignArray array{seven.get()};
     host::ForeignStruct structure{seven.get()};
+    host::ForeignIndexList list{seven.get(), seven.get()};
+    host::ForeignDescriptor descriptor{seven.get()};
 };
 
 TEST_F(HostForeignContainer, AddVarsTakesTheLibrarysValuesOutOfAnArray) {
@@ -194,6 +196,37 @@ TEST_F(HostForeignContainer, NoIndexListIsMadeOfIt) {
     EXPECT_EQ(CreateKELIndexList(&array, own.get()), nullptr);
     EXPECT_EQ(CreateKELIndexList(own.get(), &array), nullptr);
     EXPECT_EQ(CreateKELIndexList(static_cast<KEL_Struct*>(&structure)), nullptr);
+}
+
+TEST_F(HostForeignContainer, NoCheckedStructIsMadeOfIt) {
+    const auto meta = hold(CreateMetaKel(nullptr));
+    meta->setDescriptor(&descriptor);
+    EXPECT_EQ(meta->getDescriptor(), nullptr);
+    EXPECT_EQ(CreateMetaKel(&descriptor), nullptr);
+}
+
+TEST_F(HostForeignContainer, NoSelectorIsMadeOverIt) {
+    EXPECT_EQ(CreateKELSelector(&list), nullptr);
+    EXPECT_EQ(CreateKELMultiSelector(&list), nullptr);
+}
+
+TEST_F(HostForeignContainer, ASelectorKeepsItsListInstead) {
+    const auto one = hold(CreateKELSelector(nullptr));
+    const auto many = hold(CreateKELMultiSelector(nullptr));
+    KEL_IndexList* ofOne = one->getList();
+    KEL_IndexList* ofMany = many->getList();
+    one->setList(&list);
+    many->setList(&list);
+    EXPECT_EQ(one->getList(), ofOne);
+    EXPECT_EQ(many->getList(), ofMany);
+}
+
+TEST_F(HostForeignContainer, AddPairsTakesTheLibrarysValuesOutOfAList) {
+    const auto target = hold(CreateKELIndexList());
+    EXPECT_EQ(target->addPairs(&list), 0);
+    EXPECT_EQ(target->getCount(), 1);
+    EXPECT_EQ(target->getItem(seven.get()), seven.get());
+    EXPECT_EQ(list.references, 1);
 }
 
 } // namespace
