@@ -4,7 +4,6 @@
 #include "support/Watcher.h"
 
 #include <gtest/gtest.h>
-#include <stdexcept>
 
 using namespace kel::test;
 
