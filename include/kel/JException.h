@@ -51,12 +51,12 @@ private:
         ~Name() override {}                                                                        \
     }
 
-KEL_RUNTIME_EXCEPTION(JOutOfMemoryException);            ///< storage could not be allocated
-KEL_RUNTIME_EXCEPTION(JArrayIndexOutOfBoundsException);  ///< an index outside a vector or string
-KEL_RUNTIME_EXCEPTION(JNoSuchElementException);          ///< nothing left to enumerate
-KEL_RUNTIME_EXCEPTION(JIOException);                     ///< a stream failed
-KEL_RUNTIME_EXCEPTION(JEOFException);                    ///< input ended inside a number or string
-KEL_RUNTIME_EXCEPTION(JNullPointerException);            ///< null where an object is needed
-KEL_RUNTIME_EXCEPTION(TokenizerException);               ///< text that cannot be cut into tokens
+KEL_RUNTIME_EXCEPTION(JOutOfMemoryException);           ///< storage could not be allocated
+KEL_RUNTIME_EXCEPTION(JArrayIndexOutOfBoundsException); ///< an index outside a vector or string
+KEL_RUNTIME_EXCEPTION(JNoSuchElementException);         ///< nothing left to enumerate
+KEL_RUNTIME_EXCEPTION(JIOException);                    ///< a stream failed
+KEL_RUNTIME_EXCEPTION(JEOFException);                   ///< input ended inside a number or string
+KEL_RUNTIME_EXCEPTION(JNullPointerException);           ///< null where an object is needed
+KEL_RUNTIME_EXCEPTION(TokenizerException);              ///< text that cannot be cut into tokens
 
 #undef KEL_RUNTIME_EXCEPTION

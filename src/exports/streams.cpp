@@ -21,8 +21,7 @@ namespace {
 /// A stream of class T over a new medium of class Medium.
 template <class T, class Base, class Medium, class... Arguments>
 T* createOver(const Arguments&... arguments) {
-    return orNullWithoutMemory(
-        [&] { return new T(JPointer<Base>(new Medium(arguments...))); });
+    return orNullWithoutMemory([&] { return new T(JPointer<Base>(new Medium(arguments...))); });
 }
 
 template <class T, class Argument> T* createInput(const Argument& argument) {

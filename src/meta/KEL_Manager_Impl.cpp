@@ -52,7 +52,9 @@ KEL* KEL_Manager_Impl::getKelAt(int32_t index) const {
     return elements_->elementAtRef(index);
 }
 
-KEL* KEL_Manager_Impl::createKel(int32_t kind) { return kel::createValue(kind, nullptr); }
+KEL* KEL_Manager_Impl::createKel(int32_t kind) {
+    return kel::createValue(kind, nullptr);
+}
 
 KEL* KEL_Manager_Impl::createKel(int32_t kind, JHashCode hashCode) {
     return kel::createValue(kind, &hashCode);

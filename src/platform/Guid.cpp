@@ -37,7 +37,9 @@ bool drawFromPlatform(JHashCode& out) {
 /// Counts the forks above this process: a generator keyed under another number is the parent's.
 std::atomic<uint32_t> processGeneration{1};
 
-void enterChild() { processGeneration.fetch_add(1, std::memory_order_relaxed); }
+void enterChild() {
+    processGeneration.fetch_add(1, std::memory_order_relaxed);
+}
 
 [[maybe_unused]] const int forkHandler = pthread_atfork(nullptr, nullptr, enterChild);
 

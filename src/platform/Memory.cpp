@@ -9,7 +9,9 @@ namespace {
 
 AllocationGate installedGate = nullptr;
 
-bool mayAllocate(std::size_t size) { return installedGate == nullptr || installedGate(size); }
+bool mayAllocate(std::size_t size) {
+    return installedGate == nullptr || installedGate(size);
+}
 
 } // namespace
 
@@ -31,6 +33,8 @@ void* allocateZeroed(std::size_t count, std::size_t size) {
     return fits && mayAllocate(count * size) ? std::calloc(count, size) : nullptr;
 }
 
-void deallocate(void* storage) { std::free(storage); }
+void deallocate(void* storage) {
+    std::free(storage);
+}
 
 } // namespace kel::platform

@@ -27,7 +27,9 @@ char* copyText(const char* text, size_t length) {
     return buffer;
 }
 
-size_t lengthOf(const char* text) { return text == nullptr ? 0 : std::strlen(text); }
+size_t lengthOf(const char* text) {
+    return text == nullptr ? 0 : std::strlen(text);
+}
 
 } // namespace
 
@@ -75,7 +77,9 @@ bool JString::equals(const char* text) const {
     return std::strcmp(buffer_, text) == 0;
 }
 
-uint32_t JString::length() const { return static_cast<uint32_t>(lengthOf(buffer_)); }
+uint32_t JString::length() const {
+    return static_cast<uint32_t>(lengthOf(buffer_));
+}
 
 JString* JString::substring(uint32_t begin, uint32_t end) const {
     if (buffer_ == nullptr) {
@@ -84,7 +88,9 @@ JString* JString::substring(uint32_t begin, uint32_t end) const {
     return new (std::nothrow) JString(buffer_, begin, end - begin);
 }
 
-JString* JString::substring(uint32_t begin) const { return substring(begin, length()); }
+JString* JString::substring(uint32_t begin) const {
+    return substring(begin, length());
+}
 
 void JString::append(char character) {
     const char text[2] = {character, '\0'};
@@ -113,7 +119,9 @@ void JString::append(const char* text) {
     buffer_ = buffer;
 }
 
-void JString::append(const JString& other) { append(other.buffer_); }
+void JString::append(const JString& other) {
+    append(other.buffer_);
+}
 
 char JString::getChar(int32_t index) const {
     if (index >= static_cast<int32_t>(lengthOf(buffer_))) {

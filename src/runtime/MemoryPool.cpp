@@ -26,15 +26,17 @@ MemoryPool::~MemoryPool() {
     }
 }
 
-uint32_t MemoryPool::getSize() const { return lastStart_ + last_->size_; }
+uint32_t MemoryPool::getSize() const {
+    return lastStart_ + last_->size_;
+}
 
 // Adds a segment of at least size bytes, if the positions suffice.
 void MemoryPool::append(uint64_t size) {
     const uint32_t total = getSize();
     const uint64_t wanted = std::max<uint64_t>(size, increment_);
     const uint64_t most = UINT32_MAX - total;
-    auto* segment = new (std::nothrow)
-        MemoryPool(static_cast<uint32_t>(std::min(wanted, most)), increment_);
+    auto* segment =
+        new (std::nothrow) MemoryPool(static_cast<uint32_t>(std::min(wanted, most)), increment_);
     if (segment == nullptr) {
         throw JOutOfMemoryException("MemoryPool out of memory.");
     }

@@ -10,10 +10,14 @@ namespace kel {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 /// The blanks that precede a number in the C locale.
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isBlank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 /// Removes blanks and one sign from the front. \return true for a minus
 bool skipToDigits(std::string_view& text) {

@@ -21,7 +21,9 @@ namespace {
 
 constexpr int64_t noEnd = std::numeric_limits<int64_t>::max();
 
-[[noreturn]] void refuseHeader() { throw new KELIOException_Impl("Error reading KEL header."); }
+[[noreturn]] void refuseHeader() {
+    throw new KELIOException_Impl("Error reading KEL header.");
+}
 
 void require(bool condition) {
     if (!condition) {
@@ -58,8 +60,8 @@ void BinaryTreeReader::next() {
         readName(level.end);
         JPointer<KEL_Impl> value = readRecord(level.end, Place::variable);
         // A writer never repeats a name: to keep one of two values would lose the other.
-        require(static_cast<KEL_Struct_Impl*>(level.container)
-                    ->adoptVariable(name_, std::move(value)));
+        require(
+            static_cast<KEL_Struct_Impl*>(level.container)->adoptVariable(name_, std::move(value)));
     }
 }
 
@@ -143,8 +145,7 @@ KEL_Impl* BinaryTreeReader::readValue(const Prefix& prefix) {
     case KELKind_Double:
         require(prefix.length == binary::doubleLength);
         // Not as the result of a function: see KEL_Impl::toDoubleBits.
-        return new KEL_Double_Impl(prefix.identity,
-                                   std::bit_cast<double>(data_.JRead64().value()));
+        return new KEL_Double_Impl(prefix.identity, std::bit_cast<double>(data_.JRead64().value()));
     case KELKind_String: {
         const auto* text = reinterpret_cast<const char*>(readBytes(prefix.length));
         const auto length = static_cast<std::size_t>(prefix.length);
@@ -196,8 +197,8 @@ void BinaryTreeReader::readName(int64_t end) {
             throw JEOFException("BinaryDataInput::JReadString(). EOF reached.");
         }
         const auto room = static_cast<uint64_t>(end - input_.position());
-        const std::size_t part = room < input_.available() ? static_cast<std::size_t>(room)
-                                                           : input_.available();
+        const std::size_t part =
+            room < input_.available() ? static_cast<std::size_t>(room) : input_.available();
         const auto* text = reinterpret_cast<const char*>(input_.begin());
         const void* nul = std::memchr(text, 0, part);
         if (nul != nullptr) {

@@ -35,9 +35,13 @@ double KELASCIIInputStream_Impl::JReadDouble() {
     return number.type == kel::tokenInteger ? number.integer : number.floating;
 }
 
-JLong64 KELASCIIInputStream_Impl::JRead64() { throw new KELException_Impl("Not implemented."); }
+JLong64 KELASCIIInputStream_Impl::JRead64() {
+    throw new KELException_Impl("Not implemented.");
+}
 
-JHashCode KELASCIIInputStream_Impl::JRead128() { throw new KELException_Impl("Not implemented."); }
+JHashCode KELASCIIInputStream_Impl::JRead128() {
+    throw new KELException_Impl("Not implemented.");
+}
 
 JString* KELASCIIInputStream_Impl::JReadString() {
     return withMediumErrors([&] {

@@ -4,7 +4,9 @@
 #include "serial/StreamErrors.h"
 #include "serial/TextTreeWriter.h"
 
-void KELASCIIOutputStream_Impl::write(KEL* value) { write(value, 0, true, -1); }
+void KELASCIIOutputStream_Impl::write(KEL* value) {
+    write(value, 0, true, -1);
+}
 
 void KELASCIIOutputStream_Impl::write(const KEL* value, int32_t indent, bool indentFirst,
                                       int32_t parentKind) {

@@ -9,7 +9,8 @@
 class KELStringOutputStream_Impl final : public KELStringOutputStream,
                                          public KELASCIIOutputStream_Impl {
 public:
-    KELStringOutputStream_Impl() : KELStringOutputStream_Impl(JPointer<StringWriter>(new StringWriter())) {}
+    KELStringOutputStream_Impl()
+        : KELStringOutputStream_Impl(JPointer<StringWriter>(new StringWriter())) {}
 
     const char* getString() override { return writer_->getString(); }
     uint32_t getStringSize() const override { return writer_->getStringSize(); }

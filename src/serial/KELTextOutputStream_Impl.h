@@ -5,7 +5,8 @@
 #include "serial/KELASCIIOutputStream_Impl.h"
 
 /// Implements KELTextOutputStream.
-class KELTextOutputStream_Impl final : public KELTextOutputStream, public KELASCIIOutputStream_Impl {
+class KELTextOutputStream_Impl final : public KELTextOutputStream,
+                                       public KELASCIIOutputStream_Impl {
 public:
     using KELASCIIOutputStream_Impl::KELASCIIOutputStream_Impl;
     void setMemBlockComment(bool flag) override {

@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::size_t expansionCost = 64;
 
-bool endsLine(int32_t c) { return c == '\n' || c == '\f' || c == '\r' || c == -1; }
+bool endsLine(int32_t c) {
+    return c == '\n' || c == '\f' || c == '\r' || c == -1;
+}
 
 std::string withLine(const char* message, int32_t line) {
     char number[integerTextSize];
@@ -26,7 +28,9 @@ TextSource::TextSource(const JPointer<JInputStream>& input) : stream_(input), cu
     stream_.addStandardRecognisers();
 }
 
-int32_t TextSource::skip() { return tokens().nextSolidToken(line_); }
+int32_t TextSource::skip() {
+    return tokens().nextSolidToken(line_);
+}
 
 int32_t TextSource::skipOnLine() {
     int32_t type = tokenWhitespace;

@@ -26,8 +26,8 @@ public:
     KEL_Impl* read();
 
 private:
-    /// Finds the places of a manager's elements by identity. The table knows no zero identity, which
-    /// here is one like others.
+    /// Finds the places of a manager's elements by identity. The table knows no zero identity,
+    /// which here is one like others.
     class ManagerIndex {
     public:
         void enter(KEL_Impl* element, int32_t place);
@@ -44,12 +44,12 @@ private:
     struct Level {
         int32_t kind; ///< of the container; expansionKind for a definition
         JPointer<KEL_Impl> container;
-        std::optional<JHashCode> identity;      ///< given to this value
-        std::string key;                        ///< of the variable being read
-        std::unique_ptr<ManagerIndex> index;    ///< of a large manager, to find doubles
-        KEL_Struct_Impl* variables;             ///< of a struct, or of the value built on one
-        JPointer<KEL_Array_Impl> keys;          ///< of an index list, when they are read
-        JPointer<KEL_Array_Impl> items;         ///< and when these are
+        std::optional<JHashCode> identity;   ///< given to this value
+        std::string key;                     ///< of the variable being read
+        std::unique_ptr<ManagerIndex> index; ///< of a large manager, to find doubles
+        KEL_Struct_Impl* variables;          ///< of a struct, or of the value built on one
+        JPointer<KEL_Array_Impl> keys;       ///< of an index list, when they are read
+        JPointer<KEL_Array_Impl> items;      ///< and when these are
     };
     static constexpr int32_t expansionKind = 0;
 

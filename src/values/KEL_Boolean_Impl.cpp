@@ -49,7 +49,9 @@ bool KEL_Boolean_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return other.getType() == getType() && kel::convertToBoolean(&other) == value_;
 }
 
-void KEL_Boolean_Impl::takeContents(const KEL_Impl& source) { takeConverted(source); }
+void KEL_Boolean_Impl::takeContents(const KEL_Impl& source) {
+    takeConverted(source);
+}
 
 bool KEL_Boolean_Impl::takeConverted(const KEL_Impl& source) {
     if (!kel::hasScalarForm(source)) {

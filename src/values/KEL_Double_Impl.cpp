@@ -58,7 +58,9 @@ bool KEL_Double_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return number == value_ || (std::isnan(number) && std::isnan(value_));
 }
 
-void KEL_Double_Impl::takeContents(const KEL_Impl& source) { takeConverted(source); }
+void KEL_Double_Impl::takeContents(const KEL_Impl& source) {
+    takeConverted(source);
+}
 
 bool KEL_Double_Impl::takeConverted(const KEL_Impl& source) {
     if (!kel::hasScalarForm(source)) {

@@ -15,11 +15,17 @@ thread_local bool destroying = false;
 
 } // namespace
 
-KEL_Impl::~KEL_Impl() { kel::platform::deallocate(text_); }
+KEL_Impl::~KEL_Impl() {
+    kel::platform::deallocate(text_);
+}
 
-KEL_Impl* KEL_Impl::of(KEL* value) { return dynamic_cast<KEL_Impl*>(value); }
+KEL_Impl* KEL_Impl::of(KEL* value) {
+    return dynamic_cast<KEL_Impl*>(value);
+}
 
-const KEL_Impl* KEL_Impl::of(const KEL* value) { return dynamic_cast<const KEL_Impl*>(value); }
+const KEL_Impl* KEL_Impl::of(const KEL* value) {
+    return dynamic_cast<const KEL_Impl*>(value);
+}
 
 void* KEL_Impl::operator new(std::size_t size) {
     void* storage = kel::platform::allocate(size);
@@ -29,7 +35,9 @@ void* KEL_Impl::operator new(std::size_t size) {
     return storage;
 }
 
-void KEL_Impl::operator delete(void* storage) noexcept { kel::platform::deallocate(storage); }
+void KEL_Impl::operator delete(void* storage) noexcept {
+    kel::platform::deallocate(storage);
+}
 
 void KEL_Impl::operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept {
     if (destroying) {
@@ -68,7 +76,9 @@ char* KEL_Impl::textBuffer(std::size_t size) const {
     return text_;
 }
 
-KEL* KEL_Impl::copy() const { return kel::copyTree(*this); }
+KEL* KEL_Impl::copy() const {
+    return kel::copyTree(*this);
+}
 
 void KEL_Impl::assign(const KEL* value) {
     const KEL_Impl* source = of(value);
@@ -137,8 +147,12 @@ void KEL_Impl::removeObserver(KEL_Observer* observer) {
     }
 }
 
-void KEL_Impl::removeObserver(JObserver* observer) { JObservable::deleteObserver(observer); }
+void KEL_Impl::removeObserver(JObserver* observer) {
+    JObservable::deleteObserver(observer);
+}
 
-bool KEL_Impl::nextChild(kel::ChildCursor&) const { return false; }
+bool KEL_Impl::nextChild(kel::ChildCursor&) const {
+    return false;
+}
 
 void KEL_Impl::adoptCopiedChild(std::string_view, JPointer<KEL_Impl>&&) {}

@@ -59,7 +59,9 @@ bool KEL_Int_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     }
 }
 
-void KEL_Int_Impl::takeContents(const KEL_Impl& source) { takeConverted(source); }
+void KEL_Int_Impl::takeContents(const KEL_Impl& source) {
+    takeConverted(source);
+}
 
 bool KEL_Int_Impl::takeConverted(const KEL_Impl& source) {
     if (!kel::hasScalarForm(source)) {

@@ -9,14 +9,18 @@ void KEL_guid_Impl::setValue(const JHashCode& value) {
     notifyChanged();
 }
 
-KEL_guid* KEL_guid_Impl::setBoolean(bool value) { return setInt(value ? 1 : 0); }
+KEL_guid* KEL_guid_Impl::setBoolean(bool value) {
+    return setInt(value ? 1 : 0);
+}
 
 KEL_guid* KEL_guid_Impl::setInt(int32_t value) {
     setValue(JHashCode(static_cast<uint32_t>(value)));
     return this;
 }
 
-KEL_guid* KEL_guid_Impl::setDouble(double value) { return setInt(kel::truncateToInt32(value)); }
+KEL_guid* KEL_guid_Impl::setDouble(double value) {
+    return setInt(kel::truncateToInt32(value));
+}
 
 KEL_guid* KEL_guid_Impl::setString(const char* text) {
     if (text != nullptr) {
@@ -42,7 +46,9 @@ bool KEL_guid_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return other.getType() == KELKind_guid && kel::convertToGuid(&other) == value_;
 }
 
-void KEL_guid_Impl::takeContents(const KEL_Impl& source) { takeConverted(source); }
+void KEL_guid_Impl::takeContents(const KEL_Impl& source) {
+    takeConverted(source);
+}
 
 bool KEL_guid_Impl::takeConverted(const KEL_Impl& source) {
     if (!kel::hasScalarForm(source)) {

@@ -2,7 +2,9 @@
 
 #include "values/KELException_Impl.h"
 
-bool StringEnumeration_Impl::hasMoreElements() const { return cursor_ < getCount(); }
+bool StringEnumeration_Impl::hasMoreElements() const {
+    return cursor_ < getCount();
+}
 
 JString* StringEnumeration_Impl::next() const {
     if (strings_.isNull()) {
@@ -38,7 +40,9 @@ int32_t StringEnumeration_Impl::indexOf(const char* text) const {
     return -1;
 }
 
-bool StringEnumeration_Impl::contains(const char* text) const { return indexOf(text) != -1; }
+bool StringEnumeration_Impl::contains(const char* text) const {
+    return indexOf(text) != -1;
+}
 
 void StringEnumeration_Impl::addAll(StringEnumeration* other) {
     if (other == nullptr) {

@@ -79,7 +79,9 @@ KEL_Impl* copyTree(const KEL_Impl& source, KEL_Impl* standIn) {
 
 } // namespace
 
-KEL_Impl* copyTree(const KEL_Impl& source) { return copyTree(source, nullptr); }
+KEL_Impl* copyTree(const KEL_Impl& source) {
+    return copyTree(source, nullptr);
+}
 
 KEL_Impl* copyTreeFor(const KEL_Impl& source, KEL_Impl& target) {
     return copyTree(source, &target);
@@ -109,15 +111,15 @@ bool treesEqual(const KEL_Impl& a, const KEL_Impl& b) {
     };
 
     return compare(a, b) && walk(levels, [&](Level<ChildCursor>& level) {
-        ChildCursor& other = level.partner;
-        if (!other.next() || level.cursor.name != other.name) {
-            return false;
-        }
-        if (level.cursor.value == nullptr || other.value == nullptr) {
-            return level.cursor.value == other.value;
-        }
-        return compare(*level.cursor.value, *other.value);
-    });
+               ChildCursor& other = level.partner;
+               if (!other.next() || level.cursor.name != other.name) {
+                   return false;
+               }
+               if (level.cursor.value == nullptr || other.value == nullptr) {
+                   return level.cursor.value == other.value;
+               }
+               return compare(*level.cursor.value, *other.value);
+           });
 }
 
 } // namespace kel

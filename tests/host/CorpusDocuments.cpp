@@ -5,8 +5,8 @@
 #include <cstring>
 #include <initializer_list>
 #include <limits>
-#include <string>
 #include <numeric>
+#include <string>
 
 namespace host {
 

@@ -50,8 +50,8 @@ private:
 #define KEL_NEED(commaLocale)                                                                      \
     if (!(commaLocale).isInstalled()) {                                                            \
         ASSERT_EQ(std::getenv("KEL_REQUIRE_LOCALE"), nullptr)                                      \
-            << kel::test::germanLocale << " is not installed";                                      \
-        GTEST_SKIP() << kel::test::germanLocale << " is not installed";                             \
+            << kel::test::germanLocale << " is not installed";                                     \
+        GTEST_SKIP() << kel::test::germanLocale << " is not installed";                            \
     }
 
 } // namespace kel::test

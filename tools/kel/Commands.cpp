@@ -79,10 +79,9 @@ int convert(const Options& options, Console& console) {
         const std::string list = lossesOf(places, name, input, nameOf(target));
         if (!options.isForced) {
             const bool advisesText = found.hasTextOnly && target != Format::text;
-            throw Failure{Trouble::refused,
-                          list + "\nNothing was written; " +
-                              (advisesText ? "text carries every kind, " : "") +
-                              "--force converts the rest."};
+            throw Failure{Trouble::refused, list + "\nNothing was written; " +
+                                                (advisesText ? "text carries every kind, " : "") +
+                                                "--force converts the rest."};
         }
         console.say("warning: " + list);
         fit(input.document, target, found.namesakes);

@@ -1,4 +1,5 @@
-// A complete host: makes a tree of values, watches it, stores it, reads it back and meets a failure.
+// A complete host: makes a tree of values, watches it, stores it, reads it back and meets a
+// failure.
 #include <kel/kel.h>
 
 #include <cstdio>
