@@ -3,16 +3,19 @@
 # here stand their names, and the texts that go along.
 
 # The texts. Licences of others are those of the packages whose code the binaries contain.
-# They lie around README.md as in the repository, whose links stay right.
+# They lie as in the repository, so that their links stay right.
 if(WIN32)
   set(kel_text_dir .)
-  install(FILES ${PROJECT_SOURCE_DIR}/packaging/windows/README.md DESTINATION .)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/windows/host DESTINATION .)
 else()
   set(kel_text_dir ${CMAKE_INSTALL_DOCDIR})
-  install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${kel_text_dir})
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/linux/README.md DESTINATION ${kel_text_dir})
 endif()
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${kel_text_dir})
+if(MINGW)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/windows/README.md DESTINATION .)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/windows/host DESTINATION .)
+endif()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
+        DESTINATION ${kel_text_dir})
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/LICENSE
         DESTINATION ${kel_text_dir})
 
@@ -29,6 +32,7 @@ if(TARGET kel_tool)
 endif()
 if(MINGW)
   kel_install_license(gcc-runtime /usr/share/doc/gcc-mingw-w64-i686-posix-runtime/copyright)
+  kel_install_license(GPL-3 /usr/share/common-licenses/GPL-3) # which the first one refers to
   kel_install_license(mingw-w64 /usr/share/doc/mingw-w64-i686-dev/copyright)
 endif()
 
@@ -42,6 +46,9 @@ set(CPACK_VERBATIM_VARIABLES ON)
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME kel-${PROJECT_VERSION}-win32)
+  if(NOT MINGW)
+    string(APPEND CPACK_PACKAGE_FILE_NAME -${CMAKE_CXX_COMPILER_ID}) # has hosts of its own
+  endif()
 else()
   set(CPACK_GENERATOR TGZ DEB)
   set(CPACK_PACKAGE_FILE_NAME kel-${PROJECT_VERSION}-linux-${CMAKE_SYSTEM_PROCESSOR})

@@ -4,8 +4,9 @@
 #   scripts/install-wine.sh REASON
 #
 # Ends with status 0 when a program has been built and run, and with status 10 when there is no Wine
-# and none can be had now; the file REASON then holds a line that says why. With KEL_WINE=no in the
-# environment it does not try.
+# and none can be had now; the file REASON then holds a line that says why. Any other failure, as of a
+# Wine that is there but runs nothing, is status 1. With KEL_WINE=no in the environment it does not
+# try.
 #
 # 32-bit Wine needs shared libraries for i386 of exactly the versions that are installed for amd64.
 # Now and then the two architectures' package indexes are not of the same hour and nothing fits; so
@@ -27,9 +28,16 @@ give_up() {
     exit 10
 }
 
+fail() {
+    echo "install-wine.sh: $1" >&2
+    exit 1
+}
+
+printf 'int main() { return sizeof(void*) == 4 ? 42 : 1; }\n' >"$scratch/probe.cpp"
+i686-w64-mingw32-g++-posix -static -o "$scratch/probe.exe" "$scratch/probe.cpp" ||
+    fail "mingw does not build a program"
+
 runs() {
-    printf 'int main() { return sizeof(void*) == 4 ? 42 : 1; }\n' >"$scratch/probe.cpp"
-    i686-w64-mingw32-g++-posix -static -o "$scratch/probe.exe" "$scratch/probe.cpp" || return 1
     timeout 300 scripts/winerun.sh "$scratch/probe.exe" </dev/null >/dev/null 2>&1
     [ $? = 42 ]
 }
@@ -68,10 +76,12 @@ use_index() {
     "${apt[@]}" "${index[@]}" update >>"$scratch/log" 2>&1
 }
 
+# Installs the packages if they fit.
 try_install() {
     local install=("${apt[@]}" "${index[@]}" --no-remove --no-install-recommends)
     "${install[@]}" --simulate install wine wine32:i386 >>"$scratch/log" 2>&1 || return 1
-    "${install[@]}" install wine wine32:i386
+    "${install[@]}" install wine wine32:i386 ||
+        give_up "Wine for 32-bit programs fits this machine but could not be installed"
 }
 
 echo "Installing: wine wine32:i386"
@@ -84,4 +94,4 @@ try_install ||
     tail -n 20 "$scratch/log" >&2
     give_up "Wine for 32-bit programs cannot be installed: no set of package indexes fits"
 }
-runs || give_up "Wine is installed but does not run a 32-bit program"
+runs || fail "Wine is installed but does not run a 32-bit program"

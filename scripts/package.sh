@@ -17,7 +17,7 @@ esac
 
 scripts/install-deps.sh build tool package
 if [ "$preset" = windows ]; then
-    scripts/install-deps.sh windows || [ $? = 10 ] # making a package needs no Wine
+    KEL_WINE=no scripts/install-deps.sh windows || [ $? = 10 ] # making a package needs no Wine
 fi
 cmake --preset $preset -DKEL_BUILD_TOOL=ON
 cmake --build --preset $preset --target kel kel_tool

@@ -3,7 +3,6 @@
 #include "meta/KEL_Manager_Impl.h"
 #include "meta/MetaKel_Impl.h"
 #include "serial/Characters.h"
-#include "values/ChildCursor.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_IndexList_Impl.h"
@@ -434,33 +433,12 @@ void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
         return;
     }
     if (manager.index == nullptr) {
-        manager.index = std::make_unique<ManagerIndex>();
-        ChildCursor cursor(container);
-        while (cursor.next()) {
-            manager.index->enter(cursor.value, cursor.index);
-        }
+        manager.index = std::make_unique<ManagerIndex>(container);
     }
     const int32_t before = manager.index->placeOf(value->identity());
     const int32_t place = before == -1 ? container.size() : before;
     manager.index->enter(value.get(), place);
     container.adoptElementAt(place, std::move(value));
-}
-
-void TextTreeReader::ManagerIndex::enter(KEL_Impl* element, int32_t place) {
-    if (element->identity().isZero()) {
-        zeroPlace_ = place;
-        return;
-    }
-    places_[element] = place;
-    entries_.put(element->identity(), element);
-}
-
-int32_t TextTreeReader::ManagerIndex::placeOf(const JHashCode& identity) const {
-    if (identity.isZero()) {
-        return zeroPlace_;
-    }
-    const KEL_Impl* element = entries_.find(identity);
-    return element == nullptr ? -1 : places_.at(element);
 }
 
 } // namespace kel

@@ -2,13 +2,14 @@
 /// TextTreeReader: one walk of the text reader over a value.
 #pragma once
 
+#include "serial/ManagerIndex.h"
 #include "serial/TextSource.h"
 #include "serial/ValueTable.h"
 #include "values/KEL_Array_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 
+#include <memory>
 #include <optional>
-#include <unordered_map>
 
 namespace kel {
 
@@ -26,20 +27,6 @@ public:
     KEL_Impl* read();
 
 private:
-    /// Finds the places of a manager's elements by identity. The table knows no zero identity,
-    /// which here is one like others.
-    class ManagerIndex {
-    public:
-        void enter(KEL_Impl* element, int32_t place);
-        /// The place of the element with this identity, -1 when there is none.
-        int32_t placeOf(const JHashCode& identity) const;
-
-    private:
-        IdentityTable entries_;
-        std::unordered_map<const KEL_Impl*, int32_t> places_;
-        int32_t zeroPlace_ = -1;
-    };
-
     /// A value that is not complete: a container, or the use of a definition.
     struct Level {
         int32_t kind; ///< of the container; expansionKind for a definition

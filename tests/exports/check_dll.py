@@ -6,7 +6,7 @@
 LIST is the .def file that the DLL was linked with. The export table must hold its names at its
 ordinals and nothing else, least of all at the ordinals between; each export is a function of the
 DLL itself. The DLL may import from the system and from the run-time libraries that are shipped with
-it only.
+it only, and has to import the system's functions that it is built on.
 Prints one line per difference and ends with status 1 if there is any.
 """
 import pathlib
@@ -16,6 +16,8 @@ import sys
 from export_lists import parse_def
 
 SYSTEM = {"KERNEL32.dll", "msvcrt.dll", "ole32.dll"}
+# What the library is known to take from elsewhere, and would not work without.
+NEEDED = {("KERNEL32.dll", "DisableThreadLibraryCalls"), ("ole32.dll", "CoCreateGuid")}
 SHIPPED = {"libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}
 
 
@@ -73,10 +75,13 @@ class Image:
         return start <= address < start + size
 
     def imports(self):
-        """The libraries that are imported from."""
+        """The imported functions: pairs of library and name; None for one imported by ordinal."""
         at = self.offset(self.import_table[0])
-        while (name := self.word(at + 12)) != 0:
-            yield self.text(name)
+        while (library := self.word(at + 12)) != 0:
+            entry = self.offset(self.word(at) or self.word(at + 16))
+            while (hint := self.word(entry)) != 0:
+                yield self.text(library), None if hint >> 31 else self.text(hint + 2)
+                entry += 4
             at += 20
 
 
@@ -95,8 +100,14 @@ def compare_exports(listed, exports, is_forwarder):
 
 
 def compare_imports(imports):
-    for name in sorted(set(imports) - SYSTEM - SHIPPED):
+    """imports: pairs of library and function."""
+    libraries = {library for library, _ in imports}
+    for name in sorted(libraries - SYSTEM - SHIPPED):
         yield f"imports from {name}"
+    for library, function in sorted(NEEDED - set(imports)):
+        yield f"does not import {function} from {library}"
+    if "libgcc_s_dw2-1.dll" not in libraries:
+        yield "has a libgcc of its own, so no host catches what it throws"
 
 
 def main(arguments):
@@ -112,7 +123,7 @@ def main(arguments):
         differences.append(f"{arguments[0]} is no library KEL.dll but {name}")
     print("\n".join(differences) if differences else
           f"KEL.dll exports exactly {len(exports)} functions and imports from "
-          f"{', '.join(sorted(imports))}.")
+          f"{', '.join(sorted({library for library, _ in imports}))}.")
     return 1 if differences else 0
 
 

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Compares the three lists of exported functions with each other and with the public headers.
+"""Compares the three lists of exported functions with each other, with the page that tells them to
+hosts, and with the public headers.
 
-    check_export_lists.py FOLDER INCLUDE [CLANG]
+    check_export_lists.py FOLDER PAGE INCLUDE [CLANG]
 
-FOLDER holds kel.exports, kel.def and kel_msvc.def. At each ordinal all three name the same function.
-With CLANG the names are those that compilers for Linux, for mingw and of Microsoft give to the
+FOLDER holds kel.exports, kel.def and kel_msvc.def. At each ordinal all three name the same function,
+and so does PAGE, docs/abi.md. With CLANG the names are those that compilers for Linux, for mingw and of Microsoft give to the
 functions that INCLUDE declares, and no declared function is missing.
 Prints one line per difference and ends with status 1 if there is any.
 """
@@ -12,7 +13,8 @@ import pathlib
 import sys
 
 import compiled_names
-from export_lists import as_on_linux, function_of, parse_def, parse_exports
+from export_lists import (as_on_linux, function_of, parse_def, parse_exports, parse_page,
+                          readable_names)
 
 TARGETS = {"kel.exports": "x86_64-linux-gnu", "kel.def": "i686-w64-mingw32",
            "kel_msvc.def": "i686-pc-windows-msvc"}
@@ -34,6 +36,15 @@ def compare_lists(lists):
                    "kel.exports")
 
 
+def compare_page(page, listed):
+    """page, listed: ordinal to readable name."""
+    for ordinal in sorted(set(page) | set(listed)):
+        told = page.get(ordinal)
+        expected = listed.get(ordinal, "nothing").replace("_IO_FILE", "FILE")
+        if told != expected:
+            yield f"ordinal {ordinal}: {told} on the page, {expected} in kel.exports"
+
+
 def compare_names(lists, compiled):
     """compiled: file name to pairs of name and declaration; a declaration has one ordinal."""
     ordinals = {}
@@ -52,7 +63,7 @@ def compare_names(lists, compiled):
 
 
 def main(arguments):
-    if len(arguments) not in (2, 3):
+    if len(arguments) not in (3, 4):
         sys.exit(__doc__)
     folder = pathlib.Path(arguments[0])
     lists = {}
@@ -60,9 +71,11 @@ def main(arguments):
         parse = parse_exports if file.endswith(".exports") else parse_def
         lists[file] = parse((folder / file).read_text())
     differences = list(compare_lists(lists))
+    differences += compare_page(parse_page(pathlib.Path(arguments[1]).read_text()),
+                                readable_names((folder / "kel.exports").read_text()))
     how = "as clang names them for all three compilers"
-    if len(arguments) == 3:
-        compiled = {file: compiled_names.names_for(arguments[2], arguments[1], target)
+    if len(arguments) == 4:
+        compiled = {file: compiled_names.names_for(arguments[3], arguments[2], target)
                     for file, target in TARGETS.items()}
         differences += compare_names(lists, compiled)
     else:

@@ -2,6 +2,7 @@
 
 import re
 
+PAGE_ROW = re.compile(r"^\| (\d+) \| `(\w+\(.*\))` \|$")
 LINUX_ROW = re.compile(r"^ *(\d+) +(\w+) +# (.+)$")
 DEF_ROW = re.compile(r"^ +(\S+) +@(\d+)$")
 ITANIUM = re.compile(r"^_Z(\d+)(\w+)$")
@@ -12,6 +13,17 @@ MICROSOFT = re.compile(r"^\?(\w+)@@YG")
 def parse_exports(text):
     """kel.exports: ordinal to name. Every line is a row, a comment or empty."""
     return _parse(text, LINUX_ROW, lambda m: (int(m.group(1)), m.group(2)), "#", ())
+
+
+def readable_names(text):
+    """kel.exports: ordinal to readable name."""
+    return _parse(text, LINUX_ROW, lambda m: (int(m.group(1)), m.group(3)), "#", ())
+
+
+def parse_page(text):
+    """The table of docs/abi.md: ordinal to readable name."""
+    section = text.split("\n## Exported functions\n")[1].split("\n## ")[0]
+    return {int(ordinal): name for ordinal, name in re.findall(PAGE_ROW.pattern, section, re.M)}
 
 
 def parse_def(text):

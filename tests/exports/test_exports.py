@@ -72,6 +72,9 @@ class Names(unittest.TestCase):
 
 
 class Library(unittest.TestCase):
+    IMPORTS = [("KERNEL32.dll", "DisableThreadLibraryCalls"), ("ole32.dll", "CoCreateGuid"),
+               ("libgcc_s_dw2-1.dll", "_Unwind_Resume")]
+
     listed = {1: "_Z1av@0", 5: "_Z1bv@0"}
 
     def differences(self, exports):
@@ -93,8 +96,16 @@ class Library(unittest.TestCase):
                          ["ordinal 1 is a function of another library"])
 
     def test_a_run_time_library_that_is_not_shipped_is_found(self):
-        self.assertEqual(list(check_dll.compare_imports(["msvcrt.dll", "libstdc++-6.dll"])),
+        imports = self.IMPORTS + [("libstdc++-6.dll", "_Znwj")]
+        self.assertEqual(list(check_dll.compare_imports(imports)),
                          ["imports from libstdc++-6.dll"])
+
+    def test_what_the_library_is_built_on_is_missed(self):
+        self.assertEqual(list(check_dll.compare_imports(self.IMPORTS)), [])
+        self.assertEqual(list(check_dll.compare_imports(self.IMPORTS[1:])),
+                         ["does not import DisableThreadLibraryCalls from KERNEL32.dll"])
+        self.assertEqual(list(check_dll.compare_imports(self.IMPORTS[:2])),
+                         ["has a libgcc of its own, so no host catches what it throws"])
 
 
 if __name__ == "__main__":

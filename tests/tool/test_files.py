@@ -162,6 +162,7 @@ class Output(ToolTest):
         self.ok("convert", "a.json", "b.kel")
         self.assertEqual(os.stat(self.path("b.kel")).st_uid, NOBODY)
 
+    @posix_only("Windows runs no file as its owner")
     def test_a_file_that_ran_as_its_owner_does_so_no_more(self):
         self.write("a.json", "1")
         self.write("b.kel", "old")

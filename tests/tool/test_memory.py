@@ -1,6 +1,9 @@
-import resource
+import os
 
-from support import ARRAY, ToolTest, int_record, record
+from support import ARRAY, ToolTest, int_record, posix_only, record
+
+if os.name == "posix":
+    import resource
 
 MEMORY = 100 << 20  # bytes, enough for the files but not for their values
 
@@ -9,6 +12,7 @@ def limit_memory():
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
 
 
+@posix_only("Windows limits no address space of a process")
 class Memory(ToolTest):
     """Too little memory says nothing about a file."""
 

@@ -88,6 +88,7 @@ class Progress(ToolTest):
         self.assertTrue(shown.startswith(b"kel: reading -, 1 s"), shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
 
+    @posix_only("Windows does not count a user's processes")
     @unittest.skipUnless(os.name == "posix" and os.geteuid() == 0,
                          "only root can become somebody else")
     def test_work_goes_on_without_progress_where_no_thread_can_be_had(self):
