@@ -10,7 +10,7 @@ namespace bench {
 
 namespace {
 
-/// Builds the tree while the JSON parser reports what it meets.
+/// Builds the tree while the JSON parser reports its events.
 class TreeBuilder : public nlohmann::json_sax<nlohmann::json> {
 public:
     Tree take() { return std::move(root_); }

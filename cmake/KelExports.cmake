@@ -1,19 +1,50 @@
-# kel_limit_exports(<target> <list>)
+# kel_make_export_lists(<table> <folder>)
 #
-# Makes a shared library export the functions of the list and nothing else. Each line of the list
-# holds an ordinal and a mangled name; "#" begins a comment. Hidden visibility alone would still
-# let the type information and inline functions of the public classes and of the standard library
-# out, where they could be mixed with those of other libraries in a host.
-function(kel_limit_exports target list)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
-  file(STRINGS ${list} rows REGEX "^ *[0-9]+ +[A-Za-z_]")
+# Makes the lists of exported functions that linkers take from the one table of them: kel.map for
+# Linux, kel.def for mingw and kel_msvc.def for Microsoft's compiler. Each row of the table holds an
+# ordinal, a declaration, Microsoft's name and the standard-call name; "#" begins a comment.
+function(kel_make_export_lists table folder)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
+  file(STRINGS ${table} rows REGEX "^ *[^# ]")
   set(globals)
+  set(standard_call)
+  set(microsoft)
+  set(last 0)
   foreach(row IN LISTS rows)
-    string(REGEX REPLACE "^ *[0-9]+ +([A-Za-z0-9_]+).*$" "\\1" name ${row})
+    if(NOT row MATCHES "^ *([0-9]+) [|] ([^|]+) [|] ([^| ]+) [|] ([^| ]+)$")
+      message(FATAL_ERROR "${table}: not ordinal | declaration | name | name:\n${row}")
+    endif()
+    set(ordinal ${CMAKE_MATCH_1})
+    if(NOT ordinal GREATER last)
+      message(FATAL_ERROR "${table}: ordinal ${ordinal} does not ascend")
+    endif()
+    set(last ${ordinal})
+    string(APPEND microsoft "    ${CMAKE_MATCH_3} @${ordinal}\n")
+    string(APPEND standard_call "    ${CMAKE_MATCH_4} @${ordinal}\n")
+    # On Linux the same function has no decoration, and FILE has another tag.
+    string(REGEX REPLACE "@[0-9]+$" "" name ${CMAKE_MATCH_4})
+    string(REPLACE "6_iobuf" "8_IO_FILE" name ${name})
     string(APPEND globals "    ${name};\n")
   endforeach()
-  set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
-  file(CONFIGURE OUTPUT ${script} CONTENT "{\n  global:\n@globals@  local:\n    *;\n};\n" @ONLY)
-  target_link_options(${target} PRIVATE LINKER:--version-script=${script})
-  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
+  file(CONFIGURE OUTPUT ${folder}/kel.map @ONLY
+    CONTENT "{\n  global:\n@globals@  local:\n    *;\n};\n")
+  file(CONFIGURE OUTPUT ${folder}/kel.def CONTENT "LIBRARY KEL.dll\nEXPORTS\n@standard_call@" @ONLY)
+  file(CONFIGURE OUTPUT ${folder}/kel_msvc.def CONTENT "LIBRARY KEL.dll\nEXPORTS\n@microsoft@" @ONLY)
+endfunction()
+
+# kel_limit_exports(<target> <folder>)
+#
+# Makes a shared library export the functions of the lists in the folder and nothing else. Hidden
+# visibility alone would still let the type information and inline functions of the public classes
+# and of the standard library out, where they could be mixed with those of other libraries in a host.
+function(kel_limit_exports target folder)
+  # Each compiler has its own names for the same functions at the same ordinals.
+  if(MSVC)
+    target_sources(${target} PRIVATE ${folder}/kel_msvc.def)
+  elseif(WIN32)
+    target_sources(${target} PRIVATE ${folder}/kel.def)
+  elseif(NOT APPLE)
+    target_link_options(${target} PRIVATE LINKER:--version-script=${folder}/kel.map)
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${folder}/kel.map)
+  endif()
 endfunction()

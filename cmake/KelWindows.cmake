@@ -36,7 +36,7 @@ if(MINGW)
       COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
       OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
     if(NOT EXISTS ${file})
-      message(FATAL_ERROR "The compiler does not say where ${name} is.")
+      message(FATAL_ERROR "The compiler does not know the path of ${name}.")
     endif()
     cmake_path(NORMAL_PATH file)
     list(APPEND KEL_RUNTIME_FILES ${file})

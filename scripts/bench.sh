@@ -16,7 +16,7 @@ cmake --build --preset release --target kel_bench kel_bench_memory
 KEL_BENCH_DATA=${KEL_BENCH_DATA:-$PWD/../shared/data}
 export KEL_BENCH_DATA
 results=build/release/bench
-echo "Measuring everything three times; this takes some minutes."
+echo "Measuring everything three times. This takes several minutes."
 build/release/bin/kel_bench --benchmark_repetitions=3 --benchmark_min_time=0.3 \
     --benchmark_out=$results/results.json --benchmark_out_format=json "$@" >$results/results.txt
 build/release/bin/kel_bench_memory >$results/memory.txt

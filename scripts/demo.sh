@@ -46,7 +46,7 @@ for name in iso_3166-2 iso_639-3; do
     cmp $name.kel $name.again.kel
     echo "  both texts are the same, byte for byte"
     same_json $name.json $name.again.json
-    echo "  both JSON files say the same"
+    echo "  both JSON files are equal"
 done
 
 echo
@@ -54,9 +54,9 @@ echo "iso_639-3.kel begins:"
 head -n 14 iso_639-3.kel
 
 echo
-echo "A host program loads it, watches the name of the first language and changes it:"
+echo "A host program loads it, observes the name of the first language and changes it:"
 "$bin/examples/watch" iso_639-3.kel changed.kel "Ghotuo (watched)" 639-3 0 name
-echo "What differs between the two files:"
+echo "Differences between the two files:"
 diff iso_639-3.kel changed.kel || [ $? = 1 ]
 "$bin/kel" check changed.kel
-echo "kel check finds no fault in changed.kel."
+echo "kel check reports no errors in changed.kel."

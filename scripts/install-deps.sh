@@ -41,7 +41,7 @@ is_installed() {
 
 # One broken index, of another architecture perhaps, does not make the others useless.
 update_indexes() {
-    apt-get update || echo "Some package index is broken now; going on."
+    apt-get update || echo "A package index is unavailable now; continuing."
 }
 
 require_root() {

@@ -87,7 +87,7 @@ try_install() {
 echo "Installing: wine wine32:i386"
 codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
 dpkg --print-foreign-architectures | grep -qx i386 || dpkg --add-architecture i386
-"${apt[@]}" update >>"$scratch/log" 2>&1 || echo "Some package index is broken now; going on."
+"${apt[@]}" update >>"$scratch/log" 2>&1 || echo "A package index is unavailable now; continuing."
 try_install ||
     { use_index "$codename" "$codename-updates"; try_install; } ||
     { use_index "$codename"; try_install; } || {

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Builds the packages that are shipped, and tells where they are.
+# Builds the packages that are shipped, and prints where they are.
 #
 #   scripts/package.sh linux      kel-<version>-linux-<processor>.tar.gz and a Debian package
 #   scripts/package.sh windows    kel-<version>-win32.zip

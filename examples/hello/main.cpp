@@ -1,4 +1,4 @@
-// Makes a small tree of values and shows it as text.
+// Creates a small struct of values and prints it as text.
 #include <kel/kel.h>
 
 int main() {

@@ -1,9 +1,10 @@
-// Settings that know what they may hold. A panel could be drawn from their descriptions alone.
+// Settings with descriptions of their allowed values. A program could draw a panel from the
+// descriptions alone.
 //
 //     settings IN OUT
 //
-// Describes a handful of settings, takes over those of the text file IN, refuses what does not fit,
-// lets the user choose one of several modes, and saves everything in OUT.
+// Describes a few settings, takes over those of the text file IN, refuses values that are not
+// allowed, lets the user choose one of several modes, and saves everything in OUT.
 #include <kel/kel.h>
 
 #include <cstdio>
@@ -11,14 +12,14 @@
 
 namespace {
 
-// Gives things back to the library when their owner goes out of scope.
+// Releases objects of the library when their owner goes out of scope.
 struct GiveBack {
     void operator()(KEL* value) const { DeleteKEL(value); }
     void operator()(KELInputStream* stream) const { DeleteKELInputStream(stream); }
     void operator()(KELException* failure) const { DeleteKELException(failure); }
     void operator()(StringEnumeration* names) const { DeleteStringEnumeration(names); }
 
-    // Reached only while another failure is on its way out: a second one has nobody to tell.
+    // Runs only while another exception propagates, so a second one cannot be reported.
     void operator()(KELOutputStream* stream) const {
         try {
             DeleteKELOutputStream(stream);
@@ -37,13 +38,13 @@ const char* textOf(const KEL* value) {
     return text == nullptr ? "(no text)" : text;
 }
 
-// Told after every change of the settings: a panel would redraw itself here.
+// Notified after every change of the settings. A panel would redraw itself here.
 class Panel : public KEL_Observer {
 public:
     void update(KEL*) override { std::printf("  (the settings have changed)\n"); }
 };
 
-// Lets an observer watch a value as long as this object lives.
+// Registers an observer with a value as long as this object lives.
 class Watching {
 public:
     Watching(KEL* value, KEL_Observer& observer)
@@ -59,10 +60,10 @@ private:
     KEL_Observer& observer_;
 };
 
-// ---- What the settings may hold ----------------------------------------------------------------
+// ---- Descriptions of the settings --------------------------------------------------------------
 
-// A range with a default, a unit to show behind the number, and the step of its knob. Properties
-// are variables of the descriptor; they come into being by put..., whatever the kind.
+// A range with a default, a unit to show after the number, and the step of its knob. Properties are
+// variables of the descriptor; put... creates them, whatever their kind.
 Owned<MetaKelVarDescriptor> describeGain() {
     auto gain = own(CreateMetaKelVarDescriptor());
     gain->setType(KELKind_Double);
@@ -83,7 +84,7 @@ Owned<MetaKelVarDescriptor> describeVoices() {
     return voices;
 }
 
-// One of a closed list of words.
+// A choice from a closed list of words.
 Owned<MetaKelVarDescriptor> describeMode() {
     auto mode = own(CreateMetaKelVarDescriptor());
     auto allowed = own(CreateKELArray());
@@ -97,7 +98,7 @@ Owned<MetaKelVarDescriptor> describeMode() {
     return mode;
 }
 
-// The description has an identity that never changes, so a file tells what it was saved with.
+// The description has a fixed identity, so a file shows which description it was saved with.
 Owned<MetaKelDescriptor> makeDescription() {
     const JHashCode identity(0x4B454C01, 0, 0, 1);
     const auto manager = own(CreateKELManager());
@@ -110,11 +111,11 @@ Owned<MetaKel> makeSettings() {
     description->addVar("gain", describeGain().get());
     description->addVar("mode", describeMode().get());
     description->addVar("voices", describeVoices().get());
-    return own(CreateMetaKel(description.get())); // which keeps the description
+    return own(CreateMetaKel(description.get())); // it keeps the description
 }
 
-// The description of a setting, borrowed; null when it is not described. On a constant struct
-// getVar borrows.
+// Returns the description of a setting, borrowed, or null if it is not described. On a constant
+// struct, getVar returns a borrowed pointer.
 const MetaKelVarDescriptor* describedBy(const MetaKel& settings, const char* name) {
     const KEL_Struct* description = settings.getDescriptor();
     return description->containsVar(name)
@@ -124,7 +125,7 @@ const MetaKelVarDescriptor* describedBy(const MetaKel& settings, const char* nam
 
 // ---- Showing, loading, saving ------------------------------------------------------------------
 
-// A setting that was never made answers its default.
+// getVar returns the default of a setting that has no value yet.
 void show(const MetaKel& settings) {
     const KEL_Struct& variables = settings;
     const auto names = own(settings.getDescriptor()->getVarNames());
@@ -142,8 +143,8 @@ void show(const MetaKel& settings) {
     }
 }
 
-// Takes one value into the settings. An invalid one would be dropped without a word, so whoever
-// wants to say why asks the description first.
+// Stores one value in the settings. setVar drops an invalid value silently, so this function asks
+// the description first and reports the reason.
 void take(MetaKel& settings, const char* name, KEL* value) {
     const MetaKelVarDescriptor* rules = describedBy(settings, name);
     if (rules == nullptr) {
@@ -156,7 +157,7 @@ void take(MetaKel& settings, const char* name, KEL* value) {
     }
 }
 
-// The settings in a file are a plain struct: anybody may have written it.
+// The settings in a file are a plain struct: anybody can have written it.
 void load(MetaKel& settings, const char* fileName) {
     const auto stream = own<KELInputStream>(CreateKELTextInputStream(fileName));
     const auto root = own(stream->read());
@@ -172,8 +173,8 @@ void load(MetaKel& settings, const char* fileName) {
     }
 }
 
-// Deleting an output stream writes what it still holds. That can fail, so it is a step of its own
-// and not left to a destructor.
+// Deleting an output stream writes its buffered bytes. That can fail, so it is a separate step and
+// not left to a destructor.
 void save(KEL* value, const char* fileName) {
     auto stream = own(CreateKELTextOutputStream(fileName, false));
     stream->write(value);
@@ -182,7 +183,7 @@ void save(KEL* value, const char* fileName) {
 
 // ---- A choice among named options --------------------------------------------------------------
 
-// The list of options: its keys are what a menu shows, its items what the setting takes.
+// The list of options: a menu shows its keys, and the setting takes its items.
 Owned<KEL_IndexList> modesToChooseFrom(const MetaKel& settings) {
     static const char* const titles[] = {"One speaker", "Two speakers", "All around"};
     auto options = own(CreateKELIndexList());
@@ -193,7 +194,7 @@ Owned<KEL_IndexList> modesToChooseFrom(const MetaKel& settings) {
     return options;
 }
 
-// Takes over each choice. It does not own the settings, and they outlive it.
+// Stores each choice in the settings. It does not own them, and they outlive it.
 class ModeTaker : public KEL_Observer {
 public:
     explicit ModeTaker(MetaKel& settings) : settings_(settings) {}
@@ -224,7 +225,7 @@ int run(const char* in, const char* out) {
     ModeTaker taker(*settings);
     const Watching chosen(selector.get(), taker);
     const auto title = own(CreateKELString("All around"));
-    // A selector takes the keys of its list, not others with the same text.
+    // A selector selects the keys of its list, not other values with the same text.
     selector->selectKey(options->getKeyAt(options->indexOfKeyValue(title.get())));
 
     std::printf("In the end:\n");
@@ -243,10 +244,10 @@ int main(int count, char** arguments) {
     }
     try {
         return run(arguments[1], arguments[2]);
-    } catch (KELException* thrown) { // failures of values and of what files hold: ours to delete
+    } catch (KELException* thrown) { // failures of values and file contents: ours to delete
         const auto failure = own(thrown);
         std::fprintf(stderr, "settings: %s\n", failure->getMessage());
-    } catch (const JException& failure) { // failures of the runtime, as when opening a file
+    } catch (const JException& failure) { // failures of the runtime, such as opening a file
         const JPointer<JString> message(failure.getMessage());
         std::fprintf(stderr, "settings: %s\n", message.isValid() ? message->chars() : "no memory");
     }

@@ -1,9 +1,9 @@
-// Loads a value from a text file, watches one of its parts, changes that part and saves the whole.
+// Loads a value from a text file, observes one of its parts, changes the part and saves everything.
 //
 //     watch IN OUT TEXT STEP...
 //
-// The steps lead from the loaded value to the part: a name inside a struct, an index inside an
-// array. TEXT is converted into whatever kind the part has.
+// The steps lead from the loaded value to the part. Each step is a name inside a struct or an index
+// inside an array. TEXT is converted into the part's kind.
 #include <kel/kel.h>
 
 #include <cstdio>
@@ -12,13 +12,13 @@
 
 namespace {
 
-// Gives things back to the library when their owner goes out of scope.
+// Releases objects of the library when their owner goes out of scope.
 struct GiveBack {
     void operator()(KEL* value) const { DeleteKEL(value); }
     void operator()(KELInputStream* stream) const { DeleteKELInputStream(stream); }
     void operator()(KELException* failure) const { DeleteKELException(failure); }
 
-    // Reached only while another failure is on its way out: a second one has nobody to tell.
+    // Runs only while another exception propagates, so a second one cannot be reported.
     void operator()(KELOutputStream* stream) const {
         try {
             DeleteKELOutputStream(stream);
@@ -29,8 +29,8 @@ struct GiveBack {
 };
 template <class T> using Owned = std::unique_ptr<T, GiveBack>;
 
-// Told after every change of a value that it watches. Values do not own their observers: the host
-// keeps this object and takes it off before it goes.
+// Notified after every change of a value that it observes. Values do not own their observers: the
+// host keeps this object and removes it from the value before destroying it.
 class Printer : public KEL_Observer {
 public:
     void update(KEL* value) override { std::printf("changed to %s\n", value->toString()); }
@@ -41,15 +41,15 @@ Owned<KEL> load(const char* fileName) {
     return Owned<KEL>(stream->read());
 }
 
-// Deleting an output stream writes what it still holds. That can fail, so it is a step of its own
-// and not left to a destructor.
+// Deleting an output stream writes its buffered bytes. That can fail, so it is a separate step and
+// not left to a destructor.
 void save(KEL* value, const char* fileName) {
     Owned<KELTextOutputStream> stream(CreateKELTextOutputStream(fileName, false));
     stream->write(value);
     DeleteKELOutputStream(stream.release());
 }
 
-// The part that one step leads to, borrowed from its container; null where no step leads on.
+// Returns the part that one step leads to, borrowed from its container, or null if there is none.
 KEL* follow(KEL* value, const char* step) {
     if (const auto* parent = dynamic_cast<const KEL_Struct*>(value)) {
         return parent->getVar(step);
@@ -93,10 +93,10 @@ int main(int count, char** arguments) {
     }
     try {
         return run(arguments[1], arguments[2], arguments[3], arguments + 4, arguments + count);
-    } catch (KELException* thrown) { // failures of values and of what files hold: ours to delete
+    } catch (KELException* thrown) { // failures of values and file contents: ours to delete
         Owned<KELException> failure(thrown);
         std::fprintf(stderr, "watch: %s\n", failure->getMessage());
-    } catch (const JException& failure) { // failures of the runtime, as when opening a file
+    } catch (const JException& failure) { // failures of the runtime, such as opening a file
         JPointer<JString> message(failure.getMessage());
         std::fprintf(stderr, "watch: %s\n", message.isValid() ? message->chars() : "no memory");
     }

@@ -1,5 +1,5 @@
 /// \file
-/// JException and the runtime's failures. They are thrown by value; catch them by reference:
+/// JException and the failures of the runtime. They are thrown by value. Catch them by reference:
 ///
 ///     try { ... } catch (const JException& failure) {
 ///         JPointer<JString> message(failure.getMessage());
@@ -14,17 +14,18 @@
 /// type information and a catch works across the library's boundary.
 class JException : public virtual JObject {
 public:
-    /// Copies the message. When the copy cannot be allocated the exception has none.
-    /// \throws JException "Cannot create hash code." when no identity can be drawn
+    /// Copies the message. If the copy cannot be allocated, the exception has no message.
+    /// \throws JException "Cannot create hash code." if no identity can be drawn
     explicit JException(const char* message);
 
-    /// The same with a given identity, for the failure to draw one. Inside the library only.
+    /// Copies the message and takes the given identity. The library throws it when no identity can
+    /// be drawn. Only the library calls this constructor.
     JException(const JHashCode& identity, const char* message);
 
     ~JException() override {}
 
-    /// The message with one reference added for the caller, who releases it (a JPointer adopts
-    /// it); null only when the message could not be allocated.
+    /// Returns the message with one reference added for the caller. The caller releases it; a
+    /// JPointer adopts it. Returns null only if the message could not be allocated.
     virtual JString* getMessage() const {
         if (message_.isValid()) {
             message_->addRef();
@@ -32,18 +33,18 @@ public:
         return message_.get();
     }
 
-    /// The same as getMessage, kept as a slot of its own.
+    /// Does the same as getMessage. It has a slot of its own.
     virtual JString* getMessageString() const { return getMessage(); }
 
 protected:
-    /// The message's characters, borrowed; null without a message.
+    /// Returns the message's characters, borrowed, or null if there is no message.
     const char* messageChars() const { return message_.isValid() ? message_->chars() : nullptr; }
 
 private:
     JPointer<JString> message_;
 };
 
-/// Declares a runtime failure that adds nothing to JException but its type.
+/// Declares a runtime failure that adds only its type to JException.
 #define KEL_RUNTIME_EXCEPTION(Name)                                                                \
     class Name : public virtual JException {                                                       \
     public:                                                                                        \
@@ -56,7 +57,7 @@ KEL_RUNTIME_EXCEPTION(JArrayIndexOutOfBoundsException); ///< an index outside a 
 KEL_RUNTIME_EXCEPTION(JNoSuchElementException);         ///< nothing left to enumerate
 KEL_RUNTIME_EXCEPTION(JIOException);                    ///< a stream failed
 KEL_RUNTIME_EXCEPTION(JEOFException);                   ///< input ended inside a number or string
-KEL_RUNTIME_EXCEPTION(JNullPointerException);           ///< null where an object is needed
-KEL_RUNTIME_EXCEPTION(TokenizerException);              ///< text that cannot be cut into tokens
+KEL_RUNTIME_EXCEPTION(JNullPointerException);           ///< null instead of an object
+KEL_RUNTIME_EXCEPTION(TokenizerException);              ///< text that cannot be split into tokens
 
 #undef KEL_RUNTIME_EXCEPTION

@@ -6,7 +6,7 @@
 
 class JString;
 
-/// A GUID as the platform lays it out: one 32-bit field, two 16-bit fields, eight bytes.
+/// A GUID in the platform's layout: one 32-bit field, two 16-bit fields, eight bytes.
 struct KELGuid {
     uint32_t data1;
     uint16_t data2;
@@ -14,14 +14,14 @@ struct KELGuid {
     uint8_t data4[8];
 };
 
-/// 128 bits as four 32-bit words, least significant first. A plain value: trivially copyable, no
-/// virtual operations, 16 bytes. It is the identity of an object, the value of a KEL_guid, and the
-/// library's 128-bit integer.
+/// 128 bits as four 32-bit words, least significant first. It is a plain value of 16 bytes:
+/// trivially copyable, without virtual operations. It serves as the identity of an object, as the
+/// value of a KEL_guid and as the library's 128-bit integer.
 class JHashCode {
 public:
-    /// Length of toGuidText's output without the terminating NUL.
+    /// The length of toGuidText's output without the terminating NUL.
     static constexpr size_t guidTextLength = 36;
-    /// Greatest length of toDecimalText's output without the terminating NUL.
+    /// The maximum length of toDecimalText's output without the terminating NUL.
     static constexpr size_t maxDecimalTextLength = 40;
 
     uint32_t w0 = 0; ///< least significant word; a GUID's 32-bit field
@@ -29,37 +29,37 @@ public:
     uint32_t w2 = 0; ///< bytes 0 to 3 of a GUID's tail, little-endian
     uint32_t w3 = 0; ///< most significant word; bytes 4 to 7 of a GUID's tail, little-endian
 
-    /// All zero.
+    /// Sets all four words to zero.
     constexpr JHashCode() = default;
 
-    /// The value v in the least significant word, zero in the others.
+    /// Stores v in the least significant word and zero in the others.
     constexpr explicit JHashCode(uint32_t v) : w0(v) {}
 
-    /// The four given words, least significant first.
+    /// Stores the four given words, least significant first.
     constexpr JHashCode(uint32_t word0, uint32_t word1, uint32_t word2, uint32_t word3)
         : w0(word0), w1(word1), w2(word2), w3(word3) {}
 
-    /// The sixteen bytes of the GUID in memory order.
+    /// Stores the sixteen bytes of the GUID in memory order.
     constexpr explicit JHashCode(const KELGuid& guid)
         : w0(guid.data1), w1(guid.data2 | static_cast<uint32_t>(guid.data3) << 16),
           w2(wordOf(guid.data4)), w3(wordOf(guid.data4 + 4)) {}
 
-    /// True when all four words are equal.
+    /// Returns true if all four words are equal.
     friend constexpr bool operator==(const JHashCode& a, const JHashCode& b) {
         return a.w0 == b.w0 && a.w1 == b.w1 && a.w2 == b.w2 && a.w3 == b.w3;
     }
     friend constexpr bool operator!=(const JHashCode& a, const JHashCode& b) { return !(a == b); }
 
-    /// True when all four words are zero.
+    /// Returns true if all four words are zero.
     constexpr bool isZero() const { return (w0 | w1 | w2 | w3) == 0; }
 
-    /// w0 when the other three words are zero, else 2147483647: a value that is too large
-    /// saturates, it is never truncated.
+    /// Returns w0 if the other three words are zero, and 2147483647 otherwise. A value that is too
+    /// large saturates; it is never truncated.
     constexpr int32_t intValue() const {
         return (w1 | w2 | w3) == 0 ? static_cast<int32_t>(w0) : INT32_MAX;
     }
 
-    /// The value as a GUID structure.
+    /// Returns the value as a GUID structure.
     constexpr KELGuid toGuid() const {
         KELGuid guid = {w0, static_cast<uint16_t>(w1), static_cast<uint16_t>(w1 >> 16), {}};
         for (unsigned i = 0; i < 8; ++i) {
@@ -68,7 +68,7 @@ public:
         return guid;
     }
 
-    /// Writes the GUID layout in upper-case hexadecimal (8-4-4-4-12) and a NUL: 37 bytes.
+    /// Writes the GUID layout (8-4-4-4-12) in upper-case hexadecimal, then a NUL: 37 bytes.
     void toGuidText(char* text) const {
         text = putHex(text, w0, 8);
         *text++ = '-';
@@ -86,7 +86,7 @@ public:
     }
 
     /// Writes the four words in decimal, most significant first, each with at least eight digits,
-    /// and a NUL: at most 41 bytes. This is not the decimal value of the 128-bit number.
+    /// then a NUL: at most 41 bytes. This is not the decimal value of the 128-bit number.
     /// \return the number of characters before the NUL, 32 to 40
     size_t toDecimalText(char* text) const {
         char* end = putDecimal(text, w3);
@@ -97,12 +97,14 @@ public:
         return static_cast<size_t>(end - text);
     }
 
-    /// A new string with the text of toDecimalText; the caller owns the one reference. Null when
-    /// the string object cannot be allocated. Inside the library only; hosts use toDecimalText.
+    /// Returns a new string with the text of toDecimalText, owned by the caller with one reference.
+    /// Returns null if the string object or its characters cannot be allocated. Only the library
+    /// calls it; hosts use toDecimalText.
     JString* toDecimalString() const;
 
-    /// A new string with the text of toGuidText; the caller owns the one reference. Null when the
-    /// string object cannot be allocated. Inside the library only; hosts use toGuidText.
+    /// Returns a new string with the text of toGuidText, owned by the caller with one reference.
+    /// Returns null if the string object or its characters cannot be allocated. Only the library
+    /// calls it; hosts use toGuidText.
     JString* toGuidString() const;
 
 private:

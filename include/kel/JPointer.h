@@ -1,26 +1,27 @@
 /// \file
-/// JPointer: intrusive counted pointer to a JObject.
+/// JPointer: an intrusive counted pointer to a JObject.
 #pragma once
 
 #include <kel/JObject.h>
 
 /// Holds one reference to a T (a class derived from JObject), or null. Adopting a raw pointer takes
-/// over the reference that the caller had; copying and sharing add one; clearing, assigning and
+/// over the caller's reference. Copying and sharing add a reference. Clearing, assigning and
 /// destroying release the old one.
 template <class T> class JPointer {
 public:
     JPointer() noexcept : target_(nullptr) {}
 
-    /// Adopts target: the count is not raised. Null is allowed.
+    /// Adopts target without adding a reference. Null is allowed.
     explicit JPointer(T* target) noexcept : target_(target) {}
 
     /// Shares other's target.
     JPointer(const JPointer& other) : target_(other.target_) { retain(target_); }
 
-    /// Takes over other's reference and leaves it null.
+    /// Takes over other's reference and leaves other null.
     JPointer(JPointer&& other) noexcept : target_(other.target_) { other.target_ = nullptr; }
 
-    /// A pointer that shares target with a holder who keeps theirs: the count is raised.
+    /// Returns a pointer that shares target and adds a reference. The holder of target keeps its
+    /// own.
     static JPointer share(T* target) {
         retain(target);
         return JPointer(target);
@@ -35,7 +36,7 @@ public:
         drop(old);
     }
 
-    /// Hands the target and its reference to the caller and becomes null.
+    /// Returns the target, passes its reference to the caller and becomes null.
     virtual T* detach() {
         T* old = target_;
         target_ = nullptr;
@@ -43,17 +44,17 @@ public:
     }
 
     KEL_SLOTS(
-        /// True when there is no target: the answer of the const form.
+        /// Returns true if there is no target. Calls the const form.
         virtual bool isNull() { return static_cast<const JPointer*>(this)->isNull(); },
-        /// True when there is no target.
+        /// Returns true if there is no target.
         virtual bool isNull() const { return target_ == nullptr; })
 
-    /// True when there is a target.
+    /// Returns true if there is a target.
     virtual bool isValid() const { return !isNull(); }
 
     KEL_SLOTS(
-        /// Shares other's target and releases the old one. The new reference is taken first, so a
-        /// target that the old one alone keeps alive survives.
+        /// Shares other's target and releases the old one. The new reference is added first, so a
+        /// target that only the old one keeps alive survives.
         virtual JPointer& operator=(const JPointer& other) {
             if (target_ != other.target_) {
                 T* old = target_;
@@ -72,7 +73,7 @@ public:
             return *this;
         })
 
-    /// The target, borrowed: valid as long as somebody holds a reference.
+    /// Returns the target, borrowed while somebody holds a reference.
     virtual T* get() const { return target_; }
     T* operator->() const { return target_; }
     T& operator*() const { return *target_; }

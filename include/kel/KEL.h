@@ -1,5 +1,9 @@
 /// \file
-/// KEL: what every value can do, whatever its kind.
+/// KEL: the operations of every value, whatever its kind.
+///
+/// An operation that throws has changed nothing, unless an observer threw: then the change is
+/// complete and all observers have been called. An operation of a value that runs out of memory throws
+/// JOutOfMemoryException by value, unless its comment names another result.
 #pragma once
 
 #include <kel/JHashCode.h>
@@ -12,28 +16,30 @@ class KELInterface_RefCount_V1 {
 public:
     /// Adds one reference.
     virtual void addRef() = 0;
-    /// Takes one reference back; at zero the value deletes itself. \return the new count
+    /// Releases one reference. At zero the value deletes itself.
+    /// \return the new count
     virtual int32_t release() = 0;
     /// Copies the value's identity into out and returns out.
     virtual JHashCode& getHashCode(JHashCode& out) const = 0;
-    /// The kind code, one of KELKind.
+    /// Returns the kind code, one of KELKind.
     virtual int32_t getType() const = 0;
-    /// Answers 1, whatever the real count is; only release reports the real count.
+    /// Returns 1, whatever the real count is. Only release reports the real count.
     virtual int32_t getRefCount() const = 0;
 
 protected:
     ~KELInterface_RefCount_V1() = default;
 };
 
-/// Conversions of one value by its own rules. They never throw; a kind that has no form of the
-/// asked type answers false, 0, 0.0, null or all zero.
+/// Conversions of one value by its own rules. They never throw. A kind without a form of the
+/// requested type returns false, 0, 0.0, null or all zero.
 class KELInterface_Casting_V1 {
 public:
-    /// Boolean: its value. Int, Double: true only for exactly 1. guid: toInt is not 0. String: has
-    /// any characters.
+    /// Boolean: its value. Int, Double: true only for exactly 1. guid: true if toInt is not 0.
+    /// String: true if it has any characters.
     virtual bool toBoolean() const = 0;
-    /// Double: truncated toward zero through 64 bits, low 32 bits, 0 for what does not fit. guid:
-    /// JHashCode::intValue. String: leading decimal integer, saturated, 0 for none.
+    /// Double: truncated toward zero through 64 bits, then the low 32 bits; 0 if it does not fit.
+    /// guid: JHashCode::intValue. String: the leading decimal integer, saturated; 0 if there is
+    /// none.
     virtual int32_t toInt() const = 0;
     virtual int8_t toSignedChar() const = 0;          ///< toInt, low 8 bits
     virtual uint8_t toUnsignedChar() const = 0;       ///< toInt, low 8 bits
@@ -44,18 +50,18 @@ public:
     virtual unsigned long toUnsignedLong() const = 0; ///< toInt, modulo the type's range
     virtual int64_t toInt64() const = 0;              ///< toInt
     virtual uint64_t toUnsignedInt64() const = 0;     ///< toInt, modulo 2 to the 64
-    /// guid: toInt as a double. String: leading decimal number, 0.0 for none.
+    /// guid: toInt as a double. String: the leading decimal number; 0.0 if there is none.
     virtual double toDouble() const = 0;
     virtual float toFloat() const = 0;            ///< toDouble, rounded
     virtual long double toLongDouble() const = 0; ///< toDouble
-    /// The value as text: decimal integer, six decimals, "true" or "false", GUID layout, or a
-    /// string's own characters; null for kinds without a text form, and when there is no memory for
-    /// it. Owned by the value; valid until the next toString or freeString, or until a string
-    /// changes.
+    /// Returns the value as text: a decimal integer, a number with six decimals, "true" or "false",
+    /// the GUID layout, or a string's own characters. Returns null for a kind without a text form,
+    /// and if there is no memory for the text. The value owns the text. It is valid until the next
+    /// toString or freeString, or until a string changes.
     virtual const char* toString() const = 0;
     /// guid: its value. Others: toInt in the lowest word. Returns out.
     virtual JHashCode& toGuid(JHashCode& out) const = 0;
-    /// Frees the text that toString made, if there is one.
+    /// Frees the text that toString made, if there is any.
     virtual void freeString() = 0;
 
 protected:
@@ -65,60 +71,71 @@ protected:
 /// Copying, assigning and comparing values of any kind.
 class KELInterface_V1 {
 public:
-    /// A deep copy of the same kind, with an identity of its own, count 1 and no observers; the
-    /// caller owns it. A value that is shared inside the source is shared alike inside the copy,
-    /// so cycles keep their shape. A struct's null variable becomes an Int 0; a manager's copy
-    /// holds the same elements.
+    /// Returns a deep copy of the same kind, with an identity of its own, count 1 and no
+    /// observers; the caller owns it. A value that the source holds in two places becomes two
+    /// values, which can change independently. If a value in the source contains itself, the copy has
+    /// the same shape as the source instead: one copy of each value, shared in the same places. A
+    /// struct's null variable becomes an Int 0; a checked struct's stays null. The copy of a
+    /// manager holds the same elements, the copy of a selector selects from the same list.
+    /// \throws JOutOfMemoryException "Out of memory!", by value; also if shared values would become
+    ///         more than 2147483647 values
     virtual KEL* copy() const = 0;
 
     /// Takes over the contents of a value of the same kind, then notifies this value's observers.
-    /// Containers take deep copies, managers the same elements; a memory block takes a block of
-    /// its own size. Null is ignored.
+    /// Afterwards both are equal in value. Containers take deep copies as copy() makes them, except
+    /// that null variables stay null; managers take the same elements; a memory block takes a block
+    /// of its own size. Null is ignored.
     /// \throws KELNoSuchTypeException "Can't set the value when types are not equal!"
     /// \throws KELMemBlockException "Cannot write past the end of the memory block." for a block
     ///         of another size
+    /// \throws JOutOfMemoryException as copy(); this value is then unchanged
     virtual void assign(const KEL* value) = 0;
 
     KEL_SLOTS(
-        /// True when other is the same value by identity; equal contents do not matter. False for
-        /// null.
+        /// Returns true if other has the same identity. Equal contents do not matter. Returns false
+        /// for null.
         virtual bool equals(const KEL* other) const = 0;,
-        /// True when both are null, false when one is, else the comparison of their identities.
+        /// Returns true if both are null, and false if only one is. Otherwise compares their
+        /// identities.
         virtual bool equals(const KEL* a, const KEL* b) const = 0;)
 
     /// Takes over a value of any kind, converted into this value's kind as the containers' typed
     /// getters convert. This value stays the same object of the same kind. A value without a form
-    /// in this kind leaves it unchanged, as null does.
-    /// \param notify whether this value's observers are told of the change
+    /// in this kind leaves it unchanged, as null does. A container takes over a container of the
+    /// same kind as assign() does.
+    /// \param notify true to notify this value's observers of the change
+    /// \throws JOutOfMemoryException as copy(); this value is then unchanged
     virtual void assignConverted(const KEL* value, bool notify) = 0;
 
-    /// True when other has the same kind and equal contents, element by element in containers. Int
-    /// and Double compare as numbers; all else of different kind is unequal. Identities never
-    /// matter. False for null.
+    /// Returns true if other has the same kind and equal contents, element by element in
+    /// containers. Int and Double compare as numbers; all else of different kind is unequal.
+    /// Identities and sharing never matter, and values that contain themselves are equal if no
+    /// difference can be found. Returns false for null. The time grows with the number of distinct
+    /// values in both, however they are shared.
     virtual bool equalsValue(const KEL* other) const = 0;
 
-    /// The version of this kind's stored form: 1.
+    /// Returns the version of this kind's stored form: 1.
     virtual int32_t getVersion() const = 0;
 
 protected:
     ~KELInterface_V1() = default;
 };
 
-/// The reference-counting face of a value.
+/// The reference-counting interface of a value.
 class KEL_RefCount : public virtual KELInterface_RefCount_V1 {
 protected:
     ~KEL_RefCount() = default;
 };
 
-/// The conversion face of a value.
+/// The conversion interface of a value.
 class KEL_Casting : public virtual KELInterface_Casting_V1 {
 protected:
     ~KEL_Casting() = default;
 };
 
-/// A value of any kind. Hosts hold values as KEL or as the public class of the kind (dynamic_cast
-/// leads from the one to the other), get them with count 1 from the Create functions and give them
-/// back with DeleteKEL. A value is used by one thread at a time.
+/// A value of any kind. Hosts hold values as KEL or as the public class of the kind; dynamic_cast
+/// converts from one to the other. A Create function returns a value with count 1, and DeleteKEL
+/// releases it. One thread at a time uses a value.
 class KEL : public virtual KEL_Casting,
             public virtual KEL_RefCount,
             public virtual KELInterface_V1 {

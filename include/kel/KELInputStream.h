@@ -7,51 +7,57 @@
 
 class JString;
 
-/// Reading of values, and of single numbers between them.
+/// Reads values, and single numbers between them.
 class KELInterface_InputStream_V1 {
 public:
-    /// Reads the next whole value; the caller owns it. Text: null for the word null.
-    /// \throws KELEOFException (text) when input ends before or inside the value: "Error reading
+    /// Reads the next whole value and returns it, owned by the caller. Text: returns null for the
+    /// word null.
+    /// \throws KELEOFException (text) if the input ends before or inside the value: "Error reading
     ///         KEL - unexpected end of input at line: N"
     /// \throws KELIOException (text) "Error reading KEL - syntax error at line:" and the line
     /// \throws TokenizerException by value (text) "Reached end of file with no closing quote."
     /// \throws KELIOException (binary) "Error reading KEL header.", "Error in KEL hash code."
-    /// \throws KELOutOfMemoryException (binary) "Out of memory!"
-    /// \throws JEOFException by value (binary) when input ends before or inside a record
-    /// \throws KELIOException with the medium's message when the medium fails
+    /// \throws KELRenameException (binary) "KEL_Struct key can't contain a \"" if a variable's name
+    ///         does
+    /// \throws KELOutOfMemoryException "Out of memory!"; in binary also if the length of a String or
+    ///         MemBlock at the top level is more than a buffer can hold
+    /// \throws JEOFException by value (binary) if the input ends before or inside a record
+    /// \throws KELIOException with the medium's message if the medium fails
     virtual KEL* read() = 0;
-    /// Text: one number. Binary: one byte.
+    /// Reads one number (text) or one byte (binary).
     virtual int8_t JRead8() = 0;
-    /// Text: one number. Binary: two bytes, little-endian.
+    /// Reads one number (text) or two bytes, little-endian (binary).
     virtual int16_t JRead16() = 0;
-    /// Text: one number. Binary: four bytes, little-endian.
+    /// Reads one number (text) or four bytes, little-endian (binary).
     virtual int32_t JRead32() = 0;
-    /// Binary: eight bytes, little-endian, into out. Returns out.
+    /// Reads eight bytes, little-endian, into out and returns out (binary).
     /// \throws KELException "Not implemented." (text)
     virtual uint64_t& JRead64(uint64_t& out) = 0;
-    /// Binary: sixteen bytes, little-endian, into out. Returns out.
+    /// Reads sixteen bytes, little-endian, into out and returns out (binary).
     /// \throws KELException "Not implemented." (text)
     virtual JHashCode& JRead128(JHashCode& out) = 0;
-    /// Text: one word, bare or quoted. Binary: the characters up to a NUL. The caller owns the
-    /// string and releases it.
+    /// Reads one bare or quoted word (text) or the characters up to a NUL (binary). The caller owns
+    /// the string and releases it.
     virtual JString* JReadString() = 0;
-    /// Text: one number. Binary: eight bytes, little-endian.
+    /// Reads one number (text) or eight bytes, little-endian (binary).
     virtual double JReadDouble() = 0;
     KEL_SLOTS(
-        /// Reads one raw byte; -1 at end of input.
+        /// Reads one raw byte. Returns -1 at end of input.
         virtual int32_t JRead() = 0;,
-        /// Reads at most count raw bytes to buffer + offset. \return how many, 0 at end of input
+        /// Reads at most count raw bytes to buffer + offset. If the medium fails after some bytes,
+        /// returns those bytes; the next read throws.
+        /// \return the number of bytes read, 0 at end of input
         virtual int32_t JRead(uint8_t* buffer, int32_t offset, int32_t count) = 0;)
-    /// Closes a file that the stream opened; a host's FILE stays open and, if it can seek, is left
-    /// behind the last byte that was used.
+    /// Closes a file that the stream opened. A host's FILE stays open. If it can seek, its position
+    /// is just after the last byte consumed.
     virtual void JClose() = 0;
 
 protected:
     ~KELInterface_InputStream_V1() = default;
 };
 
-/// A stream that values are read from, one root value after the other. DeleteKELInputStream ends
-/// it.
+/// A stream from which values are read, one root value after the other. DeleteKELInputStream closes
+/// and releases it.
 class KELInputStream : public virtual KELInterface_InputStream_V1 {
 protected:
     ~KELInputStream() = default;
@@ -63,7 +69,7 @@ protected:
     ~KELTextInputStream() = default;
 };
 
-/// What a string input stream offers beside reading: nothing in this version.
+/// The operations that a string input stream adds: none in this version.
 class KELStringInputStreamInterface_V1 {
 protected:
     ~KELStringInputStreamInterface_V1() = default;
@@ -76,30 +82,34 @@ protected:
     ~KELStringInputStream() = default;
 };
 
-/// Reads binary from a file. A reference yields the very value that was read before.
+/// Reads binary from a file. A reference yields the same value object that the stream read before.
 class KELBinaryInputStream : public virtual KELInputStream {
 protected:
     ~KELBinaryInputStream() = default;
 };
 
-/// Text from a host's open FILE (binary mode), which is never closed. Null when out of memory.
+/// Returns a new stream that reads text from a host's open FILE (binary mode) and never closes it.
+/// Returns null when out of memory.
 /// \throws JIOException by value, "FileInputStream. Cannot open file.", for a null handle
 KEL_API KELTextInputStream* KEL_CALL CreateKELTextInputStream(FILE* file);
 
-/// Text from a file (name: bytes on Linux, UTF-8 on Windows).
+/// Returns a new stream that reads text from a file. The name is bytes on Linux and UTF-8 on
+/// Windows.
 /// \throws JIOException by value, "FileInputStream. Cannot open file."
 KEL_API KELTextInputStream* KEL_CALL CreateKELTextInputStream(const char* fileName);
 
-/// Text from length bytes at text, which are copied. Null text or a negative length is empty.
+/// Returns a new stream that reads text from length bytes at text, which it copies. Null text or a
+/// negative length is empty input.
 KEL_API KELStringInputStream* KEL_CALL CreateKELStringInputStream(const char* text, int32_t length);
 
-/// Binary from a host's open FILE (binary mode), which is never closed.
+/// Returns a new stream that reads binary from a host's open FILE (binary mode) and never closes
+/// it.
 /// \throws JIOException by value, "FileInputStream. Cannot open file.", for a null handle
 KEL_API KELBinaryInputStream* KEL_CALL CreateKELBinaryInputStream(FILE* file);
 
-/// Binary from a file.
+/// Returns a new stream that reads binary from a file.
 /// \throws JIOException by value, "FileInputStream. Cannot open file."
 KEL_API KELBinaryInputStream* KEL_CALL CreateKELBinaryInputStream(const char* fileName);
 
-/// Closes and releases the stream; values that were read live on. Null is ignored.
+/// Closes and releases the stream. Values that were read from it stay valid. Null is ignored.
 KEL_API void KEL_CALL DeleteKELInputStream(KELInputStream* stream);

@@ -6,24 +6,24 @@
 
 class KEL_Boolean;
 
-/// Typed access to a Boolean. The setters from other types convert by the rules of that type's own
-/// conversions and return this value, so calls can be chained. Every setter marks the value changed
-/// and notifies its observers once.
+/// Operations of a Boolean. The setters from other types convert by the rules of that type's own
+/// conversions. They return this value, borrowed, so calls can be chained. Every setter marks the
+/// value changed and notifies its observers once.
 class KELInterface_Boolean_V1 {
 public:
-    /// The value.
+    /// Returns the value.
     virtual bool getValue() const = 0;
     /// Replaces the value.
     virtual void setValue(bool value) = 0;
-    /// The value itself. Returns this value, borrowed.
+    /// Stores value. Returns this value, borrowed.
     virtual KEL_Boolean* setBoolean(bool value) = 0;
-    /// True only for 1. Returns this value, borrowed.
+    /// Stores true only for 1. Returns this value, borrowed.
     virtual KEL_Boolean* setInt(int32_t value) = 0;
-    /// True only for 1.0. Returns this value, borrowed.
+    /// Stores true only for 1.0. Returns this value, borrowed.
     virtual KEL_Boolean* setDouble(double value) = 0;
-    /// True when text has any characters. Null is ignored. Returns this value, borrowed.
+    /// Stores true if text has any characters. Null is ignored. Returns this value, borrowed.
     virtual KEL_Boolean* setString(const char* text) = 0;
-    /// True when its intValue is not 0. Returns this value, borrowed.
+    /// Stores true if value's intValue is not 0. Returns this value, borrowed.
     virtual KEL_Boolean* setguid(const JHashCode& value) = 0;
 
 protected:
@@ -36,5 +36,6 @@ protected:
     ~KEL_Boolean() = default;
 };
 
-/// A new Boolean with the given value, count 1, owned by the caller; null when out of memory.
+/// Returns a new Boolean with the given value and count 1, owned by the caller. Returns null when
+/// out of memory.
 KEL_API KEL_Boolean* KEL_CALL CreateKELBoolean(bool value);

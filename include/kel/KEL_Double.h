@@ -6,24 +6,25 @@
 
 class KEL_Double;
 
-/// Typed access to a Double. The setters from other types convert by the rules of that type's own
-/// conversions and return this value, so calls can be chained. Every setter marks the value changed
-/// and notifies its observers once.
+/// Operations of a Double. The setters from other types convert by the rules of that type's own
+/// conversions. They return this value, borrowed, so calls can be chained. Every setter marks the
+/// value changed and notifies its observers once.
 class KELInterface_Double_V1 {
 public:
-    /// The value.
+    /// Returns the value.
     virtual double getValue() const = 0;
     /// Replaces the value.
     virtual void setValue(double value) = 0;
-    /// 1.0 or 0.0. Returns this value, borrowed.
+    /// Stores 1.0 or 0.0. Returns this value, borrowed.
     virtual KEL_Double* setBoolean(bool value) = 0;
-    /// The number. Returns this value, borrowed.
+    /// Stores the number. Returns this value, borrowed.
     virtual KEL_Double* setInt(int32_t value) = 0;
-    /// The value itself. Returns this value, borrowed.
+    /// Stores value. Returns this value, borrowed.
     virtual KEL_Double* setDouble(double value) = 0;
-    /// The leading decimal number; 0.0 for none. Null is ignored. Returns this value, borrowed.
+    /// Stores the leading decimal number, or 0.0 if there is none. Null is ignored. Returns this
+    /// value, borrowed.
     virtual KEL_Double* setString(const char* text) = 0;
-    /// Its intValue. Returns this value, borrowed.
+    /// Stores value's intValue. Returns this value, borrowed.
     virtual KEL_Double* setguid(const JHashCode& value) = 0;
 
 protected:
@@ -36,5 +37,6 @@ protected:
     ~KEL_Double() = default;
 };
 
-/// A new Double with the given value, count 1, owned by the caller; null when out of memory.
+/// Returns a new Double with the given value and count 1, owned by the caller. Returns null when
+/// out of memory.
 KEL_API KEL_Double* KEL_CALL CreateKELDouble(double value);

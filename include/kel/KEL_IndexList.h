@@ -7,214 +7,239 @@
 
 class KEL_IndexList;
 
-/// Operations of an index list: two arrays side by side, the key at an index belonging to the item
-/// at the same index. Keys and items are shared, never copied.
+/// Operations of an index list. It consists of two parallel arrays: the key at an index belongs to
+/// the item at the same index. Keys and items are shared, never copied.
 ///
-/// Every successful change of the list marks it changed and notifies its observers once, when it is
-/// complete; the observers of the arrays that it changes are called before. addPairs notifies once
-/// for each pair. setKeyValue and its typed forms change keys, which notify, not the list.
+/// Every successful change of the list marks it changed and notifies its observers once, when the
+/// change is complete. The observers of the arrays that it changes are called first. addPairs
+/// notifies once for each pair. setKeyValue and its typed forms change keys; the keys notify, the
+/// list does not.
 ///
-/// The arrays belong to their other holders too, who may change them behind the list's back: pairs
-/// exist up to the end of the shorter one.
+/// Other holders of the arrays can change them directly. Pairs then exist up to the end of the
+/// shorter array.
 ///
-/// "By identity" looks for the identity (KEL::equals): the very object, or another one that was
-/// given the same. "By value" looks for equal contents (KEL::equalsValue). A null argument is never
-/// an error: the operation does nothing and answers null, false or -1; only a null text that
-/// becomes a key or an item is an empty one, where the comment says so. Values that the library did
-/// not make are treated as null where one would be stored, and are never found by identity.
+/// "By identity" compares identities (KEL::equals): the same object, or another one that was given
+/// the same identity. "By value" compares contents (KEL::equalsValue). A null argument, null text
+/// included, is never an error: the operation does nothing and returns null, false or -1. A value
+/// that the library did not create is treated as null where it would be stored, and is never found
+/// by identity.
 ///
-/// What is not found throws a KELNoSuchElementException and changes nothing: "Key not found in
-/// list." (a key by identity), "Item not found in list." (an item by identity) or "Key value not
-/// found in list." (a key by value). A bad index throws KELArrayIndexOutOfBoundsException "Array
-/// index out of bounds.".
+/// A failed lookup throws a KELNoSuchElementException and changes nothing:
+///
+/// - "Key not found in list." for a key by identity
+/// - "Item not found in list." for an item by identity
+/// - "Key value not found in list." for a key by value
+///
+/// A bad index throws KELArrayIndexOutOfBoundsException "Array index out of bounds.".
 class KELInterface_IndexList_V1 {
 public:
     KEL_SLOTS(
-        /// The item of the key, by identity, borrowed. Throws if the key is not found.
+        /// Returns the item of the key, by identity, borrowed. Throws if the key is not found.
         virtual KEL* getItem(const KEL* key) = 0;,
-        /// The same from a constant list.
+        /// Returns the same item from a constant list.
         virtual KEL* getItem(const KEL* key) const = 0;)
     KEL_SLOTS(
-        /// The key of the item, by identity, borrowed. Throws if the item is not found.
+        /// Returns the key of the item, by identity, borrowed. Throws if the item is not found.
         virtual KEL* getKey(const KEL* item) = 0;,
-        /// The same from a constant list.
+        /// Returns the same key from a constant list.
         virtual KEL* getKey(const KEL* item) const = 0;)
-    /// True when key is a key of the list, by identity.
+    /// Returns true if key is a key of the list, by identity.
     virtual bool containsKey(const KEL* key) const = 0;
     /// Removes the pair of the key, by identity. Throws if the key is not found.
     virtual void removeKey(const KEL* key) = 0;
     /// Removes the pair of the item, by identity. Throws if the item is not found.
     virtual void removeItem(const KEL* item) = 0;
-    /// True when item is an item of the list, by identity.
+    /// Returns true if item is an item of the list, by identity.
     virtual bool containsItem(const KEL* item) const = 0;
-    /// The first index of the key, by identity, or -1.
+    /// Returns the first index of the key, by identity, or -1.
     virtual int32_t indexOfKey(const KEL* key) const = 0;
-    /// The first index of the item, by identity, or -1.
+    /// Returns the first index of the item, by identity, or -1.
     virtual int32_t indexOfItem(const KEL* item) const = 0;
     KEL_SLOTS(
-        /// The item of the first key equal to keyValue, borrowed. Throws if no key is.
+        /// Returns the item of the first key that equals keyValue, borrowed. Throws if there is
+        /// none.
         virtual KEL* getItemOfKeyValue(const KEL* keyValue) = 0;,
-        /// The same from a constant list.
+        /// Returns the same item from a constant list.
         virtual KEL* getItemOfKeyValue(const KEL* keyValue) const = 0;)
-    /// True when a key is equal to keyValue.
+    /// Returns true if a key equals keyValue.
     virtual bool containsKeyValue(const KEL* keyValue) const = 0;
-    /// The first index of a key equal to keyValue, or -1.
+    /// Returns the first index of a key that equals keyValue, or -1.
     virtual int32_t indexOfKeyValue(const KEL* keyValue) const = 0;
-    /// The item of the first String key with this text, borrowed. Throws as getItemOfKeyValue.
+    /// Returns the item of the first String key with this text, borrowed. Throws as
+    /// getItemOfKeyValue does.
     virtual KEL* getItemOfKeyText(const char* text) const = 0;
-    /// Removes the pairs whose key is equal to keyValue, with one notification. The pair that moves
-    /// into a removed one's place is passed over, so of two equal neighbours the second stays.
-    /// Throws if no key is equal.
+    /// Removes the pairs whose key equals keyValue and notifies once. After each removal the scan
+    /// skips the next pair, so the second of two equal neighbours remains. Throws if there is none.
     virtual void removeKeyValue(const KEL* keyValue) = 0;
-    /// Puts newItem in the place of the key's item, by identity. Throws if the key is not found.
+    /// Replaces the item of the key, by identity, with newItem. Throws if the key is not found.
     virtual void setItemOfKey(const KEL* key, KEL* newItem) = 0;
-    /// Puts newKey in the place of the item's key, by identity. Throws if the item is not found.
+    /// Replaces the key of the item, by identity, with newKey. Throws if the item is not found.
     virtual void setKeyOfItem(const KEL* item, KEL* newKey) = 0;
-    /// Puts newItem in the place of the item of the first key equal to keyValue. Throws if no key
-    /// is.
+    /// Replaces the item of the first key that equals keyValue with newItem. Throws if there is
+    /// none.
     virtual void setItemOfKeyValue(const KEL* keyValue, KEL* newItem) = 0;
 
-    /// setKeyValue with a String of this text. Null is ignored.
+    /// Calls setKeyValue with a String of this text. Null is ignored.
     virtual void setKeyString(const KEL* keyValue, const char* text) = 0;
-    /// setKeyValue with a guid of this value.
+    /// Calls setKeyValue with a guid of this value.
     virtual void setKeyguid(const KEL* keyValue, const JHashCode& value) = 0;
     KEL_SLOTS(
-        /// The form for a float: forwards to the double.
+        /// Forwards a float to the form for a double.
         virtual void setKeyDouble(const KEL* keyValue, float value) = 0;,
-        /// setKeyValue with a Double of this value.
+        /// Calls setKeyValue with a Double of this value.
         virtual void setKeyDouble(const KEL* keyValue, double value) = 0;)
     KEL_SLOTS(
-        /// The form for a long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of a long to the form for a 32-bit integer.
         virtual void setKeyInt(const KEL* keyValue, long value) = 0;,
-        /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of an unsigned long to the form for a 32-bit integer.
         virtual void setKeyInt(const KEL* keyValue, unsigned long value) = 0;,
-        /// setKeyValue with an Int of this value.
+        /// Calls setKeyValue with an Int of this value.
         virtual void setKeyInt(const KEL* keyValue, int32_t value) = 0;)
-    /// setKeyValue with a Boolean of this value.
+    /// Calls setKeyValue with a Boolean of this value.
     virtual void setKeyBoolean(const KEL* keyValue, bool value) = 0;
-    /// Lets every key equal to keyValue take over newValue's contents; the keys stay the same
-    /// objects and notify their own observers. Nothing is assigned if one of them would refuse.
+    /// Assigns newValue's contents to every key that equals keyValue. The keys stay the same
+    /// objects and notify their own observers. If one of them would refuse, nothing is assigned.
     /// Throws if no key is equal.
     /// \throws KELNoSuchTypeException "Can't set the value when types are not equal!"
+    /// \throws KELMemBlockException "Cannot write past the end of the memory block." for a block of
+    ///         another size
     virtual void setKeyValue(const KEL* keyValue, const KEL* newValue) = 0;
 
-    /// Appends the pair of a new String with this text (empty for null) and item; returns its
-    /// index.
+    /// Appends a pair of a new String with this text and item, and returns its index.
     virtual int32_t addKeyString(const char* text, KEL* item) = 0;
-    /// Appends the pair of a new guid and item; returns its index.
+    /// Appends a pair of a new guid and item, and returns its index.
     virtual int32_t addKeyguid(const JHashCode& value, KEL* item) = 0;
     KEL_SLOTS(
-        /// The form for a float: forwards to the double.
+        /// Forwards a float to the form for a double.
         virtual int32_t addKeyDouble(float value, KEL* item) = 0;,
-        /// Appends the pair of a new Double and item; returns its index.
+        /// Appends a pair of a new Double and item, and returns its index.
         virtual int32_t addKeyDouble(double value, KEL* item) = 0;)
     KEL_SLOTS(
-        /// The form for a long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of a long to the form for a 32-bit integer.
         virtual int32_t addKeyInt(long value, KEL* item) = 0;,
-        /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of an unsigned long to the form for a 32-bit integer.
         virtual int32_t addKeyInt(unsigned long value, KEL* item) = 0;,
-        /// Appends the pair of a new Int and item; returns its index.
+        /// Appends a pair of a new Int and item, and returns its index.
         virtual int32_t addKeyInt(int32_t value, KEL* item) = 0;)
-    /// Appends the pair of a new Boolean and item; returns its index.
+    /// Appends a pair of a new Boolean and item, and returns its index.
     virtual int32_t addKeyBoolean(bool value, KEL* item) = 0;
 
-    /// Appends the pair of key and a new String with this text (empty for null); returns its index.
+    /// Appends a pair of key and a new String with this text, and returns its index.
     virtual int32_t addItemString(KEL* key, const char* text) = 0;
-    /// Appends the pair of key and a new guid; returns its index.
+    /// Appends a pair of key and a new guid, and returns its index.
     virtual int32_t addItemguid(KEL* key, const JHashCode& value) = 0;
     KEL_SLOTS(
-        /// The form for a float: forwards to the double.
+        /// Forwards a float to the form for a double.
         virtual int32_t addItemDouble(KEL* key, float value) = 0;,
-        /// Appends the pair of key and a new Double; returns its index.
+        /// Appends a pair of key and a new Double, and returns its index.
         virtual int32_t addItemDouble(KEL* key, double value) = 0;)
     KEL_SLOTS(
-        /// The form for a long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of a long to the form for a 32-bit integer.
         virtual int32_t addItemInt(KEL* key, long value) = 0;,
-        /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of an unsigned long to the form for a 32-bit integer.
         virtual int32_t addItemInt(KEL* key, unsigned long value) = 0;,
-        /// Appends the pair of key and a new Int; returns its index.
+        /// Appends a pair of key and a new Int, and returns its index.
         virtual int32_t addItemInt(KEL* key, int32_t value) = 0;)
-    /// Appends the pair of key and a new Boolean; returns its index.
+    /// Appends a pair of key and a new Boolean, and returns its index.
     virtual int32_t addItemBoolean(KEL* key, bool value) = 0;
 
-    /// Appends the pair of a new String key and a new String with this text (empty for null);
-    /// returns its index. A null key adds nothing here and below: -1.
+    /// Appends a pair of a new String key and a new String with this text, and returns its index.
     virtual int32_t addNamedString(const char* key, const char* text) = 0;
-    /// Appends the pair of a new String key and a new guid; returns its index.
+    /// Appends a pair of a new String key and a new guid, and returns its index.
     virtual int32_t addNamedguid(const char* key, const JHashCode& value) = 0;
     KEL_SLOTS(
-        /// The form for a float: forwards to the double.
+        /// Forwards a float to the form for a double.
         virtual int32_t addNamedDouble(const char* key, float value) = 0;,
-        /// Appends the pair of a new String key and a new Double; returns its index.
+        /// Appends a pair of a new String key and a new Double, and returns its index.
         virtual int32_t addNamedDouble(const char* key, double value) = 0;)
     KEL_SLOTS(
-        /// The form for a long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of a long to the form for a 32-bit integer.
         virtual int32_t addNamedInt(const char* key, long value) = 0;,
-        /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of an unsigned long to the form for a 32-bit integer.
         virtual int32_t addNamedInt(const char* key, unsigned long value) = 0;,
-        /// Appends the pair of a new String key and a new Int; returns its index.
+        /// Appends a pair of a new String key and a new Int, and returns its index.
         virtual int32_t addNamedInt(const char* key, int32_t value) = 0;)
-    /// Appends the pair of a new String key and a new Boolean; returns its index.
+    /// Appends a pair of a new String key and a new Boolean, and returns its index.
     virtual int32_t addNamedBoolean(const char* key, bool value) = 0;
 
-    /// Appends the pair and returns its index; -1 if one is null, which changes nothing.
+    /// Appends the pair and returns its index. Returns -1 if key or item is null, which changes
+    /// nothing.
     virtual int32_t addPair(KEL* key, KEL* item) = 0;
     /// Inserts the pair at index, from 0 to the count. Throws on a bad index.
     virtual void insertPair(KEL* key, KEL* item, int32_t index) = 0;
-    /// Appends, sharing them, the pairs of other whose keys are not here yet by identity; one
-    /// notification for each. \return 0, or -1 for null
+    /// Appends the pairs of other whose keys are not in the list yet, by identity. The lists share
+    /// keys and items. Notifies once for each.
+    /// \return 0, or -1 for null
     virtual int32_t addPairs(KEL_IndexList* other) = 0;
     /// Removes the pair at index. Throws on a bad index.
     virtual void removePair(int32_t index) = 0;
     /// Exchanges two pairs. Throws on a bad index.
     virtual void swapPairs(int32_t a, int32_t b) = 0;
-    /// Removes every pair; one notification, also when there was none.
+    /// Removes every pair and notifies once, even if the list was empty.
     virtual void removeAllPairs() = 0;
-    /// The number of pairs.
+    /// Returns the number of pairs.
     virtual int32_t getCount() const = 0;
     KEL_SLOTS(
-        /// The array of the keys itself, borrowed.
+        /// Returns the list's own array of keys, borrowed.
         virtual KEL_Array* getKeys() = 0;,
-        /// The same from a constant list.
+        /// Returns the same array from a constant list.
         virtual const KEL_Array* getKeys() const = 0;)
     KEL_SLOTS(
-        /// The array of the items itself, borrowed.
+        /// Returns the list's own array of items, borrowed.
         virtual KEL_Array* getItems() = 0;,
-        /// The same from a constant list.
+        /// Returns the same array from a constant list.
         virtual const KEL_Array* getItems() const = 0;)
-    /// The key at index, borrowed. Throws on a bad index.
+    /// Returns the key at index, borrowed. Throws on a bad index.
     virtual KEL* getKeyAt(int32_t index) const = 0;
-    /// The item at index, borrowed. Throws on a bad index.
+    /// Returns the item at index, borrowed. Throws on a bad index.
     virtual KEL* getItemAt(int32_t index) const = 0;
-    /// Puts newItem in the place of the item at index. Null is ignored. Throws on a bad index.
+    /// Replaces the item at index with newItem. Null is ignored. Throws on a bad index.
     virtual void setItemAt(int32_t index, KEL* newItem) = 0;
 
 protected:
     ~KELInterface_IndexList_V1() = default;
 };
 
-/// A list of pairs, the first of each being its key. Kind 12.
+/// A list of (key, item) pairs. Kind 12. The operations declared here look a key up by its text, as
+/// getItemOfKeyText does. Null text does nothing or returns false.
+///
+///     if (colours->containsKeyText("red")) {
+///         use(colours->getItemOfKeyText("red"));
+///     }
 class KEL_IndexList : public virtual KEL,
                       public virtual KEL_Observable,
                       public virtual KELInterface_IndexList_V1 {
+public:
+    /// Returns true if a String key has this text.
+    virtual bool containsKeyText(const char* text) const = 0;
+    /// Replaces the item of the first String key with this text with newItem. Throws as
+    /// setItemOfKeyValue does.
+    virtual void setItemOfKeyText(const char* text, KEL* newItem) = 0;
+    /// Removes the pairs whose key is a String with this text, as removeKeyValue does. Throws as
+    /// removeKeyValue does.
+    virtual void removeKeyText(const char* text) = 0;
+
 protected:
     ~KEL_IndexList() = default;
 };
 
-/// A new empty list, count 1, owned by the caller; null when out of memory.
+/// Returns a new empty list with count 1, owned by the caller. Returns null when out of memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList();
 
-/// A new list over the given array of items, which it shares. The keys are new Strings with the
-/// items' text forms (empty for an item without one). A null array gives an empty list. Null for an
-/// array that the library did not make, and when out of memory.
+/// Returns a new list over the given array of items, which it shares. The keys are new Strings with
+/// the items' text forms (empty for an item without one). A null array gives an empty list. Returns
+/// null for an array that the library did not create, and when out of memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* items);
 
-/// A new list over both given arrays, which it shares. Null when one is null or not made by the
-/// library, when their counts differ, and when out of memory.
+/// Returns a new list over both given arrays, which it shares. Returns null in these cases:
+/// - one array is null or not created by the library
+/// - both are the same array
+/// - their counts differ
+/// - out of memory
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* keys, KEL_Array* items);
 
-/// A new list of a struct's variables in the order of their names: the keys are new Strings with
-/// the names, the items the values themselves. A variable that holds null gives no pair. A null
-/// struct gives an empty list. Null for a struct that the library did not make, and when out of
-/// memory.
+/// Returns a new list of a struct's variables in ascending order of their names. The keys are new
+/// Strings with the names. The items are the values themselves, shared. A variable that holds null
+/// gives no pair. A null struct gives an empty list. Returns null for a struct that the library did
+/// not create, and when out of memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Struct* variables);

@@ -1,42 +1,41 @@
 /// \file
-/// KEL_Manager: values found by their identity, and the factory of values by kind.
+/// KEL_Manager: a collection of values that are looked up by their identity, and a factory of
+/// values by kind.
 #pragma once
 
 #include <kel/KEL_Observable.h>
 
-class KEL_Impl;
-
-/// Operations of a manager. It shares its elements, keeps them in the order of their addition and
-/// never holds two of the same identity. Lookup is a linear scan: managers are meant for tens to
-/// hundreds of values.
+/// Operations of a manager. It shares its elements and keeps them in the order in which they were
+/// added. No two elements have the same identity. Lookup is a linear scan: managers are meant for
+/// tens to hundreds of values.
 class KELInterface_Manager_V1 {
 public:
-    /// True when an element has this identity.
+    /// Returns true if an element has this identity.
     virtual bool containsKel(JHashCode hashCode) const = 0;
-    /// Appends value, or puts it in the place of the element with the same identity, and notifies.
-    /// Null is ignored.
+    /// Appends value, or replaces the element with the same identity, and notifies. Null is
+    /// ignored.
     virtual void addKel(KEL* value) = 0;
-    KEL_SLOTS(
-        /// The library's own form of the element: the implementation base, borrowed.
-        /// \throws KELNoSuchElementException "getKel: no such element"
-        virtual KEL_Impl* getKel(JHashCode hashCode) const = 0;,
-        /// The element with this identity, borrowed: the manager keeps its reference.
-        /// \throws KELNoSuchElementException "getKel: no such element"
-        virtual KEL* getKel(JHashCode hashCode) = 0;)
+    /// Returns the same element as getKel, through its value base. The library uses this form;
+    /// hosts need only getKel.
+    /// \throws KELNoSuchElementException "getKel: no such element"
+    virtual KEL* getKelBase(JHashCode hashCode) const = 0;
+    /// Returns the element with this identity, borrowed: the manager keeps its reference.
+    /// \throws KELNoSuchElementException "getKel: no such element"
+    virtual KEL* getKel(JHashCode hashCode) const = 0;
     /// Removes the element with this identity and notifies.
     /// \throws KELNoSuchElementException "removeKel: KEL not found."
     virtual void removeKel(JHashCode hashCode) = 0;
-    /// Removes every element. The one change that notifies nobody.
+    /// Removes every element. This is the only change that notifies nobody.
     virtual void removeAllKels() = 0;
-    /// The number of elements.
+    /// Returns the number of elements.
     virtual int32_t size() const = 0;
     KEL_SLOTS(
-        /// A new empty value of the kind (one of KELKind) with a fresh identity, count 1, owned by
-        /// the caller; it is not added to the manager.
+        /// Returns a new empty value of the kind (one of KELKind) with a fresh identity and count
+        /// 1, owned by the caller. The value is not added to the manager.
         /// \throws KELNoSuchTypeException "createKel: Unknown type."
+        /// \throws JOutOfMemoryException "Out of memory!", by value, whatever the kind
         virtual KEL* createKel(int32_t kind) = 0;,
-        /// The same with the given identity.
-        /// \throws KELNoSuchTypeException "createKel: Unknown type."
+        /// Does the same with the given identity. Throws the same.
         virtual KEL* createKel(int32_t kind, JHashCode hashCode) = 0;)
 
 protected:
@@ -48,14 +47,14 @@ class KEL_Manager : public virtual KEL,
                     public virtual KEL_Observable,
                     public virtual KELInterface_Manager_V1 {
 public:
-    /// The element at a place of the order of addition, from 0 to size() - 1: borrowed. With size()
-    /// it lists a manager whose identities the host does not know.
-    /// \throws KELNoSuchElementException "getKel: no such element" for another index
+    /// Returns the element at index in the order of addition, borrowed. The index runs from 0 to
+    /// size() - 1. Use it with size() to list a manager whose identities you do not know.
+    /// \throws KELNoSuchElementException "getKel: no such element" for any other index
     virtual KEL* getKelAt(int32_t index) const = 0;
 
 protected:
     ~KEL_Manager() = default;
 };
 
-/// A new empty manager, count 1, owned by the caller; null when out of memory.
+/// Returns a new empty manager with count 1, owned by the caller. Returns null when out of memory.
 KEL_API KEL_Manager* KEL_CALL CreateKELManager();

@@ -1,45 +1,47 @@
 /// \file
-/// Watching values.
+/// KEL_Observer and KEL_Observable: observers of values.
 #pragma once
 
 #include <kel/KEL.h>
 
 class JObserver;
 
-/// Implemented by a host that wants to be told when a value changes. The library never owns or
-/// deletes it: remove it from every value before it goes. It may add and remove observers and
-/// change or release the value from inside update.
+/// A host implements it to be notified when a value changes. The library never owns or deletes an
+/// observer. Remove the observer from every value before you destroy it. Inside update, it can add
+/// and remove observers, and change or release the value.
 class KEL_Observer {
 public:
-    /// Called after value has changed, once for each change; value is borrowed.
+    /// Called after value has changed, once for each change. The value is borrowed.
     virtual void update(KEL* value) = 0;
 
 protected:
     ~KEL_Observer() = default;
 };
 
-/// Registration of observers. Containers are KEL_Observables by declaration, every other value by
-/// dynamic_cast<KEL_Observable*>(value). Observers are called in the order of their registration.
-/// A container does not watch its elements.
+/// Registers observers. Containers are KEL_Observables by declaration; use
+/// dynamic_cast<KEL_Observable*>(value) for every other value. Observers are called in the order of
+/// their registration. A container does not observe its elements.
 class KELInterface_Observable_V1 {
 public:
     KEL_SLOTS(
-        /// Registers an observer of the runtime; one that is registered already, or null, changes
-        /// nothing. The value holds a reference to it.
+        /// Registers an observer of the runtime. The value holds a reference to it. Null, or an
+        /// observer that is registered already, changes nothing.
         virtual void addObserver(JObserver* observer) = 0;,
-        /// Registers a host's observer; one that is registered already, or null, changes nothing.
+        /// Registers a host's observer. Null, or an observer that is registered already, changes
+        /// nothing.
         virtual void addObserver(KEL_Observer* observer) = 0;)
     KEL_SLOTS(
-        /// Takes a host's observer off; one that is not registered, or null, changes nothing.
+        /// Removes a host's observer. Null, or an observer that is not registered, changes nothing.
         virtual void removeObserver(KEL_Observer* observer) = 0;,
-        /// Takes an observer of the runtime off, in the same way.
+        /// Removes an observer of the runtime. Null, or an observer that is not registered, changes
+        /// nothing.
         virtual void removeObserver(JObserver* observer) = 0;)
 
 protected:
     ~KELInterface_Observable_V1() = default;
 };
 
-/// A value that can be watched.
+/// A value that can be observed.
 class KEL_Observable : public virtual KELInterface_Observable_V1 {
 protected:
     ~KEL_Observable() = default;

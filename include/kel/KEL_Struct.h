@@ -12,75 +12,83 @@
 
 class KEL_Struct;
 
-/// Operations of a struct. Names are byte strings, compared byte by byte, never empty and never
-/// with a double quote; variables are always visited in the order of their names. Values are
-/// shared, never copied. A name may hold null. Values that the library did not make are ignored.
+/// Operations of a struct.
 ///
-/// Every change marks the struct changed and notifies its observers once, but: storing under a name
-/// that is there (addVar, put...) notifies twice, addVars once for each variable, setVar never, and
-/// setVarValue and the typed set... only where the variable held null.
+/// - Names are byte strings and are compared byte by byte. A name is never empty and never contains
+///   a double quote.
+/// - Every operation visits the variables in ascending order of their names.
+/// - Values are shared, never copied. A name can hold null. Values that the library did not create
+///   are ignored.
 ///
-/// A null name is never an error: the operation does nothing and answers null or false. "Unknown
-/// to get" below means KELNoSuchElementException "KEL_Struct_Impl. Cannot get variable - unknown
-/// variable name."; "unknown to change" means KELNoSuchElementException "KEL_Struct_Impl. Cannot
-/// remove variable - name does not exist.". A failed call changes nothing.
+/// Every change marks the struct changed and notifies its observers once, with these exceptions:
+///
+/// - Storing under an existing name (addVar, put...) notifies twice.
+/// - addVars notifies once for each variable.
+/// - setVar never notifies.
+/// - setVarValue and the typed set... notify only if the variable held null.
+///
+/// A null or empty name is never an error: the operation does nothing and returns null, false or 0.
+/// A failed call changes nothing. Two failures have short names below:
+///
+/// - "Unknown to get" means KELNoSuchElementException "KEL_Struct_Impl. Cannot get variable -
+///   unknown variable name.".
+/// - "Unknown to change" means KELNoSuchElementException "KEL_Struct_Impl. Cannot remove variable -
+///   name does not exist.".
 class KELInterface_Struct_V1 {
 public:
     KEL_SLOTS(
-        /// The variable's value with one reference for the caller, who gives it back with
-        /// DeleteKEL; may be null. Throws on a name that is unknown to get.
+        /// Returns the variable's value, or null if it holds none. The caller receives one
+        /// reference and releases it with DeleteKEL. Throws on a name that is unknown to get.
         virtual KEL* getVar(const char* name) = 0;,
-        /// From a constant struct: the variable's value, borrowed; may be null. Throws on a name
-        /// that is unknown to get.
+        /// Returns the variable's value from a constant struct, borrowed, or null if it holds none.
+        /// Throws on a name that is unknown to get.
         virtual KEL* getVar(const char* name) const = 0;)
-    /// The variable converted to a Boolean (a Double is true if it truncates to 0). Throws on a
-    /// name that is unknown to get; false for a null name.
+    /// Returns the variable converted to a Boolean (a Double is true if it truncates to 0). Throws
+    /// on a name that is unknown to get.
     virtual bool getBoolean(const char* name) const = 0;
-    /// The variable converted to an Int. Throws on a name that is unknown to get; 0 for a null
-    /// name.
+    /// Returns the variable converted to an Int. Throws on a name that is unknown to get.
     virtual int32_t getInt(const char* name) const = 0;
-    /// The variable converted to a Double. Throws on a name that is unknown to get; 0.0 for a null
-    /// name.
+    /// Returns the variable converted to a Double. Throws on a name that is unknown to get.
     virtual double getDouble(const char* name) const = 0;
-    /// The variable converted to a String with one reference for the caller: a new one, or the
-    /// value itself if it is a String; null for values without a text form. Throws on a name that
-    /// is unknown to get.
+    /// Returns the variable converted to a String, with one reference for the caller: a new String,
+    /// or the value itself if it is a String. Returns null for a value without a text form, and
+    /// when out of memory. Throws on a name that is unknown to get.
     virtual KEL_String* getString(const char* name) const = 0;
-    /// The variable converted to a GUID, copied into out; returns out. Throws on a name that is
-    /// unknown to get; all zero for a null name.
+    /// Copies the variable, converted to a GUID, into out and returns out. A null or empty name
+    /// gives all zero. Throws on a name that is unknown to get.
     virtual JHashCode& getguid(const char* name, JHashCode& out) const = 0;
 
-    /// Stores a new String as addVar does; for null text it is empty.
+    /// Stores a new String as addVar does. Null text is ignored.
     virtual void putString(const char* name, const char* text) = 0;
     /// Stores a new guid as addVar does.
     virtual void putguid(const char* name, const JHashCode& value) = 0;
     KEL_SLOTS(
-        /// The form for a float: forwards to the double.
+        /// Forwards a float to the form for a double.
         virtual void putDouble(const char* name, float value) = 0;,
         /// Stores a new Double as addVar does.
         virtual void putDouble(const char* name, double value) = 0;)
     KEL_SLOTS(
-        /// The form for a long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of a long to the form for a 32-bit integer.
         virtual void putInt(const char* name, long value) = 0;,
-        /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of an unsigned long to the form for a 32-bit integer.
         virtual void putInt(const char* name, unsigned long value) = 0;,
         /// Stores a new Int as addVar does.
         virtual void putInt(const char* name, int32_t value) = 0;)
     /// Stores a new Boolean as addVar does.
     virtual void putBoolean(const char* name, bool value) = 0;
 
-    /// Stores value, sharing it, under name. A variable of that name is removed first, with a
-    /// notification of its own. A null value stores the name without a value. A null or empty name
-    /// does nothing.
+    /// Stores value, which the struct shares, under name. An existing variable of that name is
+    /// removed first, with a notification of its own. Null stores the name without a value.
     /// \throws KELRenameException "KEL_Struct key can't contain a \""
     virtual void addVar(const char* name, KEL* value) = 0;
-    /// Adds, sharing their values, the variables of other whose names are missing here; one
-    /// notification for each. Null is ignored. \return 0, or -1 for null
+    /// Adds the variables of other whose names are missing here. The structs share their values.
+    /// Notifies once for each. Null is ignored.
+    /// \return 0, or -1 for null
     virtual int32_t addVars(KEL_Struct* other) = 0;
     /// Removes the variable. Throws on a name that is unknown to change.
     virtual void removeVar(const char* name) = 0;
-    /// Puts another value object, or null, in the place of an existing variable's. The one change
-    /// that notifies nobody. Throws on a name that is unknown to change.
+    /// Replaces the value of an existing variable with another value object, or null. This is the
+    /// only change that notifies nobody. Throws on a name that is unknown to change.
     virtual void setVar(const char* name, KEL* value) = 0;
 
     /// Converts text into the variable, as setVarValue does. Null is ignored.
@@ -88,41 +96,41 @@ public:
     /// Converts a GUID into the variable, as setVarValue does.
     virtual void setguid(const char* name, const JHashCode& value) = 0;
     KEL_SLOTS(
-        /// The form for a float: forwards to the double.
+        /// Forwards a float to the form for a double.
         virtual void setDouble(const char* name, float value) = 0;,
         /// Converts a number into the variable, as setVarValue does.
         virtual void setDouble(const char* name, double value) = 0;)
     KEL_SLOTS(
-        /// The form for a long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of a long to the form for a 32-bit integer.
         virtual void setInt(const char* name, long value) = 0;,
-        /// The form for an unsigned long, low 32 bits: forwards to the 32-bit integer.
+        /// Forwards the low 32 bits of an unsigned long to the form for a 32-bit integer.
         virtual void setInt(const char* name, unsigned long value) = 0;,
         /// Converts an integer into the variable, as setVarValue does.
         virtual void setInt(const char* name, int32_t value) = 0;)
     /// Converts a truth value into the variable, as setVarValue does.
     virtual void setBoolean(const char* name, bool value) = 0;
-    /// Lets the variable's value take over the given one, converted into its own kind; it stays the
-    /// same object and its observers are notified, not the struct's. A variable that holds null
-    /// stores value itself, as addVar does. Null, or a value without a form in the variable's kind,
-    /// changes nothing. Throws on a name that is unknown to change.
+    /// Assigns value to the variable's value, converted into the variable's kind. The variable's
+    /// value stays the same object. It notifies its own observers; the struct's observers are not
+    /// notified. A variable that holds null stores value itself, as addVar does. Null, or a value
+    /// without a form in the variable's kind, changes nothing. Throws on a name that is unknown to
+    /// change.
     virtual void setVarValue(const char* name, KEL* value) = 0;
 
-    /// True when the name is there, with or without a value.
+    /// Returns true if the name exists, with or without a value.
     virtual bool containsVar(const char* name) const = 0;
-    /// A copy of all names in order, which later changes do not reach; the caller gives it back
-    /// with DeleteStringEnumeration.
+    /// Returns a copy of all names in ascending order. Later changes of the struct do not affect
+    /// it. The caller releases it with DeleteStringEnumeration.
     virtual StringEnumeration* getVarNames() const = 0;
-    /// Removes every variable; one notification, also when there was none.
+    /// Removes every variable and notifies once, even if the struct was empty.
     virtual void removeAllVars() = 0;
-    /// The number of variables.
+    /// Returns the number of variables.
     virtual int32_t getCount() const = 0;
-    /// Gives the variable another name; it keeps its value. A null name or an empty new one does
-    /// nothing. Checked in this order:
+    /// Renames a variable, which keeps its value. The failures are checked in this order:
     /// \throws KELRenameException "KEL_Struct key can't contain a \"" for the new name
-    /// \throws KELNoSuchElementException
-    ///         "KEL_Struct: Cannot rename variable - name does not exist."
+    /// \throws KELNoSuchElementException "KEL_Struct: Cannot rename variable - name does not
+    ///         exist."
     /// \throws KELRenameException "KEL_Struct: Cannot rename variable - new name already exists.",
-    ///         also when both names are equal
+    ///         also if both names are equal
     virtual void renameVar(const char* oldName, const char* newName) = 0;
 
 protected:
@@ -137,5 +145,5 @@ protected:
     ~KEL_Struct() = default;
 };
 
-/// A new empty struct, count 1, owned by the caller; null when out of memory.
+/// Returns a new empty struct with count 1, owned by the caller. Returns null when out of memory.
 KEL_API KEL_Struct* KEL_CALL CreateKELStruct();

@@ -1,8 +1,8 @@
 /// \file
-/// Export, calling-convention and slot-order macros, and the version of the library.
+/// Macros for export, calling convention and slot order, and the version of the library.
 ///
-/// Every public header includes this one. It includes nothing but <stdint.h> and <stddef.h>, so a
-/// host needs no part of the C++ standard library to compile against KEL.
+/// Every public header includes this one. It includes only <stdint.h> and <stddef.h>, so a host can
+/// compile against KEL without any part of the C++ standard library.
 #pragma once
 
 #include <stddef.h>
@@ -24,7 +24,7 @@
 #endif
 
 /// The calling convention of every exported function: standard-call on 32-bit Windows, the
-/// platform's own elsewhere.
+/// platform's default elsewhere.
 #if defined(_WIN32) && (defined(_M_IX86) || defined(__i386__))
 #define KEL_CALL __stdcall
 #else
@@ -32,15 +32,16 @@
 #endif
 
 /// Declares the overloads of one name, up to eight, in slot order: each with its semicolon, then a
-/// comma. The Microsoft ABI lays adjacent overloads out in reverse order of declaration; reversing
-/// them there keeps one slot order for all compilers. Forms by constness are overloads too.
+/// comma. The Microsoft ABI lays adjacent overloads out in reverse order of declaration. The macro
+/// reverses them there, so all compilers have the same slot order. A const and a non-const form are
+/// overloads too.
 ///
 ///     KEL_SLOTS(
 ///         virtual void set(float value) = 0;,
 ///         virtual void set(double value) = 0;)
 ///
-/// Declarations that are not given are empty. The outer macro exists for Microsoft's preprocessor,
-/// which takes an inner __VA_ARGS__ for one argument until it is read once more.
+/// Missing declarations are empty. The outer macro exists for Microsoft's preprocessor, which
+/// treats an inner __VA_ARGS__ as one argument until it is scanned again.
 #define KEL_SLOTS(...) KEL_SLOTS_READ_AGAIN(KEL_SLOTS_ORDER(__VA_ARGS__, , , , , , , , ))
 #define KEL_SLOTS_READ_AGAIN(declarations) declarations
 #if defined(_MSC_VER)

@@ -1,7 +1,7 @@
 /// \file
 /// KEL: dynamically typed, reference-counted, observable values, stored as text or binary.
 ///
-/// This header includes all that a host needs:
+/// This header includes everything that a host needs:
 ///
 ///     KEL_Struct* settings = CreateKELStruct();
 ///     settings->putInt("volume", 7);

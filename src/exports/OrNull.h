@@ -1,5 +1,5 @@
 /// \file
-/// What every exported factory answers when there is no memory.
+/// The result of every exported factory when there is no memory.
 #pragma once
 
 #include <kel/JException.h>

@@ -1,13 +1,13 @@
-// The exported factories and delete functions of streams. A factory answers null when there is no
+// The exported factories and delete functions of streams. A factory returns null when there is no
 // memory; a file that cannot be opened is the medium's JIOException.
 
 #include "exports/OrNull.h"
-#include "serial/KELBinaryInputStream_Impl.h"
-#include "serial/KELBinaryOutputStream_Impl.h"
-#include "serial/KELStringInputStream_Impl.h"
-#include "serial/KELStringOutputStream_Impl.h"
-#include "serial/KELTextInputStream_Impl.h"
-#include "serial/KELTextOutputStream_Impl.h"
+#include "serial/binary/KELBinaryInputStream_Impl.h"
+#include "serial/binary/KELBinaryOutputStream_Impl.h"
+#include "serial/text/KELStringInputStream_Impl.h"
+#include "serial/text/KELStringOutputStream_Impl.h"
+#include "serial/text/KELTextInputStream_Impl.h"
+#include "serial/text/KELTextOutputStream_Impl.h"
 #include "streams/FileInputStream.h"
 #include "streams/FileOutputStream.h"
 #include "streams/StringReader.h"

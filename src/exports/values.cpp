@@ -1,4 +1,4 @@
-// The exported factories and delete functions of values, names and exceptions. A factory answers
+// The exported factories and delete functions of values, names and exceptions. A factory returns
 // null when there is no memory for the value.
 
 #include "exports/OrNull.h"
@@ -91,8 +91,9 @@ KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* items) {
 KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* keys, KEL_Array* items) {
     auto* first = dynamic_cast<KEL_Array_Impl*>(keys);
     auto* second = dynamic_cast<KEL_Array_Impl*>(items);
-    if (first == nullptr || second == nullptr || first->getCount() != second->getCount()) {
-        return nullptr;
+    if (first == nullptr || second == nullptr || first == second ||
+        first->getCount() != second->getCount()) {
+        return nullptr; // one array in both places could not take the halves of a pair
     }
     return create<KEL_IndexList_Impl>(JPointer<KEL_Array_Impl>::share(first),
                                       JPointer<KEL_Array_Impl>::share(second));

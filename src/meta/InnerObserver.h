@@ -1,13 +1,14 @@
 /// \file
-/// InnerObserver: tells the owner of an inner struct that it has changed.
+/// InnerObserver: notifies the owner of an inner struct that it has changed.
 #pragma once
 
 #include "runtime/JObserver.h"
+#include "runtime/Storage.h"
 
 namespace kel {
 
 /// Calls a function of its owner, which takes it off before it goes.
-class InnerObserver final : public JObserver {
+class InnerObserver final : public JObserver, public Stored {
 public:
     InnerObserver(void (*changed)(void* owner), void* owner) : changed_(changed), owner_(owner) {}
 

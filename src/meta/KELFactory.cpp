@@ -13,16 +13,14 @@
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 #include "values/KEL_guid_Impl.h"
+#include "values/OutOfMemory.h"
 
 namespace kel {
 
 namespace {
 
-/// One kind and how its empty value is made.
-struct Product {
-    KELKind kind;
-    KEL_Impl* (*create)(const JHashCode* identity);
-};
+/// Makes the empty value of a kind.
+using Create = KEL_Impl* (*)(const JHashCode* identity);
 
 /// A value of class T from its initial contents, with or without a given identity.
 template <class T, auto... initial> KEL_Impl* create(const JHashCode* identity) {
@@ -42,33 +40,48 @@ KEL_Impl* createString(const JHashCode* identity) {
     return identity == nullptr ? new KEL_String_Impl("") : new KEL_String_Impl(*identity, "");
 }
 
-constexpr Product products[] = {
-    {KELKind_Int, create<KEL_Int_Impl, 0>},
-    {KELKind_Boolean, create<KEL_Boolean_Impl, false>},
-    {KELKind_Double, createDouble},
-    {KELKind_guid, createGuid},
-    {KELKind_MemBlock, create<KEL_MemBlock_Impl, 0, nullptr>},
-    {KELKind_String, createString},
-    {KELKind_Array, create<KEL_Array_Impl>},
-    {KELKind_Struct, create<KEL_Struct_Impl>},
-    {KELKind_Manager, create<KEL_Manager_Impl>},
-    {KELKind_Selector, create<KEL_Selector_Impl, nullptr>},
-    {KELKind_MultiSelector, create<KEL_MultiSelector_Impl, nullptr>},
-    {KELKind_IndexList, create<KEL_IndexList_Impl>},
-    {KELKind_MetaKel, create<MetaKel_Impl>},
-    {KELKind_MetaKelDescriptor, create<MetaKelDescriptor_Impl>},
-    {KELKind_MetaKelVarDescriptor, create<MetaKelVarDescriptor_Impl>},
-};
+Create factoryOf(int32_t code) {
+    if (const std::optional<KELKind> kind = kindWithCode(code)) {
+        switch (*kind) {
+        case KELKind_Int:
+            return create<KEL_Int_Impl, 0>;
+        case KELKind_Boolean:
+            return create<KEL_Boolean_Impl, false>;
+        case KELKind_Double:
+            return createDouble;
+        case KELKind_guid:
+            return createGuid;
+        case KELKind_MemBlock:
+            return create<KEL_MemBlock_Impl, 0, nullptr>;
+        case KELKind_String:
+            return createString;
+        case KELKind_Array:
+            return create<KEL_Array_Impl>;
+        case KELKind_Struct:
+            return create<KEL_Struct_Impl>;
+        case KELKind_Manager:
+            return create<KEL_Manager_Impl>;
+        case KELKind_Selector:
+            return create<KEL_Selector_Impl, nullptr>;
+        case KELKind_MultiSelector:
+            return create<KEL_MultiSelector_Impl, nullptr>;
+        case KELKind_IndexList:
+            return create<KEL_IndexList_Impl>;
+        case KELKind_MetaKel:
+            return create<MetaKel_Impl>;
+        case KELKind_MetaKelDescriptor:
+            return create<MetaKelDescriptor_Impl>;
+        case KELKind_MetaKelVarDescriptor:
+            return create<MetaKelVarDescriptor_Impl>;
+        }
+    }
+    throw new KELNoSuchTypeException_Impl("createKel: Unknown type.");
+}
 
 } // namespace
 
 KEL_Impl* createValue(int32_t kind, const JHashCode* identity) {
-    for (const Product& product : products) {
-        if (product.kind == kind) {
-            return product.create(identity);
-        }
-    }
-    throw new KELNoSuchTypeException_Impl("createKel: Unknown type.");
+    return withOneOutOfMemory([&] { return factoryOf(kind)(identity); });
 }
 
 } // namespace kel

@@ -3,6 +3,9 @@
 #include "meta/KELFactory.h"
 #include "values/ChildCursor.h"
 #include "values/KELException_Impl.h"
+#include "values/Reference.h"
+
+#include <utility>
 
 int32_t KEL_Manager_Impl::indexOf(const JHashCode& hashCode) const {
     const JObject key(hashCode);
@@ -16,6 +19,7 @@ void KEL_Manager_Impl::addKel(KEL* value) {
     }
     JHashCode identity;
     const int32_t index = indexOf(element->getHashCode(identity));
+    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
     if (index == -1) {
         elements_->addElement(element);
     } else {
@@ -24,7 +28,7 @@ void KEL_Manager_Impl::addKel(KEL* value) {
     notifyChanged();
 }
 
-KEL_Impl* KEL_Manager_Impl::getKel(JHashCode hashCode) const {
+KEL_Impl* KEL_Manager_Impl::getKelBase(JHashCode hashCode) const {
     const int32_t index = indexOf(hashCode);
     if (index == -1) {
         throw new KELNoSuchElementException_Impl("getKel: no such element");
@@ -32,17 +36,19 @@ KEL_Impl* KEL_Manager_Impl::getKel(JHashCode hashCode) const {
     return elements_->elementAtRef(index);
 }
 
-KEL* KEL_Manager_Impl::getKel(JHashCode hashCode) {
-    return static_cast<const KEL_Manager_Impl*>(this)->getKel(hashCode);
-}
-
 void KEL_Manager_Impl::removeKel(JHashCode hashCode) {
     const int32_t index = indexOf(hashCode);
     if (index == -1) {
         throw new KELNoSuchElementException_Impl("removeKel: KEL not found.");
     }
+    const auto self = kel::keepAlive(this);
     elements_->removeElementAt(index);
     notifyChanged();
+}
+
+void KEL_Manager_Impl::removeAllKels() {
+    const auto self = kel::keepAlive(this);
+    elements_->removeAllElements();
 }
 
 KEL* KEL_Manager_Impl::getKelAt(int32_t index) const {
@@ -70,7 +76,9 @@ bool KEL_Manager_Impl::nextChild(kel::ChildCursor& cursor) const {
 
 KEL_Impl* KEL_Manager_Impl::copyWithoutChildren() const {
     JPointer<KEL_Manager_Impl> made(new KEL_Manager_Impl());
-    made->takeContents(*this);
+    for (int32_t i = 0; i < size(); ++i) {
+        made->elements_->addElement(elements_->elementAtRef(i));
+    }
     return made.detach();
 }
 
@@ -79,11 +87,6 @@ bool KEL_Manager_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return manager != nullptr && manager->size() == size();
 }
 
-void KEL_Manager_Impl::takeContents(const KEL_Impl& source) {
-    const auto& manager = dynamic_cast<const KEL_Manager_Impl&>(source);
-    const JPointer<JVector<KEL_Impl>> shared(new JVector<KEL_Impl>(10, 10));
-    for (int32_t i = 0; i < manager.size(); ++i) {
-        shared->addElement(manager.elements_->elementAtRef(i));
-    }
-    elements_ = shared;
+void KEL_Manager_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(elements_, dynamic_cast<KEL_Manager_Impl&>(prepared).elements_);
 }

@@ -20,10 +20,10 @@ public:
     // KELInterface_Manager_V1
     bool containsKel(JHashCode hashCode) const override { return indexOf(hashCode) != -1; }
     void addKel(KEL* value) override;
-    KEL_Impl* getKel(JHashCode hashCode) const override;
-    KEL* getKel(JHashCode hashCode) override;
+    KEL_Impl* getKelBase(JHashCode hashCode) const override;
+    KEL* getKel(JHashCode hashCode) const override { return getKelBase(hashCode); }
     void removeKel(JHashCode hashCode) override;
-    void removeAllKels() override { elements_->removeAllElements(); }
+    void removeAllKels() override;
     int32_t size() const override { return elements_->size(); }
     KEL* createKel(int32_t kind) override;
     KEL* createKel(int32_t kind, JHashCode hashCode) override;
@@ -31,7 +31,7 @@ public:
     // KEL_Manager
     KEL* getKelAt(int32_t index) const override;
 
-    /// Puts a value at a place, in place of an element of the same identity or behind the last one,
+    /// Puts a value at a place, in place of an element of the same identity or after the last one,
     /// without searching; notifies nobody: for readers that fill a new manager.
     void adoptElementAt(int32_t place, JPointer<KEL_Impl>&& value) {
         if (place < size()) {
@@ -42,11 +42,10 @@ public:
     }
 
     // KEL_Impl
-    bool isContainer() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
     KEL_Impl* copyWithoutChildren() const override;
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
-    void takeContents(const KEL_Impl& source) override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
     /// The index of the element with this identity, or -1.

@@ -6,8 +6,10 @@
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
+#include "values/Reference.h"
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -42,9 +44,12 @@ void MetaKelVarDescriptor_Impl::replaceProperty(const char* name, KEL_Impl* valu
 }
 
 void MetaKelVarDescriptor_Impl::replaceText(const char* name, const KEL* value) {
-    KEL_String* text = kel::convertToString(value);
-    const JPointer<KEL_Impl> held(KEL_Impl::of(text));
-    replaceProperty(name, held.get());
+    const kel::Reference<KEL_String> text(kel::convertToString(value));
+    if (text == nullptr && value != nullptr && value->getType() != KELKind_String &&
+        kel::hasScalarForm(*value)) {
+        kel::throwOutOfMemory();
+    }
+    replaceProperty(name, KEL_Impl::of(text.get()));
 }
 
 void MetaKelVarDescriptor_Impl::removeProperty(const char* name) {
@@ -58,12 +63,8 @@ const char* MetaKelVarDescriptor_Impl::textOf(const char* name) const {
     return value == nullptr ? nullptr : value->toString();
 }
 
-int32_t MetaKelVarDescriptor_Impl::variableType() const {
+int32_t MetaKelVarDescriptor_Impl::getVariableType() const {
     return kel::convertToInt(property("type"));
-}
-
-int32_t MetaKelVarDescriptor_Impl::getType() {
-    return variableType();
 }
 
 void MetaKelVarDescriptor_Impl::setType(int32_t kind) {
@@ -87,11 +88,11 @@ void MetaKelVarDescriptor_Impl::setRange(KEL* min, KEL* max) {
         return;
     }
     requireRange();
-    // Held: max may be the value that now stands under "min".
-    const JPointer<KEL_Impl> held = JPointer<KEL_Impl>::share(KEL_Impl::of(max));
-    notifyOnce([&] {
-        inner().addVar("min", min);
-        inner().addVar("max", max);
+    auto newMin = KEL_Struct_Impl::prepareVariable("min", KEL_Impl::of(min));
+    auto newMax = KEL_Struct_Impl::prepareVariable("max", KEL_Impl::of(max));
+    changeInner([&](KEL_Struct_Impl& properties) {
+        properties.putQuietly(std::move(newMin));
+        properties.putQuietly(std::move(newMax));
     });
 }
 
@@ -130,14 +131,18 @@ bool MetaKelVarDescriptor_Impl::inRange(const KEL* value) const {
         const auto number = convert(value);
         return convert(property("min")) <= number && number <= convert(property("max"));
     };
-    switch (variableType()) {
-    case KELKind_Int:
+    switch (kel::scalarOf(getVariableType())) {
+    case kel::Scalar::integer:
         return lies(kel::convertToInt);
-    case KELKind_Double:
+    case kel::Scalar::number:
         return lies(kel::convertToDouble);
-    default:
-        return false;
+    case kel::Scalar::boolean:
+    case kel::Scalar::guid:
+    case kel::Scalar::text:
+    case kel::Scalar::none:
+        break;
     }
+    return false;
 }
 
 // ---- Enumeration -------------------------------------------------------------------------------
@@ -211,12 +216,14 @@ void MetaKelVarDescriptor_Impl::addEnumValue(KEL* value) {
         return;
     }
     const JPointer<KEL_Array_Impl> list = JPointer<KEL_Array_Impl>::share(&allowedValues());
-    notifyOnce([&] {
-        if (KEL_Impl::of(value) != nullptr) {
-            markInnerChanged(); // first, because the list's observers may throw
-        }
-        list->addVar(value); // which ignores foreign values
-    });
+    KEL_Impl* element = KEL_Impl::of(value);
+    if (element != nullptr) {
+        notifyOnce([&] {
+            list->appendQuietly(element);
+            markInnerChanged();
+            list->notifyChanged();
+        });
+    }
 }
 
 void MetaKelVarDescriptor_Impl::removeEnumValue(bool value) {
@@ -239,33 +246,31 @@ void MetaKelVarDescriptor_Impl::removeEnumValue(const KEL* value) {
     if (value == nullptr) {
         return;
     }
-    KEL_Array_Impl& allowed = allowedValues();
-    // Held: the value may be the element itself, and observers may replace the list.
-    const JPointer<KEL_Impl> held =
-        JPointer<KEL_Impl>::share(const_cast<KEL_Impl*>(KEL_Impl::of(value)));
-    const JPointer<KEL_Array_Impl> list = JPointer<KEL_Array_Impl>::share(&allowed);
-    notifyOnce([&] {
-        for (int32_t i = 0; i < allowed.getCount(); ++i) {
-            if (allowed.elementAt(i)->equalsValue(value)) {
-                markInnerChanged(); // first, because the list's observers may throw
-                allowed.removeVar(i);
-            }
-        }
-    });
+    // Held: observers may replace the list.
+    const JPointer<KEL_Array_Impl> list = JPointer<KEL_Array_Impl>::share(&allowedValues());
+    const auto matches = list->findToRemove(
+        list->getCount(), [&](const KEL_Impl& element) { return element.equalsValue(value); });
+    if (!matches.empty()) {
+        notifyOnce([&] {
+            list->removeQuietly(matches);
+            markInnerChanged();
+            list->notifyChanged();
+        });
+    }
 }
 
 void MetaKelVarDescriptor_Impl::addEnumerationList(KEL*) {
-    if ((!isEnumerated() && isRanged()) || variableType() != KELKind_String) {
+    if ((!isEnumerated() && isRanged()) || getVariableType() != KELKind_String) {
         throw new KELException_Impl("Can only add enumeration list to a KEL_String");
     }
-    // Whether a list could be added is all that is told; the descriptor stays as it is.
+    // The call only reports whether a list could be added; it does not change the descriptor.
 }
 
 void MetaKelVarDescriptor_Impl::removeEnumerationList() {
     if (!isEnumerated()) {
         return;
     }
-    if (variableType() != KELKind_String) {
+    if (getVariableType() != KELKind_String) {
         throw new KELException_Impl("Can only remove enumeration list from a KEL_String");
     }
     removeVar("enum");
@@ -275,7 +280,7 @@ void MetaKelVarDescriptor_Impl::removeEnumerationList() {
 
 void MetaKelVarDescriptor_Impl::rangeFromEnumeration() {
     // Only for doubles: the steps between allowed integers would be lost.
-    if (isRanged() || listOfAllowed() == nullptr || variableType() != KELKind_Double) {
+    if (isRanged() || listOfAllowed() == nullptr || getVariableType() != KELKind_Double) {
         return;
     }
     const KEL_Array_Impl& allowed = *listOfAllowed();
@@ -296,25 +301,28 @@ void MetaKelVarDescriptor_Impl::rangeFromEnumeration() {
             }
         }
     }
-    notifyOnce([&] {
-        inner().removeVar("enum");
-        inner().addVar("min", min.get());
-        inner().addVar("max", max.get());
+    auto newMin = KEL_Struct_Impl::prepareVariable("min", min.get());
+    auto newMax = KEL_Struct_Impl::prepareVariable("max", max.get());
+    changeInner([&](KEL_Struct_Impl& properties) {
+        properties.removeQuietly("enum");
+        properties.putQuietly(std::move(newMin));
+        properties.putQuietly(std::move(newMax));
     });
 }
 
 void MetaKelVarDescriptor_Impl::enumerationFromRange(KEL* extra) {
-    if (!isRanged() || isEnumerated() || variableType() != KELKind_Double) {
+    if (!isRanged() || isEnumerated() || getVariableType() != KELKind_Double) {
         return;
     }
     const JPointer<KEL_Array_Impl> allowed(new KEL_Array_Impl());
     for (KEL* value : {getMin(), getDefault(), extra, getMax()}) {
         allowed->addVar(value); // which ignores null
     }
-    notifyOnce([&] {
-        inner().removeVar("min");
-        inner().removeVar("max");
-        inner().addVar("enum", allowed.get());
+    auto newEnum = KEL_Struct_Impl::prepareVariable("enum", allowed.get());
+    changeInner([&](KEL_Struct_Impl& properties) {
+        properties.removeQuietly("min");
+        properties.removeQuietly("max");
+        properties.putQuietly(std::move(newEnum));
     });
 }
 

@@ -85,16 +85,13 @@ public:
     void setStepsize(int32_t value) override { setStepsize(static_cast<double>(value)); }
     void setStepsize(const KEL* value) override;
     void removeStepsize() override { removeProperty("stepsize"); }
-    int32_t getType() override;
+    int32_t getVariableType() const override;
     void setType(int32_t kind) override;
     void addEnumerationList(KEL* value) override;
     void removeEnumerationList() override;
     void rangeFromEnumeration() override;
     void enumerationFromRange(KEL* extra) override;
     KEL_Struct* getStruct() const override { return &inner(); }
-
-    /// The kind code of the described variable; 0 when absent.
-    int32_t variableType() const;
 
 private:
     /// The value of a property, borrowed; null when absent.
@@ -111,9 +108,9 @@ private:
     const char* textOf(const char* name) const;
     void requireRange() const;
 
-    /// The allowed values; null when there are none, or something that is no list.
+    /// The allowed values; null if there are none, or if they are not a list.
     KEL_Array_Impl* listOfAllowed() const;
 
-    /// The allowed values. Throws when there are none, or something that is no list.
+    /// The allowed values. Throws if there are none, or if they are not a list.
     KEL_Array_Impl& allowedValues() const;
 };

@@ -58,7 +58,7 @@ void MetaKel_Impl::removeDescriptor() {
 // ---- Variables ---------------------------------------------------------------------------------
 
 void MetaKel_Impl::clearVar(const char* name) {
-    if (name != nullptr) {
+    if (!kel::isNoName(name)) {
         notifyOnce([&] {
             inner().setVar(name, nullptr);
             markInnerChanged();
@@ -67,26 +67,36 @@ void MetaKel_Impl::clearVar(const char* name) {
 }
 
 void MetaKel_Impl::addVar(const char* name, KEL* value) {
-    if (name == nullptr || *name == '\0' || value == nullptr || isForeign(value)) {
+    if (kel::isNoName(name) || value == nullptr || isForeign(value)) {
         return;
     }
     if (*name == '@') {
         throw new KELRenameException_Impl("Variable names beginning with '@' are reserved.");
     }
-    if (containsVar(name)) {
-        return;
+    PreparedVariable added = prepareChecked(name, value, descriptorOf(name));
+    if (!added.empty()) {
+        changeInner([&](KEL_Struct_Impl& variables) { variables.putQuietly(std::move(added)); });
     }
-    notifyOnce([&] {
-        if (accepts(name, value)) {
-            inner().addVar(name, value);
-        } else if (descriptorOf(name)->hasDefault()) {
-            inner().addVar(name, nullptr); // null stands for the default, which may change
-        }
-    });
+}
+
+MetaKel_Impl::PreparedVariable
+MetaKel_Impl::prepareChecked(const char* name, KEL* value,
+                             const MetaKelVarDescriptor_Impl* rules) const {
+    KEL_Impl* added = KEL_Impl::of(value);
+    if (added == nullptr || containsVar(name)) {
+        return {};
+    }
+    if (rules == nullptr || rules->isValid(value)) {
+        return KEL_Struct_Impl::prepareVariable(name, added);
+    }
+    if (rules->hasDefault()) {
+        return KEL_Struct_Impl::prepareVariable(name, nullptr); // the default, which may change
+    }
+    return {};
 }
 
 void MetaKel_Impl::setVar(const char* name, KEL* value) {
-    if (name != nullptr && value != nullptr && accepts(name, value)) {
+    if (!kel::isNoName(name) && value != nullptr && accepts(name, value)) {
         notifyOnce([&] { inner().addVar(name, value); });
     }
 }
@@ -98,7 +108,7 @@ void MetaKel_Impl::setVarValue(const char* name, KEL* value) {
 }
 
 KEL* MetaKel_Impl::find(const char* name) const {
-    if (name == nullptr) {
+    if (kel::isNoName(name)) {
         return nullptr;
     }
     if (containsVar(name)) {
@@ -124,7 +134,7 @@ KEL* MetaKel_Impl::getVar(const char* name) {
 
 KEL* MetaKel_Impl::getVar(const char* name, bool storeDefault) {
     KEL* value = find(name);
-    if (storeDefault && name != nullptr && !containsVar(name)) {
+    if (storeDefault && !kel::isNoName(name) && !containsVar(name)) {
         notifyOnce([&] { inner().addVar(name, value); });
     }
     return value;
@@ -133,33 +143,36 @@ KEL* MetaKel_Impl::getVar(const char* name, bool storeDefault) {
 // ---- Describing and adding at once -------------------------------------------------------------
 
 void MetaKel_Impl::createVar(const char* name, KEL* value, MetaKelVarDescriptor* rules) {
-    if (name == nullptr || *name == '\0' || rules == nullptr) {
+    if (kel::isNoName(name) || rules == nullptr) {
         return;
     }
     if (*name == '@') {
         throw new KELRenameException_Impl("Variable names beginning with '@' are reserved.");
     }
-    const auto held = kel::keepAlive(value); // the observers of the descriptor come before it
+    auto* description = dynamic_cast<MetaKelVarDescriptor_Impl*>(rules);
+    if (description == nullptr) {
+        return;
+    }
+    JPointer<MetaKelDescriptor_Impl> inUse = JPointer<MetaKelDescriptor_Impl>::share(descriptor());
+    PreparedVariable newDescriptor;
+    if (inUse.isNull()) {
+        inUse = new MetaKelDescriptor_Impl();
+        newDescriptor = KEL_Struct_Impl::prepareVariable(descriptorName, inUse.get());
+    }
+    PreparedVariable described = KEL_Struct_Impl::prepareVariable(name, description);
+    PreparedVariable added = prepareChecked(name, value, description);
+    const bool innerChanges = !newDescriptor.empty() || !added.empty();
     notifyOnce([&] {
-        JPointer<MetaKelDescriptor_Impl> inUse =
-            JPointer<MetaKelDescriptor_Impl>::share(descriptor());
-        const bool isNew = inUse.isNull();
-        if (isNew) {
-            inUse = new MetaKelDescriptor_Impl();
-        }
-        try {
-            inUse->addVar(name, rules); // refuses a quote before anything has changed
-        } catch (...) {
-            if (inUse->find(name) == rules) { // but observers of the descriptor may throw later
-                markInnerChanged();
-            }
-            throw;
-        }
+        inUse->inner().putQuietly(std::move(described));
+        inner().putQuietly(std::move(newDescriptor));
+        inner().putQuietly(std::move(added));
         markInnerChanged();
-        if (isNew) {
-            inner().addVar(descriptorName, inUse.get());
-        }
-        addVar(name, value);
+        kel::runAll([&] { inUse->inner().notifyChanged(); },
+                    [&] {
+                        if (innerChanges) {
+                            inner().notifyChanged();
+                        }
+                    });
     });
 }
 

@@ -21,6 +21,8 @@ public:
 
     int32_t getType() const override { return KELKind_MetaKel; }
     KEL_Impl* copyWithoutChildren() const override { return new MetaKel_Impl(); }
+    /// Null: the copy of a cleared variable is cleared, for an Int 0 may be invalid there.
+    JPointer<KEL_Impl> copyOfNullVariable() const override { return {}; }
 
     // MetaKelInterface_V1
     void clearVar(const char* name) override;
@@ -52,6 +54,13 @@ private:
 
     /// True when nothing that describes the variable speaks against the value.
     bool accepts(const char* name, const KEL* value) const;
+
+    using PreparedVariable = KEL_Struct_Impl::PreparedVariable;
+
+    /// Prepares the variable that the checked add stores under a name: the value, or null (the
+    /// default) where rules refuse it, or nothing at all, which is empty.
+    PreparedVariable prepareChecked(const char* name, KEL* value,
+                                    const MetaKelVarDescriptor_Impl* rules) const;
 
     /// The variable's value or its default, borrowed. Throws as getVar.
     KEL* find(const char* name) const;

@@ -4,12 +4,15 @@
 
 #include "meta/InnerObserver.h"
 #include "meta/StructHolder.h"
+#include "runtime/RunToEnd.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
+#include "values/TreeCopy.h"
+#include "values/VariableName.h"
 
 #include <type_traits>
 #include <utility>
@@ -21,7 +24,7 @@ namespace kel {
 ///
 /// Observers of the value hear of every change of the inner struct with the value itself, once for
 /// each operation, also when somebody changes the inner struct directly. So they do of an operation
-/// of the value that changes a variable in place, which is no change of the inner struct.
+/// of the value that changes a variable in place, which does not change the inner struct.
 template <class Public>
 class StructForwarder : public KEL_Impl, public Public, public StructHolder {
 public:
@@ -74,17 +77,16 @@ public:
         notifyOnce([&] { inner_->removeVar(name); });
     }
     void setVar(const char* name, KEL* value) override {
+        const bool changes = !isNoName(name) && !isForeign(value); // name may go with the old value
         notifyOnce([&] {
             inner_->setVar(name, value);
-            if (name != nullptr && !isForeign(value)) {
+            if (changes) {
                 markInnerChanged();
             }
         });
     }
     void setString(const char* name, const char* text) override {
-        if (text != nullptr) {
-            setMade(name, new KEL_String_Impl(text));
-        }
+        setMade(name, KEL_String_Impl::makeOrNull(text));
     }
     void setguid(const char* name, const JHashCode& value) override {
         setMade(name, new KEL_guid_Impl(value));
@@ -119,18 +121,23 @@ public:
     }
 
     // KEL_Impl: the children are the variables.
-    bool isContainer() const override { return true; }
+    void notifyContentsChanged() override {
+        notifyOnce([&] { inner_->notifyChanged(); });
+    }
     bool copiesChildren() const override { return true; }
     bool nextChild(ChildCursor& cursor) const override { return inner_->nextChild(cursor); }
+    const KEL_Impl& holderOfChildren() const override { return *inner_; }
     void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override {
         inner_->adoptCopiedChild(name, std::move(child));
     }
+    JPointer<KEL_Impl> copyOfNullVariable() const override { return inner_->copyOfNullVariable(); }
+    void dropChildren() override { inner_->dropChildren(); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override {
         const auto* theirs = dynamic_cast<const StructForwarder*>(&other);
         return theirs != nullptr && theirs->inner_->equalsWithoutChildren(*inner_);
     }
-    void takeContents(const KEL_Impl& source) override {
-        inner_->takeContents(*dynamic_cast<const StructForwarder&>(source).inner_);
+    void swapContents(KEL_Impl& prepared) noexcept override {
+        inner_->swapVariables(*dynamic_cast<StructForwarder&>(prepared).inner_);
     }
 
 protected:
@@ -151,13 +158,16 @@ protected:
         // Held: the inner struct's own observers may let go of this value.
         const JPointer<StructForwarder> held = JPointer<StructForwarder>::share(this);
         ++deferrals_;
-        try {
-            operation();
-        } catch (...) {
-            tellAfterFailure();
-            throw;
-        }
-        tell();
+        runAll(operation, [this] { tell(); });
+    }
+
+    /// Makes a change of the inner struct that cannot fail and notifies nobody, then notifies: its
+    /// observers once, then the value's.
+    template <class Change> void changeInner(const Change& change) {
+        notifyOnce([&] {
+            change(*inner_);
+            inner_->notifyChanged();
+        });
     }
 
     /// Counts as a change although the inner struct notifies nobody: its setVar, and changes of
@@ -173,16 +183,6 @@ private:
         }
     }
 
-    /// The same for an operation that failed. Only one failure can reach the caller, the first.
-    void tellAfterFailure() {
-        try {
-            tell();
-        } catch (KELException* second) {
-            second->release();
-        } catch (...) { // the first one goes on
-        }
-    }
-
     /// Lets the variable take over a value just made, which is then released.
     void setMade(const char* name, KEL_Impl* value) {
         const JPointer<KEL_Impl> made(value);
@@ -190,7 +190,7 @@ private:
     }
 
     /// The inner struct's setVarValue. It changes the variable's value in place, of which that
-    /// value tells its own observers and the inner struct nobody.
+    /// value notifies its own observers and the inner struct nobody.
     void changeInPlace(const char* name, KEL* value) {
         notifyOnce([&] {
             const KEL_Impl* source = KEL_Impl::of(value);
@@ -200,7 +200,7 @@ private:
                 inner_->setVarValue(name, value);
             } else if (current->takeConverted(*source)) {
                 markInnerChanged();
-                current->notifyChanged();
+                current->notifyContentsChanged();
             }
         });
     }

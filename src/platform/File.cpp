@@ -31,7 +31,7 @@ std::wstring widen(const char* text) {
     return wide;
 }
 
-/// Windows lets pipes and devices be asked for a position and moved, and answers something.
+/// Windows lets pipes and devices be asked for a position and moved, and returns something.
 bool hasPositions(std::FILE* file) {
     return GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) == FILE_TYPE_DISK;
 }

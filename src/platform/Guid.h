@@ -15,7 +15,7 @@ using GuidSource = bool (*)(JHashCode& out);
 /// \return false when the system fails
 bool createGuid(JHashCode& out);
 
-/// Replaces the source behind createGuid (null: the platform's own) and returns the one before.
+/// Replaces the source of createGuid (null: the platform's own) and returns the one before.
 /// For tests.
 GuidSource exchangeGuidSource(GuidSource source);
 

@@ -30,7 +30,7 @@ bool RandomStream::key() {
 namespace {
 
 // One word of the state, of each block. Compilers do not see by themselves that the blocks can be
-// computed side by side, so they are told: this makes identities three times as fast.
+// computed side by side, and the compiler is told so: this makes identities three times as fast.
 using Row = uint32_t __attribute__((vector_size(4 * RandomStream::lanes)));
 
 template <int bits> Row rotateLeft(Row row) {

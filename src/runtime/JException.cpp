@@ -4,7 +4,7 @@
 
 namespace {
 
-/// A failure must not fail for want of its message: without memory there is none.
+/// A failure must not fail because its message has no memory: then it has no message.
 JString* makeMessage(JString* empty, const char* text) {
     if (empty == nullptr) {
         return nullptr;

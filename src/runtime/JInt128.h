@@ -7,7 +7,7 @@
 #include <bit>
 
 /// A 128-bit integer. Its 32-bit value saturates, see JHashCode::intValue; the narrower ones are
-/// low bits; the floating ones are no conversions: they read the low bits as a floating number.
+/// low bits; the floating ones do not convert: they read the low bits as a floating number.
 class JInt128 : public virtual JNumber {
 public:
     explicit JInt128(const JHashCode& value) : value_(value) {}
@@ -30,7 +30,7 @@ public:
 
     /// The 128 bits.
     virtual JHashCode int128() const { return value_; }
-    /// Answers what the constant form answers.
+    /// Returns the result of the constant form.
     virtual JHashCode int128() { return static_cast<const JInt128*>(this)->int128(); }
 
 private:

@@ -9,7 +9,7 @@
 #include <kel/JObject.h>
 
 /// A number that can be asked for in eight widths. Each conversion is there twice: the constant
-/// form is the conversion proper, the other one answers what the constant form answers, also where
+/// form is the conversion proper, the other one returns the result of the constant form, also where
 /// a subclass redefines it.
 ///
 /// The 64-bit and 128-bit results extend a 32-bit result with zeros, never with the sign.

@@ -1,5 +1,7 @@
 #include "runtime/JObservable.h"
 
+#include "runtime/RunToEnd.h"
+
 void JObservable::addObserver(JObserver* observer) {
     if (observers_.isNull()) {
         observers_ = new JVector<JObserver>(5, 5);
@@ -25,11 +27,16 @@ void JObservable::notifyObservers() {
     }
     // A callback may drop the last reference to this object, or its whole list.
     const JPointer<JObservable> self = JPointer<JObservable>::share(this);
-    for (int32_t i = 0; observers_.isValid() && i < observers_->size(); ++i) {
-        const JPointer<JObserver> observer(observers_->elementAt(i));
+    int32_t next = 0;
+    kel::runToEnd([&] {
+        if (observers_.isNull() || next >= observers_->size()) {
+            clearChanged();
+            return false;
+        }
+        const JPointer<JObserver> observer(observers_->elementAt(next++));
         observer->update(this);
-    }
-    clearChanged();
+        return true;
+    });
 }
 
 void JObservable::deleteObservers() {

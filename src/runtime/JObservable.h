@@ -5,7 +5,7 @@
 #include "runtime/JObserver.h"
 #include "runtime/JVector.h"
 
-/// Keeps a list of observers and a changed flag, and tells every observer in the order of their
+/// Keeps a list of observers and a changed flag, and notifies every observer in the order of their
 /// registration once it has been marked changed.
 class JObservable : public virtual JObject {
 public:
@@ -28,6 +28,8 @@ public:
     /// nothing happens and the flag stays. The list is read anew at every step, so an observer
     /// added meanwhile is called and one removed before its turn is not; removing one at or before
     /// the current place passes over the next in this round. The object outlives the walk.
+    /// An observer that throws does not keep the others from being called; at the end the first
+    /// exception reaches the caller.
     virtual void notifyObservers();
 
     /// Takes every observer off.

@@ -1,5 +1,5 @@
 /// \file
-/// JObserver: told when an observable has changed.
+/// JObserver: notified when an observable has changed.
 #pragma once
 
 #include <kel/JObject.h>

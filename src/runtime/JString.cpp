@@ -50,7 +50,7 @@ JString::JString(const MemoryPool& pool, uint32_t offset, uint32_t count)
     buffer_[count] = '\0';
 }
 
-JString::~JString() {
+void JString::freeBuffer() {
     deallocate(buffer_);
     buffer_ = nullptr;
 }
@@ -70,60 +70,43 @@ JString& JString::operator=(const char* text) {
     return *this;
 }
 
-bool JString::equals(const char* text) const {
+bool JString::hasText(const char* text) const {
     if (text == nullptr || buffer_ == nullptr) {
         return text == buffer_;
     }
     return std::strcmp(buffer_, text) == 0;
 }
 
-uint32_t JString::length() const {
+uint32_t JString::countBytes() const {
     return static_cast<uint32_t>(lengthOf(buffer_));
 }
 
-JString* JString::substring(uint32_t begin, uint32_t end) const {
+JString* JString::part(uint32_t begin, uint32_t end) const {
     if (buffer_ == nullptr) {
         return new (std::nothrow) JString("");
     }
     return new (std::nothrow) JString(buffer_, begin, end - begin);
 }
 
-JString* JString::substring(uint32_t begin) const {
-    return substring(begin, length());
-}
-
-void JString::append(char character) {
-    const char text[2] = {character, '\0'};
+void JString::appendBytes(const char* bytes, size_t count) {
     const size_t length = lengthOf(buffer_);
-    char* buffer = allocateText(length + 1);
+    char* buffer = allocateText(length + count);
     if (length > 0) {
         std::memcpy(buffer, buffer_, length);
     }
-    std::memcpy(buffer + length, text, sizeof text);
+    if (count > 0) {
+        std::memcpy(buffer + length, bytes, count);
+    }
+    buffer[length + count] = '\0';
     deallocate(buffer_);
     buffer_ = buffer;
 }
 
-void JString::append(const char* text) {
-    const size_t length = lengthOf(buffer_);
-    const size_t added = lengthOf(text);
-    char* buffer = allocateText(length + added);
-    if (length > 0) {
-        std::memcpy(buffer, buffer_, length);
-    }
-    if (added > 0) {
-        std::memcpy(buffer + length, text, added);
-    }
-    buffer[length + added] = '\0';
-    deallocate(buffer_);
-    buffer_ = buffer;
+void JString::appendText(const char* text) {
+    appendBytes(text, lengthOf(text));
 }
 
-void JString::append(const JString& other) {
-    append(other.buffer_);
-}
-
-char JString::getChar(int32_t index) const {
+char JString::charAt(int32_t index) const {
     if (index >= static_cast<int32_t>(lengthOf(buffer_))) {
         throw JArrayIndexOutOfBoundsException("JString::getChar: index too large");
     }

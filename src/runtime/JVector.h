@@ -4,6 +4,7 @@
 
 #include "platform/Memory.h"
 #include "runtime/JEnumeration.h"
+#include "runtime/Storage.h"
 
 #include <kel/JException.h>
 
@@ -15,9 +16,9 @@
 /// it. Searching compares identities. Index errors throw JArrayIndexOutOfBoundsException, and a
 /// failed operation leaves the vector unchanged.
 ///
-/// Small fixed increments are what capacity() tells; the storage behind it grows by halves, so that
+/// capacity() reports small fixed increments; the storage itself grows by half, so that
 /// appending a million elements one by one stays linear.
-template <class T = JObject> class JVector : public virtual JObject {
+template <class T = JObject> class JVector : public virtual JObject, public kel::Stored {
 public:
     /// Room for capacity elements; an increment of 0 doubles the room when it runs out.
     /// \throws JOutOfMemoryException "JVector constructor failed."
@@ -42,9 +43,7 @@ public:
     JVector& operator=(const JVector&) = delete;
 
     ~JVector() override {
-        for (int32_t i = 0; i < size_; ++i) {
-            drop(elements_[i]);
-        }
+        JVector::removeAllElements();
         kel::platform::deallocate(elements_);
     }
 
@@ -213,15 +212,13 @@ public:
         return true;
     }
 
-    /// Removes every element; the room stays.
+    /// Removes every element, the last one first, and keeps the room. Elements that are added or
+    /// removed while others are released do no harm: afterwards the vector is empty.
     virtual void removeAllElements() {
-        // Released elements may lead back here, so the vector is empty before the first goes.
-        const int32_t count = size_;
-        size_ = 0;
-        for (int32_t i = 0; i < count; ++i) {
-            T* old = elements_[i];
-            elements_[i] = nullptr;
-            drop(old);
+        while (size_ > 0) {
+            T* last = elements_[--size_];
+            elements_[size_] = nullptr;
+            drop(last);
         }
     }
 
@@ -260,12 +257,14 @@ public:
         /// The next element with one reference for the caller.
         /// \throws JNoSuchElementException "Enumeration is empty." as a pointer, without a vector
         /// \throws JArrayIndexOutOfBoundsException "JVector::elementAtRef: index is invalid" past
-        ///         the last element
+        ///         the last element; the cursor stays
         JObject* nextElement() const override {
             if (vector_.isNull()) {
                 throw new JNoSuchElementException("Enumeration is empty.");
             }
-            return vector_->elementAt(cursor_++);
+            T* next = vector_->elementAt(cursor_);
+            ++cursor_;
+            return next;
         }
 
     private:

@@ -18,7 +18,7 @@ MemoryPool::MemoryPool(uint32_t size, uint32_t increment)
 
 MemoryPool::~MemoryPool() {
     kel::platform::deallocate(bytes_);
-    // The rest of the chain goes segment by segment, not one inside the other.
+    // The rest of the chain is freed segment by segment, not one inside the other.
     JPointer<MemoryPool> rest(next_.detach());
     while (rest.isValid()) {
         MemoryPool* behind = rest->next_.detach();
@@ -51,7 +51,7 @@ void MemoryPool::write(uint32_t index, const void* source, uint32_t count) {
     if (needed > UINT32_MAX) {
         throw JOutOfMemoryException("MemoryPool out of memory.");
     }
-    // A text that is collected byte by byte ends in the last segment but for one byte in a
+    // A text that is collected byte by byte ends in the last segment except for one byte in a
     // segment's length; starting there keeps collecting linear.
     MemoryPool* pool = index >= lastStart_ ? last_ : this;
     index -= index >= lastStart_ ? lastStart_ : 0;

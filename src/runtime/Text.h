@@ -25,7 +25,7 @@ std::size_t formatDouble(char* text, double value);
 int32_t parseInteger(std::string_view text);
 
 /// The decimal number that text begins with (digits, point, exponent), after blanks and a sign; 0.0
-/// for none. Hexadecimal, infinity and NaN are no decimal numbers. Too large becomes infinite.
+/// for none. Hexadecimal, infinity and NaN are not decimal numbers. Too large becomes infinite.
 double parseDouble(std::string_view text);
 
 } // namespace kel

@@ -3,18 +3,10 @@
 #include "serial/StreamErrors.h"
 #include "values/KEL_Impl.h"
 
-#include <new>
-
 using kel::withMediumErrors;
 
 KEL* KELInputStream_Impl::read() {
-    try {
-        return withMediumErrors([&] { return readTree(); });
-    } catch (const std::bad_alloc&) {
-        throw new KELOutOfMemoryException_Impl("Out of memory!");
-    } catch (const JOutOfMemoryException&) {
-        throw new KELOutOfMemoryException_Impl("Out of memory!");
-    }
+    return kel::withStreamErrors([&] { return readTree(); });
 }
 
 int32_t KELInputStream_Impl::JRead() {
@@ -38,9 +30,10 @@ int32_t KELInputStream_Impl::JRead(uint8_t* buffer, int32_t offset, int32_t coun
 
 void KELInputStream_Impl::JClose() {
     withMediumErrors([&] {
-        // A host that goes on with its own handle finds it behind the last byte used.
+        // A host that continues with its own handle finds it just after the last byte consumed.
         input().sync();
         input().stream().JClose();
+        input().discard(); // a closed stream is at its end
     });
 }
 

@@ -4,6 +4,10 @@
 
 using kel::withMediumErrors;
 
+void KELOutputStream_Impl::write(KEL* value) {
+    kel::withStreamErrors([&] { writeTree(value); });
+}
+
 void KELOutputStream_Impl::JWrite(int32_t byte) {
     withMediumErrors([&] { sink_->JWrite(byte); });
 }

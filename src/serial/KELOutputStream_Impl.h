@@ -18,6 +18,7 @@ public:
     KELOutputStream_Impl& operator=(const KELOutputStream_Impl&) = delete;
 
     // KELInterface_OutputStream_V1 and JOutputStream
+    void write(KEL* value) final;
     void JWrite(int32_t byte) override;
     void JWrite(const uint8_t* buffer, int32_t offset, int32_t count) override;
     void JFlush() override;
@@ -38,6 +39,9 @@ public:
     void destroy();
 
 protected:
+    /// Writes a value of the library's or a host's own, or null.
+    virtual void writeTree(KEL* value) = 0;
+
     JOutputStream& sink() const { return *sink_; }
 
 private:

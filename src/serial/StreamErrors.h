@@ -4,6 +4,8 @@
 
 #include "values/KELException_Impl.h"
 
+#include <new>
+
 namespace kel {
 
 /// Runs an operation on a medium; a JIOException becomes a KELIOException with its message.
@@ -13,6 +15,19 @@ template <class Operation> decltype(auto) withMediumErrors(const Operation& oper
     } catch (const JIOException& failure) {
         const JPointer<JString> message(failure.getMessage());
         throw new KELIOException_Impl(message.isNull() ? generalKelMessage : message->chars());
+    }
+}
+
+/// Runs an operation on a whole value. A lack of memory has one face then, and the medium's failures
+/// are turned as withMediumErrors does.
+/// \throws KELOutOfMemoryException "Out of memory!"
+template <class Operation> decltype(auto) withStreamErrors(const Operation& operation) {
+    try {
+        return withMediumErrors(operation);
+    } catch (const std::bad_alloc&) {
+        throw new KELOutOfMemoryException_Impl("Out of memory!");
+    } catch (const JOutOfMemoryException&) {
+        throw new KELOutOfMemoryException_Impl("Out of memory!");
     }
 }
 

@@ -2,61 +2,108 @@
 /// ValueTable: the values that a stream has read, by identity.
 #pragma once
 
-#include "serial/IdentityTable.h"
-#include "values/KEL_Array_Impl.h"
-#include "values/KEL_Struct_Impl.h"
+#include "serial/IdentityIndex.h"
+#include "values/KEL_Impl.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace kel {
 
-/// Holds a reference to each value that it was ever told to remember. Remembering only makes a
-/// note: most inputs never refer back, and are spared the search for every value's place.
+/// Holds a reference to each value that it remembers. Remembering only makes a note:
+/// most inputs never refer back, and are spared the search for every value's place.
 class ValueTable {
 public:
+    /// A value, borrowed, and its number; null and IdentityIndex::none if there is none.
+    struct Found {
+        KEL_Impl* value;
+        uint32_t number;
+    };
+
     ValueTable() = default;
     ValueTable(const ValueTable&) = delete;
     ValueTable& operator=(const ValueTable&) = delete;
-    ~ValueTable() { table_.forEach(&release); }
-
-    /// The value of the identity, borrowed; null when there is none. Of several the last one.
-    KEL_Impl* find(const JHashCode& identity) {
-        table_.indexAdded();
-        return table_.find(identity);
+    ~ValueTable() {
+        forEach([](KEL_Impl& value) { value.release(); });
     }
 
-    /// Remembers a value, in place of one that had the identity before. The zero identity is no
-    /// identity: it is never remembered.
-    void remember(const JHashCode& identity, KEL_Impl& value) {
-        if (!identity.isZero()) {
-            table_.add(identity, &value);
-            value.addRef();
+    /// Remembers a value. From now on its identity means this value and not an earlier one.
+    /// \return its number; numbers count up from 0
+    uint32_t remember(const JHashCode& identity, KEL_Impl& value) {
+        const uint32_t number = index_.append(identity);
+        try {
+            values_.append(&value);
+        } catch (...) {
+            index_.truncate(number);
+            throw;
         }
+        value.addRef();
+        return number;
     }
 
-    /// Begins what rollBack may undo.
-    void begin() { mark_ = table_.mark(); }
+    /// The value of an identity: of several the last one.
+    Found find(const JHashCode& identity) {
+        linkNotes();
+        const uint32_t number = index_.find(identity);
+        if (number == IdentityIndex::none || values_[number] == nullptr) {
+            return {nullptr, IdentityIndex::none};
+        }
+        return {values_[number], number};
+    }
 
-    /// Forgets what was remembered since begin, and finds again what that had replaced. Nobody else
-    /// has the forgotten values, so containers are emptied: some may hold themselves.
-    void rollBack() {
-        table_.rollBack(mark_, [](KEL_Impl* value) {
-            takeApart(*value);
-            value->release();
-        });
+    /// The value of a number, borrowed; null when it was forgotten.
+    KEL_Impl* at(uint32_t number) const { return values_[number]; }
+
+    /// Forgets and releases a value. Its identity means again what it meant before the value came.
+    /// Of several values of one identity, forget the last one first.
+    void forget(uint32_t number) noexcept {
+        if (number < linked_ && index_.find(index_.identityAt(number)) == number) {
+            const auto entry = std::lower_bound(
+                repetitions_.begin(), repetitions_.end(), number,
+                [](const Repetition& repetition, uint32_t n) { return repetition.later < n; });
+            if (entry != repetitions_.end() && entry->later == number) {
+                index_.redirect(index_.identityAt(number), entry->earlier);
+            }
+        }
+        std::exchange(values_[number], nullptr)->release();
+    }
+
+    /// The number that the next value will have.
+    uint32_t size() const { return index_.size(); }
+
+    /// Calls visit with every value in the order of arrival.
+    template <class Visit> void forEach(const Visit& visit) const {
+        for (std::size_t number = 0; number < values_.size(); ++number) {
+            if (KEL_Impl* value = values_[number]; value != nullptr) {
+                visit(*value);
+            }
+        }
     }
 
 private:
-    static void release(KEL_Impl* value) { value->release(); }
+    /// Two values of one identity, which leads to the later one.
+    struct Repetition {
+        uint32_t earlier;
+        uint32_t later;
+    };
 
-    static void takeApart(KEL_Impl& value) {
-        if (auto* array = dynamic_cast<KEL_Array_Impl*>(&value)) {
-            array->removeAllVars();
-        } else if (auto* structure = dynamic_cast<KEL_Struct_Impl*>(&value)) {
-            structure->removeAllVars();
+    void linkNotes() {
+        for (; linked_ < index_.size(); ++linked_) {
+            if (values_[linked_] == nullptr) {
+                continue; // forgotten
+            }
+            uint32_t& lead = index_.link(linked_);
+            if (lead != linked_) {
+                repetitions_.push_back({lead, linked_});
+                lead = linked_;
+            }
         }
     }
 
-    IdentityTable table_;
-    std::size_t mark_ = 0;
+    IdentityIndex index_;
+    BlockList<KEL_Impl*> values_;         // null where forgotten
+    uint32_t linked_ = 0;                 // from here on values are notes
+    std::vector<Repetition> repetitions_; // in the order of the later ones
 };
 
 } // namespace kel

@@ -9,8 +9,13 @@
 using namespace kel;
 
 void BinaryDataInput::fetch(uint8_t* bytes, int32_t count, const char* failure) {
-    if (stream_->JRead(bytes, 0, count) < count) {
-        throw JEOFException(failure);
+    // A short read reached the end or a failure. Only the next read shows which.
+    for (int32_t done = 0; done < count;) {
+        const int32_t got = stream_->JRead(bytes, done, count - done);
+        if (got < 1) {
+            throw JEOFException(failure);
+        }
+        done += got;
     }
 }
 

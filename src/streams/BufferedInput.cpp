@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <kel/JException.h>
+#include <utility>
 
 namespace kel {
 
@@ -44,6 +45,7 @@ void BufferedInput::restart(int64_t position) {
     *buffer_ = 0;
     start_ = position;
     ended_ = false;
+    failure_ = nullptr;
 }
 
 bool BufferedInput::grow(std::size_t count) {
@@ -57,6 +59,9 @@ bool BufferedInput::grow(std::size_t count) {
 
 // Reads once from the stream: a whole piece, or what is wanted where nothing may be read ahead.
 bool BufferedInput::fill(std::size_t wanted) {
+    if (failure_ != nullptr) {
+        std::rethrow_exception(std::exchange(failure_, nullptr));
+    }
     if (ended_) {
         return false;
     }
@@ -68,7 +73,7 @@ bool BufferedInput::fill(std::size_t wanted) {
     try {
         got = stream_->JRead(free, 0, static_cast<int32_t>(request));
     } catch (...) {
-        *free = 0; // the NUL behind the window may have been read over
+        *free = 0; // the NUL after the window may have been read over
         throw;
     }
     if (got <= 0) {
@@ -84,7 +89,7 @@ bool BufferedInput::fill(std::size_t wanted) {
     return true;
 }
 
-// Frees space behind end_. Bytes are moved only if half of the window can be dropped, and the
+// Frees space after end_. Bytes are moved only if half of the window can be dropped, and the
 // window doubles otherwise, so the cost per byte stays constant also for one very long token.
 void BufferedInput::makeRoom(std::size_t wanted) {
     const std::size_t used = static_cast<std::size_t>(end_ - buffer_);
@@ -116,7 +121,18 @@ void BufferedInput::makeRoom(std::size_t wanted) {
 
 std::size_t BufferedInput::read(uint8_t* out, std::size_t count) {
     std::size_t done = 0;
-    while (done < count && (cursor_ != end_ || fill(count - done))) {
+    while (done < count) {
+        try {
+            if (cursor_ == end_ && !fill(count - done)) {
+                break;
+            }
+        } catch (...) {
+            if (done == 0) {
+                throw;
+            }
+            failure_ = std::current_exception();
+            break;
+        }
         const std::size_t piece = std::min(count - done, available());
         std::memcpy(out + done, cursor_, piece);
         cursor_ += piece;

@@ -5,6 +5,7 @@
 #include "streams/JInputStream.h"
 
 #include <cstddef>
+#include <exception>
 #include <kel/JPointer.h>
 
 namespace kel {
@@ -20,7 +21,8 @@ namespace kel {
 /// needs no test for the end of the window. Every pointer into the window lives until the next
 /// call that may read (peek, next, ensure, read) or move (seek, sync).
 ///
-/// Failures of the stream pass through (JIOException); the window then holds what it held.
+/// Failures of the stream pass through (JIOException); the window then holds what it held, and
+/// reading on asks the stream again.
 class BufferedInput {
 public:
     /// Greatest piece read from the stream at once.
@@ -64,7 +66,9 @@ public:
     /// \return false at end of input
     bool more() { return fill(1); }
 
-    /// Copies at most count bytes to out and uses them. \return how many; less at end of input
+    /// Copies at most count bytes to out and uses them.
+    /// \return how many; less at end of input, and where the stream failed after some bytes: the
+    ///         next call that has to read then throws that failure
     std::size_t read(uint8_t* out, std::size_t count);
 
     /// Remembers the current position: the bytes from here on stay in the window until the next
@@ -96,10 +100,13 @@ public:
     /// window. A stream that cannot seek is left as it is, and the window too.
     void sync();
 
-    /// True when the end of the input was met and nothing was sought since.
+    /// Empties the window where it is, for a stream that was closed.
+    void discard() { restart(position()); }
+
+    /// True if the end of the input was reached and nothing was sought since.
     bool endWasMet() const { return ended_; }
 
-    /// The stream underneath, borrowed. It stands behind end(), not at position().
+    /// The stream underneath, borrowed. Its position is end(), not position().
     JInputStream& stream() const { return *stream_; }
 
 private:
@@ -109,7 +116,7 @@ private:
     void restart(int64_t position);
 
     const uint8_t* cursor_; // next byte
-    const uint8_t* end_;    // behind the last byte read
+    const uint8_t* end_;    // just after the last byte read
     const uint8_t* mark_;   // bytes from here on are kept; null: none before cursor_
     uint8_t* buffer_;       // capacity_ bytes and one for the NUL
     std::size_t capacity_;
@@ -117,6 +124,7 @@ private:
     int64_t start_;     // position of buffer_[0]
     bool ended_ = false;
     bool seekable_;
+    std::exception_ptr failure_; // happened at end_, and not thrown yet
     JPointer<JInputStream> stream_;
 };
 

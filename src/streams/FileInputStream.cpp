@@ -4,6 +4,7 @@
 #include "streams/StandardStream.h"
 
 #include <kel/JException.h>
+#include <utility>
 
 using kel::leavingItToTheState;
 
@@ -34,18 +35,20 @@ int32_t FileInputStream::JRead() {
     }
     if (mode_ == standardStream) {
         int32_t byte = -1;
-        leavingItToTheState([&] { byte = stream_->get(); });
-        checkStream();
+        leavingItToTheState(*stream_, [&] { byte = stream_->get(); });
+        // Meeting the end sets fail beside eof; that alone is no failure.
+        if (byte < 0 && (stream_->bad() || !stream_->eof())) {
+            kel::checkState(*stream_, "FileInputStream::JRead(). Stream returned bad() flag.",
+                            "FileInputStream::JRead(). Stream returned fail() flag.");
+        }
         return byte;
     }
     uint8_t byte = 0;
-    if (std::fread(&byte, 1, 1, file_) == 1) {
-        return byte;
+    const int32_t got = readFile(&byte, 1);
+    if (got < 0) {
+        throw JIOException("FileInputStream::JRead(). Stream returned error:32");
     }
-    if (std::feof(file_) != 0) {
-        return -1;
-    }
-    throw JIOException("FileInputStream::JRead(). Stream returned error:32");
+    return got == 1 ? byte : -1;
 }
 
 int32_t FileInputStream::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
@@ -56,28 +59,24 @@ int32_t FileInputStream::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
         return 0;
     }
     if (mode_ == standardStream) {
-        std::streamsize got = 0;
-        leavingItToTheState(
-            [&] { stream_->read(reinterpret_cast<char*>(buffer + offset), count); });
-        got = stream_->gcount();
-        checkStream();
-        return static_cast<int32_t>(got);
+        // A buffer that throws inside a larger read does not say how many bytes it has used.
+        return JInputStream::JRead(buffer, offset, count);
     }
-    const size_t got = std::fread(buffer + offset, 1, static_cast<size_t>(count), file_);
-    if (got < static_cast<size_t>(count) && std::feof(file_) == 0) {
+    const int32_t got = readFile(buffer + offset, count);
+    if (got < 0) {
         throw JIOException("FileInputStream::JRead(uchar *, int, int). Stream returned error:32");
     }
-    return static_cast<int32_t>(got);
+    return got;
 }
 
-void FileInputStream::checkStream() const {
-    if (stream_->bad()) {
-        throw JIOException("FileInputStream::JRead(). Stream returned bad() flag.");
+int32_t FileInputStream::readFile(uint8_t* out, int32_t count) {
+    if (std::exchange(failurePending_, false)) {
+        return -1;
     }
-    // Meeting the end sets fail beside eof; that alone is no failure.
-    if (stream_->fail() && !stream_->eof()) {
-        throw JIOException("FileInputStream::JRead(). Stream returned fail() flag.");
-    }
+    const auto got = static_cast<int32_t>(std::fread(out, 1, static_cast<size_t>(count), file_));
+    const bool failed = got < count && std::feof(file_) == 0;
+    failurePending_ = failed && got > 0;
+    return failed && got == 0 ? -1 : got;
 }
 
 void FileInputStream::JClose() {
@@ -94,8 +93,8 @@ int64_t FileInputStream::JTell() {
     case hostFile:
         return kel::platform::tell(file_);
     case standardStream:
-        // Asking the buffer leaves the state alone, which tellg would not at the end.
-        return stream_->rdbuf()->pubseekoff(0, std::ios_base::cur, std::ios_base::in);
+        return kel::positionOf(*stream_, std::ios::in,
+                               "FileInputStream::JSeek(). Stream returned bad() flag.");
     default:
         return -1;
     }
@@ -106,21 +105,18 @@ void FileInputStream::JSeek(int64_t position) {
         throw JIOException("FileInputStream::JSeek(). Cannot seek to negative position.");
     }
     if (mode_ == standardStream) {
-        leavingItToTheState([&] {
+        leavingItToTheState(*stream_, [&] {
             if (stream_->eof() && !stream_->bad()) {
                 stream_->clear();
             }
             stream_->seekg(position);
         });
-        if (stream_->bad()) {
-            throw JIOException("FileInputStream::JSeek(). Stream returned bad() flag.");
-        }
-        if (stream_->fail()) {
-            throw JIOException("FileInputStream::JSeek(). Stream returned fail() flag.");
-        }
+        kel::checkState(*stream_, "FileInputStream::JSeek(). Stream returned bad() flag.",
+                        "FileInputStream::JSeek(). Stream returned fail() flag.");
         return;
     }
     if (mode_ == closed || !kel::platform::seek(file_, position)) {
         throw JIOException("FileInputStream::JSeek(long). Stream returned error:32");
     }
+    failurePending_ = false;
 }

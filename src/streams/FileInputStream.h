@@ -9,6 +9,10 @@
 
 /// Reads a file by name, which it owns and closes; or a host's FILE (opened in binary mode) or
 /// std::istream, which must outlive it and stay open. Pipes can be read but not sought.
+///
+/// Bytes that came before the medium failed are handed out first, and the next read throws. Reading
+/// on after that asks the medium again, for the byte after the last one handed out. A standard
+/// stream stays bad instead, whatever its buffer threw.
 class FileInputStream : public JInputStream {
 public:
     /// Opens a file for reading; the name is bytes on Linux and UTF-8 on Windows.
@@ -35,7 +39,7 @@ public:
     int32_t JRead() override;
 
     /// Reads at most count bytes to buffer + offset and returns how many; 0 at end of input, when
-    /// closed, and for a count below 1.
+    /// closed, and for a count below 1. Throws only when the medium failed before the first byte.
     /// \throws JIOException "FileInputStream::JRead(uchar*,int,int). Buffer=NULL"
     /// \throws JIOException "FileInputStream::JRead(uchar *, int, int). Stream returned error:32"
     /// \throws JIOException the bad() and fail() messages of JRead()
@@ -46,9 +50,12 @@ public:
     void JClose() override;
 
     /// The position, or -1 when closed or without positions.
+    /// \throws JIOException "FileInputStream::JSeek(). Stream returned bad() flag." when a standard
+    ///         stream's buffer throws
     int64_t JTell() override;
 
-    /// Moves to a position, also after the end of input was met. A closed stream cannot move.
+    /// Moves to a position, even after the end of input was reached. A failure that no read has
+    /// thrown yet is forgotten. A closed stream cannot move.
     /// \throws JIOException "FileInputStream::JSeek(). Cannot seek to negative position."
     /// \throws JIOException "FileInputStream::JSeek(long). Stream returned error:32"
     /// \throws JIOException "FileInputStream::JSeek(). Stream returned bad() flag."
@@ -58,9 +65,11 @@ public:
 private:
     enum Mode : int32_t { closed = -1, ownedFile = 0, hostFile = 1, standardStream = 2 };
 
-    void checkStream() const;
+    /// Reads from the file. \return the number of bytes; -1 for a failure before the first one
+    int32_t readFile(uint8_t* out, int32_t count);
 
     Mode mode_;
+    bool failurePending_ = false; // the file failed after bytes that a read handed out
     std::FILE* file_ = nullptr;
     std::istream* stream_ = nullptr;
 };

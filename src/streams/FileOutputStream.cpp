@@ -5,20 +5,8 @@
 
 #include <kel/JException.h>
 
+using kel::checkState;
 using kel::leavingItToTheState;
-
-namespace {
-
-void checkStream(const std::ostream& stream, const char* badMessage, const char* failMessage) {
-    if (stream.bad()) {
-        throw JIOException(badMessage);
-    }
-    if (stream.fail()) {
-        throw JIOException(failMessage);
-    }
-}
-
-} // namespace
 
 FileOutputStream::FileOutputStream(const char* name, bool append)
     : mode_(ownedFile), file_(kel::platform::openFile(name, append ? "ab" : "wb")) {
@@ -41,19 +29,15 @@ FileOutputStream::~FileOutputStream() {
         std::fclose(file_);
         return;
     }
-    try {
-        flushed();
-    } catch (...) {
-        // A host's own stream buffer threw: a destructor has nobody to tell.
-    }
+    flushed();
 }
 
 void FileOutputStream::JWrite(int32_t byte) {
     const auto low = static_cast<uint8_t>(byte);
     if (mode_ == standardStream) {
-        leavingItToTheState([&] { stream_->put(static_cast<char>(low)); });
-        checkStream(*stream_, "FileOutputStream::JWrite(int). Stream returned bad() flag.",
-                    "FileOutputStream::JWrite(int). Stream returned fail() flag.");
+        leavingItToTheState(*stream_, [&] { stream_->put(static_cast<char>(low)); });
+        checkState(*stream_, "FileOutputStream::JWrite(int). Stream returned bad() flag.",
+                   "FileOutputStream::JWrite(int). Stream returned fail() flag.");
         return;
     }
     if (mode_ == closed || std::fwrite(&low, 1, 1, file_) != 1) {
@@ -70,10 +54,11 @@ void FileOutputStream::JWrite(const uint8_t* buffer, int32_t offset, int32_t cou
     }
     const uint8_t* bytes = buffer + offset;
     if (mode_ == standardStream) {
-        leavingItToTheState([&] { stream_->write(reinterpret_cast<const char*>(bytes), count); });
-        checkStream(*stream_,
-                    "FileOutputStream::JWrite(uchar*,int,int). Stream returned bad() flag.",
-                    "FileOutputStream::JWrite(uchar*,int,int). Stream returned fail() flag.");
+        leavingItToTheState(*stream_,
+                            [&] { stream_->write(reinterpret_cast<const char*>(bytes), count); });
+        checkState(*stream_,
+                   "FileOutputStream::JWrite(uchar*,int,int). Stream returned bad() flag.",
+                   "FileOutputStream::JWrite(uchar*,int,int). Stream returned fail() flag.");
         return;
     }
     const auto size = static_cast<size_t>(count);
@@ -84,7 +69,7 @@ void FileOutputStream::JWrite(const uint8_t* buffer, int32_t offset, int32_t cou
 
 bool FileOutputStream::flushed() {
     if (mode_ == standardStream) {
-        leavingItToTheState([&] { stream_->flush(); });
+        leavingItToTheState(*stream_, [&] { stream_->flush(); });
         return !stream_->fail(); // bad or fail
     }
     return mode_ == closed || std::fflush(file_) == 0;
@@ -99,7 +84,7 @@ void FileOutputStream::JFlush() {
 void FileOutputStream::JClose() {
     bool failed = false;
     if (mode_ == ownedFile) {
-        mode_ = closed; // fclose frees the handle, whatever it answers
+        mode_ = closed; // fclose frees the handle, whatever it returns
         const bool incomplete = std::ferror(file_) != 0;
         failed = std::fclose(file_) != 0 || incomplete;
     } else {
@@ -117,7 +102,8 @@ int64_t FileOutputStream::JTell() {
     case hostFile:
         return kel::platform::tell(file_);
     case standardStream:
-        return stream_->rdbuf()->pubseekoff(0, std::ios_base::cur, std::ios_base::out);
+        return kel::positionOf(*stream_, std::ios::out,
+                               "FileOutputStream::JSeek(). Stream returned bad() flag.");
     default:
         return -1;
     }
@@ -128,9 +114,9 @@ void FileOutputStream::JSeek(int64_t position) {
         throw JIOException("FileOutputStream::JSeek(). Cannot seek to negative position.");
     }
     if (mode_ == standardStream) {
-        leavingItToTheState([&] { stream_->seekp(position); });
-        checkStream(*stream_, "FileOutputStream::JSeek(). Stream returned bad() flag.",
-                    "FileOutputStream::JSeek(). Stream returned fail() flag.");
+        leavingItToTheState(*stream_, [&] { stream_->seekp(position); });
+        checkState(*stream_, "FileOutputStream::JSeek(). Stream returned bad() flag.",
+                   "FileOutputStream::JSeek(). Stream returned fail() flag.");
         return;
     }
     if (mode_ == closed || !kel::platform::seek(file_, position)) {

@@ -11,10 +11,11 @@
 /// std::ostream, which must outlive it and is flushed but never closed.
 ///
 /// stdio keeps bytes in a buffer, so a full disk may show only at JFlush or JClose: call JClose,
-/// the destructor cannot report. A closed stream refuses to write.
+/// the destructor cannot report. A closed stream refuses to write. Whatever the buffer of a
+/// standard stream throws makes the stream bad.
 class FileOutputStream : public JOutputStream {
 public:
-    /// Opens a file for writing, behind what it holds or in place of it; the name is bytes on
+    /// Opens a file for writing, after its contents or in place of them; the name is bytes on
     /// Linux and UTF-8 on Windows.
     /// \throws JIOException "FileOutputStream. Cannot open file.", also for a null name
     FileOutputStream(const char* name, bool append);
@@ -56,6 +57,9 @@ public:
     void JClose() override;
 
     /// The position, or -1 when closed or without positions.
+    /// \throws JIOException "FileOutputStream::JSeek(). Stream returned bad() flag." when a
+    /// standard
+    ///         stream's buffer throws
     int64_t JTell() override;
 
     /// Moves to a position. A closed stream cannot move.

@@ -14,7 +14,7 @@ class JDataInput : public virtual JInputStream {
 public:
     /// 1: least significant byte first. Anything else: most significant byte first.
     virtual int32_t getByteOrder() const = 0;
-    /// Sets the flag that getByteOrder answers.
+    /// Sets the flag that getByteOrder returns.
     virtual void setByteOrder(int32_t order) = 0;
     /// The next 8-bit integer.
     virtual int8_t JRead8() = 0;

@@ -13,7 +13,7 @@ class JDataOutput : public virtual JOutputStream {
 public:
     /// 1: least significant byte first. Anything else: most significant byte first.
     virtual int32_t getByteOrder() const = 0;
-    /// Sets the flag that getByteOrder answers.
+    /// Sets the flag that getByteOrder returns.
     virtual void setByteOrder(int32_t order) = 0;
     /// Writes an 8-bit integer.
     virtual void JWrite8(int8_t value) = 0;

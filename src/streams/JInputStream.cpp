@@ -8,7 +8,14 @@ int32_t JInputStream::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
     }
     uint8_t* out = buffer + offset;
     for (int32_t i = 0; i < count; ++i) {
-        const int32_t byte = JRead();
+        int32_t byte = -1;
+        try {
+            byte = JRead();
+        } catch (const JIOException&) {
+            if (i == 0) {
+                throw;
+            }
+        }
         if (byte < 0) {
             return i;
         }

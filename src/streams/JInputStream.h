@@ -13,13 +13,15 @@ public:
     /// \throws JIOException with the medium's message
     virtual int32_t JRead() = 0;
 
-    /// Reads at most count bytes to buffer + offset, here byte by byte through JRead(). A count
-    /// below 1 reads nothing.
-    /// \return the number of bytes; less than count only at end of input, 0 when none was left
+    /// Reads at most count bytes to buffer + offset, here byte by byte through JRead(), where the
+    /// next read after a failure asks the medium again. A count below 1 reads nothing.
+    /// \return the number of bytes. Less than count at end of input, and where the medium failed
+    ///         after some bytes: the next read then throws. 0 at end of input only.
+    /// \throws JIOException with the medium's message when it failed before the first byte
     /// \throws JIOException "JInputStream.read : buff=NULL" for a null buffer
     virtual int32_t JRead(uint8_t* buffer, int32_t offset, int32_t count);
 
-    /// Ends the stream; reading it then answers end of input. Closing twice does nothing.
+    /// Ends the stream; reading it then returns end of input. Closing twice does nothing.
     virtual void JClose() = 0;
 
     /// The position of the next byte, or -1 when the medium has no positions (a pipe).

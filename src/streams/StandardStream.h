@@ -1,18 +1,54 @@
 /// \file
-/// Use of a host's std::istream or std::ostream whatever its exception mask is.
+/// Use of a standard stream whatever its exception mask is and whatever its buffer throws.
 #pragma once
 
+#include <kel/JException.h>
+
+#include <cstdint>
 #include <ios>
+#include <streambuf>
 
 namespace kel {
 
-/// Runs action on a standard stream whose state the caller reads afterwards. A host may have asked
-/// its stream to throw on bad or fail; the state then says the same, so that throw ends here.
-template <class Action> void leavingItToTheState(Action action) {
+/// Runs action on a standard stream, whose state afterwards says how it went. Nothing is thrown: a
+/// stream may be set to throw on bad or fail, and its buffer may throw anything. Where the state
+/// does not show that already, the stream becomes bad.
+template <class Action> void leavingItToTheState(std::ios& stream, Action action) {
     try {
         action();
-    } catch (const std::ios_base::failure&) {
-        // The state bits are set before this is thrown.
+    } catch (...) {
+        if (stream.good()) {
+            try {
+                stream.setstate(std::ios::badbit);
+            } catch (const std::ios::failure&) {
+                // The bit is set before this is thrown.
+            }
+        }
+    }
+}
+
+/// Throws unless the stream is good.
+/// \throws JIOException badMessage or failMessage
+inline void checkState(const std::ios& stream, const char* badMessage, const char* failMessage) {
+    if (stream.bad()) {
+        throw JIOException(badMessage);
+    }
+    if (!stream.good()) {
+        throw JIOException(failMessage);
+    }
+}
+
+/// The position of a standard stream in the given direction, -1 without a buffer or positions. The
+/// buffer is asked, because the stream's own operation would change the state at the end.
+/// \throws JIOException badMessage when the buffer throws
+inline int64_t positionOf(const std::ios& stream, std::ios::openmode direction,
+                          const char* badMessage) {
+    try {
+        return stream.rdbuf() == nullptr
+                   ? -1
+                   : int64_t{stream.rdbuf()->pubseekoff(0, std::ios::cur, direction)};
+    } catch (...) {
+        throw JIOException(badMessage);
     }
 }
 

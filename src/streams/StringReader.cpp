@@ -38,7 +38,7 @@ void StringReader::JSeek(int64_t position) {
     if (position < 0) {
         throw JIOException("StringReader::JSeek(). Cannot seek to negative position.");
     }
-    if (buffer_.pubseekpos(position, std::ios_base::in) == std::streampos(-1)) {
+    if (closed_ || buffer_.pubseekpos(position, std::ios_base::in) == std::streampos(-1)) {
         throw JIOException("StringReader::JSeek(). Stream returned fail() flag.");
     }
 }

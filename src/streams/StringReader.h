@@ -27,7 +27,7 @@ public:
 
     /// Moves to a position, up to the end of the text.
     /// \throws JIOException "StringReader::JSeek(). Cannot seek to negative position."
-    /// \throws JIOException "StringReader::JSeek(). Stream returned fail() flag." behind the end
+    /// \throws JIOException "StringReader::JSeek(). Stream returned fail() flag." after the end
     void JSeek(int64_t position) override;
 
 private:

@@ -1,24 +1,15 @@
 #include "streams/StringWriter.h"
 
 #include "platform/Memory.h"
+#include "streams/StandardStream.h"
 
 #include <algorithm>
 #include <cstring>
 #include <kel/JException.h>
 #include <string_view>
 
-namespace {
-
-void checkStream(const std::ostringstream& text, const char* badMessage, const char* failMessage) {
-    if (text.bad()) {
-        throw JIOException(badMessage);
-    }
-    if (text.fail()) {
-        throw JIOException(failMessage);
-    }
-}
-
-} // namespace
+using kel::checkState;
+using kel::leavingItToTheState;
 
 StringWriter::~StringWriter() {
     kel::platform::deallocate(snapshot_);
@@ -47,10 +38,12 @@ void StringWriter::refuseOverflow(uint32_t count) {
 
 void StringWriter::JWrite(int32_t byte) {
     changed_ = true;
-    refuseOverflow(1);
-    text_.put(static_cast<char>(static_cast<uint8_t>(byte)));
-    checkStream(text_, "StringWriter::JWrite(int). Stream returned bad() flag.",
-                "StringWriter::JWrite(int). Stream returned fail() flag.");
+    leavingItToTheState(text_, [&] {
+        refuseOverflow(1);
+        text_.put(static_cast<char>(static_cast<uint8_t>(byte)));
+    });
+    checkState(text_, "StringWriter::JWrite(int). Stream returned bad() flag.",
+               "StringWriter::JWrite(int). Stream returned fail() flag.");
     ++count_;
 }
 
@@ -58,22 +51,30 @@ void StringWriter::JWrite(const uint8_t* buffer, int32_t offset, int32_t count) 
     if (buffer == nullptr) {
         throw JIOException("StringWriter::JWrite(uchar*,int,int). Buffer=NULL");
     }
+    changed_ = true;
     if (count < 1) {
         return;
     }
-    changed_ = true;
-    refuseOverflow(static_cast<uint32_t>(count));
-    text_.write(reinterpret_cast<const char*>(buffer + offset), count);
-    checkStream(text_, "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.",
-                "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.");
+    leavingItToTheState(text_, [&] {
+        refuseOverflow(static_cast<uint32_t>(count));
+        text_.write(reinterpret_cast<const char*>(buffer + offset), count);
+    });
+    checkState(text_, "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.",
+               "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.");
     count_ += static_cast<uint32_t>(count);
+}
+
+int64_t StringWriter::JTell() {
+    int64_t position = -1;
+    leavingItToTheState(text_, [&] { position = text_.tellp(); });
+    return position;
 }
 
 void StringWriter::JSeek(int64_t position) {
     if (position < 0) {
         throw JIOException("StringWriter::JSeek(). Cannot seek to negative position.");
     }
-    text_.seekp(position);
-    checkStream(text_, "StringWriter::JSeek(). Stream returned bad() flag.",
-                "StringWriter::JSeek(). Stream returned fail() flag.");
+    leavingItToTheState(text_, [&] { text_.seekp(position); });
+    checkState(text_, "StringWriter::JSeek(). Stream returned bad() flag.",
+               "StringWriter::JSeek(). Stream returned fail() flag.");
 }

@@ -28,7 +28,8 @@ public:
     ///         the number of characters would leave 32 bits
     void JWrite(int32_t byte) override;
 
-    /// Writes count bytes from buffer + offset; nothing for a count below 1.
+    /// Writes count bytes from buffer + offset. A count below 1 adds nothing, but it is a write:
+    /// getString then no longer returns null.
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Buffer=NULL"
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag."
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.",
@@ -42,13 +43,13 @@ public:
     void JClose() override {}
 
     /// The position of the next character, or -1 after a failure.
-    int64_t JTell() override { return text_.tellp(); }
+    int64_t JTell() override;
 
-    /// Moves back into the text, or to its end. What is written there replaces the old characters
+    /// Moves back into the text, or to its end. Characters written there replace the old ones
     /// but counts as written again, so getString then ends in that many NULs.
     /// \throws JIOException "StringWriter::JSeek(). Cannot seek to negative position."
     /// \throws JIOException "StringWriter::JSeek(). Stream returned bad() flag."
-    /// \throws JIOException "StringWriter::JSeek(). Stream returned fail() flag." behind the end
+    /// \throws JIOException "StringWriter::JSeek(). Stream returned fail() flag." after the end
     void JSeek(int64_t position) override;
 
 protected:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "values/KEL_Impl.h"
+#include "values/VariableName.h"
 
 #include <map>
 #include <string>
@@ -10,7 +11,8 @@
 namespace kel {
 
 /// Names in the order of their bytes, each with a value or null.
-using VariableMap = std::map<std::string, JPointer<KEL_Impl>, std::less<>>;
+using VariableMap = std::map<VariableName, JPointer<KEL_Impl>, std::less<>,
+                             Allocator<std::pair<const VariableName, JPointer<KEL_Impl>>>>;
 
 /// Walks the direct children of one container in order, without allocating:
 ///

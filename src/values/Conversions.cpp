@@ -2,6 +2,7 @@
 
 #include "runtime/Text.h"
 #include "values/KEL_String_Impl.h"
+#include "values/Kinds.h"
 
 #include <cfloat>
 #include <cmath>
@@ -9,32 +10,64 @@
 
 namespace kel {
 
-bool hasScalarForm(const KEL& value) {
-    switch (value.getType()) {
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_Double:
-    case KELKind_guid:
-    case KELKind_String:
-        return true;
-    default:
-        return false;
+Scalar scalarOf(int32_t code) {
+    const std::optional<KELKind> kind = kindWithCode(code);
+    if (!kind) {
+        return Scalar::none;
     }
+    switch (*kind) {
+    case KELKind_Int:
+        return Scalar::integer;
+    case KELKind_Boolean:
+        return Scalar::boolean;
+    case KELKind_Double:
+        return Scalar::number;
+    case KELKind_guid:
+        return Scalar::guid;
+    case KELKind_String:
+        return Scalar::text;
+    case KELKind_MemBlock:
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Manager:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+    case KELKind_IndexList:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        break;
+    }
+    return Scalar::none;
+}
+
+bool hasScalarForm(const KEL& value) {
+    return scalarOf(value.getType()) != Scalar::none;
+}
+
+bool isNumber(const KEL& value) {
+    const Scalar scalar = scalarOf(value.getType());
+    return scalar == Scalar::integer || scalar == Scalar::number;
 }
 
 bool convertToBoolean(const KEL* value) {
-    if (value == nullptr || !hasScalarForm(*value)) {
+    if (value == nullptr) {
         return false;
     }
-    switch (value->getType()) {
-    case KELKind_Int:
+    switch (scalarOf(value->getType())) {
+    case Scalar::integer:
         return value->toInt() != 0;
-    case KELKind_Double:
+    case Scalar::number:
         // Looks inverted and is meant: files and hosts rely on it.
         return std::fabs(std::trunc(value->toDouble())) <= double{FLT_MIN};
-    default:
+    case Scalar::boolean:
+    case Scalar::guid:
+    case Scalar::text:
         return value->toBoolean();
+    case Scalar::none:
+        break;
     }
+    return false;
 }
 
 int32_t convertToInt(const KEL* value) {
@@ -52,24 +85,29 @@ JHashCode convertToGuid(const KEL* value) {
 
 namespace {
 
-/// The text form of a scalar that is no String, without touching the text buffer of the value: a
-/// text that the host got from toString stays as it is.
-void formatScalar(char* text, const KEL& value) {
-    JHashCode guid;
-    switch (value.getType()) {
-    case KELKind_Int:
+/// The text form of a scalar, without touching the text buffer of the value: a text that the host
+/// got from toString stays as it is. \return false for a String, whose text can have any length
+bool formatScalar(char* text, const KEL& value) {
+    switch (scalarOf(value.getType())) {
+    case Scalar::integer:
         formatInteger(text, value.toInt());
-        break;
-    case KELKind_Boolean:
+        return true;
+    case Scalar::boolean:
         std::strcpy(text, value.toBoolean() ? "true" : "false");
-        break;
-    case KELKind_Double:
+        return true;
+    case Scalar::number:
         formatDouble(text, value.toDouble());
-        break;
-    default:
+        return true;
+    case Scalar::guid: {
+        JHashCode guid;
         value.toGuid(guid).toGuidText(text);
+        return true;
+    }
+    case Scalar::text:
+    case Scalar::none:
         break;
     }
+    return false;
 }
 
 } // namespace
@@ -78,19 +116,18 @@ KEL_String* convertToString(const KEL* value) {
     if (value == nullptr || !hasScalarForm(*value)) {
         return nullptr;
     }
-    if (value->getType() == KELKind_String) {
+    char text[doubleTextSize];
+    if (!formatScalar(text, *value)) {
         // The caller's reference is to the value itself, which is not constant: only the walk to
-        // it was.
+        // it was. A host's own value can say that it is a String without being one.
         auto* string = const_cast<KEL_String*>(dynamic_cast<const KEL_String*>(value));
-        string->addRef();
+        if (string != nullptr) {
+            string->addRef();
+        }
         return string;
     }
-    char text[doubleTextSize];
-    formatScalar(text, *value);
     try {
         return new KEL_String_Impl(text);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
     } catch (const JOutOfMemoryException&) {
         return nullptr;
     }

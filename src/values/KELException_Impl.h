@@ -3,6 +3,8 @@
 /// `throw new KELIOException_Impl("...")`.
 #pragma once
 
+#include "runtime/Storage.h"
+
 #include <kel/JException.h>
 #include <kel/KELException.h>
 
@@ -12,7 +14,7 @@ inline constexpr const char* generalKelMessage = "General KEL exception.";
 /// Base of the implementations. Its JException part is its own, not a virtual base: a failure that
 /// also is a runtime exception holds two, so it can be caught as that runtime exception's pointer
 /// but not as a JException pointer.
-class KELException_Impl : public JException, public virtual KELException {
+class KELException_Impl : public JException, public virtual KELException, public kel::Stored {
 public:
     explicit KELException_Impl(const char* message = generalKelMessage) : JException(message) {}
     ~KELException_Impl() override = default;

@@ -1,5 +1,6 @@
 #include "values/KEL_Array_Impl.h"
 
+#include "runtime/RunToEnd.h"
 #include "values/ChildCursor.h"
 #include "values/Conversions.h"
 #include "values/KELException_Impl.h"
@@ -9,7 +10,7 @@
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
 #include "values/Reference.h"
-#include "values/TreeWalk.h"
+#include "values/TreeCopy.h"
 
 #include <utility>
 
@@ -66,10 +67,15 @@ void KEL_Array_Impl::insertQuietly(KEL_Impl* element, int32_t index) {
 
 void KEL_Array_Impl::setVar(KEL* value, int32_t index) {
     KEL_Impl* element = KEL_Impl::of(value);
-    withIndexError(badIndex, [&] { elements_->setElementAt(element, index); });
+    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+    setQuietly(element, index);
     if (element != nullptr) {
         notifyChanged();
     }
+}
+
+void KEL_Array_Impl::setQuietly(KEL_Impl* element, int32_t index) {
+    withIndexError(badIndex, [&] { elements_->setElementAt(element, index); });
 }
 
 void KEL_Array_Impl::setMade(int32_t index, KEL_Impl* value) {
@@ -78,11 +84,7 @@ void KEL_Array_Impl::setMade(int32_t index, KEL_Impl* value) {
 }
 
 void KEL_Array_Impl::setString(int32_t index, const char* text) {
-    if (text == nullptr) {
-        elementAt(index); // a bad index is reported all the same
-        return;
-    }
-    setMade(index, new KEL_String_Impl(text));
+    setMade(index, KEL_String_Impl::makeOrNull(text));
 }
 
 void KEL_Array_Impl::setguid(int32_t index, const JHashCode& value) {
@@ -125,7 +127,7 @@ int32_t KEL_Array_Impl::addMade(KEL_Impl* value) {
 }
 
 int32_t KEL_Array_Impl::addString(const char* text) {
-    return addMade(new KEL_String_Impl(text));
+    return text == nullptr ? -1 : addMade(new KEL_String_Impl(text));
 }
 
 int32_t KEL_Array_Impl::addguid(const JHashCode& value) {
@@ -160,18 +162,34 @@ int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
     if (other == nullptr) {
         return -1;
     }
-    const auto self = kel::keepAlive(this);
-    const auto held = kel::keepAlive(other);
-    for (int32_t i = 0; i < other->getCount(); ++i) {
-        KEL* value = other->getVar(i);
-        if (!containsVar(value)) {
-            addVar(value);
+    // A host's own array can fail at any element, so its elements are collected first.
+    JPointer<KEL_Array_Impl> source =
+        JPointer<KEL_Array_Impl>::share(dynamic_cast<KEL_Array_Impl*>(other));
+    if (source.isNull()) {
+        source = new KEL_Array_Impl();
+        for (int32_t i = 0; i < other->getCount(); ++i) {
+            source->elements_->addElement(KEL_Impl::of(other->getVar(i)));
         }
     }
+    makeRoom(source->getCount());
+    const auto self = kel::keepAlive(this);
+    int32_t next = 0;
+    kel::runToEnd([&] {
+        // The count is read anew at every step: an observer may change either array.
+        if (next >= source->getCount()) {
+            return false;
+        }
+        KEL_Impl* element = source->elementAt(next++);
+        if (!containsVar(element)) {
+            append(element);
+        }
+        return true;
+    });
     return 0;
 }
 
 void KEL_Array_Impl::removeVar(int32_t index) {
+    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
     removeQuietly(index);
     notifyChanged();
 }
@@ -179,6 +197,12 @@ void KEL_Array_Impl::removeVar(int32_t index) {
 void KEL_Array_Impl::removeQuietly(int32_t index) {
     withIndexError("KEL_Array::removeVar failed. No element at specified index.",
                    [&] { elements_->removeElementAt(index); });
+}
+
+void KEL_Array_Impl::removeQuietly(const Indices& indices) {
+    for (auto index = indices.rbegin(); index != indices.rend(); ++index) {
+        removeQuietly(*index);
+    }
 }
 
 bool KEL_Array_Impl::containsVar(const KEL* value) const {
@@ -190,6 +214,7 @@ int32_t KEL_Array_Impl::indexOfVar(const KEL* value) const {
 }
 
 void KEL_Array_Impl::removeAllVars() {
+    const auto self = kel::keepAlive(this);
     removeAllQuietly();
     notifyChanged();
 }
@@ -211,7 +236,6 @@ bool KEL_Array_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return array != nullptr && array->getCount() == getCount();
 }
 
-void KEL_Array_Impl::takeContents(const KEL_Impl& source) {
-    const JPointer<KEL_Impl> copied(kel::copyTreeFor(source, *this));
-    elements_ = dynamic_cast<KEL_Array_Impl&>(*copied).elements_;
+void KEL_Array_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(elements_, dynamic_cast<KEL_Array_Impl&>(prepared).elements_);
 }

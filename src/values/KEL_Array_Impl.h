@@ -2,9 +2,11 @@
 /// KEL_Array_Impl: an Array value.
 #pragma once
 
+#include "runtime/Storage.h"
 #include "values/KEL_Impl.h"
 
 #include <kel/KEL_Array.h>
+#include <vector>
 
 /// Implements KEL_Array over a vector of shared elements.
 class KEL_Array_Impl final : public KEL_Impl, public KEL_Array {
@@ -65,13 +67,37 @@ public:
         value.detach();
     }
 
-    // Changes that notify nobody: for who changes more than this array and tells of it when all is
-    // done. A bad index throws as in the operation that notifies.
+    /// Places in an array.
+    using Indices = kel::Vector<int32_t>;
 
+    /// Where a removal of all matches removes: it goes through the first count elements with a
+    /// rising index and passes over the one that moves into a removed one's place, so of two equal
+    /// neighbours only the first is here.
+    /// \param matches called with an element
+    template <class Matches> Indices findToRemove(int32_t count, const Matches& matches) const {
+        Indices found;
+        for (int32_t i = 0; i < count; ++i) {
+            if (matches(*elementAt(i))) {
+                found.push_back(i++);
+            }
+        }
+        return found;
+    }
+
+    // Changes that notify nobody: for operations that change more than this array, or more than one
+    // element, and notify when all is done. A bad index throws as in the operation that
+    // notifies.
+
+    /// addVar, where makeRoom has made room; null changes nothing.
+    void appendQuietly(KEL_Impl* element) { elements_->addElement(element); }
+    /// setVar; null changes nothing.
+    void setQuietly(KEL_Impl* element, int32_t index);
     /// insertVar; null changes nothing.
     void insertQuietly(KEL_Impl* element, int32_t index);
     /// removeVar.
     void removeQuietly(int32_t index);
+    /// removeVar at each of these indices, which are valid and in ascending order.
+    void removeQuietly(const Indices& indices);
     /// swapVars.
     void swapQuietly(int32_t a, int32_t b);
     /// removeAllVars.
@@ -82,13 +108,13 @@ public:
     void makeRoom(int32_t more) { elements_->makeRoom(more); }
 
     // KEL_Impl
-    bool isContainer() const override { return true; }
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Array_Impl(); }
     void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override;
+    void dropChildren() override { removeAllQuietly(); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
-    void takeContents(const KEL_Impl& source) override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
     /// Appends an element, sharing it, and notifies. \return its index

@@ -3,6 +3,7 @@
 #include "values/Conversions.h"
 
 #include <cstring>
+#include <utility>
 
 void KEL_Boolean_Impl::setValue(bool value) {
     value_ = value;
@@ -47,6 +48,10 @@ JHashCode& KEL_Boolean_Impl::toGuid(JHashCode& out) const {
 
 bool KEL_Boolean_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return other.getType() == getType() && kel::convertToBoolean(&other) == value_;
+}
+
+void KEL_Boolean_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(value_, dynamic_cast<KEL_Boolean_Impl&>(prepared).value_);
 }
 
 void KEL_Boolean_Impl::takeContents(const KEL_Impl& source) {

@@ -35,6 +35,7 @@ public:
     // KEL_Impl
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Boolean_Impl(value_); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
     void takeContents(const KEL_Impl& source) override;
     bool takeConverted(const KEL_Impl& source) override;
 

@@ -4,6 +4,7 @@
 #include "values/Conversions.h"
 
 #include <cmath>
+#include <utility>
 
 void KEL_Double_Impl::setValue(double value) {
     value_ = value;
@@ -50,12 +51,16 @@ JHashCode& KEL_Double_Impl::toGuid(JHashCode& out) const {
 }
 
 bool KEL_Double_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
-    if (other.getType() != KELKind_Double && other.getType() != KELKind_Int) {
+    if (!kel::isNumber(other)) {
         return false;
     }
     // A copy must equal its source, so one NaN equals another here.
     const double number = other.toDouble();
     return number == value_ || (std::isnan(number) && std::isnan(value_));
+}
+
+void KEL_Double_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(value_, dynamic_cast<KEL_Double_Impl&>(prepared).value_);
 }
 
 void KEL_Double_Impl::takeContents(const KEL_Impl& source) {

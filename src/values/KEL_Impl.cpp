@@ -1,9 +1,12 @@
 #include "values/KEL_Impl.h"
 
-#include "platform/Memory.h"
+#include "runtime/Storage.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Observer_Impl.h"
-#include "values/TreeWalk.h"
+#include "values/OutOfMemory.h"
+#include "values/Reference.h"
+#include "values/TreeCopy.h"
+#include "values/TreeEquality.h"
 
 #include <cstring>
 
@@ -28,11 +31,7 @@ const KEL_Impl* KEL_Impl::of(const KEL* value) {
 }
 
 void* KEL_Impl::operator new(std::size_t size) {
-    void* storage = kel::platform::allocate(size);
-    if (storage == nullptr) {
-        throw std::bad_alloc();
-    }
-    return storage;
+    return kel::allocateOrThrow(size);
 }
 
 void KEL_Impl::operator delete(void* storage) noexcept {
@@ -88,10 +87,11 @@ void KEL_Impl::assign(const KEL* value) {
     if (source->getType() != getType()) {
         throw new KELNoSuchTypeException_Impl("Can't set the value when types are not equal!");
     }
+    const auto self = kel::keepAlive(this); // the old contents may be its last holder
     if (source != this) {
-        takeContents(*source);
+        kel::withOneOutOfMemory([&] { takeContents(*source); });
     }
-    notifyChanged();
+    notifyContentsChanged();
 }
 
 bool KEL_Impl::equals(const KEL* other) const {
@@ -108,9 +108,15 @@ bool KEL_Impl::equals(const KEL* a, const KEL* b) const {
 
 void KEL_Impl::assignConverted(const KEL* value, bool notify) {
     const KEL_Impl* source = of(value);
-    if (source != nullptr && takeConverted(*source) && notify) {
-        notifyChanged();
+    const auto self = kel::keepAlive(this);
+    if (source != nullptr && kel::withOneOutOfMemory([&] { return takeConverted(*source); }) &&
+        notify) {
+        notifyContentsChanged();
     }
+}
+
+JPointer<KEL_Impl> KEL_Impl::prepareContents(const KEL_Impl& source) {
+    return JPointer<KEL_Impl>(kel::copyTreeFor(source, *this));
 }
 
 bool KEL_Impl::takeConverted(const KEL_Impl& source) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "runtime/JObservable.h"
+#include "values/Kinds.h"
 
 #include <bit>
 #include <kel/KEL_Observable.h>
@@ -23,19 +24,20 @@ public:
     KEL_Impl& operator=(const KEL_Impl&) = delete;
     ~KEL_Impl() override;
 
-    /// The implementation behind a host's pointer; null for null and for a foreign implementation.
+    /// The implementation of a host's pointer; null for null and for a foreign implementation.
     static KEL_Impl* of(KEL* value);
     static const KEL_Impl* of(const KEL* value);
 
     /// True for a host's own implementation, which no container stores; false for null.
     static bool isForeign(const KEL* value) { return value != nullptr && of(value) == nullptr; }
 
-    /// Storage for a value. \throws std::bad_alloc
+    /// Storage for a value.
+    /// \throws JOutOfMemoryException "Out of memory!"
     static void* operator new(std::size_t size);
     static void operator delete(void* storage) noexcept;
 
     /// Destroys a value whose last reference is gone. Values that this in turn sets free wait until
-    /// it is done, so that a tree of any depth goes without a deep call stack.
+    /// it is done, so that a tree of any depth is destroyed without a deep call stack.
     static void operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept;
 
     // KELInterface_RefCount_V1
@@ -44,7 +46,7 @@ public:
     JHashCode& getHashCode(JHashCode& out) const override { return out = identity(); }
     int32_t getRefCount() const override { return 1; }
 
-    // KELInterface_Casting_V1: the neutral answers of a kind without such a form, and the widths
+    // KELInterface_Casting_V1: the neutral results of a kind without such a form, and the widths
     // that follow from toInt and toDouble.
     bool toBoolean() const override { return false; }
     int32_t toInt() const override { return 0; }
@@ -91,11 +93,19 @@ public:
         }
     }
 
+    /// Notifies of new contents, taken over from another value: this value's observers, after those
+    /// of the values that it consists of for its hosts.
+    virtual void notifyContentsChanged() { notifyChanged(); }
+
     // What walks over trees are made of.
 
     /// Moves the cursor to this container's next child; false after the last, and at once for a
     /// value without children.
     virtual bool nextChild(kel::ChildCursor& cursor) const;
+
+    /// The container that has the children: the inner struct of a value built on one, else this
+    /// value. Others can hold the inner struct too, so two values can have the very same children.
+    virtual const KEL_Impl& holderOfChildren() const { return *this; }
 
     /// A new value of this kind with this value's own contents, but without the children that a
     /// deep copy copies one by one. The caller owns it.
@@ -108,27 +118,47 @@ public:
     /// struct's null variable. Nobody is notified.
     virtual void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child);
 
-    /// True for kinds whose contents are children.
-    virtual bool isContainer() const { return false; }
+    /// Returns the value that a copy of this container holds in place of a null variable; null for
+    /// null.
+    virtual JPointer<KEL_Impl> copyOfNullVariable() const { return {}; }
+
+    /// Lets go of the children and notifies nobody: for copies that are part of each other and will
+    /// not be finished.
+    virtual void dropChildren() {}
+
+    KELKind kind() const { return *kel::kindWithCode(getType()); }
+
+    /// True when its contents are children.
+    bool isContainer() const { return kel::isContainer(kind()); }
 
     /// True when the kinds agree (Int and Double do) and the contents are equal, the children of a
-    /// container left out but for their number.
+    /// container left out except for their number.
     virtual bool equalsWithoutChildren(const KEL_Impl& other) const = 0;
 
-    /// Takes over the contents of a value of the same kind.
+    /// Makes a value with the contents that source would leave here, for swapContents: all that can
+    /// fail of taking over a value of the same kind.
     /// \throws KELMemBlockException for a memory block of another size
-    virtual void takeContents(const KEL_Impl& source) = 0;
+    virtual JPointer<KEL_Impl> prepareContents(const KEL_Impl& source);
+
+    /// Exchanges contents with a value from prepareContents.
+    virtual void swapContents(KEL_Impl& prepared) noexcept = 0;
+
+    /// Takes over the contents of a value of the same kind. Throws as prepareContents.
+    virtual void takeContents(const KEL_Impl& source) { swapContents(*prepareContents(source)); }
 
     /// Takes over a value of any kind, converted. \return false, unchanged, if it has no form here
     virtual bool takeConverted(const KEL_Impl& source);
 
-    /// True while a walk that must not meet this container inside itself is below it. Such walks
+    /// True while a walk that must not reach this container inside itself is below it. Such walks
     /// never call the host, so one mark is enough.
     bool isOnPath() const { return onPath_; }
     void setOnPath(bool onPath) const { onPath_ = onPath; }
 
-    /// True when more than one holder has this value: only then can a walk meet it again.
+    /// True when more than one holder has this value: only then can a walk reach it again.
     bool isShared() const { return referenceCount() > 1; }
+
+    /// True when more than one holder has this container or its children.
+    bool isContentShared() const { return isShared() || holderOfChildren().isShared(); }
 
     /// The identity without a virtual call, and whether it was given rather than drawn.
     using JObject::identity;

@@ -1,24 +1,27 @@
 #include "values/KEL_IndexList_Impl.h"
 
+#include "runtime/RunToEnd.h"
 #include "values/ChildCursor.h"
 #include "values/Conversions.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/Reference.h"
-#include "values/TreeWalk.h"
+#include "values/TreeCopy.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace {
 
-constexpr std::string_view keysName = "keys"; // tells a copied child from the items
+constexpr std::string_view keysName = "keys"; // distinguishes a copied child from the items
 
 constexpr const char* keyNotFound = "Key not found in list.";
 constexpr const char* itemNotFound = "Item not found in list.";
 constexpr const char* keyValueNotFound = "Key value not found in list.";
 
-/// A new key for an item: its text form, empty if it has none. \throws std::bad_alloc
+/// A new key for an item: its text form, empty if it has none.
+/// \throws JOutOfMemoryException
 JPointer<KEL_Impl> keyFor(const KEL_Impl& item) {
     if (!kel::hasScalarForm(item)) {
         return JPointer<KEL_Impl>(new KEL_String_Impl(""));
@@ -26,9 +29,14 @@ JPointer<KEL_Impl> keyFor(const KEL_Impl& item) {
     KEL_String* text = kel::convertToString(&item);
     const JPointer<KEL_Impl> held(KEL_Impl::of(text));
     if (text == nullptr) {
-        throw std::bad_alloc();
+        kel::throwOutOfMemory();
     }
     return JPointer<KEL_Impl>(new KEL_String_Impl(text->getValue())); // the item may be the text
+}
+
+/// Returns a key with this text to look for; null for null.
+JPointer<KEL_Impl> textKey(const char* text) {
+    return JPointer<KEL_Impl>(KEL_String_Impl::makeOrNull(text));
 }
 
 } // namespace
@@ -76,19 +84,14 @@ void KEL_IndexList_Impl::notifyBoth() {
     const auto self = kel::keepAlive(this);
     const JPointer<KEL_Array_Impl> keys = keys_;
     const JPointer<KEL_Array_Impl> items = items_;
-    keys->notifyChanged();
-    if (items.get() != keys.get()) {
-        items->notifyChanged();
-    }
-    notifyChanged();
+    kel::runAll([&] { keys->notifyChanged(); }, [&] { items->notifyChanged(); },
+                [&] { notifyChanged(); });
 }
 
 template <class Change> void KEL_IndexList_Impl::changeBoth(const Change& change) {
     const auto self = kel::keepAlive(this); // what goes may be its last holder
     change(*keys_);
-    if (items_.get() != keys_.get()) {
-        change(*items_);
-    }
+    change(*items_);
     notifyBoth();
 }
 
@@ -129,11 +132,11 @@ KEL_Impl* KEL_IndexList_Impl::itemOfValue(const KEL* keyValue) const {
 }
 
 KEL* KEL_IndexList_Impl::getItemOfKeyText(const char* text) const {
-    if (text == nullptr) {
-        return nullptr;
-    }
-    const JPointer<KEL_Impl> key(new KEL_String_Impl(text));
-    return itemOfValue(key.get());
+    return itemOfValue(textKey(text).get());
+}
+
+bool KEL_IndexList_Impl::containsKeyText(const char* text) const {
+    return containsKeyValue(textKey(text).get());
 }
 
 KEL* KEL_IndexList_Impl::getKeyAt(int32_t index) const {
@@ -169,19 +172,14 @@ void KEL_IndexList_Impl::removeKeyValue(const KEL* keyValue) {
     if (keyValue == nullptr) {
         return;
     }
-    // All are found before the first goes: comparing may fail for lack of memory.
-    std::vector<int32_t> matches;
-    for (int32_t i = 0; i < getCount(); ++i) {
-        if (keyValue->equalsValue(keys_->elementAt(i))) {
-            matches.push_back(i++); // the one behind it is passed over
-        }
-    }
+    const auto matches = keys_->findToRemove(
+        getCount(), [&](const KEL_Impl& key) { return keyValue->equalsValue(&key); });
     found(matches.empty() ? -1 : 0, keyValueNotFound);
-    changeBoth([&matches](KEL_Array_Impl& array) {
-        for (auto index = matches.rbegin(); index != matches.rend(); ++index) {
-            array.removeQuietly(*index);
-        }
-    });
+    changeBoth([&matches](KEL_Array_Impl& array) { array.removeQuietly(matches); });
+}
+
+void KEL_IndexList_Impl::removeKeyText(const char* text) {
+    removeKeyValue(textKey(text).get());
 }
 
 void KEL_IndexList_Impl::removeAllPairs() {
@@ -193,10 +191,13 @@ void KEL_IndexList_Impl::removeAllPairs() {
 void KEL_IndexList_Impl::setItemAt(int32_t index, KEL* newItem) {
     checkIndex(index);
     if (KEL_Impl::of(newItem) != nullptr) {
-        const auto self = kel::keepAlive(this);
-        items_->setVar(newItem, index);
-        notifyChanged();
+        setInOne(items_, newItem, index);
     }
+}
+
+void KEL_IndexList_Impl::setInOne(JPointer<KEL_Array_Impl> array, KEL* value, int32_t index) {
+    const auto self = kel::keepAlive(this);
+    kel::runAll([&] { array->setVar(value, index); }, [&] { notifyChanged(); });
 }
 
 void KEL_IndexList_Impl::setItemOfKey(const KEL* key, KEL* newItem) {
@@ -211,12 +212,13 @@ void KEL_IndexList_Impl::setItemOfKeyValue(const KEL* keyValue, KEL* newItem) {
     }
 }
 
+void KEL_IndexList_Impl::setItemOfKeyText(const char* text, KEL* newItem) {
+    setItemOfKeyValue(textKey(text).get(), newItem);
+}
+
 void KEL_IndexList_Impl::setKeyOfItem(const KEL* item, KEL* newKey) {
     if (item != nullptr && KEL_Impl::of(newKey) != nullptr) {
-        const int32_t index = found(indexOfItem(item), itemNotFound);
-        const auto self = kel::keepAlive(this);
-        keys_->setVar(newKey, index);
-        notifyChanged();
+        setInOne(keys_, newKey, found(indexOfItem(item), itemNotFound));
     }
 }
 
@@ -224,9 +226,9 @@ void KEL_IndexList_Impl::setKeyValue(const KEL* keyValue, const KEL* newValue) {
     if (keyValue == nullptr || newValue == nullptr) {
         return;
     }
-    // All matches are found, and held, before the first changes: changing one may change what is
-    // equal, and its observers may change the list.
-    std::vector<JPointer<KEL_Impl>> matches;
+    // All matches are found, and all that can fail of changing them is done, before the first
+    // changes: changing one may change what is equal, and its observers may change the list.
+    kel::Vector<JPointer<KEL_Impl>> matches;
     for (int32_t i = 0; i < getCount(); ++i) {
         KEL_Impl* key = keys_->elementAt(i);
         if (keyValue->equalsValue(key)) {
@@ -238,10 +240,26 @@ void KEL_IndexList_Impl::setKeyValue(const KEL* keyValue, const KEL* newValue) {
         }
     }
     found(matches.empty() ? -1 : 0, keyValueNotFound);
-    const auto held = kel::keepAlive(newValue);
-    for (const JPointer<KEL_Impl>& key : matches) {
-        key->assign(newValue);
+    const KEL_Impl* source = KEL_Impl::of(newValue);
+    if (source == nullptr) {
+        return;
     }
+    kel::Vector<JPointer<KEL_Impl>> contents;
+    for (const JPointer<KEL_Impl>& key : matches) {
+        contents.push_back(key->prepareContents(*source));
+    }
+    for (std::size_t i = 0; i < matches.size(); ++i) {
+        matches[i]->swapContents(*contents[i]);
+    }
+    contents.clear(); // before any observer is called, as in every other change
+    auto next = matches.begin();
+    kel::runToEnd([&] {
+        if (next == matches.end()) {
+            return false;
+        }
+        (*next++)->notifyContentsChanged();
+        return true;
+    });
 }
 
 void KEL_IndexList_Impl::swapPairs(int32_t a, int32_t b) {
@@ -270,10 +288,7 @@ void KEL_IndexList_Impl::insertPair(KEL* key, KEL* item, int32_t index) {
     if (newKey == nullptr || newItem == nullptr) {
         return;
     }
-    // Room first: then the second half cannot fail once the first is in. One array takes both.
-    const int32_t more = keys_.get() == items_.get() ? 2 : 1;
-    keys_->makeRoom(more);
-    items_->makeRoom(more);
+    makeRoomForPairs(1); // first: then the second half cannot fail once the first is in
     keys_->insertQuietly(newKey, index);
     items_->insertQuietly(newItem, index);
     notifyBoth();
@@ -283,15 +298,38 @@ int32_t KEL_IndexList_Impl::addPairs(KEL_IndexList* other) {
     if (other == nullptr) {
         return -1;
     }
-    const auto self = kel::keepAlive(this);
-    const auto held = kel::keepAlive(other);
+    // The present pairs of the other list are added, all of it collected, and room made, before the
+    // first pair is stored: an observer may change either list meanwhile.
+    const JPointer<KEL_Array_Impl> keys = makeArray();
+    const JPointer<KEL_Array_Impl> items = makeArray();
     for (int32_t i = 0; i < other->getCount(); ++i) {
-        KEL* key = other->getKeyAt(i);
-        if (!containsKey(key)) {
-            addPair(key, other->getItemAt(i));
+        KEL_Impl* key = KEL_Impl::of(other->getKeyAt(i));
+        KEL_Impl* item = KEL_Impl::of(other->getItemAt(i));
+        if (key != nullptr && item != nullptr && !containsKey(key)) {
+            keys->appendQuietly(key);
+            items->appendQuietly(item);
         }
     }
+    makeRoomForPairs(keys->getCount());
+    const auto self = kel::keepAlive(this);
+    int32_t next = 0;
+    kel::runToEnd([&] {
+        if (next == keys->getCount()) {
+            return false;
+        }
+        KEL_Impl* key = keys->elementAt(next);
+        KEL_Impl* item = items->elementAt(next++);
+        if (!containsKey(key)) {
+            addPair(key, item);
+        }
+        return true;
+    });
     return 0;
+}
+
+void KEL_IndexList_Impl::makeRoomForPairs(int32_t count) {
+    keys_->makeRoom(count);
+    items_->makeRoom(count);
 }
 
 // ---- Walks -------------------------------------------------------------------------------------
@@ -320,8 +358,8 @@ bool KEL_IndexList_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return other.getType() == KELKind_IndexList;
 }
 
-void KEL_IndexList_Impl::takeContents(const KEL_Impl& source) {
-    const JPointer<KEL_Impl> copied(kel::copyTreeFor(source, *this));
-    const auto& list = dynamic_cast<const KEL_IndexList_Impl&>(*copied);
-    useArrays(list.keys_, list.items_);
+void KEL_IndexList_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    auto& list = dynamic_cast<KEL_IndexList_Impl&>(prepared);
+    keys_->swapContents(*list.keys_);
+    items_->swapContents(*list.items_);
 }

@@ -18,9 +18,14 @@ public:
     explicit KEL_IndexList_Impl(const JHashCode& identity)
         : JObject(identity), keys_(makeArray()), items_(makeArray()) {}
 
-    /// Over the given arrays, which are not null.
+    /// Over the given arrays, which are not null and not one array.
     KEL_IndexList_Impl(const JPointer<KEL_Array_Impl>& keys, const JPointer<KEL_Array_Impl>& items)
         : keys_(keys), items_(items) {}
+
+    /// The same with a given identity.
+    KEL_IndexList_Impl(const JHashCode& identity, const JPointer<KEL_Array_Impl>& keys,
+                       const JPointer<KEL_Array_Impl>& items)
+        : JObject(identity), keys_(keys), items_(items) {}
 
     /// A new list over items, with their texts as keys; the caller owns it.
     static KEL_IndexList_Impl* ofItems(KEL_Array_Impl& items);
@@ -124,21 +129,26 @@ public:
     KEL* getItemAt(int32_t index) const override;
     void setItemAt(int32_t index, KEL* newItem) override;
 
-    /// Puts these arrays, which are not null, in the place of its own and notifies nobody: for
-    /// readers that fill a new list.
+    // KEL_IndexList
+    bool containsKeyText(const char* text) const override;
+    void setItemOfKeyText(const char* text, KEL* newItem) override;
+    void removeKeyText(const char* text) override;
+
+    /// Puts these arrays, which are not null and not one array, in the place of its own and
+    /// notifies nobody.
     void useArrays(const JPointer<KEL_Array_Impl>& keys, const JPointer<KEL_Array_Impl>& items) {
         keys_ = keys;
         items_ = items;
     }
 
     // KEL_Impl: the children are the two arrays.
-    bool isContainer() const override { return true; }
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
     KEL_Impl* copyWithoutChildren() const override { return new KEL_IndexList_Impl(); }
     void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override;
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
-    void takeContents(const KEL_Impl& source) override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
+    void notifyContentsChanged() override { notifyBoth(); }
 
 private:
     static JPointer<KEL_Array_Impl> makeArray() {
@@ -155,13 +165,20 @@ private:
     /// Throws on an index that is not that of a pair.
     void checkIndex(int32_t index) const;
 
-    /// Makes a change, which cannot fail, of both arrays, or once of the one array that is both.
-    /// Observers are called when it is complete, so that they never meet half a pair.
+    /// Makes a change, which cannot fail, of both arrays.
+    /// Observers are called when it is complete, so that they never see half a pair.
     template <class Change> void changeBoth(const Change& change);
 
-    /// Tells of a change of both arrays: first the observers of the keys, then those of the items,
-    /// then those of the list.
+    /// Notifies of a change of both arrays: first the observers of the keys, then those of the
+    /// items, then those of the list.
     void notifyBoth();
+
+    /// Replaces one half of a pair; the array notifies, then the list.
+    void setInOne(JPointer<KEL_Array_Impl> array, KEL* value, int32_t index);
+
+    /// Makes room for so many more pairs: storing them then needs no memory.
+    /// \throws JOutOfMemoryException
+    void makeRoomForPairs(int32_t count);
 
     /// Appends a pair one half of which was just made, with its one reference.
     int32_t addMadeKey(KEL_Impl* key, KEL* item);

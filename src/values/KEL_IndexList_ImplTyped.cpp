@@ -14,9 +14,7 @@ void KEL_IndexList_Impl::setMadeKey(const KEL* keyValue, KEL_Impl* newValue) {
 }
 
 void KEL_IndexList_Impl::setKeyString(const KEL* keyValue, const char* text) {
-    if (text != nullptr) {
-        setMadeKey(keyValue, new KEL_String_Impl(text));
-    }
+    setMadeKey(keyValue, KEL_String_Impl::makeOrNull(text));
 }
 
 void KEL_IndexList_Impl::setKeyguid(const KEL* keyValue, const JHashCode& value) {
@@ -49,11 +47,11 @@ int32_t KEL_IndexList_Impl::addMadeItem(KEL* key, KEL_Impl* item) {
 
 int32_t KEL_IndexList_Impl::addNamed(const char* key, KEL_Impl* item) {
     const JPointer<KEL_Impl> made(item);
-    return key == nullptr ? -1 : addKeyString(key, made.get());
+    return addKeyString(key, made.get());
 }
 
 int32_t KEL_IndexList_Impl::addKeyString(const char* text, KEL* item) {
-    return addMadeKey(new KEL_String_Impl(text), item);
+    return addMadeKey(KEL_String_Impl::makeOrNull(text), item);
 }
 
 int32_t KEL_IndexList_Impl::addKeyguid(const JHashCode& value, KEL* item) {
@@ -73,7 +71,7 @@ int32_t KEL_IndexList_Impl::addKeyBoolean(bool value, KEL* item) {
 }
 
 int32_t KEL_IndexList_Impl::addItemString(KEL* key, const char* text) {
-    return addMadeItem(key, new KEL_String_Impl(text));
+    return addMadeItem(key, KEL_String_Impl::makeOrNull(text));
 }
 
 int32_t KEL_IndexList_Impl::addItemguid(KEL* key, const JHashCode& value) {
@@ -93,7 +91,7 @@ int32_t KEL_IndexList_Impl::addItemBoolean(KEL* key, bool value) {
 }
 
 int32_t KEL_IndexList_Impl::addNamedString(const char* key, const char* text) {
-    return addNamed(key, new KEL_String_Impl(text));
+    return addNamed(key, KEL_String_Impl::makeOrNull(text));
 }
 
 int32_t KEL_IndexList_Impl::addNamedguid(const char* key, const JHashCode& value) {

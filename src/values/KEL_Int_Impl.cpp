@@ -4,6 +4,8 @@
 #include "runtime/Text.h"
 #include "values/Conversions.h"
 
+#include <utility>
+
 void KEL_Int_Impl::setValue(int32_t value) {
     value_ = value;
     notifyChanged();
@@ -49,14 +51,11 @@ JHashCode& KEL_Int_Impl::toGuid(JHashCode& out) const {
 }
 
 bool KEL_Int_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
-    switch (other.getType()) {
-    case KELKind_Int:
-        return other.toInt() == value_;
-    case KELKind_Double:
-        return other.toDouble() == value_;
-    default:
-        return false;
-    }
+    return kel::isNumber(other) && other.toDouble() == value_;
+}
+
+void KEL_Int_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(value_, dynamic_cast<KEL_Int_Impl&>(prepared).value_);
 }
 
 void KEL_Int_Impl::takeContents(const KEL_Impl& source) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -41,7 +42,7 @@ struct Range {
 
     int64_t begin;
     int64_t end;
-    int64_t skipped; ///< how far the part begins behind the range
+    int64_t skipped; ///< how far the part begins after the start of the range
 };
 
 } // namespace
@@ -60,22 +61,23 @@ KEL_MemBlock_Impl::~KEL_MemBlock_Impl() {
 }
 
 void KEL_MemBlock_Impl::load() const {
-    if (data_ != nullptr) {
+    if (isLoaded()) {
         return;
     }
     if (source_.isNull()) {
         throw new KELMemBlockException_Impl("Cannot read past the end of the memory block.");
     }
-    unsigned char* block = allocateBlock(size_);
-    try {
-        if (source_->JRead(block, 0, size_) < size_) {
+    if (data_ == nullptr) {
+        data_ = allocateBlock(size_);
+    }
+    // Bytes that came before a failure are kept: the next attempt continues after them.
+    while (arrived_ < size_) {
+        const int32_t got = source_->JRead(data_, arrived_, size_ - arrived_);
+        if (got < 1) {
             throw new KELMemBlockException_Impl("Cannot read past the end of the memory block.");
         }
-    } catch (...) {
-        kel::platform::deallocate(block);
-        throw;
+        arrived_ += got;
     }
-    data_ = block;
     source_.clear();
 }
 
@@ -102,7 +104,7 @@ void KEL_MemBlock_Impl::write(int32_t offset, const void* source, int32_t count)
         throw new KELMemBlockException_Impl("Cannot write past the end of the memory block.");
     }
     const Range range(size_, offset, count);
-    if (data_ == nullptr) {
+    if (!isLoaded()) {
         // Writing does not load, and what is not there cannot be written to.
         throw new KELMemBlockException_Impl("Cannot write past the end of the memory block.");
     }
@@ -119,10 +121,16 @@ bool KEL_MemBlock_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
            std::memcmp(block->bytes(), bytes(), static_cast<size_t>(size_)) == 0;
 }
 
-void KEL_MemBlock_Impl::takeContents(const KEL_Impl& source) {
-    if (!takeConverted(source)) {
+JPointer<KEL_Impl> KEL_MemBlock_Impl::prepareContents(const KEL_Impl& source) {
+    if (dynamic_cast<const KEL_MemBlock_Impl&>(source).size_ != size_) {
         throw new KELMemBlockException_Impl("Cannot write past the end of the memory block.");
     }
+    load();
+    return KEL_Impl::prepareContents(source);
+}
+
+void KEL_MemBlock_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(data_, dynamic_cast<KEL_MemBlock_Impl&>(prepared).data_);
 }
 
 bool KEL_MemBlock_Impl::takeConverted(const KEL_Impl& source) {

@@ -7,7 +7,8 @@
 
 #include <kel/KEL_MemBlock.h>
 
-/// Implements KEL_MemBlock. A block with a source is loaded from it at its first read.
+/// Implements KEL_MemBlock. A block with a source is loaded from it at its first read. When the
+/// source ends or fails too early, that read throws and the next one continues with the source.
 class KEL_MemBlock_Impl final : public KEL_Impl, public KEL_MemBlock {
 public:
     /// size bytes, copied from bytes or zero if that is null.
@@ -38,18 +39,21 @@ public:
     }
 
     /// The bytes if they are there already, else null.
-    const unsigned char* loadedBytes() const { return data_; }
+    const unsigned char* loadedBytes() const { return isLoaded() ? data_ : nullptr; }
 
     // KEL_Impl
     KEL_Impl* copyWithoutChildren() const override { return new KEL_MemBlock_Impl(size_, bytes()); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
-    void takeContents(const KEL_Impl& source) override;
+    JPointer<KEL_Impl> prepareContents(const KEL_Impl& source) override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
     bool takeConverted(const KEL_Impl& source) override;
 
 private:
+    bool isLoaded() const { return data_ != nullptr && source_.isNull(); }
     void load() const;
 
     int32_t size_;
-    mutable unsigned char* data_ = nullptr; // null until loaded
-    mutable JPointer<JInputStream> source_;
+    mutable int32_t arrived_ = 0;           // bytes that the source has given
+    mutable unsigned char* data_ = nullptr; // null until the first attempt to load
+    mutable JPointer<JInputStream> source_; // null when nothing is left to load
 };

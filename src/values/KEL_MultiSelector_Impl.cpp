@@ -1,17 +1,25 @@
 #include "values/KEL_MultiSelector_Impl.h"
 
+#include "runtime/RunToEnd.h"
 #include "values/Reference.h"
+
+#include <utility>
 
 bool KEL_MultiSelector_Impl::select(KEL_Impl* key) {
     if (key == nullptr) {
         return false;
     }
     if (!selectedKeys_->containsVar(key)) {
-        const auto self = kel::keepAlive(this); // the array has observers
-        selectedKeys_->addVar(key);
-        notifyChanged();
+        selectedKeys_->appendQuietly(key);
+        notifyBoth();
     }
     return true;
+}
+
+void KEL_MultiSelector_Impl::notifyBoth() {
+    const auto self = kel::keepAlive(this); // the array has observers
+    const JPointer<KEL_Array_Impl> keys = selectedKeys_;
+    kel::runAll([&] { keys->notifyChanged(); }, [&] { notifyChanged(); });
 }
 
 bool KEL_MultiSelector_Impl::selectKey(KEL* key) {
@@ -27,9 +35,9 @@ bool KEL_MultiSelector_Impl::deselectKey(KEL* key) {
     if (index == -1) {
         return false;
     }
-    const auto self = kel::keepAlive(this);
-    selectedKeys_->removeVar(index);
-    notifyChanged();
+    const auto self = kel::keepAlive(this); // the key may be its last holder
+    selectedKeys_->removeQuietly(index);
+    notifyBoth();
     return true;
 }
 
@@ -38,10 +46,13 @@ bool KEL_MultiSelector_Impl::deselectItem(KEL* item) {
 }
 
 void KEL_MultiSelector_Impl::clearSelection() {
-    if (selectedKeys_->getCount() > 0) {
-        const auto self = kel::keepAlive(this);
-        selectedKeys_->removeAllVars();
-        notifyChanged();
+    const auto self = kel::keepAlive(this);
+    const bool changes = selectedKeys_->getCount() > 0;
+    selectedKeys_->removeAllQuietly();
+    if (changes) {
+        notifyBoth();
+    } else {
+        selectedKeys_->notifyChanged();
     }
 }
 
@@ -65,6 +76,7 @@ bool KEL_MultiSelector_Impl::isItemSelected(const KEL* item) const {
 }
 
 void KEL_MultiSelector_Impl::setList(KEL_IndexList* list) {
+    const auto self = kel::keepAlive(this); // the old list may be its last holder
     if (list_.replace(list)) {
         notifyChanged();
     }
@@ -92,9 +104,8 @@ bool KEL_MultiSelector_Impl::equalsWithoutChildren(const KEL_Impl& other) const 
     return true;
 }
 
-void KEL_MultiSelector_Impl::takeContents(const KEL_Impl& source) {
-    const JPointer<KEL_Impl> copied(source.copyWithoutChildren());
-    const auto& selector = dynamic_cast<const KEL_MultiSelector_Impl&>(*copied);
-    list_ = selector.list_;
-    selectedKeys_ = selector.selectedKeys_;
+void KEL_MultiSelector_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    auto& selector = dynamic_cast<KEL_MultiSelector_Impl&>(prepared);
+    std::swap(list_, selector.list_);
+    selectedKeys_->swapContents(*selector.selectedKeys_);
 }

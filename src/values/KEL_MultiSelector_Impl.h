@@ -37,11 +37,15 @@ public:
     // KEL_Impl
     KEL_Impl* copyWithoutChildren() const override;
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
-    void takeContents(const KEL_Impl& source) override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
+    void notifyContentsChanged() override { notifyBoth(); }
 
 private:
     /// Adds a key of the list, or null, to the selection. \return false for null
     bool select(KEL_Impl* key);
+
+    /// Notifies the observers of the array of selected keys, then those of the selector.
+    void notifyBoth();
 
     kel::SelectedList list_;
     JPointer<KEL_Array_Impl> selectedKeys_;

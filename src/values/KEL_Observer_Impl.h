@@ -3,11 +3,12 @@
 #pragma once
 
 #include "runtime/JObservable.h"
+#include "runtime/Storage.h"
 
 #include <kel/KEL_Observable.h>
 
 /// Wraps a host's observer, which it does not own.
-class KEL_Observer_Impl final : public JObserver {
+class KEL_Observer_Impl final : public JObserver, public kel::Stored {
 public:
     explicit KEL_Observer_Impl(KEL_Observer* observer) : observer_(observer) {}
 

@@ -1,7 +1,12 @@
 #include "values/KEL_Selector_Impl.h"
 
+#include "values/Reference.h"
+
+#include <utility>
+
 void KEL_Selector_Impl::select(KEL_Impl* key) {
     if (selection_.get() != key) {
+        const auto self = kel::keepAlive(this); // a dropped value may be its last holder
         selection_ = JPointer<KEL_Impl>::share(key);
         notifyChanged();
     }
@@ -30,11 +35,11 @@ bool KEL_Selector_Impl::clearSelection() {
     return true;
 }
 
-KEL* KEL_Selector_Impl::getSelectedItem() {
+KEL* KEL_Selector_Impl::getSelectedItem() const {
     return list_->getItem(selection_.get());
 }
 
-KEL* KEL_Selector_Impl::getSelectedItem() const {
+KEL* KEL_Selector_Impl::getSelectedItemByKeyValue() const {
     return list_->getItemOfKeyValue(selection_.get());
 }
 
@@ -43,10 +48,15 @@ bool KEL_Selector_Impl::isSelectedKey(const KEL* key) const {
 }
 
 bool KEL_Selector_Impl::isSelectedItem(const KEL* item) const {
-    return selection_.isNull() ? item == nullptr : list_->getItem(selection_.get())->equals(item);
+    if (selection_.isNull()) {
+        return item == nullptr;
+    }
+    const int32_t index = list_->indexOfKey(selection_.get());
+    return index != -1 && list_->getItemAt(index)->equals(item);
 }
 
 void KEL_Selector_Impl::setList(KEL_IndexList* list) {
+    const auto self = kel::keepAlive(this);
     if (list_.replace(list)) {
         notifyChanged();
     }
@@ -64,8 +74,8 @@ bool KEL_Selector_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
            selector->selection_.get() == selection_.get();
 }
 
-void KEL_Selector_Impl::takeContents(const KEL_Impl& source) {
-    const auto& selector = dynamic_cast<const KEL_Selector_Impl&>(source);
-    list_ = selector.list_;
-    selection_ = selector.selection_;
+void KEL_Selector_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    auto& selector = dynamic_cast<KEL_Selector_Impl&>(prepared);
+    std::swap(list_, selector.list_);
+    std::swap(selection_, selector.selection_);
 }

@@ -26,8 +26,8 @@ public:
     bool deselect() override { return clearSelection(); }
     KEL* getSelectedKey() override { return selection_.get(); }
     KEL* getSelectedKey() const override { return selection_.get(); }
-    KEL* getSelectedItem() override;
     KEL* getSelectedItem() const override;
+    KEL* getSelectedItemByKeyValue() const override;
     bool isSelectedKey(const KEL* key) const override;
     bool isSelectedItem(const KEL* item) const override;
     KEL_IndexList* getList() const override { return list_.get(); }
@@ -36,7 +36,7 @@ public:
     // KEL_Impl
     KEL_Impl* copyWithoutChildren() const override;
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
-    void takeContents(const KEL_Impl& source) override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
     /// Makes this key, or null, the selection and notifies if it was not.

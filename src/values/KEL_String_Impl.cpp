@@ -4,6 +4,8 @@
 #include "values/Conversions.h"
 #include "values/KELException_Impl.h"
 
+#include <utility>
+
 void KEL_String_Impl::setValue(const char* text) {
     if (text != nullptr) {
         replace(text);
@@ -63,6 +65,10 @@ bool KEL_String_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return other.getType() == KELKind_String && value_->equals(other.toString());
 }
 
+void KEL_String_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(value_, dynamic_cast<KEL_String_Impl&>(prepared).value_);
+}
+
 void KEL_String_Impl::takeContents(const KEL_Impl& source) {
     takeConverted(source);
 }
@@ -73,7 +79,7 @@ bool KEL_String_Impl::takeConverted(const KEL_Impl& source) {
     }
     KEL_String* text = kel::convertToString(&source);
     if (text == nullptr) {
-        throw new KELOutOfMemoryException_Impl("Out of memory!");
+        kel::throwOutOfMemory();
     }
     const JPointer<KEL_Impl> holder(KEL_Impl::of(text));
     replace(text->getValue());

@@ -2,6 +2,7 @@
 /// KEL_String_Impl: a String value.
 #pragma once
 
+#include "runtime/Storage.h"
 #include "values/KEL_Impl.h"
 
 #include <kel/KEL_String.h>
@@ -23,6 +24,12 @@ public:
     /// The same with a given identity.
     KEL_String_Impl(const JHashCode& identity, std::string_view text)
         : JObject(identity), value_(makeString(text)) {}
+
+    /// Returns a new String with this text, or null for null: operations that store ignore a null
+    /// value, and so a null text.
+    static KEL_String_Impl* makeOrNull(const char* text) {
+        return text == nullptr ? nullptr : new KEL_String_Impl(text);
+    }
 
     int32_t getType() const override { return KELKind_String; }
 
@@ -46,16 +53,20 @@ public:
     // KEL_Impl
     KEL_Impl* copyWithoutChildren() const override { return new KEL_String_Impl(getValue()); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
     void takeContents(const KEL_Impl& source) override;
     bool takeConverted(const KEL_Impl& source) override;
 
 private:
     static JString* makeString(const char* text) {
-        return new JString(text == nullptr ? "" : text);
+        return kel::makeObject<JString>(text == nullptr ? "" : text);
     }
     static JString* makeString(std::string_view text) {
-        return new JString(text.data() == nullptr ? "" : text.data(), 0,
-                           static_cast<uint32_t>(text.size()));
+        if (text.size() > UINT32_MAX) {
+            kel::throwOutOfMemory();
+        }
+        return kel::makeObject<JString>(text.data() == nullptr ? "" : text.data(), 0U,
+                                        static_cast<uint32_t>(text.size()));
     }
 
     /// Replaces the text, or leaves it and throws.

@@ -1,5 +1,6 @@
 #include "values/KEL_Struct_Impl.h"
 
+#include "runtime/RunToEnd.h"
 #include "values/Conversions.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
@@ -9,23 +10,20 @@
 #include "values/KEL_guid_Impl.h"
 #include "values/Reference.h"
 #include "values/StringEnumeration_Impl.h"
-#include "values/TreeWalk.h"
+#include "values/TreeCopy.h"
+#include "values/VariableName.h"
 
-#include <cstring>
 #include <utility>
+#include <vector>
 
-namespace {
-
-void refuseQuote(const char* name) {
-    if (std::strchr(name, '"') != nullptr) {
+void KEL_Struct_Impl::refuseQuote(std::string_view name) {
+    if (name.find('"') != std::string_view::npos) {
         throw new KELRenameException_Impl("KEL_Struct key can't contain a \"");
     }
 }
 
-} // namespace
-
 KEL_Impl* KEL_Struct_Impl::valueOf(const char* name) const {
-    if (name == nullptr) {
+    if (kel::isNoName(name)) {
         return nullptr;
     }
     const auto found = variables_.find(std::string_view(name));
@@ -70,7 +68,9 @@ void KEL_Struct_Impl::putMade(const char* name, KEL_Impl* value) {
 }
 
 void KEL_Struct_Impl::putString(const char* name, const char* text) {
-    putMade(name, new KEL_String_Impl(text));
+    if (text != nullptr) { // addVar would store the name without a value
+        putMade(name, new KEL_String_Impl(text));
+    }
 }
 
 void KEL_Struct_Impl::putguid(const char* name, const JHashCode& value) {
@@ -90,43 +90,82 @@ void KEL_Struct_Impl::putBoolean(const char* name, bool value) {
 }
 
 void KEL_Struct_Impl::addVar(const char* name, KEL* value) {
-    if (name == nullptr || *name == '\0') {
+    if (kel::isNoName(name)) {
         return;
     }
     refuseQuote(name);
     if (isForeign(value)) {
         return;
     }
-    // The new variable is made first: then nothing can fail once the old one is gone. It also holds
-    // what removing may release, name and value; and callbacks run meanwhile.
+    // Prepared first: then nothing can fail once the old variable is gone. The prepared variable
+    // also holds the name and the value, which may both belong to the old one.
+    PreparedVariable variable = prepareVariable(name, KEL_Impl::of(value));
+    const auto self = kel::keepAlive(this); // the old value or an observer may release it
+    const auto store = [&] {
+        putQuietly(std::move(variable));
+        notifyChanged();
+    };
+    const auto old = variables_.find(variable.key());
+    if (old == variables_.end()) {
+        store();
+        return;
+    }
+    variables_.erase(old);
+    kel::runAll([this] { notifyChanged(); }, store);
+}
+
+KEL_Struct_Impl::PreparedVariable KEL_Struct_Impl::prepareVariable(const char* name,
+                                                                   KEL_Impl* value) {
+    refuseQuote(name);
     kel::VariableMap made;
-    made.emplace(name, JPointer<KEL_Impl>::share(KEL_Impl::of(value)));
-    auto node = made.extract(made.begin());
-    const JPointer<KEL_Impl> self = JPointer<KEL_Impl>::share(this); // an observer may release it
-    if (variables_.contains(node.key())) {
-        removeVar(node.key().c_str());
+    made.emplace(name, JPointer<KEL_Impl>::share(value));
+    return made.extract(made.begin());
+}
+
+void KEL_Struct_Impl::putQuietly(PreparedVariable&& variable) noexcept {
+    auto result = variables_.insert(std::move(variable));
+    if (!result.inserted && !result.node.empty()) {
+        result.position->second = result.node.mapped();
     }
-    auto result = variables_.insert(std::move(node));
-    if (!result.inserted) {
-        result.position->second = result.node.mapped(); // a callback was faster
+}
+
+void KEL_Struct_Impl::removeQuietly(std::string_view name) noexcept {
+    const auto found = variables_.find(name);
+    if (found != variables_.end()) {
+        variables_.erase(found);
     }
-    notifyChanged();
 }
 
 int32_t KEL_Struct_Impl::addVars(KEL_Struct* other) {
     if (other == nullptr) {
         return -1;
     }
+    // The present variables of the other struct are added, all of it prepared before the first is
+    // stored: an observer may change either struct meanwhile.
     const auto self = kel::keepAlive(this);
-    const auto held = kel::keepAlive(other);
+    kel::Vector<PreparedVariable> additions;
     const kel::Reference<StringEnumeration> names(other->getVarNames());
     while (names != nullptr && names->hasMoreElements()) {
         const char* name = names->nextElement();
-        // An observer of this struct may have changed the other one meanwhile.
-        if (!containsVar(name) && other->containsVar(name)) {
-            addVar(name, static_cast<const KEL_Struct*>(other)->getVar(name));
+        if (!kel::isNoName(name) && !containsVar(name)) {
+            KEL* value = static_cast<const KEL_Struct*>(other)->getVar(name);
+            if (!isForeign(value)) {
+                additions.push_back(prepareVariable(name, KEL_Impl::of(value)));
+            }
         }
     }
+    auto next = additions.begin();
+    kel::runToEnd([&] {
+        if (next == additions.end()) {
+            return false;
+        }
+        PreparedVariable addition = std::move(*next++);
+        if (!variables_.contains(addition.key())) {
+            putQuietly(std::move(addition));
+            notifyChanged();
+        }
+        return true;
+    });
     return 0;
 }
 
@@ -140,20 +179,22 @@ kel::VariableMap::iterator KEL_Struct_Impl::findToChange(const char* name) {
 }
 
 void KEL_Struct_Impl::removeVar(const char* name) {
-    if (name == nullptr) {
+    if (kel::isNoName(name)) {
         return;
     }
-    // The value goes last, when the struct is whole again.
-    const auto gone = variables_.extract(findToChange(name));
+    const auto found = findToChange(name);
+    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+    variables_.erase(found);
     notifyChanged();
 }
 
 void KEL_Struct_Impl::setVar(const char* name, KEL* value) {
-    if (name == nullptr) {
+    if (kel::isNoName(name)) {
         return;
     }
     const auto found = findToChange(name);
     if (!isForeign(value)) {
+        const auto self = kel::keepAlive(this);
         found->second = JPointer<KEL_Impl>::share(KEL_Impl::of(value));
     }
 }
@@ -164,11 +205,7 @@ void KEL_Struct_Impl::setMade(const char* name, KEL_Impl* value) {
 }
 
 void KEL_Struct_Impl::setString(const char* name, const char* text) {
-    if (text == nullptr) {
-        setVarValue(name, nullptr);
-        return;
-    }
-    setMade(name, new KEL_String_Impl(text));
+    setMade(name, KEL_String_Impl::makeOrNull(text));
 }
 
 void KEL_Struct_Impl::setguid(const char* name, const JHashCode& value) {
@@ -188,7 +225,7 @@ void KEL_Struct_Impl::setBoolean(const char* name, bool value) {
 }
 
 void KEL_Struct_Impl::setVarValue(const char* name, KEL* value) {
-    if (name == nullptr || value == nullptr) {
+    if (kel::isNoName(name) || value == nullptr) {
         return;
     }
     const JPointer<KEL_Impl> current = findToChange(name)->second;
@@ -200,7 +237,7 @@ void KEL_Struct_Impl::setVarValue(const char* name, KEL* value) {
 }
 
 bool KEL_Struct_Impl::containsVar(const char* name) const {
-    return name != nullptr && variables_.contains(std::string_view(name));
+    return !kel::isNoName(name) && variables_.contains(std::string_view(name));
 }
 
 StringEnumeration* KEL_Struct_Impl::getVarNames() const {
@@ -212,6 +249,7 @@ StringEnumeration* KEL_Struct_Impl::getVarNames() const {
 }
 
 void KEL_Struct_Impl::removeAllVars() {
+    const auto self = kel::keepAlive(this);
     kel::VariableMap gone;
     gone.swap(variables_);
     gone.clear();
@@ -219,7 +257,7 @@ void KEL_Struct_Impl::removeAllVars() {
 }
 
 void KEL_Struct_Impl::renameVar(const char* oldName, const char* newName) {
-    if (oldName == nullptr || newName == nullptr || *newName == '\0') {
+    if (kel::isNoName(oldName) || kel::isNoName(newName)) {
         return;
     }
     refuseQuote(newName);
@@ -232,7 +270,7 @@ void KEL_Struct_Impl::renameVar(const char* oldName, const char* newName) {
         throw new KELRenameException_Impl(
             "KEL_Struct: Cannot rename variable - new name already exists.");
     }
-    std::string key(newName);
+    kel::VariableName key(newName);
     auto node = variables_.extract(found);
     node.key() = std::move(key);
     variables_.insert(std::move(node));
@@ -267,9 +305,11 @@ bool KEL_Struct_Impl::nextChild(kel::ChildCursor& cursor) const {
 }
 
 void KEL_Struct_Impl::adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) {
-    // A copy never holds a null variable: the value 0 stands for it.
-    adoptVariable(name,
-                  child.isNull() ? JPointer<KEL_Impl>(new KEL_Int_Impl(0)) : std::move(child));
+    adoptVariable(name, std::move(child));
+}
+
+JPointer<KEL_Impl> KEL_Struct_Impl::copyOfNullVariable() const {
+    return JPointer<KEL_Impl>(new KEL_Int_Impl(0));
 }
 
 bool KEL_Struct_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
@@ -277,7 +317,6 @@ bool KEL_Struct_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return theirs != nullptr && theirs->variables_.size() == variables_.size();
 }
 
-void KEL_Struct_Impl::takeContents(const KEL_Impl& source) {
-    const JPointer<KEL_Impl> copied(kel::copyTreeFor(source, *this));
-    variables_.swap(dynamic_cast<KEL_Struct_Impl&>(*copied).variables_);
+void KEL_Struct_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    swapVariables(dynamic_cast<KEL_Struct_Impl&>(prepared));
 }

@@ -59,8 +59,28 @@ public:
     int32_t getCount() const override { return static_cast<int32_t>(variables_.size()); }
     void renameVar(const char* oldName, const char* newName) override;
 
-    /// The variable's value, borrowed; null for a null name. Throws on an unknown name.
+    /// The variable's value, borrowed; null for a null or empty name. Throws on an unknown name.
     KEL_Impl* valueOf(const char* name) const;
+
+    /// \throws KELRenameException "KEL_Struct key can't contain a \"" for a name that does
+    static void refuseQuote(std::string_view name);
+
+    // Changes that notify nobody: for operations that change more than this struct, or more than
+    // one variable, and notify when all is done. Only preparing can fail.
+
+    /// A variable made ready to be stored.
+    using PreparedVariable = kel::VariableMap::node_type;
+
+    /// Makes a variable of a name that is neither null nor empty, with a value or null.
+    /// \throws KELRenameException "KEL_Struct key can't contain a \""
+    /// \throws JOutOfMemoryException
+    static PreparedVariable prepareVariable(const char* name, KEL_Impl* value);
+
+    /// Stores a prepared variable in place of one of its name; an empty one changes nothing.
+    void putQuietly(PreparedVariable&& variable) noexcept;
+
+    /// Removes a variable if it is there.
+    void removeQuietly(std::string_view name) noexcept;
 
     /// Stores a value under a name that is neither empty nor holds a quote, in place of one that is
     /// there, and notifies nobody: for readers that fill a new struct. Names that come in order
@@ -68,14 +88,18 @@ public:
     /// \return false when one was there
     bool adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value);
 
+    /// Exchanges all variables with another struct and notifies nobody.
+    void swapVariables(KEL_Struct_Impl& other) { variables_.swap(other.variables_); }
+
     // KEL_Impl
-    bool isContainer() const override { return true; }
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Struct_Impl(); }
     void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override;
+    JPointer<KEL_Impl> copyOfNullVariable() const override;
+    void dropChildren() override { variables_.clear(); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
-    void takeContents(const KEL_Impl& source) override;
+    void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
     /// Stores a value just made, with its one reference, as addVar does.

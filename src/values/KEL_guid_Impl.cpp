@@ -4,6 +4,8 @@
 #include "runtime/Text.h"
 #include "values/Conversions.h"
 
+#include <utility>
+
 void KEL_guid_Impl::setValue(const JHashCode& value) {
     value_ = value;
     notifyChanged();
@@ -44,6 +46,10 @@ const char* KEL_guid_Impl::toString() const {
 
 bool KEL_guid_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
     return other.getType() == KELKind_guid && kel::convertToGuid(&other) == value_;
+}
+
+void KEL_guid_Impl::swapContents(KEL_Impl& prepared) noexcept {
+    std::swap(value_, dynamic_cast<KEL_guid_Impl&>(prepared).value_);
 }
 
 void KEL_guid_Impl::takeContents(const KEL_Impl& source) {

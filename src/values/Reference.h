@@ -1,5 +1,5 @@
 /// \file
-/// Reference: one reference to what stands behind a public interface.
+/// Reference: one reference to the implementation of a public interface.
 #pragma once
 
 #include <kel/KEL.h>

@@ -48,9 +48,30 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
     if (other == nullptr) {
         return;
     }
-    other->reset();
-    while (other->hasMoreElements()) {
-        add(other->nextElement());
+    // The new names are collected, and room for them made, before the first is added. The cursor of
+    // an enumeration of the library's own stays until then.
+    const JPointer<StringEnumeration_Impl> added(new StringEnumeration_Impl());
+    const auto collect = [&](const char* text) {
+        if (!contains(text)) {
+            added->add(text);
+        }
+    };
+    if (const auto* own = dynamic_cast<StringEnumeration_Impl*>(other)) {
+        for (int32_t i = 0; i < own->getCount(); ++i) {
+            collect(own->strings_->elementAtRef(i)->chars());
+        }
+    } else {
+        other->reset();
+        while (other->hasMoreElements()) {
+            collect(other->nextElement());
+        }
+    }
+    const int32_t count = added->getCount();
+    if (count > 0) {
+        makeRoom(count);
+    }
+    for (int32_t i = 0; i < count; ++i) {
+        strings_->addElement(added->strings_->elementAtRef(i));
     }
     other->reset();
 }
@@ -62,11 +83,19 @@ void StringEnumeration_Impl::add(const char* text) {
 }
 
 void StringEnumeration_Impl::addUnique(const char* text) {
-    if (strings_.isNull()) {
-        strings_ = new JVector<JString>(5, 5);
-    }
-    const JPointer<JString> copy(new JString(text));
+    const JPointer<JString> copy(kel::makeObject<JString>(text));
+    makeRoom(1);
     strings_->addElement(copy.get());
+}
+
+void StringEnumeration_Impl::makeRoom(int32_t count) {
+    if (strings_.isNull()) {
+        JPointer<JVector<JString>> made(new JVector<JString>(5, 5));
+        made->makeRoom(count);
+        strings_ = made;
+    } else {
+        strings_->makeRoom(count);
+    }
 }
 
 void StringEnumeration_Impl::remove(const char* text) {

@@ -7,7 +7,9 @@
 #include <kel/StringEnumeration.h>
 
 /// Implements StringEnumeration; inside the library it also is an enumeration of JStrings.
-class StringEnumeration_Impl final : public StringEnumeration, public JEnumeration {
+class StringEnumeration_Impl final : public StringEnumeration,
+                                     public JEnumeration,
+                                     public kel::Stored {
 public:
     // StringEnumerationInterface_V1
     bool hasMoreElements() const override;
@@ -32,6 +34,9 @@ public:
 private:
     /// The index of text, or -1.
     int32_t indexOf(const char* text) const;
+
+    /// Makes room for so many more strings: adding them then needs no memory.
+    void makeRoom(int32_t count);
 
     /// The string at the cursor, which moves on, borrowed; null past the last.
     JString* next() const;

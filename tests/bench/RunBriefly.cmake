@@ -14,6 +14,6 @@ execute_process(
 foreach(word IN ITEMS text_read text_write binary_write binary_read copy lookup "GEOMETRIC MEAN"
         "Drawing an identity" "int in array, KEL")
   if(NOT report MATCHES ${word})
-    message(FATAL_ERROR "The report does not speak of ${word}:\n${report}")
+    message(FATAL_ERROR "The report does not mention ${word}:\n${report}")
   endif()
 endforeach()

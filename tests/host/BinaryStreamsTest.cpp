@@ -135,6 +135,17 @@ TEST(BinaryStreams, RefuseAGuidAndLeaveAPartialRecord) {
     EXPECT_EQ(file.bytes().size(), 34 + 38 + 26U);
 }
 
+TEST(BinaryStreams, RefuseEveryKindWithoutABinaryForm) {
+    for (const int32_t kind :
+         {KELKind_guid, KELKind_Manager, KELKind_Selector, KELKind_MultiSelector, KELKind_IndexList,
+          KELKind_MetaKel, KELKind_MetaKelDescriptor, KELKind_MetaKelVarDescriptor}) {
+        const File file;
+        EXPECT_EQ(thrownMessage<KELIOException>([&] { write(file, valueWith(kind, counting)); }),
+                  "General KEL exception.")
+            << kind;
+    }
+}
+
 TEST(BinaryStreams, AfterARefusalTheNextWriteIsWhole) {
     const File file;
     const auto array = hold(CreateKELArray());

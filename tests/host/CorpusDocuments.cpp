@@ -63,7 +63,7 @@ void add(const Held<KEL_Array>& array, const Held<KEL>& value) {
     array->addVar(value.get());
 }
 
-/// For structs and what is one: checked structs and descriptors.
+/// For structs, checked structs and descriptors.
 template <class T> void add(const Held<T>& structure, const char* name, const Held<KEL>& value) {
     static_cast<KEL_Struct&>(*structure).addVar(name, value.get());
 }
@@ -76,7 +76,7 @@ double ofBits(uint64_t bits) {
 
 // ---- The documents -----------------------------------------------------------------------------
 
-/// A whole binary record: a block's size is fixed, so none can be made with an identity otherwise.
+/// A whole binary record, because no other call makes a block with a given identity.
 std::string blockRecord(uint8_t identity, const std::string& bytes) {
     std::string record("KEL\0", 4);
     record += static_cast<char>(identity);

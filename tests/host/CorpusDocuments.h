@@ -1,6 +1,6 @@
 /// \file
-/// The values that the files of tests/corpus hold. They are made with identities of their own, not
-/// drawn ones, so that every build on every system makes the same bytes of them.
+/// The values in the files of tests/corpus. Their identities are fixed, not drawn, so that every
+/// build on every system writes the same bytes.
 #pragma once
 
 #include "Host.h"
@@ -13,8 +13,8 @@ namespace host {
 /// A document of the corpus.
 struct CorpusDocument {
     const char* name;
-    bool hasText;   ///< text has a form for all of it
-    bool hasBinary; ///< binary has
+    bool hasText;   ///< text can carry all of it
+    bool hasBinary; ///< binary can carry all of it
     Held<KEL> (*make)();
 
     friend void PrintTo(const CorpusDocument& document, std::ostream* out) {

@@ -1,8 +1,8 @@
 // The files of tests/corpus were written on 64-bit Linux. Every build on every system reads them,
 // writes them again without a changed byte, and makes the same files of the same values.
 //
-// With KEL_CORPUS_WRITE in the environment the files are written anew instead; that is for changes
-// of a format or of the documents alone (see tests/corpus/README.md).
+// With KEL_CORPUS_WRITE in the environment the test rewrites the files instead. Use it only after a
+// change of a format or of the documents (see tests/corpus/README.md).
 #include "CorpusDocuments.h"
 #include "StreamSupport.h"
 

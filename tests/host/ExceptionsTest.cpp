@@ -1,6 +1,8 @@
 // Catching the library's failures on the host's side of the boundary.
 #include "Host.h"
 
+#include <typeinfo>
+
 namespace {
 
 using host::Held;
@@ -31,7 +33,8 @@ void openMissingFile() {
     DeleteKELInputStream(CreateKELTextInputStream("/no such folder/x.kel"));
 }
 
-/// True when a handler for Caught pointers takes what action throws, which is then given back.
+/// True if a handler for Caught pointers catches the exception that action throws. Releases the
+/// exception.
 template <class Caught, class Action> bool isCaughtAs(const Action& action) {
     KELException* failure = nullptr;
     const auto noteAndPassOn = [&] {
@@ -171,6 +174,19 @@ TEST(HostExceptions, OfTheRuntimeGiveTheirMessageWithAReference) {
         EXPECT_TRUE(first->equals("FileInputStream. Cannot open file."));
         EXPECT_EQ(first->length(), 34U);
         EXPECT_EQ(first->getChar(0), 'F');
+    }
+}
+
+TEST(HostExceptions, AMessageIsAStringByTheHostsOwnTypeInformation) {
+    try {
+        openMissingFile();
+        FAIL();
+    } catch (const JException& failure) {
+        const JPointer<JString> message(failure.getMessage());
+        JObject* const object = message.get();
+        EXPECT_EQ(dynamic_cast<JString*>(object), message.get());
+        EXPECT_EQ(dynamic_cast<JException*>(object), nullptr);
+        EXPECT_TRUE(typeid(*object) == typeid(JString));
     }
 }
 

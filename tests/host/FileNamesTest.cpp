@@ -9,7 +9,7 @@ namespace {
 
 class FileNames : public testing::TestWithParam<const char*> {
 protected:
-    /// The name with something in front that no other test program uses.
+    /// The name after a prefix that no other test program uses.
     static std::filesystem::path unique() {
         const std::string utf8 = File::uniqueName() + GetParam();
         return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));

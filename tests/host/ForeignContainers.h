@@ -1,5 +1,5 @@
-/// \file Containers that the library did not make: what it reads of them, and nothing that it must
-/// not do.
+/// \file Containers that the library did not make. They implement only the operations with which
+/// the library reads them. It must not call any other.
 #pragma once
 
 #include "ForeignValue.h"
@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// A container of the host's, which nobody watches.
+/// A container of the host, without observers.
 template <class Base, KELKind Kind> class ForeignContainer : public Foreign<Base, Kind> {
 public:
     void addObserver(JObserver*) override {}

@@ -6,7 +6,7 @@
 
 namespace host {
 
-/// A list of one pair of the library's values, which answers no other question.
+/// A list of one pair of the library's values. It supports no other operation.
 class ForeignIndexList : public ForeignContainer<KEL_IndexList, KELKind_IndexList> {
 public:
     ForeignIndexList(KEL* key, KEL* item) : key_(key), item_(item) {}
@@ -77,6 +77,9 @@ public:
     KEL* getKeyAt(int32_t) const override { return key_; }
     KEL* getItemAt(int32_t) const override { return item_; }
     void setItemAt(int32_t, KEL*) override {}
+    bool containsKeyText(const char*) const override { return false; }
+    void setItemOfKeyText(const char*, KEL*) override {}
+    void removeKeyText(const char*) override {}
 
 private:
     KEL* key_;

@@ -44,7 +44,7 @@ public:
     bool equalsValue(const KEL* other) const override { return other == this; }
     int32_t getVersion() const override { return 1; }
 
-    int32_t references = 1; ///< it belongs to the test, whatever the count
+    int32_t references = 1; ///< the test owns it, whatever the count
 };
 
 /// A host's own value with the kind of an Int.

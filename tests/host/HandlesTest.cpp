@@ -121,7 +121,7 @@ TEST(Pipes, GiveAValueAsSoonAsItIsThere) {
     for (int i = 0; i < 3; ++i) {
         output->write(value.get());
         output->JFlush();
-        EXPECT_EQ(hold(input->read())->toInt(), 5); // would wait for ever if it read ahead
+        EXPECT_EQ(hold(input->read())->toInt(), 5); // would never return if it read ahead
     }
 }
 

@@ -1,6 +1,6 @@
 /// \file
-/// The vocabulary of a host: what it owns, what it catches, and an observer. It sees nothing of the
-/// library but its public headers.
+/// The vocabulary of a host: owners of references, caught messages and an observer. A host sees
+/// only the public headers of the library.
 #pragma once
 
 #include <functional>
@@ -29,7 +29,7 @@ inline void giveBack(StringEnumeration* names) {
     DeleteStringEnumeration(names);
 }
 
-/// Owns one reference to something of the library and gives it back in the library's way.
+/// Owns one reference to an object of the library and releases it as the library requires.
 template <class T> class Held {
 public:
     explicit Held(T* target = nullptr) : target_(target) {}
@@ -68,7 +68,7 @@ inline std::string messageOf(const JException& failure) {
 }
 
 /// The message of the Exception that action throws: a pointer for the KELException family, a value
-/// for the JException family. Anything else is told in parentheses.
+/// for the JException family. Anything else is described in parentheses.
 template <class Exception, class Action> std::string thrownMessage(const Action& action) {
     try {
         action();
@@ -85,7 +85,7 @@ template <class Exception, class Action> std::string thrownMessage(const Action&
     return "(nothing thrown)";
 }
 
-/// An observer that remembers what it was told and may act on it.
+/// An observer that records its notifications and can act on them.
 class Watcher : public KEL_Observer {
 public:
     Watcher() = default;
@@ -95,7 +95,7 @@ public:
     void update(KEL* value) override {
         told.push_back(value);
         if (then) {
-            const std::function<void()> action = then; // which may replace `then`
+            const std::function<void()> action = then; // which can replace `then`
             action();
         }
     }

@@ -23,7 +23,7 @@ protected:
         }
     }
 
-    /// Lets watcher do something after it noted its call.
+    /// Lets watcher run an action after it has noted its call.
     void onUpdate(Watcher& watcher, const std::function<void()>& action) {
         const char letter = &watcher == &a ? 'a' : &watcher == &b ? 'b' : 'c';
         watcher.then = [this, letter, action] {
@@ -52,7 +52,7 @@ protected:
     Held<KEL_Int> value = hold(CreateKELInt(0));
 };
 
-/// How often a change calls an observer of watched.
+/// The number of times that a change calls an observer of watched.
 template <class Change> int callsOf(KEL& watched, const Change& change) {
     Watcher watcher;
     watch(watched, watcher);
@@ -76,9 +76,9 @@ TEST_F(HostObservers, EveryValueCanBeWatched) {
 
 TEST_F(HostObservers, ValuesOfEveryKindLeadToTheirObservable) {
     const auto manager = hold(CreateKELManager());
-    for (const int32_t kind : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 50, 51, 52}) {
-        const auto made = hold(manager->createKel(kind));
-        EXPECT_NE(dynamic_cast<KEL_Observable*>(made.get()), nullptr) << kind;
+    for (const KELKindFacts& facts : KELKinds) {
+        const auto made = hold(manager->createKel(facts.kind));
+        EXPECT_NE(dynamic_cast<KEL_Observable*>(made.get()), nullptr) << facts.name;
     }
 }
 
@@ -152,7 +152,7 @@ TEST_F(HostObservers, ObserversAreNoPartOfAValuesContents) {
     EXPECT_EQ(change(), "a");
 }
 
-// What is told
+// Notifications
 
 TEST_F(HostObservers, AreCalledAfterTheChange) {
     int32_t seen = 0;
@@ -377,7 +377,7 @@ TEST_F(HostObservers, WhatUpdateThrowsReachesWhoeverMadeTheChange) {
     onUpdate(a, [] { throw Refusal(); });
     watchInt({&a, &b});
     EXPECT_THROW(change(), Refusal);
-    EXPECT_EQ(log, "a");
+    EXPECT_EQ(log, "ab");
     EXPECT_EQ(value->getValue(), 1);
     onUpdate(a, [] {});
     EXPECT_EQ(change(), "ab");

@@ -1,6 +1,6 @@
 /// \file
-/// Calls to operations by their slots, as a host makes them that was compiled long ago. All that
-/// depends on the compiler stands here.
+/// Calls to operations by their slots, like those of a host that was compiled long ago. Only this
+/// file depends on the compiler.
 #pragma once
 
 #include <cstddef>
@@ -21,7 +21,7 @@
 #define KEL_TEST_THISCALL
 #endif
 
-// A sanitizer that knows the types of functions would take the call for one with the wrong type.
+// A sanitizer that checks the types of functions would report a call with the wrong type.
 #if defined(__clang__)
 #define KEL_TEST_RAW_CALL __attribute__((no_sanitize("undefined")))
 #else
@@ -31,7 +31,7 @@
 namespace host {
 
 #if defined(_MSC_VER)
-/// Whether slotOf can tell a slot. In Microsoft's ABI a pointer to member leads to code.
+/// Whether slotOf can return a slot. In Microsoft's ABI a pointer to member points to code instead.
 inline constexpr bool membersTellSlots = false;
 #else
 inline constexpr bool membersTellSlots = true;
@@ -48,7 +48,7 @@ template <class Member> int slotOf(Member member) {
 }
 
 #if defined(__GNUC__)
-// g++ doubts that a function outside a class is called like a member.
+// g++ warns about a function outside a class with the calling convention of a member.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wattributes"
 #endif
@@ -76,15 +76,15 @@ template <class Type> struct TypeOf {};
 struct Slot {
     std::type_index owner;
     const char* ownerName;
-    int slot; ///< the index in the class's table: with what stands before its own operations
+    int slot; ///< the index in the class's table, which counts the inherited operations too
     const char* name;
     std::type_index signature;
 };
 
-/// The whole of slots.txt. Defined in the source that is made from it.
+/// All rows of slots.txt. The source that is generated from it defines them.
 const std::vector<Slot>& slotContract();
 
-/// The row of an operation; an ownerName of null if there is none.
+/// The row of an operation. Its ownerName is null if there is none.
 inline Slot findSlot(std::type_index owner, const std::string& name, std::type_index signature) {
     for (const Slot& row : slotContract()) {
         if (row.owner == owner && row.name == name && row.signature == signature) {

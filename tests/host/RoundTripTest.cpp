@@ -1,4 +1,4 @@
-// A host's usual day: build values, save them, load them again.
+// The usual work of a host: it builds values, saves them and loads them again.
 #include "Host.h"
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 /// \file
-/// What the tests made from docs/abi/slots.txt are made of: implementations of the interfaces that
-/// remember which operation ran, and calls by slot that look at what is remembered.
+/// The parts of the tests that are generated from docs/abi/slots.txt: implementations of the
+/// interfaces that record which operation ran, and calls by slot that check the record.
 #pragma once
 
 #include "RawSlots.h"
@@ -18,8 +18,8 @@ struct RecordedCall {
 };
 inline RecordedCall recordedCall;
 
-/// A value of any type that crosses the boundary, another one for each place in a call; place 0 is
-/// the result's. References are to objects of their own, pointers to nothing that may be read.
+/// A value of any type that crosses the boundary. It differs for each place in a call. Place 0 is
+/// the result. Each reference refers to an object of its own. A pointer must not be dereferenced.
 template <class T> T sample(std::size_t place) {
     using Plain = std::remove_const_t<std::remove_reference_t<T>>;
     if constexpr (std::is_reference_v<T>) {
@@ -39,7 +39,7 @@ template <class T> T sample(std::size_t place) {
     }
 }
 
-/// True when a value is the sample of its place; a reference when it is to the sample.
+/// True if a value equals the sample of its place. A reference must refer to the sample itself.
 template <class T> bool isSample(const std::remove_reference_t<T>& value, std::size_t place) {
     if constexpr (std::is_reference_v<T>) {
         return &value == &sample<T>(place);
@@ -89,7 +89,7 @@ void expectRuns(const void* object, const char* owner, int first, int slot) {
     EXPECT_TRUE(result) << owner << " " << slot;
 }
 
-/// Expects a pointer to member to lead to index `first + slot`, where the compiler's tell it.
+/// Expects a pointer to member to hold index `first + slot` if the compiler's pointers hold one.
 template <class Member> void expectPlace(Member member, const char* owner, int first, int slot) {
     if constexpr (membersTellSlots) {
         EXPECT_EQ(slotOf(member), first + slot) << owner;

@@ -175,8 +175,8 @@ TEST(SlotsOfAManager, KeepValuesByIdentity) {
     EXPECT_EQ(made->getHashCode(identity), given);
     raw.call<void(KEL*)>("addKel", made.get());
     EXPECT_TRUE(raw.call<bool(JHashCode) const>("containsKel", given));
-    EXPECT_EQ(raw.call<KEL*(JHashCode)>("getKel", given), made.get());
-    EXPECT_NE(raw.call<KEL_Impl*(JHashCode) const>("getKel", given), nullptr);
+    EXPECT_EQ(raw.call<KEL*(JHashCode) const>("getKel", given), made.get());
+    EXPECT_EQ(raw.call<KEL*(JHashCode) const>("getKelBase", given), made.get());
     EXPECT_EQ(raw.call<int32_t() const>("size"), 1);
     raw.call<void(JHashCode)>("removeKel", given);
     EXPECT_EQ(manager->size(), 0);

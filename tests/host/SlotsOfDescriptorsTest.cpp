@@ -10,7 +10,7 @@ using host::thrownMessage;
 
 class SlotsOfADescriptor : public testing::Test {
 protected:
-    /// States what has no setter that would add it.
+    /// States a property that no setter adds.
     void state(const char* name, KEL* value) {
         const auto mine = hold(value);
         rules->addVar(name, mine.get());
@@ -177,7 +177,7 @@ TEST_F(SlotsOfADescriptor, Step) {
 
 TEST_F(SlotsOfADescriptor, HaveATypeThatIsNotTheirKind) {
     raw.call<void(int32_t)>("setType", KELKind_Double);
-    EXPECT_EQ(raw.call<int32_t()>("getType"), KELKind_Double);
+    EXPECT_EQ(raw.call<int32_t() const>("getVariableType"), KELKind_Double);
     EXPECT_EQ(bySlot<KELInterface_RefCount_V1>(*rules).call<int32_t() const>("getType"),
               KELKind_MetaKelVarDescriptor);
     EXPECT_EQ(raw.call<KEL_Struct*() const>("getStruct")->getCount(), 1);

@@ -125,6 +125,15 @@ TEST_F(SlotsOfAnIndexList, SetsAGuidOrATruthAsKey) {
     EXPECT_TRUE(truth->getValue());
 }
 
+TEST_F(SlotsOfAnIndexList, LooksKeysUpByText) {
+    const auto ofClass = bySlot<KEL_IndexList>(*list);
+    EXPECT_TRUE(ofClass.call<bool(const char*) const>("containsKeyText", "b"));
+    ofClass.call<void(const char*, KEL*)>("setItemOfKeyText", "b", one.get());
+    EXPECT_EQ(list->getItemAt(1), one.get());
+    ofClass.call<void(const char*)>("removeKeyText", "b");
+    EXPECT_FALSE(list->containsKey(b.get()));
+}
+
 TEST_F(SlotsOfAnIndexList, AddsTypedKeys) {
     list->removeAllPairs();
     KEL* const item = one.get();
@@ -217,9 +226,9 @@ TEST_F(SlotsOfAnIndexList, FindTheSelectedItemByIdentityOrByValue) {
     const auto choice = bySlot<KELInterface_Selector_V1>(*selector);
     selector->selectKey(a.get());
     list->setKeyOfItem(one.get(), otherA.get());
-    EXPECT_EQ(choice.call<KEL*() const>("getSelectedItem"), one.get());
+    EXPECT_EQ(choice.call<KEL*() const>("getSelectedItemByKeyValue"), one.get());
     EXPECT_EQ(host::thrownMessage<KELNoSuchElementException>(
-                  [&] { choice.call<KEL*()>("getSelectedItem"); }),
+                  [&] { choice.call<KEL*() const>("getSelectedItem"); }),
               "Key not found in list.");
 }
 

@@ -138,7 +138,7 @@ TEST(SlotsOfExceptions, TellTheMessage) {
     }
 }
 
-/// The message of a runtime exception, which is a string of the library's.
+/// The message of a runtime exception, which is a string of the library.
 JPointer<JString> stringOfTheLibrary() {
     try {
         CreateKELTextInputStream("");

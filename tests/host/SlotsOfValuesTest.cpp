@@ -1,4 +1,4 @@
-// What every value and every scalar does when it is called by slot.
+// The operations of every value and every scalar, called by slot.
 #include "Host.h"
 #include "RawSlots.h"
 
@@ -81,8 +81,8 @@ TEST(SlotsOfValues, TellAnObserver) {
     EXPECT_EQ(watcher.told[0], number.get());
 }
 
-/// The five setters that every scalar has, called by slot: each answers the value itself, whose
-/// text is then the expected one.
+/// The five setters that every scalar has, called by slot. Each returns the value itself, which
+/// then has the expected text.
 template <class Interface, class Kind>
 void expectSetters(Kind& value, const std::vector<std::string>& texts) {
     const auto raw = bySlot<Interface>(value);

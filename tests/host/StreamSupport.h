@@ -1,5 +1,5 @@
 /// \file
-/// What the tests of streams share beside Host.h: files, pipes, and text in one expression.
+/// Shared helpers of the tests of streams besides Host.h: files, pipes, and text in one expression.
 #pragma once
 
 #include "Host.h"
@@ -50,7 +50,7 @@ public:
     File& operator=(const File&) = delete;
     ~File() { std::filesystem::remove(path_); }
 
-    /// As the library takes it: in UTF-8 on Windows.
+    /// The name in the encoding that the library expects: UTF-8 on Windows.
     const char* name() const { return name_.c_str(); }
     Handle open(const char* mode) const { return Handle(std::fopen(name(), mode)); }
     std::string bytes() const {

@@ -33,6 +33,15 @@ TEST(StringStreams, TheTextStaysUntilItIsAskedForAfterAFurtherWrite) {
     EXPECT_STREQ(stream->getString(), "ab");
 }
 
+TEST(StringStreams, WritingAnEmptyStringIsAWrite) {
+    const auto stream = hold(CreateKELStringOutputStream());
+    stream->JWriteString(nullptr);
+    EXPECT_EQ(stream->getString(), nullptr);
+    stream->JWriteString("");
+    EXPECT_STREQ(stream->getString(), "");
+    EXPECT_EQ(stream->getStringSize(), 1U);
+}
+
 TEST(StringStreams, KeepTheirTextWhenClosed) {
     const auto stream = hold(CreateKELStringOutputStream());
     stream->JWriteString("a");

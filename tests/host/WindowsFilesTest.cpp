@@ -1,4 +1,5 @@
-// Streams over what Windows answers otherwise: folders, names that are no UTF-8, devices.
+// Streams over media that Windows handles differently: folders, names that are not valid UTF-8, and
+// devices.
 #include "StreamSupport.h"
 
 #include <gtest/gtest.h>

@@ -70,8 +70,11 @@ def use_pkg_config(prefix, work, arguments):
     expect(version == arguments.version, f"kel.pc says version {version}")
     flags = run("pkg-config", "--cflags", "--libs", "kel", env=environment).split()
     work.mkdir()
-    run(arguments.compiler, "-std=c++17", *arguments.flags.split(), HERE / "consumer/main.cpp",
-        "-o", work / "consumer", *flags)
+    compile_with = [arguments.compiler, "-std=c++17", *arguments.flags.split()]
+    # A host that checks the types of objects links: what it needs for that is in the headers.
+    run(*compile_with, "-fsanitize=undefined", HERE / "consumer/main.cpp",
+        "-o", work / "sanitized", *flags)
+    run(*compile_with, HERE / "consumer/main.cpp", "-o", work / "consumer", *flags)
     return run(work / "consumer", env={**os.environ, "LD_LIBRARY_PATH": str(library)})
 
 

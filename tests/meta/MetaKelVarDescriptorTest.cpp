@@ -32,7 +32,7 @@ std::string allowedBy(MetaKelVarDescriptor& descriptor) {
     return textsOf(*descriptor.getEnum());
 }
 
-/// Runs an operation that must leave the descriptor as it is.
+/// Runs an operation that must not change the descriptor.
 template <class Operation> void expectUnchanged(KEL_Impl* value, const Operation& operation) {
     const Held<KEL> before(value->copy());
     operation(dynamic_cast<MetaKelVarDescriptor&>(*value));
@@ -106,7 +106,7 @@ TEST_F(MetaKelVarDescriptorTest, NothingIsInTheRangeOfAnotherType) {
 
 TEST_F(MetaKelVarDescriptorTest, WithoutATypeNothingIsInRange) {
     range.removeVar("type");
-    EXPECT_EQ(range.getType(), 0);
+    EXPECT_EQ(range.getVariableType(), 0);
     EXPECT_FALSE(range.inRange(5));
     EXPECT_FALSE(range.isValid(five.get()));
 }

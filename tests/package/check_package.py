@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the packages, unpacks them elsewhere, and builds and runs a host against what was inside.
+"""Makes the packages, unpacks them elsewhere, and builds and runs a host against the contents.
 
     check_package.py --build BUILD --cmake CMAKE --cpack CPACK --generator NAME --compiler CXX
                      --version X.Y.Z [--toolchain FILE] [--emulator PROGRAM]
@@ -57,7 +57,7 @@ def only(folder, pattern):
 
 
 def check_host(program, folder, emulator):
-    """Runs the host inside the folder and looks at what it says and saves."""
+    """Runs the host inside the folder and checks its output and the files that it saves."""
     output = run(*emulator, program, cwd=folder)
     expect(output.splitlines() == OUTPUT, f"the host says:\n{output}")
     saved = folder / "r\u00e9glages.kel"
@@ -69,7 +69,7 @@ def check_host(program, folder, emulator):
 
 def build_host(prefix, work, options):
     """Builds the host through the CMake package under the prefix."""
-    # A tool chain for another system looks for packages among its own, so it is told the folder.
+    # A tool chain for another system searches only its own packages, so it gets the folder here.
     more = [f"-DCMAKE_TOOLCHAIN_FILE={options.toolchain}",
             f"-Dkel_DIR={prefix / 'lib/cmake/kel'}"] if options.toolchain else []
     run(options.cmake, "-S", HOST, "-B", work, "-G", options.generator, *more,

@@ -22,7 +22,7 @@ using kel::test::draw;
 using kel::test::thrownMessage;
 using kel::test::Words;
 
-/// While alive, no identity can be drawn.
+/// While alive, identities cannot be drawn.
 class NoGuids {
 public:
     NoGuids() : before_(kel::platform::exchangeGuidSource([](JHashCode&) { return false; })) {}

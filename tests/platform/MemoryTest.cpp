@@ -9,7 +9,7 @@ namespace {
 
 using namespace kel::platform;
 
-/// While alive, no raw storage can be had.
+/// While alive, raw storage cannot be allocated.
 class ClosedGate {
 public:
     ClosedGate() : before_(exchangeAllocationGate([](std::size_t) { return false; })) {}

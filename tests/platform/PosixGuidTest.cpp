@@ -1,4 +1,4 @@
-// Identities across fork, which POSIX systems alone have.
+// Identities across fork, which only POSIX systems have.
 #include "support/Guids.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ using kel::test::areDistinct;
 using kel::test::draw;
 using kel::test::Words;
 
-/// Runs draw in a child process, which begins with what this process has, and returns what it drew.
+/// Runs draw in a child process, which starts as a copy of this one. Returns the identities drawn.
 template <class Draw> std::vector<Words> inChild(const Draw& drawInChild) {
     int ends[2] = {};
     EXPECT_EQ(pipe(ends), 0);

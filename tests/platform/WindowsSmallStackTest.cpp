@@ -9,7 +9,7 @@
 namespace {
 
 TEST(SmallStack, IsSmallerThanThatOfOtherThreads) {
-    // Windows gives what is asked for, Wine never less than 1 MiB; other threads have 2 MiB. A
+    // Windows gives the requested size. Wine gives at least 1 MiB. Other threads have 2 MiB. A
     // million levels of the smallest calls need more than ten times as much.
     const auto sizeOfMine = [] {
         MEMORY_BASIC_INFORMATION memory = {};

@@ -73,10 +73,15 @@ TEST(JEnumeration, WithoutAVectorHasNothingAndThrowsAPointer) {
     }
 }
 
-TEST(JEnumeration, PastTheEndTheVectorRefusesTheIndex) {
-    const JPointer<JEnumeration> walk(vectorOf({})->elements());
+TEST(JEnumeration, PastTheEndTheVectorRefusesTheIndexAndTheCursorStays) {
+    JObject object;
+    const JPointer<Vector> vector = vectorOf({});
+    const JPointer<JEnumeration> walk(vector->elements());
     EXPECT_EQ(thrownMessage<JArrayIndexOutOfBoundsException>([&] { walk->nextElement(); }),
               "JVector::elementAtRef: index is invalid");
+    vector->addElement(&object);
+    ASSERT_TRUE(walk->hasMoreElements());
+    EXPECT_EQ(JPointer<JObject>(walk->nextElement()).get(), &object);
 }
 
 } // namespace

@@ -114,16 +114,18 @@ TEST(JHashCode, StringsCarryTheTextsAndOneReference) {
     EXPECT_EQ(guid->getRefCount(), 1);
 }
 
-TEST(JHashCode, TheStringIsNullWhenTheObjectCannotBeAllocated) {
+TEST(JHashCode, TheStringIsNullWhenItOrItsCharactersCannotBeAllocated) {
     const JHashCode code(1, 2, 3, 4);
-    JString* strings[2] = {};
-    {
-        const kel::test::FailingAllocation failing(0, true);
-        strings[0] = code.toDecimalString();
-        strings[1] = code.toGuidString();
+    for (const std::size_t allowed : {0U, 1U}) {
+        for (const bool forGood : {false, true}) {
+            const auto withoutMemory = [&](JString* (JHashCode::*form)() const) {
+                const kel::test::FailingAllocation failing(allowed, forGood);
+                return (code.*form)();
+            };
+            EXPECT_EQ(withoutMemory(&JHashCode::toDecimalString), nullptr);
+            EXPECT_EQ(withoutMemory(&JHashCode::toGuidString), nullptr);
+        }
     }
-    EXPECT_EQ(strings[0], nullptr);
-    EXPECT_EQ(strings[1], nullptr);
 }
 
 } // namespace

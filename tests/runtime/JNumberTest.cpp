@@ -110,7 +110,7 @@ TEST(JInt128, GivesBackAll128Bits) {
     EXPECT_EQ(constant.int128Value(), JHashCode(1, 2, 3, 4));
 }
 
-// Redefines the constant forms only.
+// Overrides the constant forms only.
 class Seven : public JInteger {
 public:
     Seven() : JInteger(0) {}

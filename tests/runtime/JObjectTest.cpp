@@ -24,13 +24,13 @@ private:
     int32_t& answer_;
 };
 
-/// An object that shows another identity than its own.
+/// An object that returns another identity than its own.
 class Masked : public virtual JObject {
 public:
     JHashCode& getHashCode(JHashCode& out) const override { return out = JHashCode(1, 2, 3, 4); }
 };
 
-/// Reaches JObject along two paths.
+/// Inherits JObject along two paths.
 class Left : public virtual JObject {};
 class Right : public virtual JObject {};
 class Both : public Left, public Right {};

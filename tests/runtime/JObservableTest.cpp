@@ -21,7 +21,7 @@ protected:
         log += watcher == &a ? 'a' : watcher == &b ? 'b' : 'c';
     }
 
-    /// Lets watcher do something after it noted its call.
+    /// Lets watcher run an action after it has noted its call.
     void onUpdate(RuntimeWatcher& watcher, const std::function<void()>& action) {
         watcher.then = [this, &watcher, action] {
             note(&watcher);
@@ -243,12 +243,13 @@ TEST_F(JObservableTest, AChangeInsideACallbackStartsARoundOfItsOwn) {
     EXPECT_FALSE(observable->hasChanged());
 }
 
-TEST_F(JObservableTest, WhatAnObserverThrowsEndsTheRoundAndLeavesTheFlag) {
+TEST_F(JObservableTest, TheFirstExceptionOfARoundReachesTheCallerWhenAllWereCalled) {
     onUpdate(a, [] { throw JIOException("from the observer"); });
-    watch({&a, &b});
+    onUpdate(b, [] { throw new JNoSuchElementException("freed"); });
+    watch({&a, &b, &c});
     EXPECT_THROW(change(), JIOException);
-    EXPECT_EQ(log, "a");
-    EXPECT_TRUE(observable->hasChanged());
+    EXPECT_EQ(log, "abc");
+    EXPECT_FALSE(observable->hasChanged());
     EXPECT_EQ(observable->getRefCount(), 1);
 }
 

@@ -3,6 +3,7 @@
 #include "support/Held.h"
 #include "support/Thrown.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -208,6 +209,43 @@ TEST_F(JVectorTest, RemoveAllElementsReleasesThemAndKeepsTheRoom) {
     EXPECT_EQ(count(6), 1);
 }
 
+/// Runs an action when it is destroyed.
+class Last : public virtual JObject {
+public:
+    explicit Last(std::function<void()> action) : action_(std::move(action)) {}
+    ~Last() override { action_(); }
+
+private:
+    std::function<void()> action_;
+};
+
+TEST_F(JVectorTest, RemoveAllElementsTakesElementsThatAreAddedMeanwhileToo) {
+    fill(2);
+    vector.adoptElement(new Last([&] {
+        for (size_t i = 3; i < 9; ++i) { // more than there is room for
+            vector.addElement(object(i));
+        }
+    }));
+    fill(1);
+    vector.removeAllElements();
+    EXPECT_EQ(vector.size(), 0);
+    for (size_t i = 0; i < 9; ++i) {
+        EXPECT_EQ(count(i), 1) << i;
+    }
+}
+
+TEST_F(JVectorTest, RemoveAllElementsStandsElementsThatAreRemovedMeanwhile) {
+    fill(2);
+    vector.adoptElement(new Last([&] {
+        vector.removeElementAt(0);
+        vector.trimToSize();
+    }));
+    vector.removeAllElements();
+    EXPECT_EQ(vector.size(), 0);
+    EXPECT_EQ(count(0), 1);
+    EXPECT_EQ(count(1), 1);
+}
+
 TEST_F(JVectorTest, DestructionReleasesTheElements) {
     {
         JVector<> other(5, 5);
@@ -250,7 +288,7 @@ TEST_F(JVectorTest, LastIndexOfAnswersMinusOneForNullAndForANegativeStart) {
 }
 
 TEST_F(JVectorTest, LastIndexOfLooksAtNothingBehindTheElements) {
-    fill(5); // size equals capacity: there is no slot behind the last element
+    fill(5); // size equals capacity: there is no slot after the last element
     EXPECT_EQ(vector.lastIndexOf(object(4)), 4);
     EXPECT_EQ(vector.lastIndexOf(object(9)), -1);
     vector.removeAllElements();
@@ -279,7 +317,7 @@ TEST_F(JVectorTest, AnotherObjectOfTheSameIdentityIsFound) {
     EXPECT_EQ(vector.indexOf(&key), 0);
 }
 
-/// An object that takes itself for equal to everything.
+/// An object that claims to be equal to everything.
 class Agreeable : public virtual JObject {
 public:
     bool equals(const JObject*) const override { return true; }

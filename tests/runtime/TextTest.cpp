@@ -38,7 +38,7 @@ std::string text(double value) {
     return {buffer, length};
 }
 
-/// What printf gives, with a point whatever the locale.
+/// The output of printf, with a decimal point in every locale.
 std::string printed(const char* format, double value) {
     char buffer[400];
     std::snprintf(buffer, sizeof buffer, format, value);

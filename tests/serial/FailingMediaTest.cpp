@@ -44,8 +44,8 @@ using FailingBinary = Failing<KELBinaryOutputStream_Impl>;
 
 // ---- Sinks -------------------------------------------------------------------------------------
 
-/// Writes to a sink that fails later each time, until it does not fail any more: each failure says
-/// so, and leaves the beginning of the whole in the sink.
+/// Writes to a sink that fails later each time, until it no longer fails. Each failure is reported,
+/// and the sink then holds the beginning of the whole.
 template <class Output> void failWherever(const HeldValue& value, const std::string& whole) {
     int failures = 0;
     for (int64_t allowed = 0;; ++allowed, ++failures) {
@@ -145,7 +145,8 @@ const std::string sampleRecord =
                                 intRecord(codeOf(2), 5) + reference(codeOf(2)))) +
                variable("b", record(codeOf(3), KELKind_String, "text")));
 
-/// Reads from a medium that fails behind so many bytes, delivered in pieces of the given size.
+/// Reads from a medium that fails after the given number of bytes. It delivers them in pieces of
+/// the given size.
 template <class Stream>
 std::string readFailing(const std::string& bytes, std::size_t failsAt, int32_t piece,
                         bool seekable) {
@@ -185,7 +186,8 @@ TEST(FailingSource, BehindTheValueItIsNotAskedIfItHasNoPositions) {
               "(nothing thrown)");
 }
 
-TEST(FailingSource, AfterAFailedBinaryReadNothingOfItIsReferredTo) {
+TEST(FailingSource, AfterAFailedBinaryReadOnlyItsCompleteValuesAreReferredTo) {
+    const std::size_t elementEnd = sampleRecord.find(intRecord(codeOf(2), 5)) + 38;
     for (std::size_t at = 1; at < sampleRecord.size(); ++at) {
         auto* medium = new PieceStream(sampleRecord);
         medium->failsAt = static_cast<int64_t>(at);
@@ -196,8 +198,28 @@ TEST(FailingSource, AfterAFailedBinaryReadNothingOfItIsReferredTo) {
         medium->failsAt = INT64_MAX;
         input->JSeek(static_cast<int64_t>(at));
         EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }), "Error in KEL hash code.");
-        EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }), "Error in KEL hash code.");
+        EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }),
+                  at < elementEnd ? "Error in KEL hash code." : "(nothing thrown)");
     }
+}
+
+TEST(FailingSource, AfterAFailureInsideATokenOfTextTheTokenIsReadWhole) {
+    auto* medium = new PieceStream("1234 ");
+    medium->failsAt = 2;
+    medium->largestPiece = 1;
+    TextInput input(medium);
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { input->JRead32(); }), "PieceStream failed.");
+    medium->failsAt = INT64_MAX;
+    EXPECT_EQ(input->JRead32(), 1234);
+}
+
+TEST(FailingSource, AClosedInputStreamIsAtItsEnd) {
+    auto* medium = new PieceStream("12 34");
+    medium->seekable = false;
+    TextInput input(medium);
+    EXPECT_EQ(input->JRead32(), 12);
+    input->JClose();
+    EXPECT_EQ(input->JRead(), -1);
 }
 
 TEST(FailingSource, RawAndTypedReadsReportItToo) {
@@ -264,8 +286,8 @@ TEST(OutOfMemory, AFactoryAnswersNullAtEveryAllocation) {
     EXPECT_GT(failEachAllocation(create), 20U);
 }
 
-/// A value whose record makes the writer ask for memory for more than a few identities: many Ints
-/// that nobody shares, then containers inside one another.
+/// A value whose record makes the writer allocate memory for more than a few identities: many
+/// unshared Ints, then nested containers.
 HeldValue wideAndDeepValue() {
     auto inner = arrayOf(intOf(0));
     for (int i = 0; i < 70; ++i) {
@@ -299,7 +321,8 @@ TEST(OutOfMemory, ABinaryWriteAfterAFailedOneIsWhole) {
             const FailingAllocation failing(allowed);
             output.stream->write(value.get());
             break;
-        } catch (const std::bad_alloc&) {
+        } catch (KELOutOfMemoryException* failure) {
+            failure->release();
             output.sink->bytes.clear();
             output.stream->write(value.get());
             ASSERT_EQ(output.sink->bytes, whole) << allowed;

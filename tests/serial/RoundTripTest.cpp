@@ -1,4 +1,4 @@
-// What both formats keep, on random trees.
+// Round trips of random trees through both formats.
 #include "support/CommaLocale.h"
 #include "support/RandomTree.h"
 #include "support/SameTree.h"
@@ -14,14 +14,14 @@ namespace {
 
 constexpr uint64_t trees = 10000;
 
-/// What the text format can carry.
+/// Trees that the text format can carry.
 constexpr RandomTreeOptions forText() {
     RandomTreeOptions options;
     options.memBlocks = options.quotes = options.anyDoubles = false;
     return options;
 }
 
-/// What the binary format can carry.
+/// Trees that the binary format can carry.
 constexpr RandomTreeOptions forBinary() {
     RandomTreeOptions options;
     options.guids = options.managers = false;

@@ -3,6 +3,7 @@
 #include "streams/StringReader.h"
 #include "streams/StringWriter.h"
 #include "support/Bytes.h"
+#include "support/PieceStream.h"
 #include "support/Thrown.h"
 
 #include <cmath>
@@ -224,11 +225,23 @@ TEST(BinaryDataInput, IsTheStreamUnderneath) {
     input.JSeek(5);
     EXPECT_EQ(input.JRead8(), 'f');
     input.JClose();
-    input.JSeek(0);
     EXPECT_EQ(input.JRead(), -1);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JSeek(0); }),
+              "StringReader::JSeek(). Stream returned fail() flag.");
 }
 
 // Keeps the pieces that arrive and can fail.
+TEST(BinaryDataInput, ANumberThatAFailureCutsShortThrowsTheFailure) {
+    JPointer<PieceStream> stream(new PieceStream("abcdef"));
+    stream->largestPiece = 2;
+    stream->failsAt = 2;
+    const JPointer<JInputStream> medium(JPointer<JInputStream>::share(stream.get()));
+    BinaryDataInput input(medium, 1);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JRead32(); }), "PieceStream failed.");
+    stream->failsAt = INT64_MAX;
+    EXPECT_EQ(input.JRead32(), 0x66656463) << "all four bytes, in pieces";
+}
+
 class PieceSink : public JOutputStream {
 public:
     void JWrite(int32_t byte) override { pieces.emplace_back(1, static_cast<char>(byte)); }

@@ -13,7 +13,7 @@ using kel::test::thrownMessage;
 
 namespace {
 
-// A buffered input over a PieceStream that the test can turn.
+// A buffered input over a PieceStream whose behaviour the test sets.
 class Buffered {
 public:
     explicit Buffered(const std::string& data, bool seekable = true)
@@ -299,6 +299,35 @@ TEST(BufferedInput, AFailureOfTheStreamLosesNothing) {
     EXPECT_EQ(*input.end(), 0);
     source.stream->failsAt = INT64_MAX;
     EXPECT_EQ(takeAll(input), source.stream->data);
+}
+
+TEST(BufferedInput, WhatCameBeforeAFailureIsCopiedOutFirst) {
+    for (const bool seekable : {true, false}) {
+        Buffered source(numbers(1000), seekable);
+        source.stream->largestPiece = 100;
+        source.stream->failsAt = 250;
+        BufferedInput input = source.make();
+        std::string out(1000, '?');
+        auto* bytes = reinterpret_cast<uint8_t*>(out.data());
+        EXPECT_EQ(input.read(bytes, 300), 200U);
+        source.stream->failsAt = INT64_MAX;
+        EXPECT_EQ(thrownMessage<JIOException>([&] { input.read(bytes + 200, 300); }),
+                  "PieceStream failed.");
+        EXPECT_EQ(input.read(bytes + 200, 800), 800U);
+        EXPECT_EQ(out, source.stream->data);
+    }
+}
+
+TEST(BufferedInput, SeekingAwayForgetsAFailureThatWasNotThrown) {
+    Buffered source(numbers(3000));
+    source.stream->largestPiece = 100;
+    source.stream->failsAt = 150;
+    BufferedInput input = source.make();
+    uint8_t bytes[200];
+    EXPECT_EQ(input.read(bytes, 200), 100U);
+    source.stream->failsAt = INT64_MAX;
+    input.seek(2000);
+    EXPECT_EQ(input.next(), source.stream->data[2000]);
 }
 
 bool refuseLarge(std::size_t size) {

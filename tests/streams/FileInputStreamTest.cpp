@@ -237,4 +237,48 @@ TEST(FileInputStream, AStandardStreamThatThrowsAtItsEndStillEnds) {
     EXPECT_EQ(readBlock(input, 5), "a");
 }
 
+/// The exception masks that a host can set on its stream: none, or all failures.
+const std::ios::iostate exceptionMasks[] = {std::ios::goodbit,
+                                            std::ios::badbit | std::ios::failbit};
+
+TEST(FileInputStream, WhateverAStreamBufferThrowsIsBad) {
+    constexpr const char* badSeek = "FileInputStream::JSeek(). Stream returned bad() flag.";
+    for (const std::ios::iostate mask : exceptionMasks) {
+        const auto messageOf = [&](void (*use)(FileInputStream&)) {
+            ThrowingBuffer buffer;
+            std::istream stream(&buffer);
+            stream.exceptions(mask);
+            FileInputStream input(stream);
+            return thrownMessage<JIOException>([&] { use(input); });
+        };
+        EXPECT_EQ(messageOf([](FileInputStream& input) { input.JRead(); }), badRead);
+        EXPECT_EQ(messageOf([](FileInputStream& input) { readBlock(input, 4); }), badRead);
+        EXPECT_EQ(messageOf([](FileInputStream& input) { input.JTell(); }), badSeek);
+        EXPECT_EQ(messageOf([](FileInputStream& input) { input.JSeek(0); }), badSeek);
+    }
+}
+
+TEST(FileInputStream, WhatCameBeforeAStreamBufferThrewIsReadFirst) {
+    for (const std::ios::iostate mask : exceptionMasks) {
+        ThrowingBuffer buffer("abc");
+        std::istream stream(&buffer);
+        stream.exceptions(mask);
+        FileInputStream input(stream);
+        EXPECT_EQ(input.JRead(), 'a');
+        EXPECT_EQ(readBlock(input, 4), "bc");
+        EXPECT_EQ(thrownMessage<JIOException>([&] { readBlock(input, 4); }), badRead);
+        EXPECT_EQ(thrownMessage<JIOException>([&] { input.JRead(); }), badRead) << "it stays bad";
+    }
+}
+
+TEST(FileInputStream, AStandardStreamWithoutABufferIsBad) {
+    std::istream stream(nullptr);
+    FileInputStream input(stream);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JRead(); }), badRead);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { readBlock(input, 4); }), badRead);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JSeek(0); }),
+              "FileInputStream::JSeek(). Stream returned bad() flag.");
+    EXPECT_EQ(input.JTell(), -1);
+}
+
 } // namespace

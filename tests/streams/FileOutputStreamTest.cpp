@@ -38,7 +38,7 @@ protected:
         output->JWrite(unsignedBytes(text), 0, static_cast<int32_t>(text.size()));
     }
 
-    // What has reached the medium by now.
+    // The bytes that have reached the medium so far.
     std::string arrived() {
         return std::string("Stream") == GetParam() ? stream_.str() : file_.bytes();
     }
@@ -205,6 +205,45 @@ TEST(FileOutputStream, ABrokenStandardStreamShowsWhenFlushed) {
     FileOutputStream output(stream);
     EXPECT_EQ(thrownMessage<JIOException>([&] { output.JFlush(); }),
               "FileOutputStream::JFlush() error.");
+}
+
+TEST(FileOutputStream, WhateverAStreamBufferThrowsIsBad) {
+    for (const std::ios::iostate mask : {std::ios::goodbit, std::ios::badbit | std::ios::failbit}) {
+        const auto messageOf = [&](void (*use)(FileOutputStream&)) {
+            ThrowingBuffer buffer;
+            std::ostream stream(&buffer);
+            stream.exceptions(mask);
+            FileOutputStream output(stream);
+            return thrownMessage<JIOException>([&] { use(output); });
+        };
+        EXPECT_EQ(messageOf([](FileOutputStream& output) { output.JWrite('a'); }),
+                  "FileOutputStream::JWrite(int). Stream returned bad() flag.");
+        EXPECT_EQ(
+            messageOf([](FileOutputStream& output) { output.JWrite(unsignedBytes("ab"), 0, 2); }),
+            "FileOutputStream::JWrite(uchar*,int,int). Stream returned bad() flag.");
+        EXPECT_EQ(messageOf([](FileOutputStream& output) { output.JFlush(); }),
+                  "FileOutputStream::JFlush() error.");
+        EXPECT_EQ(messageOf([](FileOutputStream& output) { output.JClose(); }),
+                  "FileOutputStream::JClose() error.");
+        EXPECT_EQ(messageOf([](FileOutputStream& output) { output.JTell(); }),
+                  "FileOutputStream::JSeek(). Stream returned bad() flag.");
+        EXPECT_EQ(messageOf([](FileOutputStream& output) { output.JSeek(0); }),
+                  "FileOutputStream::JSeek(). Stream returned bad() flag.");
+    }
+}
+
+TEST(FileOutputStream, AStandardStreamWithoutABufferIsBad) {
+    std::ostream stream(nullptr);
+    expectFlags(stream, "bad()");
+    EXPECT_EQ(FileOutputStream(stream).JTell(), -1);
+}
+
+TEST(FileOutputStream, AStandardStreamThatWasReadToItsEndTakesNothing) {
+    std::stringstream stream("a");
+    stream.setstate(std::ios::eofbit);
+    FileOutputStream output(stream);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JWrite('a'); }),
+              "FileOutputStream::JWrite(int). Stream returned fail() flag.");
 }
 
 } // namespace

@@ -14,10 +14,17 @@ namespace {
 class Counting : public JInputStream {
 public:
     using JInputStream::JRead;
-    int32_t JRead() override { return next_ < 5 ? next_++ : -1; }
+    int32_t JRead() override {
+        if (next_ == failsAt) {
+            throw JIOException("failed");
+        }
+        return next_ < 5 ? next_++ : -1;
+    }
     void JClose() override {}
     int64_t JTell() override { return next_; }
     void JSeek(int64_t) override {}
+
+    int32_t failsAt = INT32_MAX;
 
 private:
     int32_t next_ = 0;
@@ -42,6 +49,17 @@ TEST(JInputStream, BulkReadGoesByteByByteUpToTheEnd) {
     EXPECT_EQ(hex({reinterpret_cast<char*>(buffer), 8}), "09 00 01 02 09 09 09 09");
     EXPECT_EQ(input.JRead(buffer, 0, 8), 2);
     EXPECT_EQ(input.JRead(buffer, 0, 8), 0);
+}
+
+TEST(JInputStream, BulkReadHandsOutWhatCameBeforeAFailure) {
+    Counting input;
+    input.failsAt = 3;
+    uint8_t buffer[8] = {};
+    EXPECT_EQ(input.JRead(buffer, 0, 8), 3);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JRead(buffer, 3, 5); }), "failed");
+    input.failsAt = INT32_MAX;
+    EXPECT_EQ(input.JRead(buffer, 3, 5), 2);
+    EXPECT_EQ(hex({reinterpret_cast<char*>(buffer), 5}), "00 01 02 03 04");
 }
 
 TEST(JInputStream, BulkReadOfNothingReadsNothing) {

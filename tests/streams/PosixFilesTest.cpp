@@ -1,4 +1,5 @@
-// File streams over what only POSIX systems offer: a full disk, directories, pipes, descriptors.
+// File streams over media that only POSIX systems offer: a full disk, directories, pipes,
+// descriptors.
 #include "streams/BufferedInput.h"
 #include "streams/FileInputStream.h"
 #include "streams/FileOutputStream.h"
@@ -114,6 +115,25 @@ TEST(FileInputStream, ReadsAPipeButCannotSeekIt) {
     EXPECT_EQ(input.JRead(), -1);
 }
 
+TEST(FileInputStream, WhatCameBeforeAFailureIsReadFirstAndNothingIsSkipped) {
+    const Pipe pipe;
+    fcntl(fileno(pipe.reading()), F_SETFL, O_NONBLOCK); // nothing to read yet is an error
+    pipe.send("abc");
+    FileInputStream input(pipe.reading());
+    uint8_t buffer[8] = {};
+    EXPECT_EQ(input.JRead(buffer, 0, 8), 3);
+    pipe.send("def");
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JRead(buffer, 0, 8); }),
+              "FileInputStream::JRead(uchar *, int, int). Stream returned error:32");
+    EXPECT_EQ(input.JRead(), 'd');
+    EXPECT_EQ(input.JRead(buffer, 3, 5), 2);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JRead(); }),
+              "FileInputStream::JRead(). Stream returned error:32");
+    pipe.send("g");
+    EXPECT_EQ(input.JRead(), 'g');
+    EXPECT_EQ(std::string(buffer, buffer + 5), "abcef");
+}
+
 TEST(FileOutputStream, WritesAPipeButCannotSeekIt) {
     const Pipe pipe;
     FileOutputStream output(pipe.writing());
@@ -130,7 +150,7 @@ TEST(BufferedInput, TakesFromAPipeOnlyWhatIsAskedFor) {
     pipe.send("abcdef");
     kel::BufferedInput input(JPointer<JInputStream>(new FileInputStream(pipe.reading())));
     EXPECT_EQ(input.next(), 'a');
-    EXPECT_TRUE(input.ensure(2)); // would wait for ever if it asked for more
+    EXPECT_TRUE(input.ensure(2)); // would never return if it requested more
     EXPECT_EQ(input.position(), 1);
     EXPECT_EQ(std::fgetc(pipe.reading()), 'd');
 }

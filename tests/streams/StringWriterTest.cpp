@@ -55,11 +55,13 @@ TEST(StringWriter, CountsNuls) {
     EXPECT_EQ(std::string(output.getString(), output.getStringSize()), bytes("a\0b\0"));
 }
 
-TEST(StringWriter, ABlockOfNothingWritesNothing) {
-    OpenWriter output;
-    output.JWrite(unsignedBytes("x"), 0, 0);
-    output.JWrite(unsignedBytes("x"), 0, -1);
-    EXPECT_EQ(output.getString(), nullptr);
+TEST(StringWriter, WritingNothingIsAWrite) {
+    for (const int32_t count : {0, -1}) {
+        OpenWriter output;
+        output.JWrite(unsignedBytes("x"), 0, count);
+        EXPECT_STREQ(output.getString(), "");
+        EXPECT_EQ(output.getStringSize(), 1U);
+    }
 }
 
 TEST(StringWriter, RefusesANullBuffer) {
@@ -104,6 +106,23 @@ TEST(StringWriter, AFailedStreamIsFailed) {
               "StringWriter::JWrite(int). Stream returned fail() flag.");
     EXPECT_EQ(thrownMessage<JIOException>([&] { output.write("ab"); }),
               "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.");
+}
+
+TEST(StringWriter, AStreamThatThrowsGivesTheSameMessages) {
+    OpenWriter output;
+    static_cast<std::ios&>(output.text()).rdbuf(nullptr);
+    try {
+        output.text().exceptions(std::ios::badbit);
+    } catch (const std::ios::failure&) {
+        // The stream is bad already.
+    }
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JWrite('a'); }),
+              "StringWriter::JWrite(int). Stream returned bad() flag.");
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.write("ab"); }),
+              "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.");
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JSeek(0); }),
+              "StringWriter::JSeek(). Stream returned bad() flag.");
+    EXPECT_EQ(output.JTell(), -1);
 }
 
 TEST(StringWriter, StaysReadableWhenClosed) {

@@ -9,7 +9,7 @@ namespace kel::test {
 
 namespace {
 
-/// What this thread may still allocate.
+/// The allocations that this thread can still make.
 struct Limits {
     bool counting = false;
     bool forGood = false;
@@ -65,6 +65,10 @@ AllocationBudget::~AllocationBudget() {
     limits = {};
 }
 
+std::size_t AllocationBudget::left() const {
+    return limits.bytes;
+}
+
 namespace {
 
 /// \return true when an allocation failed meanwhile
@@ -96,8 +100,8 @@ std::size_t failEachAllocation(const std::function<void()>& action,
 
 } // namespace kel::test
 
-// The allocation functions of the whole test program. All forms are replaced, so that storage is
-// freed by the function that belongs to the one it came from.
+// The allocation functions of the whole test program. All forms are replaced, so that the function
+// that frees storage always matches the one that allocated it.
 
 namespace {
 

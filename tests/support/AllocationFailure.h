@@ -10,8 +10,8 @@
 
 namespace kel::test {
 
-/// While alive, the allocation after the first `allowed` ones of this thread fails, and with
-/// `forGood` all that follow. One at a time.
+/// While alive, the allocation after the first `allowed` ones of this thread fails. With `forGood`,
+/// all later ones fail too. Only one can be alive at a time.
 class FailingAllocation {
 public:
     explicit FailingAllocation(std::size_t allowed, bool forGood = false);
@@ -23,20 +23,23 @@ public:
     bool hasFailed() const;
 };
 
-/// While alive, this thread cannot allocate more than so many bytes altogether. It turns a walk
-/// that never ends into a failure.
+/// While alive, this thread can allocate at most the given number of bytes in total. A walk that
+/// never ends then fails.
 class AllocationBudget {
 public:
     explicit AllocationBudget(std::size_t bytes);
     AllocationBudget(const AllocationBudget&) = delete;
     AllocationBudget& operator=(const AllocationBudget&) = delete;
     ~AllocationBudget();
+
+    /// The bytes of the budget that are left. Freed bytes are not added back.
+    std::size_t left() const;
 };
 
-/// Runs action again and again, with its first, its second, its third allocation failing, until it
-/// needs no more; then the same with every allocation from there on failing. An out-of-memory
-/// exception is what action is expected to throw; every other one comes through. `afterwards` looks
-/// at the damage after each run.
+/// Runs action repeatedly. Its first allocation fails in the first run, its second in the next, and
+/// so on until action makes no more. Then it does the same, but all later allocations fail too.
+/// Action is expected to throw an out-of-memory exception. Every other exception reaches the
+/// caller. `afterwards` checks the state after each run.
 /// \return how many allocations action makes
 std::size_t failEachAllocation(
     const std::function<void()>& action, const std::function<void()>& afterwards = [] {});

@@ -12,14 +12,14 @@ namespace kel::test {
 
 #if defined(_WIN32)
 constexpr const char* germanLocale = "German_Germany.1252";
-/// The C++ library of mingw knows no other locale than "C".
+/// The C++ library of mingw knows only the locale "C".
 constexpr bool streamsHaveLocales = false;
 #else
 constexpr const char* germanLocale = "de_DE.UTF-8";
 constexpr bool streamsHaveLocales = true;
 #endif
 
-/// While alive, the program is in a German locale, for C and, where they have any, for C++ streams.
+/// While alive, the program uses a German locale for C, and for C++ streams where they support it.
 class CommaLocale {
 public:
     CommaLocale() : before_(std::setlocale(LC_ALL, nullptr)) {
@@ -45,8 +45,8 @@ private:
     bool installed_ = false;
 };
 
-/// Ends a test where the locale is missing: quietly on a developer's machine, as a failure where
-/// KEL_REQUIRE_LOCALE is set.
+/// Ends a test if the locale is missing. The test fails if KEL_REQUIRE_LOCALE is set. It is skipped
+/// otherwise.
 #define KEL_NEED(commaLocale)                                                                      \
     if (!(commaLocale).isInstalled()) {                                                            \
         ASSERT_EQ(std::getenv("KEL_REQUIRE_LOCALE"), nullptr)                                      \

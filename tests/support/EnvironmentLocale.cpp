@@ -1,7 +1,7 @@
 /// \file
-/// Lets a test program run in the locale of its environment (LC_ALL and its kin), for C and for C++
-/// streams. Without this a program stays in the "C" locale, and a run in another one proves
-/// nothing.
+/// Lets a test program run in the locale of its environment (LC_ALL and related variables), for C
+/// and for C++ streams. Without this a program always uses the "C" locale, and a run in another
+/// locale proves nothing.
 #include "CommaLocale.h"
 
 #include <clocale>

@@ -1,5 +1,5 @@
 /// \file
-/// FailingSink: an output stream that breaks when the test says so.
+/// FailingSink: an output stream that fails at a moment that the test sets.
 #pragma once
 
 #include "streams/JOutputStream.h"
@@ -8,8 +8,8 @@
 #include <kel/JException.h>
 #include <string>
 
-/// Keeps what arrives; the write after the first `allowed` ones fails, and with `forGood` all that
-/// follow. It has no positions, like a pipe.
+/// Keeps the bytes that it receives. The write after the first `allowed` ones fails. With
+/// `forGood`, all later ones fail too. It has no positions, like a pipe.
 class FailingSink : public JOutputStream {
 public:
     int64_t allowed = INT64_MAX;

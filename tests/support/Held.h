@@ -1,5 +1,5 @@
 /// \file
-/// Held: one reference, given back at the end of the scope.
+/// Held: one reference, released at the end of the scope.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ public:
     T& operator*() const { return *target_; }
     explicit operator bool() const { return target_ != nullptr; }
 
-    /// Gives the reference back before the scope ends.
+    /// Releases the reference before the scope ends.
     void clear() {
         if (T* old = detach()) {
             old->release();

@@ -20,7 +20,7 @@ inline HeldValue listOf(const HeldValue& keys, const HeldValue& items) {
     return HeldValue(new KEL_IndexList_Impl(share(keys), share(items)));
 }
 
-/// Values built on a struct, with the given variables: names and values in turns.
+/// Values built on a struct, with the given variables as alternating names and values.
 template <class... Variables> HeldValue descriptorOf(const Variables&... variables) {
     auto made = make<MetaKelVarDescriptor_Impl>();
     detail::addVariables(*made, variables...);
@@ -37,7 +37,7 @@ template <class... Variables> HeldValue metaOf(const Variables&... variables) {
     return HeldValue(made.detach());
 }
 
-/// Descriptions of a number within bounds and of a value out of a list.
+/// Descriptors of a number within bounds and of a value from a list.
 inline HeldValue intRange(int32_t min, int32_t max) {
     return descriptorOf("type", intOf(KELKind_Int), "min", intOf(min), "max", intOf(max));
 }
@@ -67,7 +67,7 @@ inline void watch(KEL* value, KEL_Observer& observer) {
     dynamic_cast<KEL_Observable&>(*value).addObserver(&observer);
 }
 
-/// The texts of an array's elements with blanks between them, "-" for those without one.
+/// The texts of an array's elements with blanks between them, and "-" for elements without a text.
 inline std::string textsOf(const KEL_Array& array) {
     std::string texts;
     for (int32_t i = 0; i < array.getCount(); ++i) {

@@ -15,9 +15,9 @@ public:
     explicit PieceStream(std::string bytes) : data(std::move(bytes)) {}
 
     std::string data;
-    int32_t largestPiece = INT32_MAX; ///< at most so many bytes for one read
-    bool seekable = true;             ///< false: neither told nor sought, like a pipe
-    bool refusesSeek = false;         ///< tells its position but cannot move
+    int32_t largestPiece = INT32_MAX; ///< the most bytes that one read returns
+    bool seekable = true;             ///< false: has no position and cannot seek, like a pipe
+    bool refusesSeek = false;         ///< returns its position but cannot seek
     int64_t failsAt = INT64_MAX;      ///< reading beyond this position throws
     int64_t place = 0;                ///< next byte
     int reads = 0;
@@ -41,7 +41,9 @@ public:
         return static_cast<int32_t>(piece);
     }
 
-    void JClose() override { data.clear(); }
+    void JClose() override {
+        data.resize(static_cast<size_t>(std::min<int64_t>(place, std::ssize(data))));
+    }
     int64_t JTell() override { return seekable ? place : -1; }
 
     void JSeek(int64_t position) override {

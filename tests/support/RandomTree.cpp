@@ -37,7 +37,8 @@ JHashCode RandomNumbers::hashCode() {
 
 namespace {
 
-/// Texts that a writer or reader could take for something else; none is empty or holds a quote.
+/// Texts that a writer or reader could mistake for something else. Each has at least one character
+/// and no double quote.
 constexpr const char* awkwardTexts[] = {
     // clang-format off
     "true", "false", "null", "NULL", "REF", "ref", "inf", "nan",
@@ -70,7 +71,7 @@ public:
             free_.push_back(values_.size() - 1);
             fill(values_.back().get());
         }
-        // The root takes whatever nobody took.
+        // The root takes the values that no container holds.
         values_.emplace_back(count == 1 && !numbers_.once(3) ? makeScalar() : makeContainer());
         for (const std::size_t index : free_) {
             put(values_.back().get(), values_[index].get());
@@ -111,8 +112,9 @@ private:
         return new KEL_MemBlock_Impl(size, bytes.data());
     }
 
-    /// A selector of either kind, with a selection, over a new list or one made before. The last
-    /// may be the one that the selector is for: a list that its own selector holds would leak.
+    /// A selector of either kind, with a selection, over a new list or one made before. It never
+    /// uses the last value, which can be the container that takes the selector. A list that holds
+    /// its own selector would leak.
     KEL_Impl* makeSelector() {
         KEL_Impl* any = nullptr;
         if (values_.size() > 1) {
@@ -166,7 +168,7 @@ private:
         }
     }
 
-    /// A name for a variable of the container: often one that means something there.
+    /// A name for a variable of the container. It is often one with a meaning there.
     std::string nameFor(const KEL_Impl& container) {
         constexpr const char* properties[] = {"type", "default", "enum",    "min",
                                               "max",  "wrapped", "stepsize"};
@@ -296,7 +298,7 @@ double randomDouble(RandomNumbers& numbers, bool any) {
     if (numbers.once(3)) {
         return awkwardDoubles[numbers.below(std::size(awkwardDoubles))];
     }
-    // From 64 bits down to a few, so that small numbers come as often as large ones.
+    // From 64 bits down to a few, so that small numbers are as frequent as large ones.
     const auto whole = static_cast<int32_t>(numbers.next()) >> numbers.below(31);
     const int millionths = numbers.once(3) ? 0 : numbers.below(1000000);
     return (static_cast<double>(whole / 2) * 1000000.0 + millionths) / 1000000.0;

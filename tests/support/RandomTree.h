@@ -9,8 +9,8 @@
 
 namespace kel::test {
 
-/// What random trees may hold beside Ints, Booleans, Strings, Doubles, arrays and structs. Names
-/// and strings are often awkward: keywords, numbers, brackets, line ends, bytes above 127.
+/// Values that random trees can hold besides Ints, Booleans, Strings, Doubles, arrays and structs.
+/// Names and strings are often awkward: keywords, numbers, brackets, line ends, bytes above 127.
 struct RandomTreeOptions {
     int maxValues = 30;        ///< the greatest number of values
     bool memBlocks = true;     ///< memory blocks
@@ -19,7 +19,7 @@ struct RandomTreeOptions {
     bool quotes = true;        ///< strings with a double quote
     bool anyDoubles = true;    ///< every double; else whole millionths with an integer part that 32
                                ///< bits hold
-    bool sharing = true;       ///< values that sit in several places
+    bool sharing = true;       ///< values that are in several places
     bool cycles = false;       ///< values that contain themselves: take them apart in the end
     bool nullVariables = true; ///< struct variables without a value
     bool lists = false;        ///< index lists
@@ -39,7 +39,7 @@ public:
     /// A number from 0 to below limit, which is above 0.
     int below(std::size_t limit) { return static_cast<int>(next() % limit); }
 
-    /// True once in `times`.
+    /// True in one of `times` cases on average.
     bool once(int times) { return below(static_cast<std::size_t>(times)) == 0; }
 
     JHashCode hashCode();
@@ -57,10 +57,10 @@ std::string randomName(RandomNumbers& numbers);
 /// Text without a NUL, perhaps empty.
 std::string randomText(RandomNumbers& numbers, bool quotes);
 
-/// A double of the kind that the option tells.
+/// A double of the kind that the option selects.
 double randomDouble(RandomNumbers& numbers, bool any);
 
-/// Changes the value so that it equals its former self no longer. \return false if it has nothing
+/// Changes the value so that it no longer equals its former self. \return false if it has nothing
 /// to change (a memory block without bytes)
 bool changeValue(KEL_Impl& value);
 

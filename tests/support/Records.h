@@ -25,7 +25,7 @@ inline std::string codeBytes(const JHashCode& code) {
            littleEndian(code.w3, 4);
 }
 
-/// What precedes a payload.
+/// The bytes that precede a payload.
 inline std::string prefix(const JHashCode& identity, int32_t kind, uint64_t length,
                           uint16_t version = 1) {
     return bytes("KEL\0") + codeBytes(identity) + littleEndian(static_cast<uint32_t>(kind), 4) +

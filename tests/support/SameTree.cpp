@@ -28,7 +28,7 @@ bool sameDoubles(double a, double b, Kept kept) {
 }
 
 bool sameContents(const KEL_Impl& a, const KEL_Impl& b, Kept kept) {
-    switch (a.getType()) {
+    switch (a.kind()) {
     case KELKind_Int:
     case KELKind_Boolean:
         return a.toInt() == b.toInt();
@@ -39,9 +39,18 @@ bool sameContents(const KEL_Impl& a, const KEL_Impl& b, Kept kept) {
         return std::strcmp(a.toString(), b.toString()) == 0;
     case KELKind_MemBlock:
         return sameBytes(a, b);
-    default:
-        return true; // its children tell
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Manager:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+    case KELKind_IndexList:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        break; // its children are compared
     }
+    return true;
 }
 
 class Comparison {

@@ -1,5 +1,5 @@
 /// \file
-/// Whether two trees are the same in everything that a format keeps.
+/// Comparing two trees in everything that a format keeps.
 #pragma once
 
 #include "values/KEL_Impl.h"
@@ -8,12 +8,13 @@
 
 namespace kel::test {
 
-/// What is kept beside kinds, contents, names, null variables, and which places share a value: in
-/// text doubles to six decimals, in binary all their bits, and the identity of every value.
+/// The format decides what is compared. Both keep kinds, contents, names, null variables, and which
+/// places share a value. Text keeps six decimals of a double. Binary keeps all bits of a double and
+/// the identity of every value.
 enum class Kept { inText, inBinary };
 
-/// Compares two trees, which may contain themselves and be of any depth.
-/// \return an empty string, or how the trees differ
+/// Compares two trees, which can contain themselves and be of any depth.
+/// \return a description of the difference, empty if there is none
 std::string differenceOf(const KEL_Impl& a, const KEL_Impl& b, Kept kept);
 
 } // namespace kel::test

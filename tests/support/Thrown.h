@@ -1,5 +1,5 @@
 /// \file
-/// What an action throws, as text that a test compares in full.
+/// The exception of an action, as text that a test compares in full.
 #pragma once
 
 #include <exception>
@@ -24,7 +24,8 @@ inline std::string messageAndRelease(KELException* failure) {
 }
 
 /// The message of the Exception that action throws: a pointer for the KELException family, a value
-/// for the JException family. Anything else is told in parentheses, so that no message equals it.
+/// for the JException family. Anything else is described in parentheses, so that no message equals
+/// it.
 template <class Exception, class Action> std::string thrownMessage(const Action& action) {
     try {
         action();

@@ -1,8 +1,8 @@
 #include "support/Trees.h"
 
 #include "meta/KEL_Manager_Impl.h"
+#include "meta/MetaKelVarDescriptor_Impl.h"
 #include "values/ChildCursor.h"
-#include "values/KEL_Array_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 
@@ -68,6 +68,31 @@ KEL_Impl* doublingChain(int levels) {
         array->addVar(value);
         array->addVar(value);
         value->release();
+        value = array;
+    }
+    return value;
+}
+
+std::vector<Held<KEL_Array_Impl>> ring(std::size_t length) {
+    std::vector<Held<KEL_Array_Impl>> arrays;
+    for (std::size_t i = 0; i < length; ++i) {
+        arrays.push_back(make<KEL_Array_Impl>());
+    }
+    for (std::size_t i = 0; i < length; ++i) {
+        arrays[i]->addVar(arrays[(i + 1) % length].get());
+    }
+    return arrays;
+}
+
+KEL_Impl* chainOfInnerStructs(int levels) {
+    KEL_Impl* value = new KEL_Array_Impl();
+    for (int i = 0; i < levels; ++i) {
+        const auto descriptor = make<MetaKelVarDescriptor_Impl>();
+        descriptor->addVar("below", value);
+        value->release();
+        auto* array = new KEL_Array_Impl();
+        array->addVar(descriptor.get());
+        array->addVar(descriptor->getStruct());
         value = array;
     }
     return value;

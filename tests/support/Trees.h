@@ -2,31 +2,41 @@
 /// Trees of values with a certain shape, and looking at a tree from outside.
 #pragma once
 
-#include "values/KEL_Impl.h"
+#include "support/Held.h"
+#include "values/KEL_Array_Impl.h"
 
 #include <vector>
 
 namespace kel::test {
 
-/// An Int inside so many arrays, each the only element of the next. Owned by the caller, like all
-/// that follows.
+/// An Int inside the given number of arrays, each the only element of the next. The caller owns the
+/// result, here and below.
 KEL_Impl* nestedArrays(int levels);
 
-/// An Int inside so many structs, each the only variable, "inner", of the next.
+/// An Int inside the given number of structs, each the only variable, "inner", of the next.
 KEL_Impl* nestedStructs(int levels);
 
-/// The same in turns of array, struct and manager.
+/// The same with alternating arrays, structs and managers.
 KEL_Impl* nestedMixed(int levels);
 
 /// An Int inside arrays that each hold the one below twice: 2 to the levels paths, levels + 1
 /// values.
 KEL_Impl* doublingChain(int levels);
 
+/// The given number of arrays. Each is the only element of the one before, and the first is the
+/// only element of the last.
+std::vector<Held<KEL_Array_Impl>> ring(std::size_t length);
+
+/// Levels of arrays that each hold a variable descriptor and the struct inside it. The only
+/// variable of that struct is the level below. Two paths lead to every level, although no array is
+/// shared.
+KEL_Impl* chainOfInnerStructs(int levels);
+
 /// The distinct values that can be reached from root, root first.
 std::vector<KEL_Impl*> valuesOf(KEL_Impl& root, bool insideManagers = true);
 
 /// Empties every container that can be reached from root, so that values that contain themselves
-/// let go of each other.
+/// release each other.
 void takeApart(KEL_Impl& root);
 
 /// Takes values apart at the end of the scope.

@@ -2,10 +2,10 @@
 /// Values to text and binary and back, in memory.
 #pragma once
 
-#include "serial/KELBinaryInputStream_Impl.h"
-#include "serial/KELBinaryOutputStream_Impl.h"
-#include "serial/KELStringInputStream_Impl.h"
-#include "serial/KELTextOutputStream_Impl.h"
+#include "serial/binary/KELBinaryInputStream_Impl.h"
+#include "serial/binary/KELBinaryOutputStream_Impl.h"
+#include "serial/text/KELStringInputStream_Impl.h"
+#include "serial/text/KELTextOutputStream_Impl.h"
 #include "streams/StringReader.h"
 #include "streams/StringWriter.h"
 #include "support/Held.h"
@@ -46,7 +46,7 @@ private:
 using TextOutput = Output<KELTextOutputStream_Impl>;
 using BinaryOutput = Output<KELBinaryOutputStream_Impl>;
 
-/// An input stream over a string, or over a medium that the test hands in.
+/// An input stream over a string, or over a medium that the test provides.
 template <class Stream> class Input {
 public:
     explicit Input(std::string_view text)
@@ -91,12 +91,12 @@ inline Held<KEL_Impl> readBinary(std::string_view bytes) {
     return BinaryInput(bytes).read();
 }
 
-/// What a text becomes when it is read and written again.
+/// The text that is written after a text has been read.
 inline std::string rewritten(std::string_view text) {
     return textOf(read(text));
 }
 
-/// What reading a text throws at its first value: a KELIOException's message.
+/// The message of the KELIOException that reading the first value of a text throws.
 inline std::string refusalOf(std::string_view text) {
     return thrownMessage<KELIOException>([&] { read(text); });
 }

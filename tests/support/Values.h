@@ -21,7 +21,7 @@ namespace kel::test {
 
 using HeldValue = Held<KEL_Impl>;
 
-/// The hash code whose GUID layout ends in so many: 00000000-0000-0000-0000-0000000000NN for
+/// The hash code whose GUID layout ends in the number: 00000000-0000-0000-0000-0000000000NN for
 /// numbers up to 255.
 inline JHashCode codeOf(uint8_t number) {
     return JHashCode(0, 0, 0, static_cast<uint32_t>(number) << 24);

@@ -1,5 +1,5 @@
 /// \file
-/// Observers that remember what they were told and may act on it.
+/// Observers that record their notifications and can act on them.
 #pragma once
 
 #include "runtime/JObservable.h"
@@ -20,7 +20,7 @@ public:
     void update(KEL* value) override {
         told.push_back(value);
         if (then) {
-            const std::function<void()> action = then; // which may replace `then`
+            const std::function<void()> action = then; // which can replace `then`
             action();
         }
     }
@@ -31,7 +31,7 @@ public:
     std::function<void()> then;
 };
 
-/// The same as an observer of the runtime, with a count that tells who holds it.
+/// The same as an observer of the runtime, with a count of the references to it.
 class RuntimeWatcher : public JObserver {
 public:
     RuntimeWatcher() = default;
@@ -51,8 +51,8 @@ public:
     std::function<void()> then;
 };
 
-/// Tells whether a value is still alive: the value holds a reference to the probe's observer, and
-/// gives it back when it is destroyed.
+/// Checks whether a value is still alive. The value holds a reference to the probe's observer and
+/// releases it when it is destroyed.
 class LifeProbe {
 public:
     explicit LifeProbe(JObservable& observable) : observer_(new RuntimeWatcher()) {

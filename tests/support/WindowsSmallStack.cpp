@@ -31,7 +31,7 @@ DWORD WINAPI perform(void* argument) {
 
 void runInSmallStack(const std::function<void()>& action) {
     Run run{action, nullptr};
-    // Without the flag the size is what is committed, and the stack could grow beyond it.
+    // Without the flag the size is only the committed part, and the stack could grow beyond it.
     const HANDLE thread =
         CreateThread(nullptr, stackSize, perform, &run, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
     if (thread == nullptr) {

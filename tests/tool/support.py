@@ -25,7 +25,7 @@ if not WINDOWS:
 
 
 def posix_only(reason):
-    """Marks a test of what Windows does not have; the reason is told where the test is left out."""
+    """Marks a test of a feature that Windows lacks. A skipped test reports the reason."""
     return unittest.skipIf(WINDOWS, reason)
 
 
@@ -98,7 +98,7 @@ class ToolTest(unittest.TestCase):
         return sorted(os.listdir(self.folder))
 
     def kel(self, *arguments, input=None, small_stack=False, **options):
-        """Runs the tool whatever comes of it, if asked with little room on the call stack."""
+        """Runs the tool without checking the result, on request with a small call stack."""
         if isinstance(input, str):
             input = input.encode("utf-8")
         options.setdefault("stdout", subprocess.PIPE)
@@ -115,13 +115,13 @@ class ToolTest(unittest.TestCase):
                                      stderr=subprocess.PIPE, **options))
 
     def ok(self, *arguments, **options):
-        """Runs the tool, which has to succeed without a word on stderr."""
+        """Runs the tool, which must succeed without output on stderr."""
         result = self.kel(*arguments, **options)
         self.assertEqual((result.status, result.err), (0, ""))
         return result
 
     def fails(self, status, message, *arguments, **options):
-        """Runs the tool, which has to end with the status and exactly the message."""
+        """Runs the tool, which must end with the status and exactly the message."""
         result = self.kel(*arguments, **options)
         self.assertEqual((result.status, result.err), (status, message))
         return result

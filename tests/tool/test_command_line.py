@@ -4,7 +4,7 @@ import unittest
 
 from support import ToolTest
 
-HINT = 'Try "kel --help".\n'
+HINT = 'run "kel --help" for help\n'
 
 
 class CommandLine(ToolTest):
@@ -26,7 +26,7 @@ class CommandLine(ToolTest):
         self.fails(2, "kel: A subcommand is required\n" + HINT)
 
     def test_an_unknown_command_is_a_usage_error(self):
-        self.fails(2, "kel: frobnicate: unknown command\n" + HINT, "frobnicate", "a.kel")
+        self.fails(2, 'kel: unknown command "frobnicate"\n' + HINT, "frobnicate", "a.kel")
 
     def test_an_unknown_option_is_a_usage_error(self):
         self.fails(2, "kel: The following argument was not expected: --frobnicate\n" + HINT,
@@ -41,14 +41,14 @@ class CommandLine(ToolTest):
         self.assertEqual(self.kel("show", "--force", "a.kel").status, 2)
 
     def test_an_unknown_format_is_a_usage_error(self):
-        self.fails(2, "kel: --to: yaml is none of text, binary and json\n" + HINT,
+        self.fails(2, "kel: --to: \"yaml\" is not text, binary or json\n" + HINT,
                    "convert", "--to", "yaml", "a.json", "b")
 
     def test_an_output_name_without_known_extension_needs_a_format(self):
         self.write("a.json", "1")
-        self.fails(2, "kel: b.txt: the name tells no format; give one with --to text, "
+        self.fails(2, "kel: b.txt: the name does not show the format; use --to text, "
                       "--to binary or --to json\n", "convert", "a.json", "b.txt")
-        self.fails(2, "kel: -: the name tells no format; give one with --to text, "
+        self.fails(2, "kel: -: the name does not show the format; use --to text, "
                       "--to binary or --to json\n", "convert", "a.json", "-")
 
     @unittest.skipUnless(os.path.exists("/dev/full"), "needs /dev/full")
@@ -59,7 +59,7 @@ class CommandLine(ToolTest):
 
 
 class InputFormat(ToolTest):
-    """Contents tell the format before names do."""
+    """Contents take precedence over names when the tool chooses the format."""
 
     def shown(self, name, content):
         self.write(name, content)
@@ -95,7 +95,7 @@ class InputFormat(ToolTest):
 
     def test_a_damaged_binary_file_is_not_taken_for_text(self):
         self.write("a.kelb", b"KEM\0\1\2\3")
-        self.fails(3, "kel: a.kelb: offset 0: Error reading KEL header.\n", "show", "a.kelb")
+        self.fails(3, "kel: a.kelb: offset 4: Error reading KEL header.\n", "show", "a.kelb")
 
 
 if __name__ == "__main__":

@@ -111,7 +111,7 @@ class Mapping(ToolTest):
 
 
 class Roots(ToolTest):
-    """Files may hold several root values one after the other."""
+    """Files can hold several root values one after the other."""
 
     def test_several_roots_are_kept_in_every_format(self):
         self.write("a.kel", '1\n"two"\n[ 3 ]\n{}\n')

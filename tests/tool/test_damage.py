@@ -5,7 +5,7 @@ from support import (ARRAY, DOUBLE, MEMBLOCK, ToolTest, int_record, record, refe
                      string_record, struct_record)
 
 JSON = b'{"a": [1, -2.5e3, true, null, "x\\u00e9\\n"], "b": {"$guid": "none"}, "": {}}'
-GUID = b"AF2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit; no beginning is a number
+GUID = b"AF2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit; its beginnings are not numbers
 ROOT = b'// comment\n' + GUID + b'2'
 TEXT = (ROOT + b' = { @desc = "d" a = [ 1 -2.5 true "x" ]\n'
         b'g = ' + GUID + b'1\n b = /* c */ NULL "k l" = 0x1f }')
@@ -17,7 +17,7 @@ SAMPLES = {"json": JSON, "text": TEXT, "binary": BINARY}
 
 
 class Damage(ToolTest):
-    """Damaged files are refused with a place or read, whatever has happened to them."""
+    """Damaged files are either read or refused with a place."""
 
     def check(self, form, contents):
         """Checks all contents in one run; the names of those that are refused."""

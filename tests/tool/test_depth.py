@@ -37,7 +37,7 @@ class Deep(ToolTest):
         self.write("a.json", b"[" * 300000 + b"]" * 300000)
         for command in (("convert", "a.json", "b.kel"), ("convert", "--force", "a.json", "b.kel"),
                         ("show", "a.json")):
-            self.fails(1, "kel: a.json: as text this would be more than 17179869184 bytes, because "
+            self.fails(1, "kel: a.json: as text the output would exceed 17179869184 bytes, because "
                           "of deep nesting or of values that are shared many times\n", *command,
                        small_stack=True)
         self.assertEqual(self.files(), ["a.json"])
@@ -77,10 +77,10 @@ class Cycles(ToolTest):
 
     def test_text_and_json_cannot_carry_them(self):
         for name, form in (("b.kel", "text"), ("b.json", "json")):
-            self.fails(1, f"kel: a.kelb: 2 places cannot be carried from binary to {form}:\n"
+            self.fails(1, f"kel: a.kelb: 2 places cannot be converted from binary to {form}:\n"
                           "  [1].list: a value that contains itself\n"
                           "  [1].self: a value that contains itself\n"
-                          "Nothing was written; --force converts the rest.\n",
+                          "nothing was written; use --force to convert the rest\n",
                        "convert", "a.kelb", name)
         self.assertEqual(self.files(), ["a.kelb"])
 
@@ -125,8 +125,8 @@ class SharingBombs(ToolTest):
     def test_more_values_than_anybody_can_store_are_refused(self):
         self.write("a.kelb", self.bomb(60, int_record(7, 1)))
         for name, form in (("b.kel", "text"), ("b.json", "json")):
-            message = (f"kel: a.kelb: as {form} this would be more than 2147483648 values, because "
-                       "values are shared many times over\n")
+            message = (f"kel: a.kelb: as {form} the output would exceed 2147483648 values, because "
+                       "values are shared many times\n")
             self.fails(1, message, "convert", "a.kelb", name)
             self.fails(1, message, "convert", "--force", "a.kelb", name)
         self.assertEqual(self.kel("show", "a.kelb").status, 1)
@@ -134,7 +134,7 @@ class SharingBombs(ToolTest):
 
     def test_long_strings_count_by_their_length(self):
         self.write("a.kelb", self.bomb(20, record(STRING, b"x" * 1000000, 1)))
-        self.fails(1, "kel: a.kelb: as json this would be more than 17179869184 bytes, because of "
+        self.fails(1, "kel: a.kelb: as json the output would exceed 17179869184 bytes, because of "
                       "deep nesting or of values that are shared many times\n",
                    "convert", "a.kelb", "b.json")
 
@@ -161,7 +161,7 @@ class SharingBombs(ToolTest):
         self.write("a.kelb", self.entangled(30))
         self.ok("check", "a.kelb")
         result = self.kel("convert", "--force", "a.kelb", "b.json")
-        self.assertEqual((result.status, result.err.count("more than 2147483648 values")), (1, 1))
+        self.assertEqual((result.status, result.err.count("exceed 2147483648 values")), (1, 1))
 
     def test_without_its_cycles_a_shared_value_is_written_out(self):
         self.write("a.kelb", self.entangled(3))

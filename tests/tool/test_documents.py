@@ -48,7 +48,7 @@ def obstacle(value, to_text):
     if not to_text or read_from_text(float(value)) == float(value):
         return None
     return ("a double whose integer part does not fit in 32 bits" if abs(value) >= 2**31 else
-            "a double that six decimals do not carry")
+            "a double that six decimals cannot hold")
 
 
 def step(name):
@@ -72,7 +72,7 @@ def obstacles(document, to_text):
 
 @unittest.skipUnless(FOLDER, "KEL_TEST_DATA names no folder")
 class Documents(ToolTest):
-    """Large documents from the world."""
+    """Large real-world documents."""
 
     def test_there_are_documents(self):
         self.assertNotEqual(NAMES, [])
@@ -91,7 +91,7 @@ class Documents(ToolTest):
         lines = result.err.splitlines()
         count = f"{len(lost)} place{'' if len(lost) == 1 else 's'}"
         self.assertEqual(result.status, 1)
-        self.assertEqual(lines[0], f"kel: {source}: {count} cannot be carried from json to "
+        self.assertEqual(lines[0], f"kel: {source}: {count} cannot be converted from json to "
                                    f"{'text' if to_text else 'binary'}:")
         self.assertEqual(lines[1:1 + min(10, len(lost))], ["  " + place for place in lost[:10]])
         self.assertEqual(self.files(), [])

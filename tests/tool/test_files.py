@@ -81,9 +81,9 @@ class MalformedInput(ToolTest):
         self.malformed("a.kelb", content[:-1],
                        f": offset {len(content) - 1}: unexpected end of input")
 
-    def test_binary_tells_the_offset_of_a_bad_header(self):
+    def test_binary_tells_the_offset_after_a_bad_header(self):
         self.malformed("a.kelb", int_record(1) + b"KEX\0" + bytes(30),
-                       f": offset {len(int_record(1))}: Error reading KEL header.")
+                       f": offset {len(int_record(1)) + 4}: Error reading KEL header.")
 
     def test_binary_tells_an_unknown_reference(self):
         self.malformed("a.kelb", b"KEL\0" + b"\1" * 16 + b"\xff\xff\xff\x7f",

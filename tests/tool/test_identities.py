@@ -9,7 +9,7 @@ class SharedIdentities(Losses):
     """Binary knows one value for each identity: a second one is not silently the first."""
 
     def becomes(self, plain):
-        """What was refused, converted all the same, holds this."""
+        """The refused file, converted with --force, holds this."""
         self.forced(self.source, "kelb")
         self.ok("convert", "out.kelb", "back.json")
         self.assertEqual(self.json("back.json"), plain)
@@ -73,7 +73,7 @@ class SharedIdentities(Losses):
                             f"[1]: {ANOTHER}")
         self.forced("a.kelb", "kelb")
         self.assertEqual(self.kel("convert", "--force", "out.kelb", "back.json").err,
-                         "kel: warning: out.kelb: 1 place cannot be carried from binary to json:\n"
+                         "kel: warning: out.kelb: 1 place cannot be converted from binary to json:\n"
                          "  [1][1]: a value that contains itself\n")
         self.assertEqual(self.json("back.json"), [1, [3]])
 

@@ -7,7 +7,7 @@ GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit
 
 
 def tabs(depth, text):
-    """The text in its written form: two blanks for a tab, as deep as asked for."""
+    """The text in its written form: two blanks become a tab, at the given depth."""
     lines = text.replace("  ", "\t").splitlines()
     return "".join("\t" * depth + line + "\n" if line else "\n" for line in lines)
 
@@ -61,14 +61,14 @@ class Kinds(ToolTest):
         """Converting the text is refused with these places and the advice to take text."""
         self.write("a.kel", text)
         self.places = (f"a.kel: {len(places)} place{'' if len(places) == 1 else 's'} cannot be "
-                       f"carried from text to {'binary' if to == 'kelb' else to}:\n" +
+                       f"converted from text to {'binary' if to == 'kelb' else to}:\n" +
                        "".join(f"  {place}\n" for place in places))
-        self.fails(1, "kel: " + self.places + "Nothing was written; text carries every kind, "
-                      "--force converts the rest.\n", "convert", "a.kel", "out." + to)
+        self.fails(1, "kel: " + self.places + "nothing was written; text keeps every kind; "
+                      "use --force to convert the rest\n", "convert", "a.kel", "out." + to)
         self.assertEqual(self.files(), ["a.kel"])
 
     def forced(self, to):
-        """Converts a.kel all the same; the result as JSON."""
+        """Converts a.kel with --force. Returns the result as JSON."""
         result = self.kel("convert", "--force", "a.kel", "out." + to)
         self.assertEqual((result.status, result.err), (0, "kel: warning: " + self.places))
         if to == "kelb":
@@ -171,17 +171,17 @@ class PlainData(Kinds):
         result = self.kel("convert", "a.kel", "b.kelb")
         self.assertEqual(result.status, 1)
         self.assertEqual(result.err.splitlines(), [
-            "kel: a.kel: 12 places cannot be carried from text to binary:",
+            "kel: a.kel: 12 places cannot be converted from text to binary:",
             *(f"  [{i}]: an index list" for i in range(10)),
             "  and 2 more",
-            "Nothing was written; text carries every kind, --force converts the rest."])
+            "nothing was written; text keeps every kind; use --force to convert the rest"])
 
     def test_a_value_in_several_places_becomes_one_value_in_binary(self):
         for text in ("<[][]>", "{ @type = 51\n}"):
             self.write("a.kel", f"[ {GUID}1 = {text} REF {GUID}1\n ]")
             self.assertEqual(self.kel("convert", "--force", "a.kel", "b.kelb").status, 0)
             kind = STRUCT if "{" in text else ARRAY
-            empty = record(kind, b"")[20:]  # behind the identity
+            empty = record(kind, b"")[20:]  # after the identity
             self.assertEqual(self.read("b.kelb").count(empty), 1)
 
     def test_other_values_named_like_a_descriptor_stay(self):
@@ -200,7 +200,7 @@ class PlainData(Kinds):
 
 class Check(Kinds):
     def violations(self, text, *lines):
-        """Check lists exactly these lines and answers no."""
+        """Check lists exactly these lines and ends with status 1."""
         self.write("a.kel", text)
         self.fails(1, "".join(f"kel: a.kel: {line}\n" for line in lines), "check", "a.kel")
 
@@ -318,7 +318,7 @@ class Check(Kinds):
     def test_ranges_that_fit_nothing_are_told(self):
         self.wrong_rules("a range for a type that is neither Int nor Double",
                          "type = 6", "min = 1", "max = 2")
-        self.wrong_rules('the range "a" to null is not one of numbers',
+        self.wrong_rules('the bounds "a" and null are not both numbers',
                          "type = 1", 'min = "a"', "max = NULL")
 
     def test_allowed_values_that_are_no_array_are_told(self):
@@ -326,8 +326,8 @@ class Check(Kinds):
 
     def test_only_variable_descriptors_describe(self):
         self.violations(checked(described(("x", "5"), ("y", "{ type = 1 }")), "x = 1"),
-                        "@desc.x: 5 is no variable descriptor",
-                        "@desc.y: a struct is no variable descriptor")
+                        "@desc.x: 5 is not a variable descriptor",
+                        "@desc.y: a struct is not a variable descriptor")
 
     def test_one_bound_alone_is_no_range(self):
         self.fine(checked(described(("x", rules("type = 1", "min = 5"))), "x = 1"))
@@ -376,7 +376,7 @@ class Depth(Kinds):
 
     def test_text_that_would_be_tabs_for_the_most_part_is_refused(self):
         self.deep("<[0][", "]>")
-        self.fails(1, "kel: a.kel: as text this would be more than 17179869184 bytes, because of "
+        self.fails(1, "kel: a.kel: as text the output would exceed 17179869184 bytes, because of "
                       "deep nesting or of values that are shared many times\n",
                    "show", "a.kel", small_stack=True)
 
@@ -412,7 +412,7 @@ class Sharing(Kinds):
             for command in (("show", "a.kel"), ("convert", "--force", "a.kel", "b.json")):
                 result = self.kel(*command)
                 self.assertEqual(result.status, 1)
-                self.assertIn("values are shared many times over", result.err)
+                self.assertIn("values are shared many times", result.err)
             self.assertEqual(self.kel("convert", "--force", "a.kel", "b.kelb").status, 0)
             self.assertLess(len(self.read("b.kelb")), 50000)
             self.ok("check", "b.kelb")

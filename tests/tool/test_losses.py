@@ -5,7 +5,7 @@ from support import (ARRAY, MEMBLOCK, ToolTest, double_record, int_record, recor
                      string_record, struct_record)
 
 GUID_TEXT = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
-ADVICE = "text carries every kind, "
+ADVICE = "text keeps every kind; "
 
 
 class Losses(ToolTest):
@@ -16,14 +16,14 @@ class Losses(ToolTest):
         self.write(source, content)
         names = {"kel": "text", "kelb": "binary", "json": "json"}
         count = count or len(places)
-        self.list = (f"{source}: {count} place{'' if count == 1 else 's'} cannot be carried from "
+        self.list = (f"{source}: {count} place{'' if count == 1 else 's'} cannot be converted from "
                      f"{names[source.split('.')[1]]} to {names[to]}:\n" +
                      "".join(f"  {place}\n" for place in places))
         if count > len(places):
             self.list += f"  and {count - len(places)} more\n"
         is_text_better = to != "kel" and any(place.endswith("a manager") for place in places)
-        self.fails(1, "kel: " + self.list + "Nothing was written; " +
-                   (ADVICE if is_text_better else "") + "--force converts the rest.\n",
+        self.fails(1, "kel: " + self.list + "nothing was written; " +
+                   (ADVICE if is_text_better else "") + "use --force to convert the rest\n",
                    "convert", source, "out." + to)
         self.assertEqual(self.files(), [source])
 
@@ -41,8 +41,8 @@ class LossesToText(Losses):
 
     def test_doubles_get_six_decimals(self):
         self.refused("a.json", "[0.1234567, 0.5, -1e-9]", "kel",
-                     "[0]: a double that six decimals do not carry",
-                     "[2]: a double that six decimals do not carry")
+                     "[0]: a double that six decimals cannot hold",
+                     "[2]: a double that six decimals cannot hold")
         self.assertEqual(self.forced("a.json", "kel"),
                          b"[\n\t0.123457\n\t0.500000\n\t-0.000000\n]\n")
 
@@ -78,7 +78,7 @@ class LossesToText(Losses):
     def test_the_way_leads_through_managers(self):
         inner = "00000001-0002-0003-0405-060708090A0B"
         self.refused("a.kel", f"( {GUID_TEXT} = {{ m = ( {inner} = [ 1 0.1234567 ] ) }} )", "kel",
-                     f"({GUID_TEXT}).m({inner})[1]: a double that six decimals do not carry")
+                     f"({GUID_TEXT}).m({inner})[1]: a double that six decimals cannot hold")
 
 
 class LossesToBinary(Losses):
@@ -113,7 +113,7 @@ class LossesToBinary(Losses):
         self.refused("a.json", "null", "kelb", "(the value itself): null outside a struct")
         result = self.kel("convert", "--force", "a.json", "out.kelb")
         self.assertEqual((result.status, result.err.splitlines()[-1]),
-                         (1, "kel: a.json: nothing is left to be written"))
+                         (1, "kel: a.json: nothing is left to write"))
         self.assertEqual(self.files(), ["a.json"])
 
     def test_doubles_and_quotes_are_no_loss(self):
@@ -152,7 +152,7 @@ class LossesToJson(Losses):
         self.assertEqual(self.json("b.json"), text)
 
     def test_structs_that_look_like_a_guid_or_block_are_listed(self):
-        looks = "a struct that JSON takes for a guid or memory block"
+        looks = "a struct that looks like a guid or memory block in JSON"
         members = [(b"a", struct_record([(b"$guid", string_record(GUID_TEXT.encode(), 2))], 3)),
                    (b"b", struct_record([(b"$memblock", string_record(b"AQID", 4))], 5)),
                    (b"c", struct_record([(b"$guid", string_record(b"none", 6))], 7))]

@@ -14,7 +14,7 @@ def limit_memory():
 
 @posix_only("Windows limits no address space of a process")
 class Memory(ToolTest):
-    """Too little memory says nothing about a file."""
+    """Too little memory is not a defect of a file."""
 
     def setUp(self):
         super().setUp()

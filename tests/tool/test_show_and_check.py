@@ -7,8 +7,8 @@ if os.name == "posix":
     import pty
     import resource
 
-from support import (ARRAY, MEMBLOCK, ToolTest, command, double_record, posix_only, record,
-                     string_record)
+from support import (ARRAY, MEMBLOCK, ToolTest, command, double_record, int_record, posix_only,
+                     record, reference, string_record, struct_record)
 
 
 class Show(ToolTest):
@@ -28,7 +28,7 @@ class Show(ToolTest):
         self.write("a.json", "[null, 1]")
         result = self.kel("show", "a.json")
         self.assertEqual((result.status, result.out), (0, b"[\n\t1\n]\n"))
-        self.assertEqual(result.err, "kel: warning: a.json: 1 place cannot be carried from json "
+        self.assertEqual(result.err, "kel: warning: a.json: 1 place cannot be converted from json "
                                      "to values:\n  [0]: null in an array\n")
 
 
@@ -52,19 +52,31 @@ class Check(ToolTest):
         self.fails(3, "kel: none.kel: No such file or directory\nkel: a.kel:1: syntax error\n",
                    "check", "none.kel", "a.kel")
 
+    def test_a_repeated_name_in_a_binary_file_is_told_with_its_path(self):
+        inner = struct_record([(b"a", int_record(1, 11)), (b"b", int_record(2, 12)),
+                               (b"a", reference(12))], 10)
+        self.write("a.kelb", struct_record([(b"list", record(ARRAY, int_record(1, 3) + inner, 2))]))
+        self.fails(1, "kel: a.kelb: names are repeated:\n"
+                      "  list[1].a: a repeated name; only its last value is kept\n",
+                   "check", "a.kelb")
+        self.fails(1, "kel: a.kelb: 1 place cannot be converted from binary to text:\n"
+                      "  list[1].a: a repeated name; only its last value is kept\n"
+                      "nothing was written; use --force to convert the rest\n",
+                   "convert", "a.kelb", "a.kel")
+
     def test_stdin_is_checked_too(self):
         self.ok("check", "-", input="[ 1 2 ]")
         self.fails(1, "kel: -:1: unexpected end of input\n", "check", "-", input="[ 1 2 ")
 
     def test_from_holds_for_all_files(self):
         self.write("a.kel", "1")
-        self.fails(1, "kel: a.kel: offset 0: Error reading KEL header.\n",
+        self.fails(1, "kel: a.kel: offset 1: Error reading KEL header.\n",
                    "check", "--from", "binary", "a.kel")
 
 
 class Progress(ToolTest):
     def run_slowly(self, seconds):
-        """Shows stdin that stays open for a while, with stderr on a terminal."""
+        """Shows stdin that remains open for a while, with stderr on a terminal."""
         terminal, stderr = pty.openpty()
         process = subprocess.Popen(command("show", "-"), stdin=subprocess.PIPE,
                                    stdout=subprocess.DEVNULL, stderr=stderr, cwd=self.folder)
@@ -78,7 +90,7 @@ class Progress(ToolTest):
             while piece := os.read(terminal, 4096):
                 shown += piece
         except OSError:
-            pass  # how Linux tells that nobody writes any more
+            pass  # how Linux reports that all writers are gone
         os.close(terminal)
         return shown
 
@@ -93,7 +105,7 @@ class Progress(ToolTest):
                          "only root can become somebody else")
     def test_work_goes_on_without_progress_where_no_thread_can_be_had(self):
         def become_one_process():
-            somebody = 54321  # who runs nothing else
+            somebody = 54321  # a user who runs nothing else
             resource.setrlimit(resource.RLIMIT_NPROC, (1, 1))
             os.setuid(somebody)
 

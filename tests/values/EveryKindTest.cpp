@@ -1,59 +1,26 @@
-// What holds for a value of every kind: counting, identity, copying, assigning, comparing.
+// Rules for values of every kind: counting, identity, copying, assigning, comparing.
 #include "meta/KELFactory.h"
-#include "meta/KEL_Manager_Impl.h"
-#include "support/Held.h"
+#include "support/Samples.h"
 #include "support/Thrown.h"
 #include "support/Watcher.h"
+#include "values/ChildCursor.h"
 #include "values/KELException_Impl.h"
-#include "values/KEL_Array_Impl.h"
-#include "values/KEL_Boolean_Impl.h"
-#include "values/KEL_Double_Impl.h"
-#include "values/KEL_Int_Impl.h"
-#include "values/KEL_MemBlock_Impl.h"
-#include "values/KEL_String_Impl.h"
-#include "values/KEL_Struct_Impl.h"
-#include "values/KEL_guid_Impl.h"
 
 #include <gtest/gtest.h>
 #include <string>
 
 namespace {
 
+using kel::test::equalTo;
+using kel::test::everyKind;
 using kel::test::Held;
-using kel::test::make;
+using kel::test::isScalar;
+using kel::test::sampleOf;
 using kel::test::thrownMessage;
 using kel::test::Watcher;
 using Value = Held<KEL_Impl>;
 
 const std::string differentTypes = "Can't set the value when types are not equal!";
-
-/// One value of the kind with contents of its own.
-Value sampleOf(int32_t kind) {
-    Value value(kel::createValue(kind, nullptr));
-    switch (kind) {
-    case KELKind_Int:
-        return Value(new KEL_Int_Impl(7));
-    case KELKind_Boolean:
-        return Value(new KEL_Boolean_Impl(true));
-    case KELKind_Double:
-        return Value(new KEL_Double_Impl(2.5));
-    case KELKind_guid:
-        return Value(new KEL_guid_Impl(JHashCode(1, 2, 3, 4)));
-    case KELKind_MemBlock:
-        return Value(new KEL_MemBlock_Impl(3, "abc"));
-    case KELKind_String:
-        return Value(new KEL_String_Impl("text"));
-    case KELKind_Array:
-        dynamic_cast<KEL_Array&>(*value).addInt(7);
-        return value;
-    case KELKind_Struct:
-        dynamic_cast<KEL_Struct&>(*value).putInt("x", 7);
-        return value;
-    default:
-        dynamic_cast<KEL_Manager&>(*value).addKel(make<KEL_Int_Impl>(7).get());
-        return value;
-    }
-}
 
 /// The values' own comparison of identities, as a host calls it.
 bool areSame(const KEL& value, const KEL* other) {
@@ -61,15 +28,21 @@ bool areSame(const KEL& value, const KEL* other) {
 }
 
 /// Every test below runs for each kind.
-class EveryKind : public ::testing::TestWithParam<int32_t> {
+class EveryKind : public ::testing::TestWithParam<KELKind> {
 protected:
     Value value = sampleOf(GetParam());
+    const Value same = equalTo(value);
 };
 
-INSTANTIATE_TEST_SUITE_P(Kinds, EveryKind, ::testing::Range<int32_t>(1, 10));
+INSTANTIATE_TEST_SUITE_P(Kinds, EveryKind, ::testing::ValuesIn(everyKind));
 
 TEST_P(EveryKind, AnswersItsKind) {
     EXPECT_EQ(value->getType(), GetParam());
+}
+
+TEST_P(EveryKind, HasChildrenExactlyIfItIsAContainer) {
+    kel::ChildCursor cursor(*value);
+    EXPECT_EQ(value->isContainer(), cursor.next());
 }
 
 TEST_P(EveryKind, IsStoredInVersion1) {
@@ -108,14 +81,12 @@ TEST_P(EveryKind, KeepsAGivenIdentity) {
 }
 
 TEST_P(EveryKind, EqualsIsIdentity) {
-    const Value same = sampleOf(GetParam());
     EXPECT_TRUE(areSame(*value, value.get()));
     EXPECT_FALSE(areSame(*value, same.get()));
     EXPECT_FALSE(areSame(*value, nullptr));
 }
 
 TEST_P(EveryKind, ComparesTwoValuesByIdentity) {
-    const Value same = sampleOf(GetParam());
     EXPECT_TRUE(value->equals(same.get(), same.get()));
     EXPECT_FALSE(value->equals(value.get(), same.get()));
     EXPECT_FALSE(value->equals(nullptr, same.get()));
@@ -131,7 +102,7 @@ TEST_P(EveryKind, TwoValuesOfOneIdentityAreEqual) {
 }
 
 TEST_P(EveryKind, EqualsAValueOfTheSameContents) {
-    EXPECT_TRUE(value->equalsValue(sampleOf(GetParam()).get()));
+    EXPECT_TRUE(value->equalsValue(same.get()));
     EXPECT_TRUE(value->equalsValue(value.get()));
     EXPECT_FALSE(value->equalsValue(nullptr));
 }
@@ -143,8 +114,10 @@ TEST_P(EveryKind, DoesNotEqualAnEmptyValueOfItsKind) {
 }
 
 TEST_P(EveryKind, EqualsNoOtherKind) {
-    for (int32_t kind = 1; kind < 10; ++kind) {
-        EXPECT_EQ(value->equalsValue(sampleOf(kind).get()), kind == GetParam()) << kind;
+    for (const KELKind kind : everyKind) {
+        if (kind != GetParam()) {
+            EXPECT_FALSE(value->equalsValue(sampleOf(kind).get())) << kind;
+        }
     }
 }
 
@@ -184,14 +157,14 @@ TEST_P(EveryKind, TakesOverItsOwnKindAndNotifiesOnce) {
 TEST_P(EveryKind, RefusesToTakeOverAnotherKind) {
     Watcher watcher;
     value->addObserver(&watcher);
-    for (int32_t kind = 1; kind < 10; ++kind) {
+    for (const KELKind kind : everyKind) {
         if (kind != GetParam()) {
             const Value other = sampleOf(kind);
             EXPECT_EQ(thrownMessage<KELNoSuchTypeException>([&] { value->assign(other.get()); }),
                       differentTypes);
         }
     }
-    EXPECT_TRUE(value->equalsValue(sampleOf(GetParam()).get()));
+    EXPECT_TRUE(value->equalsValue(same.get()));
     EXPECT_EQ(watcher.calls(), 0);
 }
 
@@ -200,25 +173,24 @@ TEST_P(EveryKind, AssigningNullChangesNothing) {
     value->addObserver(&watcher);
     value->assign(nullptr);
     value->assignConverted(nullptr, true);
-    EXPECT_TRUE(value->equalsValue(sampleOf(GetParam()).get()));
+    EXPECT_TRUE(value->equalsValue(same.get()));
     EXPECT_EQ(watcher.calls(), 0);
 }
 
 TEST_P(EveryKind, AssigningItselfChangesNoContents) {
     value->assign(value.get());
     value->assignConverted(value.get(), true);
-    EXPECT_TRUE(value->equalsValue(sampleOf(GetParam()).get()));
+    EXPECT_TRUE(value->equalsValue(same.get()));
 }
 
 TEST_P(EveryKind, ConvertsFromEveryKindThatHasAForm) {
-    const bool isScalar = GetParam() <= 4 || GetParam() == KELKind_String;
-    for (int32_t kind = 1; kind < 10; ++kind) {
+    for (const KELKind kind : everyKind) {
         const Value source = sampleOf(kind);
         const Value target = sampleOf(GetParam());
         Watcher watcher;
         target->addObserver(&watcher);
         target->assignConverted(source.get(), true);
-        const bool hasForm = kind == GetParam() || (isScalar && (kind <= 4 || kind == 6));
+        const bool hasForm = kind == GetParam() || (isScalar(GetParam()) && isScalar(kind));
         EXPECT_EQ(watcher.calls(), hasForm ? 1 : 0) << kind;
         EXPECT_EQ(target->getType(), GetParam());
     }
@@ -237,7 +209,60 @@ TEST_P(EveryKind, ConvertingKeepsTheIdentityAndIsQuietWhenAskedTo) {
 
 TEST_P(EveryKind, FreeingATextThatWasNeverMadeDoesNothing) {
     value->freeString();
-    EXPECT_TRUE(value->equalsValue(sampleOf(GetParam()).get()));
+    EXPECT_TRUE(value->equalsValue(same.get()));
+}
+
+TEST_P(EveryKind, HasAScalarFormOrTheNeutralOne) {
+    JHashCode guid(9, 9, 9, 9);
+    if (!isScalar(GetParam())) {
+        EXPECT_FALSE(value->toBoolean());
+        EXPECT_EQ(value->toInt(), 0);
+        EXPECT_EQ(value->toDouble(), 0.0);
+        EXPECT_EQ(value->toString(), nullptr);
+        EXPECT_EQ(value->toGuid(guid), JHashCode());
+    } else {
+        EXPECT_NE(value->toString(), nullptr);
+    }
+}
+
+// ---- The setters of scalars --------------------------------------------------------------------
+
+void setAgain(KEL_Int& value) {
+    value.setValue(value.getValue());
+}
+void setAgain(KEL_Boolean& value) {
+    value.setValue(value.getValue());
+}
+void setAgain(KEL_Double& value) {
+    value.setValue(value.getValue());
+}
+void setAgain(KEL_String& value) {
+    value.setValue(value.getValue());
+}
+void setAgain(KEL_guid& value) {
+    JHashCode guid;
+    value.setValue(value.getValue(guid));
+}
+
+template <class Scalar> void expectOneChangeForEachSetter(const Value& value) {
+    auto& scalar = dynamic_cast<Scalar&>(*value);
+    Watcher watcher;
+    value->addObserver(&watcher);
+    setAgain(scalar);
+    scalar.setBoolean(true)->setInt(2)->setDouble(2.5)->setguid(JHashCode(4))->setString("3");
+    EXPECT_EQ(watcher.calls(), 6);
+    const Held<KEL> before(value->copy());
+    EXPECT_EQ(scalar.setString(nullptr), &scalar);
+    EXPECT_TRUE(value->equalsValue(before.get()));
+    EXPECT_EQ(watcher.calls(), 6);
+}
+
+TEST(EveryScalar, EverySetterNotifiesOnceAndNullTextSetsNothing) {
+    expectOneChangeForEachSetter<KEL_Int>(sampleOf(KELKind_Int));
+    expectOneChangeForEachSetter<KEL_Boolean>(sampleOf(KELKind_Boolean));
+    expectOneChangeForEachSetter<KEL_Double>(sampleOf(KELKind_Double));
+    expectOneChangeForEachSetter<KEL_String>(sampleOf(KELKind_String));
+    expectOneChangeForEachSetter<KEL_guid>(sampleOf(KELKind_guid));
 }
 
 } // namespace

@@ -50,20 +50,6 @@ protected:
     Held<KEL_Int_Impl> two = make<KEL_Int_Impl>(2);
 };
 
-TEST_F(KEL_ArrayTest, IsOfItsKindAndEmptyAtFirst) {
-    EXPECT_EQ(array->getType(), 7);
-    EXPECT_EQ(array->getCount(), 0);
-}
-
-TEST_F(KEL_ArrayTest, HasNoScalarForm) {
-    JHashCode guid(9, 9, 9, 9);
-    EXPECT_FALSE(array->toBoolean());
-    EXPECT_EQ(array->toInt(), 0);
-    EXPECT_EQ(array->toDouble(), 0.0);
-    EXPECT_EQ(array->toString(), nullptr);
-    EXPECT_EQ(array->toGuid(guid), JHashCode());
-}
-
 TEST_F(KEL_ArrayTest, AddVarSharesTheValueAndAnswersItsIndex) {
     EXPECT_EQ(array->addVar(one.get()), 0);
     EXPECT_EQ(array->addVar(two.get()), 1);
@@ -307,23 +293,10 @@ TEST_F(KEL_ArrayTest, AddVarsReadsTheCountOfTheOtherAtEveryStep) {
     EXPECT_EQ(numbers(), (Numbers{1}));
 }
 
-TEST_F(KEL_ArrayTest, DoesNotObserveItsElements) {
-    array->addVar(one.get());
-    watcher.told.clear();
-    one->setValue(9);
-    array->setInt(0, 10);
-    EXPECT_EQ(watcher.calls(), 0);
-}
-
 TEST_F(KEL_ArrayTest, ReleasesItsElementsWhenItGoes) {
     array->addVar(one.get());
     array.clear();
     EXPECT_EQ(referencesOf(*one), 1);
-}
-
-TEST_F(KEL_ArrayTest, HoldsTheOnlyReferenceToWhatItMakes) {
-    array->addInt(5);
-    EXPECT_EQ(referencesOf(*array->getVar(0)), 1);
 }
 
 } // namespace

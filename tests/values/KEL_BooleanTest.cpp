@@ -72,20 +72,4 @@ TEST(KEL_Boolean, SettersConvertByTheRulesOfTheOtherKind) {
     EXPECT_FALSE(value->setguid(JHashCode())->getValue());
 }
 
-TEST(KEL_Boolean, SetFromNullTextChangesNothing) {
-    const Held<KEL_Boolean> value = of(true);
-    EXPECT_EQ(value->setString(nullptr), value.get());
-    EXPECT_TRUE(value->getValue());
-}
-
-TEST(KEL_Boolean, EverySetterNotifiesOnce) {
-    const auto value = make<KEL_Boolean_Impl>(false);
-    Watcher watcher;
-    value->addObserver(&watcher);
-    value->setValue(false);
-    value->setBoolean(true)->setInt(2)->setDouble(2.5)->setString("3")->setguid(JHashCode(4));
-    value->setString(nullptr);
-    EXPECT_EQ(watcher.calls(), 6);
-}
-
 } // namespace

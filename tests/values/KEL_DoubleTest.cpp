@@ -134,14 +134,4 @@ TEST(KEL_Double, SetFromTextWithoutANumberIs0AndFromNullIsNoChange) {
     EXPECT_EQ(value->setString("inf")->getValue(), 0.0);
 }
 
-TEST(KEL_Double, EverySetterNotifiesOnce) {
-    const auto value = make<KEL_Double_Impl>(0.0);
-    Watcher watcher;
-    value->addObserver(&watcher);
-    value->setValue(0.0);
-    value->setBoolean(true)->setInt(2)->setDouble(2.5)->setString("3")->setguid(JHashCode(4));
-    value->setString(nullptr);
-    EXPECT_EQ(watcher.calls(), 6);
-}
-
 } // namespace

@@ -42,21 +42,6 @@ TEST(KEL_Int, IsANumber) {
     EXPECT_EQ(of(INT32_MIN)->toDouble(), -2147483648.0);
 }
 
-TEST(KEL_Int, HasTheUsualWidthsOfC) {
-    const Held<KEL_Int> value = of(-129);
-    EXPECT_EQ(value->toSignedChar(), 127);
-    EXPECT_EQ(value->toUnsignedChar(), 127);
-    EXPECT_EQ(value->toShort(), -129);
-    EXPECT_EQ(value->toUnsignedShort(), 65407);
-    EXPECT_EQ(value->toUnsignedInt(), 4294967167U);
-    EXPECT_EQ(value->toLong(), -129);
-    EXPECT_EQ(value->toUnsignedLong(), std::numeric_limits<unsigned long>::max() - 128);
-    EXPECT_EQ(value->toInt64(), -129);
-    EXPECT_EQ(value->toUnsignedInt64(), 18446744073709551487U);
-    EXPECT_EQ(value->toFloat(), -129.0F);
-    EXPECT_EQ(value->toLongDouble(), -129.0L);
-}
-
 TEST(KEL_Int, TextIsDecimal) {
     EXPECT_STREQ(of(0)->toString(), "0");
     EXPECT_STREQ(of(2147483647)->toString(), "2147483647");
@@ -123,17 +108,6 @@ TEST(KEL_Int, SetFromADoubleTakesTheLow32BitsOfItsTruncation) {
     const Held<KEL_Int> value = of(5);
     EXPECT_EQ(value->setDouble(4294967303.5)->getValue(), 7);
     EXPECT_EQ(value->setDouble(1e300)->getValue(), 0);
-}
-
-TEST(KEL_Int, EverySetterNotifiesOnce) {
-    const auto value = make<KEL_Int_Impl>(5);
-    Watcher watcher;
-    value->addObserver(&watcher);
-    value->setValue(5);
-    value->setBoolean(true)->setInt(2)->setDouble(2.5)->setString("3")->setguid(JHashCode(4));
-    value->setString(nullptr);
-    EXPECT_EQ(watcher.calls(), 6);
-    value->removeObserver(&watcher);
 }
 
 } // namespace

@@ -111,6 +111,15 @@ TEST_F(KEL_MultiSelectorTest, BothClearingOperationsSelectNothing) {
     EXPECT_EQ(selected(), "");
 }
 
+TEST_F(KEL_MultiSelectorTest, ClearingTellsTheObserversOfTheArrayAlsoIfItWasEmpty) {
+    Watcher ofKeys;
+    selector->getSelectedKeys()->addObserver(&ofKeys);
+    selector->clearSelection();
+    selector->deselectAll();
+    EXPECT_EQ(ofKeys.calls(), 2);
+    EXPECT_EQ(watcher.calls(), 0); // the selection has not changed
+}
+
 TEST_F(KEL_MultiSelectorTest, TheArrayOfSelectedKeysIsTheSelectionItself) {
     selector->selectKey(red.get());
     selector->getSelectedKeys()->removeAllVars();

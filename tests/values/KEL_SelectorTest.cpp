@@ -30,15 +30,6 @@ TEST_F(KEL_SelectorTest, IsOfItsKindAndSelectsNothingAtFirst) {
     EXPECT_FALSE(selector->isSelectedItem(one.get()));
 }
 
-TEST_F(KEL_SelectorTest, HasNoScalarForm) {
-    JHashCode guid(9, 9, 9, 9);
-    selector->selectKey(red.get());
-    EXPECT_EQ(selector->toString(), nullptr);
-    EXPECT_EQ(selector->toInt(), 0);
-    EXPECT_FALSE(selector->toBoolean());
-    EXPECT_TRUE(selector->toGuid(guid).isZero());
-}
-
 TEST_F(KEL_SelectorTest, SharesItsList) {
     EXPECT_EQ(static_cast<KEL*>(selector->getList()), list.get());
     EXPECT_EQ(referencesOf(*list), 2);
@@ -58,7 +49,7 @@ TEST_F(KEL_SelectorTest, SelectsAKeyOfTheListAndNotifiesOnce) {
     EXPECT_EQ(selector->getSelectedKey(), red.get());
     EXPECT_EQ(constant.getSelectedKey(), red.get());
     EXPECT_EQ(selector->getSelectedItem(), one.get());
-    EXPECT_EQ(constant.getSelectedItem(), one.get());
+    EXPECT_EQ(selector->getSelectedItemByKeyValue(), one.get());
     EXPECT_EQ(watcher.told, std::vector<KEL*>{selector.get()});
 }
 
@@ -124,7 +115,6 @@ TEST_F(KEL_SelectorTest, IsSelectedComparesByIdentity) {
 }
 
 TEST_F(KEL_SelectorTest, AKeyThatHasLeftTheListIsNotFound) {
-    const KEL_Selector& constant = *selector;
     selector->selectKey(red.get());
     asList(list).removeKey(red.get());
     const auto messageOf = [](const auto& action) {
@@ -132,16 +122,23 @@ TEST_F(KEL_SelectorTest, AKeyThatHasLeftTheListIsNotFound) {
     };
     EXPECT_EQ(selector->getSelectedKey(), red.get());
     EXPECT_EQ(messageOf([&] { selector->getSelectedItem(); }), "Key not found in list.");
-    EXPECT_EQ(messageOf([&] { constant.getSelectedItem(); }), "Key value not found in list.");
-    EXPECT_EQ(messageOf([&] { selector->isSelectedItem(one.get()); }), "Key not found in list.");
+    EXPECT_EQ(messageOf([&] { selector->getSelectedItemByKeyValue(); }),
+              "Key value not found in list.");
 }
 
-TEST_F(KEL_SelectorTest, TheConstantSelectorLooksByValue) {
+TEST_F(KEL_SelectorTest, AKeyThatHasLeftTheListHasNoItem) {
+    selector->selectKey(red.get());
+    asList(list).removeKey(red.get());
+    EXPECT_FALSE(selector->isSelectedItem(one.get()));
+    EXPECT_FALSE(selector->isSelectedItem(nullptr));
+}
+
+TEST_F(KEL_SelectorTest, TheNameSaysWhetherTheItemIsFoundByIdentityOrByValue) {
     const KEL_Selector& constant = *selector;
     selector->selectKey(red.get());
     asList(list).setKeyOfItem(one.get(), otherRed.get());
-    EXPECT_EQ(constant.getSelectedItem(), one.get());
-    EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { selector->getSelectedItem(); }),
+    EXPECT_EQ(selector->getSelectedItemByKeyValue(), one.get());
+    EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { constant.getSelectedItem(); }),
               "Key not found in list.");
 }
 

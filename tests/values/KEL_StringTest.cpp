@@ -96,15 +96,6 @@ TEST(KEL_String, SettersStoreTheTextForm) {
     EXPECT_STREQ(value->setguid(JHashCode(1))->getValue(), "00000001-0000-0000-0000-000000000000");
 }
 
-TEST(KEL_String, SettersReturnTheValueItself) {
-    const Held<KEL_String> value = of("");
-    EXPECT_EQ(value->setBoolean(true), value.get());
-    EXPECT_EQ(value->setInt(1), value.get());
-    EXPECT_EQ(value->setDouble(1.0), value.get());
-    EXPECT_EQ(value->setString(nullptr), value.get());
-    EXPECT_EQ(value->setguid(JHashCode()), value.get());
-}
-
 TEST(KEL_String, SetFromNullChangesNothing) {
     const Held<KEL_String> value = of("abc");
     value->setValue(nullptr);
@@ -140,16 +131,6 @@ TEST(KEL_String, FailureToAllocateIsTheStringsOwn) {
     const kel::test::FailingAllocation failing(1);
     EXPECT_EQ(thrownMessage<JOutOfMemoryException>([&] { value->setValue("def"); }),
               "Cannot allocate memory in JString constructor.");
-}
-
-TEST(KEL_String, EverySetterNotifiesOnce) {
-    const auto value = make<KEL_String_Impl>("");
-    Watcher watcher;
-    value->addObserver(&watcher);
-    value->setValue("");
-    value->setBoolean(true)->setInt(2)->setDouble(2.5)->setString("3")->setguid(JHashCode(4));
-    value->setString(nullptr);
-    EXPECT_EQ(watcher.calls(), 6);
 }
 
 } // namespace

@@ -85,20 +85,4 @@ TEST(KEL_guid, SettersPutNumbersIntoTheLowestWord) {
     EXPECT_EQ(valueOf(*value->setguid(sample)), sample);
 }
 
-TEST(KEL_guid, SetFromNullTextChangesNothing) {
-    const Held<KEL_guid> value = of(sample);
-    EXPECT_EQ(value->setString(nullptr), value.get());
-    EXPECT_EQ(valueOf(*value), sample);
-}
-
-TEST(KEL_guid, EverySetterNotifiesOnce) {
-    const auto value = make<KEL_guid_Impl>(sample);
-    Watcher watcher;
-    value->addObserver(&watcher);
-    value->setValue(sample);
-    value->setBoolean(true)->setInt(2)->setDouble(2.5)->setString("3")->setguid(JHashCode(4));
-    value->setString(nullptr);
-    EXPECT_EQ(watcher.calls(), 6);
-}
-
 } // namespace

@@ -1,5 +1,5 @@
-// Keyed lists, selectors, checked structs and descriptors: no depth is too deep, and values that
-// contain themselves are copied, compared and taken apart.
+// Keyed lists, selectors, checked structs and descriptors: any depth works, and values that contain
+// themselves are copied, compared and taken apart.
 #include "support/AllocationFailure.h"
 #include "support/Kinds.h"
 #include "support/SmallStack.h"
@@ -20,7 +20,7 @@ constexpr int many = million / 4; // for what differs little from its neighbour
 
 using Wrap = KEL_Impl* (*)(KEL_Impl* inner);
 
-/// Wraps a value, whose reference is taken over, so many times.
+/// Wraps a value the given number of times. Takes over the reference to it.
 HeldValue nested(int levels, Wrap wrap) {
     KEL_Impl* value = new KEL_Int_Impl(7);
     for (int i = 0; i < levels; ++i) {
@@ -125,7 +125,7 @@ TEST(KindsDepth, AMillionMultiSelectorsAreCopiedComparedAndDestroyed) {
     });
 }
 
-/// A text of so many levels, without indentation.
+/// A text of the given number of levels, without indentation.
 std::string nestedText(int levels, const std::string& open, const std::string& close) {
     std::string text;
     for (int i = 0; i < levels; ++i) {
@@ -155,7 +155,7 @@ int depthOf(const KEL_Impl& root, bool byLast) {
     return depth;
 }
 
-/// Reads a deep text with little stack, looks at the bottom and destroys what was read.
+/// Reads a deep text with little stack, checks the innermost value and destroys the values read.
 int depthRead(int levels, const std::string& open, const std::string& close, bool byLast) {
     int depth = 0;
     runInSmallStack([&] {

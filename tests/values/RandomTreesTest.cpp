@@ -1,12 +1,16 @@
-// What holds for every tree of values.
+// Rules for every tree of values.
+#include "meta/KELFactory.h"
 #include "support/Held.h"
 #include "support/RandomTree.h"
+#include "support/SameTree.h"
 #include "support/Trees.h"
 #include "values/ChildCursor.h"
+#include "values/UnfoldedSize.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -27,7 +31,7 @@ RandomTreeOptions withoutNulls() {
     return options;
 }
 
-/// Changes one value of the tree, but nothing inside a manager: those the copy shares.
+/// Changes one value of the tree, but none inside a manager, because the copy shares those.
 /// \return false if it has nothing to change
 bool changeOneOf(KEL_Impl& root, RandomNumbers& numbers) {
     const std::vector<KEL_Impl*> values = valuesOf(root, false);
@@ -97,15 +101,27 @@ TEST(RandomTrees, ACopySharesNothingButWhatManagersHold) {
         const Held<KEL_Impl> tree(randomTree(seed, withoutNulls()));
         const Held<KEL_Impl> copy(KEL_Impl::of(tree->copy()));
         const std::vector<KEL_Impl*> mine = valuesOf(*tree, false);
-        const std::vector<KEL_Impl*> theirs = valuesOf(*copy, false);
-        ASSERT_EQ(mine.size(), theirs.size()) << seed; // the same shape
-        for (std::size_t i = 0; i < mine.size(); ++i) {
-            ASSERT_EQ(mine[i]->getType(), theirs[i]->getType()) << seed;
-            ASSERT_EQ(std::count(mine.begin(), mine.end(), theirs[i]), 0) << seed;
-            if (mine[i]->getType() == KELKind_Manager) {
-                ASSERT_EQ(elementsOf(*mine[i]), elementsOf(*theirs[i])) << seed;
+        for (const KEL_Impl* value : valuesOf(*copy, false)) {
+            ASSERT_EQ(std::count(mine.begin(), mine.end(), value), 0) << seed;
+        }
+        // Both unfolded side by side.
+        std::vector<std::pair<KEL_Impl*, KEL_Impl*>> pairs{{tree.get(), copy.get()}};
+        for (std::size_t i = 0; i < pairs.size(); ++i) {
+            const auto [source, copied] = pairs[i];
+            ASSERT_EQ(source->getType(), copied->getType()) << seed;
+            ASSERT_FALSE(copied->isShared()) << seed << ' ' << describe(*tree);
+            const std::vector<KEL_Impl*> inSource = elementsOf(*source);
+            const std::vector<KEL_Impl*> inCopy = elementsOf(*copied);
+            ASSERT_EQ(inSource.size(), inCopy.size()) << seed;
+            if (source->getType() == KELKind_Manager) {
+                ASSERT_EQ(inSource, inCopy) << seed;
+                continue;
+            }
+            for (std::size_t k = 0; k < inSource.size(); ++k) {
+                pairs.emplace_back(inSource[k], inCopy[k]);
             }
         }
+        ASSERT_EQ(kel::unfoldedSize(*tree), pairs.size()) << seed;
     }
 }
 
@@ -141,7 +157,38 @@ TEST(RandomTrees, WithCyclesTooACopyEqualsItsSource) {
         const kel::test::TakeApart copied(copy.get());
         ASSERT_TRUE(copy->equalsValue(tree.get())) << seed << ' ' << describe(*tree);
         ASSERT_TRUE(tree->equalsValue(copy.get())) << seed << ' ' << describe(*tree);
-        ASSERT_EQ(valuesOf(*tree, false).size(), valuesOf(*copy, false).size()) << seed;
+    }
+}
+
+TEST(RandomTrees, ACopyOfATreeWithACycleHasItsShape) {
+    RandomTreeOptions options = withoutNulls();
+    options.cycles = true;
+    options.managers = false; // their elements are shared
+    uint64_t count = 0;
+    for (uint64_t seed = 0; seed < treeCount / 4; ++seed) {
+        const Held<KEL_Impl> tree(randomTree(seed, options));
+        const kel::test::TakeApart source(tree.get());
+        if (kel::unfoldedSize(*tree).has_value()) {
+            continue; // no cycle
+        }
+        ++count;
+        const Held<KEL_Impl> copy(KEL_Impl::of(tree->copy()));
+        const kel::test::TakeApart copied(copy.get());
+        ASSERT_EQ(differenceOf(*tree, *copy, kel::test::Kept::inText), "") << seed;
+    }
+    EXPECT_GT(count, 100U);
+}
+
+TEST(RandomTrees, TakingOverATreeOfAnyKindsEqualsIt) {
+    RandomTreeOptions options;
+    options.lists = options.metas = options.selectors = true;
+    for (uint64_t seed = 0; seed < treeCount / 4; ++seed) {
+        const Held<KEL_Impl> tree(randomTree(seed, options));
+        if (tree->isContainer()) {
+            const Held<KEL_Impl> target(kel::createValue(tree->getType(), nullptr));
+            target->assign(tree.get());
+            ASSERT_TRUE(target->equalsValue(tree.get())) << seed << ' ' << describe(*tree);
+        }
     }
 }
 

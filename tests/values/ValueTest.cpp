@@ -180,7 +180,7 @@ TEST(Value, AManagerTakesOverTheSameElements) {
 TEST(Value, ConvertingUsesTheContainersRules) {
     const auto truth = make<KEL_Boolean_Impl>(false);
     truth->assignConverted(make<KEL_Int_Impl>(2).get(), true);
-    EXPECT_TRUE(truth->getValue()); // its own setInt would say false
+    EXPECT_TRUE(truth->getValue()); // its own setInt would store false
     truth->assignConverted(make<KEL_Double_Impl>(1.0).get(), true);
     EXPECT_FALSE(truth->getValue());
 }

@@ -12,7 +12,7 @@ namespace {
 /// Bytes that are the same for two scalars if these are equal in value; nothing for a container or
 /// a memory block.
 std::optional<std::string> contentsOf(const KEL& value) {
-    switch (value.getType()) {
+    switch (kindOf(value).kind) {
     case KELKind_Int:
     case KELKind_Double: { // which are compared as numbers: one zero, one that is no number
         const double number = value.toDouble() + 0.0;
@@ -26,9 +26,19 @@ std::optional<std::string> contentsOf(const KEL& value) {
         return 'g' + std::string(value.toString());
     case KELKind_String:
         return 's' + std::string(value.toString());
-    default:
-        return std::nullopt;
+    case KELKind_MemBlock:
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Manager:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+    case KELKind_IndexList:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        break;
     }
+    return std::nullopt;
 }
 
 } // namespace

@@ -73,12 +73,29 @@ void replaceMembers(KEL_Struct& structure, const Replacement& replace) {
 } // namespace
 
 void replaceChildren(KEL& container, const Replacement& replace) {
-    if (auto* array = dynamic_cast<KEL_Array*>(&container)) {
-        replaceElements(*array, replace);
-    } else if (auto* list = dynamic_cast<KEL_IndexList*>(&container)) {
-        replacePairs(*list, replace);
-    } else if (auto* structure = dynamic_cast<KEL_Struct*>(&container)) {
-        replaceMembers(*structure, replace);
+    switch (kindOf(container).kind) {
+    case KELKind_Array:
+        replaceElements(dynamic_cast<KEL_Array&>(container), replace);
+        return;
+    case KELKind_IndexList:
+        replacePairs(dynamic_cast<KEL_IndexList&>(container), replace);
+        return;
+    case KELKind_Struct:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        replaceMembers(dynamic_cast<KEL_Struct&>(container), replace);
+        return;
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_Double:
+    case KELKind_guid:
+    case KELKind_MemBlock:
+    case KELKind_String:
+    case KELKind_Manager:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+        return;
     }
 }
 

@@ -1,13 +1,13 @@
 #include "Commands.h"
 
 #include "DescriptorCheck.h"
+#include "DocumentScan.h"
 #include "Failure.h"
-#include "Fitter.h"
 #include "Input.h"
-#include "JsonWriter.h"
 #include "KelWriter.h"
-#include "OutputFile.h"
-#include "Survey.h"
+#include "Representable.h"
+#include "system/OutputFile.h"
+#include "json/JsonWriter.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -39,21 +39,21 @@ void write(const Document& document, Format format, const std::string& name, Con
 }
 
 /// The list of what is lost on the way from the input.
-std::string lossesOf(const Places& places, const std::string& inputName, const Input& input,
-                     const char* target) {
-    const std::string heading = inputName + ": " + std::to_string(places.count()) +
-                                (places.count() == 1 ? " place" : " places") +
-                                " cannot be carried from " + nameOf(input.format) + " to " +
+std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
+                   const char* target) {
+    const std::string heading = inputName + ": " + std::to_string(losses.count()) +
+                                (losses.count() == 1 ? " place" : " places") +
+                                " cannot be converted from " + nameOf(input.format) + " to " +
                                 target + ':';
-    return describe(places, heading, input.document.roots().size());
+    return describe(losses, heading, input.document.roots().size());
 }
 
 /// Looks the document through for what it would become in the target format.
-/// \param places gets what the target cannot carry; null when that is known
-Survey survey(Input& input, Format target, const std::string& inputName, Places* places) {
-    Survey found;
+/// \param losses gets what the target cannot carry; null when that is known
+DocumentScan scan(Input& input, Format target, const std::string& inputName, Losses* losses) {
+    DocumentScan found;
     try {
-        found = surveyOf(input.document, target, places);
+        found = scanDocument(input.document, target, losses);
     } catch (Failure& failure) {
         failure.message = inputName + ": " + failure.message;
         throw;
@@ -67,26 +67,26 @@ Survey survey(Input& input, Format target, const std::string& inputName, Places*
 int convert(const Options& options, Console& console) {
     const std::string& name = options.inputs.front();
     const Format target = *options.to;
-    Places places;
+    Losses losses;
     console.begin("reading " + name);
-    Input input = readInput(name, options.from, target, places);
+    Input input = readInput(name, options.from, target, losses);
     console.begin("checking " + name);
     // The reader of JSON has listed everything already, under the paths of the JSON text.
-    Places* rest = input.format == Format::json ? nullptr : &places;
-    const Survey found = survey(input, target, name, rest);
-    requireSensibleSize(found, target, name);
-    if (places.count() > 0) {
-        const std::string list = lossesOf(places, name, input, nameOf(target));
+    Losses* rest = input.format == Format::json ? nullptr : &losses;
+    const DocumentScan found = scan(input, target, name, rest);
+    refuseHugeOutput(found, target, name);
+    if (losses.count() > 0) {
+        const std::string list = listOf(losses, name, input, nameOf(target));
         if (!options.isForced) {
             const bool advisesText = found.hasTextOnly && target != Format::text;
-            throw Failure{Trouble::refused, list + "\nNothing was written; " +
-                                                (advisesText ? "text carries every kind, " : "") +
-                                                "--force converts the rest."};
+            throw Failure{Trouble::refused, list + "\nnothing was written; " +
+                                                (advisesText ? "text keeps every kind; " : "") +
+                                                "use --force to convert the rest"};
         }
         console.say("warning: " + list);
-        fit(input.document, target, found.namesakes);
+        makeRepresentable(input.document, target, found.namesakes);
         if (input.document.roots().empty()) {
-            throw Failure{Trouble::refused, name + ": nothing is left to be written"};
+            throw Failure{Trouble::refused, name + ": nothing is left to write"};
         }
     }
     write(input.document, target, options.output, console);
@@ -95,18 +95,18 @@ int convert(const Options& options, Console& console) {
 
 int show(const Options& options, Console& console) {
     const std::string& name = options.inputs.front();
-    Places places;
+    Losses losses;
     console.begin("reading " + name);
-    Input input = readInput(name, options.from, std::nullopt, places);
-    if (places.count() > 0) {
-        console.say("warning: " + lossesOf(places, name, input, "values"));
+    Input input = readInput(name, options.from, std::nullopt, losses);
+    if (losses.count() > 0) {
+        console.say("warning: " + listOf(losses, name, input, "values"));
     }
-    const Survey found = survey(input, Format::text, name, nullptr);
+    const DocumentScan found = scan(input, Format::text, name, nullptr);
     if (found.cycle) {
         throw Failure{Trouble::refused,
                       name + ": " + *found.cycle + ": Cannot write a value that contains itself."};
     }
-    requireSensibleSize(found, Format::text, name);
+    refuseHugeOutput(found, Format::text, name);
     write(input.document, Format::text, "-", console);
     return 0;
 }
@@ -132,8 +132,14 @@ int check(const Options& options, Console& console) {
     for (const std::string& name : options.inputs) {
         console.begin("reading " + name);
         try {
-            Places lostInReading; // a matter of converting, not of the file
+            Losses lostInReading;
             const Input input = readInput(name, options.from, std::nullopt, lostInReading);
+            // Losses between JSON and values concern conversion, not the file itself.
+            if (input.format == Format::binary && lostInReading.count() > 0) {
+                console.say(describe(
+                    lostInReading, name + ": names are repeated:", input.document.roots().size()));
+                worst = std::max(worst, exitStatus(Trouble::refused));
+            }
             if (input.mayHoldDescriptors && !areDescriptorsKept(input.document, name, console)) {
                 worst = std::max(worst, exitStatus(Trouble::refused));
             }

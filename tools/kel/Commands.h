@@ -1,9 +1,9 @@
 /// \file
-/// What the tool does.
+/// The commands of the tool.
 #pragma once
 
-#include "Console.h"
 #include "Options.h"
+#include "system/Console.h"
 
 namespace kel::tool {
 

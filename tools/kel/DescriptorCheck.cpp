@@ -33,21 +33,17 @@ bool isKindOfNumber(int32_t kind) {
     return kind == KELKind_Int || kind == KELKind_Double;
 }
 
-bool isKnownKind(int32_t kind) {
-    return (kind >= KELKind_Int && kind <= KELKind_IndexList) ||
-           (kind >= KELKind_MetaKel && kind <= KELKind_MetaKelVarDescriptor);
-}
-
 /// A bound as values are compared with it.
 double boundOf(Rules& rules, const char* name) {
     const KEL* bound = propertyOf(rules, name);
-    return rules.getType() == KELKind_Int ? bound->toInt() : bound->toDouble();
+    return rules.getVariableType() == KELKind_Int ? bound->toInt() : bound->toDouble();
 }
 
 /// True when the bounds are numbers in order, and of a variable that can have bounds.
 bool hasSoundRange(Rules& rules) {
     return isNumber(propertyOf(rules, "min")) && isNumber(propertyOf(rules, "max")) &&
-           isKindOfNumber(rules.getType()) && boundOf(rules, "min") <= boundOf(rules, "max");
+           isKindOfNumber(rules.getVariableType()) &&
+           boundOf(rules, "min") <= boundOf(rules, "max");
 }
 
 std::string wordsForAllowed(const KEL_Array& allowed) {
@@ -62,7 +58,7 @@ std::string wordsForAllowed(const KEL_Array& allowed) {
     return words;
 }
 
-/// What a variable may hold, in words.
+/// The values that a variable can hold, in words.
 std::string wordsForAllowed(Rules& rules) {
     if (rules.isRanged()) {
         return hasSoundRange(rules)
@@ -123,7 +119,7 @@ void Checker::checkPlace(const TreeCursor& cursor) {
         checkVariable(cursor, dynamic_cast<const MetaKel&>(*container));
     } else if (kind == KELKind_MetaKelDescriptor &&
                cursor.value()->getType() != KELKind_MetaKelVarDescriptor) {
-        report(cursor, wordsFor(cursor.value()) + " is no variable descriptor");
+        report(cursor, wordsFor(cursor.value()) + " is not a variable descriptor");
     }
 }
 
@@ -144,7 +140,7 @@ void Checker::checkVariable(const TreeCursor& cursor, const MetaKel& owner) {
 void Checker::checkRules(const TreeCursor& cursor, Rules& rules) {
     if (propertyOf(rules, "type") == nullptr) {
         report(cursor, "the type is missing");
-    } else if (!isKnownKind(rules.getType())) {
+    } else if (findKELKind(rules.getVariableType()) == nullptr) {
         report(cursor, "the type " + wordsFor(propertyOf(rules, "type")) + " is unknown");
     }
     if (rules.isRanged()) {
@@ -167,10 +163,11 @@ void Checker::checkRange(const TreeCursor& cursor, Rules& rules) {
     const KEL* max = propertyOf(rules, "max");
     if (!isNumber(min) || !isNumber(max)) {
         report(cursor,
-               "the range " + wordsFor(min) + " to " + wordsFor(max) + " is not one of numbers");
+               "the bounds " + wordsFor(min) + " and " + wordsFor(max) + " are not both numbers");
     } else if (boundOf(rules, "min") > boundOf(rules, "max")) {
         report(cursor, "min " + wordsFor(min) + " is above max " + wordsFor(max));
-    } else if (isKnownKind(rules.getType()) && !isKindOfNumber(rules.getType())) {
+    } else if (findKELKind(rules.getVariableType()) != nullptr &&
+               !isKindOfNumber(rules.getVariableType())) {
         report(cursor, "a range for a type that is neither Int nor Double");
     }
 }

@@ -14,7 +14,7 @@ Document::~Document() {
     try {
         cutCycles();
     } catch (const std::bad_alloc&) {
-        // What cannot be searched for want of memory stays allocated until the process ends.
+        // Without memory for the search, the values stay allocated until the process ends.
     }
 }
 
@@ -22,7 +22,7 @@ void Document::cutCycles() {
     if (!mayContainCycles_) {
         return;
     }
-    std::unordered_map<const KEL*, bool> isOpen; // the containers met so far
+    std::unordered_map<const KEL*, bool> isOpen; // the containers visited so far
     const Replacement cut = [&isOpen](KEL* child, Value&) {
         const auto met = isOpen.find(child);
         return met != isOpen.end() && met->second;

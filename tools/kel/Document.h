@@ -9,7 +9,7 @@
 namespace kel::tool {
 
 /// Owns the root values of one input in their order; null roots are among them. Values that contain
-/// themselves would keep each other alive for ever, so a document that may hold such values is
+/// themselves would keep each other alive, so a document that may hold such values is
 /// looked through before it lets go of them.
 class Document {
 public:

@@ -10,7 +10,7 @@ namespace kel::tool {
 
 namespace {
 
-/// What the text reader makes of an optional sign, digits, a point and digits.
+/// The number that the text reader makes of an optional sign, digits, a point and digits.
 double asReadFromText(std::string_view text) {
     const bool isNegative = text.starts_with('-');
     if (isNegative) {

@@ -5,7 +5,7 @@
 namespace kel::tool {
 
 /// True when the double's text form, six decimals, is read back as exactly the same double. The
-/// text reader collects the digits before the point in 32 bits and adds up those behind it one by
+/// text reader collects the digits before the point in 32 bits and adds up those after it one by
 /// one, so this is a matter of its arithmetic and not of decimal places alone.
 bool isCarriedByText(double value);
 

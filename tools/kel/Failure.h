@@ -6,9 +6,9 @@
 
 namespace kel::tool {
 
-/// What went wrong, as far as the exit status tells it.
+/// The cause of a failure, which decides the exit status.
 enum class Trouble {
-    refused,    ///< the answer is no: nothing was written, or check found an error
+    refused,    ///< nothing was written, or check found an error
     usage,      ///< the command line makes no sense
     unreadable, ///< an input could not be opened or read
     malformed,  ///< an input was read but is not what it should be

@@ -32,7 +32,7 @@ std::string_view wordAt(std::string_view content, size_t begin) {
     return content.substr(begin, end - begin);
 }
 
-/// The place behind the closing quote, or nothing where a quoted text holds a line end, which JSON
+/// The place after the closing quote, or nothing where a quoted text holds a line end, which JSON
 /// forbids. An open quote at the end of the content leads to the end.
 std::optional<size_t> behindQuoted(std::string_view content, size_t openingQuote) {
     size_t at = openingQuote + 1;

@@ -13,10 +13,10 @@ enum class Format { text, binary, json };
 /// "text", "binary" or "json".
 const char* nameOf(Format format);
 
-/// The format that the file name's extension tells: .kel, .kelb or .json; nothing for any other.
+/// The format of the file name's extension: .kel, .kelb or .json; nothing for any other.
 std::optional<Format> formatOfName(std::string_view fileName);
 
-/// The format that the content tells beyond doubt: binary by its first bytes, JSON by a colon or
+/// The format that the content shows beyond doubt: binary by its first bytes, JSON by a colon or
 /// comma outside quotes, text by whatever of its own marks comes first. Nothing for content that
 /// both JSON and text could be, such as `[]`.
 std::optional<Format> formatOfContent(std::string_view content);

@@ -1,9 +1,10 @@
 #include "Input.h"
 
 #include "Failure.h"
-#include "JsonReader.h"
 #include "KelReader.h"
-#include "System.h"
+#include "RepeatedNames.h"
+#include "system/System.h"
+#include "json/JsonReader.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -51,12 +52,15 @@ std::string readBytes(const std::string& name) {
 }
 
 Input readInput(const std::string& name, std::optional<Format> from, std::optional<Format> target,
-                Places& places) {
+                Losses& losses) {
     try {
         std::string bytes = readBytes(name);
         const Format format = from ? *from : recogniseFormat(bytes, name);
         if (format == Format::json) {
-            return {format, readJson(std::move(bytes), name, target, places)};
+            return {format, readJson(std::move(bytes), name, target, losses)};
+        }
+        if (format == Format::binary) {
+            findRepeatedNames(bytes, losses);
         }
         const bool hasKinds =
             format == Format::text && bytes.find("@type") != std::string::npos; // in a header

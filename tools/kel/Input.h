@@ -4,7 +4,7 @@
 
 #include "Document.h"
 #include "Format.h"
-#include "Places.h"
+#include "Losses.h"
 
 #include <optional>
 #include <string>
@@ -26,9 +26,10 @@ struct Input {
 /// Reads the root values of the named file, of stdin for "-".
 /// \param from the format to take it for; by its content, else by its name when there is none
 /// \param target the format that the values go to, if there is one
-/// \param places gets what is lost in reading JSON: what values or the target cannot carry
+/// \param losses gets what is lost in reading: what values or the target cannot carry of JSON, and
+///        the repeated names of binary
 /// \throws Failure unreadable or malformed
 Input readInput(const std::string& name, std::optional<Format> from, std::optional<Format> target,
-                Places& places);
+                Losses& losses);
 
 } // namespace kel::tool

@@ -3,7 +3,7 @@
 #include "Failure.h"
 #include "GuidText.h"
 #include "KelWriter.h"
-#include "System.h"
+#include "system/System.h"
 
 #include <algorithm>
 #include <new>
@@ -18,8 +18,8 @@ JHashCode identityOf(const KEL& value) {
     return value.getHashCode(identity);
 }
 
-/// A root value that is put behind the content of every input. A stream says "end of input" both
-/// behind the last value and in the middle of one; having read the mark last tells them apart. The
+/// A root value that is appended to the content of every input. A stream says "end of input" both
+/// after the last value and in the middle of one; having read the mark last distinguishes them. The
 /// mark is known by its identity, which is drawn afresh.
 class EndMark {
 public:
@@ -74,7 +74,7 @@ public:
 
     KEL* read() { return stream_->read(); }
 
-    /// Ends the stream, which leaves the file behind the last byte that it used.
+    /// Ends the stream, which leaves the file just after the last byte that it consumed.
     long offset() {
         DeleteKELInputStream(stream_);
         stream_ = nullptr;
@@ -137,8 +137,8 @@ std::string textFailure(std::string message, std::string_view content) {
     if (const std::optional<std::string> line = takeLine(message)) {
         return *line + ": " + message;
     }
-    // Only a quoted word without an end, which reaches to the end of the input, is told without a
-    // line: content in memory has no medium that could fail.
+    // Only a quoted word without an end, which reaches to the end of the input, is reported without
+    // a line: content in memory has no medium that could fail.
     const std::string_view body = content.substr(0, content.find_last_not_of('\n') + 1);
     return std::to_string(std::count(body.begin(), body.end(), '\n') + 1) + ": " + message;
 }

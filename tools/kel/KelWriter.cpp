@@ -10,7 +10,7 @@ namespace kel::tool {
 namespace {
 
 /// Runs the action and turns what the library throws into a Failure. The system's own reason, if
-/// there is one, tells a user more than the name of the library's operation.
+/// there is one, helps a user more than the name of the library's operation.
 template <class Action> void translated(const Action& action) {
     errno = 0;
     try {

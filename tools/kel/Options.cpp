@@ -22,13 +22,13 @@ std::optional<Format> formatCalled(const std::string& name) {
 
 constexpr const char* generalNotes = R"(Formats:
   text    KEL text, .kel          binary  KEL binary, .kelb          json  JSON, .json
-  An input's format is told by its content, else by its name. A file may hold several root
-  values one after the other; all of them are kept.
-  Names of files: "-" is stdin or stdout. Data goes to stdout, all else to stderr.
+  The content of an input decides its format. If the content fits several formats, the name of
+  the file decides. A file can hold several root values, one after the other. All are kept.
+  The file name "-" means stdin or stdout. Data is written to stdout, messages to stderr.
 
 Exit status:
-  0  fine
-  1  the answer is no: check found errors, convert or show refused
+  0  success
+  1  check found errors, or convert or show refused
   2  wrong command line
   3  an input cannot be read or is malformed
   4  an output cannot be written
@@ -38,38 +38,44 @@ Examples:
   kel show settings.kelb
   kel check *.kel *.kelb
 
-"kel COMMAND --help" tells more about a command.)";
+"kel COMMAND --help" describes a command.)";
 
 constexpr const char* convertNotes = R"(JSON:
-  Objects are structs, arrays arrays, integers of 32 bits Ints, other numbers Doubles, null
-  members variables without a value. {"$guid": "..."} is a guid, {"$memblock": "..."} a memory
-  block in base64. Of two equal names the last wins. One root value is written indented,
-  several are written one on each line.
+  Objects become structs and arrays stay arrays. Integers of 32 bits become Ints, and other
+  numbers Doubles. A null member becomes a variable without a value. {"$guid": "..."} is a guid,
+  and {"$memblock": "..."} a memory block in base64. If two names are equal, the last one wins.
+  A single root value is written indented. Several root values are written one per line.
 
-Nothing is lost silently:
-  What the output cannot carry makes convert refuse: nothing is written, and the first ten
-  places are listed. Text cannot carry a double quote in a string, a double that six decimals
-  or a 32-bit integer part do not carry, a memory block. Binary cannot carry guids, null
-  outside a struct, a value with the identity of another. JSON cannot carry bytes that are no
-  UTF-8, doubles that are not finite, and structs that look like a guid or memory block. Neither
-  can carry managers, index lists, checked structs and descriptors; text carries them all. Values
-  do not hold what only JSON knows: null in an array, names that are empty or contain a double
-  quote, integers that no double holds exactly. Text and JSON cannot carry a value that contains itself.
-  Binary keeps the identity of every value, and that a value is shared between places. Text keeps
-  identities of the values in managers and of struct descriptors only, JSON none, neither sharing.
+Losses:
+  If the output format cannot hold everything, convert writes nothing and lists the first ten
+  places. Each format has its limits:
+  text    cannot hold a double quote in a string, a double that needs more than six decimals or
+          a 32-bit integer part, a memory block
+  binary  cannot hold guids, null outside a struct, a value with the identity of another
+  json    cannot hold bytes that are not valid UTF-8, doubles that are not finite, structs that
+          look like a guid or memory block
+  binary and json
+          cannot hold managers, index lists, checked structs and descriptors; text can
+  text and json
+          cannot hold a value that contains itself
+  Values cannot hold everything that JSON can: null in an array, names that are empty or contain
+  a double quote, integers that no double holds exactly.
+  Identities and sharing are not listed. Binary keeps the identity of every value, and which
+  values are shared. Text keeps only the identities of values in managers and of struct
+  descriptors. JSON keeps no identity. Text and JSON do not keep sharing.
 
-With --force the same list is a warning, and:
-  text    double quotes become single ones, doubles get six decimals; memory blocks and doubles
+With --force the list is a warning, and the output is changed:
+  text    double quotes become single ones; doubles get six decimals; memory blocks and doubles
           that are not finite become null or are left out of arrays
-  binary  guids become strings; null roots are left out; of values with one identity, all but
-          the first get a new one
+  binary  guids become strings; null roots are left out; if several values have one identity, all
+          but the first get a new one
   json    doubles that are not finite become null
   binary and json
           managers become arrays of their values, index lists arrays of their pairs, checked
           structs plain structs without "@desc", descriptors plain structs
-  From JSON, null in arrays and members with such names are left out; integers are rounded.
+  From JSON, null in arrays and members with such names are left out, and integers are rounded.
   A value inside itself becomes null or is left out of an array.
-  Documents that would unfold to more than 2147483648 values or 16 GiB are refused all the same.
+  Documents that would unfold to more than 2147483648 values or 16 GiB are always refused.
 
 Examples:
   kel convert settings.json settings.kel
@@ -77,22 +83,22 @@ Examples:
   kel convert --to json settings.kelb - | less
   kel convert --force --from json --to binary - tweets.kelb < tweets.json
 
-The output appears whole or not at all; an existing file is replaced and keeps its permissions.)";
+The output appears whole or not at all. An existing file is replaced and keeps its permissions.)";
 
 constexpr const char* showNotes =
-    R"(Prints the text form, also where it could not be read back: strings with double quotes as
-they are, of a memory block the size.
+    R"(Prints the text form, even if it cannot be read back: strings with double quotes are printed
+unchanged, and a memory block is printed as its size.
 
 Examples:
   kel show settings.kelb
   kel show --from json - < settings.json)";
 
 constexpr const char* checkNotes =
-    R"(Says nothing about files that are fine. An error tells the file and the line, in binary
-files the offset where reading stopped. Checked structs are compared with their descriptors: each
-variable whose value its descriptor does not allow is told with its path, the value and what is
-allowed, and so is each variable descriptor that is wrong in itself. Exit status 1 when a file is
-malformed or holds such a value, 3 when one cannot be read.
+    R"(Prints nothing for files without errors. An error names the file and the line, or for a
+binary file the offset where reading stopped. Checked structs are compared with their descriptors.
+Each value that its descriptor does not allow is listed with its path and the allowed values, and
+so is each variable descriptor that contradicts itself. The exit status is 1 if a file is malformed
+or holds such a value, and 3 if a file cannot be read.
 
 Examples:
   kel check settings.kel backup.kelb
@@ -105,18 +111,18 @@ void addFormatOption(CLI::App& command, const char* name, std::string& format,
         ->check(CLI::Validator(
             [](const std::string& called) {
                 return formatCalled(called) ? std::string()
-                                            : called + " is none of text, binary and json";
+                                            : '"' + called + "\" is not text, binary or json";
             },
             ""));
 }
 
-constexpr const char* hint = "\nTry \"kel --help\".";
+constexpr const char* hint = "\nrun \"kel --help\" for help";
 
-/// The output format: as asked for, else as the file name tells.
+/// Returns the output format: the requested one, or that of the file name.
 Format requireTarget(const Options& options) {
     const std::optional<Format> target = options.to ? options.to : formatOfName(options.output);
     if (!target) {
-        throw Failure{Trouble::usage, options.output + ": the name tells no format; give one with "
+        throw Failure{Trouble::usage, options.output + ": the name does not show the format; use "
                                                        "--to text, --to binary or --to json"};
     }
     return *target;
@@ -129,7 +135,7 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     std::string input;
     std::string from;
     std::string to;
-    constexpr const char* takeInputFor = "Take the input for this format, whatever it looks like";
+    constexpr const char* takeInputFor = "Read the input as this format, whatever its content";
     CLI::App app("Converts, shows and checks files of KEL values.", "kel");
     app.allow_windows_style_options(false); // "/" begins a file name on every system
     app.footer(generalNotes);
@@ -140,17 +146,17 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     convert->add_option("IN", input, "File to read")->required()->type_name("");
     convert->add_option("OUT", options.output, "File to write")->required()->type_name("");
     addFormatOption(*convert, "--from", from, takeInputFor);
-    addFormatOption(*convert, "--to", to, "Write this format, whatever the name of OUT tells");
+    addFormatOption(*convert, "--to", to, "Write this format, whatever the name of OUT");
     convert->add_flag("--force", options.isForced,
-                      "Convert what can be carried and warn about the rest");
+                      "Convert what the format can hold and warn about the rest");
     convert->footer(convertNotes);
 
-    CLI::App* show = app.add_subcommand("show", "Print a file in the text form");
+    CLI::App* show = app.add_subcommand("show", "Print a file as text");
     show->add_option("IN", input, "File to read")->required()->type_name("");
     addFormatOption(*show, "--from", from, takeInputFor);
     show->footer(showNotes);
 
-    CLI::App* check = app.add_subcommand("check", "Read files and say what is wrong with them");
+    CLI::App* check = app.add_subcommand("check", "Read files and report errors in them");
     check->add_option("IN", options.inputs, "Files to read")->required()->type_name("");
     addFormatOption(*check, "--from", from, takeInputFor);
     check->footer(checkNotes);
@@ -159,9 +165,9 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     const auto isCalled = [&first](const CLI::App* command) {
         return command->get_name() == first;
     };
-    // The parser would say that a command is missing, which is no help against a slip of the pen.
+    // The parser would report a missing command, which does not help after a typing error.
     if (!first.starts_with('-') && app.get_subcommands(isCalled).empty()) {
-        throw Failure{Trouble::usage, first + ": unknown command" + hint};
+        throw Failure{Trouble::usage, "unknown command \"" + first + '"' + hint};
     }
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend() - 1)); // last first

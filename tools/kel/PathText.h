@@ -14,14 +14,14 @@ namespace kel::tool {
 class PathText {
 public:
     /// A longer path loses its middle: of a deeply nested value it would fill the screen, and its
-    /// two ends tell enough.
+    /// two ends are enough.
     static constexpr size_t longest = 160;
 
     /// Into the element of an array.
     void addIndex(uint64_t index);
     /// Into the member of a struct.
     void addName(std::string_view name);
-    /// Into the element of a manager, told by its identity in GUID layout.
+    /// Into the element of a manager, named by its identity in GUID layout.
     void addIdentity(std::string_view guid);
 
     /// The path; "(the value itself)" without any step. What is longer than longest loses its

@@ -43,7 +43,7 @@ Value structOfVariables(const KEL_Struct& variables) {
 }
 
 /// The same contents under a fresh identity. A container is emptied: it has no place any more, and
-/// one that contains itself would otherwise stay for ever.
+/// one that contains itself would otherwise never be freed.
 Value renewed(KEL& value) {
     if (auto* array = dynamic_cast<KEL_Array*>(&value)) {
         KEL_Array* copy = CreateKELArray();
@@ -64,9 +64,9 @@ Value renewed(KEL& value) {
 
 } // namespace
 
-/// What comes in the place of a value; null when the value may stay.
+/// The replacement of a value; null if the value can stay.
 Value PlainData::plainFormOf(KEL& value) const {
-    switch (value.getType()) {
+    switch (kindOf(value).kind) {
     case KELKind_Manager:
         return arrayOfElements(dynamic_cast<KEL_Manager&>(value));
     case KELKind_IndexList:
@@ -75,9 +75,19 @@ Value PlainData::plainFormOf(KEL& value) const {
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
         return structOfVariables(dynamic_cast<KEL_Struct&>(value));
-    default:
-        return namesakes_.contains(&value) ? renewed(value) : nullptr;
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_Double:
+    case KELKind_guid:
+    case KELKind_MemBlock:
+    case KELKind_String:
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+        break;
     }
+    return namesakes_.contains(&value) ? renewed(value) : nullptr;
 }
 
 bool PlainData::exchange(KEL& value, Value& replacement) {

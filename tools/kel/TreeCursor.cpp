@@ -33,13 +33,34 @@ TreeCursor::Event TreeCursor::arrive(KEL* value) {
     if (value == nullptr) {
         return Event::null;
     }
-    if (!isContainer(*value)) {
+    Frame frame{value, nullptr, nullptr, nullptr, nullptr};
+    switch (kindOf(*value).kind) {
+    case KELKind_Array:
+        frame.array = dynamic_cast<KEL_Array*>(value);
+        break;
+    case KELKind_Struct:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        frame.structure = dynamic_cast<KEL_Struct*>(value);
+        break;
+    case KELKind_IndexList:
+        frame.list = dynamic_cast<KEL_IndexList*>(value);
+        break;
+    case KELKind_Manager:
+        frame.manager = dynamic_cast<KEL_Manager*>(value);
+        break;
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_Double:
+    case KELKind_guid:
+    case KELKind_MemBlock:
+    case KELKind_String:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
         return Event::scalar;
     }
-    stack_.push_back(
-        {value, dynamic_cast<KEL_Array*>(value), dynamic_cast<KEL_Struct*>(value),
-         value->getType() == KELKind_IndexList ? dynamic_cast<KEL_IndexList*>(value) : nullptr,
-         dynamic_cast<KEL_Manager*>(value)});
+    stack_.push_back(frame);
     return Event::enter;
 }
 

@@ -3,9 +3,9 @@
 #include "GuidText.h"
 #include "PathText.h"
 #include "Utf8.h"
+#include "Values.h"
 
 #include <charconv>
-#include <kel/KELKind.h>
 
 namespace kel::tool {
 
@@ -35,7 +35,8 @@ std::string wordsFor(const KEL* value) {
     if (value == nullptr) {
         return "null";
     }
-    switch (value->getType()) {
+    const KELKindFacts& facts = kindOf(*value);
+    switch (facts.kind) {
     case KELKind_Int:
         return std::to_string(value->toInt());
     case KELKind_Boolean:
@@ -46,27 +47,21 @@ std::string wordsFor(const KEL* value) {
         JHashCode guid;
         return textOfGuid(value->toGuid(guid));
     }
-    case KELKind_MemBlock:
-        return "a memory block";
     case KELKind_String:
         return quoted(value->toString());
+    case KELKind_MemBlock:
     case KELKind_Array:
-        return "an array";
     case KELKind_Struct:
-        return "a struct";
     case KELKind_Manager:
-        return "a manager";
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
     case KELKind_IndexList:
-        return "an index list";
     case KELKind_MetaKel:
-        return "a checked struct";
     case KELKind_MetaKelDescriptor:
-        return "a struct descriptor";
     case KELKind_MetaKelVarDescriptor:
-        return "a variable descriptor";
-    default:
-        return "a selector";
+        break;
     }
+    return facts.words;
 }
 
 } // namespace kel::tool

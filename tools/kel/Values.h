@@ -2,9 +2,12 @@
 /// Value: one owned reference to a KEL value.
 #pragma once
 
+#include "Failure.h"
+
 #include <kel/kel.h>
 #include <memory>
 #include <new>
+#include <string>
 
 namespace kel::tool {
 
@@ -17,7 +20,7 @@ struct ValueDeleter {
 using Value = std::unique_ptr<KEL, ValueDeleter>;
 
 /// Takes over what a factory of the library returned.
-/// \throws std::bad_alloc for null, which factories answer when memory is out
+/// \throws std::bad_alloc for null, which factories return when out of memory
 inline Value made(KEL* value) {
     if (value == nullptr) {
         throw std::bad_alloc();
@@ -41,20 +44,15 @@ struct NamesDeleter {
 /// Owns a list of names.
 using Names = std::unique_ptr<StringEnumeration, NamesDeleter>;
 
-/// True for the kinds that hold other values.
-inline bool isContainer(const KEL& value) {
-    switch (value.getType()) {
-    case KELKind_Array:
-    case KELKind_Struct:
-    case KELKind_Manager:
-    case KELKind_IndexList:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
-        return true;
-    default:
-        return false;
+/// The facts about the value's kind.
+/// \throws Failure malformed for a kind that a newer library knows and this tool does not
+inline const KELKindFacts& kindOf(const KEL& value) {
+    const int32_t code = value.getType();
+    const KELKindFacts* facts = findKELKind(code);
+    if (facts == nullptr) {
+        throw Failure{Trouble::malformed, "a value of the unknown kind " + std::to_string(code)};
     }
+    return *facts;
 }
 
 /// The name under which a checked struct holds its descriptor.
@@ -63,8 +61,8 @@ constexpr const char* descriptorName = "@desc";
 /// True for the kinds that only text has a form for: managers, index lists, checked structs and
 /// descriptors.
 inline bool isTextOnly(const KEL& value) {
-    return isContainer(value) && value.getType() != KELKind_Array &&
-           value.getType() != KELKind_Struct;
+    const KELKindFacts& facts = kindOf(value);
+    return facts.hasTextForm && !facts.hasBinaryForm && !facts.hasJsonForm;
 }
 
 /// The struct's variable, borrowed; null when it holds no value. The name has to exist.

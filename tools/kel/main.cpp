@@ -2,7 +2,7 @@
 
 #include "Commands.h"
 #include "Failure.h"
-#include "System.h"
+#include "system/System.h"
 
 #include <kel/KELException.h>
 #include <new>

@@ -1,4 +1,4 @@
-// A complete host: makes a tree of values, watches it, stores it, reads it back and meets a
+// A complete host: creates a struct of values, observes it, saves it, reads it back and handles a
 // failure.
 #include <kel/kel.h>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Tells on the console how many settings there are whenever one comes or goes.
+/// Prints the number of settings after every change.
 class Reporter : public KEL_Observer {
 public:
     void update(KEL* value) override {
@@ -14,7 +14,7 @@ public:
     }
 };
 
-/// Stores a value as text under a name, which is UTF-8.
+/// Saves a value as text in a file. The name is UTF-8.
 void save(KEL* value, const char* name) {
     KELOutputStream* stream = CreateKELTextOutputStream(name, false);
     stream->write(value);

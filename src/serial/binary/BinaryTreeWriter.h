@@ -1,0 +1,61 @@
+/// \file
+/// BinaryTreeWriter: one walk of the binary writer over a value.
+#pragma once
+
+#include "serial/binary/IdentitySet.h"
+#include "serial/binary/RecordBuffer.h"
+#include "values/ChildCursor.h"
+
+#include <vector>
+
+namespace kel {
+
+/// Encodes one value and all below it, with a stack of its own instead of recursion. The rules of
+/// the format stand in docs/binary-format.md.
+class BinaryTreeWriter {
+public:
+    /// Appends to out. written knows which values were written before and learns the new ones.
+    /// While nothing with a given identity was written, a value that is not shared cannot have been
+    /// written before, and written is not searched.
+    BinaryTreeWriter(RecordBuffer& out, IdentitySet& written) : out_(out), written_(written) {}
+
+    BinaryTreeWriter(const BinaryTreeWriter&) = delete;
+    BinaryTreeWriter& operator=(const BinaryTreeWriter&) = delete;
+
+    /// A walk that was broken off leaves its marks nowhere: the values whose records are not
+    /// complete are forgotten.
+    ~BinaryTreeWriter();
+
+    /// Encodes value. After a failure the buffer holds the record as far as it went, with zero for
+    /// the lengths that are not known.
+    /// \throws KELIOException "General KEL exception." for a kind without a binary form
+    /// \throws KELIOException "Cannot write a value that contains itself." for one that cannot be
+    ///         referred to because its identity is all zero
+    void write(const KEL_Impl& value);
+
+private:
+    /// A container whose length is still to come.
+    struct Level {
+        ChildCursor cursor;
+        uint8_t* record;
+        uint64_t contentsStart;
+        uint32_t number; ///< in the set of what was written
+    };
+
+    bool enter(const KEL_Impl& value);
+    void writeRecord(const KEL_Impl& value);
+    void writePayload(const KEL_Impl& value, KELKind kind, uint8_t* record);
+    void writeReference(const JHashCode& identity);
+    void writeBytes(uint8_t* record, const void* bytes, std::size_t count);
+    void commitPrefix(uint8_t* record, uint64_t length, std::size_t more);
+    void open(const KEL_Impl& container, uint8_t* record);
+    void next();
+    void close(const Level& level);
+
+    RecordBuffer& out_;
+    IdentitySet& written_;
+    std::vector<Level> levels_;
+    uint32_t incomplete_ = IdentityIndex::none; ///< number of the value whose record is begun
+};
+
+} // namespace kel

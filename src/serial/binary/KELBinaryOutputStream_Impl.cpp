@@ -1,0 +1,68 @@
+#include "serial/binary/KELBinaryOutputStream_Impl.h"
+
+#include "serial/StreamErrors.h"
+#include "serial/binary/BinaryTreeWriter.h"
+
+using kel::withMediumErrors;
+
+void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
+    const KEL_Impl* implementation = KEL_Impl::of(value);
+    if (implementation == nullptr) {
+        throw new KELNullPointerException_Impl();
+    }
+    if (written_.size() > 0) {
+        written_.askAlways(); // what was written once can come again
+    }
+    kel::RecordBuffer records;
+    const uint32_t before = written_.size();
+    const auto emit = [&] {
+        try {
+            withMediumErrors([&] { records.writeTo(sink()); });
+        } catch (...) {
+            // Nobody knows what arrived, so nothing of it may be referred to.
+            written_.rollBack(before);
+            throw;
+        }
+    };
+    try {
+        kel::BinaryTreeWriter(records, written_).write(*implementation);
+    } catch (KELException_Impl* failure) {
+        // The records before a refusal, and the partial one, stay in the sink.
+        const JPointer<KELException_Impl> refused(failure);
+        emit();
+        failure->addRef();
+        throw;
+    } catch (...) {
+        written_.rollBack(before);
+        throw;
+    }
+    emit();
+}
+
+void KELBinaryOutputStream_Impl::JWrite8(int8_t value) {
+    withMediumErrors([&] { data_.JWrite8(value); });
+}
+
+void KELBinaryOutputStream_Impl::JWrite16(int16_t value) {
+    withMediumErrors([&] { data_.JWrite16(value); });
+}
+
+void KELBinaryOutputStream_Impl::JWrite32(int32_t value) {
+    withMediumErrors([&] { data_.JWrite32(value); });
+}
+
+void KELBinaryOutputStream_Impl::JWrite64(JLong64 value) {
+    withMediumErrors([&] { data_.JWrite64(value); });
+}
+
+void KELBinaryOutputStream_Impl::JWrite128(const JHashCode& value) {
+    withMediumErrors([&] { data_.JWrite128(value); });
+}
+
+void KELBinaryOutputStream_Impl::JWriteString(const char* text) {
+    withMediumErrors([&] { data_.JWriteString(text); });
+}
+
+void KELBinaryOutputStream_Impl::JWriteDouble(double value) {
+    withMediumErrors([&] { data_.JWriteDouble(value); });
+}

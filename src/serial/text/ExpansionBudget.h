@@ -1,0 +1,58 @@
+/// \file
+/// ExpansionBudget: how much the definitions of a stream may make.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace kel {
+
+/// What uses of definitions may still cost. A few lines of definitions can stand for any number of
+/// values, so what they make is counted, in values as well as in text. The budget belongs to the
+/// stream, because a bound for each root value would be multiplied by the number of roots. It grows
+/// with the input, so that a long text or a stream without end uses definitions as freely as a
+/// short text.
+class ExpansionBudget {
+public:
+    /// What every stream may spend.
+    static constexpr int64_t initial = int64_t{4} * 1024 * 1024;
+    /// What each byte of the stream that is read adds.
+    static constexpr int64_t perByte = 256;
+    /// The cost of a use, beside the bytes of its text.
+    static constexpr int64_t useCost = 64;
+    /// The cost of each value that a definition's text makes.
+    static constexpr int64_t valueCost = 64;
+
+    /// Starts at a position of the stream.
+    explicit ExpansionBudget(int64_t position) : position_(position) {}
+
+    /// Adds what the bytes from the last position to this one are worth. A step back is the host's
+    /// own wish to read again, so what every stream may spend is there again as well.
+    void advanceTo(int64_t position) {
+        if (position > position_) {
+            left_ += (position - position_) * perByte;
+        } else if (position < position_) {
+            left_ = std::max(left_, initial);
+        }
+        position_ = position;
+    }
+
+    /// Spends the cost of one use of a text. \return false, unchanged, if too little is left
+    bool spendUse(std::size_t textSize) { return spend(useCost + static_cast<int64_t>(textSize)); }
+
+    /// Spends the cost of one value. \return false, unchanged, if too little is left
+    bool spendValue() { return spend(valueCost); }
+
+private:
+    bool spend(int64_t cost) {
+        const bool enough = cost <= left_;
+        left_ -= enough ? cost : 0;
+        return enough;
+    }
+
+    int64_t position_;
+    int64_t left_ = initial;
+};
+
+} // namespace kel

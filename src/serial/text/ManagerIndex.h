@@ -1,0 +1,29 @@
+/// \file
+/// ManagerIndex: the places of a manager's elements.
+#pragma once
+
+#include "serial/IdentityIndex.h"
+
+class KEL_Manager_Impl;
+
+namespace kel {
+
+/// Finds the place of an element by its identity in constant time, for whoever fills a large
+/// manager, which itself would search from its beginning for each.
+class ManagerIndex {
+public:
+    /// Enters the elements that are there.
+    explicit ManagerIndex(const KEL_Manager_Impl& manager);
+
+    /// Enters an element's identity with its place, which replaces the identity's former place.
+    void enter(const JHashCode& identity, int32_t place);
+
+    /// The place of the element with this identity, -1 when there is none.
+    int32_t placeOf(const JHashCode& identity) const;
+
+private:
+    IdentityIndex identities_;
+    BlockList<int32_t> places_; // by the number of the identity
+};
+
+} // namespace kel

@@ -1,0 +1,381 @@
+#include "serial/text/TextTreeReader.h"
+
+#include "meta/KEL_Manager_Impl.h"
+#include "meta/StructHolder.h"
+#include "serial/text/StructHeader.h"
+#include "values/KEL_Boolean_Impl.h"
+#include "values/KEL_Double_Impl.h"
+#include "values/KEL_IndexList_Impl.h"
+#include "values/KEL_Int_Impl.h"
+#include "values/KEL_String_Impl.h"
+#include "values/KEL_guid_Impl.h"
+
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+bool holdsNul(std::string_view text) {
+    return text.find('\0') != std::string_view::npos;
+}
+
+} // namespace
+
+KEL_Impl* TextTreeReader::read() {
+    source_.startRoot();
+    readValue();
+    while (!levels_.empty()) {
+        next();
+    }
+    return root_.detach();
+}
+
+// ---- Inside containers -------------------------------------------------------------------------
+
+void TextTreeReader::next() {
+    switch (levels_.back().shape) {
+    case Shape::array:
+        nextElement();
+        break;
+    case Shape::structure:
+        nextVariable();
+        break;
+    case Shape::manager:
+        nextEntry();
+        break;
+    case Shape::indexList:
+        nextArray();
+        break;
+    case Shape::expansion:
+        readValue(); // a definition's text
+        break;
+    }
+}
+
+void TextTreeReader::nextElement() {
+    const int32_t type = source_.skip();
+    if (source_.isAt(type, ']')) {
+        close();
+    } else {
+        beginValue(type);
+    }
+}
+
+void TextTreeReader::nextVariable() {
+    const int32_t type = source_.skip();
+    if (source_.isAt(type, '}')) {
+        close();
+        return;
+    }
+    readKey(type, levels_.back().key);
+    source_.expect('=');
+    readValue();
+}
+
+void TextTreeReader::nextEntry() {
+    if (source_.isAt(source_.skip(), ')')) {
+        close();
+        return;
+    }
+    source_.unread();
+    const JHashCode key = source_.expectHashCode();
+    source_.expect('=');
+    identity_ = key;
+    readValue();
+}
+
+/// Reads one of an index list's two arrays, or its end.
+void TextTreeReader::nextArray() {
+    const Level& list = levels_.back();
+    const int32_t type = source_.skip();
+    if (!source_.isAt(type, '>')) {
+        beginValue(type);
+    } else if (list.items.isNull() || list.keys->getCount() != list.items->getCount()) {
+        source_.refuseLast();
+    } else {
+        close();
+    }
+}
+
+void TextTreeReader::readKey(int32_t type, std::string& key) {
+    if (type == tokenEnd) {
+        source_.endError();
+    }
+    const Token& token = source_.tokens().token();
+    if (type == tokenWord && token.quoted) {
+        key = token.text;
+        if (key.empty() || holdsNul(key)) {
+            source_.syntaxError();
+        }
+        return;
+    }
+    // A number, or the beginning of a word, to the tokenizer can be part of a key.
+    source_.unread();
+    key = source_.tokens().readKeyRun();
+    if (key.empty()) {
+        source_.refuseLast();
+    }
+}
+
+// ---- The beginning of a value ------------------------------------------------------------------
+
+void TextTreeReader::readValue() {
+    while (!beginValue(source_.skip())) {
+        // A definition stood before the value.
+    }
+}
+
+/// Reads a whole scalar or the beginning of a container. False if it was a definition instead.
+bool TextTreeReader::beginValue(int32_t type) {
+    const Token& token = source_.tokens().token();
+    switch (type) {
+    case tokenEnd:
+        source_.endError();
+    case tokenInteger:
+    case tokenFloating:
+        beginNumber();
+        return true;
+    case tokenWord:
+        beginWord();
+        return true;
+    case tokenHashCode:
+        beginAfterHashCode(JHashCode(token.hashCode));
+        return true;
+    default:
+        return beginRaw();
+    }
+}
+
+/// True, with the input after it, if the number just read is the first group of a hash code.
+bool TextTreeReader::atHashCode() {
+    constexpr std::size_t groupLength = 8;
+    StreamTokenizer& tokens = source_.tokens();
+    BufferedInput& input = tokens.input();
+    return tokens.token().type == tokenInteger &&
+           input.position() - tokens.tokenStart() == groupLength && input.peek() == '-';
+}
+
+void TextTreeReader::beginNumber() {
+    const Token token = source_.tokens().token();
+    if (atHashCode()) {
+        BufferedInput& input = source_.tokens().input();
+        const int64_t behind = input.position();
+        source_.unread();
+        JHashCode hashCode;
+        // Of a negative number, the dash is not a digit.
+        if (input.peek() != '-' && source_.tokens().readHashCode(hashCode)) {
+            beginAfterHashCode(hashCode);
+            return;
+        }
+        input.seek(behind);
+    }
+    if (token.type == tokenInteger) {
+        completeNew<KEL_Int_Impl>(token.integer);
+    } else {
+        completeNew<KEL_Double_Impl>(token.floating);
+    }
+}
+
+void TextTreeReader::beginWord() {
+    const Token& token = source_.tokens().token();
+    const std::string_view text = token.text;
+    if (token.quoted) {
+        if (holdsNul(text)) {
+            source_.syntaxError();
+        }
+        completeNew<KEL_String_Impl>(text);
+    } else if (text == "true" || text == "false") {
+        completeNew<KEL_Boolean_Impl>(text == "true");
+    } else if (text == "null" || text == "NULL") {
+        identity_.reset();
+        source_.countValue(); // a variable without a value needs memory too
+        deliver(JPointer<KEL_Impl>());
+    } else if (text == "REF" || text == "ref") {
+        refer();
+    } else {
+        source_.beginExpansion(text);
+        levels_.emplace_back();
+    }
+}
+
+/// A hash code where a value must stand is that value's identity when a value follows on the same
+/// line, else a guid value.
+void TextTreeReader::beginAfterHashCode(const JHashCode& hashCode) {
+    if (identity_.has_value()) {
+        completeNew<KEL_guid_Impl>(hashCode);
+        return;
+    }
+    const int32_t type = source_.skipOnLine();
+    const int32_t raw = type == tokenNone ? source_.tokens().input().peek() : -1;
+    if (raw == '=') {
+        source_.tokens().nextRaw();
+        identity_ = hashCode;
+        readValue();
+        return;
+    }
+    const bool closes = raw == ']' || raw == '}' || raw == ')' || raw == '>';
+    source_.unread();
+    if (type == tokenEnd || type == tokenNewline || closes) {
+        completeNew<KEL_guid_Impl>(hashCode);
+    } else {
+        identity_ = hashCode;
+        readValue();
+    }
+}
+
+bool TextTreeReader::beginRaw() {
+    StreamTokenizer& tokens = source_.tokens();
+    switch (tokens.nextRaw()) {
+    case '[':
+        openArray();
+        return true;
+    case '{':
+        openStruct();
+        return true;
+    case '(':
+        openManager();
+        return true;
+    case '<':
+        open(Shape::indexList, {});
+        return true;
+    case '#':
+        source_.define();
+        return false;
+    default:
+        source_.syntaxError();
+    }
+}
+
+/// Reads the hash code of a reference and finds its value. An identity in front must be the one
+/// that the value has.
+void TextTreeReader::refer() {
+    KEL_Impl* value = known_.find(source_.expectHashCode()).value;
+    if (value == nullptr || (identity_.has_value() && *identity_ != value->identity())) {
+        source_.syntaxError();
+    }
+    identity_.reset();
+    deliver(JPointer<KEL_Impl>::share(value));
+}
+
+// ---- Containers begin and end ------------------------------------------------------------------
+
+void TextTreeReader::openArray() {
+    open(Shape::array, make<KEL_Array_Impl>());
+}
+
+void TextTreeReader::openStruct() {
+    const StructHeader header(source_);
+    JPointer<KEL_Impl> made(header.make(identity_));
+    auto* holder = dynamic_cast<StructHolder*>(made.get());
+    KEL_Struct_Impl* variables =
+        holder == nullptr ? static_cast<KEL_Struct_Impl*>(made.get()) : &holder->inner();
+    std::unique_ptr<JHashCode> second;
+    if (!identity_.has_value()) {
+        identity_ = header.identity();
+    } else if (header.identity().has_value()) {
+        second = std::make_unique<JHashCode>(*header.identity());
+    }
+    open(Shape::structure, std::move(made));
+    levels_.back().variables = variables;
+    levels_.back().header = std::move(second);
+}
+
+void TextTreeReader::openManager() {
+    open(Shape::manager, make<KEL_Manager_Impl>());
+}
+
+void TextTreeReader::open(Shape shape, JPointer<KEL_Impl>&& container) {
+    source_.countValue();
+    levels_.push_back({.shape = shape,
+                       .container = std::move(container),
+                       .identity = std::exchange(identity_, {})});
+}
+
+void TextTreeReader::close() {
+    source_.tokens().nextRaw(); // the bracket
+    Level level = std::move(levels_.back());
+    levels_.pop_back();
+    identity_ = level.identity;
+    if (level.shape == Shape::indexList) {
+        level.container = make<KEL_IndexList_Impl>(level.keys, level.items);
+    }
+    if (level.header != nullptr) {
+        known_.remember(*level.header, *level.container);
+    }
+    complete(std::move(level.container));
+}
+
+// ---- Values that are complete ------------------------------------------------------------------
+
+/// A new value with the identity that was given, if any.
+template <class T, class... Arguments>
+JPointer<KEL_Impl> TextTreeReader::make(const Arguments&... arguments) const {
+    return JPointer<KEL_Impl>(identity_ ? new T(*identity_, arguments...) : new T(arguments...));
+}
+
+template <class T, class... Arguments>
+void TextTreeReader::completeNew(const Arguments&... arguments) {
+    source_.countValue();
+    complete(make<T>(arguments...));
+}
+
+void TextTreeReader::complete(JPointer<KEL_Impl>&& value) {
+    if (identity_.has_value()) {
+        known_.remember(*identity_, *value);
+        identity_.reset();
+    }
+    deliver(std::move(value));
+}
+
+/// Hands a value (null for the word null) to the container that it is in.
+void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
+    while (!levels_.empty() && levels_.back().shape == Shape::expansion) {
+        source_.endExpansion();
+        levels_.pop_back();
+    }
+    if (levels_.empty()) {
+        root_ = std::move(value);
+        return;
+    }
+    Level& level = levels_.back();
+    if (level.shape == Shape::structure) {
+        // Unchecked also where a descriptor says no: reading loses nothing.
+        level.variables->adoptVariable(level.key, std::move(value));
+    } else if (level.shape == Shape::indexList) {
+        addArray(level, value);
+    } else if (value.isValid()) {
+        if (level.shape == Shape::array) {
+            static_cast<KEL_Array_Impl&>(*level.container).adoptElement(std::move(value));
+        } else {
+            addEntry(level, std::move(value));
+        }
+    }
+}
+
+/// Takes the keys, then the items, of an index list.
+void TextTreeReader::addArray(Level& list, const JPointer<KEL_Impl>& value) {
+    auto* array = dynamic_cast<KEL_Array_Impl*>(value.get());
+    if (array == nullptr || list.items.isValid() || array == list.keys.get()) {
+        source_.syntaxError();
+    }
+    (list.keys.isNull() ? list.keys : list.items) = JPointer<KEL_Array_Impl>::share(array);
+}
+
+void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
+    constexpr int32_t searchedLength = 16; // up to here a table would cost more than it saves
+    auto& container = static_cast<KEL_Manager_Impl&>(*manager.container);
+    if (container.size() < searchedLength) {
+        container.addKel(value.get());
+        return;
+    }
+    if (manager.index == nullptr) {
+        manager.index = std::make_unique<ManagerIndex>(container);
+    }
+    const int32_t before = manager.index->placeOf(value->identity());
+    const int32_t place = before == -1 ? container.size() : before;
+    manager.index->enter(value->identity(), place);
+    container.adoptElementAt(place, std::move(value));
+}
+
+} // namespace kel

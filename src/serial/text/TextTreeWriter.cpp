@@ -1,0 +1,237 @@
+#include "serial/text/TextTreeWriter.h"
+
+#include "meta/StructHolder.h"
+#include "runtime/Text.h"
+#include "serial/tokens/Characters.h"
+#include "values/KELException_Impl.h"
+#include "values/KEL_IndexList_Impl.h"
+#include "values/KEL_MemBlock_Impl.h"
+
+#include <charconv>
+
+namespace kel {
+
+TextTreeWriter::~TextTreeWriter() {
+    // A walk that was interrupted leaves no marks.
+    for (const Level& level : levels_) {
+        level.cursor.container->setOnPath(false);
+    }
+}
+
+void TextTreeWriter::write(const KEL_Impl& value, int32_t indent, bool indentFirst,
+                           int32_t parentKind) {
+    const auto tabs = static_cast<std::size_t>(indent > 0 ? indent / 4 : 0);
+    begin(value, tabs, indentFirst, parentKind);
+    while (!levels_.empty()) {
+        next();
+    }
+}
+
+void TextTreeWriter::begin(const KEL_Impl& value, std::size_t tabs, bool indentFirst,
+                           int32_t parentKind) {
+    if (indentFirst) {
+        out_.append(tabs, '\t');
+    }
+    switch (value.kind()) {
+    case KELKind_Int:
+        out_.commit(formatInteger(out_.reserve(integerTextSize), value.toInt()));
+        break;
+    case KELKind_Boolean:
+        out_.append(value.toBoolean() ? std::string_view("true") : std::string_view("false"));
+        break;
+    case KELKind_Double:
+        out_.commit(formatDouble(out_.reserve(doubleTextSize), value.toDouble()));
+        break;
+    case KELKind_guid: {
+        JHashCode guid;
+        value.toGuid(guid).toGuidText(out_.reserve(JHashCode::guidTextLength + 1));
+        out_.commit(JHashCode::guidTextLength);
+        break;
+    }
+    case KELKind_MemBlock:
+        writeMemBlock(value);
+        break;
+    case KELKind_String:
+        writeQuoted(value.toString());
+        break;
+    case KELKind_Array:
+        open(value, Shape::array, tabs);
+        out_.append("[\n");
+        return;
+    case KELKind_Manager:
+        open(value, Shape::manager, tabs);
+        out_.append("(\n");
+        return;
+    case KELKind_Struct:
+        open(value, Shape::structure, tabs);
+        beginStruct(value, parentKind);
+        return;
+    case KELKind_IndexList:
+        open(value, Shape::indexList, tabs);
+        out_.append("<\n");
+        return;
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        beginMeta(value, tabs, indentFirst);
+        return;
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+        throw new KELIOException_Impl();
+    }
+    out_.append('\n');
+}
+
+void TextTreeWriter::beginStruct(const KEL_Impl& structure, int32_t parentKind) {
+    out_.append('{');
+    writeStructHeader(parentKind, structure);
+    out_.append('\n');
+}
+
+void TextTreeWriter::beginMeta(const KEL_Impl& value, std::size_t tabs, bool indentFirst) {
+    // The value and its struct are each indented where a line begins.
+    if (indentFirst) {
+        out_.append(tabs, '\t');
+    }
+    const auto* holder = dynamic_cast<const StructHolder*>(&value);
+    open(value, Shape::onStruct, tabs);
+    beginStruct(holder->inner(), value.getType());
+}
+
+void TextTreeWriter::open(const KEL_Impl& container, Shape shape, std::size_t tabs, int32_t limit) {
+    if (container.isOnPath()) {
+        throw new KELIOException_Impl("Cannot write a value that contains itself.");
+    }
+    levels_.push_back({ChildCursor(container), shape, tabs, limit});
+    container.setOnPath(true);
+}
+
+void TextTreeWriter::close() {
+    const Level& level = levels_.back();
+    level.cursor.container->setOnPath(false);
+    if (level.shape != Shape::indexList) {
+        out_.append(level.tabs, '\t'); // the angle bracket always begins its line
+    }
+    switch (level.shape) {
+    case Shape::array:
+        out_.append("]\n");
+        break;
+    case Shape::structure:
+        out_.append("}\n");
+        break;
+    case Shape::manager:
+        out_.append(")\n");
+        break;
+    case Shape::indexList:
+        out_.append(">\n");
+        break;
+    case Shape::onStruct:
+        out_.append("}\n\n"); // a line feed for the struct, one for the value built on it
+        break;
+    }
+    levels_.pop_back();
+}
+
+void TextTreeWriter::next() {
+    Level& level = levels_.back();
+    if (level.cursor.index + 1 >= level.limit || !level.cursor.next()) {
+        close();
+        return;
+    }
+    const std::size_t tabs = level.tabs + 1;
+    const KEL_Impl* child = level.cursor.value;
+    switch (level.shape) {
+    case Shape::array:
+        begin(*child, tabs, true, -1);
+        return;
+    case Shape::manager:
+        out_.append(tabs, '\t');
+        writeIdentity(*child);
+        out_.append(" = ");
+        begin(*child, tabs, false, -1);
+        return;
+    case Shape::indexList:
+        nextOfIndexList(level);
+        return;
+    case Shape::structure:
+    case Shape::onStruct:
+        out_.append(tabs, '\t');
+        writeKey(level.cursor.name);
+        out_.append(" = ");
+        if (child == nullptr) {
+            out_.append("NULL\n");
+            return;
+        }
+        begin(*child, tabs, false, -1);
+        return;
+    }
+}
+
+/// Begins the keys or the items of a list, as far as they make pairs.
+void TextTreeWriter::nextOfIndexList(Level& list) {
+    const std::size_t tabs = list.tabs + 1;
+    const auto& pairs = static_cast<const KEL_IndexList_Impl&>(*list.cursor.container);
+    const KEL_Impl& array = *list.cursor.value;
+    out_.append(tabs, '\t');
+    out_.append(list.cursor.index == 0 ? std::string_view("/* keys: */ \n")
+                                       : std::string_view("/* values: */ \n"));
+    out_.append(tabs, '\t');
+    open(array, Shape::array, tabs, pairs.getCount());
+    out_.append("[\n");
+}
+
+void TextTreeWriter::writeKey(std::string_view name) {
+    for (const char c : name) {
+        if (!isInClass(static_cast<uint8_t>(c), keyClass)) {
+            writeQuoted(name);
+            return;
+        }
+    }
+    out_.append(name);
+}
+
+void TextTreeWriter::writeStructHeader(int32_t parentKind, const KEL_Impl& value) {
+    if (parentKind == KELKind_Struct || parentKind == -1) {
+        return;
+    }
+    out_.append(" @type = ");
+    out_.commit(formatInteger(out_.reserve(integerTextSize), parentKind));
+    if (parentKind == KELKind_MetaKelDescriptor) {
+        out_.append(", @hashCode = ");
+        writeIdentity(value);
+    }
+}
+
+void TextTreeWriter::writeIdentity(const KEL_Impl& value) {
+    JHashCode identity;
+    value.getHashCode(identity).toGuidText(out_.reserve(JHashCode::guidTextLength + 1));
+    out_.commit(JHashCode::guidTextLength);
+}
+
+void TextTreeWriter::writeMemBlock(const KEL_Impl& value) {
+    const auto& block = dynamic_cast<const KEL_MemBlock_Impl&>(value);
+    const unsigned char* bytes = block.bytes();
+    out_.append("void[");
+    out_.commit(formatInteger(out_.reserve(integerTextSize), block.getSize()));
+    out_.append("] : 0x");
+    char digits[16];
+    const auto address = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(bytes));
+    const char* end = std::to_chars(digits, digits + sizeof digits, address, 16).ptr;
+    const auto length = static_cast<std::size_t>(end - digits);
+    out_.append(8 - length, '0');
+    out_.append(std::string_view(digits, length));
+    if (memBlockComment_) {
+        const std::string_view all(reinterpret_cast<const char*>(bytes),
+                                   static_cast<std::size_t>(block.getSize()));
+        out_.append(" // ");
+        writeQuoted(all.substr(0, all.find('\0')));
+    }
+}
+
+void TextTreeWriter::writeQuoted(std::string_view text) {
+    out_.append('"');
+    out_.append(text);
+    out_.append('"');
+}
+
+} // namespace kel

@@ -1,0 +1,25 @@
+/// \file
+/// withOneOutOfMemory: one face for the lack of memory.
+#pragma once
+
+#include "runtime/Storage.h"
+
+#include <kel/KELException.h>
+
+namespace kel {
+
+/// Runs an operation that makes values, of which the parts report a lack of memory in different
+/// ways. The caller always sees the same.
+/// \throws JOutOfMemoryException "Out of memory!", by value
+template <class Operation> auto withOneOutOfMemory(const Operation& operation) {
+    try {
+        return operation();
+    } catch (const JOutOfMemoryException&) {
+        throwOutOfMemory();
+    } catch (KELOutOfMemoryException* failure) {
+        failure->release();
+        throwOutOfMemory();
+    }
+}
+
+} // namespace kel

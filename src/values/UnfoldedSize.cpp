@@ -1,0 +1,69 @@
+#include "values/UnfoldedSize.h"
+
+#include "runtime/Storage.h"
+#include "values/ChildCursor.h"
+
+#include <algorithm>
+
+namespace kel {
+
+namespace {
+
+constexpr uint64_t countLimit = uint64_t{1} << 62; // two of them still fit into 64 bits
+
+/// One container on the way down.
+struct Level {
+    ChildCursor cursor;
+    uint64_t* result;  ///< where its size is kept for the next time; null if there is none
+    uint64_t size = 1; ///< of the part that the walk has finished, the container included
+
+    void add(uint64_t more) { size = std::min(size + more, countLimit); }
+};
+
+} // namespace
+
+std::optional<uint64_t> unfoldedSize(const KEL_Impl& source) {
+    if (!source.copiesChildren()) {
+        return 1;
+    }
+    const KEL_Impl* root = &source.holderOfChildren();
+    Vector<Level> levels;
+    HashMap<const KEL_Impl*, uint64_t> sizes; // 0 while the walk is inside
+    levels.push_back({ChildCursor(*root), &sizes[root]});
+    for (;;) {
+        Level& level = levels.back();
+        if (!level.cursor.next()) {
+            const uint64_t size = level.size;
+            if (level.result != nullptr) {
+                *level.result = size;
+            }
+            levels.pop_back();
+            if (levels.empty()) {
+                return size;
+            }
+            levels.back().add(size);
+            continue;
+        }
+        const KEL_Impl* child = level.cursor.value;
+        if (child == nullptr || !child->copiesChildren()) {
+            level.add(1);
+            continue;
+        }
+        const KEL_Impl* holder = &child->holderOfChildren();
+        uint64_t* result = nullptr;
+        if (child->isContentShared() || holder == root) { // the root's one holder may be inside it
+            const auto [known, isNew] = sizes.try_emplace(holder, 0);
+            if (!isNew && known->second == 0) {
+                return std::nullopt;
+            }
+            if (!isNew) {
+                level.add(known->second);
+                continue;
+            }
+            result = &known->second;
+        }
+        levels.push_back({ChildCursor(*holder), result});
+    }
+}
+
+} // namespace kel

@@ -1,0 +1,84 @@
+/// \file
+/// The documents that rows work on, and the functions that add the rows, one for each part of the
+/// table.
+#pragma once
+
+#include "atomicity/Row.h"
+#include "support/Samples.h"
+
+namespace kel::test {
+
+/// A text that is too long for the small buffer of any string class.
+inline constexpr const char* longText = "a text that fits no small buffer of any string class";
+
+/// The subject is a value of the kind that an array holds twice; "other" is one of the same kind
+/// with other contents, "equal" one with the same; "text" is a String, "number" an Int.
+Document kindDocument(KELKind kind);
+
+/// The subject is a full array [Int, String, [Int], the same [Int], Double]; "holder" shares
+/// elements and the array itself; "source" has one of its elements and two new ones; "new" is a
+/// String and "number" an Int.
+Document arrayDocument();
+
+/// The subject is a value of the kind with the variables a (Int), b (String), i ([Int]), again (the
+/// same [Int]), n (null). "holder" shares variables and the value itself; "source" is a struct with
+/// a, x and y; "new" is a String and "number" an Int.
+Document structDocument(KELKind kind);
+
+/// The subject is a manager of three values. "same" has the identity of one of them.
+Document managerDocument();
+
+/// The subject is a list of five pairs whose arrays are full. The keys at 0, 2 and 4 are equal
+/// arrays, "equal" is another; those at 1 and 3 are "k" and "m". "keys" and "items" are its arrays,
+/// "twin" is a list over the same arrays; "source" has a pair of it and two new ones.
+Document indexListDocument();
+
+/// The same with String keys only: "k" at 0, 2 and 4; "equal" is another String "k".
+Document textKeysDocument();
+
+/// The subject selects the second key of "list". "otherList" is another list. A multi-selector
+/// selects all keys except the last, for which it has no room.
+Document selectorDocument(KELKind kind);
+
+/// The subject is a checked struct of level (an Int from 0 to 10), mode ("slow" or "fast"), pan
+/// (null, with the default 0) and free, which is not described. "descriptor" is the one in use,
+/// "otherDescriptor" another; "rules" a description of a Double; "eleven" an Int that level
+/// refuses.
+Document checkedDocument();
+/// The same without a descriptor.
+Document plainCheckedDocument();
+
+/// The subject describes a Double from -1 to 1 with all properties.
+Document rangedDocument();
+/// The subject describes one of three Doubles. Two allowed values that are not adjacent are equal.
+Document enumeratedDocument();
+/// The subject describes one of two Strings.
+Document textEnumerationDocument();
+/// The subject states a type and nothing else.
+Document bareDescriptorDocument();
+
+void addEveryKindRows(Table& table);
+void addScalarRows(Table& table);
+void addArrayRows(Table& table);
+void addStructRows(Table& table);
+void addManagerRows(Table& table);
+void addIndexListRows(Table& table);
+void addSelectorRows(Table& table);
+void addCheckedStructRows(Table& table);
+void addDescriptorRows(Table& table);
+void addRuntimeRows(Table& table);
+void addStreamRows(Table& table);
+void addFactoryRows(Table& table);
+
+/// The whole table.
+Table everyRow();
+
+/// An operation without any of these promises, and the reason.
+struct LeftOut {
+    const char* owner;
+    const char* operation;
+    const char* reason;
+};
+const std::vector<LeftOut>& operationsLeftOut();
+
+} // namespace kel::test

@@ -1,0 +1,47 @@
+"""The table of exported functions, src/exports/exports.txt, and the lists that CMake makes from it."""
+import collections
+import re
+
+ROW = re.compile(r"^ *(\d+) \| (.+?\))(?: \| (\S+) \| (\S+))?$")
+DEF_ROW = re.compile(r"^ +(\S+) +@(\d+)$")
+DEF_HEAD = ["LIBRARY KEL.dll", "EXPORTS"]
+MAP_ROW = re.compile(r"^ +(\w+);$")
+
+# microsoft and standard_call are empty in the row of a function whose names are not filled in yet.
+Export = collections.namedtuple("Export", "ordinal declaration microsoft standard_call")
+
+
+def parse(text):
+    """The rows of exports.txt, and complaints about lines."""
+    rows, bad = [], []
+    for line in text.splitlines():
+        match = ROW.match(line)
+        if match:
+            row = Export(int(match.group(1)), *(field or "" for field in match.groups()[1:]))
+            if rows and row.ordinal <= rows[-1].ordinal:
+                bad.append(f"ordinal {row.ordinal} does not ascend")
+            rows.append(row)
+        elif line.strip() and not line.startswith("#"):
+            bad.append(f"not a row of exports.txt: {line}")
+    return rows, bad if rows else bad + ["exports.txt holds no functions"]
+
+
+def line_of(row):
+    return f"{row.ordinal:3} | {' | '.join(row[1:])}"
+
+
+def linux_name(row):
+    """The name on Linux: the standard-call name without decoration, with the other tag of FILE."""
+    return re.sub(r"@\d+$", "", row.standard_call).replace("6_iobuf", "8_IO_FILE")
+
+
+def parse_def(text):
+    """A .def file: pairs of ordinal and name; None for any line except its head."""
+    lines = text.splitlines()
+    head, rows = lines[:len(DEF_HEAD)], [DEF_ROW.match(line) for line in lines[len(DEF_HEAD):]]
+    return [None] * (head != DEF_HEAD) + [row and (int(row.group(2)), row.group(1)) for row in rows]
+
+
+def parse_map(text):
+    """The functions that a version script exports."""
+    return [match.group(1) for match in map(MAP_ROW.match, text.splitlines()) if match]

@@ -1,0 +1,16 @@
+/// \file
+/// Names that stand more than once in a struct of a binary file.
+#pragma once
+
+#include "Losses.h"
+
+#include <string_view>
+
+namespace kel::tool {
+
+/// Adds a loss for every variable of a binary file whose name its struct has already. Reading
+/// keeps the last of such variables, so the values do not show that there were others. Looks at
+/// content only as far as it consists of sound records.
+void findRepeatedNames(std::string_view content, Losses& losses);
+
+} // namespace kel::tool

@@ -1,0 +1,242 @@
+#include "json/JsonBuilder.h"
+
+#include "FormatLimits.h"
+#include "PathText.h"
+#include "json/ReservedShapes.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace kel::tool {
+
+namespace {
+
+constexpr const char* inexactInteger = "an integer that no double holds exactly";
+
+bool fitsInt(int64_t value) {
+    return value >= std::numeric_limits<int32_t>::min() &&
+           value <= std::numeric_limits<int32_t>::max();
+}
+
+/// True when a double holds the integer of this magnitude exactly. Asked of the bits: converting
+/// there and back proves nothing on machines that compute with more digits than a double has.
+bool isExact(uint64_t magnitude) {
+    constexpr int digits = std::numeric_limits<double>::digits;
+    return std::bit_width(magnitude) - std::countr_zero(magnitude) <= digits;
+}
+
+/// True when the double is exactly the integer that the digits spell.
+bool isExactly(double value, const std::string& digits) {
+    if (std::fabs(value) >= std::numeric_limits<double>::max() || std::trunc(value) != value) {
+        return false;
+    }
+    char text[320];
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed);
+    return digits == std::string(text, end.ptr);
+}
+
+/// True when the number is not zero although the nearest double is.
+bool isTooSmall(double value, const std::string& spelling) {
+    const std::string mantissa = spelling.substr(0, spelling.find_first_of("eE"));
+    return value == 0.0 && mantissa.find_first_of("123456789") != std::string::npos;
+}
+
+const char* obstacleInName(const std::string& name) {
+    if (name.empty()) {
+        return "an empty name";
+    }
+    if (name.find('"') != std::string::npos) {
+        return "a name with a double quote";
+    }
+    return name.find('\0') != std::string::npos ? "a name with a NUL" : nullptr;
+}
+
+} // namespace
+
+void JsonBuilder::addNull() {
+    if (isLeftOut()) {
+        return;
+    }
+    if (!stack_.empty() && stack_.back().array != nullptr) {
+        list("null in an array");
+        ++stack_.back().index;
+        return;
+    }
+    if (stack_.empty() && target_) {
+        list(obstacleOfNullRoot(*target_));
+    }
+    add(nullptr);
+}
+
+void JsonBuilder::addBoolean(bool value) {
+    if (!isLeftOut()) {
+        add(made(CreateKELBoolean(value)));
+    }
+}
+
+void JsonBuilder::addInteger(int64_t value) {
+    if (isLeftOut()) {
+        return;
+    }
+    if (fitsInt(value)) {
+        add(made(CreateKELInt(static_cast<int32_t>(value))));
+        return;
+    }
+    const auto bits = static_cast<uint64_t>(value);
+    addNumber(static_cast<double>(value),
+              isExact(value < 0 ? 0 - bits : bits) ? nullptr : inexactInteger);
+}
+
+void JsonBuilder::addUnsigned(uint64_t value) {
+    if (isLeftOut()) {
+        return;
+    }
+    if (value <= static_cast<uint64_t>(std::numeric_limits<int32_t>::max())) {
+        add(made(CreateKELInt(static_cast<int32_t>(value))));
+        return;
+    }
+    addNumber(static_cast<double>(value), isExact(value) ? nullptr : inexactInteger);
+}
+
+void JsonBuilder::addDouble(double value, const std::string& spelling) {
+    if (isLeftOut()) {
+        return;
+    }
+    const bool isInteger = spelling.find_first_of(".eE") == std::string::npos;
+    if (isInteger && !isExactly(value, spelling)) {
+        addNumber(value, inexactInteger);
+    } else if (isTooSmall(value, spelling)) {
+        addNumber(value, "a number too small for a double");
+    } else {
+        addNumber(value, nullptr);
+    }
+}
+
+void JsonBuilder::addNumber(double value, const char* obstacle) {
+    if (obstacle == nullptr && target_) {
+        obstacle = obstacleOfDouble(value, *target_);
+    }
+    list(obstacle);
+    add(made(CreateKELDouble(value)));
+}
+
+void JsonBuilder::addString(std::string& text) {
+    if (isLeftOut()) {
+        return;
+    }
+    if (text.find('\0') != std::string::npos) {
+        list("a string with a NUL");
+        std::erase(text, '\0');
+    } else if (target_) {
+        list(obstacleOfText(text.c_str(), *target_));
+    }
+    add(made(CreateKELString(text.c_str())));
+}
+
+void JsonBuilder::beginStruct() {
+    KEL_Struct* structure = CreateKELStruct();
+    beginContainer({made(structure), nullptr, structure});
+}
+
+void JsonBuilder::beginArray() {
+    KEL_Array* array = CreateKELArray();
+    beginContainer({made(array), array, nullptr});
+}
+
+void JsonBuilder::beginContainer(Frame frame) {
+    if (leftOutDepth_ > 0 || leaveNextOut_) {
+        leaveNextOut_ = false;
+        ++leftOutDepth_;
+    } else {
+        stack_.push_back(std::move(frame));
+    }
+}
+
+void JsonBuilder::setName(std::string& name) {
+    if (leftOutDepth_ > 0) {
+        return;
+    }
+    Frame& top = stack_.back();
+    top.name = std::move(name);
+    top.mayBeShape = top.mayBeShape || isReservedName(top.name.c_str());
+    const char* obstacle = obstacleInName(top.name);
+    list(obstacle);
+    leaveNextOut_ = obstacle != nullptr;
+}
+
+void JsonBuilder::endStruct() {
+    if (endsLeftOut()) {
+        return;
+    }
+    Frame frame = std::move(stack_.back());
+    stack_.pop_back();
+    Value shape = frame.mayBeShape ? valueOfShape(*frame.structure) : nullptr;
+    if (shape == nullptr) {
+        add(std::move(frame.container));
+        return;
+    }
+    if (target_) {
+        list(obstacleOf(*shape, *target_));
+    }
+    add(std::move(shape));
+}
+
+void JsonBuilder::endArray() {
+    if (endsLeftOut()) {
+        return;
+    }
+    Value array = std::move(stack_.back().container);
+    stack_.pop_back();
+    add(std::move(array));
+}
+
+bool JsonBuilder::isLeftOut() {
+    const bool isNext = leaveNextOut_;
+    leaveNextOut_ = false;
+    return isNext || leftOutDepth_ > 0;
+}
+
+bool JsonBuilder::endsLeftOut() {
+    if (leftOutDepth_ == 0) {
+        return false;
+    }
+    --leftOutDepth_;
+    return true;
+}
+
+void JsonBuilder::add(Value value) {
+    if (stack_.empty()) {
+        roots_.push_back(std::move(value));
+        return;
+    }
+    Frame& top = stack_.back();
+    if (top.array != nullptr) {
+        top.array->addVar(value.get());
+        ++top.index;
+    } else {
+        top.structure->addVar(top.name.c_str(), value.get());
+    }
+}
+
+void JsonBuilder::list(const char* reason) {
+    if (reason != nullptr) {
+        losses_.add(roots_.size(), reason, [this] { return path(); });
+    }
+}
+
+std::string JsonBuilder::path() const {
+    PathText path;
+    for (const Frame& frame : stack_) {
+        if (frame.array != nullptr) {
+            path.addIndex(frame.index);
+        } else {
+            path.addName(frame.name);
+        }
+    }
+    return path.take();
+}
+
+} // namespace kel::tool

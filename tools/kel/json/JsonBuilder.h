@@ -1,0 +1,74 @@
+/// \file
+/// JsonBuilder: makes values of the events of a JSON parser.
+#pragma once
+
+#include "Format.h"
+#include "Losses.h"
+#include "Values.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kel::tool {
+
+/// Takes the events of one JSON text after the other and builds a root value of each, with a stack
+/// of its own, so that nesting costs no call stack. What the values or the target format cannot
+/// carry is listed under its JSON path; what cannot be built at all is left out:
+///
+/// - null elements of arrays, members with an empty name or one with a double quote or a NUL
+/// - NUL characters inside strings
+class JsonBuilder {
+public:
+    /// \param target the format that the values go to, if there is one
+    /// \param losses gets what cannot be carried
+    JsonBuilder(std::optional<Format> target, Losses& losses) : target_(target), losses_(losses) {}
+
+    void addNull();
+    void addBoolean(bool value);
+    void addInteger(int64_t value);
+    void addUnsigned(uint64_t value);
+    /// \param spelling the number as it stands in the input
+    void addDouble(double value, const std::string& spelling);
+    void addString(std::string& text);
+    void beginStruct();
+    void setName(std::string& name);
+    void endStruct();
+    void beginArray();
+    void endArray();
+
+    /// The number of complete root values.
+    size_t rootCount() const { return roots_.size(); }
+
+    /// Hands out all root values.
+    std::vector<Value> takeRoots() { return std::move(roots_); }
+
+private:
+    /// A container that is not complete yet. It joins the container around it when it is.
+    struct Frame {
+        Value container;
+        KEL_Array* array;
+        KEL_Struct* structure;
+        std::string name = {};   ///< of the current member
+        uint64_t index = 0;      ///< of the current element, as the JSON text counts
+        bool mayBeShape = false; ///< a reserved name was read
+    };
+
+    bool isLeftOut();
+    void beginContainer(Frame frame);
+    bool endsLeftOut();
+    void add(Value value);
+    void addNumber(double value, const char* obstacle);
+    void list(const char* reason);
+    std::string path() const;
+
+    std::optional<Format> target_;
+    Losses& losses_;
+    std::vector<Value> roots_;
+    std::vector<Frame> stack_;
+    uint64_t leftOutDepth_ = 0; ///< open containers inside a member that is left out
+    bool leaveNextOut_ = false; ///< the next value belongs to a member that is left out
+};
+
+} // namespace kel::tool

@@ -1,0 +1,153 @@
+#include "json/JsonReader.h"
+
+#include "Failure.h"
+#include "PathText.h"
+#include "json/JsonBuilder.h"
+
+#include <algorithm>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+namespace kel::tool {
+
+namespace {
+
+/// Reads the content for the parser and leaves the place where the parser stopped in a variable of
+/// ours: the parser itself does not report where a JSON text ended.
+class Reader {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    explicit Reader(const char** at) : at_(at) {}
+
+    reference operator*() const { return **at_; }
+    Reader& operator++() {
+        ++*at_;
+        return *this;
+    }
+    friend bool operator==(const Reader& a, const Reader& b) { return *a.at_ == *b.at_; }
+
+private:
+    const char** at_;
+};
+
+/// The parser's events, handed on to a builder; failures are kept.
+class Handler : public JsonBuilder {
+public:
+    using JsonBuilder::JsonBuilder;
+
+    bool null() { return addNull(), true; }
+    bool boolean(bool value) { return addBoolean(value), true; }
+    bool number_integer(int64_t value) { return addInteger(value), true; }
+    bool number_unsigned(uint64_t value) { return addUnsigned(value), true; }
+    bool number_float(double value, const std::string& spelling) {
+        return addDouble(value, spelling), true;
+    }
+    bool string(std::string& text) { return addString(text), true; }
+    bool binary(nlohmann::json::binary_t&) { return false; } // JSON text holds none
+    bool start_object(size_t) { return beginStruct(), true; }
+    bool key(std::string& name) { return setName(name), true; }
+    bool end_object() { return endStruct(), true; }
+    bool start_array(size_t) { return beginArray(), true; }
+    bool end_array() { return endArray(), true; }
+
+    bool parse_error(size_t, const std::string&, const nlohmann::json::exception& failure) {
+        failure_ = failure.what();
+        return false;
+    }
+
+    const std::string& failure() const { return failure_; }
+
+private:
+    std::string failure_;
+};
+
+/// The parser's message without its own name and place, which speak of one JSON text only.
+std::string reasonOf(std::string_view message) {
+    constexpr size_t longestReason = 200; // messages quote input, which may be one huge string
+    const auto removeThrough = [&message](std::string_view lead) {
+        const size_t at = message.find(lead);
+        message.remove_prefix(at == std::string_view::npos ? 0 : at + lead.size());
+    };
+    removeThrough("] ");
+    if (message.starts_with("parse error at ")) {
+        removeThrough(": ");
+    }
+    const bool isLong = message.size() > longestReason;
+    return withoutControls(message.substr(0, longestReason)) + (isLong ? "..." : "");
+}
+
+/// Reads one JSON text after the other.
+class JsonReader {
+public:
+    /// \param content has to end with white space, so that something follows every number
+    JsonReader(const std::string& content, const std::string& inputName, Handler& handler)
+        : begin_(content.data()), at_(begin_), end_(begin_ + content.size()), inputName_(inputName),
+          handler_(handler) {}
+
+    void readAll() {
+        do {
+            const char* first = at_;
+            readOne();
+            stepBackBehindNumber(first);
+            requireSeparator();
+        } while (at_ != end_);
+    }
+
+private:
+    static bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+    void readOne() {
+        const char* end = end_;
+        if (!nlohmann::json::sax_parse(Reader(&at_), Reader(&end), &handler_,
+                                       nlohmann::json::input_format_t::json, false)) {
+            fail(at_ - 1, reasonOf(handler_.failure()));
+        }
+    }
+
+    /// A number ends where something else begins, and the parser has read that one character too.
+    void stepBackBehindNumber(const char* first) {
+        const char* start = std::find_if_not(first, at_, isSpace);
+        if (start != at_ && (*start == '-' || (*start >= '0' && *start <= '9'))) {
+            --at_;
+        }
+    }
+
+    /// Moves to the next text or the end. "01" is not a pair of numbers but a mistake.
+    void requireSeparator() {
+        const char last = at_[-1];
+        const char* behind = at_;
+        at_ = std::find_if_not(at_, end_, isSpace);
+        if (at_ != end_ && at_ == behind && last != '}' && last != ']' && *at_ != '{' &&
+            *at_ != '[') {
+            fail(at_, "white space is missing between two values");
+        }
+    }
+
+    [[noreturn]] void fail(const char* where, const std::string& reason) const {
+        const auto line = std::count(begin_, where, '\n') + 1;
+        throw Failure{Trouble::malformed, inputName_ + ':' + std::to_string(line) + ": " + reason};
+    }
+
+    const char* begin_;
+    const char* at_;
+    const char* end_;
+    const std::string& inputName_;
+    Handler& handler_;
+};
+
+} // namespace
+
+Document readJson(std::string content, const std::string& inputName, std::optional<Format> target,
+                  Losses& losses) {
+    content += '\n';
+    Handler handler(target, losses);
+    JsonReader(content, inputName, handler).readAll();
+    return Document(handler.takeRoots(), false);
+}
+
+} // namespace kel::tool

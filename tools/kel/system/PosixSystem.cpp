@@ -1,0 +1,207 @@
+// The tool's operating-system interface for POSIX systems.
+
+#include "system/System.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kel::tool {
+
+namespace {
+
+constexpr int endingSignals[] = {SIGHUP, SIGINT, SIGTERM};
+
+/// The file that the signal handler has to remove; empty for nothing. Written only with the signals blocked.
+char temporaryName[4096];
+
+/// Removes the temporary file and ends the process by the signal, as if it had not been handled.
+extern "C" void endBySignal(int signal) {
+    if (temporaryName[0] != '\0') {
+        unlink(temporaryName);
+    }
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+/// Holds the ending signals back for as long as it lives.
+class BlockedSignals {
+public:
+    BlockedSignals() {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int signal : endingSignals) {
+            sigaddset(&ending, signal);
+        }
+        sigprocmask(SIG_BLOCK, &ending, &before_);
+    }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
+    ~BlockedSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+private:
+    sigset_t before_{};
+};
+
+/// Signals that the process was started to ignore (nohup) stay ignored.
+void handleEndingSignals() {
+    for (const int signal : endingSignals) {
+        if (std::signal(signal, endBySignal) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+}
+
+} // namespace
+
+std::vector<std::string> argumentsOf(int argc, const char* const* argv) {
+    return {argv, argv + argc};
+}
+
+void prepareProcess() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool isTerminal(std::FILE* file) {
+    return isatty(fileno(file)) == 1;
+}
+
+std::filesystem::path pathOf(const std::string& name) {
+    return name;
+}
+
+std::FILE* openToRead(const std::string& name) {
+    return std::fopen(name.c_str(), "rb");
+}
+
+std::FILE* openToWrite(const std::string& name) {
+    return std::fopen(name.c_str(), "wb");
+}
+
+bool mayWrite(const std::filesystem::path& path) {
+    return access(path.c_str(), W_OK) == 0 || errno == ENOENT;
+}
+
+// Opened for reading only, the bytes are not touched.
+MemoryToRead::MemoryToRead(std::string_view bytes)
+    : file_(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb")) {
+    if (file_ == nullptr) {
+        throw std::system_error(errno, std::generic_category());
+    }
+}
+
+MemoryToRead::~MemoryToRead() {
+    std::fclose(file_);
+}
+
+struct MemoryToWrite::Storage {
+    std::unique_ptr<char[]> bytes;
+    std::FILE* file;
+};
+
+MemoryToWrite::MemoryToWrite(size_t limit)
+    : storage_(new Storage{std::unique_ptr<char[]>(new char[limit]), nullptr}) {
+    storage_->file = fmemopen(storage_->bytes.get(), limit, "wb");
+    if (storage_->file == nullptr) {
+        throw std::system_error(errno, std::generic_category());
+    }
+}
+
+MemoryToWrite::~MemoryToWrite() {
+    if (storage_->file != nullptr) {
+        std::fclose(storage_->file);
+    }
+}
+
+std::FILE* MemoryToWrite::file() {
+    return storage_->file;
+}
+
+std::optional<std::string> MemoryToWrite::take() {
+    const bool isWritten = std::fflush(storage_->file) == 0 && std::ferror(storage_->file) == 0;
+    const long size = std::ftell(storage_->file);
+    const bool isClosed = std::fclose(storage_->file) == 0;
+    storage_->file = nullptr;
+    if (!isWritten || !isClosed || size < 0) {
+        return std::nullopt;
+    }
+    return std::string(storage_->bytes.get(), static_cast<size_t>(size));
+}
+
+std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem::path& path) {
+    constexpr int attempts = 1000;
+    const std::string prefix = ".kel-" + std::to_string(getpid()) + '-';
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        path = folder / (prefix + std::to_string(attempt) + ".tmp");
+        const std::string& name = path.native();
+        if (name.size() >= sizeof temporaryName) {
+            errno = ENAMETOOLONG;
+            return nullptr;
+        }
+        const BlockedSignals blocked;
+        const int descriptor = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor >= 0) {
+            std::FILE* file = fdopen(descriptor, "wb");
+            if (file == nullptr) {
+                const int reason = errno;
+                close(descriptor);
+                unlink(name.c_str());
+                errno = reason;
+                return nullptr;
+            }
+            std::memcpy(temporaryName, name.c_str(), name.size() + 1);
+            handleEndingSignals();
+            return file;
+        }
+        if (errno != EEXIST) {
+            return nullptr;
+        }
+    }
+    return nullptr;
+}
+
+void keepTemporary() {
+    const BlockedSignals blocked;
+    temporaryName[0] = '\0';
+}
+
+void copyPermissions(std::FILE* file, const std::filesystem::path& from) {
+    struct stat existing = {};
+    if (stat(from.c_str(), &existing) != 0) {
+        return;
+    }
+    // Data does not run: no bits that make it run as somebody.
+    mode_t mode = existing.st_mode & 0777U;
+    // Only root may give files away; for everybody else the new file is simply their own. If it
+    // cannot belong to the same group, what that group might do is no matter of another one.
+    const int descriptor = fileno(file);
+    if (fchown(descriptor, existing.st_uid, existing.st_gid) != 0 &&
+        fchown(descriptor, static_cast<uid_t>(-1), existing.st_gid) != 0) {
+        mode &= ~mode_t{070};
+    }
+    fchmod(descriptor, mode); // else the usual permissions of new files have to do
+    errno = 0;
+}
+
+bool synchronise(std::FILE* file) {
+    return fsync(fileno(file)) == 0;
+}
+
+std::error_code replaceFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+    std::error_code failure;
+    std::filesystem::rename(from, to, failure);
+    return failure;
+}
+
+void synchroniseFolder(const std::filesystem::path& folder) {
+    const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        fsync(descriptor); // not every file system can; the file itself is safe already
+        close(descriptor);
+    }
+}
+
+} // namespace kel::tool
