@@ -14,7 +14,7 @@ namespace kel {
 struct ChildCursor;
 }
 
-/// What all kinds share: counting, identity, observers, the defaults of the conversions, and the
+/// The common base of all kinds: counting, identity, observers, the defaults of the conversions, and the
 /// operations that walks over trees are made of. One object per value: the implementation of a kind
 /// derives from its public class and from this.
 class KEL_Impl : public virtual KEL, public virtual KEL_Observable, public virtual JObservable {
@@ -97,7 +97,7 @@ public:
     /// of the values that it consists of for its hosts.
     virtual void notifyContentsChanged() { notifyChanged(); }
 
-    // What walks over trees are made of.
+    // The operations that walks over trees use.
 
     /// Moves the cursor to this container's next child; false after the last, and at once for a
     /// value without children.

@@ -133,14 +133,6 @@ public:
     bool containsKeyText(const char* text) const override;
     void setItemOfKeyText(const char* text, KEL* newItem) override;
     void removeKeyText(const char* text) override;
-
-    /// Puts these arrays, which are not null and not one array, in the place of its own and
-    /// notifies nobody.
-    void useArrays(const JPointer<KEL_Array_Impl>& keys, const JPointer<KEL_Array_Impl>& items) {
-        keys_ = keys;
-        items_ = items;
-    }
-
     // KEL_Impl: the children are the two arrays.
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;

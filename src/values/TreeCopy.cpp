@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    /// What becomes of values that stand in several places.
+    /// The treatment of values that stand in several places.
     enum class Shape {
         unknown,  ///< none found yet that makes a difference
         unfolded, ///< a copy for each place

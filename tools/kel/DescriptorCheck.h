@@ -18,7 +18,7 @@ using ViolationReport = std::function<void(const std::string&)>;
 ///   null and missing variables are no violations
 /// - every variable descriptor that no variable could keep to, or that contradicts itself
 ///
-/// What sits in several places is looked at where it comes first.
+/// A value in several places is checked where it comes first.
 void checkDescriptors(const Document& document, const ViolationReport& report);
 
 } // namespace kel::tool

@@ -11,7 +11,7 @@
 
 namespace kel::tool {
 
-/// What text and JSON would make of a document. Both write a shared value wherever it occurs, so a
+/// The size of a document as text and JSON. Both write a shared value wherever it occurs, so a
 /// small binary file can unfold to more than any disk holds; and text indents every level with a
 /// tab, so a deep tree can be mostly tabs. The counts are saturated far above the limits.
 struct DocumentScan {

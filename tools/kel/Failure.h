@@ -34,7 +34,7 @@ constexpr int exitStatus(Trouble trouble) {
 /// Thrown by value by everything in the tool that cannot go on.
 struct Failure {
     Trouble trouble;
-    /// What to print after "kel: "; empty when all has been said already.
+    /// The text to print after "kel: "; empty if everything has been printed already.
     std::string message;
 };
 

@@ -1,5 +1,5 @@
 /// \file
-/// What each format cannot carry.
+/// The values that each format cannot carry.
 #pragma once
 
 #include "Format.h"

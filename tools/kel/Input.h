@@ -15,7 +15,7 @@ namespace kel::tool {
 /// \throws Failure unreadable, "NAME: the system's reason"
 std::string readBytes(const std::string& name);
 
-/// What an input held.
+/// The contents of an input.
 struct Input {
     Format format;
     Document document;

@@ -19,7 +19,7 @@ namespace kel::tool {
 /// - for binary a guid for a String, and one of the given namesakes for a value of a fresh identity
 ///   with the same contents
 ///
-/// What was exchanged holds the values inside as they are. A value that sits in several places
+/// A replacement holds the values inside as they are. A value that sits in several places
 /// becomes one and the same value in all of them.
 class PlainData {
 public:

@@ -8,16 +8,16 @@
 
 namespace kel {
 
-/// What uses of definitions may still cost. A few lines of definitions can stand for any number of
+/// The remaining budget of uses of definitions. A few lines of definitions can stand for any number of
 /// values, so what they make is counted, in values as well as in text. The budget belongs to the
 /// stream, because a bound for each root value would be multiplied by the number of roots. It grows
 /// with the input, so that a long text or a stream without end uses definitions as freely as a
 /// short text.
 class ExpansionBudget {
 public:
-    /// What every stream may spend.
+    /// The budget of every stream.
     static constexpr int64_t initial = int64_t{4} * 1024 * 1024;
-    /// What each byte of the stream that is read adds.
+    /// The addition for each byte of the stream that is read.
     static constexpr int64_t perByte = 256;
     /// The cost of a use, beside the bytes of its text.
     static constexpr int64_t useCost = 64;

@@ -16,7 +16,7 @@ namespace kel {
 /// being expanded, the innermost being read. Keeps the line number, the table of definitions and
 /// their budget for the life of the stream.
 ///
-/// What refuses the input leaves it just after the token that was wrong, or after the character
+/// A refusal leaves the input just after the token that was wrong, or after the character
 /// where no token matches: every failed read uses something, so a host that goes on reaches the
 /// end. Line ends are the exception, because they are counted when they are skipped.
 class TextSource {
