@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// Calls a function of its owner, which takes it off before it goes.
+/// Calls a function of its owner, which removes it before it is destroyed.
 class InnerObserver final : public JObserver, public Stored {
 public:
     InnerObserver(void (*changed)(void* owner), void* owner) : changed_(changed), owner_(owner) {}

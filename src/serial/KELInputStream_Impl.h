@@ -32,7 +32,7 @@ public:
     void destroy();
 
 protected:
-    /// The bytes that all reading goes through.
+    /// The bytes that all operations read.
     virtual kel::BufferedInput& input() = 0;
 
     /// Reads the next root value; the caller owns it. Null for the word null in a text.

@@ -36,7 +36,7 @@ int32_t FileInputStream::JRead() {
     if (mode_ == standardStream) {
         int32_t byte = -1;
         leavingItToTheState(*stream_, [&] { byte = stream_->get(); });
-        // Meeting the end sets fail beside eof; that alone is no failure.
+        // Reaching the end sets fail beside eof; that alone is not a failure.
         if (byte < 0 && (stream_->bad() || !stream_->eof())) {
             kel::checkState(*stream_, "FileInputStream::JRead(). Stream returned bad() flag.",
                             "FileInputStream::JRead(). Stream returned fail() flag.");

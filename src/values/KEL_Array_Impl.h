@@ -70,7 +70,7 @@ public:
     /// Places in an array.
     using Indices = kel::Vector<int32_t>;
 
-    /// Where a removal of all matches removes: it goes through the first count elements with a
+    /// Where a removal of all matches removes: it visits the first count elements with a
     /// rising index and passes over the one that moves into a removed one's place, so of two equal
     /// neighbours only the first is here.
     /// \param matches called with an element

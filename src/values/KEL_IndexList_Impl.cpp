@@ -89,7 +89,7 @@ void KEL_IndexList_Impl::notifyBoth() {
 }
 
 template <class Change> void KEL_IndexList_Impl::changeBoth(const Change& change) {
-    const auto self = kel::keepAlive(this); // what goes may be its last holder
+    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
     change(*keys_);
     change(*items_);
     notifyBoth();

@@ -106,7 +106,7 @@ private:
         }
         const KEL_Impl& holderA = a.holderOfChildren();
         const KEL_Impl& holderB = b.holderOfChildren();
-        if (!levels_.empty()) { // what comes first are the roots, whose one holder may be inside
+        if (!levels_.empty()) { // the roots come first; their one holder may be inside
             isInTable = isInTable || a.isShared() || holderA.isShared() || b.isShared() ||
                         holderB.isShared() || &holderA == &rootA_ || &holderB == &rootB_;
         }

@@ -14,7 +14,7 @@ namespace {
 std::optional<std::string> contentsOf(const KEL& value) {
     switch (kindOf(value).kind) {
     case KELKind_Int:
-    case KELKind_Double: { // which are compared as numbers: one zero, one that is no number
+    case KELKind_Double: { // which are compared as numbers: one zero, one that is not a number
         const double number = value.toDouble() + 0.0;
         const auto bits = std::bit_cast<uint64_t>(
             std::isnan(number) ? std::numeric_limits<double>::quiet_NaN() : number);

@@ -8,7 +8,7 @@
 
 namespace kel::tool {
 
-/// Answers whether the child, null included, has to go, and sets what comes in its place.
+/// Returns whether the child, null included, has to be replaced, and sets the replacement.
 using Replacement = std::function<bool(KEL* child, Value& replacement)>;
 
 /// Asks replace for every value that an array, index list or struct (checked ones and descriptors

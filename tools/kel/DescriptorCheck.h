@@ -15,7 +15,7 @@ using ViolationReport = std::function<void(const std::string&)>;
 /// Looks at every value of the document once, in the order of its text form, and reports
 ///
 /// - every variable of a checked struct that its descriptor finds invalid, with what is allowed;
-///   null and missing variables are no violations
+///   null and missing variables are not violations
 /// - every variable descriptor that no variable could keep to, or that contradicts itself
 ///
 /// A value in several places is checked where it comes first.

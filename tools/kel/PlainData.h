@@ -26,7 +26,7 @@ public:
     PlainData(Format target, const std::unordered_set<const KEL*>& namesakes)
         : target_(target), namesakes_(namesakes) {}
 
-    /// True when the value has to go; sets what comes in its place.
+    /// True if the value has to be replaced; sets the replacement.
     bool exchange(KEL& value, Value& replacement);
 
 private:

@@ -34,7 +34,7 @@ public:
     /// Moves on.
     Event next();
 
-    /// Right after enter: passes over the container's values; no leave comes for it.
+    /// Right after enter: passes over the container's values; no leave follows for it.
     void skip() { stack_.pop_back(); }
 
     /// The value of the last event; null for a place without one.

@@ -19,7 +19,7 @@ void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
         try {
             withMediumErrors([&] { records.writeTo(sink()); });
         } catch (...) {
-            // Nobody knows what arrived, so nothing of it may be referred to.
+            // Nobody knows what arrived, so nothing can refer to it later.
             written_.rollBack(before);
             throw;
         }

@@ -1,5 +1,5 @@
 /// \file
-/// ExpansionBudget: how much the definitions of a stream may make.
+/// ExpansionBudget: how much the definitions of a stream can make.
 #pragma once
 
 #include <algorithm>

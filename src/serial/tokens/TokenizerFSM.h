@@ -14,7 +14,7 @@ class TokenizerFSM : public virtual JObject {
 public:
     /// The results of accept.
     enum Answer : int32_t {
-        rejected = 0,      ///< this is no token of mine
+        rejected = 0,      ///< this is not a token of this machine
         wantsMore = 1,     ///< taken, give me more
         completeWith = 2,  ///< the token is complete and this character is its last
         completeBefore = 3 ///< the token is complete and this character is not part of it

@@ -5,7 +5,7 @@
 #include "serial/tokens/CollectedText.h"
 #include "serial/tokens/TokenizerFSM.h"
 
-/// A bare word begins with a letter, "@" or "_" and goes on with letters, digits and "_"; directly
+/// A bare word begins with a letter, "@" or "_" and continues with letters, digits and "_"; directly
 /// before a double quote or "-" it is rejected. A quoted word is everything between two double
 /// quotes, without any escape. The value is a JString without the quotes; JString::isQuoted returns
 /// the two apart.

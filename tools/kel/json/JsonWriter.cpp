@@ -75,7 +75,7 @@ bool isPlain(char c) {
 }
 
 std::vector<uint8_t> bytesOf(const KEL& value) {
-    // Reading may load the bytes, so it is no operation of a constant block.
+    // Reading may load the bytes, so a constant block does not offer it.
     auto& block = dynamic_cast<KEL_MemBlock&>(const_cast<KEL&>(value));
     std::vector<uint8_t> bytes(static_cast<size_t>(block.getSize()));
     block.read(0, bytes.data(), block.getSize());

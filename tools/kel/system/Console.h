@@ -10,7 +10,7 @@
 
 namespace kel::tool {
 
-/// Everything that people read goes through here to stderr. When that is a terminal and the work
+/// Writes everything that people read to stderr. When that is a terminal and the work
 /// has taken more than a second, a line at the bottom shows the current work and its duration; it
 /// disappears before a message and at the end. The line is drawn by a thread of its own, because
 /// the library reads and writes a value in one call.
