@@ -1,5 +1,5 @@
 /// \file
-/// The result of every exported factory when there is no memory.
+/// orNullWithoutMemory: every exported factory returns null when there is no memory.
 #pragma once
 
 #include <kel/JException.h>
@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// The operation's result, or null when it runs out of memory.
+/// Returns the operation's result, or null when it runs out of memory.
 template <class Operation> auto orNullWithoutMemory(const Operation& operation) {
     try {
         return operation();

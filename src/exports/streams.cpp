@@ -1,5 +1,5 @@
 // The exported factories and delete functions of streams. A factory returns null when there is no
-// memory; a file that cannot be opened is the medium's JIOException.
+// memory. If a file cannot be opened, it throws the medium's JIOException.
 
 #include "exports/OrNull.h"
 #include "serial/binary/KELBinaryInputStream_Impl.h"
@@ -18,7 +18,7 @@ using kel::orNullWithoutMemory;
 
 namespace {
 
-/// A stream of class T over a new medium of class Medium.
+/// Makes a stream of class T over a new medium of class Medium.
 template <class T, class Base, class Medium, class... Arguments>
 T* createOver(const Arguments&... arguments) {
     return orNullWithoutMemory([&] { return new T(JPointer<Base>(new Medium(arguments...))); });
@@ -32,7 +32,7 @@ template <class T, class... Arguments> T* createOutput(const Arguments&... argum
     return createOver<T, JOutputStream, FileOutputStream>(arguments...);
 }
 
-/// Ends a stream of ours; a foreign implementation is not ours to end.
+/// Destroys a stream that the library made; does nothing for a foreign implementation.
 template <class Implementation, class Stream> void destroy(Stream* stream) {
     if (auto* implementation = dynamic_cast<Implementation*>(stream)) {
         implementation->destroy();

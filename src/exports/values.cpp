@@ -93,7 +93,7 @@ KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* keys, KEL_Array* items) {
     auto* second = dynamic_cast<KEL_Array_Impl*>(items);
     if (first == nullptr || second == nullptr || first == second ||
         first->getCount() != second->getCount()) {
-        return nullptr; // one array in both places could not take the halves of a pair
+        return nullptr; // one array in both places cannot take the halves of a pair
     }
     return create<KEL_IndexList_Impl>(JPointer<KEL_Array_Impl>::share(first),
                                       JPointer<KEL_Array_Impl>::share(second));

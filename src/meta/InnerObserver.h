@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// Calls a function of its owner, which removes it before it is destroyed.
+/// Calls a function of its owner. The owner removes the observer before it is destroyed itself.
 class InnerObserver final : public JObserver, public Stored {
 public:
     InnerObserver(void (*changed)(void* owner), void* owner) : changed_(changed), owner_(owner) {}

@@ -22,7 +22,7 @@ namespace {
 /// Makes the empty value of a kind.
 using Create = KEL_Impl* (*)(const JHashCode* identity);
 
-/// A value of class T from its initial contents, with or without a given identity.
+/// Makes a value of class T from its initial contents, with or without a given identity.
 template <class T, auto... initial> KEL_Impl* create(const JHashCode* identity) {
     return identity == nullptr ? new T(initial...) : new T(*identity, initial...);
 }

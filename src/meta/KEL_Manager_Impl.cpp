@@ -19,7 +19,7 @@ void KEL_Manager_Impl::addKel(KEL* value) {
     }
     JHashCode identity;
     const int32_t index = indexOf(element->getHashCode(identity));
-    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+    const auto self = kel::keepAlive(this); // a dropped value can be its last holder
     if (index == -1) {
         elements_->addElement(element);
     } else {

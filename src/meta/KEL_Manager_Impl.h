@@ -11,7 +11,7 @@ class KEL_Manager_Impl final : public KEL_Impl, public KEL_Manager {
 public:
     KEL_Manager_Impl() : elements_(new JVector<KEL_Impl>(10, 10)) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     explicit KEL_Manager_Impl(const JHashCode& identity)
         : JObject(identity), elements_(new JVector<KEL_Impl>(10, 10)) {}
 
@@ -31,8 +31,9 @@ public:
     // KEL_Manager
     KEL* getKelAt(int32_t index) const override;
 
-    /// Puts a value at a place, in place of an element of the same identity or after the last one,
-    /// without searching; notifies nobody: for readers that fill a new manager.
+    /// Stores a value, without searching, in place of the element at the index or after the last
+    /// element. An element that it replaces has the same identity. Nobody is notified; readers use
+    /// it to fill a new manager.
     void adoptElementAt(int32_t place, JPointer<KEL_Impl>&& value) {
         if (place < size()) {
             elements_->setElementAt(value.get(), place);
@@ -48,7 +49,7 @@ public:
     void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
-    /// The index of the element with this identity, or -1.
+    /// Returns the index of the element with this identity, or -1.
     int32_t indexOf(const JHashCode& hashCode) const;
 
     JPointer<JVector<KEL_Impl>> elements_;

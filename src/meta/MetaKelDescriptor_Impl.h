@@ -11,18 +11,18 @@ class MetaKelDescriptor_Impl final : public kel::StructForwarder<MetaKelDescript
 public:
     MetaKelDescriptor_Impl() : StructForwarder(identity()) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     explicit MetaKelDescriptor_Impl(const JHashCode& identity)
         : MetaKelDescriptor_Impl(identity, identity) {}
 
-    /// The same with an inner struct of another identity.
+    /// Makes the same value with an inner struct of another identity.
     MetaKelDescriptor_Impl(const JHashCode& identity, const JHashCode& innerIdentity)
         : JObject(identity), StructForwarder(innerIdentity) {}
 
     int32_t getType() const override { return KELKind_MetaKelDescriptor; }
     KEL_Impl* copyWithoutChildren() const override { return new MetaKelDescriptor_Impl(); }
 
-    /// The descriptor of a variable, borrowed; null when it is not described.
+    /// Returns the descriptor of a variable, borrowed; null when it is not described.
     MetaKelVarDescriptor_Impl* find(const char* name) const {
         return containsVar(name) ? dynamic_cast<MetaKelVarDescriptor_Impl*>(inner().valueOf(name))
                                  : nullptr;

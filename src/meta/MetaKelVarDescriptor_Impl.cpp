@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* notEnumerated = "Not an enumerated variable.";
 
-/// A value that lives for one call.
+/// Makes a value for the duration of one call.
 template <class T, class Argument> JPointer<KEL_Impl> temporary(const Argument& value) {
     return JPointer<KEL_Impl>(new T(value));
 }
@@ -246,7 +246,7 @@ void MetaKelVarDescriptor_Impl::removeEnumValue(const KEL* value) {
     if (value == nullptr) {
         return;
     }
-    // Held: observers may replace the list.
+    // Held because observers can replace the list.
     const JPointer<KEL_Array_Impl> list = JPointer<KEL_Array_Impl>::share(&allowedValues());
     const auto matches = list->findToRemove(
         list->getCount(), [&](const KEL_Impl& element) { return element.equalsValue(value); });

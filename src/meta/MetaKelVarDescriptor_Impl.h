@@ -12,11 +12,11 @@ class MetaKelVarDescriptor_Impl final : public kel::StructForwarder<MetaKelVarDe
 public:
     MetaKelVarDescriptor_Impl() : StructForwarder(identity()) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     explicit MetaKelVarDescriptor_Impl(const JHashCode& identity)
         : MetaKelVarDescriptor_Impl(identity, identity) {}
 
-    /// The same with an inner struct of another identity.
+    /// Makes the same value with an inner struct of another identity.
     MetaKelVarDescriptor_Impl(const JHashCode& identity, const JHashCode& innerIdentity)
         : JObject(identity), StructForwarder(innerIdentity) {}
 
@@ -94,13 +94,13 @@ public:
     KEL_Struct* getStruct() const override { return &inner(); }
 
 private:
-    /// The value of a property, borrowed; null when absent.
+    /// Returns the value of a property, borrowed; null when absent.
     KEL_Impl* property(const char* name) const;
 
     /// Adds or replaces a property, with one notification.
     void putProperty(const char* name, KEL_Impl* value);
 
-    /// Replaces a property that is there, with one notification.
+    /// Replaces an existing property, with one notification.
     void replaceProperty(const char* name, KEL_Impl* value);
     void replaceText(const char* name, const KEL* value);
 
@@ -108,9 +108,9 @@ private:
     const char* textOf(const char* name) const;
     void requireRange() const;
 
-    /// The allowed values; null if there are none, or if they are not a list.
+    /// Returns the allowed values; null if there are none, or if they are not a list.
     KEL_Array_Impl* listOfAllowed() const;
 
-    /// The allowed values. Throws if there are none, or if they are not a list.
+    /// Returns the allowed values. Throws if there are none, or if they are not a list.
     KEL_Array_Impl& allowedValues() const;
 };

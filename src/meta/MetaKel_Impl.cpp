@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* descriptorName = "@desc";
 
-/// A descriptor that states the kind of a value as the type; null for null.
+/// Makes a descriptor that states the kind of a value as the type; null for null.
 JPointer<MetaKelVarDescriptor_Impl> describeType(const KEL* value) {
     JPointer<MetaKelVarDescriptor_Impl> made;
     if (value != nullptr) {
@@ -90,7 +90,7 @@ MetaKel_Impl::prepareChecked(const char* name, KEL* value,
         return KEL_Struct_Impl::prepareVariable(name, added);
     }
     if (rules->hasDefault()) {
-        return KEL_Struct_Impl::prepareVariable(name, nullptr); // the default, which may change
+        return KEL_Struct_Impl::prepareVariable(name, nullptr); // the default, which can change
     }
     return {};
 }

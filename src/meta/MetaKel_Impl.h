@@ -12,16 +12,17 @@ class MetaKel_Impl final : public kel::StructForwarder<MetaKel> {
 public:
     MetaKel_Impl() : StructForwarder(identity()) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     explicit MetaKel_Impl(const JHashCode& identity) : MetaKel_Impl(identity, identity) {}
 
-    /// The same with an inner struct of another identity.
+    /// Makes the same value with an inner struct of another identity.
     MetaKel_Impl(const JHashCode& identity, const JHashCode& innerIdentity)
         : JObject(identity), StructForwarder(innerIdentity) {}
 
     int32_t getType() const override { return KELKind_MetaKel; }
     KEL_Impl* copyWithoutChildren() const override { return new MetaKel_Impl(); }
-    /// Null: the copy of a cleared variable is cleared, for an Int 0 may be invalid there.
+    /// Returns null: a cleared variable is cleared in the copy too, because 0 can be invalid there
+    /// for an Int.
     JPointer<KEL_Impl> copyOfNullVariable() const override { return {}; }
 
     // MetaKelInterface_V1
@@ -46,22 +47,22 @@ public:
     void setVarValue(const char* name, KEL* value) override;
 
 private:
-    /// The descriptor in use, borrowed; null when there is none.
+    /// Returns the descriptor in use, borrowed; null when there is none.
     MetaKelDescriptor_Impl* descriptor() const;
 
-    /// The descriptor of a variable, borrowed; null when it is not described.
+    /// Returns the descriptor of a variable, borrowed; null when it is not described.
     MetaKelVarDescriptor_Impl* descriptorOf(const char* name) const;
 
-    /// True when nothing that describes the variable speaks against the value.
+    /// Returns whether the value is valid for the variable, as far as the variable is described.
     bool accepts(const char* name, const KEL* value) const;
 
     using PreparedVariable = KEL_Struct_Impl::PreparedVariable;
 
     /// Prepares the variable that the checked add stores under a name: the value, or null (the
-    /// default) where rules refuse it, or nothing at all, which is empty.
+    /// default) where rules refuse it. Returns an empty variable where nothing is to be stored.
     PreparedVariable prepareChecked(const char* name, KEL* value,
                                     const MetaKelVarDescriptor_Impl* rules) const;
 
-    /// The variable's value or its default, borrowed. Throws as getVar.
+    /// Returns the variable's value or its default, borrowed. Throws as getVar does.
     KEL* find(const char* name) const;
 };

@@ -19,12 +19,13 @@
 
 namespace kel {
 
-/// Base of the kinds that are built on a struct: implements KEL_Struct by an inner struct of the
-/// same identity. Public is the kind's public class.
+/// Base of the kinds that are built on a struct. It implements KEL_Struct by an inner struct, which
+/// normally has the same identity. Public is the kind's public class.
 ///
-/// Observers of the value hear of every change of the inner struct with the value itself, once for
-/// each operation, also when somebody changes the inner struct directly. So they do of an operation
-/// of the value that changes a variable in place, which does not change the inner struct.
+/// Observers of the value are notified, with the value itself, of every change of the inner struct:
+/// once for each operation, even when somebody changes the inner struct directly. They are also
+/// notified of an operation of the value that changes a variable in place, although it does not
+/// change the inner struct.
 template <class Public>
 class StructForwarder : public KEL_Impl, public Public, public StructHolder {
 public:
@@ -77,7 +78,7 @@ public:
         notifyOnce([&] { inner_->removeVar(name); });
     }
     void setVar(const char* name, KEL* value) override {
-        const bool changes = !isNoName(name) && !isForeign(value); // name may go with the old value
+        const bool changes = !isNoName(name) && !isForeign(value); // name can be freed with value
         notifyOnce([&] {
             inner_->setVar(name, value);
             if (changes) {
@@ -141,8 +142,8 @@ public:
     }
 
 protected:
-    /// The inner struct gets this identity, normally the value's own: then the identity that a
-    /// text gives a descriptor is that of the value, however it is read.
+    /// Gives the inner struct this identity, normally the value's own. The identity that a text
+    /// states for a descriptor is then the value's identity, whichever way the text is read.
     explicit StructForwarder(const JHashCode& innerIdentity)
         : inner_(new KEL_Struct_Impl(innerIdentity)),
           relay_(new InnerObserver(
@@ -152,17 +153,17 @@ protected:
 
     ~StructForwarder() override { inner_->removeObserver(relay_.get()); }
 
-    /// Runs an operation on the inner struct and notifies once if that changed it, also when it
-    /// throws on the way: an observer of something inside may.
+    /// Runs an operation on the inner struct and notifies once if that changed it. It does so even
+    /// when the operation throws, as an observer of something inside can.
     template <class Operation> void notifyOnce(const Operation& operation) {
-        // Held: the inner struct's own observers may let go of this value.
+        // Held because the inner struct's own observers can release this value.
         const JPointer<StructForwarder> held = JPointer<StructForwarder>::share(this);
         ++deferrals_;
         runAll(operation, [this] { tell(); });
     }
 
-    /// Makes a change of the inner struct that cannot fail and notifies nobody, then notifies: its
-    /// observers once, then the value's.
+    /// Makes a change of the inner struct that cannot fail and notifies nobody. Then notifies the
+    /// observers of the inner struct once, and after them those of the value.
     template <class Change> void changeInner(const Change& change) {
         notifyOnce([&] {
             change(*inner_);
@@ -170,12 +171,12 @@ protected:
         });
     }
 
-    /// Counts as a change although the inner struct notifies nobody: its setVar, and changes of
-    /// what a variable holds.
+    /// Records a change of which the inner struct notifies nobody: its setVar, and changes of the
+    /// values that the variables hold.
     void markInnerChanged() { innerChanged(); }
 
 private:
-    /// The end of an operation. It is over before the observers are called: they may change the
+    /// Ends an operation. It is over before the observers are called, because they can change the
     /// value again.
     void tell() {
         if (--deferrals_ == 0 && std::exchange(pending_, false)) {
@@ -183,14 +184,14 @@ private:
         }
     }
 
-    /// Lets the variable take over a value just made, which is then released.
+    /// Assigns a value just made to the variable, then releases the value.
     void setMade(const char* name, KEL_Impl* value) {
         const JPointer<KEL_Impl> made(value);
         changeInPlace(name, made.get());
     }
 
-    /// The inner struct's setVarValue. It changes the variable's value in place, of which that
-    /// value notifies its own observers and the inner struct nobody.
+    /// Does the same as the inner struct's setVarValue. It changes the variable's value in place.
+    /// That value notifies its own observers, but the inner struct notifies nobody.
     void changeInPlace(const char* name, KEL* value) {
         notifyOnce([&] {
             const KEL_Impl* source = KEL_Impl::of(value);

@@ -6,10 +6,10 @@
 
 namespace kel {
 
-/// Gives writers and readers the struct inside a checked struct or a descriptor.
+/// Gives writers and readers access to the struct inside a checked struct or a descriptor.
 class StructHolder {
 public:
-    /// The inner struct, borrowed.
+    /// Returns the inner struct, borrowed.
     virtual KEL_Struct_Impl& inner() const = 0;
 
 protected:

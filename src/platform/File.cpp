@@ -1,4 +1,4 @@
-// Positions have 64 bits on 32-bit Linux too. Has to stand before the first include.
+// Positions have 64 bits on 32-bit Linux too. This line has to precede the first include.
 #define _FILE_OFFSET_BITS 64
 
 #include "platform/File.h"
@@ -31,7 +31,8 @@ std::wstring widen(const char* text) {
     return wide;
 }
 
-/// Windows lets pipes and devices be asked for a position and moved, and returns something.
+/// Returns whether the file has positions. On Windows the calls that report and change the position
+/// of pipes and devices succeed with arbitrary results.
 bool hasPositions(std::FILE* file) {
     return GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) == FILE_TYPE_DISK;
 }

@@ -34,7 +34,8 @@ bool drawFromPlatform(JHashCode& out) {
 
 #else
 
-/// Counts the forks above this process: a generator keyed under another number is the parent's.
+/// Counts the forks that led to this process. A generator keyed under another number is a copy of
+/// the parent's.
 std::atomic<uint32_t> processGeneration{1};
 
 void enterChild() {

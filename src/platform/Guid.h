@@ -6,16 +6,16 @@
 
 namespace kel::platform {
 
-/// Draws a GUID into out; false when none can be had.
+/// Draws a GUID into out. Returns false when that fails.
 using GuidSource = bool (*)(JHashCode& out);
 
-/// A fresh GUID from the system's own call on Windows; elsewhere a version 4 GUID from a generator
-/// of each thread's own, which is keyed by the kernel and keyed anew in a forked child, so no two
-/// threads or processes ever share a sequence.
+/// Draws a fresh GUID. On Windows the system makes it. Elsewhere it is a version 4 GUID from a
+/// generator of the thread's own. The kernel supplies the generator's key, and a new key in a
+/// forked child, so no two threads or processes ever share a sequence.
 /// \return false when the system fails
 bool createGuid(JHashCode& out);
 
-/// Replaces the source of createGuid (null: the platform's own) and returns the one before.
+/// Replaces the source of createGuid (null for the platform's own) and returns the previous one.
 /// For tests.
 GuidSource exchangeGuidSource(GuidSource source);
 

@@ -29,8 +29,9 @@ bool RandomStream::key() {
 
 namespace {
 
-// One word of the state, of each block. Compilers do not see by themselves that the blocks can be
-// computed side by side, and the compiler is told so: this makes identities three times as fast.
+// Holds one word of the state for each block. Compilers do not see by themselves that the blocks
+// can be computed side by side. The vector type states it, which makes identities three times as
+// fast.
 using Row = uint32_t __attribute__((vector_size(4 * RandomStream::lanes)));
 
 template <int bits> Row rotateLeft(Row row) {
@@ -82,7 +83,7 @@ void RandomStream::fill() {
         quarterRound(row[2], row[7], row[8], row[13]);
         quarterRound(row[3], row[4], row[9], row[14]);
     }
-    // The words of the blocks come interleaved: as random as one block after the other.
+    // The words of the blocks are interleaved, which is as random as one block after the other.
     for (std::size_t i = 0; i < 16; ++i) {
         const Row sum = row[i] + start[i];
         std::memcpy(words_ + i * lanes, &sum, sizeof sum);

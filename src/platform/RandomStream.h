@@ -7,15 +7,15 @@
 
 namespace kel::platform {
 
-/// The ChaCha key stream of eight rounds, several blocks at a time: random words at a few
-/// nanoseconds each without a system call. Identities have to be distinct, not secret; eight rounds
-/// are more than that takes. One thread uses a stream.
+/// Computes the ChaCha key stream of eight rounds, several blocks at a time. A random word takes a
+/// few nanoseconds and no system call. Identities have to be distinct, not secret; eight rounds are
+/// more than enough for that. Each stream is for one thread only.
 class RandomStream {
 public:
-    /// Draws a new key from the kernel and starts over; false when the kernel fails.
+    /// Draws a new key from the kernel and starts over. \return false when the kernel fails
     bool key();
 
-    /// The next four words, valid until the next call. Needs a key.
+    /// Returns the next four words, valid until the next call. The stream must have a key.
     const uint32_t* nextFourWords() {
         if (used_ == wordCount) {
             fill();
@@ -25,7 +25,7 @@ public:
         return words;
     }
 
-    /// The blocks that are computed side by side.
+    /// The number of blocks that are computed side by side.
     static constexpr std::size_t lanes = 4;
 
 private:

@@ -6,8 +6,9 @@
 
 namespace kel {
 
-/// The low 32 bits of value truncated toward zero to a 64-bit integer; 0 for what 64 bits do not
-/// hold, infinities and NaN. Every double in the library becomes an integer by this rule.
+/// Returns the low 32 bits of value truncated toward zero to a 64-bit integer. Infinities, NaN and
+/// values out of the 64-bit range give 0. Every double in the library becomes an integer by this
+/// rule.
 inline int32_t truncateToInt32(double value) {
     constexpr double limit = 9223372036854775808.0; // 2 to the 63rd
     if (!(value >= -limit && value < limit)) {

@@ -4,12 +4,12 @@
 
 #include <kel/JObject.h>
 
-/// One walk over a list of objects. nextElement is constant so that a class which also hands out
-/// strings can have a nextElement of its own beside it; the cursor is the walk's own affair.
+/// A walk over a list of objects. nextElement is constant so that a class that also hands out
+/// strings can have its own nextElement beside it. The cursor is the walk's internal state.
 class JEnumeration : public virtual JObject {
 public:
-    /// True when nextElement has something left.
+    /// Returns whether nextElement has another object.
     virtual bool hasMoreElements() const = 0;
-    /// The next object with one reference for the caller. Ask hasMoreElements first.
+    /// Returns the next object with one reference for the caller. Call hasMoreElements first.
     virtual JObject* nextElement() const = 0;
 };

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// A failure must not fail because its message has no memory: then it has no message.
+/// Makes the message of a failure. Without memory the failure has no message, instead of a failure
+/// of its own.
 JString* makeMessage(JString* empty, const char* text) {
     if (empty == nullptr) {
         return nullptr;

@@ -6,8 +6,9 @@
 
 #include <bit>
 
-/// A 128-bit integer. Its 32-bit value saturates, see JHashCode::intValue; the narrower ones are
-/// low bits; the floating ones do not convert: they read the low bits as a floating number.
+/// A 128-bit integer. Its 32-bit value saturates, see JHashCode::intValue. The narrower values are
+/// its low bits. The floating values are not converted: they are the low bits read as a floating
+/// number.
 class JInt128 : public virtual JNumber {
 public:
     explicit JInt128(const JHashCode& value) : value_(value) {}
@@ -21,14 +22,14 @@ public:
     }
     JHashCode int128Value() const override { return value_; }
     int16_t shortValue() const override { return static_cast<int16_t>(value_.w0); }
-    /// The double whose bits are w1 and w0.
+    /// Returns the double whose bits are w1 and w0.
     double doubleValue() const override {
         return std::bit_cast<double>(JLong64(value_.w0, value_.w1).value());
     }
-    /// The float whose bits are w0.
+    /// Returns the float whose bits are w0.
     float floatValue() const override { return std::bit_cast<float>(value_.w0); }
 
-    /// The 128 bits.
+    /// Returns the 128 bits.
     virtual JHashCode int128() const { return value_; }
     /// Returns the result of the constant form.
     virtual JHashCode int128() { return static_cast<const JInt128*>(this)->int128(); }

@@ -8,9 +8,9 @@
 #include <kel/JHashCode.h>
 #include <kel/JObject.h>
 
-/// A number that can be asked for in eight widths. Each conversion is there twice: the constant
-/// form is the conversion proper, the other one returns the result of the constant form, also where
-/// a subclass redefines it.
+/// A number with conversions to eight types. Each conversion has two forms. The constant form
+/// converts. The other one returns the result of the constant form, even where a subclass redefines
+/// that.
 ///
 /// The 64-bit and 128-bit results extend a 32-bit result with zeros, never with the sign.
 class JNumber : public virtual JObject {

@@ -25,7 +25,7 @@ void JObservable::notifyObservers() {
     if (observers_.isNull() || !changed_) {
         return;
     }
-    // A callback may drop the last reference to this object, or its whole list.
+    // A callback can drop the last reference to this object, or its whole list.
     const JPointer<JObservable> self = JPointer<JObservable>::share(this);
     int32_t next = 0;
     kel::runToEnd([&] {

@@ -5,34 +5,34 @@
 #include "runtime/JObserver.h"
 #include "runtime/JVector.h"
 
-/// Keeps a list of observers and a changed flag, and notifies every observer in the order of their
-/// registration once it has been marked changed.
+/// Keeps a list of observers and a changed flag. If the flag is set, notifyObservers notifies every
+/// observer in the order of registration.
 class JObservable : public virtual JObject {
 public:
-    /// A fresh identity, not changed, no observers.
+    /// Makes an observable with a fresh identity, not changed and without observers.
     JObservable() = default;
 
-    /// The given identity, not changed, no observers.
+    /// Makes an observable with the given identity, not changed and without observers.
     JObservable(uint32_t w0, uint32_t w1, uint32_t w2, uint32_t w3) : JObject(w0, w1, w2, w3) {}
 
-    /// Appends observer unless it is registered already; null registers nothing.
+    /// Appends observer unless it is registered already; does nothing for null.
     virtual void addObserver(JObserver* observer);
 
-    /// Takes observer off if it is registered.
+    /// Removes observer if it is registered.
     virtual void deleteObserver(JObserver* observer);
 
-    /// True when observer is registered; false for null.
+    /// Returns whether observer is registered; false for null.
     virtual bool containsObserver(const JObserver* observer) const;
 
-    /// Calls every observer if the changed flag is set, then clears the flag. Without a list
-    /// nothing happens and the flag stays. The list is read anew at every step, so an observer
-    /// added meanwhile is called and one removed before its turn is not; removing one at or before
-    /// the current place passes over the next in this round. The object outlives the walk.
-    /// An observer that throws does not keep the others from being called; at the end the first
-    /// exception reaches the caller.
+    /// Calls every observer if the changed flag is set, then clears the flag. Without a list it
+    /// does nothing and keeps the flag. The list is read anew at every step: an observer added
+    /// meanwhile is called, and one removed before its turn is not. Removing one at or before the
+    /// current place skips the next one in this round. The object is kept alive until the end. When
+    /// an observer throws, the others are still called; at the end the first exception reaches the
+    /// caller.
     virtual void notifyObservers();
 
-    /// Takes every observer off.
+    /// Removes every observer.
     virtual void deleteObservers();
 
     /// Sets the changed flag.
@@ -41,14 +41,14 @@ public:
     /// Clears the changed flag.
     virtual void clearChanged() { changed_ = false; }
 
-    /// The changed flag.
+    /// Returns the changed flag.
     virtual bool hasChanged() const { return changed_; }
 
-    /// The number of observers.
+    /// Returns the number of observers.
     virtual int32_t countObservers() const;
 
 protected:
-    /// The observers in order, null when none was ever added since deleteObservers.
+    /// Returns the observers in order; null when none was added since deleteObservers.
     const JVector<JObserver>* observers() const { return observers_.get(); }
 
 private:

@@ -1,12 +1,12 @@
 /// \file
-/// JObserver: notified when an observable has changed.
+/// JObserver: an object that is notified when an observable has changed.
 #pragma once
 
 #include <kel/JObject.h>
 
 class JObservable;
 
-/// One who watches JObservables.
+/// Base of the objects that watch JObservables.
 class JObserver : public virtual JObject {
 public:
     /// Called by the observable after a change.

@@ -12,7 +12,8 @@ using kel::platform::deallocate;
 namespace {
 
 char* allocateText(size_t length) {
-    // Appending fails with the constructor's message too: to the host it is the same failure.
+    // Appending fails with the constructor's message too, because it is the same failure to the
+    // host.
     auto* buffer = static_cast<char*>(allocate(length + 1));
     if (buffer == nullptr) {
         throw JOutOfMemoryException("Cannot allocate memory in JString constructor.");
@@ -59,7 +60,7 @@ JString& JString::operator=(const char* text) {
     if (text == nullptr) {
         return *this;
     }
-    // The copy comes first: text may be this string's own buffer.
+    // The copy is made first because text can be this string's own buffer.
     const size_t size = std::strlen(text) + 1;
     auto* buffer = static_cast<char*>(allocate(size));
     if (buffer != nullptr) {

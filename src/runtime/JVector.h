@@ -12,21 +12,21 @@
 #include <cstring>
 
 /// An ordered list of counted references to Ts (a class derived from JObject). Storing an element
-/// adds one reference, dropping it releases one; null is never stored, storing operations ignore
-/// it. Searching compares identities. Index errors throw JArrayIndexOutOfBoundsException, and a
-/// failed operation leaves the vector unchanged.
+/// adds one reference, and removing it releases one. Null is never stored; operations that store
+/// ignore it. Searches compare identities. Index errors throw JArrayIndexOutOfBoundsException, and
+/// a failed operation leaves the vector unchanged.
 ///
-/// capacity() reports small fixed increments; the storage itself grows by half, so that
-/// appending a million elements one by one stays linear.
+/// capacity() reports small fixed increments. The storage itself grows by half, so that appending a
+/// million elements one by one takes linear time.
 template <class T = JObject> class JVector : public virtual JObject, public kel::Stored {
 public:
-    /// Room for capacity elements; an increment of 0 doubles the room when it runs out.
+    /// Makes room for capacity elements. With an increment of 0 the room doubles when it runs out.
     /// \throws JOutOfMemoryException "JVector constructor failed."
     JVector(int32_t capacity, int32_t capacityIncrement)
         : elements_(allocateElements(capacity, "JVector constructor failed.")), capacity_(capacity),
           capacityIncrement_(capacityIncrement), allocated_(capacity) {}
 
-    /// Shares the other vector's elements; same capacity and increment.
+    /// Shares the other vector's elements and has the same capacity and increment.
     /// \throws JOutOfMemoryException "JVector constructor failed."
     JVector(const JVector& other)
         : JObject(), elements_(allocateElements(std::max(other.capacity_, other.size_),
@@ -47,7 +47,7 @@ public:
         kel::platform::deallocate(elements_);
     }
 
-    /// Gives room beyond the elements back.
+    /// Reduces the capacity to the number of elements.
     virtual void trimToSize() {
         if (capacity_ > size_) {
             setSize(size_);
@@ -62,14 +62,14 @@ public:
         }
         int64_t grown = capacity_;
         while (grown < minimum) {
-            // A vector trimmed to nothing cannot double; it takes what is asked for.
+            // A vector trimmed to nothing cannot double; it takes the requested minimum.
             grown += capacityIncrement_ != 0 ? capacityIncrement_ : grown;
             grown = grown == 0 ? minimum : grown;
         }
         setSize(static_cast<int32_t>(std::min<int64_t>(grown, INT32_MAX)));
     }
 
-    /// Sets the capacity, not the number of elements, to count. Elements are never touched, also
+    /// Sets the capacity, not the number of elements, to count. Elements are never touched, even
     /// when there are more than count.
     /// \throws JOutOfMemoryException "JVector::setSize() failed."
     virtual void setSize(int32_t count) {
@@ -82,22 +82,23 @@ public:
         capacity_ = count;
     }
 
-    /// The number of elements that there is room for.
+    /// Returns the number of elements that there is room for.
     virtual int32_t capacity() const { return capacity_; }
 
-    /// The number of elements.
+    /// Returns the number of elements.
     virtual int32_t size() const { return size_; }
 
-    /// True when there are no elements.
+    /// Returns whether there are no elements.
     virtual bool isEmpty() const { return size_ == 0; }
 
-    /// A new walk over this vector, which it keeps alive; the caller owns the walk.
+    /// Returns a new walk over this vector, which it keeps alive; the caller owns the walk.
     virtual JEnumeration* elements() { return new JVectorEnumerator(this); }
 
-    /// True when an element has object's identity.
+    /// Returns whether an element has object's identity.
     virtual bool contains(const JObject* object) const { return indexOf(object, 0) != -1; }
 
-    /// The first index from start on whose element has object's identity; -1 for none or null.
+    /// Returns the first index from start on whose element has object's identity; -1 for none or
+    /// null.
     virtual int32_t indexOf(const JObject* object, int32_t start) const {
         if (object == nullptr) {
             return -1;
@@ -110,11 +111,11 @@ public:
         return -1;
     }
 
-    /// The first index whose element has object's identity; -1 for none or null.
+    /// Returns the first index whose element has object's identity; -1 for none or null.
     virtual int32_t indexOf(const JObject* object) const { return indexOf(object, 0); }
 
-    /// The last index up to start whose element has object's identity; -1 for none or null. A
-    /// start beyond the elements begins at the last one.
+    /// Returns the last index up to start whose element has object's identity; -1 for none or null.
+    /// If start is past the elements, the search begins at the last one.
     virtual int32_t lastIndexOf(const JObject* object, int32_t start) const {
         if (object == nullptr) {
             return -1;
@@ -127,10 +128,10 @@ public:
         return -1;
     }
 
-    /// The last index whose element has object's identity; -1 for none or null.
+    /// Returns the last index whose element has object's identity; -1 for none or null.
     virtual int32_t lastIndexOf(const JObject* object) const { return lastIndexOf(object, size_); }
 
-    /// The element at index with one reference for the caller.
+    /// Returns the element at index with one reference for the caller.
     /// \throws JArrayIndexOutOfBoundsException "JVector::elementAtRef: index is invalid"
     virtual T* elementAt(int32_t index) const {
         T* element = elementAtRef(index);
@@ -138,17 +139,17 @@ public:
         return element;
     }
 
-    /// The element at index, borrowed.
+    /// Returns the element at index, borrowed.
     /// \throws JArrayIndexOutOfBoundsException "JVector::elementAtRef: index is invalid"
     virtual T* elementAtRef(int32_t index) const {
         check(index, size_, "JVector::elementAtRef: index is invalid");
         return elements_[index];
     }
 
-    /// elementAt(0).
+    /// Returns elementAt(0).
     virtual T* firstElement() const { return elementAt(0); }
 
-    /// elementAt(size() - 1).
+    /// Returns elementAt(size() - 1).
     virtual T* lastElement() const { return elementAt(size_ - 1); }
 
     /// Replaces the element at index; null changes nothing.
@@ -158,7 +159,7 @@ public:
         if (object == nullptr) {
             return;
         }
-        retain(object); // before the release: it may be the same object
+        retain(object); // before the release: it can be the same object
         T* old = elements_[index];
         elements_[index] = object;
         drop(old);
@@ -175,7 +176,7 @@ public:
         drop(old);
     }
 
-    /// Inserts at index, from 0 to size(); null changes nothing.
+    /// Inserts at index, which is from 0 to size(); null changes nothing.
     /// \throws JArrayIndexOutOfBoundsException "JVector::insertElementAt: index is invalid"
     /// \throws JOutOfMemoryException "JVector::setSize() failed."
     virtual void insertElementAt(T* object, int32_t index) {
@@ -212,8 +213,8 @@ public:
         return true;
     }
 
-    /// Removes every element, the last one first, and keeps the room. Elements that are added or
-    /// removed while others are released do no harm: afterwards the vector is empty.
+    /// Removes every element, the last one first, and keeps the room. Elements can safely be added
+    /// or removed while others are released; the vector is empty afterwards.
     virtual void removeAllElements() {
         while (size_ > 0) {
             T* last = elements_[--size_];
@@ -222,17 +223,18 @@ public:
         }
     }
 
-    /// The elements as an array of size() pointers, borrowed, valid until the vector changes. For
-    /// walks that would pay for a checked call at each step.
+    /// Returns the elements as an array of size() pointers, borrowed until the vector changes.
+    /// Walks use it to avoid a checked call at each step.
     T* const* data() const { return elements_; }
 
-    /// addElement for an object whose one reference the vector takes over; never null.
+    /// Does the same as addElement for an object, never null, whose one reference the vector takes
+    /// over.
     void adoptElement(T* object) {
         makeRoom(1);
         elements_[size_++] = object;
     }
 
-    /// Makes room for so many more elements: storing them then needs no memory.
+    /// Makes room for this many more elements; storing them then needs no memory.
     /// \throws JOutOfMemoryException "JVector::setSize() failed."
     void makeRoom(int32_t more) {
         if (more <= capacity_ - size_) {
@@ -244,20 +246,20 @@ public:
         ensureCapacity(size_ + more);
     }
 
-    /// A walk that holds its vector, from the first element on. Without a vector it has nothing.
+    /// A walk that shares its vector and begins at the first element. Without a vector it is empty.
     class JVectorEnumerator : public JEnumeration {
     public:
-        /// Over vector, which it shares, or over null.
+        /// Makes a walk over vector, which it shares, or over nothing for null.
         explicit JVectorEnumerator(JVector* vector) : vector_(JPointer<JVector>::share(vector)) {}
 
         bool hasMoreElements() const override {
             return vector_.isValid() && cursor_ < vector_->size();
         }
 
-        /// The next element with one reference for the caller.
+        /// Returns the next element with one reference for the caller.
         /// \throws JNoSuchElementException "Enumeration is empty." as a pointer, without a vector
         /// \throws JArrayIndexOutOfBoundsException "JVector::elementAtRef: index is invalid" past
-        ///         the last element; the cursor stays
+        ///         the last element; the cursor does not move then
         JObject* nextElement() const override {
             if (vector_.isNull()) {
                 throw new JNoSuchElementException("Enumeration is empty.");
@@ -286,8 +288,8 @@ private:
         return storage;
     }
 
-    /// Moves to storage for at least count elements and at least those held; when the storage
-    /// grows, by a half at least if memory allows.
+    /// Moves to storage for at least count elements and at least the present ones. Storage that
+    /// grows does so at least by half if memory allows.
     void reallocate(int32_t count) {
         int32_t room = std::max(count, size_);
         T** moved = nullptr;

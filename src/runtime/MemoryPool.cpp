@@ -30,7 +30,7 @@ uint32_t MemoryPool::getSize() const {
     return lastStart_ + last_->size_;
 }
 
-// Adds a segment of at least size bytes, if the positions suffice.
+// Adds a segment of at least size bytes, or of fewer where positions would exceed 32 bits.
 void MemoryPool::append(uint64_t size) {
     const uint32_t total = getSize();
     const uint64_t wanted = std::max<uint64_t>(size, increment_);
@@ -51,8 +51,8 @@ void MemoryPool::write(uint32_t index, const void* source, uint32_t count) {
     if (needed > UINT32_MAX) {
         throw JOutOfMemoryException("MemoryPool out of memory.");
     }
-    // A text that is collected byte by byte ends in the last segment except for one byte in a
-    // segment's length; starting there keeps collecting linear.
+    // The next byte of a text that is collected byte by byte nearly always belongs in the last
+    // segment. Starting there keeps the cost of collecting linear.
     MemoryPool* pool = index >= lastStart_ ? last_ : this;
     index -= index >= lastStart_ ? lastStart_ : 0;
     if (needed > getSize()) {

@@ -1,16 +1,16 @@
 /// \file
 /// MemoryPool: a chained byte store.
 ///
-/// It sits beneath the strings, which can be made from it.
+/// Strings can be made from it.
 #pragma once
 
 #include <kel/JPointer.h>
 
-/// A growing run of bytes in a chain of fixed segments: growing never moves what is stored.
+/// A growing run of bytes in a chain of fixed segments. Growing never moves the stored bytes.
 class MemoryPool : public virtual JObject {
 public:
-    /// One zero-filled segment of size bytes; a chain grows by segments of increment bytes, or of
-    /// what a write needs if that is more.
+    /// Makes one zero-filled segment of size bytes. The chain grows by segments of increment bytes,
+    /// or of the number that a write needs if that is more.
     /// \throws JOutOfMemoryException "MemoryPool out of memory."
     MemoryPool(uint32_t size, uint32_t increment);
 
@@ -18,11 +18,11 @@ public:
     MemoryPool& operator=(const MemoryPool&) = delete;
     ~MemoryPool() override;
 
-    /// The bytes of all segments together, used or not.
+    /// Returns the number of bytes of all segments together, used or not.
     uint32_t getSize() const;
 
-    /// Copies count bytes to position index, adding segments as needed. The caller grows a pool
-    /// from its front: index may lie anywhere, what lies between is zero.
+    /// Copies count bytes to position index, adding segments as needed. Call this on the first
+    /// segment of the chain. The index can have any value; bytes that were never written are zero.
     /// \throws JOutOfMemoryException "MemoryPool out of memory."; nothing is written then
     void write(uint32_t index, const void* source, uint32_t count);
 

@@ -1,5 +1,5 @@
 /// \file
-/// runToEnd and runAll: steps that are all carried out, also when one of them throws.
+/// runToEnd and runAll: they carry out all steps, even when one of them throws.
 #pragma once
 
 #include <kel/JException.h>
@@ -7,9 +7,9 @@
 
 namespace kel {
 
-/// Runs a step of which a failure must not reach the caller, because an earlier one will. A failure
+/// Runs a step whose failure must not reach the caller, because an earlier one will. A failure
 /// thrown as a pointer is freed.
-/// \return what the step returns; true if it throws
+/// \return the result of the step; true if it throws
 template <class Step> bool runQuietly(const Step& step) {
     try {
         return step();
@@ -22,9 +22,9 @@ template <class Step> bool runQuietly(const Step& step) {
     return true;
 }
 
-/// Repeats step until it returns false. A step that throws does not keep the next ones from being
-/// run; at the end the first failure reaches the caller. So all observers are notified of a change
-/// that was made, whatever some of them throw.
+/// Repeats step until it returns false. The steps after one that throws are run too; at the end the
+/// first failure reaches the caller. So all observers are notified of a change that was made, even
+/// if some of them throw.
 template <class Step> void runToEnd(const Step& step) {
     try {
         while (step()) {
@@ -36,7 +36,8 @@ template <class Step> void runToEnd(const Step& step) {
     }
 }
 
-/// Runs the actions in order, each also when one before it throws; then the first failure reaches the caller.
+/// Runs the actions in order, each one even when an earlier one throws. At the end the first
+/// failure reaches the caller.
 template <class First, class... Rest> void runAll(const First& first, const Rest&... rest) {
     if constexpr (sizeof...(rest) == 0) {
         first();

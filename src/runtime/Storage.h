@@ -1,6 +1,6 @@
 /// \file
-/// Storage for the parts of values, from platform::allocate. If there is none, the failure is always
-/// the same JOutOfMemoryException.
+/// Storage for the parts of values, from platform::allocate. Every failed allocation throws the
+/// same JOutOfMemoryException.
 #pragma once
 
 #include "platform/Memory.h"
@@ -15,12 +15,12 @@
 
 namespace kel {
 
-/// Throws the failure of every operation of a value that finds no memory for its result.
+/// Throws the exception that every operation of a value throws when it finds no memory.
 [[noreturn]] inline void throwOutOfMemory() {
     throw JOutOfMemoryException("Out of memory!");
 }
 
-/// size bytes, not initialised; never null.
+/// Allocates size bytes, uninitialised. Never returns null.
 /// \throws JOutOfMemoryException "Out of memory!"
 inline void* allocateOrThrow(std::size_t size) {
     void* storage = platform::allocate(size);
@@ -30,14 +30,15 @@ inline void* allocateOrThrow(std::size_t size) {
     return storage;
 }
 
-/// Base of classes whose objects `new` makes in this storage.
+/// Base of classes whose objects `new` allocates in this storage.
 struct Stored {
     static void* operator new(std::size_t size) { return allocateOrThrow(size); }
     static void operator delete(void* storage) noexcept { platform::deallocate(storage); }
 };
 
-/// A new T. For classes that hosts see, which cannot have an operator new of the library's.
-/// \throws JOutOfMemoryException, also where the general `new` finds no memory
+/// Makes a new T. It is meant for classes that hosts see, which cannot have the library's operator
+/// new.
+/// \throws JOutOfMemoryException, also when the general `new` finds no memory
 template <class T, class... Arguments> T* makeObject(Arguments&&... arguments) {
     try {
         return new T(std::forward<Arguments>(arguments)...);

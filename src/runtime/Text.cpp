@@ -14,7 +14,7 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// The blanks that precede a number in the C locale.
+/// Returns whether c is one of the blanks that precede a number in the C locale.
 bool isBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
@@ -32,7 +32,7 @@ bool skipToDigits(std::string_view& text) {
     return negative;
 }
 
-/// For digits that from_chars found out of range: true when they are too large, not too small.
+/// Returns whether digits that from_chars found out of range are too large rather than too small.
 bool isHuge(std::string_view number) {
     const std::size_t e = number.find_first_of("eE");
     int64_t exponent = 0;

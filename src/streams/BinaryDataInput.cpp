@@ -9,7 +9,7 @@
 using namespace kel;
 
 void BinaryDataInput::fetch(uint8_t* bytes, int32_t count, const char* failure) {
-    // A short read reached the end or a failure. Only the next read shows which.
+    // A short read reached the end or a failure. Only the next read shows which of them it was.
     for (int32_t done = 0; done < count;) {
         const int32_t got = stream_->JRead(bytes, done, count - done);
         if (got < 1) {

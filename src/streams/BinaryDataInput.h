@@ -6,13 +6,13 @@
 
 #include <kel/JPointer.h>
 
-/// Integers of fixed width in the set byte order, doubles as the 64-bit integer of their bits,
-/// strings up to a NUL. A read that the input cuts short throws a JEOFException by value. The
-/// stream operations are those of the stream underneath.
+/// Reads integers of fixed width in the set byte order, doubles as the 64-bit integer of their
+/// bits, and strings up to a NUL. A read that the input cuts short throws a JEOFException by value.
+/// The stream operations are those of the stream underneath.
 class BinaryDataInput : public JDataInput {
 public:
-    /// Reads from a stream, which it shares and which is not null. Order 1: least significant byte
-    /// first; anything else: most significant byte first.
+    /// Reads from a stream, which it shares and which is not null. With order 1 the least
+    /// significant byte is first, with any other order the most significant byte.
     BinaryDataInput(const JPointer<JInputStream>& stream, int32_t order)
         : stream_(stream), order_(order) {}
 
@@ -30,8 +30,8 @@ public:
     /// \throws JEOFException "BinaryDataInput::JRead128(). EOF reached."
     JHashCode JRead128() override;
 
-    /// The characters up to a NUL, which is used but not part of them. The end of the input ends
-    /// the string like a NUL if at least one character came before it.
+    /// Reads the characters up to a NUL, which is consumed but not part of the string. The end of
+    /// the input ends the string like a NUL if at least one character precedes it.
     /// \throws JEOFException "BinaryDataInput::JReadString(). EOF reached."
     JString* JReadString() override;
 

@@ -67,7 +67,7 @@ void BinaryDataOutput::JWriteString(const char* text) {
     if (text == nullptr) {
         return;
     }
-    // One write carries at most what its 32-bit count can say.
+    // One write carries at most as many bytes as its 32-bit count can express.
     const auto* bytes = reinterpret_cast<const uint8_t*>(text);
     size_t left = std::strlen(text) + 1;
     for (; left > INT32_MAX; left -= INT32_MAX, bytes += INT32_MAX) {

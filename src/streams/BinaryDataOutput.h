@@ -6,12 +6,14 @@
 
 #include <kel/JPointer.h>
 
-/// Integers of fixed width in the set byte order, doubles as the 64-bit integer of their bits,
-/// strings with their NUL. Failures and the stream operations are those of the stream underneath.
+/// Writes integers of fixed width in the set byte order, doubles as the 64-bit integer of their
+/// bits, and strings with their NUL. Failures and the stream operations are those of the stream
+/// underneath.
 class BinaryDataOutput : public JDataOutput {
 public:
-    /// Writes to a stream, which it shares and which is not null. Order 1: least significant byte
-    /// first, in one write; anything else: most significant byte first, byte by byte.
+    /// Writes to a stream, which it shares and which is not null. With order 1 the least
+    /// significant byte is first, and an integer is one write. With any other order the most
+    /// significant byte is first, and each byte is a write of its own.
     BinaryDataOutput(const JPointer<JOutputStream>& stream, int32_t order)
         : stream_(stream), order_(order) {}
 

@@ -11,10 +11,12 @@ namespace kel {
 
 namespace {
 
-// Used bytes that are kept before the mark, so that short steps back never need the stream.
+// The number of consumed bytes that are kept before the mark, so that short steps back never need
+// the stream.
 constexpr std::size_t historySize = 1024;
 
-// The window and the pieces start small and double: short inputs are many, and cheap this way.
+// The first size of the window and of the pieces, which double when needed. Many inputs are short,
+// and a small first size makes them cheap.
 constexpr std::size_t firstSize = 256;
 
 uint8_t* allocateWindow(std::size_t capacity) {
@@ -57,7 +59,8 @@ bool BufferedInput::grow(std::size_t count) {
     return true;
 }
 
-// Reads once from the stream: a whole piece, or what is wanted where nothing may be read ahead.
+// Reads once from the stream: a whole piece, or only the bytes wanted where the stream must not be
+// read ahead.
 bool BufferedInput::fill(std::size_t wanted) {
     if (failure_ != nullptr) {
         std::rethrow_exception(std::exchange(failure_, nullptr));
@@ -73,7 +76,7 @@ bool BufferedInput::fill(std::size_t wanted) {
     try {
         got = stream_->JRead(free, 0, static_cast<int32_t>(request));
     } catch (...) {
-        *free = 0; // the NUL after the window may have been read over
+        *free = 0; // the failed read may have overwritten the NUL after the window
         throw;
     }
     if (got <= 0) {
@@ -89,8 +92,8 @@ bool BufferedInput::fill(std::size_t wanted) {
     return true;
 }
 
-// Frees space after end_. Bytes are moved only if half of the window can be dropped, and the
-// window doubles otherwise, so the cost per byte stays constant also for one very long token.
+// Frees space after end_. Bytes are moved only if half of the window can be dropped. Otherwise the
+// window doubles, so the cost per byte remains constant even for one very long token.
 void BufferedInput::makeRoom(std::size_t wanted) {
     const std::size_t used = static_cast<std::size_t>(end_ - buffer_);
     if (capacity_ - used >= wanted) {
@@ -160,7 +163,8 @@ void BufferedInput::sync() {
         stream_->JSeek(here);
         restart(here);
     } catch (const JIOException&) {
-        // The stream has a position but cannot go back: what was read ahead stays in the window.
+        // The stream has a position but cannot seek back: the bytes read ahead remain in the
+        // window.
     }
 }
 

@@ -6,13 +6,13 @@
 
 namespace kel {
 
-/// Lets stream operations and direct use of the window take turns on the same bytes.
+/// Lets stream operations and direct use of the window alternate on the same bytes.
 class BufferedInputStream final : public JInputStream {
 public:
     /// Shares the stream, which is not null.
     explicit BufferedInputStream(const JPointer<JInputStream>& stream) : input_(stream) {}
 
-    /// The window.
+    /// Returns the window.
     BufferedInput& input() { return input_; }
 
     int32_t JRead() override { return input_.next(); }

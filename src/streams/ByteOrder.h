@@ -25,13 +25,13 @@ inline uint64_t loadLittle64(const uint8_t* b) {
     return loadLittle32(b) | static_cast<uint64_t>(loadLittle32(b + 4)) << 32;
 }
 
-/// The 128-bit value of sixteen bytes, least significant first.
+/// Loads the 128-bit value of sixteen bytes, least significant first.
 inline JHashCode loadLittle128(const uint8_t* b) {
     return JHashCode(loadLittle32(b), loadLittle32(b + 4), loadLittle32(b + 8),
                      loadLittle32(b + 12));
 }
 
-/// The IEEE double whose bits are eight bytes, least significant first.
+/// Loads the IEEE double whose bits are eight bytes, least significant first.
 inline double loadLittleDouble(const uint8_t* b) {
     return std::bit_cast<double>(loadLittle64(b));
 }
@@ -53,7 +53,7 @@ inline void storeLittle64(uint8_t* b, uint64_t v) {
     storeLittle32(b + 4, static_cast<uint32_t>(v >> 32));
 }
 
-/// Sixteen bytes of the 128-bit value, least significant first.
+/// Stores the 128-bit value as sixteen bytes, least significant first.
 inline void storeLittle128(uint8_t* b, const JHashCode& v) {
     storeLittle32(b, v.w0);
     storeLittle32(b + 4, v.w1);
@@ -61,7 +61,7 @@ inline void storeLittle128(uint8_t* b, const JHashCode& v) {
     storeLittle32(b + 12, v.w3);
 }
 
-/// Eight bytes of the double's bits, least significant first.
+/// Stores the double's bits as eight bytes, least significant first.
 inline void storeLittleDouble(uint8_t* b, double v) {
     storeLittle64(b, std::bit_cast<uint64_t>(v));
 }
@@ -79,7 +79,7 @@ inline uint64_t loadBig64(const uint8_t* b) {
     return static_cast<uint64_t>(loadBig32(b)) << 32 | loadBig32(b + 4);
 }
 
-/// The 128-bit value of sixteen bytes, most significant first.
+/// Loads the 128-bit value of sixteen bytes, most significant first.
 inline JHashCode loadBig128(const uint8_t* b) {
     return JHashCode(loadBig32(b + 12), loadBig32(b + 8), loadBig32(b + 4), loadBig32(b));
 }
@@ -101,7 +101,7 @@ inline void storeBig64(uint8_t* b, uint64_t v) {
     storeBig32(b + 4, static_cast<uint32_t>(v));
 }
 
-/// Sixteen bytes of the 128-bit value, most significant first.
+/// Stores the 128-bit value as sixteen bytes, most significant first.
 inline void storeBig128(uint8_t* b, const JHashCode& v) {
     storeBig32(b, v.w3);
     storeBig32(b + 4, v.w2);

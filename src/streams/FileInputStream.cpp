@@ -36,7 +36,7 @@ int32_t FileInputStream::JRead() {
     if (mode_ == standardStream) {
         int32_t byte = -1;
         leavingItToTheState(*stream_, [&] { byte = stream_->get(); });
-        // Reaching the end sets fail beside eof; that alone is not a failure.
+        // Reaching the end sets fail together with eof; that alone is not a failure.
         if (byte < 0 && (stream_->bad() || !stream_->eof())) {
             kel::checkState(*stream_, "FileInputStream::JRead(). Stream returned bad() flag.",
                             "FileInputStream::JRead(). Stream returned fail() flag.");
@@ -59,7 +59,7 @@ int32_t FileInputStream::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
         return 0;
     }
     if (mode_ == standardStream) {
-        // A buffer that throws inside a larger read does not say how many bytes it has used.
+        // A buffer that throws inside a larger read does not report how many bytes it has consumed.
         return JInputStream::JRead(buffer, offset, count);
     }
     const int32_t got = readFile(buffer + offset, count);

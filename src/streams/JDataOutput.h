@@ -7,11 +7,11 @@
 
 #include <kel/JHashCode.h>
 
-/// Typed writes over a stream. How the data is laid out (binary in either byte order, text) is the
-/// implementation's. Failures are those of the stream.
+/// Typed writes over a stream. The implementation determines the layout of the data (binary in
+/// either byte order, or text). Failures are those of the stream.
 class JDataOutput : public virtual JOutputStream {
 public:
-    /// 1: least significant byte first. Anything else: most significant byte first.
+    /// Returns 1 for least significant byte first, any other value for most significant byte first.
     virtual int32_t getByteOrder() const = 0;
     /// Sets the flag that getByteOrder returns.
     virtual void setByteOrder(int32_t order) = 0;

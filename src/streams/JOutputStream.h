@@ -5,16 +5,16 @@
 #include <cstdint>
 #include <kel/JObject.h>
 
-/// Bytes written one after the other to a medium. Failures are JIOExceptions by value; what a
-/// medium keeps in a buffer may fail as late as in JFlush or JClose, never silently.
+/// Writes bytes one after the other to a medium. Failures are JIOExceptions by value. Bytes that a
+/// medium keeps in a buffer can fail as late as in JFlush or JClose, but never silently.
 class JOutputStream : public virtual JObject {
 public:
     /// Writes one byte, the low eight bits of byte.
     /// \throws JIOException with the medium's message
     virtual void JWrite(int32_t byte) = 0;
 
-    /// Writes count bytes from buffer + offset, here byte by byte through JWrite(int32_t). A count
-    /// below 1 writes nothing.
+    /// Writes count bytes from buffer + offset. This implementation writes byte by byte through
+    /// JWrite(int32_t). A count below 1 writes nothing.
     /// \throws JIOException "JOutputStream.JWrite : buff=NULL" for a null buffer
     virtual void JWrite(const uint8_t* buffer, int32_t offset, int32_t count);
 
@@ -27,10 +27,10 @@ public:
     /// \throws JIOException with the medium's message
     virtual void JClose() = 0;
 
-    /// The position of the next byte, or -1 when the medium has no positions (a pipe).
+    /// Returns the position of the next byte, or -1 when the medium has no positions (a pipe).
     virtual int64_t JTell() = 0;
 
     /// Moves to an absolute position.
-    /// \throws JIOException for a negative position, or when the medium cannot
+    /// \throws JIOException for a negative position, or when the medium cannot move
     virtual void JSeek(int64_t position) = 0;
 };

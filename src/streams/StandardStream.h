@@ -1,5 +1,5 @@
 /// \file
-/// Use of a standard stream whatever its exception mask is and whatever its buffer throws.
+/// Use of a standard stream with any exception mask and with a buffer that can throw anything.
 #pragma once
 
 #include <kel/JException.h>
@@ -10,9 +10,9 @@
 
 namespace kel {
 
-/// Runs action on a standard stream, whose state afterwards says how it went. Nothing is thrown: a
-/// stream may be set to throw on bad or fail, and its buffer may throw anything. Where the state
-/// does not show that already, the stream becomes bad.
+/// Runs action on a standard stream, whose state afterwards shows whether it succeeded. Nothing is
+/// thrown, although a stream can be set to throw on bad or fail, and its buffer can throw anything.
+/// If the action throws and the state does not show that already, the stream becomes bad.
 template <class Action> void leavingItToTheState(std::ios& stream, Action action) {
     try {
         action();
@@ -38,8 +38,9 @@ inline void checkState(const std::ios& stream, const char* badMessage, const cha
     }
 }
 
-/// The position of a standard stream in the given direction, -1 without a buffer or positions. The
-/// buffer is asked, because the stream's own operation would change the state at the end.
+/// Returns the position of a standard stream in the given direction, -1 without a buffer or
+/// positions. It comes from the buffer, because the stream's own operation would change the state
+/// at the end.
 /// \throws JIOException badMessage when the buffer throws
 inline int64_t positionOf(const std::ios& stream, std::ios::openmode direction,
                           const char* badMessage) {

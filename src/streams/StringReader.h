@@ -1,5 +1,5 @@
 /// \file
-/// StringReader: bytes of a text in memory.
+/// StringReader: an input stream over a text in memory.
 #pragma once
 
 #include "streams/JInputStream.h"
@@ -12,7 +12,7 @@ public:
     /// Copies length bytes of text, NULs included. Null text or a negative length is empty.
     StringReader(const char* text, int64_t length);
 
-    /// The next byte, or -1 at the end and when closed.
+    /// Returns the next byte, or -1 at the end and when closed.
     int32_t JRead() override;
 
     /// Reads at most count bytes to buffer + offset and returns how many; 0 at the end.
@@ -22,7 +22,7 @@ public:
     /// Ends the stream.
     void JClose() override { closed_ = true; }
 
-    /// The position of the next byte.
+    /// Returns the position of the next byte.
     int64_t JTell() override;
 
     /// Moves to a position, up to the end of the text.

@@ -29,7 +29,7 @@ const char* StringWriter::getString() {
     return snapshot_;
 }
 
-// The count and the NUL must stay within 32 bits, or getStringSize would lie.
+// Sets fail if the count and the NUL would exceed 32 bits; getStringSize would then be wrong.
 void StringWriter::refuseOverflow(uint32_t count) {
     if (count >= UINT32_MAX - count_) {
         text_.setstate(std::ios_base::failbit);

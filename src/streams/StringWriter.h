@@ -1,12 +1,12 @@
 /// \file
-/// StringWriter: bytes to a growing text in memory.
+/// StringWriter: an output stream to a growing text in memory.
 #pragma once
 
 #include "streams/JOutputStream.h"
 
 #include <sstream>
 
-/// Collects what is written and shows it as a NUL-terminated text.
+/// Collects the bytes written and provides them as a null-terminated text.
 class StringWriter : public JOutputStream {
 public:
     StringWriter() = default;
@@ -14,18 +14,18 @@ public:
     StringWriter& operator=(const StringWriter&) = delete;
     ~StringWriter() override;
 
-    /// The text written so far and a NUL; null before the first write. It belongs to the writer
-    /// and lives until getString is called after a further write.
+    /// Returns the text written so far and a NUL; null before the first write. The text belongs to
+    /// the writer and is valid until getString is called after a further write.
     /// \throws JOutOfMemoryException "StringWriter out of memory."
     virtual const char* getString();
 
-    /// The number of characters written, plus one for the NUL.
+    /// Returns the number of characters written, plus one for the NUL.
     virtual uint32_t getStringSize() const { return count_ + 1; }
 
     /// Writes the low eight bits of byte.
     /// \throws JIOException "StringWriter::JWrite(int). Stream returned bad() flag."
     /// \throws JIOException "StringWriter::JWrite(int). Stream returned fail() flag.", also when
-    ///         the number of characters would leave 32 bits
+    ///         the number of characters would exceed 32 bits
     void JWrite(int32_t byte) override;
 
     /// Writes count bytes from buffer + offset. A count below 1 adds nothing, but it is a write:
@@ -33,27 +33,27 @@ public:
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Buffer=NULL"
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag."
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.",
-    ///         also when the number of characters would leave 32 bits
+    ///         also when the number of characters would exceed 32 bits
     void JWrite(const uint8_t* buffer, int32_t offset, int32_t count) override;
 
-    /// Nothing is kept back, so there is nothing to flush.
+    /// Does nothing, because no bytes are held back.
     void JFlush() override {}
 
-    /// A text in memory has nothing to close: it stays readable.
+    /// Does nothing: a text in memory cannot be closed and remains readable.
     void JClose() override {}
 
-    /// The position of the next character, or -1 after a failure.
+    /// Returns the position of the next character, or -1 after a failure.
     int64_t JTell() override;
 
-    /// Moves back into the text, or to its end. Characters written there replace the old ones
-    /// but counts as written again, so getString then ends in that many NULs.
+    /// Moves back into the text, or to its end. Characters written there replace the old ones but
+    /// count as written again, so getString then ends in that many NULs.
     /// \throws JIOException "StringWriter::JSeek(). Cannot seek to negative position."
     /// \throws JIOException "StringWriter::JSeek(). Stream returned bad() flag."
     /// \throws JIOException "StringWriter::JSeek(). Stream returned fail() flag." after the end
     void JSeek(int64_t position) override;
 
 protected:
-    /// The standard stream underneath.
+    /// Returns the standard stream underneath.
     std::ostringstream& text() { return text_; }
 
 private:

@@ -23,13 +23,13 @@ using VariableMap = std::map<VariableName, JPointer<KEL_Impl>, std::less<>,
 struct ChildCursor {
     explicit ChildCursor(const KEL_Impl& from) : container(&from) {}
 
-    /// Moves to the next child; false when there is none left.
+    /// Moves to the next child. \return false when there is none left
     bool next() { return container->nextChild(*this); }
 
     const KEL_Impl* container;
     int32_t index = -1;                   ///< the child's place, from 0
     VariableMap::const_iterator variable; ///< a struct's own place
-    std::string_view name;                ///< a variable's, "keys" or "items" of a list, else empty
+    std::string_view name;                ///< a variable's; "keys" or "items" of a list; else empty
     KEL_Impl* value = nullptr;            ///< the child, borrowed; null for a null variable
 };
 

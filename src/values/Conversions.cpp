@@ -58,7 +58,7 @@ bool convertToBoolean(const KEL* value) {
     case Scalar::integer:
         return value->toInt() != 0;
     case Scalar::number:
-        // Looks inverted and is meant: files and hosts rely on it.
+        // This looks inverted but is intended: files and hosts rely on it.
         return std::fabs(std::trunc(value->toDouble())) <= double{FLT_MIN};
     case Scalar::boolean:
     case Scalar::guid:
@@ -85,8 +85,9 @@ JHashCode convertToGuid(const KEL* value) {
 
 namespace {
 
-/// The text form of a scalar, without touching the text buffer of the value: a text that the host
-/// got from toString stays as it is. \return false for a String, whose text can have any length
+/// Writes the text form of a scalar. The text buffer of the value is not touched, so a text that
+/// the host got from toString remains unchanged.
+/// \return false for a String, whose text can have any length
 bool formatScalar(char* text, const KEL& value) {
     switch (scalarOf(value.getType())) {
     case Scalar::integer:
@@ -118,8 +119,8 @@ KEL_String* convertToString(const KEL* value) {
     }
     char text[doubleTextSize];
     if (!formatScalar(text, *value)) {
-        // The caller's reference is to the value itself, which is not constant: only the walk to
-        // it was. A host's own value can say that it is a String without being one.
+        // The caller's reference is to the value itself, which is not constant: only the walk to it
+        // was. A host's own value can return the code of a String without being one.
         auto* string = const_cast<KEL_String*>(dynamic_cast<const KEL_String*>(value));
         if (string != nullptr) {
             string->addRef();

@@ -1,7 +1,8 @@
 /// \file
-/// Conversions of any value by its kind: what the containers' typed getters and the converting
-/// assignment use. They differ from a value's own conversions (see KELInterface_Casting_V1) in the
-/// truth of numbers. None of them throws; null and kinds without a form give the neutral result.
+/// Conversions of any value by its kind. The containers' typed getters and the converting
+/// assignment use them. They differ from a value's own conversions (see KELInterface_Casting_V1) in
+/// the truth of numbers. None of them throws; null and kinds without a form give the neutral
+/// result.
 #pragma once
 
 #include <kel/KEL.h>
@@ -17,27 +18,31 @@ enum class Scalar { none, integer, boolean, number, guid, text };
 /// Returns how a conversion sees values of the kind with this code; none for a code without a kind.
 Scalar scalarOf(int32_t code);
 
-/// True for Int, Boolean, Double, guid and String.
+/// Returns whether the value is an Int, Boolean, Double, guid or String.
 bool hasScalarForm(const KEL& value);
 
-/// True for Int and Double, which are equal in value when their numbers are.
+/// Returns whether the value is an Int or a Double. Two of these are equal in value when their
+/// numbers are equal.
 bool isNumber(const KEL& value);
 
-/// Int: not 0. Double: true exactly if it truncates to 0, so between -1 and 1. guid: its intValue
-/// is not 0. String: has any text.
+/// Returns the truth of a value. An Int is true if it is not 0. A Double is true exactly if it
+/// truncates to 0, so between -1 and 1. A guid is true if its intValue is not 0, and a String if it
+/// has any text.
 bool convertToBoolean(const KEL* value);
 
-/// Double: truncated toward zero. guid: its intValue. String: its leading integer.
+/// Returns the integer form of a value. A Double is truncated toward zero, a guid gives its
+/// intValue, and a String gives its leading integer.
 int32_t convertToInt(const KEL* value);
 
-/// guid: its intValue. String: its leading decimal number.
+/// Returns the double form of a value. A guid gives its intValue, and a String gives its leading
+/// decimal number.
 double convertToDouble(const KEL* value);
 
-/// The GUID, or the integer form in the lowest word.
+/// Returns the GUID of a guid, or the integer form of another value in the lowest word.
 JHashCode convertToGuid(const KEL* value);
 
-/// A new String with the text form, or a String itself with one more reference: the caller releases
-/// it. Null for null, for kinds without a text form, and when out of memory.
+/// Returns a new String with the text form, or a String itself with one more reference; the caller
+/// releases it. Returns null for null, for kinds without a text form, and when out of memory.
 KEL_String* convertToString(const KEL* value);
 
 } // namespace kel

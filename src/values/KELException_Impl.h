@@ -8,12 +8,12 @@
 #include <kel/JException.h>
 #include <kel/KELException.h>
 
-/// The message every failure carries that has none of its own.
+/// The message of every failure that has no message of its own.
 inline constexpr const char* generalKelMessage = "General KEL exception.";
 
-/// Base of the implementations. Its JException part is its own, not a virtual base: a failure that
-/// also is a runtime exception holds two, so it can be caught as that runtime exception's pointer
-/// but not as a JException pointer.
+/// Base of the implementations. Its JException part is not a virtual base. A failure that also is a
+/// runtime exception therefore has two JException parts, so it can be caught as a pointer to that
+/// runtime exception but not as a JException pointer.
 class KELException_Impl : public JException, public virtual KELException, public kel::Stored {
 public:
     explicit KELException_Impl(const char* message = generalKelMessage) : JException(message) {}
@@ -30,7 +30,7 @@ public:
     int32_t getRefCount() const override { return 1; }
 };
 
-/// A failure of its own kind.
+/// Defines a failure without a counterpart in the runtime.
 #define KEL_PLAIN_EXCEPTION(Name)                                                                  \
     class Name##_Impl final : public virtual Name, public KELException_Impl {                      \
     public:                                                                                        \
@@ -38,7 +38,8 @@ public:
             : KELException_Impl(message) {}                                                        \
     }
 
-/// A failure that library code can also catch as the runtime's. Both message parts carry the text.
+/// Defines a failure that library code can also catch as the runtime's. Both message parts carry
+/// the text.
 #define KEL_DOUBLED_EXCEPTION(Name, Runtime)                                                       \
     class Name##_Impl final : public virtual Name, public KELException_Impl, public Runtime {      \
     public:                                                                                        \

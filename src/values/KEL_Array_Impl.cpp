@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* badIndex = "Array index out of bounds.";
 
-/// Runs an operation of the vector and reports its index error as the array's own.
+/// Runs an operation of the vector and reports an index error of the vector as the array's own.
 template <class Operation> auto withIndexError(const char* message, const Operation& operation) {
     try {
         return operation();
@@ -67,7 +67,7 @@ void KEL_Array_Impl::insertQuietly(KEL_Impl* element, int32_t index) {
 
 void KEL_Array_Impl::setVar(KEL* value, int32_t index) {
     KEL_Impl* element = KEL_Impl::of(value);
-    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+    const auto self = kel::keepAlive(this); // a dropped value can be its last holder
     setQuietly(element, index);
     if (element != nullptr) {
         notifyChanged();
@@ -153,7 +153,7 @@ int32_t KEL_Array_Impl::addVar(KEL* value) {
 
 int32_t KEL_Array_Impl::append(KEL_Impl* element) {
     elements_->addElement(element);
-    const int32_t index = elements_->size() - 1; // now: an observer may change or end the array
+    const int32_t index = elements_->size() - 1; // now: an observer can change or end the array
     notifyChanged();
     return index;
 }
@@ -175,7 +175,7 @@ int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
     const auto self = kel::keepAlive(this);
     int32_t next = 0;
     kel::runToEnd([&] {
-        // The count is read anew at every step: an observer may change either array.
+        // The count is read anew at every step because an observer can change either array.
         if (next >= source->getCount()) {
             return false;
         }
@@ -189,7 +189,7 @@ int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
 }
 
 void KEL_Array_Impl::removeVar(int32_t index) {
-    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+    const auto self = kel::keepAlive(this); // a dropped value can be its last holder
     removeQuietly(index);
     notifyChanged();
 }

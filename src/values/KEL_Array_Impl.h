@@ -13,7 +13,7 @@ class KEL_Array_Impl final : public KEL_Impl, public KEL_Array {
 public:
     KEL_Array_Impl() : elements_(new JVector<KEL_Impl>(5, 5)) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     explicit KEL_Array_Impl(const JHashCode& identity)
         : JObject(identity), elements_(new JVector<KEL_Impl>(5, 5)) {}
 
@@ -57,22 +57,22 @@ public:
     int32_t getCount() const override { return elements_->size(); }
     void removeAllVars() override;
 
-    /// The element at index, borrowed. Throws on a bad index.
+    /// Returns the element at index, borrowed. Throws on a bad index.
     KEL_Impl* elementAt(int32_t index) const;
 
-    /// Appends a value whose one reference the array takes over, and notifies nobody: for readers
-    /// that fill a new array.
+    /// Appends a value whose one reference the array takes over. Nobody is notified. Readers use it
+    /// to fill a new array.
     void adoptElement(JPointer<KEL_Impl>&& value) {
         elements_->adoptElement(value.get());
         value.detach();
     }
 
-    /// Places in an array.
+    /// A list of places in an array.
     using Indices = kel::Vector<int32_t>;
 
-    /// Where a removal of all matches removes: it visits the first count elements with a
-    /// rising index and passes over the one that moves into a removed one's place, so of two equal
-    /// neighbours only the first is here.
+    /// Returns the places at which a removal of all matches removes elements. That removal visits
+    /// the first count elements with a rising index and skips the element that moves into the place
+    /// of a removed one, so of two equal neighbours only the first is returned.
     /// \param matches called with an element
     template <class Matches> Indices findToRemove(int32_t count, const Matches& matches) const {
         Indices found;
@@ -84,26 +84,26 @@ public:
         return found;
     }
 
-    // Changes that notify nobody: for operations that change more than this array, or more than one
-    // element, and notify when all is done. A bad index throws as in the operation that
-    // notifies.
+    // The following changes notify nobody. They are for operations that change more than this
+    // array, or more than one element, and notify at the end. A bad index throws as in the
+    // operation that notifies.
 
-    /// addVar, where makeRoom has made room; null changes nothing.
+    /// Does the same as addVar after makeRoom has made room; null changes nothing.
     void appendQuietly(KEL_Impl* element) { elements_->addElement(element); }
-    /// setVar; null changes nothing.
+    /// Does the same as setVar; null changes nothing.
     void setQuietly(KEL_Impl* element, int32_t index);
-    /// insertVar; null changes nothing.
+    /// Does the same as insertVar; null changes nothing.
     void insertQuietly(KEL_Impl* element, int32_t index);
-    /// removeVar.
+    /// Does the same as removeVar.
     void removeQuietly(int32_t index);
-    /// removeVar at each of these indices, which are valid and in ascending order.
+    /// Does the same as removeVar at each of these indices, which are valid and in ascending order.
     void removeQuietly(const Indices& indices);
-    /// swapVars.
+    /// Does the same as swapVars.
     void swapQuietly(int32_t a, int32_t b);
-    /// removeAllVars.
+    /// Does the same as removeAllVars.
     void removeAllQuietly() { elements_->removeAllElements(); }
 
-    /// Makes room for so many more elements: storing them then needs no memory.
+    /// Makes room for this many more elements; storing them then needs no memory.
     /// \throws JOutOfMemoryException "JVector::setSize() failed."
     void makeRoom(int32_t more) { elements_->makeRoom(more); }
 
@@ -117,13 +117,13 @@ public:
     void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
-    /// Appends an element, sharing it, and notifies. \return its index
+    /// Appends an element, which the array shares, and notifies. \return its index
     int32_t append(KEL_Impl* element);
 
-    /// Appends a value just made, with its one reference, and notifies. \return its index
+    /// Appends a value just made, taking over its one reference, and notifies. \return its index
     int32_t addMade(KEL_Impl* value);
 
-    /// Lets the element at index take over a value just made, which is then released.
+    /// Assigns a value just made to the element at index, then releases the value.
     void setMade(int32_t index, KEL_Impl* value);
 
     JPointer<JVector<KEL_Impl>> elements_;

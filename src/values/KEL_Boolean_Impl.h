@@ -11,7 +11,7 @@ class KEL_Boolean_Impl final : public KEL_Impl, public KEL_Boolean {
 public:
     explicit KEL_Boolean_Impl(bool value) : value_(value) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_Boolean_Impl(const JHashCode& identity, bool value) : JObject(identity), value_(value) {}
 
     int32_t getType() const override { return KELKind_Boolean; }

@@ -12,7 +12,7 @@ class KEL_Double_Impl final : public KEL_Impl, public KEL_Double {
 public:
     explicit KEL_Double_Impl(double value) : value_(value) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_Double_Impl(const JHashCode& identity, double value) : JObject(identity), value_(value) {}
 
     int32_t getType() const override { return KELKind_Double; }

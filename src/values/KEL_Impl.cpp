@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The values of this thread that wait for the one being destroyed.
+/// The values of this thread that wait until the one being destroyed is done.
 thread_local KEL_Impl* doomed = nullptr;
 thread_local bool destroying = false;
 
@@ -87,7 +87,7 @@ void KEL_Impl::assign(const KEL* value) {
     if (source->getType() != getType()) {
         throw new KELNoSuchTypeException_Impl("Can't set the value when types are not equal!");
     }
-    const auto self = kel::keepAlive(this); // the old contents may be its last holder
+    const auto self = kel::keepAlive(this); // the old contents can be its last holder
     if (source != this) {
         kel::withOneOutOfMemory([&] { takeContents(*source); });
     }

@@ -14,9 +14,9 @@ namespace kel {
 struct ChildCursor;
 }
 
-/// The common base of all kinds: counting, identity, observers, the defaults of the conversions, and the
-/// operations that walks over trees are made of. One object per value: the implementation of a kind
-/// derives from its public class and from this.
+/// The common base of all kinds. It has counting, identity, observers, the defaults of the
+/// conversions, and the operations that walks over trees consist of. There is one object per value:
+/// the implementation of a kind derives from its public class and from this one.
 class KEL_Impl : public virtual KEL, public virtual KEL_Observable, public virtual JObservable {
 public:
     KEL_Impl() = default;
@@ -24,20 +24,22 @@ public:
     KEL_Impl& operator=(const KEL_Impl&) = delete;
     ~KEL_Impl() override;
 
-    /// The implementation of a host's pointer; null for null and for a foreign implementation.
+    /// Returns the implementation of a host's pointer; null for null and for a foreign
+    /// implementation.
     static KEL_Impl* of(KEL* value);
     static const KEL_Impl* of(const KEL* value);
 
-    /// True for a host's own implementation, which no container stores; false for null.
+    /// Returns whether value is a host's own implementation, which no container stores; false for
+    /// null.
     static bool isForeign(const KEL* value) { return value != nullptr && of(value) == nullptr; }
 
-    /// Storage for a value.
+    /// Allocates storage for a value.
     /// \throws JOutOfMemoryException "Out of memory!"
     static void* operator new(std::size_t size);
     static void operator delete(void* storage) noexcept;
 
-    /// Destroys a value whose last reference is gone. Values that this in turn sets free wait until
-    /// it is done, so that a tree of any depth is destroyed without a deep call stack.
+    /// Destroys a value whose last reference is gone. Values whose last reference it held wait
+    /// until it is done, so that a tree of any depth is destroyed without a deep call stack.
     static void operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept;
 
     // KELInterface_RefCount_V1
@@ -60,8 +62,8 @@ public:
     int64_t toInt64() const override { return toInt(); }
     uint64_t toUnsignedInt64() const override { return static_cast<uint64_t>(toInt()); }
     double toDouble() const override { return 0.0; }
-    /// The bits of toDouble, all of them: machines that return doubles in x87 registers change
-    /// those of a signalling NaN on the way.
+    /// Returns all the bits of toDouble. Machines that return doubles in x87 registers change the
+    /// bits of a signalling NaN on the way.
     virtual uint64_t toDoubleBits() const { return std::bit_cast<uint64_t>(toDouble()); }
     float toFloat() const override { return static_cast<float>(toDouble()); }
     long double toLongDouble() const override { return toDouble(); }
@@ -93,85 +95,90 @@ public:
         }
     }
 
-    /// Notifies of new contents, taken over from another value: this value's observers, after those
-    /// of the values that it consists of for its hosts.
+    /// Notifies of new contents taken over from another value. The observers of the values that
+    /// this value consists of for its hosts are notified first, then those of this value.
     virtual void notifyContentsChanged() { notifyChanged(); }
 
     // The operations that walks over trees use.
 
-    /// Moves the cursor to this container's next child; false after the last, and at once for a
-    /// value without children.
+    /// Moves the cursor to this container's next child. Returns false after the last one; a value
+    /// without children returns false at once.
     virtual bool nextChild(kel::ChildCursor& cursor) const;
 
-    /// The container that has the children: the inner struct of a value built on one, else this
-    /// value. Others can hold the inner struct too, so two values can have the very same children.
+    /// Returns the container that has the children: the inner struct of a value built on one, else
+    /// this value. Others can hold the inner struct too, so two values can have the very same
+    /// children.
     virtual const KEL_Impl& holderOfChildren() const { return *this; }
 
-    /// A new value of this kind with this value's own contents, but without the children that a
-    /// deep copy copies one by one. The caller owns it.
+    /// Returns a new value of this kind with this value's own contents, but without the children
+    /// that a deep copy copies one by one. The caller owns it.
     virtual KEL_Impl* copyWithoutChildren() const = 0;
 
-    /// True when a deep copy copies the children, false when there are none or they are shared.
+    /// Returns whether a deep copy copies the children; false when there are none or they are
+    /// shared.
     virtual bool copiesChildren() const { return false; }
 
-    /// Appends a copied child and takes over its reference; null only for a
-    /// struct's null variable. Nobody is notified.
+    /// Appends a copied child and takes over its reference; null only for a struct's null variable.
+    /// Nobody is notified.
     virtual void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child);
 
-    /// Returns the value that a copy of this container holds in place of a null variable; null for
-    /// null.
+    /// Returns the value that a copy of this container holds in place of a null variable; null
+    /// keeps it null.
     virtual JPointer<KEL_Impl> copyOfNullVariable() const { return {}; }
 
-    /// Lets go of the children and notifies nobody: for copies that are part of each other and will
-    /// not be finished.
+    /// Drops the children and notifies nobody. It is for copies that are part of each other and
+    /// will not be finished.
     virtual void dropChildren() {}
 
     KELKind kind() const { return *kel::kindWithCode(getType()); }
 
-    /// True when its contents are children.
+    /// Returns whether its contents are children.
     bool isContainer() const { return kel::isContainer(kind()); }
 
-    /// True when the kinds agree (Int and Double do) and the contents are equal, the children of a
-    /// container left out except for their number.
+    /// Returns whether the kinds agree (Int and Double do) and the contents are equal. Of the
+    /// children of a container only the number is compared.
     virtual bool equalsWithoutChildren(const KEL_Impl& other) const = 0;
 
-    /// Makes a value with the contents that source would leave here, for swapContents: all that can
-    /// fail of taking over a value of the same kind.
+    /// Makes a value with the contents that this value would have after taking over source, for
+    /// swapContents. Every step of taking over a value of the same kind that can fail is done here.
+    /// \throws KELMemBlockException for a memory block of another size
     /// \throws KELMemBlockException for a memory block of another size
     virtual JPointer<KEL_Impl> prepareContents(const KEL_Impl& source);
 
     /// Exchanges contents with a value from prepareContents.
     virtual void swapContents(KEL_Impl& prepared) noexcept = 0;
 
-    /// Takes over the contents of a value of the same kind. Throws as prepareContents.
+    /// Takes over the contents of a value of the same kind. Throws as prepareContents does.
     virtual void takeContents(const KEL_Impl& source) { swapContents(*prepareContents(source)); }
 
-    /// Takes over a value of any kind, converted. \return false, unchanged, if it has no form here
+    /// Takes over a value of any kind, converted.
+    /// \return false, with nothing changed, if it has no form of this kind
     virtual bool takeConverted(const KEL_Impl& source);
 
-    /// True while a walk that must not reach this container inside itself is below it. Such walks
-    /// never call the host, so one mark is enough.
+    /// Returns whether a walk that must not reach this container inside itself is below it. Such
+    /// walks never call the host, so one mark is enough.
     bool isOnPath() const { return onPath_; }
     void setOnPath(bool onPath) const { onPath_ = onPath; }
 
-    /// True when more than one holder has this value: only then can a walk reach it again.
+    /// Returns whether this value has more than one holder: only then can a walk reach it again.
     bool isShared() const { return referenceCount() > 1; }
 
-    /// True when more than one holder has this container or its children.
+    /// Returns whether this container or its children have more than one holder.
     bool isContentShared() const { return isShared() || holderOfChildren().isShared(); }
 
-    /// The identity without a virtual call, and whether it was given rather than drawn.
+    /// Give access to the identity without a virtual call, and to whether it was given rather than
+    /// drawn.
     using JObject::identity;
     using JObject::isIdentityGiven;
 
 protected:
-    /// A zero-filled text buffer of the kind's size, made at the first call and kept until
+    /// Returns a zero-filled text buffer of the kind's size, made at the first call and kept until
     /// freeString; null when there is no memory.
     char* textBuffer(std::size_t size) const;
 
 private:
     union {
-        mutable char* text_ = nullptr; ///< what toString returns, for kinds that format
+        mutable char* text_ = nullptr; ///< the result of toString, for kinds that format
         KEL_Impl* nextDoomed_;         ///< the text is freed before a value has to wait
     };
     mutable bool onPath_ = false;

@@ -20,7 +20,7 @@ constexpr const char* keyNotFound = "Key not found in list.";
 constexpr const char* itemNotFound = "Item not found in list.";
 constexpr const char* keyValueNotFound = "Key value not found in list.";
 
-/// A new key for an item: its text form, empty if it has none.
+/// Returns a new key for an item: its text form, empty if it has none.
 /// \throws JOutOfMemoryException
 JPointer<KEL_Impl> keyFor(const KEL_Impl& item) {
     if (!kel::hasScalarForm(item)) {
@@ -31,10 +31,10 @@ JPointer<KEL_Impl> keyFor(const KEL_Impl& item) {
     if (text == nullptr) {
         kel::throwOutOfMemory();
     }
-    return JPointer<KEL_Impl>(new KEL_String_Impl(text->getValue())); // the item may be the text
+    return JPointer<KEL_Impl>(new KEL_String_Impl(text->getValue())); // the item can be the text
 }
 
-/// Returns a key with this text to look for; null for null.
+/// Returns a key with this text for a search; null for null.
 JPointer<KEL_Impl> textKey(const char* text) {
     return JPointer<KEL_Impl>(KEL_String_Impl::makeOrNull(text));
 }
@@ -80,7 +80,7 @@ void KEL_IndexList_Impl::checkIndex(int32_t index) const {
 }
 
 void KEL_IndexList_Impl::notifyBoth() {
-    // Held: an observer may let go of the list or give it other arrays.
+    // Held because an observer can release the list or give it other arrays.
     const auto self = kel::keepAlive(this);
     const JPointer<KEL_Array_Impl> keys = keys_;
     const JPointer<KEL_Array_Impl> items = items_;
@@ -89,7 +89,7 @@ void KEL_IndexList_Impl::notifyBoth() {
 }
 
 template <class Change> void KEL_IndexList_Impl::changeBoth(const Change& change) {
-    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+    const auto self = kel::keepAlive(this); // a dropped value can be its last holder
     change(*keys_);
     change(*items_);
     notifyBoth();
@@ -226,8 +226,8 @@ void KEL_IndexList_Impl::setKeyValue(const KEL* keyValue, const KEL* newValue) {
     if (keyValue == nullptr || newValue == nullptr) {
         return;
     }
-    // All matches are found, and all that can fail of changing them is done, before the first
-    // changes: changing one may change what is equal, and its observers may change the list.
+    // All matches are found, and every step that can fail is done, before the first match is
+    // changed: changing one can change what is equal, and its observers can change the list.
     kel::Vector<JPointer<KEL_Impl>> matches;
     for (int32_t i = 0; i < getCount(); ++i) {
         KEL_Impl* key = keys_->elementAt(i);
@@ -298,8 +298,8 @@ int32_t KEL_IndexList_Impl::addPairs(KEL_IndexList* other) {
     if (other == nullptr) {
         return -1;
     }
-    // The present pairs of the other list are added, all of it collected, and room made, before the
-    // first pair is stored: an observer may change either list meanwhile.
+    // Only the pairs that the other list has now are added. They are all collected, and room is
+    // made, before the first one is stored, because an observer can change either list meanwhile.
     const JPointer<KEL_Array_Impl> keys = makeArray();
     const JPointer<KEL_Array_Impl> items = makeArray();
     for (int32_t i = 0; i < other->getCount(); ++i) {

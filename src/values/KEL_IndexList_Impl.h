@@ -7,30 +7,30 @@
 
 #include <kel/KEL_IndexList.h>
 
-/// Implements KEL_IndexList over two arrays, which other holders may change meanwhile: every
-/// operation looks only at the pairs that both arrays have.
+/// Implements KEL_IndexList over two arrays, which other holders can change meanwhile: every
+/// operation uses only the pairs that both arrays have.
 class KEL_IndexList_Impl final : public KEL_Impl, public KEL_IndexList {
 public:
-    /// Empty, over two new arrays.
+    /// Makes an empty list over two new arrays.
     KEL_IndexList_Impl() : KEL_IndexList_Impl(makeArray(), makeArray()) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     explicit KEL_IndexList_Impl(const JHashCode& identity)
         : JObject(identity), keys_(makeArray()), items_(makeArray()) {}
 
-    /// Over the given arrays, which are not null and not one array.
+    /// Makes a list over the given arrays, which are not null and not the same array.
     KEL_IndexList_Impl(const JPointer<KEL_Array_Impl>& keys, const JPointer<KEL_Array_Impl>& items)
         : keys_(keys), items_(items) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_IndexList_Impl(const JHashCode& identity, const JPointer<KEL_Array_Impl>& keys,
                        const JPointer<KEL_Array_Impl>& items)
         : JObject(identity), keys_(keys), items_(items) {}
 
-    /// A new list over items, with their texts as keys; the caller owns it.
+    /// Returns a new list over items, with their texts as keys; the caller owns it.
     static KEL_IndexList_Impl* ofItems(KEL_Array_Impl& items);
 
-    /// A new list of a struct's variables; the caller owns it.
+    /// Returns a new list of a struct's variables; the caller owns it.
     static KEL_IndexList_Impl* ofVariables(const KEL_Struct_Impl& variables);
 
     int32_t getType() const override { return KELKind_IndexList; }
@@ -151,33 +151,33 @@ private:
     KEL_Impl* keyOf(const KEL* item) const;
     KEL_Impl* itemOfValue(const KEL* keyValue) const;
 
-    /// An index that was looked for. Throws the not-found message for -1.
+    /// Returns an index that a search gave. Throws the not-found message for -1.
     static int32_t found(int32_t index, const char* message);
 
-    /// Throws on an index that is not that of a pair.
+    /// Throws on an index at which there is no pair.
     void checkIndex(int32_t index) const;
 
-    /// Makes a change, which cannot fail, of both arrays.
-    /// Observers are called when it is complete, so that they never see half a pair.
+    /// Makes a change, which cannot fail, of both arrays. Observers are called when it is complete,
+    /// so that they never see half a pair.
     template <class Change> void changeBoth(const Change& change);
 
     /// Notifies of a change of both arrays: first the observers of the keys, then those of the
     /// items, then those of the list.
     void notifyBoth();
 
-    /// Replaces one half of a pair; the array notifies, then the list.
+    /// Replaces one half of a pair. The array notifies first, then the list.
     void setInOne(JPointer<KEL_Array_Impl> array, KEL* value, int32_t index);
 
-    /// Makes room for so many more pairs: storing them then needs no memory.
+    /// Makes room for this many more pairs; storing them then needs no memory.
     /// \throws JOutOfMemoryException
     void makeRoomForPairs(int32_t count);
 
-    /// Appends a pair one half of which was just made, with its one reference.
+    /// Appends a pair of which one half was just made, taking over its one reference.
     int32_t addMadeKey(KEL_Impl* key, KEL* item);
     int32_t addMadeItem(KEL* key, KEL_Impl* item);
     int32_t addNamed(const char* key, KEL_Impl* item);
 
-    /// setKeyValue with a value just made, which is then released.
+    /// Does the same as setKeyValue with a value just made, which is then released.
     void setMadeKey(const KEL* keyValue, KEL_Impl* newValue);
 
     JPointer<KEL_Array_Impl> keys_;

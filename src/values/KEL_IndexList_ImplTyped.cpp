@@ -1,4 +1,4 @@
-// The operations of an index list that make a key or an item of a plain type.
+// Defines the operations of an index list that make a key or an item of a plain type.
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_IndexList_Impl.h"

@@ -11,7 +11,7 @@ class KEL_Int_Impl final : public KEL_Impl, public KEL_Int {
 public:
     explicit KEL_Int_Impl(int32_t value) : value_(value) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_Int_Impl(const JHashCode& identity, int32_t value) : JObject(identity), value_(value) {}
 
     int32_t getType() const override { return KELKind_Int; }

@@ -25,8 +25,8 @@ unsigned char* copyBlock(int32_t size, const void* bytes) {
     return block;
 }
 
-/// The bounds are tested as the sum in 32 bits and nothing else, so a host's negative offsets and
-/// counts pass as they always did.
+/// Returns whether a range ends outside the block. Only the sum in 32 bits is tested, so a host's
+/// negative offsets and counts pass as they always did.
 bool endsOutside(int32_t size, int32_t offset, int32_t count) {
     return size <
            static_cast<int32_t>(static_cast<uint32_t>(offset) + static_cast<uint32_t>(count));
@@ -70,7 +70,7 @@ void KEL_MemBlock_Impl::load() const {
     if (data_ == nullptr) {
         data_ = allocateBlock(size_);
     }
-    // Bytes that came before a failure are kept: the next attempt continues after them.
+    // Bytes that arrived before a failure are kept, and the next attempt continues after them.
     while (arrived_ < size_) {
         const int32_t got = source_->JRead(data_, arrived_, size_ - arrived_);
         if (got < 1) {
@@ -105,7 +105,7 @@ void KEL_MemBlock_Impl::write(int32_t offset, const void* source, int32_t count)
     }
     const Range range(size_, offset, count);
     if (!isLoaded()) {
-        // Writing does not load, and what is not there cannot be written to.
+        // Writing does not load, and bytes that are not loaded cannot be overwritten.
         throw new KELMemBlockException_Impl("Cannot write past the end of the memory block.");
     }
     if (range.length() > 0) {

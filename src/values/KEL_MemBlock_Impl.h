@@ -8,18 +8,18 @@
 #include <kel/KEL_MemBlock.h>
 
 /// Implements KEL_MemBlock. A block with a source is loaded from it at its first read. When the
-/// source ends or fails too early, that read throws and the next one continues with the source.
+/// source ends or fails too early, that read throws, and the next read continues with the source.
 class KEL_MemBlock_Impl final : public KEL_Impl, public KEL_MemBlock {
 public:
-    /// size bytes, copied from bytes or zero if that is null.
+    /// Makes a block of size bytes, copied from bytes or all zero if that is null.
     /// \throws KELOutOfMemoryException "Out of memory!"
     KEL_MemBlock_Impl(int32_t size, const void* bytes);
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_MemBlock_Impl(const JHashCode& identity, int32_t size, const void* bytes);
 
-    /// size bytes that the next ones of source will be, read when they are first asked for. The
-    /// block shares the source.
+    /// Makes a block of the next size bytes of source, which are read when first needed. The block
+    /// shares the source.
     KEL_MemBlock_Impl(JInputStream* source, int32_t size);
 
     ~KEL_MemBlock_Impl() override;
@@ -31,14 +31,14 @@ public:
     void write(int32_t offset, const void* source, int32_t count) override;
     int32_t getSize() const override { return size_; }
 
-    /// The bytes, loaded if need be, borrowed.
-    /// \throws as read does when they cannot be loaded
+    /// Returns the bytes, borrowed, and loads them first if necessary.
+    /// \throws the exceptions of read when they cannot be loaded
     const unsigned char* bytes() const {
         load();
         return data_;
     }
 
-    /// The bytes if they are there already, else null.
+    /// Returns the bytes if they are loaded already, else null.
     const unsigned char* loadedBytes() const { return isLoaded() ? data_ : nullptr; }
 
     // KEL_Impl

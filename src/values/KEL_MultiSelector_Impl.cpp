@@ -35,7 +35,7 @@ bool KEL_MultiSelector_Impl::deselectKey(KEL* key) {
     if (index == -1) {
         return false;
     }
-    const auto self = kel::keepAlive(this); // the key may be its last holder
+    const auto self = kel::keepAlive(this); // the key can be its last holder
     selectedKeys_->removeQuietly(index);
     notifyBoth();
     return true;
@@ -76,7 +76,7 @@ bool KEL_MultiSelector_Impl::isItemSelected(const KEL* item) const {
 }
 
 void KEL_MultiSelector_Impl::setList(KEL_IndexList* list) {
-    const auto self = kel::keepAlive(this); // the old list may be its last holder
+    const auto self = kel::keepAlive(this); // the old list can be its last holder
     if (list_.replace(list)) {
         notifyChanged();
     }

@@ -6,15 +6,15 @@
 
 #include <kel/KEL_MultiSelector.h>
 
-/// Implements KEL_MultiSelector. List and keys are shared with the list's other holders, so a walk
-/// does not go through them.
+/// Implements KEL_MultiSelector. The list and the keys are shared with the list's other holders, so
+/// a walk does not enter them.
 class KEL_MultiSelector_Impl final : public KEL_Impl, public KEL_MultiSelector {
 public:
-    /// Selects from list, or from a new empty one for null.
+    /// Selects from list, or from a new empty list for null.
     explicit KEL_MultiSelector_Impl(KEL_IndexList_Impl* list)
         : list_(list), selectedKeys_(new KEL_Array_Impl()) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_MultiSelector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)
         : JObject(identity), list_(list), selectedKeys_(new KEL_Array_Impl()) {}
 

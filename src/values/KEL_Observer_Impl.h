@@ -17,10 +17,11 @@ public:
         observer_->update(dynamic_cast<KEL*>(observable));
     }
 
-    /// True when this wraps the given observer: the same pointer.
+    /// Returns whether this wraps the given observer, that is, the same pointer.
     bool wraps(const KEL_Observer* observer) const { return observer_ == observer; }
 
-    /// The wrapper of observer in a list that may be null, borrowed; null when there is none.
+    /// Returns the wrapper of observer in a list that can be null, borrowed; null when there is
+    /// none.
     static KEL_Observer_Impl* find(const JVector<JObserver>* list, const KEL_Observer* observer) {
         for (int32_t i = 0; list != nullptr && i < list->size(); ++i) {
             auto* wrapper = dynamic_cast<KEL_Observer_Impl*>(list->elementAtRef(i));

@@ -6,7 +6,7 @@
 
 void KEL_Selector_Impl::select(KEL_Impl* key) {
     if (selection_.get() != key) {
-        const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+        const auto self = kel::keepAlive(this); // a dropped value can be its last holder
         selection_ = JPointer<KEL_Impl>::share(key);
         notifyChanged();
     }

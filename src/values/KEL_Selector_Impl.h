@@ -6,14 +6,14 @@
 
 #include <kel/KEL_Selector.h>
 
-/// Implements KEL_Selector. List and selection are shared with the list's other holders, so a walk
-/// does not go through them.
+/// Implements KEL_Selector. The list and the selection are shared with the list's other holders, so
+/// a walk does not enter them.
 class KEL_Selector_Impl final : public KEL_Impl, public KEL_Selector {
 public:
-    /// Selects from list, or from a new empty one for null.
+    /// Selects from list, or from a new empty list for null.
     explicit KEL_Selector_Impl(KEL_IndexList_Impl* list) : list_(list) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_Selector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)
         : JObject(identity), list_(list) {}
 
@@ -39,7 +39,7 @@ public:
     void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
-    /// Makes this key, or null, the selection and notifies if it was not.
+    /// Makes this key, or null, the selection, and notifies if it was not the selection before.
     void select(KEL_Impl* key);
 
     kel::SelectedList list_;

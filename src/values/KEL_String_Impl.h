@@ -10,23 +10,23 @@
 /// Implements KEL_String over a JString that is never without a buffer.
 class KEL_String_Impl final : public KEL_Impl, public KEL_String {
 public:
-    /// A copy of text; empty for null.
-    /// \throws JOutOfMemoryException as JString's constructors
+    /// Copies text; null gives the empty text.
+    /// \throws JOutOfMemoryException as JString's constructors do
     explicit KEL_String_Impl(const char* text) : value_(makeString(text)) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_String_Impl(const JHashCode& identity, const char* text)
         : JObject(identity), value_(makeString(text)) {}
 
-    /// A copy of text, which holds no NUL.
+    /// Copies text, which contains no NUL.
     explicit KEL_String_Impl(std::string_view text) : value_(makeString(text)) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_String_Impl(const JHashCode& identity, std::string_view text)
         : JObject(identity), value_(makeString(text)) {}
 
-    /// Returns a new String with this text, or null for null: operations that store ignore a null
-    /// value, and so a null text.
+    /// Returns a new String with this text, or null for null. Operations that store ignore a null
+    /// value, and so they ignore a null text.
     static KEL_String_Impl* makeOrNull(const char* text) {
         return text == nullptr ? nullptr : new KEL_String_Impl(text);
     }

@@ -97,10 +97,10 @@ void KEL_Struct_Impl::addVar(const char* name, KEL* value) {
     if (isForeign(value)) {
         return;
     }
-    // Prepared first: then nothing can fail once the old variable is gone. The prepared variable
-    // also holds the name and the value, which may both belong to the old one.
+    // The variable is prepared first, so nothing can fail once the old one is gone. The prepared
+    // variable also holds the name and the value, which can both belong to the old one.
     PreparedVariable variable = prepareVariable(name, KEL_Impl::of(value));
-    const auto self = kel::keepAlive(this); // the old value or an observer may release it
+    const auto self = kel::keepAlive(this); // the old value or an observer can release it
     const auto store = [&] {
         putQuietly(std::move(variable));
         notifyChanged();
@@ -140,8 +140,8 @@ int32_t KEL_Struct_Impl::addVars(KEL_Struct* other) {
     if (other == nullptr) {
         return -1;
     }
-    // The present variables of the other struct are added, all of it prepared before the first is
-    // stored: an observer may change either struct meanwhile.
+    // Only the variables that the other struct has now are added. They are all prepared before the
+    // first one is stored, because an observer can change either struct meanwhile.
     const auto self = kel::keepAlive(this);
     kel::Vector<PreparedVariable> additions;
     const kel::Reference<StringEnumeration> names(other->getVarNames());
@@ -183,7 +183,7 @@ void KEL_Struct_Impl::removeVar(const char* name) {
         return;
     }
     const auto found = findToChange(name);
-    const auto self = kel::keepAlive(this); // a dropped value may be its last holder
+    const auto self = kel::keepAlive(this); // a dropped value can be its last holder
     variables_.erase(found);
     notifyChanged();
 }
@@ -278,7 +278,7 @@ void KEL_Struct_Impl::renameVar(const char* oldName, const char* newName) {
 }
 
 bool KEL_Struct_Impl::adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value) {
-    // Writers put names in order, so the end is nearly always the place.
+    // Writers put names in ascending order, so the variable nearly always belongs at the end.
     const auto hint = variables_.empty() || std::prev(variables_.end())->first < name
                           ? variables_.end()
                           : variables_.lower_bound(name);

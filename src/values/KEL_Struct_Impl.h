@@ -11,7 +11,7 @@ class KEL_Struct_Impl final : public KEL_Impl, public KEL_Struct {
 public:
     KEL_Struct_Impl() = default;
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     explicit KEL_Struct_Impl(const JHashCode& identity) : JObject(identity) {}
 
     int32_t getType() const override { return KELKind_Struct; }
@@ -59,33 +59,35 @@ public:
     int32_t getCount() const override { return static_cast<int32_t>(variables_.size()); }
     void renameVar(const char* oldName, const char* newName) override;
 
-    /// The variable's value, borrowed; null for a null or empty name. Throws on an unknown name.
+    /// Returns the variable's value, borrowed; null for a null or empty name. Throws on an unknown
+    /// name.
     KEL_Impl* valueOf(const char* name) const;
 
-    /// \throws KELRenameException "KEL_Struct key can't contain a \"" for a name that does
+    /// Throws if the name contains a quote.
+    /// \throws KELRenameException "KEL_Struct key can't contain a \""
     static void refuseQuote(std::string_view name);
 
-    // Changes that notify nobody: for operations that change more than this struct, or more than
-    // one variable, and notify when all is done. Only preparing can fail.
+    // The following changes notify nobody. They are for operations that change more than this
+    // struct, or more than one variable, and notify at the end. Only preparing can fail.
 
     /// A variable made ready to be stored.
     using PreparedVariable = kel::VariableMap::node_type;
 
-    /// Makes a variable of a name that is neither null nor empty, with a value or null.
+    /// Makes a variable with a name that is neither null nor empty, and with a value or null.
     /// \throws KELRenameException "KEL_Struct key can't contain a \""
     /// \throws JOutOfMemoryException
     static PreparedVariable prepareVariable(const char* name, KEL_Impl* value);
 
-    /// Stores a prepared variable in place of one of its name; an empty one changes nothing.
+    /// Stores a prepared variable in place of one with the same name; an empty one changes nothing.
     void putQuietly(PreparedVariable&& variable) noexcept;
 
-    /// Removes a variable if it is there.
+    /// Removes a variable if it exists.
     void removeQuietly(std::string_view name) noexcept;
 
-    /// Stores a value under a name that is neither empty nor holds a quote, in place of one that is
-    /// there, and notifies nobody: for readers that fill a new struct. Names that come in order
-    /// cost no search.
-    /// \return false when one was there
+    /// Stores a value in place of the variable with that name, if there is one. The name is not
+    /// empty and contains no quote. Nobody is notified; readers use it to fill a new struct. Names
+    /// in ascending order need no search.
+    /// \return false when there was one
     bool adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value);
 
     /// Exchanges all variables with another struct and notifies nobody.
@@ -102,13 +104,13 @@ public:
     void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
-    /// Stores a value just made, with its one reference, as addVar does.
+    /// Stores a value just made, taking over its one reference, as addVar does.
     void putMade(const char* name, KEL_Impl* value);
 
-    /// Lets the variable take over a value just made, which is then released.
+    /// Assigns a value just made to the variable, then releases the value.
     void setMade(const char* name, KEL_Impl* value);
 
-    /// The variable of this name. Throws on a name that is unknown to change.
+    /// Returns the variable with this name, to be changed. Throws on an unknown name.
     kel::VariableMap::iterator findToChange(const char* name);
 
     kel::VariableMap variables_;

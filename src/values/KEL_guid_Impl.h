@@ -11,7 +11,7 @@ class KEL_guid_Impl final : public KEL_Impl, public KEL_guid {
 public:
     explicit KEL_guid_Impl(const JHashCode& value) : value_(value) {}
 
-    /// The same with a given identity.
+    /// Makes the same value with a given identity.
     KEL_guid_Impl(const JHashCode& identity, const JHashCode& value)
         : JObject(identity), value_(value) {}
 

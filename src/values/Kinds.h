@@ -7,9 +7,9 @@
 
 namespace kel {
 
-/// The kind with the code, or nothing if no kind has it: files and a host's own values can hold any
-/// code. Every code becomes a KELKind here, so a switch over kinds needs a case for each of them
-/// and no default.
+/// Returns the kind with the code, or nothing if no kind has it: files and a host's own values can
+/// hold any code. Every code becomes a KELKind here, so a switch over kinds needs a case for each
+/// of them and no default.
 constexpr std::optional<KELKind> kindWithCode(int32_t code) {
     const auto kind = static_cast<KELKind>(code);
     switch (kind) {
@@ -21,7 +21,7 @@ constexpr std::optional<KELKind> kindWithCode(int32_t code) {
     return std::nullopt;
 }
 
-/// True for kinds whose contents are other values.
+/// Returns whether the contents of this kind are other values.
 constexpr bool isContainer(KELKind kind) {
     switch (kind) {
 #define KEL_CASE(name, code, type, words, isContainer, ...)                                        \

@@ -1,5 +1,5 @@
 /// \file
-/// withOneOutOfMemory: one face for the lack of memory.
+/// withOneOutOfMemory: the same exception for every lack of memory.
 #pragma once
 
 #include "runtime/Storage.h"
@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// Runs an operation that makes values, of which the parts report a lack of memory in different
-/// ways. The caller always sees the same.
+/// Runs an operation that makes values. Its parts report a lack of memory in different ways, but
+/// the caller always gets the same exception.
 /// \throws JOutOfMemoryException "Out of memory!", by value
 template <class Operation> auto withOneOutOfMemory(const Operation& operation) {
     try {

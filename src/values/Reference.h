@@ -7,16 +7,16 @@
 
 namespace kel {
 
-/// Gives one reference back.
+/// Releases one reference.
 struct GiveBack {
     template <class T> void operator()(T* target) const { target->release(); }
 };
 
-/// Owns one reference to a value or a list of names, which may be a host's own implementation.
+/// Owns one reference to a value or a list of names, which can be a host's own implementation.
 template <class T> using Reference = std::unique_ptr<T, GiveBack>;
 
-/// A reference for the time of an operation whose observers may give the last other one back: to
-/// the operation's own object or to an argument. Null for null.
+/// Takes a reference for the duration of an operation, to the operation's own object or to an
+/// argument. Observers can release the last other one meanwhile. Returns null for null.
 inline Reference<KEL> keepAlive(const KEL* value) {
     auto* held = const_cast<KEL*>(value); // only its count changes
     if (held != nullptr) {

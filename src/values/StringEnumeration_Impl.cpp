@@ -48,8 +48,8 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
     if (other == nullptr) {
         return;
     }
-    // The new names are collected, and room for them made, before the first is added. The cursor of
-    // an enumeration of the library's own stays until then.
+    // The new names are collected, and room is made for them, before the first is added. Until then
+    // the cursor of an enumeration of the library's own does not move.
     const JPointer<StringEnumeration_Impl> added(new StringEnumeration_Impl());
     const auto collect = [&](const char* text) {
         if (!contains(text)) {

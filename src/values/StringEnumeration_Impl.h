@@ -28,17 +28,17 @@ public:
     // JEnumeration
     JObject* nextElement() const override;
 
-    /// Appends a text that is known not to be here yet, without searching for it.
+    /// Appends a text that is known not to be in the list yet, without searching for it.
     void addUnique(const char* text);
 
 private:
-    /// The index of text, or -1.
+    /// Returns the index of text, or -1.
     int32_t indexOf(const char* text) const;
 
-    /// Makes room for so many more strings: adding them then needs no memory.
+    /// Makes room for this many more strings; adding them then needs no memory.
     void makeRoom(int32_t count);
 
-    /// The string at the cursor, which moves on, borrowed; null past the last.
+    /// Returns the string at the cursor, borrowed, and advances the cursor; null past the last.
     JString* next() const;
 
     JPointer<JVector<JString>> strings_; // null until the first string

@@ -11,23 +11,23 @@ namespace kel {
 
 namespace {
 
-/// The stand-in of a null variable in a copy.
+/// The treatment of null variables in a copy.
 enum class NullVariables {
-    replaced, ///< what the copied container says
-    kept,     ///< null
+    replaced, ///< by the value that the copied container chooses
+    kept,     ///< it remains null
 };
 
-/// One deep copy in the making.
+/// Makes one deep copy.
 class TreeCopy {
 public:
-    /// \param standIn what stands for source inside the copy; null for the copy itself
+    /// \param standIn the value that the copy contains in place of source; null for the copy itself
     TreeCopy(const KEL_Impl& source, NullVariables nulls, KEL_Impl* standIn)
         : source_(source), nulls_(nulls), standIn_(standIn) {}
     TreeCopy(const TreeCopy&) = delete;
     TreeCopy& operator=(const TreeCopy&) = delete;
 
-    /// Copies that contain each other keep each other alive. Those of an unfinished copy are taken
-    /// apart.
+    /// Takes the copies of an unfinished copy apart, because copies that contain each other keep
+    /// each other alive.
     ~TreeCopy() {
         if (!finished_) {
             for (const auto& [value, copy] : copies_) {
@@ -38,7 +38,7 @@ public:
         }
     }
 
-    /// The copy, owned by the caller.
+    /// Returns the copy, owned by the caller.
     KEL_Impl* make() {
         JPointer<KEL_Impl> root = copyAll();
         if (root.isNull()) {
@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    /// The treatment of values that stand in several places.
+    /// The treatment of values that occur in several places.
     enum class Shape {
         unknown,  ///< none found yet that makes a difference
         unfolded, ///< a copy for each place
@@ -89,7 +89,7 @@ private:
         return root;
     }
 
-    /// A copy of one value, whose children follow. It belongs to its container as soon as it is
+    /// Copies one value, whose children follow. The copy belongs to its container as soon as it is
     /// made. \return null when the walk has to start again
     JPointer<KEL_Impl> copyOf(const KEL_Impl& value) {
         const bool hasLevel = value.copiesChildren();
@@ -109,7 +109,7 @@ private:
         return copyOnce(value, hasLevel);
     }
 
-    /// The one copy of this value.
+    /// Returns the one copy of this value.
     JPointer<KEL_Impl> copyOnce(const KEL_Impl& value, bool hasLevel) {
         if (const auto known = copies_.find(&value); known != copies_.end()) {
             return known->second;
@@ -123,8 +123,9 @@ private:
         return made;
     }
 
-    /// Whether the walk can reach this container in another place too. The first one is the root,
-    /// which says nothing; the root's one holder may be inside it.
+    /// Returns whether the walk can reach this container in another place too. The first visit of
+    /// the root gives false. The root's only holder can be inside the root, so later visits
+    /// recognise it by its address.
     bool canMeetAgain(const KEL_Impl& value) const {
         return !levels_.empty() && (value.isContentShared() ||
                                     &value.holderOfChildren() == &source_.holderOfChildren());

@@ -9,12 +9,12 @@ namespace kel {
 
 namespace {
 
-/// Containers in classes of those that are equal unless a difference is still found. Equality is
-/// transitive, so each merge saves all later comparisons between the two classes, and there are
+/// Keeps containers in classes whose members are equal unless a difference is still found. Equality
+/// is transitive, so each merge saves all later comparisons between the two classes, and there are
 /// fewer merges than containers: this bounds the whole comparison.
 class EqualContainers {
 public:
-    /// Puts two containers into one class. \return false if they already are
+    /// Puts two containers into one class. \return false if they already are in one
     bool merge(const KEL_Impl& a, const KEL_Impl& b) {
         std::size_t x = classOf(a);
         std::size_t y = classOf(b);
@@ -31,7 +31,7 @@ public:
 
 private:
     struct Member {
-        std::size_t parent; ///< its own place for the one that stands for the class
+        std::size_t parent; ///< its own index in the member that represents the class
         int rank;
     };
 
@@ -53,14 +53,14 @@ private:
     Vector<Member> members_;
 };
 
-/// Two containers being compared child by child.
+/// A pair of containers being compared child by child.
 struct Level {
     ChildCursor a;
     ChildCursor b;
     bool isInTable; ///< one of the two, or a container around them, can be reached again
 };
 
-/// One comparison of two trees.
+/// Compares two trees.
 class TreeComparison {
 public:
     TreeComparison(const KEL_Impl& a, const KEL_Impl& b)
@@ -106,7 +106,7 @@ private:
         }
         const KEL_Impl& holderA = a.holderOfChildren();
         const KEL_Impl& holderB = b.holderOfChildren();
-        if (!levels_.empty()) { // the roots come first; their one holder may be inside
+        if (!levels_.empty()) { // the roots come first; their one holder can be inside
             isInTable = isInTable || a.isShared() || holderA.isShared() || b.isShared() ||
                         holderB.isShared() || &holderA == &rootA_ || &holderB == &rootB_;
         }

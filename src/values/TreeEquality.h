@@ -6,9 +6,10 @@
 
 namespace kel {
 
-/// Equality of contents, see KELInterface_V1::equalsValue. Values that contain themselves are equal
-/// when no difference can be found. Nearly linear in the number of distinct values and references
-/// of both; trees without shared containers are compared without a table.
+/// Returns whether the contents are equal, see KELInterface_V1::equalsValue. Values that contain
+/// themselves are equal when no difference can be found. The time is nearly linear in the number of
+/// distinct values and references of both trees. Trees without shared containers are compared
+/// without a table.
 bool treesEqual(const KEL_Impl& a, const KEL_Impl& b);
 
 } // namespace kel

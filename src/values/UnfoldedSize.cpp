@@ -11,11 +11,11 @@ namespace {
 
 constexpr uint64_t countLimit = uint64_t{1} << 62; // two of them still fit into 64 bits
 
-/// One container on the way down.
+/// A container on the way down.
 struct Level {
     ChildCursor cursor;
-    uint64_t* result;  ///< where its size is kept for the next time; null if there is none
-    uint64_t size = 1; ///< of the part that the walk has finished, the container included
+    uint64_t* result;  ///< where its size is kept for the next time; null if it is not kept
+    uint64_t size = 1; ///< the size of the part that the walk has finished, the container included
 
     void add(uint64_t more) { size = std::min(size + more, countLimit); }
 };
@@ -51,7 +51,7 @@ std::optional<uint64_t> unfoldedSize(const KEL_Impl& source) {
         }
         const KEL_Impl* holder = &child->holderOfChildren();
         uint64_t* result = nullptr;
-        if (child->isContentShared() || holder == root) { // the root's one holder may be inside it
+        if (child->isContentShared() || holder == root) { // the root's one holder can be inside it
             const auto [known, isNew] = sizes.try_emplace(holder, 0);
             if (!isNew && known->second == 0) {
                 return std::nullopt;

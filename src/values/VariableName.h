@@ -11,8 +11,8 @@ namespace kel {
 /// The name of a variable as its struct keeps it.
 using VariableName = std::basic_string<char, std::char_traits<char>, Allocator<char>>;
 
-/// Returns true for null and for the empty text. No variable has such a name, so operations ignore
-/// it and lookups return null, false or 0.
+/// Returns whether the name is null or empty. No variable has such a name, so operations ignore it
+/// and lookups return null, false or 0.
 inline bool isNoName(const char* name) {
     return name == nullptr || *name == '\0';
 }
