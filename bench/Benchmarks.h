@@ -7,15 +7,15 @@
 
 namespace bench {
 
-/// Reading, writing and copying of each document by each library. The documents must outlive the
-/// run.
+/// Registers reading, writing and copying of each document by each library. The documents must
+/// outlive the run.
 void registerDocumentBenchmarks(const std::vector<Document>& documents);
 
-/// Building, destroying and looking up values, and drawing identities.
+/// Registers building, destroying and looking up values, and drawing identities.
 void registerValueBenchmarks();
 
-/// The same operations on generated documents of 10,000 values and each power of ten up to
-/// maximum, named scaling_operation/KEL/size.
+/// Registers the same operations on generated documents of 10,000 values and of each power of ten
+/// up to maximum. Their names are scaling_operation/KEL/size.
 void registerScalingBenchmarks(std::size_t maximum);
 
 } // namespace bench

@@ -15,13 +15,13 @@ struct Document {
     std::size_t values = 0; ///< scalars, arrays and objects, nulls included
 };
 
-/// All *.json files of a folder, in name order; none when there is no such folder. Escaped double
-/// quotes in their strings become apostrophes, since KEL's text form cannot carry them: so all
-/// libraries see the same contents.
+/// Returns all *.json files of a folder in name order, or none if there is no such folder. Escaped
+/// double quotes in their strings become apostrophes, because KEL's text form cannot carry them. So
+/// all libraries see the same contents.
 std::vector<Document> loadDocuments(const std::string& folder);
 
-/// A generated document of about the given number of values: an array of small records with Ints,
-/// Doubles, Booleans, Strings and short arrays.
+/// Returns a generated document of about the given number of values. It is an array of small
+/// records with Ints, Doubles, Booleans, Strings and short arrays.
 Document makeRecords(std::size_t values);
 
 } // namespace bench

@@ -162,7 +162,7 @@ std::string textOf(KEL* tree) {
 }
 
 Tree readBinary(const std::string& bytes) {
-    // fmemopen takes its buffer as writable, whatever the mode; in mode "r" it only reads.
+    // fmemopen requires a writable buffer in every mode; in mode "r" it only reads.
     FILE* file = opened(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb"));
     KELBinaryInputStream* stream = CreateKELBinaryInputStream(file);
     Tree tree(stream->read());

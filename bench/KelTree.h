@@ -15,26 +15,26 @@ struct GiveBack {
 };
 using Tree = std::unique_ptr<KEL, GiveBack>;
 
-/// The JSON document as a tree: integers of 32 bits become Ints, other numbers Doubles, a null
-/// member a variable without a value; a null array element is left out.
+/// Returns the JSON document as a tree. Integers of 32 bits become Ints and other numbers become
+/// Doubles. A null member becomes a variable without a value; a null array element is left out.
 Tree makeTree(const std::string& json);
 
-/// The tree from text in memory.
+/// Reads a tree from text in memory.
 Tree readText(const std::string& text);
 
 /// Writes the tree as text to memory. \return the number of characters
 std::size_t writeText(KEL* tree);
 
-/// The text form, copied.
+/// Returns a copy of the text form.
 std::string textOf(KEL* tree);
 
-/// The tree from binary in memory, through fmemopen.
+/// Reads a tree from binary in memory, through fmemopen.
 Tree readBinary(const std::string& bytes);
 
 /// Writes the tree as binary to memory, through open_memstream. \return the number of bytes
 std::size_t writeBinary(KEL* tree);
 
-/// The binary form, copied.
+/// Returns a copy of the binary form.
 std::string bytesOf(KEL* tree);
 
 } // namespace bench

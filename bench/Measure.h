@@ -1,5 +1,5 @@
 /// \file
-/// How all benchmarks measure, so that every library is measured alike.
+/// Measures all benchmarks in the same way, so that the libraries can be compared.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -27,7 +27,7 @@ template <class Make> void measureMaking(benchmark::State& state, std::size_t va
     reportPerValue(state, values);
 }
 
-/// Measures work that keeps nothing: what it produces is freed inside the measured time.
+/// Measures work that keeps nothing: its results are freed within the measured time.
 template <class Work> void measureWork(benchmark::State& state, std::size_t values, Work work) {
     for ([[maybe_unused]] auto iteration : state) {
         auto result = work();

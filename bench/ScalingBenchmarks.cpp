@@ -8,8 +8,8 @@ namespace bench {
 
 namespace {
 
-/// The generated document of one size in the forms that the operations start from. Only one size
-/// is held at a time: the largest fills gigabytes.
+/// The generated document of one size in the forms that the operations start from. Only one size is
+/// held at a time, because the largest one takes gigabytes.
 struct Prepared {
     std::size_t values = 0;
     Tree tree;

@@ -48,7 +48,7 @@ void buildRapid(benchmark::State& state) {
     });
 }
 
-/// A thousand names in no particular order.
+/// Returns a thousand names in no particular order.
 const std::vector<std::string>& names() {
     static const std::vector<std::string> all = [] {
         std::vector<std::string> result;
@@ -91,8 +91,8 @@ void lookupNlohmann(benchmark::State& state) {
     });
 }
 
-/// Creating a value that draws a fresh identity, and one that is given its identity: the
-/// difference is what drawing costs.
+/// Creates a value that draws a fresh identity. The next function creates one that is given its
+/// identity; the difference is the cost of drawing.
 void createFresh(benchmark::State& state) {
     KEL_Manager* manager = CreateKELManager();
     measureWork(state, 1, [manager] {

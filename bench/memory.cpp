@@ -1,6 +1,6 @@
-// Prints how many bytes of resident memory one value takes, as lines "what library bytes". A
-// program of its own, so that nothing was allocated and freed before; each figure is taken in a
-// fresh child process for the same reason.
+// Prints how many bytes of resident memory one value takes, as lines "what library bytes". This is
+// a separate program, so that nothing was allocated and freed before. For the same reason each
+// figure is taken in a fresh child process.
 #include <cstdio>
 #include <fstream>
 #include <kel/kel.h>
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int32_t count = 2000000;
 
-/// Resident bytes of this process.
+/// Returns the resident bytes of this process.
 long residentBytes() {
     long total = 0;
     long resident = 0;
@@ -20,7 +20,8 @@ long residentBytes() {
     return resident * sysconf(_SC_PAGESIZE);
 }
 
-/// Fills a container with count values in a child process and prints what each of them took.
+/// Fills a container with count values in a child process and prints how much memory each of them
+/// took.
 /// \return whether the child succeeded
 template <class Container, class Fill>
 bool measure(const char* what, const char* library, Container (*create)(), Fill fill) {

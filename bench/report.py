@@ -3,9 +3,9 @@
 
     report.py RESULTS.json MEMORY.txt
 
-RESULTS.json is what kel_bench wrote with --benchmark_out; of repeated runs the fastest counts.
-MEMORY.txt is what kel_bench_memory printed. The status is 0 whether or not the wanted figures are
-met: the report says which are.
+RESULTS.json is the file that kel_bench wrote with --benchmark_out. Of repeated runs the fastest
+counts. MEMORY.txt is the output of kel_bench_memory. The status is 0 whether or not the wanted
+figures are met: the report states which are.
 """
 import collections
 import json
@@ -13,16 +13,16 @@ import math
 import pathlib
 import sys
 
-# Wanted: the geometric mean over the documents of KEL's time by nlohmann's.
+# The wanted geometric mean, over the documents, of KEL's time divided by nlohmann's.
 WANTED_RATIOS = {"text_read": 1.0, "text_write": 1.0, "binary_write": 1.5, "binary_read": 1.2}
 OTHER_OPERATIONS = ["copy", "build_and_destroy", "lookup"]
 WANTED_BYTES_PER_INT = 320
-WANTED_SPREAD = 1.3  # slowest by fastest time per value over all sizes
+WANTED_SPREAD = 1.3  # slowest divided by fastest time per value over all sizes
 WANTED_IDENTITY_NS = 40
 
 
 def read_results(text):
-    """operation -> document -> library -> nanoseconds of CPU time per value."""
+    """Returns operation -> document -> library -> nanoseconds of CPU time per value."""
     results = collections.defaultdict(lambda: collections.defaultdict(dict))
     for run in json.loads(text)["benchmarks"]:
         if run.get("run_type") == "aggregate":
@@ -37,7 +37,7 @@ def read_results(text):
 
 
 def read_memory(text):
-    """(what, library) -> bytes per value."""
+    """Returns (what, library) -> bytes per value."""
     return {(what, library): float(size)
             for what, library, size in (line.split() for line in text.splitlines())}
 

@@ -1,7 +1,7 @@
 # kel_make_export_lists(<table> <folder>)
 #
-# Makes the lists of exported functions that linkers take from the one table of them: kel.map for
-# Linux, kel.def for mingw and kel_msvc.def for Microsoft's compiler. Each row of the table holds an
+# Makes the lists of exported functions that linkers take, from one table: kel.map for Linux,
+# kel.def for mingw and kel_msvc.def for Microsoft's compiler. Each row of the table holds an
 # ordinal, a declaration, Microsoft's name and the standard-call name; "#" begins a comment.
 function(kel_make_export_lists table folder)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
@@ -21,7 +21,7 @@ function(kel_make_export_lists table folder)
     set(last ${ordinal})
     string(APPEND microsoft "    ${CMAKE_MATCH_3} @${ordinal}\n")
     string(APPEND standard_call "    ${CMAKE_MATCH_4} @${ordinal}\n")
-    # On Linux the same function has no decoration, and FILE has another tag.
+    # On Linux the same function has no decoration, and the type FILE has another tag.
     string(REGEX REPLACE "@[0-9]+$" "" name ${CMAKE_MATCH_4})
     string(REPLACE "6_iobuf" "8_IO_FILE" name ${name})
     string(APPEND globals "    ${name};\n")
@@ -34,9 +34,9 @@ endfunction()
 
 # kel_limit_exports(<target> <folder>)
 #
-# Makes a shared library export the functions of the lists in the folder and nothing else. Hidden
-# visibility alone would still let the type information and inline functions of the public classes
-# and of the standard library out, where they could be mixed with those of other libraries in a host.
+# Makes a shared library export only the functions of the lists in the folder. Hidden visibility
+# alone would also export the type information and inline functions of the public classes and of the
+# standard library. They could be mixed with those of other libraries in a host.
 function(kel_limit_exports target folder)
   # Each compiler has its own names for the same functions at the same ordinals.
   if(MSVC)

@@ -1,8 +1,8 @@
 # kel_feature(<variable> <default> <description> [package...])
 #
-# A switch with three positions. AUTO builds the feature when all its packages are installed and
-# says so when it does not; ON insists on them; OFF leaves the feature out. After the call
-# <variable> is ON or OFF in the calling scope; the cache keeps what was asked for.
+# Declares a switch with three positions. AUTO builds the feature if all its packages are installed,
+# and otherwise prints that it does not. ON requires the packages. OFF leaves the feature out. After
+# the call <variable> is ON or OFF in the calling scope; the cache keeps the requested position.
 function(kel_feature variable default description)
   set(${variable} ${default} CACHE STRING "${description}: AUTO, ON or OFF")
   set_property(CACHE ${variable} PROPERTY STRINGS AUTO ON OFF)

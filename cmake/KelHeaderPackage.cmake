@@ -1,9 +1,10 @@
 # kel_header_package(<target> <folder> <header>)
 #
-# Makes an interface target for a package of headers that is installed for the machine that builds.
-# The headers are the same for every system, but the folder around them holds that machine's own
-# system headers: it must not become an include folder of a cross compiler. So the package's folder
-# alone is linked into one of the build's own. The target exists only if <folder>/<header> is found.
+# Makes an interface target for a package of headers that is installed for the building machine. The
+# headers are the same for every system, but the folder around them also holds that machine's own
+# system headers, so it must not become an include folder of a cross compiler. Only the package's
+# folder is therefore linked into a folder of the build. The target exists only if <folder>/<header>
+# is found.
 function(kel_header_package target folder header)
   if(TARGET ${target})
     return()

@@ -1,5 +1,5 @@
-# What cmake --install puts under the prefix: headers, library, CMake package, kel.pc and the tool.
-# Both packages find their files relative to themselves, so the installed tree may be moved.
+# Puts headers, library, CMake package, kel.pc and the tool under the prefix for cmake --install.
+# Both packages find their files relative to themselves, so the installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
 set(kel_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kel)
@@ -23,7 +23,7 @@ if(MINGW)
 endif()
 
 if(NOT WIN32)
-  # The way from the folder of kel.pc back to the prefix.
+  # This is the path from the folder of kel.pc back to the prefix.
   set(kel_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
   file(RELATIVE_PATH kel_pc_up /prefix/${kel_pc_dir} /prefix)
   string(REGEX REPLACE "/$" "" kel_pc_up ${kel_pc_up})

@@ -1,9 +1,9 @@
 # The archives and packages that CPack makes: kel-<version>-win32.zip for Windows, and for Linux
-# kel-<version>-linux-<processor>.tar.gz and a Debian package. Their contents are what is installed;
-# here stand their names, and the texts that go along.
+# kel-<version>-linux-<processor>.tar.gz and a Debian package. They contain the installed files.
+# This file sets their names and adds the texts that accompany them.
 
-# The texts. Licences of others are those of the packages whose code the binaries contain.
-# They lie as in the repository, so that their links stay right.
+# The texts keep the layout of the repository, so that their links remain right. The licences of
+# others are those of the packages whose code the binaries contain.
 if(WIN32)
   set(kel_text_dir .)
 else()
@@ -32,7 +32,7 @@ if(TARGET kel_tool)
 endif()
 if(MINGW)
   kel_install_license(gcc-runtime /usr/share/doc/gcc-mingw-w64-i686-posix-runtime/copyright)
-  kel_install_license(GPL-3 /usr/share/common-licenses/GPL-3) # which the first one refers to
+  kel_install_license(GPL-3 /usr/share/common-licenses/GPL-3) # the first licence refers to it
   kel_install_license(mingw-w64 /usr/share/doc/mingw-w64-i686-dev/copyright)
 endif()
 
@@ -47,7 +47,7 @@ if(WIN32)
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME kel-${PROJECT_VERSION}-win32)
   if(NOT MINGW)
-    string(APPEND CPACK_PACKAGE_FILE_NAME -${CMAKE_CXX_COMPILER_ID}) # has hosts of its own
+    string(APPEND CPACK_PACKAGE_FILE_NAME -${CMAKE_CXX_COMPILER_ID}) # its hosts differ
   endif()
 else()
   set(CPACK_GENERATOR TGZ DEB)

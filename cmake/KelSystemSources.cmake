@@ -1,7 +1,7 @@
 # kel_leave_out_other_systems(<list>)
 #
-# Takes out of a list of source files those that are for another system: files are named Posix... and
-# Windows... for the system that they need; all others are for both.
+# Removes the source files for another system from a list. Files that need one system are named
+# Posix... or Windows...; all others are for both systems.
 function(kel_leave_out_other_systems list)
   set(sources ${${list}})
   if(WIN32)

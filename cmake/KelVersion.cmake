@@ -1,6 +1,6 @@
-# The version of the library stands in one place: include/kel/config.h.
+# The version of the library is defined in one place: include/kel/config.h.
 #
-# Sets KEL_VERSION to major.minor.patch, as hosts see it in KEL_VERSION_STRING.
+# Sets KEL_VERSION to major.minor.patch, the same text that hosts see in KEL_VERSION_STRING.
 
 set(kel_config_header ${CMAKE_CURRENT_LIST_DIR}/../include/kel/config.h)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${kel_config_header})

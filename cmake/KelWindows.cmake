@@ -1,4 +1,4 @@
-# What only the build for Windows needs. Nothing here has an effect elsewhere.
+# Only the build for Windows needs these functions. They have no effect elsewhere.
 
 # kel_version_resource(<target> <file name> <VFT_DLL|VFT_APP> <description>)
 #
@@ -15,8 +15,8 @@ endfunction()
 
 # kel_name_dll(<target> <name>)
 #
-# Names a library <name>.dll, without a lead, and its import library as the tool chain is used to:
-# lib<name>.dll.a or <name>.lib.
+# Names a library <name>.dll, without a prefix, and its import library by the custom of the tool
+# chain: lib<name>.dll.a or <name>.lib.
 function(kel_name_dll target name)
   set_target_properties(${target} PROPERTIES OUTPUT_NAME ${name} PREFIX "")
 endfunction()
@@ -24,11 +24,11 @@ endfunction()
 # kel_add_runtime(<target>)
 #
 # Puts the run-time libraries of mingw beside the target's binary, because Windows looks for them
-# there. KEL_RUNTIME_FILES names them; they have to be shipped with KEL.dll.
+# there. KEL_RUNTIME_FILES names them; they must be shipped with KEL.dll.
 #
-# An exception that leaves KEL.dll is caught by the host's code: both have to use the one libgcc
-# that is shared. It needs the thread library, so that is shared as well. The C++ library stands in
-# every binary by itself: nothing of it crosses the boundary.
+# An exception that leaves KEL.dll is caught by the host's code, so both must use the one shared
+# libgcc. It needs the thread library, so that is shared as well. Every binary contains the C++
+# library by itself: nothing of it crosses the boundary.
 if(MINGW)
   set(KEL_RUNTIME_FILES)
   foreach(name IN ITEMS libgcc_s_dw2-1.dll libwinpthread-1.dll)

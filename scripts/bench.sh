@@ -3,9 +3,9 @@
 #
 #   scripts/bench.sh [OPTION OF GOOGLE BENCHMARK...]
 #
-# KEL_BENCH_DATA is a folder of JSON documents to measure beside the generated ones; ../shared/data,
-# next to the repository, if it is not set. KEL_BENCH_MAX_VALUES is the size of the largest
-# generated tree; the usual ten million take about 8 GB of memory.
+# KEL_BENCH_DATA is a folder of JSON documents to measure beside the generated ones. The default is
+# ../shared/data, next to the repository. KEL_BENCH_MAX_VALUES is the size of the largest generated
+# tree; the default of ten million takes about 8 GB of memory.
 set -eu
 cd "$(dirname "$0")/.."
 

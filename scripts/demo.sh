@@ -1,7 +1,8 @@
 #!/bin/sh
-# Shows what KEL is for, on real documents: the tables of country subdivisions and of languages from
-# the Debian package iso-codes. Each goes from JSON to KEL text, to KEL binary, back to text and back
-# to JSON, and is compared on the way. Then a small host program watches and changes a value.
+# Shows the purpose of KEL on real documents: the tables of country subdivisions and of languages
+# from the Debian package iso-codes. Each is converted from JSON to KEL text, to KEL binary, back to
+# text and back to JSON, and is compared on the way. Then a small host program watches and changes a
+# value.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -18,7 +19,7 @@ seconds() {
     date +%s.%N
 }
 
-# convert FROM TO: converts a file and says how large and how long.
+# convert FROM TO: converts a file and prints the size of the result and the time taken.
 convert() {
     before=$(seconds)
     "$bin/kel" convert "$1" "$2"

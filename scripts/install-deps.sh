@@ -1,5 +1,6 @@
 #!/bin/sh
-# Installs what is missing for the given purposes, on Debian: the one place that knows the packages.
+# Installs the missing packages for the given purposes on Debian. Only this script lists the
+# packages.
 #
 #   scripts/install-deps.sh PURPOSE...
 #
@@ -12,7 +13,7 @@
 #   linux32 building for 32-bit Linux, and its tests
 #   windows building KEL.dll and its tests, and Wine to run them
 #
-# Ends with status 10 when everything is there but Wine, and build/no-wine then says why.
+# Ends with status 10 if only Wine is missing; build/no-wine then contains the reason.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -39,7 +40,7 @@ is_installed() {
     dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
 }
 
-# One broken index, of another architecture perhaps, does not make the others useless.
+# One broken index, perhaps of another architecture, does not make the others useless.
 update_indexes() {
     apt-get update || echo "A package index is unavailable now; continuing."
 }
@@ -76,7 +77,7 @@ done
 if [ -n "$missing" ]; then
     require_root "missing packages:$missing"
     echo "Installing:$missing"
-    # The package lists are fetched only when those at hand do not lead to the packages.
+    # The package lists are fetched only if the present ones do not lead to the packages.
     # shellcheck disable=SC2086 # a list of words
     {
         install_packages --simulate $missing >/dev/null 2>&1 || update_indexes

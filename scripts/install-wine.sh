@@ -1,17 +1,17 @@
 #!/bin/bash
-# Makes a Debian machine able to run the 32-bit Windows programs that mingw builds.
+# Enables a Debian machine to run the 32-bit Windows programs that mingw builds.
 #
 #   scripts/install-wine.sh REASON
 #
-# Ends with status 0 when a program has been built and run, and with status 10 when there is no Wine
-# and none can be had now; the file REASON then holds a line that says why. Any other failure, as of a
-# Wine that is there but runs nothing, is status 1. With KEL_WINE=no in the environment it does not
-# try.
+# Ends with status 0 if a program has been built and run, and with status 10 if there is no Wine and
+# none can be installed now; the file REASON then holds a line with the reason. Any other failure,
+# such as an installed Wine that runs nothing, is status 1. With KEL_WINE=no in the environment the
+# script does not try.
 #
 # 32-bit Wine needs shared libraries for i386 of exactly the versions that are installed for amd64.
-# Now and then the two architectures' package indexes are not of the same hour and nothing fits; so
-# several sets of indexes are tried, each by a simulation first: the machine is touched only when all
-# packages fit and none has to go. When none fits, waiting is all that helps.
+# Now and then the package indexes of the two architectures are of different hours and nothing fits.
+# So several sets of indexes are tried, each by a simulation first. The machine is changed only if
+# all packages fit and none has to be removed. If none fits, only waiting helps.
 set -u
 export LC_ALL=C DEBIAN_FRONTEND=noninteractive
 cd "$(dirname "$0")/.." || exit
@@ -53,7 +53,7 @@ fi
 apt=(apt-get -y -q -o Acquire::Retries=3 -o Dpkg::Use-Pty=0 -o DPkg::Lock::Timeout=300)
 index=() # options that choose a set of package indexes; none for the machine's own
 
-# The archive that the machine is set up with.
+# Prints the archive that the machine is set up with.
 mirror() {
     {
         sed -n 's/^URIs:[[:space:]]*\([^[:space:]]*\).*/\1/p' /etc/apt/sources.list.d/*.sources
@@ -62,8 +62,8 @@ mirror() {
     } 2>/dev/null | grep '/debian/*$' | head -n 1
 }
 
-# use_index SUITE...: a set of indexes of its own, consistent between the architectures, that leaves
-# the machine's alone.
+# use_index SUITE...: chooses a separate set of indexes that is consistent between the
+# architectures. The machine's own indexes are not changed.
 use_index() {
     local folder="$scratch/$1-$#" suite
     mkdir -p "$folder/lists/partial"

@@ -5,20 +5,20 @@
 #   scripts/test.sh linux32    for 32-bit Linux
 #   scripts/test.sh windows    KEL.dll for 32-bit Windows, run under Wine
 #
-# Stops at the first preset that fails, so the summary of CTest at the end always is the one that
-# counts. Ends with status 77 when everything for Windows was built but there is no Wine to run it:
-# what can be checked without has been checked then.
+# Stops at the first preset that fails, so the last summary of CTest is always the one that counts.
+# Ends with status 77 if everything for Windows was built but there is no Wine to run it. In that
+# case everything that needs no Wine has been checked.
 set -eu
 cd "$(dirname "$0")/.."
 
-# Large documents that may lie beside the repository; the tool's tests convert them if they do.
+# Large documents can lie beside the repository. If they do, the tool's tests convert them.
 data=$PWD/../shared/data
 [ -d "$data" ] || data=
 
-# The locale with a decimal comma has been installed; tests that need it must not pass it over.
+# The locale with a decimal comma has been installed; tests that need it must not be skipped.
 export KEL_REQUIRE_LOCALE=1
 
-# build PRESET [OPTION...]: what is asked for by name must be there, no test goes missing quietly.
+# build PRESET [OPTION...]: builds with every feature required, so that no test is silently missing.
 build() {
     preset=$1
     shift

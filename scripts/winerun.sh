@@ -4,17 +4,17 @@
 #
 #   scripts/winerun.sh PROGRAM [ARGUMENT...]
 #
-# The first run makes the prefix, which takes some seconds. One Wine server stays for five minutes
-# after the last program: without it each program pays for starting and ending one. Server and
-# services are started apart from our output, because a test driver waits until everybody who
-# inherited it has closed it.
-# Ends with status 77 where there is no Wine.
+# The first run makes the prefix, which takes some seconds. One Wine server remains for five minutes
+# after the last program: without it each program would have to start and end one. Server and
+# services do not inherit our output, because a test driver waits until every process that inherited
+# it has closed it.
+# Ends with status 77 if there is no Wine.
 : "${WINEPREFIX:=${TMPDIR:-/tmp}/kel-wine-$(id -u)}"
 : "${WINEDEBUG:=-all}"
 : "${WINEDLLOVERRIDES:=mscoree,mshtml=}" # no offers to install what no test needs
 export WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
 unset DISPLAY WAYLAND_DISPLAY
-# Names of files and arguments are UTF-8, whatever locale a test runs in.
+# File names and arguments are UTF-8, whatever locale a test runs in.
 export LC_CTYPE=C.UTF-8
 if [ "${LC_ALL:-C}" = C ]; then
     export LC_ALL=C.UTF-8
@@ -27,7 +27,7 @@ wine=$(command -v wine-stable || command -v wine) || {
 mkdir -p "$WINEPREFIX" || exit 77
 (
     flock 9
-    # A server that runs already makes a second one end with status 2. A new one has no services yet.
+    # If a server runs already, a second one ends with status 2. A new server has no services yet.
     if wineserver -p300 </dev/null >/dev/null 2>&1 9>&-; then
         timeout 180 "$wine" wineboot </dev/null >/dev/null 2>&1 9>&-
     fi

@@ -1,4 +1,4 @@
-# CLI11 for a cross build: headers of the machine that builds.
+# Finds CLI11 for a cross build: the headers of the building machine.
 include(KelHeaderPackage)
 kel_header_package(CLI11::CLI11 CLI CLI.hpp)
 if(TARGET CLI11::CLI11)

@@ -1,5 +1,5 @@
-# GoogleTest for a cross build: no system ships it built for another one, so it is built here from
-# the sources of the Debian package.
+# Finds GoogleTest for a cross build. No system ships it built for another one, so it is built here
+# from the sources of the Debian package.
 set(KEL_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "Sources of GoogleTest for cross builds")
 mark_as_advanced(KEL_GOOGLETEST_SOURCE)
 

@@ -1,4 +1,4 @@
-# nlohmann-json for a cross build: headers of the machine that builds.
+# Finds nlohmann-json for a cross build: the headers of the building machine.
 include(KelHeaderPackage)
 kel_header_package(nlohmann_json::nlohmann_json nlohmann json.hpp)
 if(TARGET nlohmann_json::nlohmann_json)

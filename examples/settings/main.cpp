@@ -62,8 +62,8 @@ private:
 
 // ---- Descriptions of the settings --------------------------------------------------------------
 
-// A range with a default, a unit to show after the number, and the step of its knob. Properties are
-// variables of the descriptor; put... creates them, whatever their kind.
+// Describes a range with a default, a unit to show after the number, and the step of its knob.
+// Properties are variables of the descriptor; put... creates them, whatever their kind.
 Owned<MetaKelVarDescriptor> describeGain() {
     auto gain = own(CreateMetaKelVarDescriptor());
     gain->setType(KELKind_Double);
@@ -84,7 +84,7 @@ Owned<MetaKelVarDescriptor> describeVoices() {
     return voices;
 }
 
-// A choice from a closed list of words.
+// Describes a choice from a closed list of words.
 Owned<MetaKelVarDescriptor> describeMode() {
     auto mode = own(CreateMetaKelVarDescriptor());
     auto allowed = own(CreateKELArray());
@@ -98,7 +98,7 @@ Owned<MetaKelVarDescriptor> describeMode() {
     return mode;
 }
 
-// The description has a fixed identity, so a file shows which description it was saved with.
+// Gives the description a fixed identity, so a file shows which description it was saved with.
 Owned<MetaKelDescriptor> makeDescription() {
     const JHashCode identity(0x4B454C01, 0, 0, 1);
     const auto manager = own(CreateKELManager());
@@ -157,7 +157,7 @@ void take(MetaKel& settings, const char* name, KEL* value) {
     }
 }
 
-// The settings in a file are a plain struct: anybody can have written it.
+// Loads the settings in a file. They are a plain struct: anybody can have written it.
 void load(MetaKel& settings, const char* fileName) {
     const auto stream = own<KELInputStream>(CreateKELTextInputStream(fileName));
     const auto root = own(stream->read());
@@ -183,7 +183,7 @@ void save(KEL* value, const char* fileName) {
 
 // ---- A choice among named options --------------------------------------------------------------
 
-// The list of options: a menu shows its keys, and the setting takes its items.
+// Creates the list of options: a menu shows its keys, and the setting takes its items.
 Owned<KEL_IndexList> modesToChooseFrom(const MetaKel& settings) {
     static const char* const titles[] = {"One speaker", "Two speakers", "All around"};
     auto options = own(CreateKELIndexList());

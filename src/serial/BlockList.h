@@ -25,7 +25,7 @@ public:
         (*this)[size_++] = element;
     }
 
-    /// Drops the elements from a place on; their storage is kept for later ones.
+    /// Drops the elements from the given index on. Their storage is kept for later elements.
     void truncate(std::size_t size) noexcept { size_ = size; }
 
 private:

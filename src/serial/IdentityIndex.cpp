@@ -7,8 +7,8 @@ namespace kel {
 
 namespace {
 
-constexpr std::size_t firstSize = 64; // places at first
-constexpr std::size_t growth = 4;     // their factor, up to a million places; then 2
+constexpr std::size_t firstSize = 64; // number of places at first
+constexpr std::size_t growth = 4;     // growth factor up to a million places; after that it is 2
 constexpr std::size_t fastGrowthEnd = std::size_t{1} << 20;
 
 uint64_t pair(uint32_t low, uint32_t high) {
@@ -37,7 +37,7 @@ uint32_t IdentityIndex::append(const JHashCode& identity) {
     return size() - 1;
 }
 
-/// The place of the identity, or the empty one where it belongs.
+/// Returns the place of the identity, or the empty place where it belongs.
 std::size_t IdentityIndex::search(const JHashCode& identity, uint32_t tag) const {
     const std::size_t mask = places_.size() - 1;
     for (std::size_t at = tag & mask;; at = (at + 1) & mask) {
@@ -75,7 +75,7 @@ bool IdentityIndex::isCurrent(const Place& place) const {
     return place.number < identities_.size() && tagOf(identities_[place.number]) == place.tag;
 }
 
-/// Drops the places that match nothing any more. More places are made unless that freed half.
+/// Drops the places that no longer match anything, and makes more places unless that freed half.
 void IdentityIndex::rebuild() {
     const auto current = static_cast<std::size_t>(std::count_if(
         places_.begin(), places_.end(), [this](const Place& place) { return isCurrent(place); }));

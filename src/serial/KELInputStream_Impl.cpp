@@ -11,7 +11,7 @@ KEL* KELInputStream_Impl::read() {
 
 int32_t KELInputStream_Impl::JRead() {
     return withMediumErrors([&] {
-        input().clearMark(); // a token's, or the window would keep every byte from there on
+        input().clearMark(); // a token's mark would make the window keep all bytes after it
         return input().next();
     });
 }
@@ -30,7 +30,7 @@ int32_t KELInputStream_Impl::JRead(uint8_t* buffer, int32_t offset, int32_t coun
 
 void KELInputStream_Impl::JClose() {
     withMediumErrors([&] {
-        // A host that continues with its own handle finds it just after the last byte consumed.
+        // A host that continues with its own handle continues just after the last byte consumed.
         input().sync();
         input().stream().JClose();
         input().discard(); // a closed stream is at its end
@@ -46,6 +46,6 @@ void KELInputStream_Impl::JSeek(int64_t position) {
 }
 
 void KELInputStream_Impl::destroy() {
-    const JPointer<KELInputStream_Impl> last(this); // released however closing ends
+    const JPointer<KELInputStream_Impl> last(this); // released even if closing fails
     JClose();
 }

@@ -1,5 +1,5 @@
 /// \file
-/// KELInputStream_Impl: what the input streams of both formats share.
+/// KELInputStream_Impl: the common part of the input streams of both formats.
 #pragma once
 
 #include "streams/BufferedInputStream.h"
@@ -9,8 +9,8 @@
 
 class KEL_Impl;
 
-/// Over a read-ahead window of a medium. A failure of the medium, a JIOException, is thrown again
-/// as a KELIOException with its message.
+/// Reads through a read-ahead window of a medium. A failure of the medium, a JIOException, is
+/// thrown again as a KELIOException with its message.
 class KELInputStream_Impl : public virtual KELInputStream, public virtual JDataInput {
 public:
     KELInputStream_Impl() = default;
@@ -27,14 +27,14 @@ public:
     int64_t JTell() override;
     void JSeek(int64_t position) override;
 
-    /// Closes the medium and releases this stream, also if closing fails.
+    /// Closes the medium and releases this stream, even if closing fails.
     /// \throws KELIOException with the medium's message
     void destroy();
 
 protected:
-    /// The bytes that all operations read.
+    /// Returns the bytes that all operations read.
     virtual kel::BufferedInput& input() = 0;
 
-    /// Reads the next root value; the caller owns it. Null for the word null in a text.
+    /// Reads the next root value, which the caller owns. Returns null for the word null in a text.
     virtual KEL_Impl* readTree() = 0;
 };

@@ -33,6 +33,6 @@ void KELOutputStream_Impl::JSeek(int64_t position) {
 }
 
 void KELOutputStream_Impl::destroy() {
-    const JPointer<KELOutputStream_Impl> last(this); // released however closing ends
+    const JPointer<KELOutputStream_Impl> last(this); // released even if closing fails
     JClose();
 }

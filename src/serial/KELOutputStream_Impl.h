@@ -1,5 +1,5 @@
 /// \file
-/// KELOutputStream_Impl: what the output streams of both formats share.
+/// KELOutputStream_Impl: the common part of the output streams of both formats.
 #pragma once
 
 #include "streams/JDataOutput.h"
@@ -7,7 +7,7 @@
 #include <kel/JPointer.h>
 #include <kel/KELOutputStream.h>
 
-/// Over a sink of bytes. Every failure of the sink, a JIOException, is thrown again as a
+/// Writes to a sink of bytes. Every failure of the sink, a JIOException, is thrown again as a
 /// KELIOException with its message.
 class KELOutputStream_Impl : public virtual KELOutputStream, public virtual JDataOutput {
 public:
@@ -34,12 +34,12 @@ public:
     int32_t getByteOrder() const override { return byteOrder_; }
     void setByteOrder(int32_t order) override { byteOrder_ = order; }
 
-    /// Closes the sink and releases this stream, also if closing fails.
+    /// Closes the sink and releases this stream, even if closing fails.
     /// \throws KELIOException with the sink's message
     void destroy();
 
 protected:
-    /// Writes a value of the library's or a host's own, or null.
+    /// Writes null or a value, whose class can be the library's or a host's own.
     virtual void writeTree(KEL* value) = 0;
 
     JOutputStream& sink() const { return *sink_; }

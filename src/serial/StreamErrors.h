@@ -1,5 +1,5 @@
 /// \file
-/// The failures of byte streams as the failures of value streams.
+/// Turns the failures of byte streams into the failures of value streams.
 #pragma once
 
 #include "values/KELException_Impl.h"
@@ -18,8 +18,8 @@ template <class Operation> decltype(auto) withMediumErrors(const Operation& oper
     }
 }
 
-/// Runs an operation on a whole value. A lack of memory has one face then, and the medium's failures
-/// are turned as withMediumErrors does.
+/// Runs an operation on a whole value. Every lack of memory becomes the same exception, and
+/// failures of the medium are turned as in withMediumErrors.
 /// \throws KELOutOfMemoryException "Out of memory!"
 template <class Operation> decltype(auto) withStreamErrors(const Operation& operation) {
     try {

@@ -10,11 +10,11 @@
 
 namespace kel {
 
-/// Holds a reference to each value that it remembers. Remembering only makes a note:
-/// most inputs never refer back, and are spared the search for every value's place.
+/// Holds a reference to each value that it remembers. Remembering only makes a note: most inputs
+/// never refer back, so they do not pay for finding a place for every value.
 class ValueTable {
 public:
-    /// A value, borrowed, and its number; null and IdentityIndex::none if there is none.
+    /// A borrowed value and its number; null and IdentityIndex::none if there is none.
     struct Found {
         KEL_Impl* value;
         uint32_t number;
@@ -27,7 +27,7 @@ public:
         forEach([](KEL_Impl& value) { value.release(); });
     }
 
-    /// Remembers a value. From now on its identity means this value and not an earlier one.
+    /// Remembers a value. From now on its identity leads to this value and not to an earlier one.
     /// \return its number; numbers count up from 0
     uint32_t remember(const JHashCode& identity, KEL_Impl& value) {
         const uint32_t number = index_.append(identity);
@@ -41,7 +41,7 @@ public:
         return number;
     }
 
-    /// The value of an identity: of several the last one.
+    /// Returns the value of an identity; of several values, the last one.
     Found find(const JHashCode& identity) {
         linkNotes();
         const uint32_t number = index_.find(identity);
@@ -51,10 +51,10 @@ public:
         return {values_[number], number};
     }
 
-    /// The value of a number, borrowed; null when it was forgotten.
+    /// Returns the value of a number, borrowed, or null if it was forgotten.
     KEL_Impl* at(uint32_t number) const { return values_[number]; }
 
-    /// Forgets and releases a value. Its identity means again what it meant before the value came.
+    /// Forgets and releases a value. Its identity then leads to the same value as before this one.
     /// Of several values of one identity, forget the last one first.
     void forget(uint32_t number) noexcept {
         if (number < linked_ && index_.find(index_.identityAt(number)) == number) {
@@ -68,7 +68,7 @@ public:
         std::exchange(values_[number], nullptr)->release();
     }
 
-    /// The number that the next value will have.
+    /// Returns the number that the next value will have.
     uint32_t size() const { return index_.size(); }
 
     /// Calls visit with every value in the order of arrival.
@@ -81,7 +81,7 @@ public:
     }
 
 private:
-    /// Two values of one identity, which leads to the later one.
+    /// Two values of the same identity, which leads to the later one.
     struct Repetition {
         uint32_t earlier;
         uint32_t later;
@@ -102,8 +102,8 @@ private:
 
     IdentityIndex index_;
     BlockList<KEL_Impl*> values_;         // null where forgotten
-    uint32_t linked_ = 0;                 // from here on values are notes
-    std::vector<Repetition> repetitions_; // in the order of the later ones
+    uint32_t linked_ = 0;                 // values from this number on are notes
+    std::vector<Repetition> repetitions_; // in the order of the later values
 };
 
 } // namespace kel

@@ -9,12 +9,12 @@ namespace kel::tool {
 
 namespace {
 
-/// Bytes that are the same for two scalars if these are equal in value; nothing for a container or
-/// a memory block.
+/// Returns bytes that are the same for two scalars if they are equal in value, or nothing for a
+/// container or a memory block.
 std::optional<std::string> contentsOf(const KEL& value) {
     switch (kindOf(value).kind) {
     case KELKind_Int:
-    case KELKind_Double: { // which are compared as numbers: one zero, one that is not a number
+    case KELKind_Double: { // compared as numbers: there is one zero and one not-a-number
         const double number = value.toDouble() + 0.0;
         const auto bits = std::bit_cast<uint64_t>(
             std::isnan(number) ? std::numeric_limits<double>::quiet_NaN() : number);

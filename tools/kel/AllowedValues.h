@@ -1,5 +1,5 @@
 /// \file
-/// AllowedValues: what descriptors allow, found quickly.
+/// AllowedValues: a quick check of values against their descriptors.
 #pragma once
 
 #include "Values.h"
@@ -10,12 +10,13 @@
 
 namespace kel::tool {
 
-/// Answers whether variable descriptors allow values. A descriptor itself compares a value with one
-/// allowed value after the other; here scalars are looked up, so that thousands of variables may
-/// share a list of thousands of values. The descriptors have to stay alive and as they are.
+/// Finds out whether variable descriptors allow values. A descriptor itself compares a value with
+/// one allowed value after the other. This class looks scalars up instead, so that thousands of
+/// variables can share a list of thousands of values. The descriptors must stay alive and
+/// unchanged.
 class AllowedValues {
 public:
-    /// The same as the descriptor's isValid.
+    /// Returns the same as the descriptor's isValid.
     bool isValid(const MetaKelVarDescriptor& rules, const KEL& value);
 
 private:

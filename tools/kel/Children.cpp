@@ -23,10 +23,10 @@ void replaceElements(KEL_Array& array, const Replacement& replace) {
     if (!isChanged) {
         return;
     }
-    // Filled anew, because taking elements out one by one would take quadratic time.
+    // The array is filled anew, because removing elements one by one would take quadratic time.
     array.removeAllVars();
     for (const Value& element : elements) {
-        array.addVar(element.get()); // which ignores null
+        array.addVar(element.get()); // addVar ignores null
     }
 }
 
@@ -50,7 +50,7 @@ void replacePairs(KEL_IndexList& list, const Replacement& replace) {
     }
     list.removeAllPairs();
     for (const auto& [key, item] : pairs) {
-        list.addPair(key.get(), item.get()); // which ignores a pair with null
+        list.addPair(key.get(), item.get()); // addPair ignores a pair with null
     }
 }
 

@@ -17,7 +17,7 @@ namespace kel::tool {
 
 namespace {
 
-/// Writes the document to the named file, to stdout for "-".
+/// Writes the document to the named file, or to stdout for "-".
 void write(const Document& document, Format format, const std::string& name, Console& console) {
     if (name == "-") {
         console.hush();
@@ -38,7 +38,7 @@ void write(const Document& document, Format format, const std::string& name, Con
     output.commit();
 }
 
-/// The list of what is lost on the way from the input.
+/// Returns the list of places that are lost on the way from the input.
 std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
                    const char* target) {
     const std::string heading = inputName + ": " + std::to_string(losses.count()) +
@@ -48,8 +48,8 @@ std::string listOf(const Losses& losses, const std::string& inputName, const Inp
     return describe(losses, heading, input.document.roots().size());
 }
 
-/// Looks the document through for what it would become in the target format.
-/// \param losses gets what the target cannot carry; null when that is known
+/// Examines the document for its form in the target format.
+/// \param losses gets every place that the target cannot carry; null if the losses are known
 DocumentScan scan(Input& input, Format target, const std::string& inputName, Losses* losses) {
     DocumentScan found;
     try {
@@ -71,7 +71,7 @@ int convert(const Options& options, Console& console) {
     console.begin("reading " + name);
     Input input = readInput(name, options.from, target, losses);
     console.begin("checking " + name);
-    // The reader of JSON has listed everything already, under the paths of the JSON text.
+    // The reader of JSON has already listed everything, under the paths of the JSON text.
     Losses* rest = input.format == Format::json ? nullptr : &losses;
     const DocumentScan found = scan(input, target, name, rest);
     refuseHugeOutput(found, target, name);
@@ -111,7 +111,7 @@ int show(const Options& options, Console& console) {
     return 0;
 }
 
-/// Says where the document departs from the descriptors in it. \return whether it nowhere does
+/// Reports where the document departs from the descriptors in it. \return whether it never does
 bool areDescriptorsKept(const Document& document, const std::string& inputName, Console& console) {
     bool areKept = true;
     console.begin("checking " + inputName);

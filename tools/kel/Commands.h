@@ -7,8 +7,8 @@
 
 namespace kel::tool {
 
-/// Carries out what the options ask for.
-/// \return the exit status where the work came to an end: 0, or for check that of the worst file
+/// Carries out the command that the options describe.
+/// \return the exit status if the work was completed: 0, or for check the status of the worst file
 /// \throws Failure for everything that stops it
 int run(const Options& options, Console& console);
 

@@ -14,12 +14,12 @@ namespace {
 
 using Rules = MetaKelVarDescriptor;
 
-/// A descriptor's property; null when it is absent or holds nothing.
+/// Returns a descriptor's property, or null if it is absent or holds nothing.
 KEL* propertyOf(const Rules& rules, const char* name) {
     return rules.containsVar(name) ? memberOf(rules, name) : nullptr;
 }
 
-/// The allowed values; null when they are not in an array.
+/// Returns the allowed values, or null if they are not in an array.
 KEL_Array* allowedValuesOf(const Rules& rules) {
     return dynamic_cast<KEL_Array*>(propertyOf(rules, "enum"));
 }
@@ -33,13 +33,13 @@ bool isKindOfNumber(int32_t kind) {
     return kind == KELKind_Int || kind == KELKind_Double;
 }
 
-/// A bound as values are compared with it.
+/// Returns a bound in the form in which values are compared with it.
 double boundOf(Rules& rules, const char* name) {
     const KEL* bound = propertyOf(rules, name);
     return rules.getVariableType() == KELKind_Int ? bound->toInt() : bound->toDouble();
 }
 
-/// True when the bounds are numbers in order, and of a variable that can have bounds.
+/// Returns whether the bounds are numbers in order, and the variable is of a kind that has bounds.
 bool hasSoundRange(Rules& rules) {
     return isNumber(propertyOf(rules, "min")) && isNumber(propertyOf(rules, "max")) &&
            isKindOfNumber(rules.getVariableType()) &&
@@ -58,7 +58,7 @@ std::string wordsForAllowed(const KEL_Array& allowed) {
     return words;
 }
 
-/// The values that a variable can hold, in words.
+/// Returns the values that a variable can hold, in words.
 std::string wordsForAllowed(Rules& rules) {
     if (rules.isRanged()) {
         return hasSoundRange(rules)
@@ -111,7 +111,7 @@ void Checker::visit(KEL* root, size_t rootNumber) {
     }
 }
 
-/// Checks a value against the container that it lies in.
+/// Checks a value against its container.
 void Checker::checkPlace(const TreeCursor& cursor) {
     const KEL* container = cursor.container();
     const int32_t kind = container == nullptr ? 0 : container->getType();
@@ -149,7 +149,7 @@ void Checker::checkRules(const TreeCursor& cursor, Rules& rules) {
         report(cursor,
                "the allowed values are " + wordsFor(propertyOf(rules, "enum")) + ", not an array");
     }
-    // Of a range that allows nothing the default is not at fault.
+    // If a range allows nothing, the default is not at fault.
     const bool isDefaultChecked = !rules.isRanged() || hasSoundRange(rules);
     const KEL* standard = rules.getDefault();
     if (standard != nullptr && isDefaultChecked && !allowed_.isValid(rules, *standard)) {

@@ -1,5 +1,5 @@
 /// \file
-/// Whether values keep to their descriptors.
+/// Checks whether values keep to their descriptors.
 #pragma once
 
 #include "Document.h"
@@ -12,13 +12,13 @@ namespace kel::tool {
 /// Takes one violation, "PATH: what is wrong", on one line.
 using ViolationReport = std::function<void(const std::string&)>;
 
-/// Looks at every value of the document once, in the order of its text form, and reports
+/// Visits every value of the document once, in the order of its text form, and reports
 ///
 /// - every variable of a checked struct that its descriptor finds invalid, with what is allowed;
 ///   null and missing variables are not violations
 /// - every variable descriptor that no variable could keep to, or that contradicts itself
 ///
-/// A value in several places is checked where it comes first.
+/// A value in several places is checked at its first place.
 void checkDescriptors(const Document& document, const ViolationReport& report);
 
 } // namespace kel::tool

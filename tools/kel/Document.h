@@ -8,9 +8,9 @@
 
 namespace kel::tool {
 
-/// Owns the root values of one input in their order; null roots are among them. Values that contain
-/// themselves would keep each other alive, so a document that may hold such values is
-/// looked through before it lets go of them.
+/// Owns the root values of one input in their order, including null roots. Values that contain
+/// themselves would keep each other alive. A document that may hold such values is therefore
+/// searched for them before it releases its values.
 class Document {
 public:
     Document() = default;
@@ -24,11 +24,11 @@ public:
     const std::vector<Value>& roots() const { return roots_; }
     std::vector<Value>& roots() { return roots_; }
 
-    /// Takes every reference from a value back to one that it lies in out of the document: null in
-    /// a struct, nothing in an array. Does nothing when there can be none.
+    /// Removes every reference from a value back to one that contains it: it becomes null in a
+    /// struct and is left out of an array. Does nothing if there can be none.
     void cutCycles();
 
-    /// Tells that there are no such references, which spares the search for them.
+    /// States that there are no such references, which saves the search for them.
     void knowAcyclic() { mayContainCycles_ = false; }
 
 private:

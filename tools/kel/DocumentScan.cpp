@@ -19,7 +19,7 @@ uint64_t sum(uint64_t a, uint64_t b) {
     return std::min(a + b, ceiling);
 }
 
-/// The size of a value with all that it holds, written out at the left margin.
+/// The size of a value with everything in it, written out at the left margin.
 struct Extent {
     uint64_t values = 0;
     uint64_t lines = 0;
@@ -64,13 +64,13 @@ private:
     Extent total_;
     std::optional<std::string> cycle_;
     bool hasTextOnly_ = false;
-    std::vector<Extent> open_; ///< what the open containers hold so far
+    std::vector<Extent> open_; ///< the contents of the open containers so far
     std::unordered_map<const KEL*, Met> met_;
-    IdentitySet identities_; ///< of what binary carries, where losses are wanted
+    IdentitySet identities_; ///< of the values that binary carries, if losses are listed
     std::unordered_set<const KEL*> namesakes_;
 };
 
-/// The bytes of a scalar that depend on its contents.
+/// Returns the number of bytes of a scalar that depend on its contents.
 uint64_t bytesOf(const KEL& scalar) {
     switch (kindOf(scalar).kind) {
     case KELKind_String:
@@ -128,7 +128,8 @@ void Scanner::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNum
     }
 }
 
-/// Why the target cannot carry the value at this place, be it for its kind or for its identity.
+/// Returns why the target cannot carry the value at this place, for its kind or for its identity.
+/// Returns null if it can.
 const char* Scanner::obstacleOfValue(const KEL& value) {
     const char* obstacle = obstacleOf(value, target_);
     if (obstacle == nullptr && target_ == Format::binary && losses_ != nullptr &&
@@ -161,7 +162,7 @@ void Scanner::enter(TreeCursor& cursor, size_t rootNumber) {
     cursor.skip();
 }
 
-/// The extent of a container that holds what was counted inside.
+/// Returns the extent of a container with the given extent inside.
 Extent extentAround(const Extent& inside, const KEL& container, Format target) {
     // An index list is written as two arrays, each with a comment, so its values stand one level
     // deeper than those of other containers.
@@ -200,7 +201,7 @@ DocumentScan scanDocument(const Document& document, Format target, Losses* losse
 
 void refuseHugeOutput(const DocumentScan& scan, Format target, const std::string& inputName) {
     if (target == Format::binary) {
-        return; // which writes every value once
+        return; // binary writes every value once
     }
     const std::string what = inputName + ": as " + nameOf(target) + " the output would exceed ";
     if (scan.values > DocumentScan::mostValues) {

@@ -10,7 +10,7 @@ namespace kel::tool {
 
 namespace {
 
-/// The number that the text reader makes of an optional sign, digits, a point and digits.
+/// Returns the number that the text reader makes of an optional sign, digits, a point and digits.
 double asReadFromText(std::string_view text) {
     const bool isNegative = text.starts_with('-');
     if (isNegative) {
@@ -34,7 +34,7 @@ double asReadFromText(std::string_view text) {
 
 bool isCarriedByText(double value) {
     if (!(std::fabs(value) < 4294967296.0)) {
-        return false; // also infinities and what is not a number
+        return false; // also infinities and not-a-number
     }
     char text[32];
     const std::to_chars_result end =

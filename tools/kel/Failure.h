@@ -1,5 +1,5 @@
 /// \file
-/// Failure: why the tool stops, and the exit status that says so.
+/// Failure: the reason why the tool stops, and the exit status for it.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ enum class Trouble {
     unwritten   ///< an output could not be written
 };
 
-/// The exit status of the process for a trouble: 1 to 4.
+/// Returns the exit status of the process for a trouble: 1 to 4.
 constexpr int exitStatus(Trouble trouble) {
     switch (trouble) {
     case Trouble::refused:
@@ -31,7 +31,7 @@ constexpr int exitStatus(Trouble trouble) {
     return 4;
 }
 
-/// Thrown by value by everything in the tool that cannot go on.
+/// Thrown by value when the tool cannot continue.
 struct Failure {
     Trouble trouble;
     /// The text to print after "kel: "; empty if everything has been printed already.

@@ -22,7 +22,7 @@ bool isWordCharacter(char c) {
     return isLetter(c) || isDigit(c) || c == '_' || c == '.';
 }
 
-/// The word or number that starts at begin.
+/// Returns the word or number that starts at begin.
 std::string_view wordAt(std::string_view content, size_t begin) {
     size_t end = begin;
     while (end < content.size() &&
@@ -32,8 +32,8 @@ std::string_view wordAt(std::string_view content, size_t begin) {
     return content.substr(begin, end - begin);
 }
 
-/// The place after the closing quote, or nothing where a quoted text holds a line end, which JSON
-/// forbids. An open quote at the end of the content leads to the end.
+/// Returns the place after the closing quote, or nothing if a quoted text holds a line end, which
+/// JSON forbids. If the quote is still open at the end of the content, returns the end.
 std::optional<size_t> behindQuoted(std::string_view content, size_t openingQuote) {
     size_t at = openingQuote + 1;
     while (at < content.size() && content[at] != '"') {

@@ -10,18 +10,19 @@ namespace kel::tool {
 
 enum class Format { text, binary, json };
 
-/// "text", "binary" or "json".
+/// Returns "text", "binary" or "json".
 const char* nameOf(Format format);
 
-/// The format of the file name's extension: .kel, .kelb or .json; nothing for any other.
+/// Returns the format of the file name's extension (.kel, .kelb or .json), or nothing for any
+/// other.
 std::optional<Format> formatOfName(std::string_view fileName);
 
-/// The format that the content shows beyond doubt: binary by its first bytes, JSON by a colon or
-/// comma outside quotes, text by whatever of its own marks comes first. Nothing for content that
-/// both JSON and text could be, such as `[]`.
+/// Returns the format that the content certainly has: binary by its first bytes, JSON by a colon or
+/// comma outside quotes, text by one of its own marks, whichever comes first. Returns nothing for
+/// content that can be both JSON and text, such as `[]`.
 std::optional<Format> formatOfContent(std::string_view content);
 
-/// The format of an input: by its content, else by its name, else text.
+/// Returns the format of an input: by its content, otherwise by its name, otherwise text.
 Format recogniseFormat(std::string_view content, std::string_view fileName);
 
 } // namespace kel::tool

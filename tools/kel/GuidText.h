@@ -1,5 +1,5 @@
 /// \file
-/// GUIDs in their text layout.
+/// Converts between GUIDs and their text layout.
 #pragma once
 
 #include <kel/JHashCode.h>
@@ -9,10 +9,11 @@
 
 namespace kel::tool {
 
-/// The GUID that the text spells: 8-4-4-4-12 hexadecimal digits in either case and nothing else.
+/// Returns the GUID that the text spells: 8-4-4-4-12 hexadecimal digits in either case and nothing
+/// else. Returns nothing for any other text.
 std::optional<JHashCode> guidOfText(std::string_view text);
 
-/// The 36 characters of the GUID.
+/// Returns the 36 characters of the GUID.
 std::string textOfGuid(const JHashCode& guid);
 
 } // namespace kel::tool

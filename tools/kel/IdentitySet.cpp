@@ -13,7 +13,7 @@ JHashCode identityOf(const KEL& value) {
     return value.getHashCode(identity);
 }
 
-/// 256 bits that nobody can foretell, drawn as the library draws the identities of new values.
+/// Returns 256 unpredictable bits, drawn as the library draws the identities of new values.
 std::array<uint64_t, 4> drawKey() {
     std::array<uint64_t, 4> key{};
     for (size_t i = 0; i < key.size(); i += 2) {
@@ -45,14 +45,14 @@ bool IdentitySet::insert(const KEL& value) {
     return slot.value == &value;
 }
 
-/// The sum of products with unknown factors: its upper half makes any two identities collide about
-/// as rarely as random numbers do.
+/// Returns the sum of products with unknown factors. Its upper half makes any two identities
+/// collide about as rarely as random numbers do.
 uint64_t IdentitySet::hashOf(const JHashCode& identity) const {
     return identity.w0 * key_[0] + identity.w1 * key_[1] + identity.w2 * key_[2] +
            identity.w3 * key_[3];
 }
 
-/// The slot of the value with this identity, or the free one where it belongs.
+/// Returns the slot of the value with this identity, or the free one where it belongs.
 IdentitySet::Slot& IdentitySet::slotOf(uint64_t hash, const JHashCode& identity) {
     size_t at = firstPlaceOf(hash);
     while (slots_[at].value != nullptr &&

@@ -9,14 +9,14 @@
 
 namespace kel::tool {
 
-/// Finds values whose identity another value has already. An open hash table, because it gets every
-/// value of a document. Files choose identities, so the hash has a key that no file can know.
+/// Finds values whose identity another value already has. It is an open hash table, because it gets
+/// every value of a document. Files choose identities, so the hash has a key that no file can know.
 class IdentitySet {
 public:
     IdentitySet();
 
-    /// Adds the value, which has to stay alive. \return false if another value with its identity
-    /// was added before; the zero identity does not count as one
+    /// Adds the value, which must stay alive. \return false if another value with its identity was
+    /// added before; the zero identity never counts as added
     bool insert(const KEL& value);
 
 private:
@@ -34,7 +34,7 @@ private:
     void grow();
 
     std::array<uint64_t, 4> key_;
-    std::vector<Slot> slots_; ///< a power of two of them, at most half of them used
+    std::vector<Slot> slots_; ///< their number is a power of two, and at most half of them are used
     size_t count_ = 0;
 };
 

@@ -1,5 +1,5 @@
 /// \file
-/// Reading a whole input.
+/// Reads a whole input.
 #pragma once
 
 #include "Document.h"
@@ -11,7 +11,7 @@
 
 namespace kel::tool {
 
-/// All bytes of the named file, of stdin for "-".
+/// Returns all bytes of the named file, or of stdin for "-".
 /// \throws Failure unreadable, "NAME: the system's reason"
 std::string readBytes(const std::string& name);
 
@@ -19,15 +19,16 @@ std::string readBytes(const std::string& name);
 struct Input {
     Format format;
     Document document;
-    /// Whether there may be checked structs and descriptors, which text alone has a form for.
+    /// Whether there may be checked structs and descriptors, for which only text has a form.
     bool mayHoldDescriptors = false;
 };
 
-/// Reads the root values of the named file, of stdin for "-".
-/// \param from the format to take it for; by its content, else by its name when there is none
-/// \param target the format that the values go to, if there is one
-/// \param losses gets what is lost in reading: what values or the target cannot carry of JSON, and
-///        the repeated names of binary
+/// Reads the root values of the named file, or of stdin for "-".
+/// \param from the format to assume; if there is none, the format is found by the content, then by
+///        the name
+/// \param target the format that the values will be written in, if there is one
+/// \param losses gets the losses in reading: parts of JSON that values or the target cannot carry,
+///        and the repeated names of binary
 /// \throws Failure unreadable or malformed
 Input readInput(const std::string& name, std::optional<Format> from, std::optional<Format> target,
                 Losses& losses);

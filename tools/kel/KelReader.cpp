@@ -18,9 +18,9 @@ JHashCode identityOf(const KEL& value) {
     return value.getHashCode(identity);
 }
 
-/// A root value that is appended to the content of every input. A stream says "end of input" both
-/// after the last value and in the middle of one; having read the mark last distinguishes them. The
-/// mark is known by its identity, which is drawn afresh.
+/// A root value that is appended to the content of every input. A stream reports "end of input"
+/// both after the last value and in the middle of one. If the mark was read last, the input is
+/// whole. The mark is recognised by its identity, which is drawn afresh.
 class EndMark {
 public:
     EndMark() : value_(made(CreateKELString("end of input"))) {}
@@ -36,7 +36,8 @@ public:
             return written;
         }
         // The blank keeps a carriage return at the end of the content from becoming half a line
-        // end. An identity there that waits for its value cannot take the mark for it.
+        // end. The mark's identity keeps the mark from becoming the value of an identity at that
+        // end.
         return " \n" + textOfGuid(identityOf(*value_)) + " = " + written;
     }
 
@@ -48,11 +49,11 @@ private:
     Value value_;
 };
 
-/// How the reading of a stream ended.
+/// The way in which the reading of a stream ended.
 struct Ending {
     bool isEndOfInput = false;
-    std::string message; ///< of what the library threw
-    long offset = 0;     ///< of the first byte that was not used
+    std::string message; ///< the message of the library's exception
+    long offset = 0;     ///< of the first byte not consumed
 };
 
 /// An input stream of the library over bytes in memory.
@@ -86,8 +87,8 @@ private:
     KELInputStream* stream_ = nullptr;
 };
 
-/// Reads root values until the library throws, which it does at the end at the latest.
-/// \throws std::bad_alloc when memory ran out, which says nothing about the content
+/// Reads root values until the library throws, which happens at the end at the latest.
+/// \throws std::bad_alloc if memory ran out, which says nothing about the content
 Ending readUntilFailure(std::string_view content, Format format, std::vector<Value>& roots) {
     ValueReader reader(content, format);
     Ending ending;
@@ -115,8 +116,8 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
     return ending;
 }
 
-/// The line that a message of the text reader ends with, cut off from it together with its lead;
-/// nothing for other messages.
+/// Cuts off the line that a message of the text reader ends with, and the lead of the message.
+/// Returns the line, or nothing for other messages.
 std::optional<std::string> takeLine(std::string& message) {
     constexpr std::string_view lead = "Error reading KEL - ";
     constexpr std::string_view beforeLine = " at line:";
@@ -138,7 +139,7 @@ std::string textFailure(std::string message, std::string_view content) {
         return *line + ": " + message;
     }
     // Only a quoted word without an end, which reaches to the end of the input, is reported without
-    // a line: content in memory has no medium that could fail.
+    // a line. Content in memory has no medium that could fail.
     const std::string_view body = content.substr(0, content.find_last_not_of('\n') + 1);
     return std::to_string(std::count(body.begin(), body.end(), '\n') + 1) + ": " + message;
 }
@@ -156,13 +157,13 @@ Document readKel(std::string content, Format format, const std::string& inputNam
         if (isWhole) {
             roots.pop_back();
         }
-        // The document has to own the values in every case: it alone can release cycles.
+        // The document must own the values in every case: only the document can release cycles.
         Document document(std::move(roots), format == Format::binary);
         if (isWhole && !document.roots().empty()) {
             return document;
         }
     }
-    // Read again without the mark, which may have changed what the library says is wrong.
+    // Read again without the mark, which may have changed the library's message.
     content.resize(size);
     std::vector<Value> roots;
     const Ending ending = readUntilFailure(content, format, roots);

@@ -9,7 +9,7 @@ namespace kel::tool {
 
 namespace {
 
-/// Runs the action and turns what the library throws into a Failure. The system's own reason, if
+/// Runs the action and turns exceptions of the library into a Failure. The system's own reason, if
 /// there is one, helps a user more than the name of the library's operation.
 template <class Action> void translated(const Action& action) {
     errno = 0;

@@ -1,5 +1,5 @@
 /// \file
-/// Writing values as text and binary.
+/// Writes values as text and binary.
 #pragma once
 
 #include "Document.h"
@@ -11,15 +11,15 @@
 namespace kel::tool {
 
 /// The library's text or binary writer over an open file, which it flushes but does not close.
-/// Every failure becomes a Failure of the kind unwritten whose message is the reason alone.
+/// Every error becomes a Failure of the kind unwritten whose message is the reason alone.
 class ValueWriter {
 public:
     /// \param format text or binary
     ValueWriter(Format format, std::FILE* file);
     ValueWriter(const ValueWriter&) = delete;
     ValueWriter& operator=(const ValueWriter&) = delete;
-    /// Ends the stream; a writer that was not closed has failed already, so a failure to flush adds
-    /// nothing and is not reported again.
+    /// Ends the stream. A writer that was not closed has failed already, so a failure to flush is
+    /// not reported again.
     ~ValueWriter();
 
     /// Writes one root value. Null is written as the word NULL in text; binary has no form for it.

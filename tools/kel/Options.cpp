@@ -10,7 +10,7 @@ namespace kel::tool {
 
 namespace {
 
-/// The format of a name that the command line has been checked for; nothing for an empty one.
+/// Returns the format of a name that has been checked already, or nothing for an empty name.
 std::optional<Format> formatCalled(const std::string& name) {
     for (const Format format : {Format::text, Format::binary, Format::json}) {
         if (name == nameOf(format)) {

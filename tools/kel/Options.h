@@ -1,5 +1,5 @@
 /// \file
-/// Options: what the command line asks for.
+/// Options: the requests of the command line.
 #pragma once
 
 #include "Format.h"
@@ -22,7 +22,7 @@ struct Options {
     bool isForced = false;
 };
 
-/// A text to print instead of doing anything: help or version.
+/// A text to print instead of running a command: help or version.
 using Answer = std::string;
 
 /// Reads the arguments of the command line, which begin with the name of the program.

@@ -1,5 +1,5 @@
 /// \file
-/// PathText: the way from a root value to one inside it, for people: `statuses[3].id`.
+/// PathText: the path from a root value to one inside it, for people: `statuses[3].id`.
 #pragma once
 
 #include <cstddef>
@@ -9,31 +9,32 @@
 
 namespace kel::tool {
 
-/// Builds the text of a path step by step. Names of letters, digits, "_" and "@" stand bare after a
-/// dot, all others as `["..."]` with escapes, so a path is always one line of printable text.
+/// Builds the text of a path step by step. Names of letters, digits, "_" and "@" are written bare
+/// after a dot, all others as `["..."]` with escapes. So a path is always one line of printable
+/// text.
 class PathText {
 public:
-    /// A longer path loses its middle: of a deeply nested value it would fill the screen, and its
-    /// two ends are enough.
+    /// The greatest length. A longer path loses its middle: the path of a deeply nested value would
+    /// fill the screen, and its two ends are enough.
     static constexpr size_t longest = 160;
 
-    /// Into the element of an array.
+    /// Adds the step to an element of an array.
     void addIndex(uint64_t index);
-    /// Into the member of a struct.
+    /// Adds the step to a member of a struct.
     void addName(std::string_view name);
-    /// Into the element of a manager, named by its identity in GUID layout.
+    /// Adds the step to an element of a manager, named by its identity in GUID layout.
     void addIdentity(std::string_view guid);
 
-    /// The path; "(the value itself)" without any step. What is longer than longest loses its
-    /// middle.
+    /// Returns the path, or "(the value itself)" if there are no steps. A path longer than longest
+    /// loses its middle.
     std::string take() const;
 
 private:
     std::string text_;
 };
 
-/// The text in a form that no terminal stumbles over: control characters as \u00HH, bytes that are
-/// no UTF-8 as \xHH.
+/// Returns the text in a form that is safe for every terminal: control characters as \u00HH, and
+/// bytes that are not valid UTF-8 as \xHH.
 std::string withoutControls(std::string_view text);
 
 } // namespace kel::tool

@@ -42,8 +42,8 @@ Value structOfVariables(const KEL_Struct& variables) {
     return made;
 }
 
-/// The same contents under a fresh identity. A container is emptied: it has no place any more, and
-/// one that contains itself would otherwise never be freed.
+/// Returns the same contents under a fresh identity. A container is emptied: it is no longer used,
+/// and one that contains itself would otherwise never be freed.
 Value renewed(KEL& value) {
     if (auto* array = dynamic_cast<KEL_Array*>(&value)) {
         KEL_Array* copy = CreateKELArray();
@@ -64,7 +64,7 @@ Value renewed(KEL& value) {
 
 } // namespace
 
-/// The replacement of a value; null if the value can stay.
+/// Returns the replacement of a value, or null if the value can stay.
 Value PlainData::plainFormOf(KEL& value) const {
     switch (kindOf(value).kind) {
     case KELKind_Manager:

@@ -1,5 +1,5 @@
 /// \file
-/// PlainData: what takes the place of values that binary and JSON have no form for.
+/// PlainData: the replacements of values that binary and JSON have no form for.
 #pragma once
 
 #include "Format.h"
@@ -19,18 +19,18 @@ namespace kel::tool {
 /// - for binary a guid for a String, and one of the given namesakes for a value of a fresh identity
 ///   with the same contents
 ///
-/// A replacement holds the values inside as they are. A value that sits in several places
-/// becomes one and the same value in all of them.
+/// A replacement holds the inner values unchanged. A value in several places becomes one and the
+/// same value in all of them.
 class PlainData {
 public:
     PlainData(Format target, const std::unordered_set<const KEL*>& namesakes)
         : target_(target), namesakes_(namesakes) {}
 
-    /// True if the value has to be replaced; sets the replacement.
+    /// Returns whether the value has to be replaced, and sets the replacement.
     bool exchange(KEL& value, Value& replacement);
 
 private:
-    /// The original stays referred to, so that no other value takes its address meanwhile.
+    /// The original is kept alive, so that no other value gets its address in the meantime.
     struct Exchange {
         Value original;
         Value plain;

@@ -20,12 +20,12 @@ constexpr size_t referenceSize = 24;
 constexpr size_t prefixSize = 34;
 constexpr uint64_t backReference = 0x7FFFFFFF;
 
-/// A container whose elements are being looked at.
+/// A container whose elements are being visited.
 struct Level {
     bool isStruct;
     size_t end;
     uint64_t count;                   ///< of the elements so far
-    std::string_view name;            ///< of the variable in hand
+    std::string_view name;            ///< of the current variable
     std::set<std::string_view> names; ///< of the variables so far
 };
 
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// Goes past one record, or into it if it is a container's. False at the end.
+    /// Passes one record, or enters it if it is a container's. Returns false at the end.
     bool next() {
         while (!levels_.empty() && at_ == levels_.back().end) {
             levels_.pop_back();
@@ -76,7 +76,7 @@ private:
         return true;
     }
 
-    /// Reads the name before a struct's element. Returns false if it has no end.
+    /// Reads the name before a struct's element. Returns false if the name has no end.
     bool beginElement(Level& level) {
         ++level.count;
         if (!level.isStruct) {
@@ -107,7 +107,7 @@ private:
         return path.take();
     }
 
-    /// Little-endian bytes as a number.
+    /// Returns little-endian bytes as a number.
     uint64_t number(size_t from, size_t bytes) const {
         uint64_t value = 0;
         for (size_t i = bytes; i > 0; --i) {

@@ -1,5 +1,5 @@
 /// \file
-/// Names that stand more than once in a struct of a binary file.
+/// Finds names that occur more than once in a struct of a binary file.
 #pragma once
 
 #include "Losses.h"
@@ -8,8 +8,8 @@
 
 namespace kel::tool {
 
-/// Adds a loss for every variable of a binary file whose name its struct has already. Reading
-/// keeps the last of such variables, so the values do not show that there were others. Looks at
+/// Adds a loss for every variable of a binary file whose name its struct has already. Reading keeps
+/// only the last of such variables, so the values do not show that there were others. Examines
 /// content only as far as it consists of sound records.
 void findRepeatedNames(std::string_view content, Losses& losses);
 

@@ -12,7 +12,7 @@ namespace kel::tool {
 
 namespace {
 
-/// For text: changes the value itself, or returns true and sets what takes its place.
+/// For text: changes the value itself, or returns true and sets its replacement.
 bool replaceForText(KEL& value, Value& replacement) {
     replacement = nullptr;
     if (value.getType() == KELKind_String) {

@@ -1,5 +1,5 @@
 /// \file
-/// Making a document representable in a format that cannot carry all of it.
+/// Makes a document representable in a format that cannot carry all of it.
 #pragma once
 
 #include "Document.h"

@@ -129,7 +129,7 @@ const char* TreeCursor::name() const {
 }
 
 std::string TreeCursor::path() const {
-    // Every step has a character at least, so only so many at the two ends can be shown.
+    // Every step has at least one character, so at most this many steps can be shown at each end.
     constexpr size_t shownSteps = PathText::longest;
     PathText path;
     for (size_t i = 0; i < depth_; ++i) {

@@ -10,11 +10,10 @@
 
 namespace kel::tool {
 
-/// Walks a tree with a stack of its own, however deep it is. Every value is visited as often as the
-/// tree holds it; whoever walks trees in which values are shared or contain themselves has to skip
-/// what was visited before. The values in an index list are its keys and items, pair by pair; the
-/// two arrays that hold them are not visited. The tree belongs to somebody else, who keeps it
-/// alive.
+/// Walks a tree of any depth with a stack of its own. Every value is visited as often as the tree
+/// holds it. If values are shared or contain themselves, the caller must skip those visited before.
+/// The values in an index list are its keys and items, pair by pair; the two arrays that hold them
+/// are not visited. The cursor does not own the tree; the caller must keep it alive.
 class TreeCursor {
 public:
     enum class Event {
@@ -31,28 +30,28 @@ public:
     explicit TreeCursor(KEL* root, Descriptors descriptors = Descriptors::visited)
         : root_(root), descriptors_(descriptors) {}
 
-    /// Moves on.
+    /// Moves to the next event.
     Event next();
 
-    /// Right after enter: passes over the container's values; no leave follows for it.
+    /// Passes over a container's values, right after enter. No leave follows for the container.
     void skip() { stack_.pop_back(); }
 
-    /// The value of the last event; null for a place without one.
+    /// Returns the value of the last event, or null for a place without a value.
     KEL* value() const { return value_; }
 
-    /// The number of containers around the value.
+    /// Returns the number of containers around the value.
     size_t depth() const { return depth_; }
 
-    /// The container around the value; null for the root.
+    /// Returns the container around the value, or null for the root.
     KEL* container() const { return depth_ == 0 ? nullptr : stack_[depth_ - 1].container; }
 
-    /// The value's name in the struct around it, valid until next; null elsewhere.
+    /// Returns the value's name in the struct around it, valid until next. Returns null elsewhere.
     const char* name() const;
 
-    /// True for the first value of its container.
+    /// Returns whether the value is the first one of its container.
     bool isFirst() const { return depth_ == 0 || stack_[depth_ - 1].next == 1; }
 
-    /// The way from the root to the value.
+    /// Returns the path from the root to the value.
     std::string path() const;
 
 private:

@@ -6,8 +6,8 @@ namespace kel::tool {
 
 namespace {
 
-/// Length of a sequence and the range of its second byte, by its first byte; length 0 for bytes
-/// that begin none.
+/// The length of a sequence and the range of its second byte, by its first byte. The length is 0
+/// for bytes that cannot begin a sequence.
 struct Lead {
     size_t length;
     unsigned char secondLow;

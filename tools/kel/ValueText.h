@@ -1,5 +1,5 @@
 /// \file
-/// A value in a few words, for messages.
+/// Describes a value in a few words, for messages.
 #pragma once
 
 #include <kel/KEL.h>
@@ -7,11 +7,11 @@
 
 namespace kel::tool {
 
-/// The value on one line of printable text: numbers in their shortest exact form, strings in
-/// quotes and cut off when they are long, of containers only what they are.
+/// Returns the value on one line of printable text: numbers in their shortest exact form, strings
+/// in quotes and cut off if they are long, and all other values as the name of their kind.
 std::string wordsFor(const KEL* value);
 
-/// The double in its shortest exact form.
+/// Returns the double in its shortest exact form.
 std::string wordsFor(double value);
 
 } // namespace kel::tool

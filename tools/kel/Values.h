@@ -19,7 +19,7 @@ struct ValueDeleter {
 /// Owns one reference to a value, or none.
 using Value = std::unique_ptr<KEL, ValueDeleter>;
 
-/// Takes over what a factory of the library returned.
+/// Takes ownership of the result of one of the library's factories.
 /// \throws std::bad_alloc for null, which factories return when out of memory
 inline Value made(KEL* value) {
     if (value == nullptr) {
@@ -28,7 +28,7 @@ inline Value made(KEL* value) {
     return Value(value);
 }
 
-/// A reference of one's own to a value that somebody else holds; null for null.
+/// Returns a new reference to a value that somebody else holds, or null for null.
 inline Value share(KEL* value) {
     if (value != nullptr) {
         value->addRef();
@@ -44,7 +44,7 @@ struct NamesDeleter {
 /// Owns a list of names.
 using Names = std::unique_ptr<StringEnumeration, NamesDeleter>;
 
-/// The facts about the value's kind.
+/// Returns the facts about the value's kind.
 /// \throws Failure malformed for a kind that a newer library knows and this tool does not
 inline const KELKindFacts& kindOf(const KEL& value) {
     const int32_t code = value.getType();
@@ -58,14 +58,14 @@ inline const KELKindFacts& kindOf(const KEL& value) {
 /// The name under which a checked struct holds its descriptor.
 constexpr const char* descriptorName = "@desc";
 
-/// True for the kinds that only text has a form for: managers, index lists, checked structs and
-/// descriptors.
+/// Returns whether only text has a form for the value's kind: managers, index lists, checked
+/// structs and descriptors.
 inline bool isTextOnly(const KEL& value) {
     const KELKindFacts& facts = kindOf(value);
     return facts.hasTextForm && !facts.hasBinaryForm && !facts.hasJsonForm;
 }
 
-/// The struct's variable, borrowed; null when it holds no value. The name has to exist.
+/// Returns the struct's variable, borrowed, or null if it holds no value. The name must exist.
 inline KEL* memberOf(const KEL_Struct& structure, const char* name) {
     return structure.getVar(name);
 }

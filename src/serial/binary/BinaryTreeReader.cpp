@@ -52,8 +52,8 @@ KEL_Impl* BinaryTreeReader::read() {
     return root.detach();
 }
 
-/// Makes the half-read containers unreachable, and those that refer to them. Nobody else has them,
-/// so they are emptied: some may hold themselves.
+/// Makes the half-read containers and those that refer to them unreachable. Nobody else holds them.
+/// They are emptied, because some may hold themselves.
 void BinaryTreeReader::forgetIncomplete(uint32_t start) noexcept {
     for (uint32_t number = known_.size(); number-- > start;) {
         KEL_Impl* value = known_.at(number);
@@ -141,14 +141,14 @@ BinaryTreeReader::Prefix BinaryTreeReader::readPrefix(int64_t end) {
     require(left() >= binary::versionSize + binary::lengthSize);
     const int16_t version = binary::decodeVersion(take(binary::versionSize, binary::noVersion));
     prefix.length = binary::decodeLength(take(binary::lengthSize, binary::noLength));
-    // Nothing is around a root that its length could exceed.
+    // A root has no container around it that its length could exceed.
     require(version == binary::version && (levels_.empty() || prefix.length <= left()));
     prefix.length = std::min(prefix.length, left());
     return prefix;
 }
 
-/// Reads a string and compares it with the magic. The end of the input ends a string like a NUL,
-/// once it has begun.
+/// Reads a string and compares it with the magic. Once the string has begun, the end of the input
+/// ends it like a NUL.
 void BinaryTreeReader::readMagic() {
     if (input_.available() >= sizeof binary::magic &&
         std::memcmp(input_.begin(), binary::magic, sizeof binary::magic) == 0) {
@@ -162,12 +162,13 @@ void BinaryTreeReader::readMagic() {
     bool isMagic = true;
     for (int32_t c = input_.next(); c > 0; c = input_.next()) {
         isMagic =
-            isMagic && c == binary::magic[length++]; // stops counting at the NUL at the latest
+            isMagic && c == binary::magic[length++]; // stops counting no later than at the NUL
     }
     require(isMagic && length == sizeof binary::magic - 1);
 }
 
-/// The next count bytes, used, in the window until something else is read. Of too few all are used.
+/// Consumes the next count bytes, which stay in the window until something else is read. If there
+/// are fewer, all of them are consumed.
 /// \throws JEOFException with the message when there are too few
 const uint8_t* BinaryTreeReader::take(std::size_t count, const char* missing) {
     if (!input_.ensure(count)) {
@@ -197,7 +198,7 @@ KEL_Impl* BinaryTreeReader::readValue(const Prefix& prefix) {
             prefix.identity, binary::decodeBoolean(take(binary::booleanLength, binary::noBoolean)));
     case KELKind_Double:
         require(prefix.length == binary::doubleLength);
-        // Not as the result of a function: see KEL_Impl::toDoubleBits.
+        // The value is not the result of a function: see KEL_Impl::toDoubleBits.
         return new KEL_Double_Impl(prefix.identity, std::bit_cast<double>(binary::decodeDouble(take(
                                                         binary::doubleLength, binary::noDouble))));
     case KELKind_String:
@@ -220,8 +221,8 @@ KEL_Impl* BinaryTreeReader::readValue(const Prefix& prefix) {
     refuseHeader();
 }
 
-/// Makes sure that the window holds a payload. It is used when its value is made, so a host that
-/// goes on after "Out of memory!" finds the input before it.
+/// Makes sure that the window holds a payload. The payload is consumed only when its value is made,
+/// so after "Out of memory!" a host can read on from the position before it.
 void BinaryTreeReader::fetchPayload(uint64_t length) {
     if (length > greatestLength) {
         require(levels_.empty());
@@ -282,7 +283,7 @@ void BinaryTreeReader::readName(int64_t end) {
         more = length == std::string_view::npos;
         name_.append(text.substr(0, length));
         input_.skip(more ? part : length + 1);
-        require(!more || part < room); // the payload ends inside the name
+        require(!more || part < room); // the payload must not end inside the name
     }
     require(!name_.empty());
     KEL_Struct_Impl::refuseQuote(name_);

@@ -10,15 +10,15 @@
 
 namespace kel {
 
-/// Decodes one record and all inside it, with a stack of its own instead of recursion. No length is
-/// believed: it must lie within the container around it, and memory grows by what was really read.
-/// The rules of the format stand in docs/binary-format.md.
+/// Decodes one record and everything inside it, with a stack of its own instead of recursion. No
+/// length is trusted: it must lie within the container around it, and memory grows only with the
+/// bytes actually read. docs/binary-format.md describes the rules of the format.
 ///
-/// A container that refers to one around it is complete only when that one is. Until then its mark
-/// is set (KEL_Impl::setOnPath), and a failed read forgets it.
+/// A container that refers to one around it is complete only when the outer one is. Until then its
+/// mark is set (KEL_Impl::setOnPath), and a failed read forgets it.
 class BinaryTreeReader {
 public:
-    /// Reads from the window. known gives the values of references and learns the new ones;
+    /// Reads from the window. known supplies the values of references and remembers the new ones;
     /// holdsLoops becomes true when a value that contains itself was read.
     BinaryTreeReader(BufferedInput& input, ValueTable& known, bool& holdsLoops)
         : input_(input), known_(known), holdsLoops_(holdsLoops) {}
@@ -45,10 +45,10 @@ private:
         int64_t end;           ///< where its payload ends
         uint32_t start;        ///< the values inside have this number or a greater one
         uint32_t lowest;       ///< the lowest number of an incomplete container referred to inside
-        std::size_t dependent; ///< where the containers in dependents_ begin that are inside
+        std::size_t dependent; ///< where the containers inside begin in dependents_
     };
 
-    /// Who may be null: a struct's variable only.
+    /// The place of a value. Only a struct's variable can be null.
     enum class Place { plain, variable };
 
     void next();

@@ -28,15 +28,15 @@ void BinaryTreeWriter::writeReference(const JHashCode& identity) {
     out_.commit(binary::referenceSize);
 }
 
-/// Remembers that the value is being written. False if it was written before.
+/// Remembers that the value is being written. Returns false if it was written before.
 bool BinaryTreeWriter::enter(const KEL_Impl& value) {
     if (value.isIdentityGiven()) {
         written_.askAlways();
     }
     if (value.identity().isZero()) {
-        return true; // stands for "no value" in references, so such a value never is one
+        return true; // means "no value" in references, so such a value is never referred to
     }
-    // A root's one holder may be inside it.
+    // The only holder of a root can be inside the root.
     const bool canComeAgain = value.isShared() || levels_.empty() || value.isOnPath();
     incomplete_ = written_.insert(value.identity(), !canComeAgain);
     return incomplete_ != IdentityIndex::none;
@@ -48,7 +48,7 @@ void BinaryTreeWriter::writeRecord(const KEL_Impl& value) {
         return;
     }
     const KELKind kind = value.kind();
-    // Room for a whole scalar record; what is not committed does not count.
+    // Reserve enough for a whole scalar record; only committed bytes count.
     uint8_t* record = out_.reserve(binary::prefixSize + binary::doubleLength);
     binary::encodeHead(record, value.identity(), kind);
     binary::encodeVersion(record, static_cast<int16_t>(value.getVersion()));
@@ -103,7 +103,7 @@ void BinaryTreeWriter::writePayload(const KEL_Impl& value, KELKind kind, uint8_t
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
-        out_.commit(binary::lengthOffset); // what precedes the length stays, as the rest does
+        out_.commit(binary::lengthOffset); // the fields before the length remain, like the rest
         throw new KELIOException_Impl();
     }
 }

@@ -10,36 +10,36 @@
 
 namespace kel {
 
-/// Encodes one value and all below it, with a stack of its own instead of recursion. The rules of
-/// the format stand in docs/binary-format.md.
+/// Encodes one value and everything below it, with a stack of its own instead of recursion.
+/// docs/binary-format.md describes the rules of the format.
 class BinaryTreeWriter {
 public:
-    /// Appends to out. written knows which values were written before and learns the new ones.
-    /// While nothing with a given identity was written, a value that is not shared cannot have been
-    /// written before, and written is not searched.
+    /// Appends to out. written knows which values were written before and remembers the new ones.
+    /// As long as no value with a given identity was written, a value that is not shared cannot
+    /// have been written before, and written is not searched.
     BinaryTreeWriter(RecordBuffer& out, IdentitySet& written) : out_(out), written_(written) {}
 
     BinaryTreeWriter(const BinaryTreeWriter&) = delete;
     BinaryTreeWriter& operator=(const BinaryTreeWriter&) = delete;
 
-    /// A walk that was broken off leaves its marks nowhere: the values whose records are not
-    /// complete are forgotten.
+    /// Removes the marks of an interrupted walk and forgets the values whose records are not
+    /// complete.
     ~BinaryTreeWriter();
 
-    /// Encodes value. After a failure the buffer holds the record as far as it went, with zero for
-    /// the lengths that are not known.
+    /// Encodes value. After a failure the buffer holds the incomplete record, with zero for the
+    /// lengths that are not known.
     /// \throws KELIOException "General KEL exception." for a kind without a binary form
     /// \throws KELIOException "Cannot write a value that contains itself." for one that cannot be
     ///         referred to because its identity is all zero
     void write(const KEL_Impl& value);
 
 private:
-    /// A container whose length is still to come.
+    /// A container whose length is not yet known.
     struct Level {
         ChildCursor cursor;
         uint8_t* record;
         uint64_t contentsStart;
-        uint32_t number; ///< in the set of what was written
+        uint32_t number; ///< in the set of written values
     };
 
     bool enter(const KEL_Impl& value);

@@ -1,18 +1,19 @@
 /// \file
-/// IdentitySet: which values the binary writer has written.
+/// IdentitySet: the values that the binary writer has written.
 #pragma once
 
 #include "serial/IdentityIndex.h"
 
 namespace kel {
 
-/// Remembers the identities of the values that a stream has written, never the zero one. Most trees
-/// share nothing, so the set makes notes of values that cannot have been written before, and
-/// searches only for the others, until askAlways.
+/// Remembers the identities of the values that a stream has written, except the zero identity. Most
+/// trees share nothing. So the set only notes values that cannot have been written before, and
+/// searches for the others, until askAlways is called.
 class IdentitySet {
 public:
-    /// Enters an identity. `isNew` means that it cannot be there: then nobody searches for it.
-    /// \return its number, or IdentityIndex::none if it is there already
+    /// Enters an identity. `isNew` means that the set cannot contain it, so the set does not search
+    /// for it.
+    /// \return its number, or IdentityIndex::none if the set contains it already
     uint32_t insert(const JHashCode& identity, bool isNew) {
         const uint32_t number = index_.append(identity);
         if ((isNew && !asksAlways_) || index_.link(number) == number) {
@@ -22,7 +23,7 @@ public:
         return IdentityIndex::none;
     }
 
-    /// From now on every insert searches, and finds what was only noted before.
+    /// Makes every later insert search, and links everything that was only noted before.
     void askAlways() {
         if (!asksAlways_) {
             for (uint32_t number = 0; number < index_.size(); ++number) {
@@ -39,7 +40,7 @@ public:
         }
     }
 
-    /// How many identities were entered, to roll back to.
+    /// Returns how many identities were entered; rollBack takes this number.
     uint32_t size() const { return index_.size(); }
 
     /// Forgets the identities entered since the set had this size.

@@ -6,8 +6,8 @@
 #include "serial/ValueTable.h"
 #include "streams/BinaryDataInput.h"
 
-/// Reads values in the binary format (docs/binary-format.md) and remembers for its life which ones
-/// it has read, by identity, so that a reference yields the very same value.
+/// Reads values in the binary format (docs/binary-format.md). Throughout its life it remembers, by
+/// identity, the values that it has read, so a reference yields the very same value.
 class KELBinaryInputStream_Impl final : public KELBinaryInputStream, public KELInputStream_Impl {
 public:
     /// Shares the medium, which is not null.
@@ -15,8 +15,8 @@ public:
         : buffered_(new kel::BufferedInputStream(medium)),
           data_(JPointer<JInputStream>::share(buffered_.get()), 1) {}
 
-    /// Takes apart values that contain themselves and that nobody but this stream holds: replaced
-    /// ones, and those of failed reads.
+    /// Takes apart values that contain themselves and that only this stream holds: replaced values,
+    /// and those of failed reads.
     ~KELBinaryInputStream_Impl() override;
 
     // JDataInput

@@ -11,7 +11,7 @@ void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
         throw new KELNullPointerException_Impl();
     }
     if (written_.size() > 0) {
-        written_.askAlways(); // what was written once can come again
+        written_.askAlways(); // a value that was written once can occur again
     }
     kel::RecordBuffer records;
     const uint32_t before = written_.size();
@@ -19,7 +19,7 @@ void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
         try {
             withMediumErrors([&] { records.writeTo(sink()); });
         } catch (...) {
-            // Nobody knows what arrived, so nothing can refer to it later.
+            // It is unknown which bytes arrived, so nothing can refer to them later.
             written_.rollBack(before);
             throw;
         }
@@ -27,7 +27,7 @@ void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
     try {
         kel::BinaryTreeWriter(records, written_).write(*implementation);
     } catch (KELException_Impl* failure) {
-        // The records before a refusal, and the partial one, stay in the sink.
+        // The records before a refusal, and the partial record, remain in the sink.
         const JPointer<KELException_Impl> refused(failure);
         emit();
         failure->addRef();

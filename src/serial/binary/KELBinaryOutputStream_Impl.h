@@ -6,8 +6,8 @@
 #include "serial/binary/IdentitySet.h"
 #include "streams/BinaryDataOutput.h"
 
-/// Writes values in the binary format (docs/binary-format.md) and remembers for its life which
-/// ones it has written, by identity.
+/// Writes values in the binary format (docs/binary-format.md). Throughout its life it remembers the
+/// identities of the values that it has written.
 class KELBinaryOutputStream_Impl final : public KELBinaryOutputStream, public KELOutputStream_Impl {
 public:
     /// Shares the sink, which is not null and need not seek.

@@ -6,7 +6,7 @@
 namespace kel {
 
 void RecordBuffer::addChunk() {
-    // Not initialised: every byte is written before it counts.
+    // The bytes are not initialised: each one is written before it counts.
     chunks_.push_back({std::unique_ptr<uint8_t[]>(new uint8_t[chunkSize]), 0});
 }
 

@@ -10,14 +10,14 @@
 
 namespace kel {
 
-/// Collects records in chunks that never move, so that the place of a length stays valid until it
-/// is known. That is why a sink need not be able to seek.
+/// Collects records in chunks that never move, so that the place of a length remains valid until
+/// the length is known. A sink therefore need not be able to seek.
 class RecordBuffer {
 public:
-    /// Greatest run that reserve grants.
+    /// The largest count that reserve accepts.
     static constexpr std::size_t reserveLimit = 64;
 
-    /// Room for count bytes (at most reserveLimit) that lie together; commit makes them count.
+    /// Returns room for count contiguous bytes, at most reserveLimit. Only committed bytes count.
     uint8_t* reserve(std::size_t count) {
         if (chunks_.empty() || chunkSize - chunks_.back().used < count) {
             addChunk();
@@ -32,10 +32,10 @@ public:
     /// Appends count bytes.
     void append(const void* bytes, std::size_t count);
 
-    /// The number of bytes so far.
+    /// Returns the number of bytes so far.
     uint64_t total() const { return total_; }
 
-    /// Writes all bytes to the sink, as they are now.
+    /// Writes all bytes, as they are now, to the sink.
     /// \throws JIOException as the sink
     void writeTo(JOutputStream& sink) const;
 

@@ -45,7 +45,7 @@ inline constexpr std::size_t doubleLength = 8;
 
 // ---- The fields before a payload ---------------------------------------------------------------
 
-/// Writes the fields that every record has, to the record's beginning.
+/// Writes the fields that every record has to the beginning of the record.
 inline void encodeHead(uint8_t* record, const JHashCode& identity, int32_t kind) {
     std::memcpy(record, magic, sizeof magic);
     storeLittle128(record + identityOffset, identity);
@@ -90,7 +90,7 @@ inline bool decodeBoolean(const uint8_t* payload) {
     return *payload != 0;
 }
 
-/// A double as its bits: passed as a double, a signalling NaN could change on the way.
+/// Stores a double given as its bits: passed as a double, a signalling NaN could change.
 inline void encodeDouble(uint8_t* payload, uint64_t bits) {
     storeLittle64(payload, bits);
 }

@@ -17,8 +17,8 @@ int32_t holdersOf(KEL_Impl& value) {
     return value.release();
 }
 
-/// The containers of a table and below, each with the number of its holders that are not known:
-/// neither the table nor another of these containers.
+/// The containers of a table and below, each with the number of its unknown holders. Known holders
+/// are the table and the other containers.
 class Holders {
 public:
     explicit Holders(const ValueTable& table) {
@@ -28,7 +28,7 @@ public:
         }
     }
 
-    /// Leaves only containers that no unknown holder can reach, and visits them.
+    /// Visits the containers that no unknown holder can reach, and leaves out the others.
     template <class Visit> void forEachUnheld(const Visit& visit) {
         for (const auto& [value, unknown] : unknown_) {
             if (unknown > 0) {
@@ -81,19 +81,19 @@ private:
 } // namespace
 
 void takeApart(KEL_Impl& value) noexcept {
-    value.dropChildren(); // notifies nobody: no host can reach the value
+    value.dropChildren(); // notifies nobody, since no host can reach the value
 }
 
 void takeApartUnheldLoops(const ValueTable& table) noexcept {
     try {
-        std::vector<JPointer<KEL_Impl>> unheld; // kept until all are empty
+        std::vector<JPointer<KEL_Impl>> unheld; // keeps the values until all are empty
         Holders(table).forEachUnheld(
             [&](KEL_Impl& value) { unheld.push_back(JPointer<KEL_Impl>::share(&value)); });
         for (const JPointer<KEL_Impl>& value : unheld) {
             takeApart(*value);
         }
     } catch (const std::bad_alloc&) {
-        // They stay as they are, as values do that a host never takes apart.
+        // The values remain allocated, like values that a host never takes apart.
     }
 }
 

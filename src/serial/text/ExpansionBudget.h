@@ -1,5 +1,5 @@
 /// \file
-/// ExpansionBudget: how much the definitions of a stream can make.
+/// ExpansionBudget: the limit on what the definitions of a stream can make.
 #pragma once
 
 #include <algorithm>
@@ -8,11 +8,11 @@
 
 namespace kel {
 
-/// The remaining budget of uses of definitions. A few lines of definitions can stand for any number of
-/// values, so what they make is counted, in values as well as in text. The budget belongs to the
-/// stream, because a bound for each root value would be multiplied by the number of roots. It grows
-/// with the input, so that a long text or a stream without end uses definitions as freely as a
-/// short text.
+/// The remaining budget for uses of definitions. A few lines of definitions can stand for any
+/// number of values, so both the values and the text that they make are counted. The budget belongs
+/// to the stream, because a bound for each root value would be multiplied by the number of roots.
+/// It grows with the input, so that a long text or an endless stream can use definitions as freely
+/// as a short text.
 class ExpansionBudget {
 public:
     /// The budget of every stream.
@@ -27,8 +27,8 @@ public:
     /// Starts at a position of the stream.
     explicit ExpansionBudget(int64_t position) : position_(position) {}
 
-    /// Adds what the bytes from the last position to this one are worth. A step back is the host's
-    /// own wish to read again, so what every stream may spend is there again as well.
+    /// Adds the allowance for the bytes from the last position to this one. A step back means that
+    /// the host reads again, so the budget is then at least the initial one.
     void advanceTo(int64_t position) {
         if (position > position_) {
             left_ += (position - position_) * perByte;

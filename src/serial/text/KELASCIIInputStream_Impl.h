@@ -13,7 +13,7 @@ public:
     /// Shares the medium, which is not null.
     explicit KELASCIIInputStream_Impl(const JPointer<JInputStream>& medium) : source_(medium) {}
 
-    // JDataInput: each reads one number token and gives its low bits.
+    // JDataInput: each function reads one number token and returns its low bits.
     int32_t getByteOrder() const override { return byteOrder_; }
     void setByteOrder(int32_t order) override { byteOrder_ = order; }
     int8_t JRead8() override { return static_cast<int8_t>(JRead32()); }

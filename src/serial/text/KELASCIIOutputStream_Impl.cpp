@@ -34,7 +34,7 @@ void KELASCIIOutputStream_Impl::write(const KEL* value, int32_t indent, bool ind
 }
 
 void KELASCIIOutputStream_Impl::writeText(std::string_view text) {
-    // An empty text is a write too, and a long one takes more than one.
+    // An empty text is written too, and a long one takes several writes.
     do {
         const std::string_view piece = text.substr(0, INT32_MAX);
         JWrite(reinterpret_cast<const uint8_t*>(piece.data()), 0,

@@ -8,17 +8,17 @@ class KEL_Manager_Impl;
 
 namespace kel {
 
-/// Finds the place of an element by its identity in constant time, for whoever fills a large
-/// manager, which itself would search from its beginning for each.
+/// Finds the place of an element by its identity in constant time. Use it to fill a large manager,
+/// which itself would search from its beginning for each element.
 class ManagerIndex {
 public:
-    /// Enters the elements that are there.
+    /// Enters the elements that the manager already holds.
     explicit ManagerIndex(const KEL_Manager_Impl& manager);
 
-    /// Enters an element's identity with its place, which replaces the identity's former place.
+    /// Enters an element's identity with its place, replacing the former place of the identity.
     void enter(const JHashCode& identity, int32_t place);
 
-    /// The place of the element with this identity, -1 when there is none.
+    /// Returns the place of the element with this identity, or -1 if there is none.
     int32_t placeOf(const JHashCode& identity) const;
 
 private:

@@ -10,11 +10,11 @@
 
 namespace kel {
 
-/// Hands text to a sink in large pieces. Nothing is written at destruction: whoever fills the
-/// buffer flushes it, and hears of failures there.
+/// Writes text to a sink in large pieces. The destructor writes nothing: the user of the buffer
+/// calls flush, which reports failures.
 class OutputBuffer {
 public:
-    /// Greatest piece that reserve grants.
+    /// The largest count that reserve accepts.
     static constexpr std::size_t reserveLimit = 1024;
 
     explicit OutputBuffer(JOutputStream& sink) : sink_(sink) {}
@@ -49,7 +49,8 @@ public:
         used_ += count;
     }
 
-    /// Room for count characters, at most reserveLimit; commit states how many were stored there.
+    /// Returns room for count characters, at most reserveLimit. commit states how many were stored
+    /// there.
     char* reserve(std::size_t count) {
         if (count > capacity - used_) {
             flush();
@@ -58,8 +59,8 @@ public:
     }
     void commit(std::size_t count) { used_ += count; }
 
-    /// Hands all that was appended to the sink.
-    /// \throws JIOException as the sink; what could not be written is dropped
+    /// Writes everything that was appended to the sink.
+    /// \throws JIOException as the sink; the text that was not written is dropped
     void flush() {
         const auto count = static_cast<int32_t>(used_);
         used_ = 0;

@@ -14,7 +14,7 @@ template <class T> KEL_Impl* makeOnStruct(const JHashCode* own, const JHashCode&
     return own == nullptr ? new T() : new T(*own, inner);
 }
 
-/// How a value of the kind is made; null for kinds that are not written as structs.
+/// Returns the function that makes a value of the kind, or null for kinds not written as structs.
 StructHeader::Make makerOf(KELKind kind) {
     switch (kind) {
     case KELKind_Struct:

@@ -1,5 +1,5 @@
 /// \file
-/// StructHeader: what stands between a struct's brace and its first variable.
+/// StructHeader: the items between a struct's brace and its first variable.
 #pragma once
 
 #include "serial/text/TextSource.h"
@@ -12,22 +12,22 @@ class KEL_Impl;
 
 namespace kel {
 
-/// The header of a struct: its kind and its identity, if it gives one. Of an item that is repeated
-/// the last one counts.
+/// The header of a struct: its kind and, if given, its identity. If an item is repeated, the last
+/// one counts.
 class StructHeader {
 public:
-    /// Makes an empty value of a kind: without own with an identity of its own.
+    /// Makes an empty value of a kind. If own is null, the value draws its own identity.
     using Make = KEL_Impl* (*)(const JHashCode* own, const JHashCode& inner);
 
-    /// Reads the header items that follow the brace and leaves the input before anything else.
+    /// Reads the header items after the brace and leaves the input before anything else.
     /// \throws KELIOException for a syntax error, KELEOFException for an end, both with the line
     explicit StructHeader(TextSource& source);
 
-    /// The identity that the header gives.
+    /// Returns the identity that the header gives.
     const std::optional<JHashCode>& identity() const { return identity_; }
 
-    /// A new struct, or a value built on one; the caller owns it. A kind built on a struct has the
-    /// header's identity for its inner struct and the given one for itself. Where there is only
+    /// Makes a struct, or a value built on one; the caller owns it. A kind built on a struct has
+    /// the header's identity for its inner struct and the given one for itself. If there is only
     /// one of the two, it serves both.
     KEL_Impl* make(const std::optional<JHashCode>& given) const;
 

@@ -48,7 +48,7 @@ void TextTreeReader::next() {
         nextArray();
         break;
     case Shape::expansion:
-        readValue(); // a definition's text
+        readValue(); // the text of a definition
         break;
     }
 }
@@ -110,7 +110,7 @@ void TextTreeReader::readKey(int32_t type, std::string& key) {
         }
         return;
     }
-    // A number, or the beginning of a word, to the tokenizer can be part of a key.
+    // To the tokenizer, the beginning of a key can be a number or the beginning of a word.
     source_.unread();
     key = source_.tokens().readKeyRun();
     if (key.empty()) {
@@ -122,11 +122,11 @@ void TextTreeReader::readKey(int32_t type, std::string& key) {
 
 void TextTreeReader::readValue() {
     while (!beginValue(source_.skip())) {
-        // A definition stood before the value.
+        // A definition preceded the value.
     }
 }
 
-/// Reads a whole scalar or the beginning of a container. False if it was a definition instead.
+/// Reads a whole scalar or the beginning of a container. Returns false for a definition.
 bool TextTreeReader::beginValue(int32_t type) {
     const Token& token = source_.tokens().token();
     switch (type) {
@@ -147,7 +147,7 @@ bool TextTreeReader::beginValue(int32_t type) {
     }
 }
 
-/// True, with the input after it, if the number just read is the first group of a hash code.
+/// Returns whether the number just read is the first group of a hash code that continues.
 bool TextTreeReader::atHashCode() {
     constexpr std::size_t groupLength = 8;
     StreamTokenizer& tokens = source_.tokens();
@@ -163,7 +163,7 @@ void TextTreeReader::beginNumber() {
         const int64_t behind = input.position();
         source_.unread();
         JHashCode hashCode;
-        // Of a negative number, the dash is not a digit.
+        // The dash of a negative number is not a digit.
         if (input.peek() != '-' && source_.tokens().readHashCode(hashCode)) {
             beginAfterHashCode(hashCode);
             return;
@@ -199,8 +199,8 @@ void TextTreeReader::beginWord() {
     }
 }
 
-/// A hash code where a value must stand is that value's identity when a value follows on the same
-/// line, else a guid value.
+/// Handles a hash code at the beginning of a value. It is the identity of a value that follows on
+/// the same line. Otherwise it is a guid value.
 void TextTreeReader::beginAfterHashCode(const JHashCode& hashCode) {
     if (identity_.has_value()) {
         completeNew<KEL_guid_Impl>(hashCode);
@@ -247,8 +247,8 @@ bool TextTreeReader::beginRaw() {
     }
 }
 
-/// Reads the hash code of a reference and finds its value. An identity in front must be the one
-/// that the value has.
+/// Reads the hash code of a reference and finds its value. An identity before the reference must be
+/// that of the value.
 void TextTreeReader::refer() {
     KEL_Impl* value = known_.find(source_.expectHashCode()).value;
     if (value == nullptr || (identity_.has_value() && *identity_ != value->identity())) {
@@ -308,7 +308,7 @@ void TextTreeReader::close() {
 
 // ---- Values that are complete ------------------------------------------------------------------
 
-/// A new value with the identity that was given, if any.
+/// Makes a value with the given identity, if there is one.
 template <class T, class... Arguments>
 JPointer<KEL_Impl> TextTreeReader::make(const Arguments&... arguments) const {
     return JPointer<KEL_Impl>(identity_ ? new T(*identity_, arguments...) : new T(arguments...));
@@ -328,7 +328,7 @@ void TextTreeReader::complete(JPointer<KEL_Impl>&& value) {
     deliver(std::move(value));
 }
 
-/// Hands a value (null for the word null) to the container that it is in.
+/// Hands a value (null for the word null) to its container.
 void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
     while (!levels_.empty() && levels_.back().shape == Shape::expansion) {
         source_.endExpansion();
@@ -340,7 +340,7 @@ void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
     }
     Level& level = levels_.back();
     if (level.shape == Shape::structure) {
-        // Unchecked also where a descriptor says no: reading loses nothing.
+        // The value is stored even if a descriptor forbids it: reading loses nothing.
         level.variables->adoptVariable(level.key, std::move(value));
     } else if (level.shape == Shape::indexList) {
         addArray(level, value);
@@ -353,7 +353,7 @@ void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
     }
 }
 
-/// Takes the keys, then the items, of an index list.
+/// Takes the keys of an index list, then its items.
 void TextTreeReader::addArray(Level& list, const JPointer<KEL_Impl>& value) {
     auto* array = dynamic_cast<KEL_Array_Impl*>(value.get());
     if (array == nullptr || list.items.isValid() || array == list.keys.get()) {

@@ -13,15 +13,15 @@
 
 namespace kel {
 
-/// Reads one value and all inside it, with a stack of its own instead of recursion. The rules of
-/// the format stand in docs/text-format.md.
+/// Reads one value and everything inside it, with a stack of its own instead of recursion.
+/// docs/text-format.md describes the rules of the format.
 class TextTreeReader {
 public:
-    /// Reads from source. known gives the values of references and remembers those that come with
-    /// an identity, as soon as they are complete.
+    /// Reads from source. known supplies the values of references, and remembers values that have
+    /// an identity as soon as they are complete.
     TextTreeReader(TextSource& source, ValueTable& known) : source_(source), known_(known) {}
 
-    /// Reads one value; the caller owns it. Null for the word null.
+    /// Reads one value, which the caller owns. Returns null for the word null.
     /// \throws KELIOException for a syntax error, KELEOFException for an end, both with the line
     /// \throws TokenizerException by value for a quote that is not closed
     KEL_Impl* read();
@@ -37,10 +37,10 @@ private:
         std::optional<JHashCode> identity = {};   ///< given to this value
         std::unique_ptr<JHashCode> header = {};   ///< a second identity, in a struct's header
         std::string key = {};                     ///< of the variable being read
-        std::unique_ptr<ManagerIndex> index = {}; ///< of a large manager, to find doubles
+        std::unique_ptr<ManagerIndex> index = {}; ///< of a large manager, to find repetitions
         KEL_Struct_Impl* variables = nullptr;     ///< of a struct, or of the value built on one
-        JPointer<KEL_Array_Impl> keys = {};       ///< of an index list, when they are read
-        JPointer<KEL_Array_Impl> items = {};      ///< and when these are
+        JPointer<KEL_Array_Impl> keys = {};       ///< of an index list, once they are read
+        JPointer<KEL_Array_Impl> items = {};      ///< of an index list, once they are read
     };
 
     void next();

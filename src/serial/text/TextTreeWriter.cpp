@@ -12,7 +12,7 @@
 namespace kel {
 
 TextTreeWriter::~TextTreeWriter() {
-    // A walk that was interrupted leaves no marks.
+    // An interrupted walk leaves no marks.
     for (const Level& level : levels_) {
         level.cursor.container->setOnPath(false);
     }
@@ -89,7 +89,7 @@ void TextTreeWriter::beginStruct(const KEL_Impl& structure, int32_t parentKind) 
 }
 
 void TextTreeWriter::beginMeta(const KEL_Impl& value, std::size_t tabs, bool indentFirst) {
-    // The value and its struct are each indented where a line begins.
+    // At the beginning of a line, the value and its struct are each indented.
     if (indentFirst) {
         out_.append(tabs, '\t');
     }
@@ -167,7 +167,7 @@ void TextTreeWriter::next() {
     }
 }
 
-/// Begins the keys or the items of a list, as far as they make pairs.
+/// Begins the keys or the items of a list. Only those that make pairs are written.
 void TextTreeWriter::nextOfIndexList(Level& list) {
     const std::size_t tabs = list.tabs + 1;
     const auto& pairs = static_cast<const KEL_IndexList_Impl&>(*list.cursor.container);

@@ -9,8 +9,8 @@
 
 namespace kel {
 
-/// Writes one value and all below it, with a stack of its own instead of recursion. The rules of
-/// the format stand in docs/text-format.md.
+/// Writes one value and everything below it, with a stack of its own instead of recursion.
+/// docs/text-format.md describes the rules of the format.
 class TextTreeWriter {
 public:
     TextTreeWriter(OutputBuffer& out, bool memBlockComment)
@@ -26,15 +26,15 @@ public:
     void write(const KEL_Impl& value, int32_t indent, bool indentFirst, int32_t parentKind);
 
 private:
-    /// How a container is written: a value built on a struct is written as one.
+    /// The form of a container in the text. A value built on a struct is written as a struct.
     enum class Shape { array, manager, indexList, structure, onStruct };
 
-    /// A container whose closing bracket is still to come.
+    /// A container whose closing bracket is not yet written.
     struct Level {
         ChildCursor cursor;
         Shape shape;
         std::size_t tabs; ///< before the container's own brackets
-        int32_t limit;    ///< of an array in an index list: children beyond have no partner
+        int32_t limit;    ///< of an array in an index list: children beyond it have no partner
     };
 
     void begin(const KEL_Impl& value, std::size_t tabs, bool indentFirst, int32_t parentKind);

@@ -43,17 +43,17 @@ inline constexpr std::array<uint8_t, 256> characterClasses = makeCharacterClasse
 
 } // namespace detail
 
-/// True when byte belongs to one of the classes, a union of CharacterClass bits.
+/// Returns whether byte belongs to one of the classes, a union of CharacterClass bits.
 inline bool isInClass(uint8_t byte, uint8_t classes) {
     return (detail::characterClasses[byte] & classes) != 0;
 }
 
-/// The same for a character that may be -1 (end of input), which belongs to no class.
+/// Does the same for a character that can be -1 (end of input), which belongs to no class.
 inline bool isInClass(int32_t c, uint8_t classes) {
     return c >= 0 && c <= 255 && isInClass(static_cast<uint8_t>(c), classes);
 }
 
-/// The value of a hexadecimal digit, 0 to 15. The character is one.
+/// Returns the value of a hexadecimal digit, 0 to 15. The character must be one.
 inline uint32_t hexDigitValue(uint8_t digit) {
     return digit <= '9' ? digit - static_cast<uint32_t>('0') : (digit & 7U) + 9U;
 }

@@ -24,7 +24,7 @@ public:
         ++count_;
     }
 
-    /// Forgets all characters, and the memory of a long text with them.
+    /// Forgets all characters, and frees the memory of a long text.
     void clear() {
         if (count_ > segmentSize) {
             pool_.clear();
@@ -32,10 +32,10 @@ public:
         count_ = 0;
     }
 
-    /// Number of characters, NULs included.
+    /// Returns the number of characters, NULs included.
     uint32_t count() const { return count_; }
 
-    /// A new string of the characters; the caller owns it.
+    /// Makes a string of the characters; the caller owns it.
     JString* toString() const {
         return count_ == 0 ? new JString("") : new JString(*pool_, 0, count_);
     }

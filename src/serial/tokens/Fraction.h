@@ -1,9 +1,9 @@
 /// \file
-/// How the digits after a decimal point become a double.
+/// The conversion of the digits after a decimal point to a double.
 ///
-/// The rule fixes every rounding: the sum takes the digits from left to right, each times a weight
-/// that is the one before times 0.1. A shorter way (one division, a correctly rounded parse) gives
-/// other doubles in the last place.
+/// The rule fixes every rounding: the sum adds the digits from left to right, each multiplied by a
+/// weight that is 0.1 times the one before. A shorter way (one division, a correctly rounded parse)
+/// gives other doubles in the last place.
 #pragma once
 
 #include <array>
@@ -15,18 +15,18 @@ namespace kel {
 /// The weight of the first digit after the point.
 inline constexpr double firstFractionWeight = 0.1;
 
-/// The weight of the digit after the one with this weight.
+/// Returns the weight of the digit after the one with this weight.
 constexpr double nextFractionWeight(double weight) {
     return weight * 0.1;
 }
 
-/// The sum with one more digit.
+/// Returns the sum with one more digit.
 constexpr double addFractionDigit(double sum, uint32_t digit, double weight) {
     return sum + digit * weight;
 }
 
-/// The weights of the digits after the point, by index. Those after the last one are zero: such
-/// digits add nothing.
+/// The weights of the digits after the point, by index. Further weights are zero, so such digits
+/// add nothing.
 inline constexpr std::size_t fractionWeightCount = 330;
 inline constexpr std::array<double, fractionWeightCount> fractionWeights = [] {
     std::array<double, fractionWeightCount> weights{};

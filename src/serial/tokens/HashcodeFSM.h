@@ -9,13 +9,13 @@ namespace kel {
 /// Number of digits of a hash code.
 inline constexpr int32_t hashCodeDigits = 32;
 
-/// The hash code of 32 hexadecimal digits in the order of the GUID text layout.
+/// Returns the hash code of 32 hexadecimal digits in the order of the GUID text layout.
 JHashCode hashCodeOfDigits(const uint8_t* digits);
 
 } // namespace kel
 
-/// Thirty-two hexadecimal digits of either case with at least one "-" before the last of them;
-/// where the dashes stand does not matter. The value is a JInt128.
+/// Recognises thirty-two hexadecimal digits of either case with at least one "-" before the last of
+/// them, at any position. The value is a JInt128.
 class HashcodeFSM : public TokenizerFSM {
 public:
     int32_t getType() const override { return kel::tokenHashCode; }

@@ -4,7 +4,8 @@
 
 #include "serial/tokens/TokenizerFSM.h"
 
-/// LF, FF, or CR directly followed by LF. A CR alone is not a line end. The value is empty.
+/// Recognises LF, FF, or CR directly followed by LF. A CR alone is not a line end. The value is
+/// empty.
 class NewlineFSM : public TokenizerFSM {
 public:
     int32_t getType() const override { return kel::tokenNewline; }

@@ -117,7 +117,7 @@ int32_t NumberFSM::acceptAfterZero(int32_t c) {
         return continueWith(inHexadecimal);
     }
     if (isInClass(c, digitClass)) {
-        takeDigit(c); // the accumulator is 0 still: no octal, zeros in front do not count
+        takeDigit(c); // the accumulator is still 0: leading zeros do not mean octal
         return continueWith(inDecimal);
     }
     return isInClass(c, hexLetterClass) ? reject() : complete(completeBefore);

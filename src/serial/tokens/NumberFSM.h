@@ -4,16 +4,16 @@
 
 #include "serial/tokens/TokenizerFSM.h"
 
-/// Decimal integers, hexadecimal ones after "0x", and decimal numbers with a point; "-" before a
-/// decimal one. There is no exponent: a letter a to f directly after a decimal number rejects it,
-/// and so does a second point. Integers wrap around at 32 bits. The value is a JInteger or a
-/// JDouble.
+/// Recognises decimal integers, hexadecimal ones after "0x", and decimal numbers with a point. A
+/// decimal one can have a "-" before it. There is no exponent: a letter a to f directly after a
+/// decimal number rejects it, and so does a second point. Integers wrap around at 32 bits. The
+/// value is a JInteger or a JDouble.
 ///
-/// A fraction is summed up digit by digit, each times a weight that is a tenth of the one before;
-/// the result is the nearest double for few digits only, but the same everywhere.
+/// A fraction is summed digit by digit, each multiplied by a weight that is a tenth of the one
+/// before. The result is the nearest double for few digits only, but it is the same everywhere.
 class NumberFSM : public TokenizerFSM {
 public:
-    /// kel::tokenFloating for a number with a point, else kel::tokenInteger.
+    /// Returns kel::tokenFloating for a number with a point, otherwise kel::tokenInteger.
     int32_t getType() const override;
     void reset() override;
     /// \throws TokenizerException "Internal error in NumberFSM." in an unknown state

@@ -21,8 +21,8 @@ bool isLineEnd(uint8_t byte) {
 
 } // namespace
 
-// The loops below run over the window and stop at the NUL after it at the latest; only there they
-// ask for more. Pointers are fetched anew after that, since the window may have moved.
+// The loops below run over the window and stop no later than at the NUL after it. Only there they
+// request more input. Pointers are then fetched again, because the window may have moved.
 
 int32_t StandardScanner::scan() {
     token_.clear();
@@ -75,7 +75,7 @@ int32_t StandardScanner::finishInteger(uint32_t value) {
     return finish(tokenInteger);
 }
 
-// The text is what was used except for some bytes at its start and end.
+// Finishes a token whose text is the consumed bytes without some at its start and end.
 int32_t StandardScanner::finishText(TokenType type, size_t before, size_t after) {
     const uint8_t* from = input_.marked() + before;
     const uint8_t* to = input_.begin() - after;
@@ -83,7 +83,8 @@ int32_t StandardScanner::finishText(TokenType type, size_t before, size_t after)
     return finish(type);
 }
 
-// Uses all bytes of the classes. \return the byte after them, not used, or -1 at end of input
+// Consumes all bytes of the classes. \return the byte after them, not consumed, or -1 at end of
+// input
 int32_t StandardScanner::skipClass(uint8_t classes) {
     do {
         const uint8_t* p = input_.begin();
@@ -198,7 +199,7 @@ int32_t StandardScanner::scanNumber(bool negative) {
         }
     } while (input_.more());
 
-    // Behind a dash, 32 digits are a hash code before the number ends.
+    // After a dash, the 32nd digit completes a hash code before the number ends.
     if (negative && digits >= hashCodeDigits) {
         return scanHashCodeInstead();
     }
@@ -249,7 +250,7 @@ int32_t StandardScanner::scanFraction(bool negative, double sum) {
     return finish(tokenFloating);
 }
 
-// The number or word that the token began as has dropped out; a hash code may still be in.
+// Reads a hash code after the number or word that the token began as was rejected.
 int32_t StandardScanner::scanHashCodeInstead() {
     input_.resetToMark();
     return finish(scanHashCode(input_, token_.hashCode) ? tokenHashCode : tokenNone);
@@ -262,7 +263,7 @@ int32_t StandardScanner::skipLayout(BufferedInput& input) {
         if (*p == '\n' || *p == '\f') {
             ++lineEnds;
         } else if (*p == '\r' && p[1] == '\n') {
-            ++p; // the two are one line end
+            ++p; // both are one line end
             ++lineEnds;
         } else if (!isInClass(*p, blankClass)) {
             break;

@@ -7,9 +7,10 @@
 
 namespace kel {
 
-/// Does what CommentFSM, NewlineFSM, NumberFSM, WhitespaceFSM, WordFSM and HashcodeFSM, asked in
-/// this order, do together: same types, values, positions and failures for every input. The first
-/// byte decides who can win, so each byte is looked at once, and nothing is allocated.
+/// Gives the same results as CommentFSM, NewlineFSM, NumberFSM, WhitespaceFSM, WordFSM and
+/// HashcodeFSM asked in this order: the same types, values, positions and failures for every input.
+/// The first byte decides which recognisers can win. So each byte is read once, and nothing is
+/// allocated.
 ///
 /// The machines are the reference; a test compares both on random texts.
 class StandardScanner {
@@ -17,16 +18,16 @@ public:
     /// Scans tokens of input into token; both must outlive the scanner.
     StandardScanner(BufferedInput& input, Token& token) : input_(input), token_(token) {}
 
-    /// Reads the next token and leaves the input after it; where nothing matches, at its start,
-    /// which is marked. \return the type
+    /// Reads the next token and leaves the input just after it. If nothing matches, the input is
+    /// left at the start of the token, which is marked. \return the type
     /// \throws TokenizerException "Reached end of file with no closing quote."
     int32_t scan();
 
-    /// Uses the blanks and line ends that are in the window, without making tokens of them. More of
-    /// them may follow, as tokens. \return the number of line ends
+    /// Consumes the blanks and line ends that are in the window, without making tokens of them.
+    /// More of them can follow as tokens. \return the number of line ends
     static int32_t skipLayout(BufferedInput& input);
 
-    /// Asks for a hash code only. \return false, at the same position, when there is none
+    /// Reads a hash code and no other token. \return false, at the same position, if there is none
     static bool scanHashCode(BufferedInput& input, JHashCode& hashCode);
 
 private:

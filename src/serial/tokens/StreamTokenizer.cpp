@@ -19,7 +19,7 @@ using namespace kel;
 
 namespace {
 
-// Recognisers in the list, as machines that the scanner can stand for.
+// Returns whether the list is that of the machines that the scanner can replace.
 bool areStandard(const JVector<TokenizerFSM>& recognisers) {
     const std::type_info* const standard[] = {&typeid(CommentFSM), &typeid(NewlineFSM),
                                               &typeid(NumberFSM),  &typeid(WhitespaceFSM),
@@ -45,7 +45,7 @@ JString* newString(std::string_view text, bool quoted) {
     return string;
 }
 
-// The value of a scanned token; null for a token without one.
+// Makes the value of a scanned token. Returns null for a token without one.
 JObject* newValue(const Token& token) {
     switch (token.type) {
     case tokenComment:
@@ -109,7 +109,7 @@ int32_t StreamTokenizer::nextToken() {
     try {
         return usesScanner_ ? StandardScanner(input_, token_).scan() : nextRecognisedToken();
     } catch (const JIOException&) {
-        input_.resetToMark(); // half a token is not lost: reading on begins with it again
+        input_.resetToMark(); // half a token is not lost: the next read begins with it again
         throw;
     }
 }
@@ -151,7 +151,7 @@ int32_t StreamTokenizer::nextRecognisedToken() {
             return token_.type;
         }
         if (c == -1) {
-            // Nothing follows the end: a machine that still waits is out too.
+            // Nothing follows the end, so a machine that still waits is out too.
             asked_.clear();
             token_.type = atStart ? tokenEnd : tokenNone;
         }
@@ -161,8 +161,8 @@ int32_t StreamTokenizer::nextRecognisedToken() {
     return token_.type;
 }
 
-// Feeds c to those that are still in and drops the ones that reject it. A winner ends up in front
-// of the list. \return its result, or wantsMore if there is no winner yet
+// Feeds c to the machines that are still in and drops those that reject it. A winner is moved to
+// the front of the list. \return its result, or wantsMore if there is no winner yet
 int32_t StreamTokenizer::askAll(int32_t c) {
     size_t stillIn = 0;
     for (TokenizerFSM* fsm : asked_) {
@@ -195,7 +195,7 @@ void StreamTokenizer::take(const TokenizerFSM& winner) {
 void StreamTokenizer::takeText(const TokenizerFSM& winner, const JString& text) {
     size_t length = text.length();
     if (const auto* word = dynamic_cast<const WordFSM*>(&winner)) {
-        length = word->textLength(); // a NUL may be among the characters
+        length = word->textLength(); // the characters can include a NUL
     } else if (const auto* comment = dynamic_cast<const CommentFSM*>(&winner)) {
         length = comment->textLength();
     }

@@ -1,5 +1,5 @@
 /// \file
-/// Token: what the tokenizer found, as a plain struct.
+/// Token: the result of the tokenizer, as a plain struct.
 #pragma once
 
 #include <cstdint>
@@ -21,20 +21,20 @@ enum TokenType : int32_t {
     tokenHashCode = 7    ///< 128 bits in GUID layout
 };
 
-/// The last token of a StreamTokenizer. Only the members that belong to the type are meant;
-/// the others are zero.
+/// The last token of a StreamTokenizer. Only the members that belong to the type are set; the
+/// others are zero.
 struct Token {
     int32_t type = tokenNone;
     int32_t integer = 0;   ///< of an integer
     double floating = 0.0; ///< of a floating number
-    /// Of a comment, whitespace or word, NULs included. It lies in the tokenizer's memory and lives
-    /// until the tokenizer or its input reads again.
+    /// The text of a comment, whitespace or word, NULs included. It lies in the tokenizer's memory
+    /// and is valid until the tokenizer or its input reads again.
     std::string_view text;
-    bool quoted = false; ///< a word between double quotes
+    bool quoted = false; ///< whether a word is between double quotes
     JHashCode hashCode;  ///< of a hash code
 
-    /// Back to no token, member by member: assigning a whole empty token costs more than scanning
-    /// a short one.
+    /// Resets the token member by member: assigning a whole empty token costs more than scanning a
+    /// short one.
     void clear() {
         type = tokenNone;
         integer = 0;

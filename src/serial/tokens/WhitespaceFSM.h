@@ -4,7 +4,7 @@
 
 #include "serial/tokens/TokenizerFSM.h"
 
-/// A run of spaces and tabs. The value is one space, whatever the run was.
+/// Recognises a run of spaces and tabs. The value is always one space.
 class WhitespaceFSM : public TokenizerFSM {
 public:
     int32_t getType() const override { return kel::tokenWhitespace; }

@@ -46,7 +46,8 @@ int32_t WordFSM::acceptBare(int32_t c) {
         text_.append(c);
         return wantsMore;
     }
-    // A hash code that begins with a letter must not lose its first group to a word.
+    // Before a dash the word is rejected: a hash code that begins with a letter keeps its first
+    // group.
     return c == '"' || c == '-' ? reject() : complete(completeBefore);
 }
 

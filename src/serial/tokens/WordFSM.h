@@ -5,10 +5,10 @@
 #include "serial/tokens/CollectedText.h"
 #include "serial/tokens/TokenizerFSM.h"
 
-/// A bare word begins with a letter, "@" or "_" and continues with letters, digits and "_"; directly
-/// before a double quote or "-" it is rejected. A quoted word is everything between two double
-/// quotes, without any escape. The value is a JString without the quotes; JString::isQuoted returns
-/// the two apart.
+/// Recognises words. A bare word begins with a letter, "@" or "_" and continues with letters,
+/// digits and "_". Directly before a double quote or "-" it is rejected. A quoted word is
+/// everything between two double quotes, without any escape. The value is a JString without the
+/// quotes; JString::isQuoted distinguishes the two.
 class WordFSM : public TokenizerFSM {
 public:
     int32_t getType() const override { return kel::tokenWord; }
@@ -20,7 +20,7 @@ public:
     ///         complete
     JPointer<JObject> returnValue() const override;
 
-    /// Number of characters of the text, NULs included.
+    /// Returns the number of characters of the text, NULs included.
     uint32_t textLength() const { return text_.count(); }
 
 private:

@@ -61,7 +61,7 @@ std::optional<std::vector<uint8_t>> fromBase64(std::string_view text) {
             bytes.push_back(static_cast<uint8_t>(group >> (16 - 8 * byte)));
         }
         if ((group & ((1U << (8 * padded)) - 1)) != 0) {
-            return std::nullopt; // bits that the padding says are not there
+            return std::nullopt; // the bits that the padding leaves out must be zero
         }
     }
     return bytes;

@@ -10,11 +10,11 @@
 
 namespace kel::tool {
 
-/// The bytes in base64 (alphabet with "+" and "/", padded with "=").
+/// Returns the bytes in base64 (alphabet with "+" and "/", padded with "=").
 std::string toBase64(const std::vector<uint8_t>& bytes);
 
-/// The bytes of a text that toBase64 could have made; nothing for any other text, so that decoding
-/// and encoding again always gives the same text.
+/// Returns the bytes of a text that toBase64 could have made, or nothing for any other text. So
+/// decoding and encoding again always gives the same text.
 std::optional<std::vector<uint8_t>> fromBase64(std::string_view text);
 
 } // namespace kel::tool

@@ -21,14 +21,15 @@ bool fitsInt(int64_t value) {
            value <= std::numeric_limits<int32_t>::max();
 }
 
-/// True when a double holds the integer of this magnitude exactly. Asked of the bits: converting
-/// there and back proves nothing on machines that compute with more digits than a double has.
+/// Returns whether a double holds the integer of this magnitude exactly. It tests the bits:
+/// converting there and back proves nothing on machines that compute with more digits than a double
+/// has.
 bool isExact(uint64_t magnitude) {
     constexpr int digits = std::numeric_limits<double>::digits;
     return std::bit_width(magnitude) - std::countr_zero(magnitude) <= digits;
 }
 
-/// True when the double is exactly the integer that the digits spell.
+/// Returns whether the double is exactly the integer that the digits spell.
 bool isExactly(double value, const std::string& digits) {
     if (std::fabs(value) >= std::numeric_limits<double>::max() || std::trunc(value) != value) {
         return false;
@@ -38,7 +39,7 @@ bool isExactly(double value, const std::string& digits) {
     return digits == std::string(text, end.ptr);
 }
 
-/// True when the number is not zero although the nearest double is.
+/// Returns whether the number is not zero although the nearest double is.
 bool isTooSmall(double value, const std::string& spelling) {
     const std::string mantissa = spelling.substr(0, spelling.find_first_of("eE"));
     return value == 0.0 && mantissa.find_first_of("123456789") != std::string::npos;

@@ -1,5 +1,5 @@
 /// \file
-/// JsonBuilder: makes values of the events of a JSON parser.
+/// JsonBuilder: makes values from the events of a JSON parser.
 #pragma once
 
 #include "Format.h"
@@ -13,23 +13,24 @@
 
 namespace kel::tool {
 
-/// Takes the events of one JSON text after the other and builds a root value of each, with a stack
-/// of its own, so that nesting costs no call stack. What the values or the target format cannot
-/// carry is listed under its JSON path; what cannot be built at all is left out:
+/// Takes the events of one JSON text after the other and builds a root value from each. It has a
+/// stack of its own, so that nesting costs no call stack. Anything that the values or the target
+/// format cannot carry is listed under its JSON path. Anything that cannot be built at all is left
+/// out:
 ///
 /// - null elements of arrays, members with an empty name or one with a double quote or a NUL
 /// - NUL characters inside strings
 class JsonBuilder {
 public:
-    /// \param target the format that the values go to, if there is one
-    /// \param losses gets what cannot be carried
+    /// \param target the format that the values will be written in, if there is one
+    /// \param losses gets the places that cannot be carried
     JsonBuilder(std::optional<Format> target, Losses& losses) : target_(target), losses_(losses) {}
 
     void addNull();
     void addBoolean(bool value);
     void addInteger(int64_t value);
     void addUnsigned(uint64_t value);
-    /// \param spelling the number as it stands in the input
+    /// \param spelling the number as it is written in the input
     void addDouble(double value, const std::string& spelling);
     void addString(std::string& text);
     void beginStruct();
@@ -41,17 +42,17 @@ public:
     /// The number of complete root values.
     size_t rootCount() const { return roots_.size(); }
 
-    /// Hands out all root values.
+    /// Returns all root values and gives up their ownership.
     std::vector<Value> takeRoots() { return std::move(roots_); }
 
 private:
-    /// A container that is not complete yet. It joins the container around it when it is.
+    /// A container that is not complete yet. It joins the container around it once it is complete.
     struct Frame {
         Value container;
         KEL_Array* array;
         KEL_Struct* structure;
         std::string name = {};   ///< of the current member
-        uint64_t index = 0;      ///< of the current element, as the JSON text counts
+        uint64_t index = 0;      ///< of the current element, counted as in the JSON text
         bool mayBeShape = false; ///< a reserved name was read
     };
 

@@ -12,8 +12,8 @@ namespace kel::tool {
 
 namespace {
 
-/// Reads the content for the parser and leaves the place where the parser stopped in a variable of
-/// ours: the parser itself does not report where a JSON text ended.
+/// Reads the content for the parser and records the parser's position in a variable outside: the
+/// parser itself does not report where a JSON text ended.
 class Reader {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -35,7 +35,7 @@ private:
     const char** at_;
 };
 
-/// The parser's events, handed on to a builder; failures are kept.
+/// Passes the parser's events to a builder and keeps failures.
 class Handler : public JsonBuilder {
 public:
     using JsonBuilder::JsonBuilder;
@@ -48,7 +48,7 @@ public:
         return addDouble(value, spelling), true;
     }
     bool string(std::string& text) { return addString(text), true; }
-    bool binary(nlohmann::json::binary_t&) { return false; } // JSON text holds none
+    bool binary(nlohmann::json::binary_t&) { return false; } // JSON text contains none
     bool start_object(size_t) { return beginStruct(), true; }
     bool key(std::string& name) { return setName(name), true; }
     bool end_object() { return endStruct(), true; }
@@ -66,9 +66,10 @@ private:
     std::string failure_;
 };
 
-/// The parser's message without its own name and place, which speak of one JSON text only.
+/// Returns the parser's message without the parser's name and the place, which counts from the
+/// beginning of one JSON text only.
 std::string reasonOf(std::string_view message) {
-    constexpr size_t longestReason = 200; // messages quote input, which may be one huge string
+    constexpr size_t longestReason = 200; // messages quote input, which can be one huge string
     const auto removeThrough = [&message](std::string_view lead) {
         const size_t at = message.find(lead);
         message.remove_prefix(at == std::string_view::npos ? 0 : at + lead.size());
@@ -84,7 +85,7 @@ std::string reasonOf(std::string_view message) {
 /// Reads one JSON text after the other.
 class JsonReader {
 public:
-    /// \param content has to end with white space, so that something follows every number
+    /// \param content must end with white space, so that something follows every number
     JsonReader(const std::string& content, const std::string& inputName, Handler& handler)
         : begin_(content.data()), at_(begin_), end_(begin_ + content.size()), inputName_(inputName),
           handler_(handler) {}
@@ -109,7 +110,7 @@ private:
         }
     }
 
-    /// A number ends where something else begins, and the parser has read that one character too.
+    /// Steps back to the end of a number. The parser has also read the one character after it.
     void stepBackBehindNumber(const char* first) {
         const char* start = std::find_if_not(first, at_, isSpace);
         if (start != at_ && (*start == '-' || (*start >= '0' && *start <= '9'))) {
@@ -117,7 +118,7 @@ private:
         }
     }
 
-    /// Moves to the next text or the end. "01" is not a pair of numbers but a mistake.
+    /// Moves to the next text or the end. "01" is a mistake, not a pair of numbers.
     void requireSeparator() {
         const char last = at_[-1];
         const char* behind = at_;

@@ -17,7 +17,7 @@ namespace kel::tool {
 
 namespace {
 
-/// Deeper levels stand on one line, or the indentation of a deep tree would dwarf the tree.
+/// Deeper levels are written on one line. Otherwise a deep tree would be mostly indentation.
 constexpr size_t indentedLevels = 40;
 constexpr size_t indentWidth = 4;
 
@@ -75,7 +75,7 @@ bool isPlain(char c) {
 }
 
 std::vector<uint8_t> bytesOf(const KEL& value) {
-    // Reading may load the bytes, so a constant block does not offer it.
+    // Reading can load the bytes, so a constant block has no operation for it.
     auto& block = dynamic_cast<KEL_MemBlock&>(const_cast<KEL&>(value));
     std::vector<uint8_t> bytes(static_cast<size_t>(block.getSize()));
     block.read(0, bytes.data(), block.getSize());
@@ -163,7 +163,7 @@ void JsonWriter::writeScalar(const KEL& value) {
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
-        sink_.put("null"); // never reached: containers are written as such, the others were replaced
+        sink_.put("null"); // never reached: these are containers or were replaced
         break;
     }
 }
@@ -173,7 +173,7 @@ void JsonWriter::writeDouble(double value) {
         sink_.put("null");
         return;
     }
-    constexpr double plainDigits = 1e15; // whole numbers below are easier to read without exponent
+    constexpr double plainDigits = 1e15; // smaller integers are easier to read without exponent
     char digits[32];
     const bool isWhole = std::trunc(value) == value && std::fabs(value) < plainDigits;
     const auto end =

@@ -1,5 +1,5 @@
 /// \file
-/// Writing JSON.
+/// Writes JSON.
 #pragma once
 
 #include "Document.h"
@@ -10,10 +10,11 @@ namespace kel::tool {
 
 /// Writes all root values as JSON: a single one indented by four spaces, several ones compactly,
 /// one on each line. Structs become objects in the order of their names. Doubles always have a
-/// point or an exponent and read back exactly. What JSON has no form for is replaced: bytes that
-/// are not valid UTF-8 by U+FFFD, doubles that are not finite by null. Values without any plain
-/// form have been replaced by makeRepresentable before. The document must not contain a value
-/// inside itself. \throws Failure unwritten with the system's reason as its message
+/// point or an exponent and read back exactly. Contents that JSON has no form for are replaced:
+/// bytes that are not valid UTF-8 by U+FFFD, and doubles that are not finite by null. Values
+/// without any plain form must have been replaced by makeRepresentable before. The document must
+/// not contain a value inside itself. \throws Failure unwritten with the system's reason as its
+/// message
 void writeJson(const Document& document, std::FILE* file);
 
 } // namespace kel::tool

@@ -10,7 +10,7 @@ namespace kel::tool {
 
 namespace {
 
-/// The text of the struct's variable when that is its only one and a String; null otherwise.
+/// Returns the text of the struct's variable if it is the only one and a String, otherwise null.
 const char* onlyText(const KEL_Struct& structure, const char* name) {
     if (structure.getCount() != 1 || !structure.containsVar(name)) {
         return nullptr;

@@ -9,15 +9,15 @@ namespace kel::tool {
 constexpr const char* guidShape = "$guid";
 constexpr const char* memBlockShape = "$memblock";
 
-/// True for the one name of a struct that may stand for another value.
+/// Returns whether the name, as the only one of a struct, can make it stand for another value.
 bool isReservedName(const char* name);
 
-/// The guid or memory block that the struct stands for in JSON: its one variable is "$guid" with a
-/// String in GUID layout or "$memblock" with a String in base64. Null for any other struct, which
-/// then is just a struct.
+/// Returns the guid or memory block that the struct stands for in JSON: its one variable is "$guid"
+/// with a String in GUID layout or "$memblock" with a String in base64. Returns null for any other
+/// struct, which is then just a struct.
 Value valueOfShape(const KEL_Struct& structure);
 
-/// True when JSON would read the struct back as something else than a struct.
+/// Returns whether JSON would read the struct back as something other than a struct.
 bool isReservedShape(const KEL_Struct& structure);
 
 } // namespace kel::tool

@@ -26,7 +26,7 @@ Console::Console() {
     try {
         drawer_ = std::thread([this] { drawUntilEnd(); });
     } catch (const std::system_error&) {
-        // The system gives no thread now: the work continues, only without progress.
+        // The system gives no thread now: the work continues, but without progress.
     }
 }
 

@@ -10,10 +10,10 @@
 
 namespace kel::tool {
 
-/// Writes everything that people read to stderr. When that is a terminal and the work
-/// has taken more than a second, a line at the bottom shows the current work and its duration; it
-/// disappears before a message and at the end. The line is drawn by a thread of its own, because
-/// the library reads and writes a value in one call.
+/// Writes everything that people read to stderr. If stderr is a terminal and the work has taken
+/// more than a second, a line at the bottom shows the current work and its duration. It disappears
+/// before a message and at the end. A separate thread draws the line, because the library reads and
+/// writes a value in one call.
 class Console {
 public:
     Console();
@@ -25,10 +25,10 @@ public:
     /// Prints "kel: " and the message on a line.
     void say(const std::string& message);
 
-    /// Tells what is being done from now on, such as "reading FILE".
+    /// Sets the current work, such as "reading FILE".
     void begin(const std::string& work);
 
-    /// No progress from now on: what follows may write to the terminal itself.
+    /// Ends the progress line for good: later output may be written to the terminal itself.
     void hush();
 
 private:

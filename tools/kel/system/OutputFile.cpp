@@ -12,12 +12,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The file that the name leads to through symbolic links, whether it exists or not.
+/// Returns the file that the name leads to through symbolic links, whether it exists or not.
 fs::path behindLinks(fs::path path) {
-    constexpr int mostLinks = 40; // as many as systems follow themselves
+    constexpr int mostLinks = 40; // as many as operating systems follow
     std::error_code ignored;
     for (int i = 0; i < mostLinks && fs::is_symlink(path, ignored); ++i) {
-        path = path.parent_path() / fs::read_symlink(path, ignored); // an absolute one stands alone
+        path = path.parent_path() / fs::read_symlink(path, ignored); // an absolute one replaces all
     }
     return path;
 }
@@ -58,7 +58,7 @@ OutputFile::~OutputFile() {
 void OutputFile::openTemporary() {
     errno = 0;
     if (!mayWrite(target_)) {
-        failWithSystemReason(); // replacing the file would get round its protection
+        failWithSystemReason(); // replacing the file would circumvent its protection
     }
     file_ = createTemporary(target_.parent_path(), temporary_);
     if (file_ == nullptr) {
@@ -70,7 +70,7 @@ void OutputFile::openTemporary() {
 
 void OutputFile::commit() {
     if (std::ferror(file_) == 0) {
-        errno = 0; // otherwise it is the reason why earlier bytes did not arrive
+        errno = 0; // otherwise errno is the reason why earlier bytes did not arrive
     }
     if (std::fflush(file_) != 0 || std::ferror(file_) != 0) {
         failWithSystemReason();

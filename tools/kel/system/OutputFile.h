@@ -8,23 +8,23 @@
 
 namespace kel::tool {
 
-/// Where a command writes. A regular file is written under another name in the same folder and
-/// takes the place of the old one only in commit, with the old one's permissions; a name that is a
-/// symbolic link stays one, and the file that it leads to is replaced. "-" is stdout, and devices
-/// and pipes are written directly: nothing can be taken back there.
+/// The output of a command. A regular file is written under another name in the same folder. Only
+/// commit puts it in the place of the old file, with the old file's permissions. If the name is a
+/// symbolic link, the link is kept and the file that it leads to is replaced. "-" is stdout.
+/// Stdout, devices and pipes are written directly: nothing can be taken back there.
 class OutputFile {
 public:
     /// \throws Failure unwritten, "NAME: cannot be written: the reason"
     explicit OutputFile(const std::string& name);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
-    /// Removes what was written unless it was committed.
+    /// Removes the written file unless it was committed.
     ~OutputFile();
 
-    /// The file to write to.
+    /// Returns the file to write to.
     std::FILE* file() { return file_; }
 
-    /// Makes what was written the file of the name. Call it once, after the last byte.
+    /// Gives the written file its final name. Call it once, after the last byte.
     /// \throws Failure unwritten
     void commit();
 
@@ -35,7 +35,7 @@ private:
     [[noreturn]] void failWithSystemReason() const;
 
     std::string name_;             ///< as the user gave it
-    std::filesystem::path target_; ///< what is replaced; empty when written directly
+    std::filesystem::path target_; ///< the file to be replaced; empty when written directly
     std::filesystem::path temporary_;
     std::FILE* file_ = nullptr;
 };

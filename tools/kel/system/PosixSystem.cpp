@@ -15,7 +15,8 @@ namespace {
 
 constexpr int endingSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
-/// The file that the signal handler has to remove; empty for nothing. Written only with the signals blocked.
+/// The file that the signal handler has to remove, or empty. It is written only with the signals
+/// blocked.
 char temporaryName[4096];
 
 /// Removes the temporary file and ends the process by the signal, as if it had not been handled.
@@ -27,7 +28,7 @@ extern "C" void endBySignal(int signal) {
     std::raise(signal);
 }
 
-/// Holds the ending signals back for as long as it lives.
+/// Blocks the ending signals as long as it lives.
 class BlockedSignals {
 public:
     BlockedSignals() {
@@ -46,7 +47,7 @@ private:
     sigset_t before_{};
 };
 
-/// Signals that the process was started to ignore (nohup) stay ignored.
+/// Handles the ending signals. Those that the process was started to ignore (nohup) stay ignored.
 void handleEndingSignals() {
     for (const int signal : endingSignals) {
         if (std::signal(signal, endBySignal) == SIG_IGN) {
@@ -85,7 +86,7 @@ bool mayWrite(const std::filesystem::path& path) {
     return access(path.c_str(), W_OK) == 0 || errno == ENOENT;
 }
 
-// Opened for reading only, the bytes are not touched.
+// The file is opened for reading only, so the bytes are not changed.
 MemoryToRead::MemoryToRead(std::string_view bytes)
     : file_(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb")) {
     if (file_ == nullptr) {
@@ -173,16 +174,17 @@ void copyPermissions(std::FILE* file, const std::filesystem::path& from) {
     if (stat(from.c_str(), &existing) != 0) {
         return;
     }
-    // Data does not run: no bits that make it run as somebody.
+    // Data is not executed, so the bits to run it as another user or group are not copied.
     mode_t mode = existing.st_mode & 0777U;
-    // Only root may give files away; for everybody else the new file is simply their own. If it
-    // cannot belong to the same group, what that group might do is no matter of another one.
+    // Only root can give files away; for everybody else the new file is simply their own. If it
+    // cannot belong to the same group, the permissions of that group must not apply to another
+    // group.
     const int descriptor = fileno(file);
     if (fchown(descriptor, existing.st_uid, existing.st_gid) != 0 &&
         fchown(descriptor, static_cast<uid_t>(-1), existing.st_gid) != 0) {
         mode &= ~mode_t{070};
     }
-    fchmod(descriptor, mode); // else the usual permissions of new files have to do
+    fchmod(descriptor, mode); // if this fails, the file keeps the usual permissions
     errno = 0;
 }
 
@@ -199,7 +201,7 @@ std::error_code replaceFile(const std::filesystem::path& from, const std::filesy
 void synchroniseFolder(const std::filesystem::path& folder) {
     const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor >= 0) {
-        fsync(descriptor); // not every file system can; the file itself is safe already
+        fsync(descriptor); // not every file system supports this; the file itself is safe already
         close(descriptor);
     }
 }

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 constexpr UINT interrupted = 0xC000013A; // STATUS_CONTROL_C_EXIT
 
 std::wstring wide(const std::string& utf8) {
-    // A name that is no UTF-8 names no file; the replacement keeps it from naming another one.
+    // A name that is not valid UTF-8 names no file; the replacement keeps it from naming another.
     const int size = static_cast<int>(utf8.size());
     std::wstring text(utf8.size(), L'\0');
     const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, text.data(), size);
@@ -43,7 +43,7 @@ HANDLE handleOf(std::FILE* file) {
     return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
 }
 
-/// The reason of the system call that failed last, for errno.
+/// Returns the reason of the system call that failed last, for errno.
 int lastReason() {
     switch (GetLastError()) {
     case ERROR_FILE_EXISTS:
@@ -65,7 +65,7 @@ int lastReason() {
     }
 }
 
-/// A handle as a stdio file, which closes it. \return null with errno set for no handle
+/// Makes a stdio file that closes the handle. \return null with errno set for no handle
 std::FILE* fileOf(HANDLE handle, const char* mode) {
     if (handle == INVALID_HANDLE_VALUE) {
         errno = lastReason();
@@ -95,8 +95,8 @@ std::FILE* openNamed(const std::string& name, const wchar_t* mode) {
     return file;
 }
 
-/// A new file in the folder for temporary files. It usually stays in the system's cache, and goes
-/// when it is closed, however the process ends. \return null with errno set
+/// Creates a file in the folder for temporary files. It usually remains in the system's cache, and
+/// is deleted when it is closed, however the process ends. \return null with errno set
 std::FILE* openScratch() {
     wchar_t folder[MAX_PATH + 1];
     wchar_t name[MAX_PATH];
@@ -116,8 +116,8 @@ std::FILE* openScratch() {
     return file;
 }
 
-/// The file that stands in for files in memory, which Windows does not have: empty, and one for the
-/// whole process, because a new one takes long. \return null with errno set
+/// Returns an empty file in place of a file in memory, which Windows does not have. The whole
+/// process has only one, because a new one takes long. \return null with errno set
 std::FILE* emptyScratch() {
     static std::FILE* const file = openScratch();
     if (file != nullptr) {
@@ -127,7 +127,7 @@ std::FILE* emptyScratch() {
     return file;
 }
 
-/// The file that the handler of interruptions has to remove; empty for nothing. The handler runs in a thread
+/// The file that the handler of interruptions has to remove, or empty. The handler runs in a thread
 /// of its own.
 std::wstring temporaryName;
 std::mutex temporaryMutex;
@@ -144,7 +144,7 @@ void restoreCodePage() {
 BOOL WINAPI endByInterruption(DWORD /*reason*/) {
     const std::lock_guard lock(temporaryMutex);
     if (!temporaryName.empty()) {
-        DeleteFileW(temporaryName.c_str()); // gone as soon as the process has ended
+        DeleteFileW(temporaryName.c_str()); // deleted as soon as the process has ended
     }
     restoreCodePage();
     ExitProcess(interrupted);
@@ -223,8 +223,8 @@ MemoryToRead::MemoryToRead(std::string_view bytes) : file_(emptyScratch()) {
 
 MemoryToRead::~MemoryToRead() = default;
 
-/// A pipe whose other end a thread empties into a text. Windows has no files in memory, and a file
-/// on the disk would grow beyond any limit.
+/// A pipe and a thread that moves everything from its other end into a text. Windows has no files
+/// in memory, and a file on the disk would grow beyond any limit.
 struct MemoryToWrite::Storage {
     int reading = -1;
     std::FILE* writing = nullptr;
@@ -233,8 +233,8 @@ struct MemoryToWrite::Storage {
     bool isTooMuch = false;
     std::thread reader;
 
-    /// Takes what is written until the writing end is closed, or until it is too much: then nobody
-    /// reads any more, and writing fails.
+    /// Collects the written bytes until the writing end is closed or there are too many. In the
+    /// latter case nobody reads any more, and writing fails.
     void readAll() {
         char piece[16 * 1024];
         for (int got = 1; got > 0 && !isTooMuch;) {
@@ -300,8 +300,8 @@ std::FILE* createTemporary(const fs::path& folder, fs::path& path) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         path = folder / (prefix + std::to_wstring(attempt) + L".tmp");
         const std::lock_guard lock(temporaryMutex);
-        // Sharing the deletion lets the handler of interruptions remove the open file; writing the
-        // permissions lets it get those of the file that it replaces.
+        // Sharing the deletion lets the handler of interruptions remove the open file. The right to
+        // write permissions lets the file get those of the file that it replaces.
         const HANDLE handle = CreateFileW(path.c_str(), GENERIC_WRITE | WRITE_DAC,
                                           FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
                                           FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -336,7 +336,7 @@ void copyPermissions(std::FILE* file, const fs::path& from) {
     std::vector<char> descriptor(size);
     if (GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, descriptor.data(), size, &size) !=
         0) {
-        // Where it is not allowed the new file has the permissions that its folder gives it.
+        // If this is not allowed, the new file has the permissions that its folder gives it.
         SetKernelObjectSecurity(handleOf(file), DACL_SECURITY_INFORMATION, descriptor.data());
     }
 }
@@ -354,7 +354,7 @@ std::error_code replaceFile(const fs::path& from, const fs::path& to) {
 }
 
 void synchroniseFolder(const fs::path& /*folder*/) {
-    // Replacing a file waits for the folder already.
+    // Replacing a file already waits for the folder.
 }
 
 } // namespace kel::tool
