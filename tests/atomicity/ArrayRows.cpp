@@ -31,7 +31,8 @@ void addReading(Rows<A>& rows) {
     rows("int32_t getCount() const", [](A& a) { return a.getCount(); });
 }
 
-/// Setters that convert a value into the type of an element: an Int, a String and a shared Double.
+/// Adds setters that convert a value into the type of an element: an Int, a String and a shared
+/// Double.
 void addConverting(Rows<A>& rows) {
     rows("void setString(int32_t index, const char* text)", [](A& a) { a.setString(0, "77"); });
     rows(

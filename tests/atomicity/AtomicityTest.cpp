@@ -1,5 +1,5 @@
-// A call that throws has changed nothing: every public operation of every kind, with every
-// allocation failing and every observer throwing.
+// A call that throws has changed nothing. The tests run every public operation of every kind, with
+// every allocation failing and every observer throwing.
 #include "atomicity/Documents.h"
 #include "atomicity/Driver.h"
 
@@ -13,7 +13,7 @@ using namespace kel::test;
 
 namespace {
 
-/// The operations of the contract: "Class declaration".
+/// Returns the operations of the contract as "Class declaration".
 std::set<std::string> operationsOfTheContract() {
     std::set<std::string> operations;
     std::ifstream file(KEL_SLOTS_FILE);

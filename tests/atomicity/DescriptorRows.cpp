@@ -62,14 +62,14 @@ void addEnumeration(Rows<V>& rows) {
     rows("void rangeFromEnumeration()", [](V& v) { v.rangeFromEnumeration(); });
 }
 
-/// An enumerated Double without any allowed value.
+/// Makes an enumerated Double without any allowed value.
 Document emptyEnumerationDocument() {
     Document document;
     return std::move(document.add("descriptor", enumOf(KELKind_Double, arrayOf())));
 }
 
-/// One of several arrays: comparing them needs memory. Two that are not adjacent are equal to
-/// "equal".
+/// Makes a descriptor of one of several arrays, because comparing them needs memory. Two that are
+/// not adjacent are equal to "equal".
 Document containerEnumerationDocument() {
     Document document;
     document
@@ -127,7 +127,7 @@ void addAdornments(Rows<V>& rows) {
     rows("void removePostadorn()", [](V& v) { v.removePostadorn(); });
 }
 
-/// Statements of a property, whether or not it was stated before.
+/// Adds statements of a property, whether or not it was stated before.
 void addStating(Rows<V>& rows) {
     rows("bool hasWrapped() const", [](V& v) { return v.hasWrapped(); });
     rows("bool getWrapped() const", [](V& v) { return v.getWrapped(); });

@@ -17,7 +17,7 @@ struct Child {
     KEL_Impl* value;
 };
 
-/// Everything that a value holds a reference to.
+/// Returns everything that a value holds a reference to.
 std::vector<Child> childrenOf(KEL_Impl& value) {
     std::vector<Child> children;
     if (auto* selector = dynamic_cast<KEL_Selector*>(&value)) {
@@ -42,7 +42,7 @@ std::string textOf(const JHashCode& code) {
     return text;
 }
 
-/// The contents of a value without children, read without making the value format anything.
+/// Returns the contents of a value without children. The value formats nothing.
 std::string contentsOf(KEL_Impl& value) {
     if (auto* number = dynamic_cast<KEL_Int*>(&value)) {
         return "Int " + std::to_string(number->getValue());

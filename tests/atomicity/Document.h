@@ -16,22 +16,22 @@ namespace kel::test {
 /// inside a checked struct, the arrays of an index list, the list and the selection of a selector.
 class Document {
 public:
-    /// Adds a value; returns the document, so that makers are one expression.
+    /// Adds a value. Returns the document, so that makers are one expression.
     Document& add(const char* name, HeldValue value);
 
-    /// Adds something that is not a value: a string, an exception, a stream. `describe` returns
-    /// what a test compares of it.
+    /// Adds something that is not a value: a string, an exception, a stream. `describe` returns the
+    /// text that a test compares.
     Document& addOther(std::shared_ptr<void> held, std::function<std::string()> describe);
 
-    /// The value of this name, borrowed. Allocates nothing.
+    /// Returns the value of this name, borrowed. Allocates nothing.
     KEL_Impl* operator[](std::string_view name) const;
 
-    /// The value of this name as its public class, borrowed.
+    /// Returns the value of this name as its public class, borrowed.
     template <class T> T& as(std::string_view name) const {
         return dynamic_cast<T&>(*(*this)[name]);
     }
 
-    /// The subject as its public class, or the other thing that was added.
+    /// Returns the subject as its public class, or the other object that was added.
     template <class T> T& subject() const {
         if constexpr (std::is_base_of_v<KEL, T> || std::is_base_of_v<T, KEL_Impl>) {
             return dynamic_cast<T&>(*roots_.front().value);
@@ -40,7 +40,7 @@ public:
         }
     }
 
-    /// The other thing that was added at this place, from 0.
+    /// Returns the other object that was added at this place, counted from 0.
     template <class T> T& other(std::size_t place) const {
         return *static_cast<T*>(others_[place].held.get());
     }
@@ -48,15 +48,16 @@ public:
     /// Takes over a reference that a call returned to its caller.
     void owe(KEL* value) const;
 
-    /// All distinct values that can be reached, in the order of a walk from the roots.
+    /// Returns all distinct values that can be reached, in the order of a walk from the roots.
     std::vector<KEL_Impl*> values() const;
 
-    /// Kinds, contents, children in order, reference counts, observers and the changed flag of
-    /// every value. Values are numbered by the walk, so that documents made alike have the same
-    /// shape.
+    /// Returns the kinds, contents, children in order, reference counts, observers and the changed
+    /// flag of every value. Values are numbered by the walk, so that documents made alike have the
+    /// same shape.
     std::string shape() const;
 
-    /// The shape with every value's identity: equal only if nothing has been replaced.
+    /// Returns the shape with every value's identity. It is equal only if nothing has been
+    /// replaced.
     std::string exactShape() const;
 
 private:

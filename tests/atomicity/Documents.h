@@ -8,44 +8,47 @@
 
 namespace kel::test {
 
-/// A text that is too long for the small buffer of any string class.
+/// A text that does not fit the small buffer of any string class.
 inline constexpr const char* longText = "a text that fits no small buffer of any string class";
 
-/// The subject is a value of the kind that an array holds twice; "other" is one of the same kind
-/// with other contents, "equal" one with the same; "text" is a String, "number" an Int.
+/// The subject is a value of the kind that an array holds twice. "other" is a value of the same
+/// kind with other contents, and "equal" is one with the same contents. "text" is a String, and
+/// "number" is an Int.
 Document kindDocument(KELKind kind);
 
-/// The subject is a full array [Int, String, [Int], the same [Int], Double]; "holder" shares
-/// elements and the array itself; "source" has one of its elements and two new ones; "new" is a
-/// String and "number" an Int.
+/// The subject is a full array [Int, String, [Int], the same [Int], Double]. "holder" shares
+/// elements and the array itself. "source" has one of the array's elements and two new ones. "new"
+/// is a String, and "number" is an Int.
 Document arrayDocument();
 
 /// The subject is a value of the kind with the variables a (Int), b (String), i ([Int]), again (the
-/// same [Int]), n (null). "holder" shares variables and the value itself; "source" is a struct with
-/// a, x and y; "new" is a String and "number" an Int.
+/// same [Int]), n (null). "holder" shares variables and the value itself. "source" is a struct with
+/// a, x and y. "new" is a String, and "number" is an Int.
 Document structDocument(KELKind kind);
 
 /// The subject is a manager of three values. "same" has the identity of one of them.
 Document managerDocument();
 
 /// The subject is a list of five pairs whose arrays are full. The keys at 0, 2 and 4 are equal
-/// arrays, "equal" is another; those at 1 and 3 are "k" and "m". "keys" and "items" are its arrays,
-/// "twin" is a list over the same arrays; "source" has a pair of it and two new ones.
+/// arrays, and "equal" is another such array. The keys at 1 and 3 are "k" and "m". "keys" and
+/// "items" are the arrays of the list. "twin" is a list over the same arrays. "source" has a pair
+/// of the list and two new ones.
 Document indexListDocument();
 
-/// The same with String keys only: "k" at 0, 2 and 4; "equal" is another String "k".
+/// The document is the same with String keys only. The keys at 0, 2 and 4 are "k", and "equal" is
+/// another String "k".
 Document textKeysDocument();
 
-/// The subject selects the second key of "list". "otherList" is another list. A multi-selector
-/// selects all keys except the last, for which it has no room.
+/// The subject selects the second key of "list", or, if it is a multi-selector, all keys except the
+/// last, for which it has no room. "otherList" is another list.
 Document selectorDocument(KELKind kind);
 
 /// The subject is a checked struct of level (an Int from 0 to 10), mode ("slow" or "fast"), pan
-/// (null, with the default 0) and free, which is not described. "descriptor" is the one in use,
-/// "otherDescriptor" another; "rules" a description of a Double; "eleven" an Int that level
-/// refuses.
+/// (null, with the default 0) and free, which is not described. "descriptor" is the descriptor in
+/// use, and "otherDescriptor" is another one. "rules" describes a Double. "eleven" is an Int that
+/// level refuses.
 Document checkedDocument();
-/// The same without a descriptor.
+/// The document is the same without a descriptor.
 Document plainCheckedDocument();
 
 /// The subject describes a Double from -1 to 1 with all properties.
@@ -70,7 +73,7 @@ void addRuntimeRows(Table& table);
 void addStreamRows(Table& table);
 void addFactoryRows(Table& table);
 
-/// The whole table.
+/// Returns the whole table.
 Table everyRow();
 
 /// An operation without any of these promises, and the reason.

@@ -11,7 +11,7 @@ namespace kel::test {
 
 namespace {
 
-/// How a call ended.
+/// The end of a call: its exception or its result.
 struct Ending {
     std::string thrown; ///< the description of the exception; empty if none
     Answer answer;
@@ -40,8 +40,8 @@ Ending endingOf(const Row& row, const Document& document) {
     }
 }
 
-/// The same, but the allocation after the first `allowed` ones fails. The exception is described
-/// only when there is memory again.
+/// The end of a call in which the allocation after the first `allowed` ones fails. The exception is
+/// described only when there is memory again.
 struct FailedEnding : Ending {
     bool hasFailed;
 };
@@ -82,7 +82,7 @@ const char* nameOf(Face face) {
     return "";
 }
 
-/// The lines in which two shapes differ.
+/// Returns the lines in which two shapes differ.
 std::string difference(const std::string& expected, const std::string& actual) {
     const auto linesOf = [](const std::string& text) {
         std::vector<std::string> lines;
@@ -135,7 +135,7 @@ private:
         }
     }
 
-    /// \return false when the row itself is wrong
+    /// Runs the row undisturbed. \return false if the row itself is wrong
     bool runUndisturbed() {
         const JPointer<RuntimeWatcher> probe(new RuntimeWatcher());
         {
@@ -201,7 +201,7 @@ private:
         }
     }
 
-    /// When there is memory again, the same call on the same document succeeds.
+    /// Checks that the same call on the same document succeeds when there is memory again.
     void repeat(const Document& document, const Witnesses& witnesses, const std::string& when) {
         const Ending ending = endingOf(row_, document);
         if (!ending.thrown.empty() || document.shape() != shape_ || witnesses.calls() != calls_) {
@@ -214,7 +214,8 @@ private:
         return row_.face == Face::Neutral && ending.answer.isNeutral;
     }
 
-    /// A call can succeed without the memory, but then it must do all its work.
+    /// Checks the ending of a call. A call can succeed without the memory, but then it must do all
+    /// its work.
     void noteFace(const Ending& ending, const std::string& when, bool forGood) {
         if (!ending.thrown.empty()) {
             if (!isExpected(ending.thrown, forGood)) {
@@ -278,7 +279,8 @@ private:
         }
     }
 
-    /// The calls that follow when every value notifies its observers, as it does after a change.
+    /// Returns the calls that follow when every value notifies its observers, as it does after a
+    /// change.
     static std::vector<int> laterCalls(Witnesses& witnesses, const Document& document) {
         witnesses.startAgain();
         for (KEL_Impl* value : document.values()) {
@@ -287,7 +289,7 @@ private:
         return witnesses.calls();
     }
 
-    /// Calls for each value: the observer before, the thrower, the one after.
+    /// Lists the calls for each value: the observer before, the thrower, the one after.
     static std::string list(const std::vector<int>& calls) {
         std::string text;
         for (std::size_t i = 0; i < calls.size(); i += 3) {
@@ -301,7 +303,7 @@ private:
     Tally& tally_;
     std::vector<std::string> complaints_;
     std::set<std::string> said_;
-    std::map<std::string, std::string> faces_; // unexpected faces, and where first
+    std::map<std::string, std::string> faces_; // unexpected faces, and where each occurred first
     Answer answer_;
     std::string shape_;             // after the undisturbed call
     std::vector<int> calls_;        // of its observers

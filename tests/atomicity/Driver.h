@@ -13,7 +13,7 @@ struct Tally {
     int throwingObservers = 0;
 };
 
-/// \return the promises that a row's call breaks; empty if all hold
+/// Runs the row. \return the promises that its call breaks; empty if all hold
 std::vector<std::string> complaintsAbout(const Row& row, Tally& tally);
 
 } // namespace kel::test

@@ -10,7 +10,7 @@ using namespace kel::test;
 
 namespace {
 
-/// The first words of all complaints about a call of an array.
+/// Returns the first words of all complaints about a call of an array.
 template <class Call> std::string complaintsAboutCall(const Call& call, bool changes = true) {
     Table table;
     Row& row = Rows<KEL_Array>(table, "Made", arrayDocument)("void up()", call);

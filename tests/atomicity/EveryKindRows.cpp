@@ -8,7 +8,7 @@ namespace kel::test {
 
 namespace {
 
-/// Observers that do nothing, for the operations that add and take off observers.
+/// Observers that do nothing, for the operations that add and remove observers.
 class Silent : public KEL_Observer {
 public:
     virtual ~Silent() = default;

@@ -1,4 +1,4 @@
-// The exported functions that make values: without memory they return null and change nothing.
+// The exported functions that make values. Without memory they return null and change nothing.
 #include "atomicity/Documents.h"
 
 #include <kel/kel.h>
@@ -7,7 +7,7 @@ namespace kel::test {
 
 namespace {
 
-/// Values to make others from.
+/// Makes values from which others are made.
 Document partsDocument() {
     Document document;
     document.add("items", arrayOf(intOf(1), doubleOf(2.5), arrayOf(), stringOf(longText)))

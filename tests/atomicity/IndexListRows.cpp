@@ -138,7 +138,8 @@ void addAddingNamed(Rows<L>& rows) {
          [](L& l, const Document& d) { return l.addPairs(&d.as<L>("source")); });
 }
 
-/// Setters on the list whose three String keys "k" are equal to `equal`. Each sets all three texts.
+/// Adds setters on the list whose three String keys "k" are equal to `equal`. Each sets all three
+/// texts.
 void addSettingKeys(Rows<L>& texts) {
     texts("void setKeyString(const KEL* keyValue, const char* text)",
           [](L& l, const Document& d) { l.setKeyString(d["equal"], longText); });
@@ -150,7 +151,7 @@ void addSettingKeys(Rows<L>& texts) {
         "the value of another key");
 }
 
-/// A list of pairs whose keys at 0, 2 and 4 are equal to "equal".
+/// Makes a list of pairs whose keys at 0, 2 and 4 are equal to "equal".
 Document keysDocument(const HeldValue& first, const HeldValue& second, const HeldValue& third,
                       HeldValue equal) {
     Document document;

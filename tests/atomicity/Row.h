@@ -12,7 +12,7 @@
 
 namespace kel::test {
 
-/// How a call reports a lack of memory. It is the same for each of its allocations.
+/// The way in which a call reports a lack of memory. It is the same for each of its allocations.
 enum class Face {
     Runtime, ///< throws JOutOfMemoryException
     Kel, ///< throws a KELOutOfMemoryException; JOutOfMemoryException if it cannot be made either
@@ -31,7 +31,7 @@ template <class T> Owned<T> owned(T* target) {
     return {target};
 }
 
-/// \return the note of a result
+/// Notes a result. \return the note
 template <class Result> Answer answerOf(const Result& result) {
     Answer answer;
     if constexpr (std::is_same_v<Result, JHashCode>) {
@@ -83,8 +83,8 @@ struct Row {
         face = Face::Neutral;
         return *this;
     }
-    /// Returns null without memory for the object. Shows the other face without memory for its
-    /// contents.
+    /// The call returns null without memory for the object. It has the other face without memory
+    /// for the object's contents.
     Row& answersNeutralOr(Face contents) {
         faceOfContents = contents;
         return answersNeutral();

@@ -7,7 +7,7 @@ namespace kel::test {
 
 namespace {
 
-/// A document around one counted object. `describe` returns its contents.
+/// Makes a document around one counted object. `describe` returns its contents.
 template <class T, class Describe>
 Document around(const JPointer<T>& object, const Describe& describe) {
     Document document;
@@ -23,7 +23,7 @@ Document stringDocument() {
                   [](JString& s) { return std::string(s.chars()); });
 }
 
-/// A list of four names, one more than fits without growing, with the cursor at the second.
+/// Makes a list of four names, one more than fits without growing, with the cursor at the second.
 Document namesDocument() {
     const JPointer<StringEnumeration_Impl> names(new StringEnumeration_Impl());
     for (const char* name : {"a", "b", "c", "d", "e"}) {

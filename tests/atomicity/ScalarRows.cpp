@@ -6,7 +6,7 @@ namespace kel::test {
 
 namespace {
 
-/// The setters that every scalar has; Self is its class in the declarations.
+/// Adds the setters that every scalar has. Self is the scalar's class in the declarations.
 template <class T> void addSetters(Rows<T>& rows, const std::string& self) {
     rows((self + "* setBoolean(bool value)").c_str(), [](T& v) { return v.setBoolean(true); });
     rows((self + "* setInt(int32_t value)").c_str(), [](T& v) { return v.setInt(77); });
@@ -17,7 +17,7 @@ template <class T> void addSetters(Rows<T>& rows, const std::string& self) {
          [](T& v) { return v.setguid(JHashCode(9, 8, 7, 6)); });
 }
 
-/// A block whose three bytes are still unread in its source.
+/// Makes a block whose three bytes are still unread in its source.
 Document waitingBlockDocument() {
     Document document;
     const JPointer<StringReader> source(new StringReader("abc", 3));

@@ -1,4 +1,4 @@
-// Writing and reading whole values. A failed call can have written or consumed bytes, but it leaves
+// Writes and reads whole values. A failed call can have written or consumed bytes, but it leaves
 // the values unchanged.
 #include "atomicity/Documents.h"
 #include "serial/text/KELStringOutputStream_Impl.h"
@@ -8,7 +8,7 @@ namespace kel::test {
 
 namespace {
 
-/// A value that both formats can carry.
+/// Makes a value that both formats can carry.
 HeldValue plainValue() {
     const HeldValue shared = stringOf(longText);
     return structOf("a", intOf(1), "b", shared, "again", shared, "list",
@@ -42,7 +42,7 @@ template <class Stream> struct Outputs {
     bool isUsed = false;
 };
 
-/// A value, and the streams that it is written to.
+/// Makes a value, and the streams that it is written to.
 template <class Stream> Document outputDocument() {
     Document document;
     document.add("value", plainValue());
@@ -50,7 +50,7 @@ template <class Stream> Document outputDocument() {
     return document;
 }
 
-/// A stream over the bytes.
+/// Makes a stream over the bytes.
 template <class Stream> Document inputDocument(const std::string& bytes) {
     Document document;
     const auto text = std::make_shared<std::string>(bytes);
@@ -67,7 +67,7 @@ struct StringStream {
     JPointer<KELStringOutputStream_Impl> stream{new KELStringOutputStream_Impl()};
 };
 
-/// One string output stream that a value was written to.
+/// Makes one string output stream that a value was written to.
 Document writtenDocument() {
     Document document;
     const auto written = std::make_shared<StringStream>();

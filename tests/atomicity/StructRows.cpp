@@ -65,7 +65,7 @@ void addAdding(Rows<S>& rows, KELKind kind) {
     rows(
         "void addVar(const char* name, KEL* value)",
         [](S& s, const Document& d) { s.addVar(longText, d["new"]); }, "a new name");
-    if (kind != KELKind_MetaKel) { // whose addVar neither replaces nor stores null
+    if (kind != KELKind_MetaKel) { // MetaKel's addVar neither replaces nor stores null
         rows(
             "void addVar(const char* name, KEL* value)",
             [](S& s, const Document& d) { s.addVar("i", d["new"]); }, "in place of a shared value");

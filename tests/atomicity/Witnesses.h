@@ -11,7 +11,7 @@
 
 namespace kel::test {
 
-/// How an observer throws: by value, or as hosts throw their own failures.
+/// The exception of an observer, thrown by value or as hosts throw their own failures.
 struct ObserverFailure {
     int number;
 };
@@ -56,7 +56,7 @@ public:
     std::size_t watched() const { return all_.size() / 3; }
     Witness& thrower(std::size_t value) { return all_[3 * value + 1]; }
 
-    /// Stops them from throwing and resets the counts of calls.
+    /// Stops the witnesses from throwing and resets their counts of calls.
     void startAgain() {
         for (Witness& witness : all_) {
             witness.throwing = Throwing::Nothing;
@@ -64,7 +64,8 @@ public:
         }
     }
 
-    /// The calls of all of them: for each value the observer before, the thrower, the one after.
+    /// Returns the calls of all witnesses: for each value the observer before, the thrower, the one
+    /// after.
     std::vector<int> calls() const {
         std::vector<int> counts;
         for (const Witness& witness : all_) {

@@ -1,4 +1,4 @@
-# Runs the benchmarks as briefly as they can be run, then the report.
+# Runs the benchmarks as briefly as possible, then the report.
 set(ENV{KEL_BENCH_DATA} "")
 set(ENV{KEL_BENCH_MAX_VALUES} 10000)
 execute_process(

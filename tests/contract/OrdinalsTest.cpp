@@ -1,5 +1,5 @@
-// KEL.dll for hosts that were not linked with it. The test loads the DLL by name, looks up every
-// function by its ordinal and calls it.
+// Tests KEL.dll for hosts that were not linked with it. The test loads the DLL by name, looks up
+// every function by its ordinal and calls it.
 #include <gtest/gtest.h>
 #include <kel/kel.h>
 
@@ -47,7 +47,7 @@ protected:
 
     void deleteKel(KEL* value) const { call<void, KEL*>(1, value); }
 
-    /// The text form of a value. Deletes the value.
+    /// Returns the text form of a value. Deletes the value.
     std::string takeText(KEL* value) const {
         auto* stream = call<KELStringOutputStream*>(109);
         stream->write(value);
@@ -59,7 +59,7 @@ protected:
 
     KEL_Int* number(int32_t value) const { return call<KEL_Int*, int32_t>(53, value); }
 
-    /// The array [ 1 2 ].
+    /// Returns the array [ 1 2 ].
     KEL_Array* oneAndTwo() const {
         auto* array = call<KEL_Array*>(51);
         array->addInt(1);
@@ -67,7 +67,7 @@ protected:
         return array;
     }
 
-    /// Ends the output stream after the value 7 has been written.
+    /// Writes the value 7 and ends the output stream.
     void writeSeven(KELOutputStream* stream) const {
         KEL_Int* seven = number(7);
         stream->write(seven);
@@ -84,7 +84,7 @@ protected:
         return found;
     }
 
-    /// The name of a file of the test's own.
+    /// Returns the name of a file of the test's own.
     const char* fileName() const { return fileName_.c_str(); }
 
     std::string fileBytes() const {

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Compares what KEL.dll exports and imports with what it is meant to.
+"""Compares the exports and imports of KEL.dll with the intended ones.
 
     check_dll.py TABLE DLL
 
 TABLE is src/exports/exports.txt. The DLL's export table must hold its standard-call names at its
-ordinals and nothing else, least of all at the ordinals between; each export is a function of the
+ordinals and nothing else, least of all at the ordinals between. Each export is a function of the
 DLL itself. The DLL may import from the system and from the run-time libraries that are shipped with
-it only, and has to import the system's functions that it is built on.
+it only, and must import the system's functions that it is built on.
 Prints one line per difference and ends with status 1 if there is any.
 """
 import pathlib
@@ -22,7 +22,7 @@ SHIPPED = {"libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}
 
 
 class Image:
-    """The tables of a 32-bit Windows binary."""
+    """Reads the tables of a 32-bit Windows binary."""
 
     def __init__(self, data):
         self.data = data
@@ -45,7 +45,7 @@ class Image:
         return struct.unpack_from("<I", self.data, at)[0]
 
     def offset(self, address):
-        """The byte offset in the file of the byte that is loaded at the address."""
+        """Returns the byte offset in the file of the byte that is loaded at the address."""
         for size, start, stored, place in self.sections:
             if start <= address < start + max(size, stored):
                 return place + address - start
@@ -56,7 +56,8 @@ class Image:
         return self.data[at:self.data.index(b"\0", at)].decode("ascii")
 
     def exports(self):
-        """The library's own name and its exports: ordinal to (names, address of the function)."""
+        """Returns the library's own name and its exports: ordinal to (names, address of the
+        function)."""
         at = self.offset(self.export_table[0])
         name, base, functions, names = struct.unpack_from("<IIII", self.data, at + 12)
         addresses, name_list, ordinal_list = struct.unpack_from("<III", self.data, at + 28)
@@ -75,7 +76,8 @@ class Image:
         return start <= address < start + size
 
     def imports(self):
-        """The imported functions: pairs of library and name; None for one imported by ordinal."""
+        """Yields the imported functions as pairs of library and name. The name is None for a
+        function imported by ordinal."""
         at = self.offset(self.import_table[0])
         while (library := self.word(at + 12)) != 0:
             entry = self.offset(self.word(at) or self.word(at + 16))
@@ -86,7 +88,7 @@ class Image:
 
 
 def compare_exports(listed, exported, is_forwarder):
-    """listed: ordinal to name; exported: ordinal to (names, address)."""
+    """Yields the differences. listed: ordinal to name; exported: ordinal to (names, address)."""
     for ordinal in sorted(set(listed) | set(exported)):
         names, address = exported.get(ordinal, ([], None))
         if ordinal not in listed:
@@ -100,7 +102,7 @@ def compare_exports(listed, exported, is_forwarder):
 
 
 def compare_imports(imports):
-    """imports: pairs of library and function."""
+    """Yields the differences. imports: pairs of library and function."""
     libraries = {library for library, _ in imports}
     for name in sorted(libraries - SYSTEM - SHIPPED):
         yield f"imports from {name}"

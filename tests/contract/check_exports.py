@@ -5,14 +5,15 @@
     check_exports.py --write TABLE PAGE INCLUDE CLANG   writes names and the page's table
 
 TABLE is src/exports/exports.txt and PAGE docs/abi.md. INCLUDE declares exactly the functions of the
-table, with KEL_API. LISTS is the folder of the lists that CMake made for linkers: each holds what the
-table says. Clang knows the names that compilers for mingw and of Microsoft give to functions, and those
-on Linux, which the table does not repeat.
+table, with KEL_API. LISTS is the folder of the lists that CMake made for linkers. Each holds the
+table's functions. Clang knows the names that compilers for mingw and of Microsoft give to
+functions. It also knows those on Linux, which the table does not repeat.
 
---write fills in the names of the table's rows, so a new function needs no more than
+--write fills in the names of the table's rows, so a new function needs only
 "ordinal | declaration".
 
-Prints one line per difference and ends with status 1 if there is any, 77 when CLANG is not there.
+Prints one line per difference and ends with status 1 if there is any. Ends with status 77 if CLANG
+is not there.
 """
 import pathlib
 import shutil
@@ -30,7 +31,7 @@ NAMES = {"x86_64-linux-gnu": exports.linux_name, "i686-linux-gnu": exports.linux
 
 
 def compare_declarations(rows, declared):
-    """declared: the declarations of the headers."""
+    """Yields the differences. declared: the declarations of the headers."""
     listed = [row.declaration for row in rows]
     for declaration in sorted(set(listed) | set(declared)):
         if listed.count(declaration) != declared.count(declaration):
@@ -39,7 +40,7 @@ def compare_declarations(rows, declared):
 
 
 def compare_page(rows, on_page):
-    """on_page: ordinal to declaration."""
+    """Yields the differences. on_page: ordinal to declaration."""
     listed = {row.ordinal: row.declaration for row in rows}
     for ordinal in sorted(set(listed) | set(on_page)):
         if listed.get(ordinal) != on_page.get(ordinal):
@@ -48,7 +49,7 @@ def compare_page(rows, on_page):
 
 
 def compare_lists(rows, lists):
-    """lists: name of a list to its text."""
+    """Yields the differences. lists: name of a list to its text."""
     expected = {"kel.def": [(row.ordinal, row.standard_call) for row in rows],
                 "kel_msvc.def": [(row.ordinal, row.microsoft) for row in rows],
                 "kel.map": [exports.linux_name(row) for row in rows]}
@@ -60,7 +61,8 @@ def compare_lists(rows, lists):
 
 
 def compare_names(rows, target, names):
-    """names: declaration to the name that the target's compiler gives it."""
+    """Yields the differences. names: declaration to the name that the target's compiler gives
+    it."""
     for row in rows:
         name = names.get(row.declaration)
         if name is not None and NAMES[target](row) != name:

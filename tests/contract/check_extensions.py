@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Compiles the library's sources as standard C++ and nothing else.
+"""Compiles the library's sources as standard C++ only.
 
     check_extensions.py ROOT CLANG
 
-Whoever builds the library with another compiler needs sources without extensions of ours. clang++ makes
-each one an error that it knows: extensions of GNU and of Microsoft, what only C has, and what is newer
-than C++20. src/platform is left out; there the systems are.
-Prints one line per file that fails and ends with status 1 if there is any, 77 when CLANG is not there.
+Other compilers need sources without the extensions of our compiler. clang++ treats each extension
+that it knows as an error: those of GNU and of Microsoft, features of C alone, and features newer
+than C++20. src/platform is left out, because it holds the code for each system.
+Prints one line per file that fails and ends with status 1 if there is any. Ends with status 77 if
+CLANG is not there.
 """
 import concurrent.futures
 import pathlib

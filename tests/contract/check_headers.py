@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Compiles every public header alone, as a host would that includes just that one.
+"""Compiles every public header alone, like a host that includes only that one.
 
     check_headers.py INCLUDE COMPILER...
 
-C++17, every warning an error, and without the folders of the C++ standard library, so that a header
-which needs part of it is found out. clang++ compiles them for Windows as well, for mingw and for
-Microsoft's compiler, without any system's headers. A compiler that is not installed is passed over,
-except the first, which builds the library.
+The headers are compiled as C++17, with every warning an error, and without the folders of the C++
+standard library, so that a header that needs part of it fails. clang++ also compiles them for
+Windows, for mingw and for Microsoft's compiler, without any system's headers. A compiler that is
+not installed is skipped, except the first, which builds the library.
 """
 import concurrent.futures
 import pathlib
@@ -30,7 +30,8 @@ def compile_alone(command, include, header):
 
 
 def commands(compilers, system):
-    """How to call each compiler; system: a folder that replaces a system's headers."""
+    """Yields the command that calls each compiler. system: a folder that replaces a system's
+    headers."""
     for compiler in compilers:
         yield [compiler, "-nostdinc++"]
         if "clang++" in pathlib.Path(compiler).name:

@@ -8,10 +8,10 @@ The rules, each with its reason:
 - In a layer with rooms (folders of its own), a room includes itself, the rooms that ROOMS lists for
   it and the files beside the rooms, the hall. The hall includes no room.
 - include/kel includes itself and three C headers, so that a host needs no C++ standard library.
-- The tool, the host tests, the examples and the benchmarks are hosts: of ours they see include/kel
-  and files of their own folder only.
-- Headers of a system, and code for one compiler or system, stand in src/platform and in
-  include/kel/config.h only; everywhere else the library is standard C++.
+- The tool, the host tests, the examples and the benchmarks are hosts. Of our files they include
+  only include/kel and the files of their own folder.
+- Headers of a system, and code for one compiler or system, are in src/platform and in
+  include/kel/config.h only. Everywhere else the library is standard C++.
 Prints one line per offence and ends with status 1 if there is any.
 """
 import pathlib
@@ -33,7 +33,7 @@ NOT_CODE = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n
 
 
 def includes_of(text):
-    """The included names of a source text, each with "quoted" or "angled"."""
+    """Yields the included names of a source text, each with "quoted" or "angled"."""
     without_comments = re.sub(r"//[^\n]*|/\*.*?\*/", "", text, flags=re.DOTALL)
     for match in INCLUDE.finditer(without_comments):
         yield (match.group(1), "quoted") if match.group(1) else (match.group(2), "angled")
@@ -62,7 +62,8 @@ def check_layer(name, text, layer, exists):
 
 
 def room_of(folders):
-    """The room that a file belongs to, from its folders below src/; None for every hall."""
+    """Returns the room that a file belongs to, from its folders below src/, or None for every
+    hall."""
     return folders[1] if len(folders) > 1 else None
 
 
@@ -101,7 +102,7 @@ def check_portable(name, text):
 
 
 def check_umbrella(headers):
-    """Every public header is reached from kel.h. headers: name to text."""
+    """Checks that every public header is reached from kel.h. headers: name to text."""
     reached, waiting = set(), ["kel/kel.h"]
     while waiting:
         name = waiting.pop()

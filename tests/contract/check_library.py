@@ -3,8 +3,8 @@
 
     check_library.py TABLE LIBRARY NM
 
-TABLE is src/exports/exports.txt. LIBRARY exports each of its functions and nothing else: no type
-information, no virtual table, no inline function of a public class.
+TABLE is src/exports/exports.txt. LIBRARY must export each of its functions and nothing else: no
+type information, no virtual table, no inline function of a public class.
 Prints one line per difference and ends with status 1 if there is any.
 """
 import pathlib
@@ -15,7 +15,7 @@ import exports
 
 
 def parse_nm(text):
-    """The defined dynamic symbols of nm -D --defined-only: name to type letter."""
+    """Returns the defined dynamic symbols of nm -D --defined-only: name to type letter."""
     symbols = {}
     for line in text.splitlines():
         fields = line.split()

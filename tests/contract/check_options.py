@@ -3,8 +3,8 @@
 
     check_options.py CMAKE ROOT GENERATOR COMPILER
 
-The library alone must remain, with a message for each feature that is left out. A feature that was
-asked for by name must be an error instead.
+Only the library must remain, with a message for each feature that is left out. A feature that was
+requested by name must be an error instead.
 """
 import subprocess
 import sys

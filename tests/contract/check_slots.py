@@ -4,21 +4,22 @@
     check_slots.py DOCS INCLUDE CLANG            compares
     check_slots.py --write DOCS INCLUDE CLANG    writes the contract from the headers
 
-DOCS holds the page abi.md and its twin for programs, abi/slots.txt and abi/layout.txt. A slot is the
-place of an operation among those that its class itself introduces, counted from 0 and without the
-destructor. Hosts that were compiled long ago call operations by their slots, so a difference is a
-mistake in the header, not in the document.
+DOCS holds the page abi.md and its twin for programs, abi/slots.txt and abi/layout.txt. A slot is
+the index of an operation among those that its class itself introduces, counted from 0 and without
+the destructor. Hosts that were compiled long ago call operations by their slots, so a difference is
+a mistake in the header, not in the document.
 
 Clang shows the output of compilers from the public headers alone, for each target, without any
-system's own headers. The twin's operations have to compile there with their exact types; clang's tables
-and layouts have to be the twin's. The tests that are made from the same twin (make_slot_tests.py) call
-by slot on the platforms that run.
+system's own headers. The twin's operations must compile there with their exact types. Clang's
+tables and layouts must equal the twin's. The tests that are made from the same twin
+(make_slot_tests.py) call by slot on the platforms that run them.
 
 --write is for new operations and classes. It gives them the version of the headers and keeps the
 version of all others. A new class needs its heading on the page first, and a new number its row in
-layout.txt, with any numbers. Review what changed: no released slot may.
+layout.txt, with any numbers. Review the changes. No released slot may change.
 
-Prints one line per difference and ends with status 1 if there is any, 77 when CLANG is not there.
+Prints one line per difference and ends with status 1 if there is any. Ends with status 77 if CLANG
+is not there.
 """
 import pathlib
 import shutil
@@ -31,7 +32,8 @@ import page
 
 
 def compare(ours, theirs, where):
-    """Differences between the twin's tables and other ones, both class to rows in order of slots."""
+    """Yields the differences between the twin's tables and other ones. Both map a class to rows in
+    order of slots."""
     for name in sorted(set(ours) | set(theirs)):
         if name not in theirs:
             yield f"{name}: introduces no operation {where}"
@@ -46,7 +48,7 @@ def compare(ours, theirs, where):
 
 
 def compare_page(tables, facts, text):
-    """Differences between the twin and the page."""
+    """Yields the differences between the twin and the page."""
     page_tables, page_facts = page.parse(text)
     plain = {name: [f"{row.slot} {row.operation} since {row.since}" for row in rows]
              for name, rows in tables.items()}
@@ -59,13 +61,13 @@ def compare_page(tables, facts, text):
 
 
 def found_by(compiler, target, include, tables, facts):
-    """The compiled headers: class to (place to operation), and a number per fact."""
+    """Returns the compiled headers: class to (place to operation), and a number per fact."""
     dump, output = clang.ask(compiler, target, include, clang.probe(tables, facts))
     return clang.parse_tables(dump), clang.numbers_in(facts, dump, output)
 
 
 def compare_target(tables, facts, target, made, numbers):
-    """Differences between the twin and the facts found for a target."""
+    """Yields the differences between the twin and the facts found for a target."""
     column = clang.TARGETS[target].column
     where = f"for {target}"
     first = contract.first_slots(facts)
@@ -86,7 +88,8 @@ def compare_target(tables, facts, target, made, numbers):
 
 
 def tables_from(classes, tables, version, order):
-    """Tables of the headers' operations, with the versions that the twin has for them."""
+    """Returns the tables of the headers' operations, with the versions that the twin has for
+    them."""
     missing = sorted(set(classes) - set(order))
     if missing:
         sys.exit("\n".join(f"{name}: first give it a heading ### `{name}` on the page"
@@ -98,9 +101,9 @@ def tables_from(classes, tables, version, order):
 
 
 def facts_from(facts, found):
-    """The facts with the numbers that are found, and the first slots of every class that has one.
+    """Returns the facts with the numbers found, and the first slots of every class that has one.
 
-    found: target to (tables, numbers) as of found_by.
+    found: target to (tables, numbers) from found_by.
     """
     def across(number_for):
         numbers = [None, None, None]

@@ -28,13 +28,15 @@ DEFINED = re.compile(r'^define (?!linkonce_odr|internal)[^@]*@("(?:[^"\\]|\\.)*"
 
 
 def write_stdio(folder, target):
-    """The public headers need only FILE from a system, and a host only passes it on."""
+    """Writes a stdio.h with FILE alone. The public headers need no more from a system, and a host
+    only passes it on."""
     tag = TARGETS[target].file
     pathlib.Path(folder, "stdio.h").write_text(f"#pragma once\ntypedef struct {tag} FILE;\n")
 
 
 def ask(clang, target, include, source):
-    """Clang's dumps and its output for a source. A source that does not compile ends the program."""
+    """Returns clang's dumps and its output for a source. A source that does not compile ends the
+    program."""
     with tempfile.TemporaryDirectory() as folder:
         write_stdio(folder, target)
         output = pathlib.Path(folder, "output")
@@ -48,7 +50,8 @@ def ask(clang, target, include, source):
 
 
 def symbol(name):
-    """A symbol of clang's output as the linker sees it, less the lead that 32-bit Windows adds."""
+    """Returns a symbol of clang's output as the linker sees it, without the lead that 32-bit
+    Windows adds."""
     name = name.strip('"')
     if name.startswith("\\01"):
         name = name[len("\\01"):]
@@ -57,7 +60,7 @@ def symbol(name):
 
 
 def names_of(clang, target, include, declarations):
-    """The linker's name of each exported function: declaration to name."""
+    """Returns the linker's name of each exported function: declaration to name."""
     lines = ["#define KEL_BUILDING", "#include <kel/kel.h>"]
     for declaration in declarations:
         body = "" if declaration.startswith("void ") else " return nullptr; "
@@ -70,7 +73,8 @@ def names_of(clang, target, include, declarations):
 
 
 def probe(tables, facts):
-    """A program that names each operation with its exact type and each number that clang finds."""
+    """Returns a program that names each operation with its exact type and each number that clang
+    finds."""
     lines = ["#include <kel/kel.h>"]
     for name, rows in tables.items():
         for row in rows:
@@ -84,14 +88,15 @@ def probe(tables, facts):
 
 
 def type_form(owner, operation):
-    """An operation as clang names it: types alone, the class's template arguments left out."""
+    """Returns an operation as clang names it: types alone, without the class's template
+    arguments."""
     result, name, types, constant = contract.parse_operation(owner, operation)
     text = f"{result} {name}({', '.join(types)}){constant}"
     return contract.normal(text.replace(f"{owner}<{contract.ARGUMENT}>", owner))
 
 
 def dumped_form(owner, entry):
-    """The same from a line of clang's dump; None for a destructor."""
+    """Returns the same form for a line of clang's dump, or None for a destructor."""
     text = re.sub(r"\s*\[[^\]]*\]", "", entry)
     text = re.sub(r"\s*__attribute__\(\(\w+\)\)", "", text)
     text = re.sub(rf"\b{owner}(?:<\w+>)?::(?=[\w~])", "", text)
@@ -101,7 +106,8 @@ def dumped_form(owner, entry):
 
 
 def parse_tables(dump):
-    """The classes' own operations from clang's dump of virtual tables: class to index to operation."""
+    """Returns the classes' own operations from clang's dump of virtual tables: class to index to
+    operation."""
     tables, name = {}, None
     for line in dump.splitlines():
         start, entry = INDICES.match(line), ENTRY.match(line)
@@ -118,7 +124,7 @@ def parse_tables(dump):
 
 
 def parse_records(dump):
-    """Places from clang's dump of layouts: (type, member or base) to offset."""
+    """Returns places from clang's dump of layouts: (type, member or base) to offset."""
     places, name = {}, None
     for line in dump.splitlines():
         start, member = RECORD.match(line), MEMBER.match(line)
@@ -134,7 +140,7 @@ def parse_records(dump):
 
 
 def numbers_in(facts, dump, output):
-    """The number that clang finds for each fact except the first slots, or None."""
+    """Returns the number that clang finds for each fact except the first slots, or None."""
     records = parse_records(dump)
     constants = {int(place): int(number) for place, number in NUMBER.findall(output)}
     return [constants.get(place) if fact.kind in contract.EXPRESSIONS

@@ -1,9 +1,9 @@
-"""The binary contract as programs read it: docs/abi/slots.txt and docs/abi/layout.txt, which say the
-same as the tables of docs/abi.md (see page.py).
+"""Reads the binary contract for programs: docs/abi/slots.txt and docs/abi/layout.txt. They hold the
+same facts as the tables of docs/abi.md (see page.py).
 
 slots.txt has a row "Class slot operation since" for every operation. layout.txt has a row "what
-linux64 other32 microsoft32" for every number that a host's code has built in: sizes, alignments,
-offsets, and the place in its class's table where an interface's own operations begin.
+linux64 other32 microsoft32" for every number that is compiled into a host: sizes, alignments,
+offsets, and the index in its class's table where an interface's own operations begin.
 """
 import collections
 import pathlib
@@ -19,7 +19,7 @@ LAYOUT_KINDS = ["sizeof", "alignof", "offsetof", "field", "base", "first"]
 # These kinds assert an expression of the type, and of the member for the last.
 EXPRESSIONS = {"sizeof", "alignof", "offsetof"}
 
-# A template is looked at with this argument.
+# A template is examined with this argument.
 ARGUMENT = "JObject"
 TEMPLATES = {"JPointer"}
 
@@ -29,18 +29,19 @@ Operation = collections.namedtuple("Operation", "result name arguments constant"
 
 
 def normal(signature):
-    """A signature with one way to set blanks."""
+    """Returns a signature in which blanks are set in one way."""
     text = re.sub(r"\s+", " ", signature.strip())
     return re.sub(r"\s*([*&])\s*", r"\1 ", text).replace("( ", "(").replace(" )", ")").replace(" ,", ",")
 
 
 def type_name(owner):
-    """The owner as a C++ type."""
+    """Returns the owner as a C++ type."""
     return f"{owner}<{ARGUMENT}>" if owner in TEMPLATES else owner
 
 
 def parse_operation(owner, operation):
-    """An operation with its types as C++ types, without the names of arguments; None if unreadable."""
+    """Returns an operation with its types as C++ types, without the names of arguments, or None if
+    it is unreadable."""
     match = SIGNATURE.match(operation)
     if match is None:
         return None
@@ -58,7 +59,8 @@ def parse_operation(owner, operation):
 
 
 def member_pointer(owner, operation):
-    """A C++ expression: the pointer to the one member that has the operation's exact type."""
+    """Returns a C++ expression: the pointer to the one member that has the operation's exact
+    type."""
     result, name, types, constant = operation
     cpp = type_name(owner)
     return f"static_cast<{result} ({cpp}::*)({', '.join(types)}){constant}>(&{cpp}::{name})"
@@ -69,7 +71,7 @@ def data_lines(text):
 
 
 def parse_slots(text):
-    """The rows of slots.txt by class, and complaints about lines."""
+    """Returns the rows of slots.txt by class, and complaints about lines."""
     tables, bad = {}, []
     for line in data_lines(text):
         match = SLOT.match(line)
@@ -87,7 +89,7 @@ def parse_slots(text):
 
 
 def parse_layout(text):
-    """The rows of layout.txt, and complaints about lines."""
+    """Returns the rows of layout.txt, and complaints about lines."""
     facts, bad = [], []
     for line in data_lines(text):
         match = LAYOUT.match(line)
@@ -100,17 +102,18 @@ def parse_layout(text):
 
 
 def first_slots(facts):
-    """Where each class's own operations begin, for classes where that is not 0."""
+    """Returns where each class's own operations begin, for classes where that is not 0."""
     return {fact.what: fact.numbers for fact in facts if fact.kind == "first"}
 
 
 def expression(fact):
-    """C++ for the number of a fact whose kind is one of EXPRESSIONS."""
+    """Returns C++ for the number of a fact whose kind is one of EXPRESSIONS."""
     return f"{fact.kind}({fact.what.replace(' ', ', ') if fact.kind == 'offsetof' else fact.what})"
 
 
 def assertions(facts):
-    """C++ that asserts the facts on the compiling platform. It asserts none on 64-bit Windows."""
+    """Returns C++ that asserts the facts on the compiling platform. It asserts none on 64-bit
+    Windows."""
     lines = ["#include <kel/kel.h>",
              "#if !defined(_WIN64)",
              "#if defined(_MSC_VER)",
@@ -128,7 +131,7 @@ def assertions(facts):
 
 
 def slots_text(old, tables):
-    """slots.txt with other tables under the comments of its old text."""
+    """Returns slots.txt with other tables under the comments of its old text."""
     head = old[:old.index("\n\n")] if "\n\n" in old else old.rstrip("\n")
     blocks = ["\n".join(f"{name} {row.slot} {row.operation} {row.since}" for row in rows)
               for name, rows in tables.items()]
@@ -136,7 +139,8 @@ def slots_text(old, tables):
 
 
 def layout_text(old, facts):
-    """layout.txt with the numbers of the facts, and at its end the facts that it did not have."""
+    """Returns layout.txt with the numbers of the facts. The facts that it did not have are at its
+    end."""
     left = {(fact.kind, fact.what): fact.numbers for fact in facts}
     lines = []
     for line in old.splitlines():
@@ -150,7 +154,7 @@ def layout_text(old, facts):
 
 
 def read(folder):
-    """slots.txt and layout.txt of a folder: tables, facts, complaints."""
+    """Returns the contents of slots.txt and layout.txt of a folder: tables, facts, complaints."""
     tables, bad = parse_slots(pathlib.Path(folder, "slots.txt").read_text())
     facts, more = parse_layout(pathlib.Path(folder, "layout.txt").read_text())
     return tables, facts, bad + more

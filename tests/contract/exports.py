@@ -12,7 +12,7 @@ Export = collections.namedtuple("Export", "ordinal declaration microsoft standar
 
 
 def parse(text):
-    """The rows of exports.txt, and complaints about lines."""
+    """Returns the rows of exports.txt, and complaints about lines."""
     rows, bad = [], []
     for line in text.splitlines():
         match = ROW.match(line)
@@ -31,17 +31,19 @@ def line_of(row):
 
 
 def linux_name(row):
-    """The name on Linux: the standard-call name without decoration, with the other tag of FILE."""
+    """Returns the name on Linux: the standard-call name without decoration, with the other tag of
+    FILE."""
     return re.sub(r"@\d+$", "", row.standard_call).replace("6_iobuf", "8_IO_FILE")
 
 
 def parse_def(text):
-    """A .def file: pairs of ordinal and name; None for any line except its head."""
+    """Returns the pairs of ordinal and name in a .def file, and None for any other line except its
+    head."""
     lines = text.splitlines()
     head, rows = lines[:len(DEF_HEAD)], [DEF_ROW.match(line) for line in lines[len(DEF_HEAD):]]
     return [None] * (head != DEF_HEAD) + [row and (int(row.group(2)), row.group(1)) for row in rows]
 
 
 def parse_map(text):
-    """The functions that a version script exports."""
+    """Returns the functions that a version script exports."""
     return [match.group(1) for match in map(MAP_ROW.match, text.splitlines()) if match]

@@ -1,4 +1,4 @@
-"""The public headers, read for the operations of their classes and for exported functions."""
+"""Reads the public headers for the operations of their classes and for exported functions."""
 import pathlib
 import re
 
@@ -12,7 +12,7 @@ VERSION = re.compile(r"^#define KEL_VERSION_(?:MAJOR|MINOR) (\d+)$", re.MULTILIN
 
 
 def body_of(text, start):
-    """The text from start to the brace that closes the one before it."""
+    """Returns the text from start to the brace that closes the one before it."""
     depth = 1
     for place in range(start, len(text)):
         depth += {"{": 1, "}": -1}.get(text[place], 0)
@@ -22,7 +22,8 @@ def body_of(text, start):
 
 
 def classes_of(header):
-    """The classes of a header's text that introduce virtual operations: name to signatures."""
+    """Returns the classes of a header's text that introduce virtual operations: name to
+    signatures."""
     text = COMMENT.sub("", header)
     found = {}
     for match in CLASS.finditer(text):
@@ -35,7 +36,7 @@ def classes_of(header):
 
 
 def functions_of(header):
-    """The declarations of a header's exported functions, without the macros."""
+    """Returns the declarations of a header's exported functions, without the macros."""
     return [contract.normal(result + function)
             for result, function in FUNCTION.findall(COMMENT.sub("", header))]
 
@@ -53,5 +54,5 @@ def functions_in(include):
 
 
 def version_in(include):
-    """The version that new operations come with, such as 1.0."""
+    """Returns the version that new operations get, such as 1.0."""
     return ".".join(VERSION.findall(pathlib.Path(include, "kel", "config.h").read_text()))

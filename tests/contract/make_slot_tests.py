@@ -3,10 +3,10 @@
 
     make_slot_tests.py FOLDER OUTPUT
 
-OUTPUT is a source of the host tests. For every class that a host can derive from it has a recorder: an
-implementation whose operations remember that they ran. A test calls every slot of it and expects the
-operation of the contract. Pointers to members are compared for all classes. Sizes and offsets are
-asserted when the source is compiled.
+OUTPUT is a source of the host tests. It has a recorder for every class that a host can derive from:
+an implementation whose operations remember that they ran. A test calls every slot of the recorder
+and expects the operation of the contract. Pointers to members are compared for all classes. Sizes
+and offsets are asserted when the source is compiled.
 """
 import pathlib
 import sys

@@ -1,4 +1,4 @@
-"""The tables of the page docs/abi.md: reading them, and writing them from the facts."""
+"""Reads the tables of the page docs/abi.md, and writes them from the facts."""
 import re
 
 import contract
@@ -18,7 +18,7 @@ FUNCTION_SECTION = "Exported functions"
 
 
 def parse(text):
-    """The slot tables by class, and the rows about layout."""
+    """Returns the slot tables by class, and the rows about layout."""
     tables, facts, name = {}, [], None
     for line in text.splitlines():
         heading, slot, layout = HEADING.match(line), SLOT_ROW.match(line), LAYOUT_ROW.match(line)
@@ -34,7 +34,7 @@ def parse(text):
 
 
 def functions(text):
-    """The exported functions: ordinal to declaration."""
+    """Returns the exported functions: ordinal to declaration."""
     rows = filter(None, map(FUNCTION_ROW.match, text.splitlines()))
     return {int(row.group(1)): row.group(2) for row in rows}
 
@@ -57,7 +57,8 @@ def function_rows(rows):
 
 
 def with_table(text, heading, table):
-    """The page with another table in the section of a heading; a section without one gets it first."""
+    """Returns the page with another table in the section of a heading. The table is placed first in
+    a section without one."""
     lines = text.splitlines()
     places = [place for place, line in enumerate(lines) if HEADING.match(line)]
     begin = next(place for place in places if HEADING.match(lines[place]).group(1) == heading) + 1

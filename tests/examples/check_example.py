@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Runs an example and compares what it prints and the files it makes with what is stored.
+"""Runs an example and compares its output and the files that it makes with the stored ones.
 
     check_example.py PROGRAM FOLDER [ARGUMENT...]
 
 The program runs in a scratch folder that holds copies of the files of FOLDER. Each file of
-FOLDER/expected is compared: "stdout" with the output, others with the file of that name.
+FOLDER/expected is compared: "stdout" with the output, any other with the file of that name.
 The environment variable KEL_LAUNCHER names a program that runs it where the system cannot.
 """
 import difflib

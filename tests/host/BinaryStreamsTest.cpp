@@ -1,4 +1,4 @@
-// Binary streams, as a host uses them.
+// Uses binary streams as a host does.
 #include "StreamSupport.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@ namespace {
 
 constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
 
-/// A value of the kind with an identity of the test's choice.
+/// Returns a value of the kind with an identity of the test's choice.
 Held<KEL> valueWith(int32_t kind, const JHashCode& identity) {
     const auto manager = hold(CreateKELManager());
     return hold(manager->createKel(kind, identity));

@@ -48,7 +48,7 @@ public:
     Held<KEL_Array> array() { return make<KEL_Array>(KELKind_Array); }
     Held<KEL_Struct> structure() { return make<KEL_Struct>(KELKind_Struct); }
 
-    /// Another owner's reference to a value, under its general face.
+    /// Returns another owner's reference to a value as its base class.
     template <class T> static Held<KEL> given(const Held<T>& value) {
         value->addRef();
         return hold(static_cast<KEL*>(value.get()));
@@ -63,7 +63,7 @@ void add(const Held<KEL_Array>& array, const Held<KEL>& value) {
     array->addVar(value.get());
 }
 
-/// For structs, checked structs and descriptors.
+/// Adds a variable to a struct, a checked struct or a descriptor.
 template <class T> void add(const Held<T>& structure, const char* name, const Held<KEL>& value) {
     static_cast<KEL_Struct&>(*structure).addVar(name, value.get());
 }
@@ -76,7 +76,7 @@ double ofBits(uint64_t bits) {
 
 // ---- The documents -----------------------------------------------------------------------------
 
-/// A whole binary record, because no other call makes a block with a given identity.
+/// Returns a whole binary record, because no other call makes a block with a given identity.
 std::string blockRecord(uint8_t identity, const std::string& bytes) {
     std::string record("KEL\0", 4);
     record += static_cast<char>(identity);
@@ -149,7 +149,7 @@ Held<KEL> doubles() {
              0x3FB999999999999A, 0x3FD5555555555555,  // a tenth, a third
              0x3FEFFFFFFFFFFFFF, 0x3FF0000000000001,  // around one
              0x41DFFFFFFFC00000, 0xC1E0000000000000,  // the bounds of an Int
-             0x4340000000000000, 0x4340000000000001,  // where whole numbers begin to be left out
+             0x4340000000000000, 0x4340000000000001,  // where doubles begin to skip whole numbers
              0x7FF0000000000000, 0xFFF0000000000000,  // infinities
              0x7FF8000000000000, 0xFFF8000000000001,  // quiet NaNs
              0x7FF0000000000001, 0xFFF7FFFFFFFFFFFF}) // signalling NaNs

@@ -22,7 +22,7 @@ struct CorpusDocument {
     }
 };
 
-/// All documents, in the order of their names.
+/// Returns all documents, in the order of their names.
 std::vector<CorpusDocument> corpusDocuments();
 
 } // namespace host

@@ -1,5 +1,5 @@
 // The files of tests/corpus were written on 64-bit Linux. Every build on every system reads them,
-// writes them again without a changed byte, and makes the same files of the same values.
+// writes them again without a changed byte, and makes the same files from the same values.
 //
 // With KEL_CORPUS_WRITE in the environment the test rewrites the files instead. Use it only after a
 // change of a format or of the documents (see tests/corpus/README.md).

@@ -1,4 +1,4 @@
-// Catching the library's failures on the host's side of the boundary.
+// Catches the library's failures on the host's side of the boundary.
 #include "Host.h"
 
 #include <typeinfo>
@@ -33,8 +33,8 @@ void openMissingFile() {
     DeleteKELInputStream(CreateKELTextInputStream("/no such folder/x.kel"));
 }
 
-/// True if a handler for Caught pointers catches the exception that action throws. Releases the
-/// exception.
+/// Returns whether a handler for Caught pointers catches the exception that action throws. Releases
+/// the exception.
 template <class Caught, class Action> bool isCaughtAs(const Action& action) {
     KELException* failure = nullptr;
     const auto noteAndPassOn = [&] {

@@ -1,4 +1,4 @@
-// File names beyond ASCII: bytes on Linux, UTF-8 on Windows, the same text for both.
+// Uses file names beyond ASCII: bytes on Linux, UTF-8 on Windows, the same text for both.
 #include "StreamSupport.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@ namespace {
 
 class FileNames : public testing::TestWithParam<const char*> {
 protected:
-    /// The name after a prefix that no other test program uses.
+    /// Returns the name after a prefix that no other test program uses.
     static std::filesystem::path unique() {
         const std::string utf8 = File::uniqueName() + GetParam();
         return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));

@@ -44,7 +44,7 @@ public:
     bool equalsValue(const KEL* other) const override { return other == this; }
     int32_t getVersion() const override { return 1; }
 
-    int32_t references = 1; ///< the test owns it, whatever the count
+    int32_t references = 1; ///< the test owns the value, whatever the count is
 };
 
 /// A host's own value with the kind of an Int.

@@ -56,7 +56,7 @@ template <class T> Held<T> hold(T* target) {
     return Held<T>(target);
 }
 
-/// The real number of references.
+/// Returns the real number of references.
 template <class T> int32_t referencesOf(T& counted) {
     counted.addRef();
     return counted.release();
@@ -67,8 +67,8 @@ inline std::string messageOf(const JException& failure) {
     return message.isValid() ? message->chars() : "(no message)";
 }
 
-/// The message of the Exception that action throws: a pointer for the KELException family, a value
-/// for the JException family. Anything else is described in parentheses.
+/// Returns the message of the Exception that action throws: a pointer for the KELException family,
+/// a value for the JException family. Anything else is described in parentheses.
 template <class Exception, class Action> std::string thrownMessage(const Action& action) {
     try {
         action();
@@ -95,7 +95,7 @@ public:
     void update(KEL* value) override {
         told.push_back(value);
         if (then) {
-            const std::function<void()> action = then; // which can replace `then`
+            const std::function<void()> action = then; // the action can replace `then`
             action();
         }
     }

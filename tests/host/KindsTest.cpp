@@ -7,7 +7,7 @@ using host::File;
 using host::Held;
 using host::hold;
 
-/// Whether a value that was written to the file is read from it again, with its kind.
+/// Returns whether a value that was written to the file is read from it again, with its kind.
 template <class Output, class Input> bool isCarried(KEL& value, Output* output, Input* openInput) {
     const File file;
     try {
@@ -37,7 +37,7 @@ KELInputStream* binaryInput(const char* name) {
     return CreateKELBinaryInputStream(name);
 }
 
-/// Whether text streams and binary streams carry an empty value of the kind.
+/// A kind, and whether text streams and binary streams carry an empty value of it.
 struct Carried {
     bool inText;
     bool inBinary;

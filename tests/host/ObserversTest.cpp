@@ -38,7 +38,7 @@ protected:
         }
     }
 
-    /// Changes the Int and returns who was called.
+    /// Changes the Int and returns the letters of the observers that were called.
     std::string change() {
         log.clear();
         value->setValue(value->getValue() + 1);
@@ -52,7 +52,7 @@ protected:
     Held<KEL_Int> value = hold(CreateKELInt(0));
 };
 
-/// The number of times that a change calls an observer of watched.
+/// Returns the number of times that a change calls an observer of watched.
 template <class Change> int callsOf(KEL& watched, const Change& change) {
     Watcher watcher;
     watch(watched, watcher);

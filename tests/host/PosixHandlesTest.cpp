@@ -1,5 +1,5 @@
-// Streams over media that only POSIX systems offer: a full disk, folders that can be opened, pipes
-// without a reader.
+// Uses streams over media that only POSIX systems offer: a full disk, folders that can be opened,
+// pipes without a reader.
 #include "StreamSupport.h"
 
 #include <csignal>

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-// How a compiler calls a member function on 32-bit Windows. Elsewhere the object is the first
-// argument of an ordinary function.
+// The convention by which a compiler calls a member function on 32-bit Windows. Elsewhere the
+// object is the first argument of an ordinary function.
 #if defined(_WIN32) && (defined(_M_IX86) || defined(__i386__))
 #define KEL_TEST_THISCALL __thiscall
 #else
@@ -37,8 +37,8 @@ inline constexpr bool membersTellSlots = false;
 inline constexpr bool membersTellSlots = true;
 #endif
 
-/// The index of a virtual operation in its class's table, as the Itanium ABI writes it into a
-/// pointer to member: an offset, marked in its own lowest bit or in the adjustment's.
+/// Returns the index of a virtual operation in its class's table. The Itanium ABI writes it into a
+/// pointer to member as an offset, marked in the lowest bit of the offset or of the adjustment.
 template <class Member> int slotOf(Member member) {
     std::ptrdiff_t words[2] = {};
     static_assert(!membersTellSlots || sizeof member == sizeof words);
@@ -81,10 +81,10 @@ struct Slot {
     std::type_index signature;
 };
 
-/// All rows of slots.txt. The source that is generated from it defines them.
+/// Returns all rows of slots.txt. The source that is generated from slots.txt defines them.
 const std::vector<Slot>& slotContract();
 
-/// The row of an operation. Its ownerName is null if there is none.
+/// Returns the row of an operation. Its ownerName is null if no row matches.
 inline Slot findSlot(std::type_index owner, const std::string& name, std::type_index signature) {
     for (const Slot& row : slotContract()) {
         if (row.owner == owner && row.name == name && row.signature == signature) {
@@ -118,7 +118,7 @@ public:
                                        std::forward<Given>(given)...);
     }
 
-    /// The operation's index in the table.
+    /// Returns the operation's index in the table.
     template <class Signature> int slot(const char* name) const {
         const Slot row = findSlot(typeid(TypeOf<Interface>), name, typeid(TypeOf<Signature>));
         if (row.ownerName == nullptr) {

@@ -1,4 +1,4 @@
-// The usual work of a host: it builds values, saves them and loads them again.
+// Does the usual work of a host: builds values, saves them and loads them again.
 #include "Host.h"
 
 #include <cstdio>

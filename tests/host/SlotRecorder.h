@@ -10,7 +10,7 @@
 
 namespace host {
 
-/// Which operation of a recorder ran last.
+/// The operation of a recorder that ran last.
 struct RecordedCall {
     std::string owner;
     int slot = -1;
@@ -18,8 +18,9 @@ struct RecordedCall {
 };
 inline RecordedCall recordedCall;
 
-/// A value of any type that crosses the boundary. It differs for each place in a call. Place 0 is
-/// the result. Each reference refers to an object of its own. A pointer must not be dereferenced.
+/// Returns a value of any type that crosses the boundary. It differs for each place in a call.
+/// Place 0 is the result. Each reference refers to an object of its own. A pointer must not be
+/// dereferenced.
 template <class T> T sample(std::size_t place) {
     using Plain = std::remove_const_t<std::remove_reference_t<T>>;
     if constexpr (std::is_reference_v<T>) {
@@ -39,7 +40,8 @@ template <class T> T sample(std::size_t place) {
     }
 }
 
-/// True if a value equals the sample of its place. A reference must refer to the sample itself.
+/// Returns whether a value equals the sample of its place. A reference must refer to the sample
+/// itself.
 template <class T> bool isSample(const std::remove_reference_t<T>& value, std::size_t place) {
     if constexpr (std::is_reference_v<T>) {
         return &value == &sample<T>(place);
@@ -54,7 +56,8 @@ bool areSamples(std::index_sequence<Places...>,
     return (isSample<Arguments>(given, Places + 1) && ... && true);
 }
 
-/// The body of every operation of a recorder.
+/// Records a call and returns the sample of its result. This is the body of every operation of a
+/// recorder.
 template <class Result, class... Arguments>
 Result ran(const char* owner, int slot, Arguments... arguments) {
     recordedCall = {
@@ -96,7 +99,7 @@ template <class Member> void expectPlace(Member member, const char* owner, int f
     }
 }
 
-/// The number for the platform that the tests are compiled for.
+/// Returns the number for the platform that the tests are compiled for.
 constexpr int onThisPlatform(int linux64, int other32, int microsoft32) {
     return !membersTellSlots ? microsoft32 : sizeof(void*) == 8 ? linux64 : other32;
 }

@@ -1,4 +1,4 @@
-// Arrays, structs and managers called by slot.
+// Calls arrays, structs and managers by slot.
 #include "Host.h"
 #include "RawSlots.h"
 

@@ -1,4 +1,4 @@
-// Variable descriptors and checked structs called by slot.
+// Calls variable descriptors and checked structs by slot.
 #include "Host.h"
 #include "RawSlots.h"
 

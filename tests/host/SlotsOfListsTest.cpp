@@ -1,4 +1,4 @@
-// Index lists and selectors called by slot.
+// Calls index lists and selectors by slot.
 #include "Host.h"
 #include "RawSlots.h"
 

@@ -1,4 +1,4 @@
-// Streams, name lists, exceptions and the runtime's classes called by slot.
+// Calls streams, name lists, exceptions and the runtime's classes by slot.
 #include "Host.h"
 #include "RawSlots.h"
 
@@ -138,7 +138,7 @@ TEST(SlotsOfExceptions, TellTheMessage) {
     }
 }
 
-/// The message of a runtime exception, which is a string of the library.
+/// Returns the message of a runtime exception, which is a string of the library.
 JPointer<JString> stringOfTheLibrary() {
     try {
         CreateKELTextInputStream("");

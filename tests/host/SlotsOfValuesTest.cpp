@@ -1,4 +1,4 @@
-// The operations of every value and every scalar, called by slot.
+// Calls the operations of every value and every scalar by slot.
 #include "Host.h"
 #include "RawSlots.h"
 
@@ -81,8 +81,8 @@ TEST(SlotsOfValues, TellAnObserver) {
     EXPECT_EQ(watcher.told[0], number.get());
 }
 
-/// The five setters that every scalar has, called by slot. Each returns the value itself, which
-/// then has the expected text.
+/// Calls the five setters that every scalar has by slot. Each setter returns the value itself,
+/// which then has the expected text.
 template <class Interface, class Kind>
 void expectSetters(Kind& value, const std::vector<std::string>& texts) {
     const auto raw = bySlot<Interface>(value);

@@ -21,7 +21,7 @@
 
 namespace host {
 
-/// A stdio file that is closed at the end of the scope.
+/// Closes a stdio file at the end of the scope.
 struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -30,13 +30,13 @@ using Handle = std::unique_ptr<std::FILE, Closer>;
 /// A file of the test's own, removed at its end.
 class File {
 public:
-    /// A name that no other file of a test has.
+    /// Returns a name that no other file of a test has.
     static std::string uniqueName() {
         static int count = 0;
         return "kel-host-" + std::to_string(getpid()) + "-" + std::to_string(++count);
     }
 
-    /// A file of this name in the folder for temporary files.
+    /// Returns a file of this name in the folder for temporary files.
     static File named(const std::filesystem::path& name) {
         return File(Path{std::filesystem::temp_directory_path() / name});
     }
@@ -50,7 +50,7 @@ public:
     File& operator=(const File&) = delete;
     ~File() { std::filesystem::remove(path_); }
 
-    /// The name in the encoding that the library expects: UTF-8 on Windows.
+    /// Returns the name in the encoding that the library expects: UTF-8 on Windows.
     const char* name() const { return name_.c_str(); }
     Handle open(const char* mode) const { return Handle(std::fopen(name(), mode)); }
     std::string bytes() const {
@@ -91,7 +91,7 @@ struct Pipe {
     Handle writing;
 };
 
-/// All bytes that are left in a file.
+/// Returns all bytes that are left in a file.
 inline std::string rest(std::FILE* file) {
     std::string bytes;
     for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
@@ -100,7 +100,7 @@ inline std::string rest(std::FILE* file) {
     return bytes;
 }
 
-/// An array of the Ints from 0 to count - 1.
+/// Returns an array of the Ints from 0 to count - 1.
 inline Held<KEL_Array> numbers(int count) {
     auto array = hold(CreateKELArray());
     for (int i = 0; i < count; ++i) {
@@ -109,7 +109,7 @@ inline Held<KEL_Array> numbers(int count) {
     return array;
 }
 
-/// The text of a value.
+/// Returns the text of a value.
 inline std::string textOf(KEL* value) {
     const auto stream = hold(CreateKELStringOutputStream());
     stream->write(value);
@@ -117,7 +117,7 @@ inline std::string textOf(KEL* value) {
     return text == nullptr ? "" : text;
 }
 
-/// The value of a text.
+/// Returns the value of a text.
 inline Held<KEL> fromText(const std::string& text) {
     const auto stream =
         hold(CreateKELStringInputStream(text.data(), static_cast<int32_t>(text.size())));

@@ -1,4 +1,4 @@
-// Text streams over strings in memory, as a host uses them.
+// Uses text streams over strings in memory as a host does.
 #include "StreamSupport.h"
 
 #include <gtest/gtest.h>

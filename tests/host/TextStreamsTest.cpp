@@ -1,4 +1,4 @@
-// Text streams over files, as a host uses them.
+// Uses text streams over files as a host does.
 #include "StreamSupport.h"
 
 #include <clocale>

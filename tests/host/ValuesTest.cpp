@@ -1,4 +1,4 @@
-// Factories, classes and codes on the host's side of the boundary.
+// Tests factories, classes and codes on the host's side of the boundary.
 #include "Host.h"
 
 namespace {
@@ -7,7 +7,7 @@ using host::Held;
 using host::hold;
 using host::thrownMessage;
 
-/// One value of each kind that a factory makes.
+/// Returns one value of each kind that a factory makes.
 std::vector<Held<KEL>> oneOfEachKind() {
     std::vector<Held<KEL>> values;
     for (KEL* value : std::initializer_list<KEL*>{

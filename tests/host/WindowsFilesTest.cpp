@@ -1,5 +1,5 @@
-// Streams over media that Windows handles differently: folders, names that are not valid UTF-8, and
-// devices.
+// Uses streams over media that Windows handles differently: folders, names that are not valid
+// UTF-8, and devices.
 #include "StreamSupport.h"
 
 #include <gtest/gtest.h>

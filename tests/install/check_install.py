@@ -4,9 +4,9 @@
     check_install.py --cmake CMAKE --build BUILD --generator NAME --compiler CXX --flags FLAGS
                      --version X.Y.Z --libdir LIB --config CONFIG [--tool]
 
-The project consumer/ is built twice, through the CMake package and through kel.pc, each time after
-the installed tree was moved, and run. FLAGS are the flags that the library was built with (a
-sanitizer reaches into its hosts).
+The project consumer/ is built and run twice, through the CMake package and through kel.pc, each
+time after the installed tree was moved. FLAGS are the flags that the library was built with,
+because a sanitizer affects the hosts too.
 """
 import argparse
 import os
@@ -34,7 +34,7 @@ def run(*command, **more):
 
 
 def check_tree(prefix, arguments):
-    """The installed files are those that a host needs, and no more."""
+    """Checks that the installed files are exactly those that a host needs."""
     library = prefix / arguments.libdir
     major = arguments.version.split(".")[0]
     expected = {f"include/kel/{header.name}" for header in (ROOT / "include/kel").glob("*.h")}
@@ -71,7 +71,7 @@ def use_pkg_config(prefix, work, arguments):
     flags = run("pkg-config", "--cflags", "--libs", "kel", env=environment).split()
     work.mkdir()
     compile_with = [arguments.compiler, "-std=c++17", *arguments.flags.split()]
-    # A host that checks the types of objects links: what it needs for that is in the headers.
+    # A host that checks the types of objects links, because the headers hold everything for that.
     run(*compile_with, "-fsanitize=undefined", HERE / "consumer/main.cpp",
         "-o", work / "sanitized", *flags)
     run(*compile_with, HERE / "consumer/main.cpp", "-o", work / "consumer", *flags)

@@ -43,7 +43,7 @@ protected:
         return thrownMessage<KELNoSuchElementException>([&] { manager->removeKel(identity); });
     }
 
-    /// The held values in their order.
+    /// Returns the held values in their order.
     std::vector<KEL*> elements() const {
         std::vector<KEL*> found;
         kel::ChildCursor cursor(*manager);

@@ -61,7 +61,7 @@ TEST_F(MetaKelLifeTest, CreateVarWithDefaultStatesDefaultAndKind) {
     const HeldValue rules(KEL_Impl::of(plain.getDescriptor()->getVar("x")));
     EXPECT_EQ(asDescriptor(rules).getDefault(), seven.get());
     EXPECT_EQ(asDescriptor(rules).getVariableType(), 1);
-    asDescriptor(rules).setDefault(8); // it is there, so it can be replaced
+    asDescriptor(rules).setDefault(8); // the descriptor has a default, so it can be replaced
     EXPECT_EQ(asDescriptor(rules).getDefault()->toInt(), 8);
     plain.createVarWithDefault("y", nullptr, seven.get());
     EXPECT_FALSE(plain.containsVar("y"));
@@ -162,7 +162,7 @@ TEST_F(MetaKelLifeTest, ACopyHasADescriptorOfItsOwn) {
     EXPECT_NE(static_cast<KEL*>(asMeta(copy).getDescriptor()), descriptor.get());
     EXPECT_NE(at(copy, "level"), three.get());
     asMeta(copy).setVar("level", eleven.get());
-    EXPECT_EQ(asMeta(copy).getInt("level"), 3); // it is checked there too
+    EXPECT_EQ(asMeta(copy).getInt("level"), 3); // the copy is checked too
 }
 
 TEST_F(MetaKelLifeTest, ACopyKeepsAClearedVariableCleared) {

@@ -80,7 +80,7 @@ TEST_F(MetaKelTest, SomethingElseUnderTheNameCountsAsNoDescriptor) {
     }
     meta.clearVar("@desc");
     EXPECT_EQ(meta.getDescriptor(), nullptr);
-    meta.replaceDescriptor(&asStructDescriptor(descriptor)); // the name is there
+    meta.replaceDescriptor(&asStructDescriptor(descriptor)); // the name exists
     EXPECT_EQ(static_cast<KEL*>(meta.getDescriptor()), descriptor.get());
 }
 

@@ -18,7 +18,7 @@ template <class Action> std::string messageOf(const Action& action) {
     return thrownMessage<KELException>(action);
 }
 
-/// The names of a struct's variables.
+/// Returns the names of a struct's variables.
 std::string namesOf(const KEL_Struct& structure) {
     std::string text;
     const Held<StringEnumeration> names(structure.getVarNames());
@@ -286,7 +286,7 @@ TEST_F(MetaKelVarDescriptorTest, AddEnumerationListOnlyTellsWhetherItCould) {
     range.setType(KELKind_String);
     EXPECT_EQ(messageOf([&] { range.addEnumerationList(nullptr); }), refusal);
     range.addVar("enum", arrayOf().get());
-    range.addEnumerationList(nullptr); // enumerated, though ranged too
+    range.addEnumerationList(nullptr); // the descriptor is enumerated, although it has a range too
 }
 
 TEST_F(MetaKelVarDescriptorTest, RemoveEnumerationListIsForStrings) {

@@ -95,7 +95,7 @@ TEST_F(MetaObserversTest, AddingAndRemovingAllowedValuesIsOneChangeOfTheDescript
 }
 
 TEST_F(MetaObserversTest, DescribingAVariableIsAChangeOfTheCheckedStruct) {
-    meta.createVar("level", three.get(), &range); // which is there already
+    meta.createVar("level", three.get(), &range); // level exists already
     meta.createVar("other", nullptr, &range);
     EXPECT_EQ(ofMeta.told, std::vector<KEL*>(2, held.get()));
 }

@@ -4,8 +4,9 @@
     check_package.py --build BUILD --cmake CMAKE --cpack CPACK --generator NAME --compiler CXX
                      --version X.Y.Z [--toolchain FILE] [--emulator PROGRAM]
 
-Without --toolchain the packages are those of Linux: the archive and the Debian package. With it they
-are those of Windows: the host of the archive is built with the tool chain and run by the emulator.
+Without --toolchain the packages are those of Linux: the archive and the Debian package. With it
+they are those of Windows. The host of the archive is built with the tool chain and run by the
+emulator.
 """
 import argparse
 import pathlib
@@ -42,7 +43,7 @@ def expect_files(folder, *patterns):
 
 
 def expect_links(folder):
-    """Every link of a text in the folder that leads to a file leads to one that is there."""
+    """Checks that every link to a file in the folder's texts leads to an existing file."""
     texts = list(folder.rglob("*.md"))
     expect(len(texts) > 5, f"only {len(texts)} texts")
     for text in texts:

@@ -38,7 +38,7 @@ template <class Draw> std::vector<Words> inChild(const Draw& drawInChild) {
 }
 
 TEST(Guid, AForkedChildNeverRepeatsItsParent) {
-    draw(); // the parent's generator is keyed and in the middle of a block
+    draw(); // the parent's generator now has a key and is in the middle of a block
     std::vector<Words> all = inChild([] { return draw(200); });
     const std::vector<Words> ours = draw(200);
     EXPECT_EQ(all.size(), 200U);

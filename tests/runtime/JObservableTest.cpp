@@ -35,7 +35,7 @@ protected:
         }
     }
 
-    /// Changes, notifies, and returns who was called.
+    /// Changes, notifies, and returns the letters of the observers that were called.
     std::string change() {
         log.clear();
         observable->setChanged();

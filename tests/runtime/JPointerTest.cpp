@@ -14,7 +14,7 @@ protected:
 
     int32_t count() const { return object->getRefCount(); }
 
-    /// The object with one more reference, for adoption.
+    /// Returns the object with one more reference, for adoption.
     JObject* given() const {
         object->addRef();
         return object;

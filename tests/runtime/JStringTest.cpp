@@ -12,7 +12,7 @@ using kel::test::thrownMessage;
 
 const std::string noMemory = "Cannot allocate memory in JString constructor.";
 
-/// The message of the exception that action throws when its first allocation fails.
+/// Returns the message of the exception that action throws when its first allocation fails.
 template <class Action> std::string messageWithoutMemory(const Action& action) {
     const FailingAllocation failing(0);
     return thrownMessage<JOutOfMemoryException>(action);

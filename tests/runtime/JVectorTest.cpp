@@ -32,7 +32,7 @@ protected:
         }
     }
 
-    /// The vector's contents as indices of objects.
+    /// Returns the vector's contents as indices of objects.
     std::vector<size_t> contents() const {
         std::vector<size_t> indices;
         for (int32_t i = 0; i < vector.size(); ++i) {

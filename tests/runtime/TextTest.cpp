@@ -38,7 +38,7 @@ std::string text(double value) {
     return {buffer, length};
 }
 
-/// The output of printf, with a decimal point in every locale.
+/// Returns the output of printf, with a decimal point in every locale.
 std::string printed(const char* format, double value) {
     char buffer[400];
     std::snprintf(buffer, sizeof buffer, format, value);
@@ -47,7 +47,7 @@ std::string printed(const char* format, double value) {
     return out;
 }
 
-/// Every power of two that a double holds, its neighbours, and all of them negative.
+/// Returns every power of two that a double holds, its neighbours, and all of them negated.
 std::vector<double> aroundPowersOfTwo() {
     std::vector<double> values;
     for (int exponent = -1074; exponent <= 1023; ++exponent) {

@@ -1,5 +1,5 @@
-// Damaged input: every beginning of the sample files, and changes of every byte in them. The
-// readers accept or refuse it and take little memory. Accepted values are written and read again.
+// Tests damaged input: every beginning of the sample files, and changes of every byte in them. The
+// readers accept or refuse it and use little memory. Accepted values are written and read again.
 #include "support/AllocationFailure.h"
 #include "support/Records.h"
 #include "support/SameTree.h"
@@ -50,7 +50,8 @@ const std::string textSample =
     "}\n"
     "[ ]\n";
 
-/// Identities that differ in every byte, so that one changed byte makes no two alike.
+/// Returns an identity that differs in every byte from those of other numbers, so that one changed
+/// byte never makes two of them equal.
 JHashCode wideCode(uint32_t number) {
     const uint32_t word = number * 0x01010101U;
     return JHashCode(word, word ^ 0x33333333U, word ^ 0x55555555U, word ^ 0x0F0F0F0FU);
@@ -146,8 +147,8 @@ std::size_t surviveBinary(const std::string& records) {
     return roots.all().size();
 }
 
-/// Gives every byte other values: each single bit flipped, and every fourth of all values. The
-/// fourths differ from place to place.
+/// Gives every byte other values: each single bit flipped, and a quarter of all values. The quarter
+/// differs from place to place.
 template <class Survive> void damageEveryByte(const std::string& sample, const Survive& survive) {
     std::string damaged = sample;
     for (std::size_t place = 0; place < sample.size(); ++place) {

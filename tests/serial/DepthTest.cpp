@@ -28,12 +28,12 @@ std::string repeated(const std::string& text, int times) {
     return out;
 }
 
-/// A text of the given number of levels without indentation, around the value 7.
+/// Returns a text of the given number of levels without indentation, around the value 7.
 std::string nested(const std::string& open, int levels, const std::string& close) {
     return repeated(open, levels).append("7").append(repeated(close, levels));
 }
 
-/// The number of containers around the innermost value, on the path of the last children.
+/// Returns the number of containers around the innermost value, on the path of the last children.
 int depthOf(const KEL_Impl& root) {
     int depth = 0;
     const KEL_Impl* value = &root;
@@ -141,8 +141,8 @@ double secondsOf(const std::function<void()>& action) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// How many times longer action takes for ten times as much input. Returns the best of several
-/// runs, because a busy machine can lengthen any of them.
+/// Returns how many times longer action takes for ten times as much input. This is the best of
+/// several runs, because a busy machine can lengthen any of them.
 double growth(const std::function<void(int)>& action, int much = million / 25, int attempts = 2) {
     double best = 1e9;
     for (int i = 0; i < attempts; ++i) {
@@ -164,7 +164,7 @@ TEST(SerialDepth, TheCostOfRecordsIsLinear) {
               40.0);
 }
 
-/// The given number of different entries of a manager.
+/// Returns the given number of different entries of a manager.
 std::string entriesOf(int count) {
     std::string entries;
     for (int i = 0; i < count; ++i) {

@@ -1,4 +1,4 @@
-// Media and memory that fail at every possible moment.
+// Tests media and memory that fail at every possible moment.
 #include "support/AllocationFailure.h"
 #include "support/FailingSink.h"
 #include "support/PieceStream.h"
@@ -17,7 +17,7 @@ namespace {
 
 constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
 
-/// A value whose text and record take several writes.
+/// Returns a value whose text and record take several writes.
 HeldValue largeValue() {
     auto value = arrayOf();
     for (int i = 0; i < 20000; ++i) {
@@ -286,8 +286,8 @@ TEST(OutOfMemory, AFactoryAnswersNullAtEveryAllocation) {
     EXPECT_GT(failEachAllocation(create), 20U);
 }
 
-/// A value whose record makes the writer allocate memory for more than a few identities: many
-/// unshared Ints, then nested containers.
+/// Returns a value whose record makes the writer allocate memory for more than a few identities:
+/// many unshared Ints, then nested containers.
 HeldValue wideAndDeepValue() {
     auto inner = arrayOf(intOf(0));
     for (int i = 0; i < 70; ++i) {

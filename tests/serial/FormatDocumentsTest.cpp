@@ -21,7 +21,7 @@ std::string page(const char* name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The lines between ```label and ```.
+/// Returns the lines between ```label and ```.
 std::string block(const std::string& text, const std::string& label) {
     const std::string opening = "\n```" + label + "\n";
     const std::size_t begin = text.find(opening);
@@ -36,7 +36,7 @@ std::string textBlock(const std::string& label) {
     return block(page("text-format.md"), label);
 }
 
-/// The bytes of a dump. Every line holds pairs of digits, then two blanks and a remark.
+/// Returns the bytes of a dump. Every line holds pairs of digits, then two blanks and a remark.
 std::string bytesOfDump(const std::string& dump) {
     std::istringstream lines(dump);
     std::string out;
@@ -79,7 +79,7 @@ TEST(FormatDocuments, TheTextByHandIsReadAsThePageTells) {
     EXPECT_EQ(asArray(at(value, "list")).getCount(), 2);
 }
 
-/// A text from a table, with its line ends and tabs.
+/// Returns a text from a table, with its line ends and tabs.
 std::string unescaped(std::string text) {
     for (const auto& [escape, character] : {std::pair("\\n", "\n"), std::pair("\\t", "\t")}) {
         for (std::size_t i = text.find(escape); i != std::string::npos; i = text.find(escape)) {
@@ -89,7 +89,8 @@ std::string unescaped(std::string text) {
     return text;
 }
 
-/// The message of the first read and the input that it leaves, in the columns of the page's table.
+/// Returns the message of the first read and the input that it leaves, in the columns of the page's
+/// table.
 std::string refusalInColumns(const std::string& text) {
     TextInput input(text);
     std::string message = "(nothing thrown)";

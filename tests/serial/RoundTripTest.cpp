@@ -1,4 +1,4 @@
-// Round trips of random trees through both formats.
+// Sends random trees through both formats and back.
 #include "support/CommaLocale.h"
 #include "support/RandomTree.h"
 #include "support/SameTree.h"
@@ -14,14 +14,14 @@ namespace {
 
 constexpr uint64_t trees = 10000;
 
-/// Trees that the text format can carry.
+/// Returns options for trees that the text format can carry.
 constexpr RandomTreeOptions forText() {
     RandomTreeOptions options;
     options.memBlocks = options.quotes = options.anyDoubles = false;
     return options;
 }
 
-/// Trees that the binary format can carry.
+/// Returns options for trees that the binary format can carry.
 constexpr RandomTreeOptions forBinary() {
     RandomTreeOptions options;
     options.guids = options.managers = false;

@@ -19,7 +19,7 @@ namespace {
 constexpr int32_t little = 1;
 constexpr int32_t big = 0;
 
-// A data output whose bytes can be looked at.
+// A data output whose bytes can be inspected.
 class Writing {
 public:
     explicit Writing(int32_t order)

@@ -115,7 +115,7 @@ bool noteLargest(std::size_t size) {
     return true;
 }
 
-// The greatest single allocation while action runs.
+// Returns the greatest single allocation while action runs.
 template <class Action> std::size_t largestDuring(Action action) {
     largestAllocation = 0;
     const auto before = kel::platform::exchangeAllocationGate(noteLargest);

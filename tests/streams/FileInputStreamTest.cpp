@@ -31,7 +31,8 @@ std::string readBlock(JInputStream& input, int32_t count) {
     return out;
 }
 
-// Each medium over the bytes "0123456789": a file by name, a host's FILE, a standard stream.
+// Provides each medium over the bytes "0123456789": a file by name, a host's FILE, a standard
+// stream.
 class FileInputStreamMedia : public ::testing::TestWithParam<const char*> {
 protected:
     FileInputStreamMedia() {

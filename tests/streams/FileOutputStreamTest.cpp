@@ -13,7 +13,7 @@ using kel::test::thrownMessage;
 
 namespace {
 
-// Each medium, empty at first: a file by name, a host's FILE, a standard stream.
+// Provides each medium, empty at first: a file by name, a host's FILE, a standard stream.
 class FileOutputStreamMedia : public ::testing::TestWithParam<const char*> {
 protected:
     FileOutputStreamMedia() {
@@ -38,7 +38,7 @@ protected:
         output->JWrite(unsignedBytes(text), 0, static_cast<int32_t>(text.size()));
     }
 
-    // The bytes that have reached the medium so far.
+    // Returns the bytes that have reached the medium so far.
     std::string arrived() {
         return std::string("Stream") == GetParam() ? stream_.str() : file_.bytes();
     }

@@ -10,7 +10,7 @@ using kel::test::thrownMessage;
 
 namespace {
 
-// Only the single-byte operations, so that the bulk ones are the bases' own.
+// Implements only the single-byte operations, so that the bulk ones are those of the base.
 class Counting : public JInputStream {
 public:
     using JInputStream::JRead;

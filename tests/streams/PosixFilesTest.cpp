@@ -1,4 +1,4 @@
-// File streams over media that only POSIX systems offer: a full disk, directories, pipes,
+// Tests file streams over media that only POSIX systems offer: a full disk, directories, pipes,
 // descriptors.
 #include "streams/BufferedInput.h"
 #include "streams/FileInputStream.h"

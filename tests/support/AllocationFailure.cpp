@@ -71,7 +71,7 @@ std::size_t AllocationBudget::left() const {
 
 namespace {
 
-/// \return true when an allocation failed meanwhile
+/// Runs action with an allocation that fails. \return true if an allocation failed meanwhile
 bool runWithFailure(std::size_t allowed, bool forGood, const std::function<void()>& action) {
     const FailingAllocation failing(allowed, forGood);
     try {

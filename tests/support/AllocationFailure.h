@@ -19,7 +19,7 @@ public:
     FailingAllocation& operator=(const FailingAllocation&) = delete;
     ~FailingAllocation();
 
-    /// True when an allocation was made to fail.
+    /// Returns whether an allocation was made to fail.
     bool hasFailed() const;
 };
 
@@ -32,7 +32,7 @@ public:
     AllocationBudget& operator=(const AllocationBudget&) = delete;
     ~AllocationBudget();
 
-    /// The bytes of the budget that are left. Freed bytes are not added back.
+    /// Returns the bytes of the budget that are left. Freed bytes are not added back.
     std::size_t left() const;
 };
 
@@ -40,7 +40,7 @@ public:
 /// so on until action makes no more. Then it does the same, but all later allocations fail too.
 /// Action is expected to throw an out-of-memory exception. Every other exception reaches the
 /// caller. `afterwards` checks the state after each run.
-/// \return how many allocations action makes
+/// \return the number of allocations that action makes
 std::size_t failEachAllocation(
     const std::function<void()>& action, const std::function<void()>& afterwards = [] {});
 

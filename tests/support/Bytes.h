@@ -6,17 +6,17 @@
 #include <string>
 #include <string_view>
 
-/// A string with room for the NULs of a literal: bytes("a\0b") has three characters.
+/// Returns a string with room for the NULs of a literal: bytes("a\0b") has three characters.
 template <size_t size> std::string bytes(const char (&literal)[size]) {
     return {literal, size - 1};
 }
 
-/// The characters as unsigned bytes.
+/// Returns the characters as unsigned bytes.
 inline const uint8_t* unsignedBytes(std::string_view text) {
     return reinterpret_cast<const uint8_t*>(text.data());
 }
 
-/// Two upper-case hexadecimal digits for each byte, with blanks between them.
+/// Returns two upper-case hexadecimal digits for each byte, with blanks between them.
 inline std::string hex(std::string_view text) {
     std::string out;
     for (const char c : text) {

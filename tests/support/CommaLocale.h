@@ -45,8 +45,8 @@ private:
     bool installed_ = false;
 };
 
-/// Ends a test if the locale is missing. The test fails if KEL_REQUIRE_LOCALE is set. It is skipped
-/// otherwise.
+/// Ends a test if the locale is missing. The test fails if KEL_REQUIRE_LOCALE is set. Otherwise it
+/// is skipped.
 #define KEL_NEED(commaLocale)                                                                      \
     if (!(commaLocale).isInstalled()) {                                                            \
         ASSERT_EQ(std::getenv("KEL_REQUIRE_LOCALE"), nullptr)                                      \

@@ -1,5 +1,5 @@
 /// \file
-/// Drawing identities and comparing them.
+/// Draws identities and compares them.
 #pragma once
 
 #include "platform/Guid.h"

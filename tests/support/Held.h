@@ -37,12 +37,12 @@ private:
     T* target_;
 };
 
-/// A new T, held.
+/// Makes a T and returns it held.
 template <class T, class... Arguments> Held<T> make(Arguments&&... arguments) {
     return Held<T>(new T(std::forward<Arguments>(arguments)...));
 }
 
-/// The real number of references, which the values' own getRefCount hides.
+/// Returns the real number of references, which the values' own getRefCount hides.
 template <class T> int32_t referencesOf(T& counted) {
     counted.addRef();
     return counted.release();

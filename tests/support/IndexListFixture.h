@@ -22,7 +22,7 @@ template <class Action> std::string badIndex(const Action& action) {
     return thrownMessage<KELArrayIndexOutOfBoundsException>(action);
 }
 
-/// The pairs of a list as "key=item key=item".
+/// Returns the pairs of a list as "key=item key=item".
 inline std::string pairsOf(const KEL_IndexList& list) {
     std::string pairs;
     for (int32_t i = 0; i < list.getCount(); ++i) {

@@ -12,7 +12,7 @@
 
 namespace kel::test {
 
-/// A list over both arrays, which it shares.
+/// Returns a list over both arrays, which it shares.
 inline HeldValue listOf(const HeldValue& keys, const HeldValue& items) {
     const auto share = [](const HeldValue& array) {
         return JPointer<KEL_Array_Impl>::share(dynamic_cast<KEL_Array_Impl*>(array.get()));
@@ -20,7 +20,7 @@ inline HeldValue listOf(const HeldValue& keys, const HeldValue& items) {
     return HeldValue(new KEL_IndexList_Impl(share(keys), share(items)));
 }
 
-/// Values built on a struct, with the given variables as alternating names and values.
+/// Makes values built on a struct, with the given variables as alternating names and values.
 template <class... Variables> HeldValue descriptorOf(const Variables&... variables) {
     auto made = make<MetaKelVarDescriptor_Impl>();
     detail::addVariables(*made, variables...);
@@ -37,7 +37,7 @@ template <class... Variables> HeldValue metaOf(const Variables&... variables) {
     return HeldValue(made.detach());
 }
 
-/// Descriptors of a number within bounds and of a value from a list.
+/// Makes descriptors of a number within bounds and of a value from a list.
 inline HeldValue intRange(int32_t min, int32_t max) {
     return descriptorOf("type", intOf(KELKind_Int), "min", intOf(min), "max", intOf(max));
 }
@@ -48,7 +48,7 @@ inline HeldValue enumOf(KELKind kind, const HeldValue& allowed) {
     return descriptorOf("type", intOf(kind), "enum", allowed);
 }
 
-/// The operations of a kind.
+/// Returns the operations of a kind.
 inline KEL_IndexList& asList(const HeldValue& value) {
     return dynamic_cast<KEL_IndexList&>(*value);
 }
@@ -67,7 +67,8 @@ inline void watch(KEL* value, KEL_Observer& observer) {
     dynamic_cast<KEL_Observable&>(*value).addObserver(&observer);
 }
 
-/// The texts of an array's elements with blanks between them, and "-" for elements without a text.
+/// Returns the texts of an array's elements with blanks between them, and "-" for elements without
+/// a text.
 inline std::string textsOf(const KEL_Array& array) {
     std::string texts;
     for (int32_t i = 0; i < array.getCount(); ++i) {

@@ -11,7 +11,7 @@
 
 namespace kel::test {
 
-/// The message of the KELException that action throws.
+/// Returns the message of the KELException that action throws.
 template <class Action> std::string messageOf(const Action& action) {
     return thrownMessage<KELException>(action);
 }
@@ -26,7 +26,7 @@ protected:
         watch(held.get(), watcher);
     }
 
-    /// The variable's value, borrowed.
+    /// Returns the variable's value, borrowed.
     KEL* valueOf(const char* name) const {
         return static_cast<const KEL_Struct&>(meta).getVar(name);
     }

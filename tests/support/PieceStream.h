@@ -16,8 +16,8 @@ public:
 
     std::string data;
     int32_t largestPiece = INT32_MAX; ///< the most bytes that one read returns
-    bool seekable = true;             ///< false: has no position and cannot seek, like a pipe
-    bool refusesSeek = false;         ///< returns its position but cannot seek
+    bool seekable = true;             ///< whether it has a position and can seek; a pipe does not
+    bool refusesSeek = false;         ///< whether seeking fails although the position is known
     int64_t failsAt = INT64_MAX;      ///< reading beyond this position throws
     int64_t place = 0;                ///< next byte
     int reads = 0;

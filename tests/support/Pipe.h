@@ -33,7 +33,7 @@ public:
     std::FILE* reading() const { return reading_; }
     std::FILE* writing() const { return writing_; }
 
-    /// Sends text at once; it must fit the pipe.
+    /// Sends text at once. The text must fit the pipe.
     void send(const std::string& text) const {
         std::fwrite(text.data(), 1, text.size(), writing_);
         std::fflush(writing_);

@@ -112,9 +112,9 @@ private:
         return new KEL_MemBlock_Impl(size, bytes.data());
     }
 
-    /// A selector of either kind, with a selection, over a new list or one made before. It never
-    /// uses the last value, which can be the container that takes the selector. A list that holds
-    /// its own selector would leak.
+    /// Makes a selector of either kind, with a selection, over a new list or one made before. It
+    /// never uses the last value, which can be the container that takes the selector. A list that
+    /// holds its own selector would leak.
     KEL_Impl* makeSelector() {
         KEL_Impl* any = nullptr;
         if (values_.size() > 1) {
@@ -168,7 +168,7 @@ private:
         }
     }
 
-    /// A name for a variable of the container. It is often one with a meaning there.
+    /// Returns a name for a variable of the container. The name often has a meaning there.
     std::string nameFor(const KEL_Impl& container) {
         constexpr const char* properties[] = {"type", "default", "enum",    "min",
                                               "max",  "wrapped", "stepsize"};
@@ -182,7 +182,7 @@ private:
         return randomName(numbers_);
     }
 
-    /// Adds a pair of the value and a new one, either being the key.
+    /// Adds a pair of the value and a new one. Either can be the key.
     void putPair(KEL_IndexList_Impl& list, KEL_Impl* value) {
         const JPointer<KEL_Impl> other(makeScalar());
         if (numbers_.once(3)) {
@@ -197,8 +197,8 @@ private:
                                 : static_cast<int32_t>(numbers_.next());
     }
 
-    /// Gives a container some of the values made before it: free ones, or, if sharing is allowed,
-    /// any.
+    /// Gives a container some of the values made before it. It takes any of them if sharing is
+    /// allowed, and only free ones otherwise.
     void fill(KEL_Impl* container) {
         if (!container->isContainer()) {
             return;
@@ -221,7 +221,7 @@ private:
             const auto inner = static_cast<std::size_t>(numbers_.below(values_.size()));
             const auto outer =
                 inner + static_cast<std::size_t>(numbers_.below(values_.size() - inner));
-            put(values_[inner].get(), values_[outer].get()); // nothing, if inner is a scalar
+            put(values_[inner].get(), values_[outer].get()); // does nothing if inner is a scalar
         }
     }
 
@@ -233,7 +233,7 @@ private:
         } else if (auto* list = dynamic_cast<KEL_IndexList_Impl*>(container)) {
             putPair(*list, value);
         } else if (auto* structure = variablesOf(container)) {
-            // A name that is there already would drop its value, and with it perhaps a whole part.
+            // A name that exists already would drop its value, and with it perhaps a whole part.
             std::string name = nameFor(*container);
             while (structure->containsVar(name.c_str())) {
                 name += std::to_string(numbers_.below(10));
@@ -247,7 +247,7 @@ private:
         }
     }
 
-    /// A struct, or the struct inside a value built on one, so that nothing is checked.
+    /// Returns a struct, or the struct inside a value built on one, so that nothing is checked.
     static KEL_Struct* variablesOf(KEL_Impl* container) {
         auto* holder = dynamic_cast<StructHolder*>(container);
         return holder == nullptr ? dynamic_cast<KEL_Struct*>(container) : &holder->inner();
@@ -349,7 +349,7 @@ std::string describe(const KEL_Impl& root) {
         const char* contents = value.toString();
         text.append(std::to_string(value.getType())).append(":");
         text.append(contents == nullptr ? "" : contents);
-        if (value.isContainer() && levels.size() < 20) { // also of values that contain themselves
+        if (value.isContainer() && levels.size() < 20) { // even those that contain themselves
             text += "[";
             levels.emplace_back(value);
         }

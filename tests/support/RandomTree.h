@@ -20,7 +20,7 @@ struct RandomTreeOptions {
     bool anyDoubles = true;    ///< every double; else whole millionths with an integer part that 32
                                ///< bits hold
     bool sharing = true;       ///< values that are in several places
-    bool cycles = false;       ///< values that contain themselves: take them apart in the end
+    bool cycles = false;       ///< values that contain themselves; the test takes them apart
     bool nullVariables = true; ///< struct variables without a value
     bool lists = false;        ///< index lists
     bool metas = false;        ///< checked structs, struct descriptors and variable descriptors
@@ -33,13 +33,13 @@ class RandomNumbers {
 public:
     explicit RandomNumbers(uint64_t seed) : state_(seed) {}
 
-    /// Any 64 bits.
+    /// Returns any 64 bits.
     uint64_t next();
 
-    /// A number from 0 to below limit, which is above 0.
+    /// Returns a number from 0 to below limit, which is above 0.
     int below(std::size_t limit) { return static_cast<int>(next() % limit); }
 
-    /// True in one of `times` cases on average.
+    /// Returns true in one of `times` cases on average.
     bool once(int times) { return below(static_cast<std::size_t>(times)) == 0; }
 
     JHashCode hashCode();
@@ -48,24 +48,24 @@ private:
     uint64_t state_;
 };
 
-/// The tree of this seed, owned by the caller.
+/// Returns the tree of this seed, owned by the caller.
 KEL_Impl* randomTree(uint64_t seed, const RandomTreeOptions& options = {});
 
-/// A name for a struct variable: not empty, no double quote.
+/// Returns a name for a struct variable. It is not empty and has no double quote.
 std::string randomName(RandomNumbers& numbers);
 
-/// Text without a NUL, perhaps empty.
+/// Returns a text without a NUL. The text can be empty.
 std::string randomText(RandomNumbers& numbers, bool quotes);
 
-/// A double of the kind that the option selects.
+/// Returns a double of the kind that the option selects.
 double randomDouble(RandomNumbers& numbers, bool any);
 
 /// Changes the value so that it no longer equals its former self. \return false if it has nothing
 /// to change (a memory block without bytes)
 bool changeValue(KEL_Impl& value);
 
-/// The tree in a few words for the message of a failed test: kinds and contents, nested in
-/// brackets.
+/// Describes the tree in a few words for the message of a failed test: kinds and contents, nested
+/// in brackets.
 std::string describe(const KEL_Impl& root);
 
 } // namespace kel::test

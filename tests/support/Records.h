@@ -1,5 +1,5 @@
 /// \file
-/// Binary records put together by hand, right or wrong.
+/// Binary records assembled by hand, valid or not.
 #pragma once
 
 #include "support/Bytes.h"
@@ -11,7 +11,7 @@
 
 namespace kel::test {
 
-/// The low `width` bytes of a number, least significant first.
+/// Returns the low `width` bytes of a number, least significant first.
 inline std::string littleEndian(uint64_t number, int width) {
     std::string out;
     for (; width > 0; --width, number >>= 8) {
@@ -25,7 +25,7 @@ inline std::string codeBytes(const JHashCode& code) {
            littleEndian(code.w3, 4);
 }
 
-/// The bytes that precede a payload.
+/// Returns the bytes that precede a payload.
 inline std::string prefix(const JHashCode& identity, int32_t kind, uint64_t length,
                           uint16_t version = 1) {
     return bytes("KEL\0") + codeBytes(identity) + littleEndian(static_cast<uint32_t>(kind), 4) +
@@ -44,7 +44,7 @@ inline std::string intRecord(const JHashCode& identity, int32_t value) {
     return record(identity, KELKind_Int, littleEndian(static_cast<uint32_t>(value), 4));
 }
 
-/// A variable of a struct's payload.
+/// Returns a variable of a struct's payload.
 inline std::string variable(const std::string& name, const std::string& itsRecord) {
     return name + bytes("\0") + itsRecord;
 }

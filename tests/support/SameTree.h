@@ -1,5 +1,5 @@
 /// \file
-/// Comparing two trees in everything that a format keeps.
+/// Compares two trees in everything that a format keeps.
 #pragma once
 
 #include "values/KEL_Impl.h"

@@ -10,7 +10,7 @@
 
 namespace kel::test {
 
-/// All kinds there are.
+/// All kinds.
 inline constexpr auto everyKind = std::to_array<KELKind>({
 #define KEL_KIND(name, ...) KELKind_##name,
     KEL_EVERY_KIND(KEL_KIND)
@@ -21,12 +21,13 @@ inline constexpr auto everyKind = std::to_array<KELKind>({
 inline constexpr std::array<KELKind, 4> structKinds{
     KELKind_Struct, KELKind_MetaKel, KELKind_MetaKelDescriptor, KELKind_MetaKelVarDescriptor};
 
-/// True for the kinds that convert into one another.
+/// Returns whether the kind is one of those that convert into one another.
 inline bool isScalar(int32_t kind) {
     return kel::scalarOf(kind) != kel::Scalar::none;
 }
 
-/// A value of the kind. It differs from an empty one, and from one with another number (1 or 2).
+/// Returns a value of the kind. It differs from an empty one, and from one with another number (1
+/// or 2).
 inline HeldValue sampleOf(KELKind kind, int32_t number = 1) {
     const HeldValue first = intOf(number);
     const HeldValue text = stringOf(number == 1 ? "text" : "a text that is long enough to be new");
@@ -77,8 +78,8 @@ inline HeldValue sampleOf(KELKind kind, int32_t number = 1) {
     return value;
 }
 
-/// A value equal to a sample: another sample, or a copy of a selector, because selectors are equal
-/// only over the same list.
+/// Returns a value equal to a sample: another sample, or a copy of a selector, because selectors
+/// are equal only over the same list.
 inline HeldValue equalTo(const HeldValue& sample) {
     const KELKind kind = sample->kind();
     return kind == KELKind_Selector || kind == KELKind_MultiSelector

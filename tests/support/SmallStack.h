@@ -1,5 +1,5 @@
 /// \file
-/// Running code with a small call stack.
+/// Runs code with a small call stack.
 #pragma once
 
 #include <functional>

@@ -10,22 +10,22 @@
 
 namespace kel::test {
 
-/// The message of a runtime exception.
+/// Returns the message of a runtime exception.
 inline std::string messageOf(const JException& failure) {
     const JPointer<JString> message(failure.getMessage());
     return message.isValid() ? message->chars() : "(no message)";
 }
 
-/// The message of a value exception, which is released.
+/// Returns the message of a value exception, which is released.
 inline std::string messageAndRelease(KELException* failure) {
     const std::string message = failure->getMessage();
     failure->release();
     return message;
 }
 
-/// The message of the Exception that action throws: a pointer for the KELException family, a value
-/// for the JException family. Anything else is described in parentheses, so that no message equals
-/// it.
+/// Returns the message of the Exception that action throws: a pointer for the KELException family,
+/// a value for the JException family. Anything else is described in parentheses, so that no message
+/// equals it.
 template <class Exception, class Action> std::string thrownMessage(const Action& action) {
     try {
         action();

@@ -1,5 +1,5 @@
 /// \file
-/// Trees of values with a certain shape, and looking at a tree from outside.
+/// Builds trees of values with a certain shape, and inspects a tree from outside.
 #pragma once
 
 #include "support/Held.h"
@@ -9,30 +9,30 @@
 
 namespace kel::test {
 
-/// An Int inside the given number of arrays, each the only element of the next. The caller owns the
-/// result, here and below.
+/// Returns an Int inside the given number of arrays, each the only element of the next. The caller
+/// owns the result, here and below.
 KEL_Impl* nestedArrays(int levels);
 
-/// An Int inside the given number of structs, each the only variable, "inner", of the next.
+/// Returns an Int inside the given number of structs, each the only variable, "inner", of the next.
 KEL_Impl* nestedStructs(int levels);
 
-/// The same with alternating arrays, structs and managers.
+/// Returns the same with alternating arrays, structs and managers.
 KEL_Impl* nestedMixed(int levels);
 
-/// An Int inside arrays that each hold the one below twice: 2 to the levels paths, levels + 1
-/// values.
+/// Returns an Int inside arrays that each hold the one below twice. The result has levels + 1
+/// values, and 2 to the power of levels paths.
 KEL_Impl* doublingChain(int levels);
 
-/// The given number of arrays. Each is the only element of the one before, and the first is the
-/// only element of the last.
+/// Returns the given number of arrays. Each is the only element of the one before, and the first is
+/// the only element of the last.
 std::vector<Held<KEL_Array_Impl>> ring(std::size_t length);
 
-/// Levels of arrays that each hold a variable descriptor and the struct inside it. The only
+/// Returns levels of arrays that each hold a variable descriptor and the struct inside it. The only
 /// variable of that struct is the level below. Two paths lead to every level, although no array is
 /// shared.
 KEL_Impl* chainOfInnerStructs(int levels);
 
-/// The distinct values that can be reached from root, root first.
+/// Returns the distinct values that can be reached from root, root first.
 std::vector<KEL_Impl*> valuesOf(KEL_Impl& root, bool insideManagers = true);
 
 /// Empties every container that can be reached from root, so that values that contain themselves

@@ -1,5 +1,5 @@
 /// \file
-/// Values to text and binary and back, in memory.
+/// Writes values to text and binary and reads them back, in memory.
 #pragma once
 
 #include "serial/binary/KELBinaryInputStream_Impl.h"
@@ -23,7 +23,7 @@ public:
         : writer_(new StringWriter()),
           stream_(new Stream(JPointer<JOutputStream>::share(writer_.get()))) {}
 
-    /// Writes a value: raw, held, or null.
+    /// Writes a value. The value can be raw, held, or null.
     Output& write(KEL* value) {
         stream_->write(value);
         return *this;
@@ -32,7 +32,7 @@ public:
 
     Stream* operator->() const { return stream_.get(); }
 
-    /// All that was written so far.
+    /// Returns everything written so far.
     std::string bytes() const {
         const char* text = writer_->getString();
         return text == nullptr ? std::string() : std::string(text, writer_->getStringSize() - 1);
@@ -53,7 +53,7 @@ public:
         : Input(new StringReader(text.data(), static_cast<int64_t>(text.size()))) {}
     explicit Input(JInputStream* medium) : Input(JPointer<JInputStream>(medium)) {}
 
-    /// The next root value.
+    /// Returns the next root value.
     Held<KEL_Impl> read() { return Held<KEL_Impl>(KEL_Impl::of(stream_->read())); }
 
     Stream* operator->() const { return stream_.get(); }
@@ -67,7 +67,7 @@ private:
 using TextInput = Input<KELStringInputStream_Impl>;
 using BinaryInput = Input<KELBinaryInputStream_Impl>;
 
-/// The text of one value.
+/// Returns the text of one value.
 inline std::string textOf(KEL* value) {
     return TextOutput().write(value).bytes();
 }
@@ -75,7 +75,7 @@ template <class T> std::string textOf(const Held<T>& value) {
     return textOf(value.get());
 }
 
-/// The record of one value.
+/// Returns the record of one value.
 inline std::string binaryOf(KEL* value) {
     return BinaryOutput().write(value).bytes();
 }
@@ -83,7 +83,7 @@ template <class T> std::string binaryOf(const Held<T>& value) {
     return binaryOf(value.get());
 }
 
-/// The first value of a text or of binary records.
+/// Returns the first value of a text or of binary records.
 inline Held<KEL_Impl> read(std::string_view text) {
     return TextInput(text).read();
 }
@@ -91,21 +91,21 @@ inline Held<KEL_Impl> readBinary(std::string_view bytes) {
     return BinaryInput(bytes).read();
 }
 
-/// The text that is written after a text has been read.
+/// Reads a text and returns the text that is written for its first value.
 inline std::string rewritten(std::string_view text) {
     return textOf(read(text));
 }
 
-/// The message of the KELIOException that reading the first value of a text throws.
+/// Returns the message of the KELIOException that reading the first value of a text throws.
 inline std::string refusalOf(std::string_view text) {
     return thrownMessage<KELIOException>([&] { read(text); });
 }
-/// The same for a KELEOFException.
+/// Returns the same for a KELEOFException.
 inline std::string endingOf(std::string_view text) {
     return thrownMessage<KELEOFException>([&] { read(text); });
 }
 
-/// The two messages of the text reader.
+/// Returns the two messages of the text reader.
 inline std::string syntaxErrorAt(int line) {
     return "Error reading KEL - syntax error at line: " + std::to_string(line);
 }

@@ -21,8 +21,8 @@ namespace kel::test {
 
 using HeldValue = Held<KEL_Impl>;
 
-/// The hash code whose GUID layout ends in the number: 00000000-0000-0000-0000-0000000000NN for
-/// numbers up to 255.
+/// Returns the hash code whose GUID layout ends in the number. For numbers up to 255 the layout is
+/// 00000000-0000-0000-0000-0000000000NN.
 inline JHashCode codeOf(uint8_t number) {
     return JHashCode(0, 0, 0, static_cast<uint32_t>(number) << 24);
 }
@@ -46,7 +46,7 @@ inline HeldValue memBlockOf(std::string_view bytes) {
     return HeldValue(new KEL_MemBlock_Impl(static_cast<int32_t>(bytes.size()), bytes.data()));
 }
 
-/// The same with an identity of the test's choice.
+/// Makes the same with an identity of the test's choice.
 inline HeldValue intWith(const JHashCode& identity, int32_t value) {
     return HeldValue(new KEL_Int_Impl(identity, value));
 }
@@ -85,8 +85,8 @@ HeldValue fill(Container* target, const Elements&... elements) {
 
 } // namespace detail
 
-/// Containers of the given values: held ones, raw pointers, or nullptr for a variable without a
-/// value.
+/// Makes containers of the given values: held ones, raw pointers, or nullptr for a variable without
+/// a value.
 template <class... Elements> HeldValue arrayOf(const Elements&... elements) {
     return detail::fill(new KEL_Array_Impl(), elements...);
 }
@@ -109,7 +109,7 @@ HeldValue structWith(const JHashCode& identity, const Variables&... variables) {
     return HeldValue(made.detach());
 }
 
-/// The containers' own operations.
+/// Returns the containers' own operations.
 inline KEL_Array& asArray(KEL* value) {
     return dynamic_cast<KEL_Array&>(*value);
 }
@@ -129,7 +129,7 @@ inline KEL_Manager& asManager(const HeldValue& value) {
     return asManager(value.get());
 }
 
-/// An element of an array, or the value of a struct's variable, borrowed.
+/// Returns an element of an array, or the value of a struct's variable, borrowed.
 inline KEL_Impl* at(const HeldValue& container, int32_t index) {
     return KEL_Impl::of(asArray(container).getVar(index));
 }
@@ -137,7 +137,7 @@ inline KEL_Impl* at(const HeldValue& container, const char* name) {
     return KEL_Impl::of(static_cast<const KEL_Struct&>(asStruct(container)).getVar(name));
 }
 
-/// The GUID layout of a value's identity.
+/// Returns the GUID layout of a value's identity.
 inline std::string identityOf(const KEL* value) {
     JHashCode identity;
     char text[JHashCode::guidTextLength + 1];

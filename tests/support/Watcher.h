@@ -10,7 +10,7 @@
 
 namespace kel::test {
 
-/// A host's observer. `then` runs inside the callback, after it was noted.
+/// A host's observer. `then` runs inside the callback, after the call was noted.
 class Watcher : public KEL_Observer {
 public:
     Watcher() = default;
@@ -20,7 +20,7 @@ public:
     void update(KEL* value) override {
         told.push_back(value);
         if (then) {
-            const std::function<void()> action = then; // which can replace `then`
+            const std::function<void()> action = then; // the action can replace `then`
             action();
         }
     }

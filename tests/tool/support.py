@@ -1,7 +1,7 @@
-"""Vocabulary of the tool's tests: running the tool, files in a folder of their own, binary records.
+"""Helpers of the tool's tests: running the tool, files in a folder of their own, binary records.
 
-The environment variable KEL_TOOL holds the path of the tool, and KEL_LAUNCHER that of a program
-which runs it where the system cannot (empty where it can).
+The environment variable KEL_TOOL holds the path of the tool. KEL_LAUNCHER holds the path of a
+program that runs it where the system cannot, and is empty where the system can.
 """
 
 import atexit
@@ -30,7 +30,7 @@ def posix_only(reason):
 
 
 class Result:
-    """Exit status and output of one run; stderr as text, stdout as bytes."""
+    """The exit status and output of one run: stderr as text, stdout as bytes."""
 
     def __init__(self, process):
         self.status = process.returncode
@@ -46,7 +46,8 @@ def limit_stack():
 
 @functools.lru_cache
 def tool_with_small_stack():
-    """A copy of a Windows tool that asks the system for a small stack: its header says how large."""
+    """Returns a copy of a Windows tool that requests a small stack from the system. The size is in
+    its header."""
     folder = tempfile.mkdtemp(prefix="kel-small-stack-")
     atexit.register(shutil.rmtree, folder, ignore_errors=True)
     for library in pathlib.Path(TOOL).parent.glob("*.dll"):
@@ -64,7 +65,7 @@ def tool_with_small_stack():
 
 
 def command(*arguments, tool=TOOL):
-    """The command that runs the tool."""
+    """Returns the command that runs the tool."""
     return [*LAUNCHER, tool, *arguments]
 
 
@@ -98,7 +99,7 @@ class ToolTest(unittest.TestCase):
         return sorted(os.listdir(self.folder))
 
     def kel(self, *arguments, input=None, small_stack=False, **options):
-        """Runs the tool without checking the result, on request with a small call stack."""
+        """Runs the tool without checking the result. Uses a small call stack on request."""
         if isinstance(input, str):
             input = input.encode("utf-8")
         options.setdefault("stdout", subprocess.PIPE)
@@ -139,7 +140,7 @@ def identity(number):
 
 
 def record(kind, payload, number=1):
-    """A complete record; values that are referred to need a number of their own."""
+    """Returns a complete record. Values that are referred to need a number of their own."""
     return (b"KEL\0" + identity(number) + struct.pack("<iHQ", kind, 1, len(payload)) + payload)
 
 
@@ -160,5 +161,5 @@ def string_record(text, number=1):
 
 
 def struct_record(members, number=1):
-    """members: pairs of a name in bytes and a record."""
+    """Returns the record of a struct. members: pairs of a name in bytes and a record."""
     return record(STRUCT, b"".join(name + b"\0" + value for name, value in members), number)

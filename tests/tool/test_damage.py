@@ -5,7 +5,7 @@ from support import (ARRAY, DOUBLE, MEMBLOCK, ToolTest, int_record, record, refe
                      string_record, struct_record)
 
 JSON = b'{"a": [1, -2.5e3, true, null, "x\\u00e9\\n"], "b": {"$guid": "none"}, "": {}}'
-GUID = b"AF2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit; its beginnings are not numbers
+GUID = b"AF2504E0-4F89-11D3-9A0C-0305E82C330"  # lacks one digit; its beginnings are not numbers
 ROOT = b'// comment\n' + GUID + b'2'
 TEXT = (ROOT + b' = { @desc = "d" a = [ 1 -2.5 true "x" ]\n'
         b'g = ' + GUID + b'1\n b = /* c */ NULL "k l" = 0x1f }')
@@ -20,7 +20,7 @@ class Damage(ToolTest):
     """Damaged files are either read or refused with a place."""
 
     def check(self, form, contents):
-        """Checks all contents in one run; the names of those that are refused."""
+        """Checks all contents in one run. Returns the names of those that are refused."""
         names = [f"{number:05}" for number in range(len(contents))]
         for name, content in zip(names, contents):
             self.write(name, content)
@@ -42,7 +42,7 @@ class Damage(ToolTest):
         for form, sample in SAMPLES.items():
             beginnings = [sample[:size] for size in range(len(sample))]
             cut = [size for size in range(len(sample))
-                   if beginnings[size].rstrip() != ROOT]  # a guid value, whole as it is
+                   if beginnings[size].rstrip() != ROOT]  # a complete guid value
             self.assertEqual(self.check(form, beginnings), cut, form)
 
     def test_an_identity_without_its_value_is_refused(self):

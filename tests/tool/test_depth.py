@@ -116,7 +116,8 @@ class SharingBombs(ToolTest):
     """Sharing lets a small binary file unfold to any number of values."""
 
     def bomb(self, levels, innermost):
-        """An array of two times an array of two times ... the innermost record, number 1."""
+        """Returns an array of two times an array of two times ... the innermost record, number
+        1."""
         content = innermost
         for number in range(2, levels + 2):
             content = record(ARRAY, content + reference(number - 1), number)
@@ -150,7 +151,8 @@ class SharingBombs(ToolTest):
         self.assertEqual(self.read("b.json").count(b"7"), 1024)
 
     def entangled(self, levels):
-        """Arrays that each hold the one before, references to all before, and themselves."""
+        """Returns arrays that each hold the one before, references to all before, and
+        themselves."""
         content = int_record(0, 99)
         for number in range(1, levels + 1):
             others = b"".join(reference(other) for other in range(1, number + 1))

@@ -9,7 +9,8 @@ NAMES = sorted(name for name in os.listdir(FOLDER) if name.endswith(".json")) if
 
 
 def same(a, b):
-    """Equal JSON contents, where an integer beyond 32 bits may have become a double."""
+    """Returns whether JSON contents are equal. An integer beyond 32 bits can have become a
+    double."""
     waiting = [(a, b)]
     while waiting:
         a, b = waiting.pop()
@@ -26,7 +27,7 @@ def same(a, b):
 
 
 def read_from_text(number):
-    """The double that reading the six-decimals form gives, by the rules of the text format."""
+    """Returns the double that the rules of the text format give for the six-decimals form."""
     whole, decimals = f"{abs(number):.6f}".split(".")
     wrapped = (int(whole) + 2**31) % 2**32 - 2**31
     result, weight = float(wrapped), 0.1
@@ -36,7 +37,7 @@ def read_from_text(number):
 
 
 def obstacle(value, to_text):
-    """Why a value of a JSON document cannot be carried, or None."""
+    """Returns why a value of a JSON document cannot be carried, or None."""
     if isinstance(value, bool) or value is None:
         return None
     if isinstance(value, str):
@@ -57,7 +58,7 @@ def step(name):
 
 
 def obstacles(document, to_text):
-    """All places with an obstacle, in the order of the document."""
+    """Returns all places with an obstacle, in the order of the document."""
     found, waiting = [], [("", document)]
     while waiting:
         path, value = waiting.pop()
@@ -78,7 +79,7 @@ class Documents(ToolTest):
         self.assertNotEqual(NAMES, [])
 
     def convert(self, document, name, output):
-        """Converts a document; expects the list of what is lost first, then forces."""
+        """Converts a document. Expects the list of losses first, then forces the conversion."""
         for old in self.files():
             os.remove(self.path(old))
         source = os.path.join(FOLDER, name)

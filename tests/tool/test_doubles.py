@@ -11,7 +11,7 @@ def bits(number):
 
 
 def sample(count):
-    """Doubles of every magnitude, many of them close to what six decimals can carry."""
+    """Returns doubles of every magnitude. Many of them are close to what six decimals can carry."""
     source = random.Random(4711)
     numbers = [0.0, -0.0, 0.1, -0.1, 0.3, 2147483647.0, 2147483647.999999, -2147483647.999999,
                2147483648.0, -2147483648.0, 4294967295.5, 4294967296.0, 1e-6, 5e-7, 4.9e-7, 1e308]

@@ -318,5 +318,5 @@ class Output(ToolTest):
         self.assertEqual(self.interrupt(signal.SIGTERM), -signal.SIGTERM)
 
     def test_an_interruption_leaves_no_unfinished_file(self):
-        interrupted = 0x3A if WINDOWS else -signal.SIGINT  # of 0xC000013A the last byte arrives
+        interrupted = 0x3A if WINDOWS else -signal.SIGINT  # the last byte of 0xC000013A
         self.assertEqual(self.interrupt(signal.SIGINT), interrupted)

@@ -1,15 +1,15 @@
 from support import ARRAY, NO_IDENTITY, int_record, record, reference, string_record, struct_record
 from test_losses import Losses
 
-GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit
+GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C330"  # lacks one digit
 ANOTHER = "a value with the identity of another"
 
 
 class SharedIdentities(Losses):
-    """Binary knows one value for each identity: a second one is not silently the first."""
+    """Binary knows one value for each identity. A second value never silently becomes the first."""
 
     def becomes(self, plain):
-        """The refused file, converted with --force, holds this."""
+        """Expects this content from the refused file when it is converted with --force."""
         self.forced(self.source, "kelb")
         self.ok("convert", "out.kelb", "back.json")
         self.assertEqual(self.json("back.json"), plain)

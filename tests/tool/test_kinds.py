@@ -3,11 +3,11 @@ import time
 
 from support import ARRAY, STRUCT, ToolTest, record
 
-GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C330"  # and one more digit
+GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C330"  # lacks one digit
 
 
 def tabs(depth, text):
-    """The text in its written form: two blanks become a tab, at the given depth."""
+    """Returns the text in its written form, at the given depth. Two blanks become a tab."""
     lines = text.replace("  ", "\t").splitlines()
     return "".join("\t" * depth + line + "\n" if line else "\n" for line in lines)
 
@@ -31,17 +31,17 @@ LIST = tabs(0, """\
 
 
 def rules(*properties):
-    """A variable descriptor on one line."""
+    """Returns a variable descriptor on one line."""
     return "{ @type = 52\n" + " ".join(properties) + "}"
 
 
 def described(*descriptors):
-    """A struct descriptor; descriptors: pairs of a name and a variable descriptor."""
+    """Returns a struct descriptor. descriptors: pairs of a name and a variable descriptor."""
     return "{ @type = 51\n" + "\n".join(f"{name} = {text}" for name, text in descriptors) + "}"
 
 
 def checked(descriptor, *variables):
-    """A checked struct."""
+    """Returns a checked struct."""
     return "{ @type = 50\n@desc = " + descriptor + "\n" + "\n".join(variables) + "}"
 
 
@@ -52,13 +52,14 @@ SETTINGS = described(("level", LEVEL), ("mode", MODE))
 
 class Kinds(ToolTest):
     def written(self, text):
-        """The file a.kel in the form in which the tool itself writes it."""
+        """Writes the text to a.kel. Returns the file in the form in which the tool itself writes
+        it."""
         self.write("a.kel", text)
         self.ok("convert", "a.kel", "written.kel")
         return self.read("written.kel")
 
     def refused(self, text, to, *places):
-        """Converting the text is refused with these places and the advice to take text."""
+        """Expects a refusal to convert the text, with these places and the advice to use text."""
         self.write("a.kel", text)
         self.places = (f"a.kel: {len(places)} place{'' if len(places) == 1 else 's'} cannot be "
                        f"converted from text to {'binary' if to == 'kelb' else to}:\n" +
@@ -76,7 +77,8 @@ class Kinds(ToolTest):
         return self.json("out.json")
 
     def becomes(self, plain, text, *places):
-        """Binary and JSON refuse the text with these places and make plain data when forced."""
+        """Expects binary and JSON to refuse the text with these places, and to make plain data when
+        forced."""
         for to in ("kelb", "json"):
             with self.subTest(to=to):
                 self.setUp()  # a folder of its own
@@ -200,7 +202,7 @@ class PlainData(Kinds):
 
 class Check(Kinds):
     def violations(self, text, *lines):
-        """Check lists exactly these lines and ends with status 1."""
+        """Expects check to list exactly these lines and to end with status 1."""
         self.write("a.kel", text)
         self.fails(1, "".join(f"kel: a.kel: {line}\n" for line in lines), "check", "a.kel")
 
@@ -394,7 +396,7 @@ class Sharing(Kinds):
     """References let a small text unfold to any number of values."""
 
     def bomb(self, wrap):
-        """A value of two times a value of two times ... 60 levels deep."""
+        """Returns a value of two times a value of two times ... 60 levels deep."""
         text = f"[ {GUID}1 = {wrap('1', '2')} "
         identity = "00000000-0000-0000-0000-0000000000{:02X}"
         previous = f"REF {GUID}1\n"
@@ -419,8 +421,8 @@ class Sharing(Kinds):
 
 
 class Cycles(ToolTest):
-    """Text names complete values only, binary holds plain data only: no file brings a value of
-    these kinds that contains itself."""
+    """Text names complete values only, and binary holds plain data only. Therefore no file can hold
+    a value of these kinds that contains itself."""
 
     def test_a_value_cannot_be_referred_to_inside_itself(self):
         for text in (f"{GUID}1 = <[1][REF {GUID}1\n]>",

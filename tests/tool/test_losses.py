@@ -9,7 +9,7 @@ ADVICE = "text keeps every kind; "
 
 
 class Losses(ToolTest):
-    """Nothing is lost silently: convert refuses with a list, and warns with it when forced."""
+    """Nothing is lost silently. convert refuses with a list, and warns with it when forced."""
 
     def refused(self, source, content, to, *places, count=None):
         """Converts and expects a refusal that lists the places."""

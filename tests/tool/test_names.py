@@ -2,7 +2,7 @@ from support import ToolTest
 
 
 class Names(ToolTest):
-    """Names of files are UTF-8, on every system."""
+    """File names are UTF-8 on every system."""
 
     def test_names_beyond_ascii_are_read_and_written(self):
         self.write("café 設定.json", "[1, 2]")

@@ -90,7 +90,7 @@ class Progress(ToolTest):
             while piece := os.read(terminal, 4096):
                 shown += piece
         except OSError:
-            pass  # how Linux reports that all writers are gone
+            pass  # Linux reports in this way that all writers are gone
         os.close(terminal)
         return shown
 
@@ -111,7 +111,7 @@ class Progress(ToolTest):
 
         terminal, stderr = pty.openpty()
         self.addCleanup(os.close, terminal)
-        # A sanitizer's search for leaks would need a thread itself.
+        # A sanitizer's search for leaks would itself need a thread.
         environment = {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
         process = subprocess.run(command("show", "-"), input=b"1", stdout=subprocess.PIPE,
                                  stderr=stderr, env=environment, preexec_fn=become_one_process,

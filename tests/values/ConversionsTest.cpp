@@ -56,7 +56,8 @@ template <class T> JHashCode guidOf(T value) {
     return convertToGuid(of(value).get());
 }
 
-/// The text of the String that the value converts to. Checks that only the caller owns the String.
+/// Returns the text of the String that the value converts to. Checks that only the caller owns the
+/// String.
 template <class T> std::string stringOf(T value) {
     const Held<KEL> source = of(value);
     const Held<KEL_String> text(convertToString(source.get()));

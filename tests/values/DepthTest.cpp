@@ -1,4 +1,4 @@
-// Nothing uses the call stack for depth.
+// No operation uses the call stack for depth.
 #include "support/AllocationFailure.h"
 #include "support/Held.h"
 #include "support/SmallStack.h"

@@ -22,7 +22,7 @@ using Value = Held<KEL_Impl>;
 
 const std::string differentTypes = "Can't set the value when types are not equal!";
 
-/// The values' own comparison of identities, as a host calls it.
+/// Returns the result of the values' own comparison of identities, as a host calls it.
 bool areSame(const KEL& value, const KEL* other) {
     return value.equals(other);
 }

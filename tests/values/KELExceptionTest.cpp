@@ -10,7 +10,7 @@ namespace {
 using kel::test::messageAndRelease;
 using kel::test::messageOf;
 
-/// True if a handler for Caught pointers catches a pointer to Thrown. Releases the object.
+/// Returns whether a handler for Caught pointers catches a pointer to Thrown. Releases the object.
 template <class Caught, class Thrown> bool catches() {
     auto* failure = new Thrown("text");
     try {

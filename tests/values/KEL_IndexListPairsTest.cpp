@@ -16,7 +16,7 @@ protected:
         watcher.told.clear();
     }
 
-    /// The texts of both arrays in full.
+    /// Returns the texts of both arrays in full.
     std::string arrays() const {
         return textsOf(*list->getKeys()) + " | " + textsOf(*list->getItems());
     }
@@ -26,7 +26,7 @@ protected:
         return refusedBy(*list->getKeys(), change);
     }
 
-    /// The same with an observer of the items.
+    /// Does the same with an observer of the items.
     template <class Change> std::string refusedByItems(const Change& change) {
         return refusedBy(*list->getItems(), change);
     }

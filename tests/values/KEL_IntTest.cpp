@@ -59,7 +59,7 @@ TEST(KEL_Int, TextStaysUntilTheNextOrUntilItIsFreed) {
     const char* first = value->toString();
     value->setValue(7);
     EXPECT_STREQ(first, "123456");
-    EXPECT_EQ(value->toString(), first); // one buffer, written anew
+    EXPECT_EQ(value->toString(), first); // the buffer is the same, with new contents
     EXPECT_STREQ(first, "7");
     value->freeString();
     value->freeString();

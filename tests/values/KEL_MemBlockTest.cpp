@@ -24,17 +24,17 @@ const std::string digits = "0123456789ABCDEF";
 
 using Block = Held<KEL_MemBlock_Impl>;
 
-/// A block of the sixteen hexadecimal digits.
+/// Returns a block of the sixteen hexadecimal digits.
 Block sixteen() {
     return make<KEL_MemBlock_Impl>(16, digits.data());
 }
 
-/// A block whose bytes are still unread.
+/// Returns a block whose bytes are still unread.
 Block lazy(JInputStream* source, int32_t size) {
     return make<KEL_MemBlock_Impl>(source, size);
 }
 
-/// Ten bytes that were dots, after read has written into them.
+/// Returns ten bytes that were dots, after read has written into them.
 std::string read(KEL_MemBlock& block, int32_t offset, int32_t count) {
     std::string out(10, '.');
     block.read(offset, out.data(), count);

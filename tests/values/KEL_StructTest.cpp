@@ -1,4 +1,4 @@
-// The operations of a struct, for the kinds that offer them unchecked.
+// Tests the operations of a struct, for the kinds that offer them unchecked.
 #include "meta/KELFactory.h"
 #include "support/Held.h"
 #include "support/Thrown.h"
@@ -51,7 +51,7 @@ protected:
 
     Names names() const { return namesOf(*structure); }
 
-    /// The variable, borrowed.
+    /// Returns the variable, borrowed.
     KEL* var(const char* name) const { return std::as_const(*structure).getVar(name); }
 
     template <class Exception = KELNoSuchElementException, class Action>

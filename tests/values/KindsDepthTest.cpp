@@ -1,4 +1,4 @@
-// Keyed lists, selectors, checked structs and descriptors: any depth works, and values that contain
+// Keyed lists, selectors, checked structs and descriptors work at any depth. Values that contain
 // themselves are copied, compared and taken apart.
 #include "support/AllocationFailure.h"
 #include "support/Kinds.h"
@@ -16,7 +16,7 @@ using namespace kel::test;
 namespace {
 
 constexpr int million = 1000000;
-constexpr int many = million / 4; // for what differs little from its neighbour
+constexpr int many = million / 4; // for cases that differ little from similar ones
 
 using Wrap = KEL_Impl* (*)(KEL_Impl* inner);
 
@@ -52,7 +52,7 @@ template <class Kind> KEL_Impl* asVariable(KEL_Impl* inner) {
     return made;
 }
 
-/// Each kind of container in its turn.
+/// Wraps the value in one container. The kinds take turns from call to call.
 KEL_Impl* inTurns(KEL_Impl* inner) {
     static constexpr Wrap wraps[] = {
         asItem, asVariable<MetaKel_Impl>,           asEntry,
@@ -125,7 +125,7 @@ TEST(KindsDepth, AMillionMultiSelectorsAreCopiedComparedAndDestroyed) {
     });
 }
 
-/// A text of the given number of levels, without indentation.
+/// Returns a text of the given number of levels, without indentation.
 std::string nestedText(int levels, const std::string& open, const std::string& close) {
     std::string text;
     for (int i = 0; i < levels; ++i) {
@@ -138,7 +138,8 @@ std::string nestedText(int levels, const std::string& open, const std::string& c
     return text;
 }
 
-/// The number of containers on the way down, always by the last child or always by the first.
+/// Returns the number of containers on the way down, always by the last child or always by the
+/// first.
 int depthOf(const KEL_Impl& root, bool byLast) {
     const KEL_Impl* value = &root;
     int depth = 0;
@@ -186,7 +187,7 @@ TEST(KindsDepth, ADeepSyntaxErrorIsClearedAwayWithoutStack) {
 }
 
 TEST(KindsDepth, AFewThousandLevelsAreWrittenWithoutStack) {
-    runInSmallStack([] { // the tabs of a million would be a thousand gigabytes
+    runInSmallStack([] { // the tabs of a million levels would take a thousand gigabytes
         const auto value = nested(4000, inTurns);
         const std::string text = textOf(value);
         EXPECT_EQ(rewritten(text), text);
@@ -195,7 +196,7 @@ TEST(KindsDepth, AFewThousandLevelsAreWrittenWithoutStack) {
 
 // ---- Values that contain themselves ------------------------------------------------------------
 
-/// A walk that does not end runs out of this instead of time.
+/// Limits the memory of a test. A walk that does not end runs out of memory instead of time.
 class KindsCycles : public ::testing::Test {
 protected:
     /// Copies and compares a value that contains itself, and takes both apart again.

@@ -11,8 +11,8 @@ namespace {
 
 using namespace kel::test;
 
-/// Runs an operation on a value of which `held` is the caller's last reference; the others are
-/// inside the value.
+/// Runs an operation on a value. `held` is the caller's last reference to it. The other references
+/// are inside the value.
 template <class T, class Operation>
 void expectGoneAfter(HeldValue held, const Operation& operation) {
     T& value = dynamic_cast<T&>(*held);

@@ -1,5 +1,5 @@
-// The parts of the observer contract that hosts cannot see: observers of the runtime, the changed
-// flag, and the lifetime of values. tests/host/ObserversTest.cpp tests the rest.
+// Tests the parts of the observer contract that hosts cannot see: observers of the runtime, the
+// changed flag, and the lifetime of values. tests/host/ObserversTest.cpp tests the rest.
 #include "meta/KEL_Manager_Impl.h"
 #include "support/Held.h"
 #include "support/Watcher.h"
@@ -42,7 +42,7 @@ protected:
         }
     }
 
-    /// Changes the value and returns who was called.
+    /// Changes the value and returns the letters of the observers that were called.
     std::string change() {
         log.clear();
         value->setValue(value->getValue() + 1);

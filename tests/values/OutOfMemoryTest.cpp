@@ -24,7 +24,7 @@ using kel::test::Held;
 using kel::test::make;
 using kel::test::Watcher;
 
-/// A struct of an array, a string, a block and an inner struct, owned by the caller.
+/// Returns a struct of an array, a string, a block and an inner struct, owned by the caller.
 KEL_Struct* buildDocument() {
     Held<KEL_Struct> document(new KEL_Struct_Impl());
     document->putString("name", "a text that fits no small buffer of any string class");

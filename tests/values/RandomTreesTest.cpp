@@ -31,8 +31,8 @@ RandomTreeOptions withoutNulls() {
     return options;
 }
 
-/// Changes one value of the tree, but none inside a manager, because the copy shares those.
-/// \return false if it has nothing to change
+/// Changes one value of the tree. Never changes a value inside a manager, because the copy shares
+/// those. \return false if the tree has nothing to change
 bool changeOneOf(KEL_Impl& root, RandomNumbers& numbers) {
     const std::vector<KEL_Impl*> values = valuesOf(root, false);
     const auto start = static_cast<std::size_t>(numbers.below(values.size()));
@@ -104,7 +104,7 @@ TEST(RandomTrees, ACopySharesNothingButWhatManagersHold) {
         for (const KEL_Impl* value : valuesOf(*copy, false)) {
             ASSERT_EQ(std::count(mine.begin(), mine.end(), value), 0) << seed;
         }
-        // Both unfolded side by side.
+        // Both trees are unfolded side by side.
         std::vector<std::pair<KEL_Impl*, KEL_Impl*>> pairs{{tree.get(), copy.get()}};
         for (std::size_t i = 0; i < pairs.size(); ++i) {
             const auto [source, copied] = pairs[i];
@@ -140,7 +140,7 @@ TEST(RandomTrees, EqualityIsSymmetric) {
     Held<KEL_Impl> previous(randomTree(0));
     for (uint64_t seed = 1; seed < treeCount; ++seed) {
         RandomTreeOptions options;
-        options.maxValues = 3; // small ones are equal now and then
+        options.maxValues = 3; // small trees are equal now and then
         Held<KEL_Impl> tree(randomTree(seed, options));
         ASSERT_EQ(tree->equalsValue(previous.get()), previous->equalsValue(tree.get())) << seed;
         previous = std::move(tree);

@@ -23,7 +23,7 @@ Names listOf(std::initializer_list<const char*> texts) {
     return names;
 }
 
-/// The names from the cursor to the end.
+/// Returns the names from the cursor to the end.
 std::vector<std::string> rest(StringEnumeration& names) {
     std::vector<std::string> texts;
     while (names.hasMoreElements()) {

@@ -1,4 +1,4 @@
-// Copying whole trees: shared values, values that contain themselves, null variables.
+// Copies whole trees: shared values, values that contain themselves, null variables.
 #include "values/TreeCopy.h"
 #include "meta/KEL_Manager_Impl.h"
 #include "support/BoundedWalk.h"
@@ -128,7 +128,7 @@ TEST(TreeCopy, ATreeWithoutSharedContainersNeedsNoTable) {
     const std::size_t needed = allocationsOf(plain);
     EXPECT_EQ(allocationsOf(sharesNumber), needed);
     const HeldValue alsoHolds = arrayOf(plain);
-    EXPECT_EQ(allocationsOf(plain), needed); // nothing inside leads back to the root
+    EXPECT_EQ(allocationsOf(plain), needed); // nothing inside refers back to the root
     const HeldValue inner = HeldValue(at(plain, 2));
     inner->addRef();
     EXPECT_GT(allocationsOf(plain), needed);
@@ -206,7 +206,7 @@ TEST(TreeCopy, ACycleKeepsTheCopyFinite) {
     EXPECT_FALSE(unfoldedSize(*source).has_value());
 }
 
-/// An array in itself that nobody else holds, borrowed.
+/// Returns an array that contains itself and that nobody else holds, borrowed.
 KEL_Array_Impl* selfHeld() {
     auto* array = new KEL_Array_Impl();
     array->addVar(array);

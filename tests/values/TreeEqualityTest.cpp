@@ -1,4 +1,4 @@
-// Comparing whole trees that share parts or contain themselves.
+// Compares whole trees that share parts or contain themselves.
 #include "support/BoundedWalk.h"
 #include "support/Kinds.h"
 #include "support/RandomTree.h"
@@ -22,7 +22,7 @@ using kel::test::valuesOf;
 using Array = Held<KEL_Array_Impl>;
 using Struct = Held<KEL_Struct_Impl>;
 
-/// An array in itself that nobody else holds, borrowed.
+/// Returns an array that contains itself and that nobody else holds, borrowed.
 KEL_Array_Impl* selfHeld() {
     auto* array = new KEL_Array_Impl();
     array->addVar(array);
@@ -115,8 +115,9 @@ TEST(TreeEquality, ChainsOfInnerStructsAreComparedInLinearTime) {
     EXPECT_TRUE(areEqual(*chain, *same));
 }
 
-/// Levels of an array that holds two arrays, which are one or two objects. The innermost level
-/// holds nothing. Both hold the array of the next level, so it is shared if they are two.
+/// Returns a chain of levels. The array of each level holds two inner arrays, which are one object
+/// or two. Both inner arrays hold the array of the next level, so that array is shared if they are
+/// two objects. The array of the innermost level is empty.
 Array doublingAtTurns(int levels, bool pairIsShared) {
     Array level = make<KEL_Array_Impl>();
     for (int i = 0; i < levels; ++i) {
@@ -147,7 +148,7 @@ TEST(TreeEquality, ComparingASharedValueWithItselfLooksNoFurther) {
 }
 // ---- Cost --------------------------------------------------------------------------------------
 
-constexpr std::size_t fewMegabytes = 8 << 20; // for both ways
+constexpr std::size_t fewMegabytes = 8 << 20; // for both directions of the comparison
 
 TEST(TreeEquality, RingsWithoutACommonLengthNeedFewMegabytes) {
     const std::vector<Array> shorter = ring(4000);
@@ -159,8 +160,8 @@ TEST(TreeEquality, RingsWithoutACommonLengthNeedFewMegabytes) {
     EXPECT_FALSE(areEqual(*shorter[0], *longer[0], fewMegabytes));
 }
 
-/// Levels of equally many arrays. Each array holds two of the next level, at the given distance.
-/// The returned array holds the first level.
+/// Returns an array that holds the first of several levels. Each level has the same number of
+/// arrays, and each array holds two of the next level, at the given distance.
 Array grid(std::size_t size, std::size_t apart) {
     std::vector<Array> below;
     for (std::size_t level = 0; level < size; ++level) {
@@ -203,7 +204,7 @@ TEST(TreeEquality, TreesWithoutSharingNeedNoTable) {
 
 // ---- Against the definition --------------------------------------------------------------------
 
-/// A few arrays that hold one or two of each other.
+/// Returns a few arrays. Each holds one or two of them.
 std::vector<Array> randomGraph(RandomNumbers& numbers) {
     std::vector<Array> arrays;
     for (int i = 1 + numbers.below(6); i > 0; --i) {
@@ -217,7 +218,7 @@ std::vector<Array> randomGraph(RandomNumbers& numbers) {
     return arrays;
 }
 
-/// Looks at every pair of arrays that two paths of the same indices lead to.
+/// Compares every pair of arrays that two paths of the same indices lead to.
 bool noDifferenceCanBeFound(KEL_Array& a, KEL_Array& b) {
     std::vector<std::pair<KEL_Array*, KEL_Array*>> open{{&a, &b}};
     std::set<std::pair<KEL_Array*, KEL_Array*>> known{open[0]};

@@ -1,6 +1,6 @@
-// The typed operations of containers: the result of each getter and each setter for a value of each
-// kind, and the value that each adder and putter stores. Arrays and all kinds with the operations
-// of a struct follow the same rules.
+// Tests the typed operations of containers: the result of each getter and each setter for a value
+// of each kind, and the value that each adder and putter stores. Arrays and all kinds with the
+// operations of a struct follow the same rules.
 #include "support/Samples.h"
 #include "support/Watcher.h"
 
@@ -15,7 +15,7 @@ const JHashCode sample(0x3F2504E0U, 0x11D34F89U, 0x05030C9AU, 0x01332CE8U);
 const std::string sampleText = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
 const std::string zeros = "-0000-0000-0000-000000000000";
 
-/// Kind and text of a value.
+/// Returns the kind and the text of a value.
 std::string described(const KEL* value) {
     if (value == nullptr) {
         return "null";

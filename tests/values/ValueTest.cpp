@@ -1,4 +1,4 @@
-// Copying, assigning and comparing values.
+// Copies, assigns and compares values.
 #include "meta/KEL_Manager_Impl.h"
 #include "support/Held.h"
 #include "values/KEL_Array_Impl.h"

@@ -1,4 +1,4 @@
-// How much memory the bytes of a binary input can take.
+// Measures how much memory the bytes of a binary input can take.
 #include "support/AllocationFailure.h"
 #include "support/Records.h"
 #include "support/Trees.h"
@@ -23,7 +23,8 @@ std::string empty(uint32_t number, int32_t kind) {
     return record(numbered(number), kind, "");
 }
 
-/// A root container around enough pieces to make a large input. They are numbered from 1.
+/// Returns a root container around enough pieces to make a large input. The pieces are numbered
+/// from 1.
 template <class Piece> std::string manyOf(int32_t kind, const Piece& piece) {
     std::string payload;
     for (uint32_t number = 1; payload.size() < inputSize; ++number) {
@@ -32,12 +33,12 @@ template <class Piece> std::string manyOf(int32_t kind, const Piece& piece) {
     return record(JHashCode(1, 0, 0, 0), kind, payload);
 }
 
-/// Nested containers, the outermost numbered 0. Each payload begins with lead and ends with tail.
-/// The innermost begins with seed instead.
+/// Returns nested containers, the outermost numbered 0. Each payload begins with lead and ends with
+/// tail. The innermost begins with seed instead.
 std::string nested(int32_t kind, const std::string& lead, const std::string& tail,
                    const std::string& seed = "") {
     std::vector<std::string> openings;
-    std::size_t length = 0; // of all so far, which the next one encloses
+    std::size_t length = 0; // of all containers so far, which the next one encloses
     for (auto number = static_cast<uint32_t>(inputSize / (34 + lead.size() + tail.size()));
          number-- > 0;) {
         const std::string own = length == 0 ? seed : lead;
@@ -54,7 +55,7 @@ std::string nested(int32_t kind, const std::string& lead, const std::string& tai
     return records;
 }
 
-/// A different name for each number, as short as possible.
+/// Returns a different name for each number, as short as possible.
 std::string nameOf(uint32_t number) {
     std::string name;
     for (; number > 0; number /= 64) {
@@ -63,7 +64,8 @@ std::string nameOf(uint32_t number) {
     return name;
 }
 
-/// The bytes that a stream allocates to read the records, freed or not, for each byte of them.
+/// Returns the number of bytes that a stream allocates to read the records, freed or not, for each
+/// byte of them.
 double allocatedPerByte(const std::string& records) {
     constexpr std::size_t budget = std::size_t{1} << 30;
     std::size_t left = 0;

@@ -1,5 +1,5 @@
-// The state after a failed read of the binary reader: the position in the input, and the targets of
-// references.
+// Tests the state after a failed read of the binary reader: the position in the input, and the
+// targets of references.
 #include "support/AllocationFailure.h"
 #include "support/Bytes.h"
 #include "support/PieceStream.h"
@@ -21,7 +21,8 @@ constexpr const char* badHeader = "Error reading KEL header.";
 constexpr const char* badCode = "Error in KEL hash code.";
 constexpr const char* noString = "BinaryDataInput::JReadString(). EOF reached.";
 
-/// The message of the exception that a read throws, of any class that a binary reader throws.
+/// Returns the message of the exception that a read throws, of any class that a binary reader
+/// throws.
 std::string failureOf(BinaryInput& input) {
     try {
         input.read();
@@ -35,7 +36,7 @@ std::string failureOf(BinaryInput& input) {
     return "(nothing thrown)";
 }
 
-/// The bytes that a failed read leaves.
+/// Returns the bytes that a failed read leaves.
 std::string rest(BinaryInput& input) {
     std::string out;
     for (int32_t byte = input->JRead(); byte != -1; byte = input->JRead()) {
@@ -50,12 +51,12 @@ std::string restAfter(const std::string& records, const std::string& message) {
     return rest(input);
 }
 
-/// An Int with an unknown version: a read fails after its length.
+/// Returns an Int with an unknown version. A read fails after its length.
 std::string badRecord() {
     return prefix(codeOf(99), KELKind_Int, 4, 7);
 }
 
-/// A container that holds the records and then fails.
+/// Returns a container that holds the records and then fails.
 std::string failing(const JHashCode& identity, const std::string& records) {
     return prefix(identity, KELKind_Array, records.size() + badRecord().size()) + records +
            badRecord();

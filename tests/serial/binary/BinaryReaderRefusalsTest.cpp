@@ -168,7 +168,7 @@ TEST(BinaryReader, InputCutShortTellsWhichFieldIsMissing) {
     const std::string whole = intRecord(counting, 5);
     const auto messageAt = [&](std::size_t size) { return cutShort(whole.substr(0, size)); };
     EXPECT_EQ(messageAt(0), "BinaryDataInput::JReadString(). EOF reached.");
-    EXPECT_EQ(refusal(whole.substr(0, 1)), badHeader); // "K" is a whole string, and not the magic
+    EXPECT_EQ(refusal(whole.substr(0, 1)), badHeader); // "K" is a whole string, but not the magic
     EXPECT_EQ(refusal(whole.substr(0, 2)), badHeader);
     EXPECT_EQ(messageAt(3), "BinaryDataInput::JRead128(). EOF reached.");
     EXPECT_EQ(messageAt(19), "BinaryDataInput::JRead128(). EOF reached.");

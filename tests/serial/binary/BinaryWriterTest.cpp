@@ -23,7 +23,7 @@ const std::string zeroes = "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ";
 const std::string version = "01 00 ";
 const std::string back = "FF FF FF 7F"; // the kind of a reference
 
-/// The identity of codeOf(number), two digits given.
+/// Returns the identity of codeOf(number). The number is given as two digits.
 std::string code(const std::string& digits) {
     return "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 " + digits + " ";
 }
@@ -281,7 +281,7 @@ TEST(BinaryWriter, ARefusalInsideLeavesLengthsOfZeroAroundIt) {
 
 // ---- Writes after failed writes ----------------------------------------------------------------
 
-/// The bytes that a stream writes for a value after it refused to write another one.
+/// Returns the bytes that a stream writes for a value after it refused to write another one.
 std::string writtenAfter(const HeldValue& refused, const HeldValue& value) {
     BinaryOutput output;
     EXPECT_EQ(thrownMessage<KELIOException>([&] { output.write(refused); }),

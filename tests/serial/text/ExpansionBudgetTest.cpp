@@ -15,7 +15,7 @@ namespace {
 constexpr auto nearlyAll =
     static_cast<std::size_t>(ExpansionBudget::initial - ExpansionBudget::useCost);
 
-/// A text that spends the whole budget that a number of bytes adds.
+/// Returns the size of a text that spends the whole budget that a number of bytes adds.
 std::size_t allOf(int64_t bytes) {
     return static_cast<std::size_t>(bytes * ExpansionBudget::perByte - ExpansionBudget::useCost);
 }
@@ -59,7 +59,7 @@ std::string repeated(const std::string& piece, int count) {
     return text;
 }
 
-/// About two kilobytes that expand to more than half a million values.
+/// Returns about two kilobytes that expand to more than half a million values.
 std::string explosionOf(const std::string& piece) {
     return "#define A [" + repeated(piece, 300) + "]\n#define B [" + repeated("A ", 64) +
            "]\n#define C [" + repeated("B ", 32) + "]\n";

@@ -1,4 +1,4 @@
-// Texts and copies of random trees of all fifteen kinds.
+// Writes and copies random trees of all fifteen kinds.
 #include "support/RandomTree.h"
 #include "support/SameTree.h"
 #include "support/Samples.h"
@@ -24,7 +24,7 @@ constexpr RandomTreeOptions allKinds() {
     return options;
 }
 
-/// All kinds that have a text form, with only the contents that it carries.
+/// Returns options for all kinds that have a text form, with only the contents that text carries.
 constexpr RandomTreeOptions forText() {
     RandomTreeOptions options = allKinds();
     options.memBlocks = options.quotes = options.anyDoubles = options.selectors = false;
@@ -35,8 +35,8 @@ HeldValue tree(uint64_t seed, const RandomTreeOptions& options) {
     return HeldValue(randomTree(seed, options));
 }
 
-/// The identities that a text holds, in its order: those of managed values and of struct
-/// descriptors.
+/// Returns the identities that a text holds, in its order. These are the identities of managed
+/// values and of struct descriptors.
 std::vector<std::string> writtenIdentities(const KEL_Impl& root) {
     std::vector<std::string> identities;
     std::vector<kel::ChildCursor> levels{kel::ChildCursor(root)};
@@ -96,7 +96,7 @@ TEST(KindsProperty, IdentitiesOfManagedValuesAndDescriptorsSurvive) {
 
 TEST(KindsProperty, ADeepCopyIsEqualAndSharesOnlyWhatManagersHold) {
     RandomTreeOptions options = allKinds();
-    options.nullVariables = false; // a copy holds 0 there
+    options.nullVariables = false; // a copy holds an Int 0 in their place
     for (uint64_t seed = 1; seed <= trees; ++seed) {
         const auto value = tree(seed, options);
         const HeldValue copy(KEL_Impl::of(value->copy()));

@@ -231,7 +231,7 @@ std::string numbered(const char* letter, int number) {
     return std::string(letter).append(std::to_string(number));
 }
 
-/// A definition that makes 2 to the levels values out of a few lines.
+/// Returns a definition that makes 2 to the power of levels values from a few lines.
 std::string doublings(int levels) {
     std::string text = "#define D0 [ ]\n";
     for (int i = 1; i <= levels; ++i) {
@@ -259,7 +259,8 @@ TEST(TextDefinition, ALongChainOfDoublingsIsRefused) {
     EXPECT_EQ(refusalOf(doublings(64)), syntaxErrorAt(66));
 }
 
-/// Each name stands for the next one, so the expansions of all are nested.
+/// Returns definitions in which each name stands for the next one, so that all expansions are
+/// nested.
 std::string chain(int length) {
     std::string text = "#define C0 5\n";
     for (int i = 1; i <= length; ++i) {

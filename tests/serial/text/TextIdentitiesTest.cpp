@@ -1,4 +1,4 @@
-// Hash codes in text: guids, and identities before values, in headers and in managers.
+// Tests hash codes in text: guids, and identities before values, in headers and in managers.
 #include "support/ValueStreams.h"
 #include "support/Values.h"
 
@@ -14,13 +14,13 @@ const std::string letters = "ABCDEFAB-CDEF-ABCD-EFAB-CDEFABCDEFAB"; // a word to
 const std::string allDigits = "12345678-1234-1234-1234-123456789012";
 const std::string other = "00000000-0000-0000-0000-0000000000FF";
 
-/// The layout of the guid value that a text is.
+/// Returns the layout of the guid value in a text.
 std::string guidIn(const std::string& text) {
     const auto value = read(text);
     return value->getType() == KELKind_guid ? value->toString() : "(no guid)";
 }
 
-/// "KIND with IDENTITY" of the value that a text is.
+/// Returns "KIND with IDENTITY" for the value in a text.
 std::string intWithIdentity(const std::string& text) {
     const auto value = read(text);
     return (value->getType() == KELKind_Int ? "Int with " : "? with ") + identityOf(value);
@@ -67,12 +67,12 @@ TEST(TextGuid, EightDecimalDigitsAndADashThatBeginNoGuidAreANumber) {
     EXPECT_EQ(rewritten("[12345678-5]"), "[\n\t12345678\n\t-5\n]\n");
     EXPECT_EQ(rewritten("[12345678 -5]"), "[\n\t12345678\n\t-5\n]\n");
     EXPECT_EQ(refusalOf("[12345678-]") + refusalOf("[12345678-x]"),
-              "(nothing thrown)" + syntaxErrorAt(1)); // a lone dash is the number 0
+              "(nothing thrown)" + syntaxErrorAt(1)); // a single dash is the number 0
 }
 
 TEST(TextGuid, ANegativeNumberNeverBeginsAGuid) {
     EXPECT_EQ(rewritten("[-1234567-8]"), "[\n\t-1234567\n\t-8\n]\n");
-    // A dash, seven digits, and enough digits after them for 32 in all.
+    // The input begins with a dash and seven digits, and has 32 digits in all.
     TextInput input("-1234567-89ABCDEF-01234567-89ABCDEF-0");
     const auto value = input.read();
     EXPECT_EQ(value->getType(), KELKind_Int);
@@ -259,7 +259,7 @@ TEST(TextManager, TheZeroIdentityIsAKeyLikeOthers) {
     EXPECT_EQ(rewritten("( " + zero + " = 1 " + zero + " = 2 )"), "(\n\t" + zero + " = 2\n)\n");
 }
 
-/// A manager's entry in its written form, with the identity of a small number.
+/// Returns a manager's entry in its written form, with the identity of a small number.
 std::string entryOf(int number, int value) {
     const std::string digits = std::to_string(1000 + number).substr(1);
     return "\t00000000-0000-0000-0000-000000000" + digits + " = " + std::to_string(value) + "\n";

@@ -13,7 +13,7 @@ const std::string id1 = "00000000-0000-0000-0000-000000000001";
 const std::string id2 = "00000000-0000-0000-0000-000000000002";
 const std::string id3 = "00000000-0000-0000-0000-000000000003";
 
-/// A struct descriptor of this identity, which its written header holds.
+/// Returns a struct descriptor of this identity, which its written header holds.
 template <class... Variables>
 HeldValue structDescriptorWith(uint8_t number, const Variables&... variables) {
     auto made = make<MetaKelDescriptor_Impl>(codeOf(number));
@@ -36,7 +36,7 @@ int lastLineOf(std::string_view text) {
     return 1 + static_cast<int>(std::count(text.begin(), text.end(), '\n'));
 }
 
-/// The identity of the struct inside a value that is built on one.
+/// Returns the identity of the struct inside a value that is built on one.
 std::string innerIdentityOf(const HeldValue& value) {
     return identityOf(&dynamic_cast<kel::StructHolder&>(*value).inner());
 }

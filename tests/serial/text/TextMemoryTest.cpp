@@ -1,4 +1,5 @@
-// The total memory that a text can take for each of its bytes, for the texts that take most.
+// Measures the total memory that a text can take for each of its bytes, for the texts that take
+// most.
 #include "support/AllocationFailure.h"
 #include "support/ValueStreams.h"
 
@@ -23,7 +24,7 @@ std::string repeated(const std::string& piece) {
     return repeated([&](int) { return piece; });
 }
 
-/// A hash code that begins with a letter and ends with a number.
+/// Returns a hash code that begins with a letter and ends with a number.
 std::string numberedCode(int number) {
     const std::string digits = std::to_string(number);
     return "A-" + std::string(31 - digits.size(), '0') + digits;

@@ -1,4 +1,5 @@
-// The input of the text reader: values, containers, keys and layout, and the places of its errors.
+// Tests the input of the text reader: values, containers, keys and layout, and the places of its
+// errors.
 #include "support/Bytes.h"
 #include "support/CommaLocale.h"
 #include "support/Thrown.h"

@@ -77,7 +77,7 @@ const Refusal refusals[] = {
     {"#define M N\n#define N M\nM 7", " 7"},
 };
 
-/// Everything that is left of an input.
+/// Returns everything that is left of an input.
 template <class Stream> std::string rest(Input<Stream>& input) {
     std::string left;
     for (int32_t c = input->JRead(); c != -1; c = input->JRead()) {

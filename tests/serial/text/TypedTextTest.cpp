@@ -1,4 +1,4 @@
-// Single numbers and words on text streams, next to whole values.
+// Reads and writes single numbers and words on text streams, next to whole values.
 #include "support/AllocationFailure.h"
 #include "support/Bytes.h"
 #include "support/CommaLocale.h"

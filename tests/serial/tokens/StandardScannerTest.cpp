@@ -68,7 +68,8 @@ private:
         return std::string(before).append(text).append(after);
     }
 
-    // Mostly well formed. Some are all decimal, cut, or without dashes.
+    // Returns a guid, in most cases a well-formed one. Some are all decimal, cut, or without
+    // dashes.
     std::string guid() {
         const bool decimal = below(3) == 0;
         const bool dashed = below(4) != 0;
@@ -93,7 +94,7 @@ private:
     std::mt19937 random_{seed};
 };
 
-// One token, and the position of the input after it.
+// A token, and the position of the input after it.
 struct Seen {
     int32_t type = 0;
     int32_t integer = 0;
@@ -127,7 +128,7 @@ bool isText(const JObject* value, const kel::Token& token) {
            std::string_view(text->chars(), token.text.size()) == token.text;
 }
 
-// True if the value object holds the same value as the plain token.
+// Returns whether the value object holds the same value as the plain token.
 bool valueMatches(StreamTokenizer& tokenizer) {
     const kel::Token& token = tokenizer.token();
     const JPointer<JObject> value = tokenizer.getValue();
@@ -202,7 +203,7 @@ JPointer<JInputStream> streamOf(const std::string& text, int32_t largestPiece, b
     return JPointer<JInputStream>(stream);
 }
 
-// Compares token by token. \return the number of tokens
+// Compares the scanner and the machines token by token. \return the number of tokens
 int compare(const std::string& text, int32_t largestPiece, bool seekable) {
     Walk machines(streamOf(text, INT32_MAX, true), true);
     Walk scanner(streamOf(text, largestPiece, seekable), false);

@@ -1,4 +1,4 @@
-// The tokens of the six standard recognisers, by the machines and by the scanner.
+// Tests the tokens of the six standard recognisers, from the machines and from the scanner.
 #include "serial/tokens/TokenizerPaths.h"
 #include "support/Bytes.h"
 #include "support/CommaLocale.h"

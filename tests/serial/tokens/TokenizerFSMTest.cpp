@@ -17,14 +17,15 @@ using kel::test::thrownMessage;
 
 namespace {
 
-// Any machine, with its state in the test's hands.
+// Any machine. The test can read and set its state.
 template <class Machine> class Opened : public Machine {
 public:
     void setState(int32_t state) { this->state_ = state; }
     int32_t state() const { return this->state_; }
 };
 
-// The results for the characters of text, one digit each. "$" stands for the end of input.
+// Returns the machine's results for the characters of text, one digit each. "$" stands for the end
+// of input.
 template <class Machine> std::string answers(Machine& machine, const std::string& text) {
     std::string out;
     machine.reset();
@@ -39,7 +40,7 @@ template <class Machine> std::string answers(const std::string& text) {
     return answers(machine, text);
 }
 
-// The text of the value after the characters.
+// Returns the text of the value after the characters.
 template <class Machine> std::string textOf(const std::string& text) {
     Machine machine;
     answers(machine, text);

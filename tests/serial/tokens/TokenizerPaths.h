@@ -13,7 +13,7 @@ inline JPointer<JInputStream> reader(const std::string& text) {
     return JPointer<JInputStream>(new StringReader(text.data(), static_cast<int64_t>(text.size())));
 }
 
-// A token as "type:value".
+// Returns a token as "type:value".
 inline std::string describe(StreamTokenizer& tokenizer, int32_t type) {
     std::string out = std::to_string(type);
     const kel::Token& token = tokenizer.token();
@@ -38,10 +38,10 @@ inline std::string describe(StreamTokenizer& tokenizer, int32_t type) {
     }
 }
 
-// The standard recognisers, by the machines and by the scanner.
+// Runs the standard recognisers by the machines and by the scanner.
 class TokenizerPaths : public ::testing::TestWithParam<bool> {
 protected:
-    // All tokens up to the end or the first place where nothing matches, with bars between.
+    // Returns all tokens up to the end or the first place where nothing matches, with bars between.
     std::string tokens(const std::string& text) {
         StreamTokenizer tokenizer(reader(text));
         prepare(tokenizer);
@@ -61,7 +61,7 @@ protected:
     }
 };
 
-/// Names the path in the names of the tests.
+/// Returns the name of the path for the names of the tests.
 inline std::string pathName(const ::testing::TestParamInfo<bool>& path) {
     return path.param ? "Machines" : "Scanner";
 }
