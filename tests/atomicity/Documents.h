@@ -23,10 +23,10 @@ Document arrayDocument();
 
 /// The subject is a value of the kind with the variables a (Int), b (String), i ([Int]), again (the
 /// same [Int]), n (null). "holder" shares variables and the value itself. "source" is a struct with
-/// a, x and y. "new" is a String, and "number" is an Int.
+/// a, x, y and a variable with a long name. "new" is a String, and "number" is an Int.
 Document structDocument(KELKind kind);
 
-/// The subject is a manager of three values. "same" has the identity of one of them.
+/// The subject is a full manager of ten values. "same" has the identity of one of them.
 Document managerDocument();
 
 /// The subject is a list of five pairs whose arrays are full. The keys at 0, 2 and 4 are equal
@@ -53,9 +53,11 @@ Document plainCheckedDocument();
 
 /// The subject describes a Double from -1 to 1 with all properties.
 Document rangedDocument();
-/// The subject describes one of three Doubles. Two allowed values that are not adjacent are equal.
+/// The subject describes one of the Doubles 0.5 and 1.5. Its list has two equal values that are not
+/// adjacent, and holds an Int and a String too.
 Document enumeratedDocument();
-/// The subject describes one of two Strings.
+/// The subject describes one of two Strings. Its list has two equal values that are not adjacent,
+/// and holds an Int and a Boolean too.
 Document textEnumerationDocument();
 /// The subject states a type and nothing else.
 Document bareDescriptorDocument();

@@ -230,7 +230,6 @@ TEST(BinaryDataInput, IsTheStreamUnderneath) {
               "StringReader::JSeek(). Stream returned fail() flag.");
 }
 
-// Keeps the pieces that arrive and can fail.
 TEST(BinaryDataInput, ANumberThatAFailureCutsShortThrowsTheFailure) {
     JPointer<PieceStream> stream(new PieceStream("abcdef"));
     stream->largestPiece = 2;
@@ -242,6 +241,7 @@ TEST(BinaryDataInput, ANumberThatAFailureCutsShortThrowsTheFailure) {
     EXPECT_EQ(input.JRead32(), 0x66656463) << "all four bytes, in pieces";
 }
 
+/// Keeps the pieces that arrive; flushing, closing and seeking fail.
 class PieceSink : public JOutputStream {
 public:
     void JWrite(int32_t byte) override { pieces.emplace_back(1, static_cast<char>(byte)); }

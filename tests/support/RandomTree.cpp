@@ -298,7 +298,7 @@ double randomDouble(RandomNumbers& numbers, bool any) {
     if (numbers.once(3)) {
         return awkwardDoubles[numbers.below(std::size(awkwardDoubles))];
     }
-    // From 64 bits down to a few, so that small numbers are as frequent as large ones.
+    // From 32 bits down to one, so that small numbers are as frequent as large ones.
     const auto whole = static_cast<int32_t>(numbers.next()) >> numbers.below(31);
     const int millionths = numbers.once(3) ? 0 : numbers.below(1000000);
     return (static_cast<double>(whole / 2) * 1000000.0 + millionths) / 1000000.0;
