@@ -71,20 +71,57 @@ public:
     }
 
 protected:
+    /// Selects the constructor of objects that seldom need an identity.
+    struct IdentityLater {};
+
+    /// Sets the count to 1. The identity is drawn when it is first needed, and that cannot fail.
+    /// Where the platform cannot promise that, it is drawn at once. A class that uses this
+    /// constructor overrides getHashCode and equals, which it implements with identity and
+    /// hasIdentityOf.
+    /// \throws JException by value, "Cannot create hash code.", if the platform has no GUID
+    explicit JObject(IdentityLater);
+
     /// Returns the real count, even where getRefCount is overridden.
     int32_t referenceCount() const { return refCount_; }
 
-    /// Returns the identity, without a virtual call.
-    const JHashCode& identity() const { return hashCode_; }
+    /// Returns the identity, without a virtual call, and draws it if that is still to be done.
+    const JHashCode& identity() const {
+        if (hasMark(identityDueMark)) {
+            drawDueIdentity();
+        }
+        return hashCode_;
+    }
+
+    /// Returns true if other has the same identity. An identity that is still to be drawn differs
+    /// from all others, so nothing is drawn for this.
+    bool hasIdentityOf(const JObject& other) const {
+        return this == &other || (!hasMark(identityDueMark) && !other.hasMark(identityDueMark) &&
+                                  hashCode_ == other.hashCode_);
+    }
 
     /// Returns true if the identity was given to the constructor. Only such an identity can equal
     /// that of an object made earlier.
     bool isIdentityGiven() const { return identityGiven_; }
 
+    /// Marks that classes of the library keep in every object. They take no room of their own.
+    enum Mark : uint8_t {
+        identityDueMark = 1, ///< the identity is still to be drawn
+        changedMark = 2,     ///< the changed flag of an observable object
+        onPathMark = 4,      ///< a walk over a tree is below the value
+    };
+
+    bool hasMark(Mark mark) const { return (marks_ & mark) != 0; }
+    void setMark(Mark mark, bool on) const {
+        marks_ = static_cast<uint8_t>(on ? marks_ | mark : marks_ & ~mark);
+    }
+
 private:
+    void drawDueIdentity() const;
+
     int32_t refCount_;
-    JHashCode hashCode_;
+    mutable JHashCode hashCode_;
     bool identityGiven_;
+    mutable uint8_t marks_ = 0;
 };
 
 /// Returns true if both are null, and false if only one is. Otherwise compares the identities.

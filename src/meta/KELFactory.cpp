@@ -23,21 +23,26 @@ namespace {
 using Create = KEL_Impl* (*)(const JHashCode* identity);
 
 /// Makes a value of class T from its initial contents, with or without a given identity.
-template <class T, auto... initial> KEL_Impl* create(const JHashCode* identity) {
+template <class T, class... Initial>
+KEL_Impl* createFrom(const JHashCode* identity, const Initial&... initial) {
+    static_assert(sizeof(T) <= platform::largestBlock, "the store of values has no such block");
     return identity == nullptr ? new T(initial...) : new T(*identity, initial...);
 }
 
+template <class T, auto... initial> KEL_Impl* create(const JHashCode* identity) {
+    return createFrom<T>(identity, initial...);
+}
+
 KEL_Impl* createDouble(const JHashCode* identity) {
-    return identity == nullptr ? new KEL_Double_Impl(0.0) : new KEL_Double_Impl(*identity, 0.0);
+    return createFrom<KEL_Double_Impl>(identity, 0.0);
 }
 
 KEL_Impl* createGuid(const JHashCode* identity) {
-    const JHashCode zero;
-    return identity == nullptr ? new KEL_guid_Impl(zero) : new KEL_guid_Impl(*identity, zero);
+    return createFrom<KEL_guid_Impl>(identity, JHashCode());
 }
 
 KEL_Impl* createString(const JHashCode* identity) {
-    return identity == nullptr ? new KEL_String_Impl("") : new KEL_String_Impl(*identity, "");
+    return createFrom<KEL_String_Impl>(identity, "");
 }
 
 Create factoryOf(int32_t code) {

@@ -9,7 +9,7 @@
 /// Implements KEL_Manager over a vector of shared elements.
 class KEL_Manager_Impl final : public KEL_Impl, public KEL_Manager {
 public:
-    KEL_Manager_Impl() : elements_(new JVector<KEL_Impl>(10, 10)) {}
+    KEL_Manager_Impl() : JObject(IdentityLater()), elements_(new JVector<KEL_Impl>(10, 10)) {}
 
     /// Makes the same value with a given identity.
     explicit KEL_Manager_Impl(const JHashCode& identity)

@@ -10,7 +10,10 @@
 #else
 #include "platform/RandomStream.h"
 
+#include <ctime>
+#include <mutex>
 #include <pthread.h>
+#include <unistd.h>
 #endif
 
 namespace kel::platform {
@@ -51,21 +54,54 @@ struct Generator {
 
 thread_local Generator generator;
 
+/// A key for the streams that the kernel refuses one. It is drawn once, with the first key of the
+/// process, before anybody is assured of an identity.
+std::mutex spareLock;
+std::atomic<bool> hasSpareKey{false};
+RandomStream::Key spareKey;
+std::atomic<uint32_t> spareUses{0};
+
+bool keepSpareKey() {
+    if (hasSpareKey) {
+        return true;
+    }
+    const std::lock_guard<std::mutex> guard(spareLock);
+    if (!hasSpareKey) {
+        hasSpareKey = RandomStream::drawKey(spareKey);
+    }
+    return hasSpareKey;
+}
+
+/// Gives this thread's stream the spare key, with a number that no other stream of this process and
+/// its relatives has.
+void keyFromSpare(RandomStream& stream) {
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    RandomStream::Key key = spareKey;
+    key.words[0] ^= static_cast<uint32_t>(now.tv_sec);
+    key.words[1] ^= static_cast<uint32_t>(now.tv_nsec);
+    stream.keyWith(key, static_cast<uint32_t>(getpid()), spareUses.fetch_add(1));
+}
+
+void takeIdentity(RandomStream& stream, JHashCode& out) {
+    const uint32_t* words = stream.nextFourWords();
+    const uint32_t version4 = 0x40000000U; // high nibble of the third field
+    const uint32_t variant1 = 0x00000080U; // top two bits of the first tail byte
+    out = JHashCode(words[0], (words[1] & 0x0FFFFFFFU) | version4,
+                    (words[2] & 0xFFFFFF3FU) | variant1, words[3]);
+}
+
 bool drawFromPlatform(JHashCode& out) {
     Generator& mine = generator;
     const uint32_t now = processGeneration.load(std::memory_order_relaxed);
     if (mine.generation != now) {
         mine.generation = 0;
-        if (!mine.stream.key()) {
+        if (!keepSpareKey() || !mine.stream.key()) {
             return false;
         }
         mine.generation = now;
     }
-    const uint32_t* words = mine.stream.nextFourWords();
-    const uint32_t version4 = 0x40000000U; // high nibble of the third field
-    const uint32_t variant1 = 0x00000080U; // top two bits of the first tail byte
-    out = JHashCode(words[0], (words[1] & 0x0FFFFFFFU) | version4,
-                    (words[2] & 0xFFFFFF3FU) | variant1, words[3]);
+    takeIdentity(mine.stream, out);
     return true;
 }
 
@@ -78,6 +114,32 @@ std::atomic<GuidSource> installedSource{drawFromPlatform};
 bool createGuid(JHashCode& out) {
     return installedSource.load(std::memory_order_relaxed)(out);
 }
+
+#if defined(_WIN32)
+
+bool isGuidAssured() {
+    return false;
+}
+
+void createAssuredGuid(JHashCode&) {}
+
+#else
+
+bool isGuidAssured() {
+    return hasSpareKey.load(std::memory_order_acquire) &&
+           installedSource.load(std::memory_order_relaxed) == drawFromPlatform;
+}
+
+void createAssuredGuid(JHashCode& out) {
+    if (!drawFromPlatform(out)) {
+        Generator& mine = generator;
+        keyFromSpare(mine.stream);
+        mine.generation = processGeneration.load(std::memory_order_relaxed);
+        takeIdentity(mine.stream, out);
+    }
+}
+
+#endif
 
 GuidSource exchangeGuidSource(GuidSource source) {
     return installedSource.exchange(source == nullptr ? drawFromPlatform : source);

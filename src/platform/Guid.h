@@ -15,6 +15,14 @@ using GuidSource = bool (*)(JHashCode& out);
 /// \return false when the system fails
 bool createGuid(JHashCode& out);
 
+/// Returns whether createAssuredGuid can be called: from now on, on any thread of this process and
+/// of those that it forks. Always returns false on Windows, where each draw can fail.
+bool isGuidAssured();
+
+/// Draws a GUID after isGuidAssured has returned true in this process. It cannot fail: if the
+/// kernel does not supply another key, the key comes from one that it supplied before.
+void createAssuredGuid(JHashCode& out);
+
 /// Replaces the source of createGuid (null for the platform's own) and returns the previous one.
 /// For tests.
 GuidSource exchangeGuidSource(GuidSource source);

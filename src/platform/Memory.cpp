@@ -37,4 +37,33 @@ void deallocate(void* storage) {
     std::free(storage);
 }
 
+void* allocateBlock(std::size_t size) {
+    if (!mayAllocate(size)) {
+        return nullptr;
+    }
+#if defined(KEL_SLAB_STORE)
+    return takeBlock(size);
+#else
+    return std::malloc(size);
+#endif
+}
+
+void deallocateBlock(void* storage) noexcept {
+#if defined(KEL_SLAB_STORE)
+    if (storage != nullptr) {
+        giveBlock(storage);
+    }
+#else
+    std::free(storage);
+#endif
+}
+
+void* allocateSized(std::size_t size) {
+    return size - 1 < largestBlock ? allocateBlock(size) : allocate(size);
+}
+
+void deallocateSized(void* storage, std::size_t size) noexcept {
+    size - 1 < largestBlock ? deallocateBlock(storage) : deallocate(storage);
+}
+
 } // namespace kel::platform

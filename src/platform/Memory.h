@@ -2,6 +2,8 @@
 /// Raw storage, with a gate by which tests can make each allocation fail.
 #pragma once
 
+#include "platform/SlabStore.h"
+
 #include <cstddef>
 
 namespace kel::platform {
@@ -20,5 +22,18 @@ void* allocateZeroed(std::size_t count, std::size_t size);
 
 /// Frees storage from allocate or allocateZeroed; does nothing for null.
 void deallocate(void* storage);
+
+/// Returns size bytes (at most largestBlock), not initialized, or null when there is no memory.
+void* allocateBlock(std::size_t size);
+
+/// Frees storage from allocateBlock. Null is ignored.
+void deallocateBlock(void* storage) noexcept;
+
+/// Returns size bytes (at least one), not initialized, or null when there is no memory. The
+/// caller must know the size when it frees them. This is faster than allocate for small sizes.
+void* allocateSized(std::size_t size);
+
+/// Frees the size bytes from allocateSized. Null is ignored.
+void deallocateSized(void* storage, std::size_t size) noexcept;
 
 } // namespace kel::platform

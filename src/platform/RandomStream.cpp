@@ -8,9 +8,9 @@
 
 namespace kel::platform {
 
-bool RandomStream::key() {
-    auto* bytes = reinterpret_cast<unsigned char*>(key_);
-    std::size_t missing = sizeof key_;
+bool RandomStream::drawKey(Key& key) {
+    auto* bytes = reinterpret_cast<unsigned char*>(key.words);
+    std::size_t missing = sizeof key.words;
     while (missing > 0) {
         const ssize_t got = getrandom(bytes, missing, 0);
         if (got < 0 && errno == EINTR) {
@@ -22,9 +22,24 @@ bool RandomStream::key() {
         bytes += got;
         missing -= static_cast<std::size_t>(got);
     }
+    return true;
+}
+
+bool RandomStream::key() {
+    Key key;
+    if (!drawKey(key)) {
+        return false;
+    }
+    keyWith(key, 0, 0);
+    return true;
+}
+
+void RandomStream::keyWith(const Key& key, uint32_t number, uint32_t subNumber) {
+    key_ = key;
+    numbers_[0] = number;
+    numbers_[1] = subNumber;
     block_ = 0;
     used_ = wordCount;
-    return true;
 }
 
 namespace {
@@ -62,13 +77,15 @@ void RandomStream::fill() {
         start[i] = allLanes(constants[i]);
     }
     for (std::size_t i = 0; i < 8; ++i) {
-        start[4 + i] = allLanes(key_[i]);
+        start[4 + i] = allLanes(key_.words[i]);
     }
     for (std::size_t lane = 0; lane < lanes; ++lane) {
         const uint64_t block = block_ + lane;
         start[12][lane] = static_cast<uint32_t>(block);
         start[13][lane] = static_cast<uint32_t>(block >> 32);
     }
+    start[14] = allLanes(numbers_[0]);
+    start[15] = allLanes(numbers_[1]);
     block_ += lanes;
 
     Row row[16];

@@ -12,8 +12,18 @@ namespace kel::platform {
 /// more than enough for that. Each stream is for one thread only.
 class RandomStream {
 public:
+    struct Key {
+        uint32_t words[8] = {};
+    };
+
+    /// Draws a key from the kernel. \return false when the kernel fails
+    static bool drawKey(Key& key);
+
     /// Draws a new key from the kernel and starts over. \return false when the kernel fails
     bool key();
+
+    /// Starts over with a given key. Streams with one key differ if their two numbers do.
+    void keyWith(const Key& key, uint32_t number, uint32_t subNumber);
 
     /// Returns the next four words, valid until the next call. The stream must have a key.
     const uint32_t* nextFourWords() {
@@ -33,7 +43,8 @@ private:
 
     void fill();
 
-    uint32_t key_[8] = {};
+    Key key_;
+    uint32_t numbers_[2] = {};
     uint64_t block_ = 0;
     std::size_t used_ = wordCount;
     uint32_t words_[wordCount] = {};

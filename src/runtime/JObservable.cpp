@@ -3,8 +3,8 @@
 #include "runtime/RunToEnd.h"
 
 void JObservable::addObserver(JObserver* observer) {
-    if (observers_.isNull()) {
-        observers_ = new JVector<JObserver>(5, 5);
+    if (observers_ == nullptr) {
+        observers_.reset(new JVector<JObserver>(5, 5));
     }
     if (!observers_->contains(observer)) {
         observers_->addElement(observer);
@@ -12,24 +12,24 @@ void JObservable::addObserver(JObserver* observer) {
 }
 
 void JObservable::deleteObserver(JObserver* observer) {
-    if (observers_.isValid()) {
+    if (observers_ != nullptr) {
         observers_->removeElement(observer);
     }
 }
 
 bool JObservable::containsObserver(const JObserver* observer) const {
-    return observers_.isValid() && observers_->contains(observer);
+    return observers_ != nullptr && observers_->contains(observer);
 }
 
 void JObservable::notifyObservers() {
-    if (observers_.isNull() || !changed_) {
+    if (observers_ == nullptr || !hasChanged()) {
         return;
     }
     // A callback can drop the last reference to this object, or its whole list.
     const JPointer<JObservable> self = JPointer<JObservable>::share(this);
     int32_t next = 0;
     kel::runToEnd([&] {
-        if (observers_.isNull() || next >= observers_->size()) {
+        if (observers_ == nullptr || next >= observers_->size()) {
             clearChanged();
             return false;
         }
@@ -40,9 +40,9 @@ void JObservable::notifyObservers() {
 }
 
 void JObservable::deleteObservers() {
-    observers_.clear();
+    observers_.reset();
 }
 
 int32_t JObservable::countObservers() const {
-    return observers_.isNull() ? 0 : observers_->size();
+    return observers_ == nullptr ? 0 : observers_->size();
 }

@@ -4,6 +4,7 @@
 
 #include "runtime/JObserver.h"
 #include "runtime/JVector.h"
+#include "runtime/Reference.h"
 
 /// Keeps a list of observers and a changed flag. If the flag is set, notifyObservers notifies every
 /// observer in the order of registration.
@@ -36,13 +37,13 @@ public:
     virtual void deleteObservers();
 
     /// Sets the changed flag.
-    virtual void setChanged() { changed_ = true; }
+    virtual void setChanged() { setMark(changedMark, true); }
 
     /// Clears the changed flag.
-    virtual void clearChanged() { changed_ = false; }
+    virtual void clearChanged() { setMark(changedMark, false); }
 
     /// Returns the changed flag.
-    virtual bool hasChanged() const { return changed_; }
+    virtual bool hasChanged() const { return hasMark(changedMark); }
 
     /// Returns the number of observers.
     virtual int32_t countObservers() const;
@@ -52,6 +53,5 @@ protected:
     const JVector<JObserver>* observers() const { return observers_.get(); }
 
 private:
-    bool changed_ = false;
-    JPointer<JVector<JObserver>> observers_;
+    kel::Reference<JVector<JObserver>> observers_;
 };

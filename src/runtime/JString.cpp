@@ -2,6 +2,7 @@
 
 #include "platform/Memory.h"
 #include "runtime/MemoryPool.h"
+#include "runtime/SmallText.h"
 
 #include <cstring>
 #include <new>
@@ -12,11 +13,9 @@ using kel::platform::deallocate;
 namespace {
 
 char* allocateText(size_t length) {
-    // Appending fails with the constructor's message too, because it is the same failure to the
-    // host.
     auto* buffer = static_cast<char*>(allocate(length + 1));
     if (buffer == nullptr) {
-        throw JOutOfMemoryException("Cannot allocate memory in JString constructor.");
+        kel::throwNoMemoryForText();
     }
     return buffer;
 }
@@ -33,6 +32,11 @@ size_t lengthOf(const char* text) {
 }
 
 } // namespace
+
+// Appending fails with the constructor's message too: to the host it is the same failure.
+void kel::throwNoMemoryForText() {
+    throw JOutOfMemoryException("Cannot allocate memory in JString constructor.");
+}
 
 JString::JString(const char* text)
     : buffer_(text == nullptr ? nullptr : copyText(text, std::strlen(text))) {}

@@ -30,10 +30,22 @@ inline void* allocateOrThrow(std::size_t size) {
     return storage;
 }
 
+/// Allocates size bytes like platform::allocateSized, but never returns null.
+/// \throws JOutOfMemoryException "Out of memory!"
+inline void* allocateSizedOrThrow(std::size_t size) {
+    void* storage = platform::allocateSized(size);
+    if (storage == nullptr) {
+        throwOutOfMemory();
+    }
+    return storage;
+}
+
 /// Base of classes whose objects `new` allocates in this storage.
 struct Stored {
-    static void* operator new(std::size_t size) { return allocateOrThrow(size); }
-    static void operator delete(void* storage) noexcept { platform::deallocate(storage); }
+    static void* operator new(std::size_t size) { return allocateSizedOrThrow(size); }
+    static void operator delete(void* storage, std::size_t size) noexcept {
+        platform::deallocateSized(storage, size);
+    }
 };
 
 /// Makes a new T. It is meant for classes that hosts see, which cannot have the library's operator
@@ -58,9 +70,11 @@ template <class T> struct Allocator {
         if (count > SIZE_MAX / sizeof(T)) {
             throwOutOfMemory();
         }
-        return static_cast<T*>(allocateOrThrow(count * sizeof(T)));
+        return static_cast<T*>(allocateSizedOrThrow(count * sizeof(T)));
     }
-    void deallocate(T* storage, std::size_t) noexcept { platform::deallocate(storage); }
+    void deallocate(T* storage, std::size_t count) noexcept {
+        platform::deallocateSized(storage, count * sizeof(T));
+    }
 
     bool operator==(const Allocator&) const = default;
 };

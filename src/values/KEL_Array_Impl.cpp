@@ -18,19 +18,17 @@ namespace {
 
 constexpr const char* badIndex = "Array index out of bounds.";
 
-/// Runs an operation of the vector and reports an index error of the vector as the array's own.
-template <class Operation> auto withIndexError(const char* message, const Operation& operation) {
-    try {
-        return operation();
-    } catch (const JArrayIndexOutOfBoundsException&) {
+} // namespace
+
+void KEL_Array_Impl::check(int32_t index, int64_t limit, const char* message) {
+    if (index < 0 || index >= limit) {
         throw new KELArrayIndexOutOfBoundsException_Impl(message);
     }
 }
 
-} // namespace
-
 KEL_Impl* KEL_Array_Impl::elementAt(int32_t index) const {
-    return withIndexError(badIndex, [&] { return elements_->elementAtRef(index); });
+    check(index, elements_.size(), badIndex);
+    return elements_[index];
 }
 
 bool KEL_Array_Impl::getBoolean(int32_t index) const {
@@ -62,7 +60,10 @@ void KEL_Array_Impl::insertVar(KEL* value, int32_t index) {
 }
 
 void KEL_Array_Impl::insertQuietly(KEL_Impl* element, int32_t index) {
-    withIndexError(badIndex, [&] { elements_->insertElementAt(element, index); });
+    check(index, int64_t{elements_.size()} + 1, badIndex);
+    if (element != nullptr) {
+        elements_.insert(element, index);
+    }
 }
 
 void KEL_Array_Impl::setVar(KEL* value, int32_t index) {
@@ -75,7 +76,10 @@ void KEL_Array_Impl::setVar(KEL* value, int32_t index) {
 }
 
 void KEL_Array_Impl::setQuietly(KEL_Impl* element, int32_t index) {
-    withIndexError(badIndex, [&] { elements_->setElementAt(element, index); });
+    check(index, elements_.size(), badIndex);
+    if (element != nullptr) {
+        elements_.set(element, index);
+    }
 }
 
 void KEL_Array_Impl::setMade(int32_t index, KEL_Impl* value) {
@@ -113,12 +117,11 @@ void KEL_Array_Impl::swapVars(int32_t a, int32_t b) {
 }
 
 void KEL_Array_Impl::swapQuietly(int32_t a, int32_t b) {
-    withIndexError("KEL_Array_Impl::swapVars failed. No element at specified index.", [&] {
-        const JPointer<KEL_Impl> first(elements_->elementAt(a));
-        const JPointer<KEL_Impl> second(elements_->elementAt(b));
-        elements_->setElementAt(second.get(), a);
-        elements_->setElementAt(first.get(), b);
-    });
+    for (const int32_t index : {a, b}) {
+        check(index, elements_.size(),
+              "KEL_Array_Impl::swapVars failed. No element at specified index.");
+    }
+    elements_.swap(a, b);
 }
 
 int32_t KEL_Array_Impl::addMade(KEL_Impl* value) {
@@ -152,8 +155,8 @@ int32_t KEL_Array_Impl::addVar(KEL* value) {
 }
 
 int32_t KEL_Array_Impl::append(KEL_Impl* element) {
-    elements_->addElement(element);
-    const int32_t index = elements_->size() - 1; // now: an observer can change or end the array
+    elements_.append(element);
+    const int32_t index = elements_.size() - 1; // now: an observer can change or end the array
     notifyChanged();
     return index;
 }
@@ -168,7 +171,7 @@ int32_t KEL_Array_Impl::addVars(KEL_Array* other) {
     if (source.isNull()) {
         source = new KEL_Array_Impl();
         for (int32_t i = 0; i < other->getCount(); ++i) {
-            source->elements_->addElement(KEL_Impl::of(other->getVar(i)));
+            source->appendQuietly(KEL_Impl::of(other->getVar(i)));
         }
     }
     makeRoom(source->getCount());
@@ -195,8 +198,8 @@ void KEL_Array_Impl::removeVar(int32_t index) {
 }
 
 void KEL_Array_Impl::removeQuietly(int32_t index) {
-    withIndexError("KEL_Array::removeVar failed. No element at specified index.",
-                   [&] { elements_->removeElementAt(index); });
+    check(index, elements_.size(), "KEL_Array::removeVar failed. No element at specified index.");
+    elements_.remove(index);
 }
 
 void KEL_Array_Impl::removeQuietly(const Indices& indices) {
@@ -206,11 +209,11 @@ void KEL_Array_Impl::removeQuietly(const Indices& indices) {
 }
 
 bool KEL_Array_Impl::containsVar(const KEL* value) const {
-    return elements_->contains(KEL_Impl::of(value));
+    return indexOfVar(value) != -1;
 }
 
 int32_t KEL_Array_Impl::indexOfVar(const KEL* value) const {
-    return elements_->indexOf(KEL_Impl::of(value));
+    return elements_.indexOf(KEL_Impl::of(value));
 }
 
 void KEL_Array_Impl::removeAllVars() {
@@ -220,10 +223,10 @@ void KEL_Array_Impl::removeAllVars() {
 }
 
 bool KEL_Array_Impl::nextChild(kel::ChildCursor& cursor) const {
-    if (++cursor.index >= elements_->size()) {
+    if (++cursor.index >= elements_.size()) {
         return false;
     }
-    cursor.value = elements_->data()[cursor.index];
+    cursor.value = elements_[cursor.index];
     return true;
 }
 
@@ -232,10 +235,10 @@ void KEL_Array_Impl::adoptCopiedChild(std::string_view, JPointer<KEL_Impl>&& chi
 }
 
 bool KEL_Array_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
-    const auto* array = dynamic_cast<const KEL_Array_Impl*>(&other);
-    return array != nullptr && array->getCount() == getCount();
+    return other.getType() == KELKind_Array &&
+           static_cast<const KEL_Array_Impl&>(other).getCount() == getCount();
 }
 
 void KEL_Array_Impl::swapContents(KEL_Impl& prepared) noexcept {
-    std::swap(elements_, dynamic_cast<KEL_Array_Impl&>(prepared).elements_);
+    elements_.swap(static_cast<KEL_Array_Impl&>(prepared).elements_);
 }

@@ -3,19 +3,18 @@
 #pragma once
 
 #include "runtime/Storage.h"
-#include "values/KEL_Impl.h"
+#include "values/ValueList.h"
 
 #include <kel/KEL_Array.h>
 #include <vector>
 
-/// Implements KEL_Array over a vector of shared elements.
+/// Implements KEL_Array over a list of shared elements.
 class KEL_Array_Impl final : public KEL_Impl, public KEL_Array {
 public:
-    KEL_Array_Impl() : elements_(new JVector<KEL_Impl>(5, 5)) {}
+    KEL_Array_Impl() : JObject(IdentityLater()) {}
 
     /// Makes the same value with a given identity.
-    explicit KEL_Array_Impl(const JHashCode& identity)
-        : JObject(identity), elements_(new JVector<KEL_Impl>(5, 5)) {}
+    explicit KEL_Array_Impl(const JHashCode& identity) : JObject(identity) {}
 
     int32_t getType() const override { return KELKind_Array; }
 
@@ -54,7 +53,7 @@ public:
     void removeVar(int32_t index) override;
     bool containsVar(const KEL* value) const override;
     int32_t indexOfVar(const KEL* value) const override;
-    int32_t getCount() const override { return elements_->size(); }
+    int32_t getCount() const override { return elements_.size(); }
     void removeAllVars() override;
 
     /// Returns the element at index, borrowed. Throws on a bad index.
@@ -63,7 +62,7 @@ public:
     /// Appends a value whose one reference the array takes over. Nobody is notified. Readers use it
     /// to fill a new array.
     void adoptElement(JPointer<KEL_Impl>&& value) {
-        elements_->adoptElement(value.get());
+        elements_.adopt(value.get());
         value.detach();
     }
 
@@ -89,7 +88,11 @@ public:
     // operation that notifies.
 
     /// Does the same as addVar after makeRoom has made room; null changes nothing.
-    void appendQuietly(KEL_Impl* element) { elements_->addElement(element); }
+    void appendQuietly(KEL_Impl* element) {
+        if (element != nullptr) {
+            elements_.append(element);
+        }
+    }
     /// Does the same as setVar; null changes nothing.
     void setQuietly(KEL_Impl* element, int32_t index);
     /// Does the same as insertVar; null changes nothing.
@@ -101,11 +104,11 @@ public:
     /// Does the same as swapVars.
     void swapQuietly(int32_t a, int32_t b);
     /// Does the same as removeAllVars.
-    void removeAllQuietly() { elements_->removeAllElements(); }
+    void removeAllQuietly() { elements_.clear(); }
 
     /// Makes room for this many more elements; storing them then needs no memory.
-    /// \throws JOutOfMemoryException "JVector::setSize() failed."
-    void makeRoom(int32_t more) { elements_->makeRoom(more); }
+    /// \throws JOutOfMemoryException "Out of memory!"
+    void makeRoom(int32_t more) { elements_.makeRoom(more); }
 
     // KEL_Impl
     bool copiesChildren() const override { return true; }
@@ -117,6 +120,9 @@ public:
     void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
+    /// \throws KELArrayIndexOutOfBoundsException with this message unless 0 <= index < limit
+    static void check(int32_t index, int64_t limit, const char* message);
+
     /// Appends an element, which the array shares, and notifies. \return its index
     int32_t append(KEL_Impl* element);
 
@@ -126,5 +132,5 @@ private:
     /// Assigns a value just made to the element at index, then releases the value.
     void setMade(int32_t index, KEL_Impl* value);
 
-    JPointer<JVector<KEL_Impl>> elements_;
+    kel::ValueList elements_;
 };

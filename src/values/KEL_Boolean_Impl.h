@@ -9,7 +9,7 @@
 /// Implements KEL_Boolean.
 class KEL_Boolean_Impl final : public KEL_Impl, public KEL_Boolean {
 public:
-    explicit KEL_Boolean_Impl(bool value) : value_(value) {}
+    explicit KEL_Boolean_Impl(bool value) : JObject(IdentityLater()), value_(value) {}
 
     /// Makes the same value with a given identity.
     KEL_Boolean_Impl(const JHashCode& identity, bool value) : JObject(identity), value_(value) {}
@@ -33,6 +33,7 @@ public:
     JHashCode& toGuid(JHashCode& out) const override;
 
     // KEL_Impl
+    bool holdsOthers() const override { return false; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Boolean_Impl(value_); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;

@@ -10,7 +10,7 @@
 /// Implements KEL_Double.
 class KEL_Double_Impl final : public KEL_Impl, public KEL_Double {
 public:
-    explicit KEL_Double_Impl(double value) : value_(value) {}
+    explicit KEL_Double_Impl(double value) : JObject(IdentityLater()), value_(value) {}
 
     /// Makes the same value with a given identity.
     KEL_Double_Impl(const JHashCode& identity, double value) : JObject(identity), value_(value) {}
@@ -35,6 +35,7 @@ public:
     JHashCode& toGuid(JHashCode& out) const override;
 
     // KEL_Impl
+    bool holdsOthers() const override { return false; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Double_Impl(value_); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;

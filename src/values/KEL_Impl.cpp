@@ -1,6 +1,8 @@
 #include "values/KEL_Impl.h"
 
+#include "platform/ThreadLocal.h"
 #include "runtime/Storage.h"
+#include "values/ImplementationPlaces.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Observer_Impl.h"
 #include "values/OutOfMemory.h"
@@ -9,55 +11,82 @@
 #include "values/TreeEquality.h"
 
 #include <cstring>
+#include <typeinfo>
 
 namespace {
 
-/// The values of this thread that wait until the one being destroyed is done.
-thread_local KEL_Impl* doomed = nullptr;
-thread_local bool destroying = false;
+/// Values of this thread that wait until the values being destroyed are gone.
+KEL_HOT_THREAD_LOCAL KEL_Impl* doomed = nullptr;
+
+/// The number of values with children that are being destroyed, one inside the other.
+KEL_HOT_THREAD_LOCAL int nesting = 0;
+
+/// Most trees are not deeper than this, and are destroyed from the leaves up without waiting.
+constexpr int deepestNesting = 16;
+
+constinit kel::ImplementationPlaces places;
+
+void destroy(KEL_Impl* value) {
+    void* storage = dynamic_cast<void*>(value);
+    value->~KEL_Impl();
+    kel::platform::deallocateBlock(storage);
+}
 
 } // namespace
 
-KEL_Impl::~KEL_Impl() {
-    kel::platform::deallocate(text_);
-}
-
 KEL_Impl* KEL_Impl::of(KEL* value) {
-    return dynamic_cast<KEL_Impl*>(value);
+    if (value == nullptr) {
+        return nullptr;
+    }
+    const std::type_info& type = typeid(*value);
+    auto* object = static_cast<char*>(dynamic_cast<void*>(value));
+    const ptrdiff_t distance = places.find(type);
+    if (distance != kel::ImplementationPlaces::unknown) {
+        return reinterpret_cast<KEL_Impl*>(object + distance);
+    }
+    auto* implementation = dynamic_cast<KEL_Impl*>(value);
+    if (implementation != nullptr) {
+        places.remember(type, reinterpret_cast<char*>(implementation) - object);
+    }
+    return implementation;
 }
 
 const KEL_Impl* KEL_Impl::of(const KEL* value) {
-    return dynamic_cast<const KEL_Impl*>(value);
+    return of(const_cast<KEL*>(value)); // only to find it; the result is constant again
 }
 
 void* KEL_Impl::operator new(std::size_t size) {
-    return kel::allocateOrThrow(size);
+    void* storage = kel::platform::allocateBlock(size);
+    if (storage == nullptr) {
+        kel::throwOutOfMemory();
+    }
+    return storage;
 }
 
 void KEL_Impl::operator delete(void* storage) noexcept {
-    kel::platform::deallocate(storage);
+    kel::platform::deallocateBlock(storage);
 }
 
 void KEL_Impl::operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept {
-    if (destroying) {
+    if (!value->holdsOthers()) {
+        destroy(value);
+        return;
+    }
+    if (nesting == deepestNesting) {
         value->freeString();
         value->nextDoomed_ = doomed;
         doomed = value;
         return;
     }
-    destroying = true;
-    for (;;) {
-        void* storage = dynamic_cast<void*>(value);
-        value->~KEL_Impl();
-        kel::platform::deallocate(storage);
-        if (doomed == nullptr) {
-            break;
-        }
-        value = doomed;
-        doomed = value->nextDoomed_;
-        value->text_ = nullptr;
+    ++nesting;
+    destroy(value);
+    while (nesting == 1 && doomed != nullptr) {
+        KEL_Impl* next = doomed;
+        doomed = next->nextDoomed_;
+        next->text_ = nullptr;
+        destroy(next);
     }
-    destroying = false;
+    --nesting;
 }
 
 void KEL_Impl::freeString() {

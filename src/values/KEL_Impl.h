@@ -22,7 +22,11 @@ public:
     KEL_Impl() = default;
     KEL_Impl(const KEL_Impl&) = delete;
     KEL_Impl& operator=(const KEL_Impl&) = delete;
-    ~KEL_Impl() override;
+    ~KEL_Impl() override {
+        if (text_ != nullptr) {
+            kel::platform::deallocate(text_);
+        }
+    }
 
     /// Returns the implementation of a host's pointer; null for null and for a foreign
     /// implementation.
@@ -33,13 +37,14 @@ public:
     /// null.
     static bool isForeign(const KEL* value) { return value != nullptr && of(value) == nullptr; }
 
-    /// Allocates storage for a value.
+    /// Allocates storage for a value, of platform::largestBlock bytes at most.
     /// \throws JOutOfMemoryException "Out of memory!"
     static void* operator new(std::size_t size);
     static void operator delete(void* storage) noexcept;
 
-    /// Destroys a value whose last reference is gone. Values whose last reference it held wait
-    /// until it is done, so that a tree of any depth is destroyed without a deep call stack.
+    /// Destroys a value whose last reference is gone. Below a few levels, values whose last
+    /// reference it held wait until it is done, so that a tree of any depth is destroyed without a
+    /// deep call stack.
     static void operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept;
 
     // KELInterface_RefCount_V1
@@ -71,8 +76,13 @@ public:
     JHashCode& toGuid(JHashCode& out) const override { return out = JHashCode(); }
     void freeString() override;
 
-    // KELInterface_V1
+    // JObject
     using JObject::equals;
+    bool equals(const JObject* other) const override {
+        return other != nullptr && hasIdentityOf(*other);
+    }
+
+    // KELInterface_V1
     KEL* copy() const override;
     void assign(const KEL* value) override;
     bool equals(const KEL* other) const override;
@@ -98,6 +108,9 @@ public:
     /// Notifies of new contents taken over from another value. The observers of the values that
     /// this value consists of for its hosts are notified first, then those of this value.
     virtual void notifyContentsChanged() { notifyChanged(); }
+
+    /// Returns whether destroying the value can destroy others, which it holds.
+    virtual bool holdsOthers() const { return true; }
 
     // The operations that walks over trees use.
 
@@ -157,8 +170,8 @@ public:
 
     /// Returns whether a walk that must not reach this container inside itself is below it. Such
     /// walks never call the host, so one mark is enough.
-    bool isOnPath() const { return onPath_; }
-    void setOnPath(bool onPath) const { onPath_ = onPath; }
+    bool isOnPath() const { return hasMark(onPathMark); }
+    void setOnPath(bool onPath) const { setMark(onPathMark, onPath); }
 
     /// Returns whether this value has more than one holder: only then can a walk reach it again.
     bool isShared() const { return referenceCount() > 1; }
@@ -167,7 +180,8 @@ public:
     bool isContentShared() const { return isShared() || holderOfChildren().isShared(); }
 
     /// Give access to the identity without a virtual call, and to whether it was given rather than
-    /// drawn.
+    /// drawn. Asking for the identity draws it if that is still to be done; comparing does not.
+    using JObject::hasIdentityOf;
     using JObject::identity;
     using JObject::isIdentityGiven;
 
@@ -181,5 +195,4 @@ private:
         mutable char* text_ = nullptr; ///< the result of toString, for kinds that format
         KEL_Impl* nextDoomed_;         ///< the text is freed before a value has to wait
     };
-    mutable bool onPath_ = false;
 };

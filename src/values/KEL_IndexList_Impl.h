@@ -20,7 +20,7 @@ public:
 
     /// Makes a list over the given arrays, which are not null and not the same array.
     KEL_IndexList_Impl(const JPointer<KEL_Array_Impl>& keys, const JPointer<KEL_Array_Impl>& items)
-        : keys_(keys), items_(items) {}
+        : JObject(IdentityLater()), keys_(keys), items_(items) {}
 
     /// Makes the same value with a given identity.
     KEL_IndexList_Impl(const JHashCode& identity, const JPointer<KEL_Array_Impl>& keys,

@@ -9,7 +9,7 @@
 /// Implements KEL_Int.
 class KEL_Int_Impl final : public KEL_Impl, public KEL_Int {
 public:
-    explicit KEL_Int_Impl(int32_t value) : value_(value) {}
+    explicit KEL_Int_Impl(int32_t value) : JObject(IdentityLater()), value_(value) {}
 
     /// Makes the same value with a given identity.
     KEL_Int_Impl(const JHashCode& identity, int32_t value) : JObject(identity), value_(value) {}
@@ -33,6 +33,7 @@ public:
     JHashCode& toGuid(JHashCode& out) const override;
 
     // KEL_Impl
+    bool holdsOthers() const override { return false; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Int_Impl(value_); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;

@@ -48,13 +48,13 @@ struct Range {
 } // namespace
 
 KEL_MemBlock_Impl::KEL_MemBlock_Impl(int32_t size, const void* bytes)
-    : size_(size), data_(copyBlock(size, bytes)) {}
+    : JObject(IdentityLater()), size_(size), data_(copyBlock(size, bytes)) {}
 
 KEL_MemBlock_Impl::KEL_MemBlock_Impl(const JHashCode& identity, int32_t size, const void* bytes)
     : JObject(identity), size_(size), data_(copyBlock(size, bytes)) {}
 
 KEL_MemBlock_Impl::KEL_MemBlock_Impl(JInputStream* source, int32_t size)
-    : size_(size), source_(JPointer<JInputStream>::share(source)) {}
+    : JObject(IdentityLater()), size_(size), source_(JPointer<JInputStream>::share(source)) {}
 
 KEL_MemBlock_Impl::~KEL_MemBlock_Impl() {
     kel::platform::deallocate(data_);

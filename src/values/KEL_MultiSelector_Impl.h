@@ -12,7 +12,7 @@ class KEL_MultiSelector_Impl final : public KEL_Impl, public KEL_MultiSelector {
 public:
     /// Selects from list, or from a new empty list for null.
     explicit KEL_MultiSelector_Impl(KEL_IndexList_Impl* list)
-        : list_(list), selectedKeys_(new KEL_Array_Impl()) {}
+        : JObject(IdentityLater()), list_(list), selectedKeys_(new KEL_Array_Impl()) {}
 
     /// Makes the same value with a given identity.
     KEL_MultiSelector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)

@@ -11,7 +11,7 @@
 class KEL_Selector_Impl final : public KEL_Impl, public KEL_Selector {
 public:
     /// Selects from list, or from a new empty list for null.
-    explicit KEL_Selector_Impl(KEL_IndexList_Impl* list) : list_(list) {}
+    explicit KEL_Selector_Impl(KEL_IndexList_Impl* list) : JObject(IdentityLater()), list_(list) {}
 
     /// Makes the same value with a given identity.
     KEL_Selector_Impl(const JHashCode& identity, KEL_IndexList_Impl* list)

@@ -41,12 +41,11 @@ KEL_String* KEL_String_Impl::setguid(const JHashCode& value) {
 }
 
 char KEL_String_Impl::getChar(int32_t index) const {
-    try {
-        return value_->getChar(index);
-    } catch (const JArrayIndexOutOfBoundsException&) {
+    if (index >= 0 && static_cast<std::size_t>(index) >= value_.size()) {
         throw new KELArrayIndexOutOfBoundsException_Impl(
             "Attemping to reference past end of string.");
     }
+    return index < 0 ? '\0' : value_.chars()[index];
 }
 
 int32_t KEL_String_Impl::toInt() const {
@@ -62,11 +61,12 @@ JHashCode& KEL_String_Impl::toGuid(JHashCode& out) const {
 }
 
 bool KEL_String_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
-    return other.getType() == KELKind_String && value_->equals(other.toString());
+    return other.getType() == KELKind_String &&
+           static_cast<const KEL_String_Impl&>(other).value_.view() == value_.view();
 }
 
 void KEL_String_Impl::swapContents(KEL_Impl& prepared) noexcept {
-    std::swap(value_, dynamic_cast<KEL_String_Impl&>(prepared).value_);
+    value_.swap(static_cast<KEL_String_Impl&>(prepared).value_);
 }
 
 void KEL_String_Impl::takeContents(const KEL_Impl& source) {

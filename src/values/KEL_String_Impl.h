@@ -2,28 +2,29 @@
 /// KEL_String_Impl: a String value.
 #pragma once
 
-#include "runtime/Storage.h"
+#include "runtime/SmallText.h"
 #include "values/KEL_Impl.h"
 
 #include <kel/KEL_String.h>
 
-/// Implements KEL_String over a JString that is never without a buffer.
+/// Implements KEL_String over a text.
 class KEL_String_Impl final : public KEL_Impl, public KEL_String {
 public:
     /// Copies text; null gives the empty text.
     /// \throws JOutOfMemoryException as JString's constructors do
-    explicit KEL_String_Impl(const char* text) : value_(makeString(text)) {}
+    explicit KEL_String_Impl(const char* text) : JObject(IdentityLater()), value_(textOf(text)) {}
 
     /// Makes the same value with a given identity.
     KEL_String_Impl(const JHashCode& identity, const char* text)
-        : JObject(identity), value_(makeString(text)) {}
+        : JObject(identity), value_(textOf(text)) {}
 
     /// Copies text, which contains no NUL.
-    explicit KEL_String_Impl(std::string_view text) : value_(makeString(text)) {}
+    explicit KEL_String_Impl(std::string_view text)
+        : JObject(IdentityLater()), value_(textOf(text)) {}
 
     /// Makes the same value with a given identity.
     KEL_String_Impl(const JHashCode& identity, std::string_view text)
-        : JObject(identity), value_(makeString(text)) {}
+        : JObject(identity), value_(textOf(text)) {}
 
     /// Returns a new String with this text, or null for null. Operations that store ignore a null
     /// value, and so they ignore a null text.
@@ -34,7 +35,7 @@ public:
     int32_t getType() const override { return KELKind_String; }
 
     // KELInterface_String_V1
-    const char* getValue() const override { return value_->chars(); }
+    const char* getValue() const override { return value_.chars(); }
     void setValue(const char* text) override;
     KEL_String* setBoolean(bool value) override;
     KEL_String* setInt(int32_t value) override;
@@ -51,6 +52,7 @@ public:
     JHashCode& toGuid(JHashCode& out) const override;
 
     // KEL_Impl
+    bool holdsOthers() const override { return false; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_String_Impl(getValue()); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;
@@ -58,19 +60,19 @@ public:
     bool takeConverted(const KEL_Impl& source) override;
 
 private:
-    static JString* makeString(const char* text) {
-        return kel::makeObject<JString>(text == nullptr ? "" : text);
-    }
-    static JString* makeString(std::string_view text) {
+    /// \throws JOutOfMemoryException "Out of memory!" for a text that no length field can hold
+    static std::string_view textOf(std::string_view text) {
         if (text.size() > UINT32_MAX) {
             kel::throwOutOfMemory();
         }
-        return kel::makeObject<JString>(text.data() == nullptr ? "" : text.data(), 0U,
-                                        static_cast<uint32_t>(text.size()));
+        return text;
+    }
+    static std::string_view textOf(const char* text) {
+        return textOf(text == nullptr ? std::string_view() : std::string_view(text));
     }
 
     /// Replaces the text, or leaves it and throws.
-    void replace(const char* text) { value_ = makeString(text); }
+    void replace(const char* text) { kel::SmallText(textOf(text)).swap(value_); }
 
-    JPointer<JString> value_;
+    kel::SmallText value_;
 };

@@ -9,7 +9,7 @@
 /// Implements KEL_Struct over an ordered map of shared values.
 class KEL_Struct_Impl final : public KEL_Impl, public KEL_Struct {
 public:
-    KEL_Struct_Impl() = default;
+    KEL_Struct_Impl() : JObject(IdentityLater()) {}
 
     /// Makes the same value with a given identity.
     explicit KEL_Struct_Impl(const JHashCode& identity) : JObject(identity) {}

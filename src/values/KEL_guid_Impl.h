@@ -9,7 +9,7 @@
 /// Implements KEL_guid.
 class KEL_guid_Impl final : public KEL_Impl, public KEL_guid {
 public:
-    explicit KEL_guid_Impl(const JHashCode& value) : value_(value) {}
+    explicit KEL_guid_Impl(const JHashCode& value) : JObject(IdentityLater()), value_(value) {}
 
     /// Makes the same value with a given identity.
     KEL_guid_Impl(const JHashCode& identity, const JHashCode& value)
@@ -34,6 +34,7 @@ public:
     JHashCode& toGuid(JHashCode& out) const override { return out = value_; }
 
     // KEL_Impl
+    bool holdsOthers() const override { return false; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_guid_Impl(value_); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;

@@ -125,6 +125,58 @@ TEST(Guid, AGivenIdentityIsNotDrawn) {
     EXPECT_EQ(value->getValue(), 5);
 }
 
+/// While alive, counts the identities that are drawn at once.
+class CountedGuids {
+public:
+    CountedGuids() : before_(kel::platform::exchangeGuidSource(draw)) { drawn = 0; }
+    CountedGuids(const CountedGuids&) = delete;
+    CountedGuids& operator=(const CountedGuids&) = delete;
+    ~CountedGuids() { kel::platform::exchangeGuidSource(before_); }
+
+    static inline int drawn = 0;
+
+private:
+    static bool draw(JHashCode& out) {
+        out = JHashCode(static_cast<uint32_t>(++drawn), 0, 0, 1);
+        return true;
+    }
+    kel::platform::GuidSource before_;
+};
+
+TEST(Guid, ASourceThatCanFailIsAskedForEachValueAtOnce) {
+    const CountedGuids counted;
+    const JPointer<KEL_Int_Impl> value(new KEL_Int_Impl(5));
+    EXPECT_EQ(CountedGuids::drawn, 1);
+    EXPECT_EQ(value->identity(), JHashCode(1, 0, 0, 1));
+}
+
+#if !defined(_WIN32)
+
+TEST(Guid, AnAssuredIdentityNeedsNoSource) {
+    const JPointer<KEL_Int_Impl> first(new KEL_Int_Impl(1)); // at the latest now the source is open
+    const JPointer<KEL_Int_Impl> value(new KEL_Int_Impl(5));
+    const NoGuids none;
+    JHashCode asked;
+    value->getHashCode(asked);
+    EXPECT_FALSE(asked.isZero());
+    EXPECT_EQ(value->identity(), asked) << "drawn once";
+    EXPECT_FALSE(value->isIdentityGiven());
+}
+
+TEST(Guid, ComparingDrawsNothing) {
+    const JPointer<KEL_Int_Impl> first(new KEL_Int_Impl(1));
+    const JPointer<KEL_Int_Impl> value(new KEL_Int_Impl(5));
+    const JPointer<KEL_Int_Impl> other(new KEL_Int_Impl(5));
+    EXPECT_TRUE(value->equals(static_cast<const KEL*>(value.get())));
+    EXPECT_FALSE(value->equals(static_cast<const KEL*>(other.get())));
+    const JPointer<KEL_Int_Impl> same(new KEL_Int_Impl(value->identity(), 5));
+    EXPECT_TRUE(value->equals(static_cast<const KEL*>(same.get())));
+    EXPECT_TRUE(same->equals(static_cast<const KEL*>(value.get())));
+    EXPECT_FALSE(other->equals(static_cast<const KEL*>(same.get())));
+}
+
+#endif
+
 TEST(Guid, AContainerStaysAsItIsWhenAnElementCannotBeMade) {
     const JPointer<KEL_Array_Impl> array(new KEL_Array_Impl());
     array->addInt(1);

@@ -1,5 +1,7 @@
 // Identities across fork, which only POSIX systems have.
+#include "platform/RandomStream.h"
 #include "support/Guids.h"
+#include "values/KEL_Int_Impl.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -37,6 +39,17 @@ template <class Draw> std::vector<Words> inChild(const Draw& drawInChild) {
     return drawn;
 }
 
+TEST(Guid, StreamsWithOneKeyDifferByTheirNumbers) {
+    const auto firstWords = [](uint32_t number, uint32_t subNumber) {
+        kel::platform::RandomStream stream;
+        stream.keyWith(kel::platform::RandomStream::Key(), number, subNumber);
+        const uint32_t* words = stream.nextFourWords();
+        return Words{words[0], words[1], words[2], words[3]};
+    };
+    EXPECT_EQ(firstWords(5, 6), firstWords(5, 6));
+    EXPECT_TRUE(areDistinct({firstWords(0, 0), firstWords(1, 0), firstWords(0, 1)}));
+}
+
 TEST(Guid, AForkedChildNeverRepeatsItsParent) {
     draw(); // the parent's generator now has a key and is in the middle of a block
     std::vector<Words> all = inChild([] { return draw(200); });
@@ -57,6 +70,26 @@ TEST(Guid, SiblingsAndGrandchildrenNeverRepeatEachOther) {
     const std::vector<Words> sibling = inChild([] { return draw(100); });
     all.insert(all.end(), sibling.begin(), sibling.end());
     EXPECT_EQ(all.size(), 300U);
+    EXPECT_TRUE(areDistinct(std::move(all)));
+}
+
+TEST(Guid, ValuesAskedAfterAForkDifferFromTheParents) {
+    std::vector<JPointer<KEL_Int_Impl>> values;
+    for (int32_t i = 0; i < 100; ++i) {
+        values.emplace_back(new KEL_Int_Impl(i));
+    }
+    const auto identities = [&values] {
+        std::vector<Words> words;
+        for (const JPointer<KEL_Int_Impl>& value : values) {
+            const JHashCode& identity = value->identity();
+            words.push_back({identity.w0, identity.w1, identity.w2, identity.w3});
+        }
+        return words;
+    };
+    std::vector<Words> all = inChild(identities);
+    const std::vector<Words> ours = identities();
+    all.insert(all.end(), ours.begin(), ours.end());
+    EXPECT_EQ(all.size(), 200U);
     EXPECT_TRUE(areDistinct(std::move(all)));
 }
 

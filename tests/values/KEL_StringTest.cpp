@@ -117,19 +117,22 @@ TEST(KEL_String, NumbersAreTheSameInEveryLocale) {
     EXPECT_EQ(of("1,5")->toDouble(), 1.0);
 }
 
+/// A text that does not fit the object of a String.
+constexpr const char* longText = "a text of more than 23 characters";
+
 TEST(KEL_String, KeepsItsTextWhenTheNewOneCannotBeAllocated) {
-    const auto value = make<KEL_String_Impl>("abc");
+    const auto value = make<KEL_String_Impl>(longText);
     Watcher watcher;
     value->addObserver(&watcher);
-    const auto expectUnchanged = [&] { EXPECT_STREQ(value->getValue(), "abc"); };
-    kel::test::failEachAllocation([&] { value->setValue("abc"); }, expectUnchanged);
+    const auto expectUnchanged = [&] { EXPECT_STREQ(value->getValue(), longText); };
+    kel::test::failEachAllocation([&] { value->setValue(longText); }, expectUnchanged);
     EXPECT_EQ(watcher.calls(), 2); // the two runs in which nothing failed
 }
 
 TEST(KEL_String, FailureToAllocateIsTheStringsOwn) {
     const Held<KEL_String> value = of("abc");
-    const kel::test::FailingAllocation failing(1);
-    EXPECT_EQ(thrownMessage<JOutOfMemoryException>([&] { value->setValue("def"); }),
+    const kel::test::FailingAllocation failing(0);
+    EXPECT_EQ(thrownMessage<JOutOfMemoryException>([&] { value->setValue(longText); }),
               "Cannot allocate memory in JString constructor.");
 }
 

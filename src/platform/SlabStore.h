@@ -1,0 +1,31 @@
+/// \file
+/// Storage for small blocks, which values and their parts are made of.
+#pragma once
+
+#include <cstddef>
+
+namespace kel::platform {
+
+/// Small blocks come in sizes that are multiples of this.
+constexpr std::size_t blockGranule = 2 * sizeof(void*);
+
+/// The largest size of a small block.
+constexpr std::size_t largestBlock = 32 * blockGranule;
+
+/// Returns a block of size bytes (1 to largestBlock), not initialized, aligned to blockGranule, or
+/// null when there is no memory.
+///
+/// Blocks of one size lie side by side in slabs of 64 KiB, so a tree that is made in order lies in
+/// memory in order, also in a process that has made and released many others before. Each thread
+/// has slabs of its own and needs no lock for them. Any thread may free a block. When a thread
+/// ends, its slabs pass to the next thread that needs some or that frees one of their blocks. Empty
+/// slabs return to the system, except for a reserve of a few megabytes.
+void* takeBlock(std::size_t size);
+
+/// Gives back a block from takeBlock, on any thread.
+void giveBlock(void* block) noexcept;
+
+/// Returns the bytes that this thread's slabs take from the system. For tests.
+std::size_t slabBytesOfThread();
+
+} // namespace kel::platform

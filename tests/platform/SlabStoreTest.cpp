@@ -1,0 +1,199 @@
+#include "platform/SlabStore.h"
+
+#include <gtest/gtest.h>
+
+#if !defined(_WIN32)
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace kel::platform;
+
+/// Blocks that are filled with their size, so that one that overlaps another is noticed.
+class Blocks {
+public:
+    Blocks() = default;
+    Blocks(Blocks&&) = default;
+    Blocks& operator=(Blocks&&) = default;
+    Blocks(const Blocks&) = delete;
+    Blocks& operator=(const Blocks&) = delete;
+    ~Blocks() {
+        while (!blocks_.empty()) {
+            give(blocks_.size() - 1);
+        }
+    }
+
+    void take(std::size_t size) {
+        void* block = takeBlock(size);
+        ASSERT_NE(block, nullptr);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % blockGranule, 0U);
+        std::memset(block, static_cast<int>(size % 251), size);
+        blocks_.emplace_back(static_cast<unsigned char*>(block), size);
+    }
+
+    void give(std::size_t index) {
+        const auto [block, size] = blocks_[index];
+        bool intact = true;
+        for (std::size_t i = 0; i < size; ++i) {
+            intact &= block[i] == size % 251;
+        }
+        EXPECT_TRUE(intact) << size;
+        giveBlock(block);
+        blocks_[index] = blocks_.back();
+        blocks_.pop_back();
+    }
+
+    std::size_t count() const { return blocks_.size(); }
+
+private:
+    std::vector<std::pair<unsigned char*, std::size_t>> blocks_;
+};
+
+void takeAndGive(Blocks& blocks, unsigned seed, int steps) {
+    std::mt19937 random(seed);
+    for (int i = 0; i < steps; ++i) {
+        if (blocks.count() < 500 || random() % 2 == 0) {
+            blocks.take(1 + random() % largestBlock);
+        } else {
+            blocks.give(random() % blocks.count());
+        }
+    }
+}
+
+TEST(SlabStore, BlocksOfEverySizeAreApart) {
+    Blocks blocks;
+    for (std::size_t size = 1; size <= largestBlock; ++size) {
+        blocks.take(size);
+    }
+}
+
+TEST(SlabStore, BlocksOfOneSizeLieSideBySide) {
+    std::thread([] { // whose slabs nobody has used yet, or in which nothing is used
+        std::vector<char*> blocks;
+        for (int i = 0; i < 100; ++i) {
+            blocks.push_back(static_cast<char*>(takeBlock(blockGranule * 3)));
+        }
+        int neighbours = 0;
+        for (std::size_t i = 1; i < blocks.size(); ++i) {
+            neighbours += blocks[i] - blocks[i - 1] == static_cast<ptrdiff_t>(blockGranule * 3);
+        }
+        EXPECT_GE(neighbours, 98);
+        for (char* block : blocks) {
+            giveBlock(block);
+        }
+    })
+        .join();
+}
+
+TEST(SlabStore, RandomUseKeepsBlocksApart) {
+    Blocks blocks;
+    takeAndGive(blocks, 1, 200000);
+}
+
+TEST(SlabStore, AGivenBlockIsTakenAgain) {
+    void* block = takeBlock(40);
+    giveBlock(block);
+    void* again = takeBlock(40);
+    EXPECT_EQ(again, block);
+    giveBlock(again);
+}
+
+/// Takes this many bytes in blocks of one size, and gives them back.
+void takeAndGiveBytes(std::size_t bytes, std::size_t size) {
+    std::vector<void*> blocks;
+    for (std::size_t taken = 0; taken < bytes; taken += size) {
+        blocks.push_back(takeBlock(size));
+    }
+    EXPECT_GE(slabBytesOfThread(), bytes);
+    for (void* block : blocks) {
+        giveBlock(block);
+    }
+}
+
+TEST(SlabStore, EmptySlabsReturnToTheSystem) {
+    constexpr std::size_t megabyte = 1 << 20;
+    std::thread([] {
+        takeAndGiveBytes(64 * megabyte, 112);
+        EXPECT_LE(slabBytesOfThread(), 16 * megabyte);
+        takeAndGiveBytes(64 * megabyte, 48);
+        EXPECT_LE(slabBytesOfThread(), 16 * megabyte);
+    }).join();
+}
+
+TEST(SlabStore, AnotherThreadCanGiveBlocksBack) {
+    std::thread([] {
+        std::vector<void*> blocks;
+        for (int round = 0; round < 20; ++round) {
+            for (int i = 0; i < 20000; ++i) {
+                blocks.push_back(takeBlock(112));
+            }
+            std::thread([&blocks] {
+                for (void* block : blocks) {
+                    giveBlock(block);
+                }
+            }).join();
+            blocks.clear();
+        }
+        EXPECT_LE(slabBytesOfThread(), std::size_t{32} << 20) << "blocks are used again";
+    }).join();
+}
+
+TEST(SlabStore, BlocksOutliveTheirThread) {
+    std::vector<Blocks> left(4);
+    for (unsigned round = 0; round < 5; ++round) {
+        std::vector<std::thread> threads;
+        for (unsigned i = 0; i < left.size(); ++i) {
+            // Each thread goes on with the blocks that another thread has left.
+            threads.emplace_back([&blocks = left[(i + round) % left.size()], seed = round * 4 + i] {
+                takeAndGive(blocks, seed, 20000);
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+}
+
+TEST(SlabStore, AThreadThatGivesBlocksOfAnEndedOneTakesItsSlabsOver) {
+    std::thread([] {
+        const std::size_t before = slabBytesOfThread();
+        std::vector<void*> blocks;
+        std::thread([&blocks] {
+            for (int i = 0; i < 200000; ++i) {
+                blocks.push_back(takeBlock(112));
+            }
+        }).join();
+        giveBlock(blocks.front());
+        EXPECT_GE(slabBytesOfThread(), before + 112 * 199999);
+        for (std::size_t i = 1; i < blocks.size(); ++i) {
+            giveBlock(blocks[i]);
+        }
+        EXPECT_LE(slabBytesOfThread(), before + (std::size_t{16} << 20));
+    }).join();
+}
+
+/// Takes and gives blocks when its thread's variables are destroyed.
+struct LateUser {
+    ~LateUser() { giveBlock(takeBlock(64)); }
+    void touch() {}
+};
+thread_local LateUser lateUser;
+
+TEST(SlabStore, AThreadCanUseItWhileItEnds) {
+    for (int i = 0; i < 100; ++i) {
+        std::thread([] {
+            lateUser.touch();
+            giveBlock(takeBlock(64));
+        }).join();
+    }
+}
+
+} // namespace
+
+#endif
