@@ -2,6 +2,7 @@
 /// JObservable: an object that can be watched.
 #pragma once
 
+#include "platform/Inline.h"
 #include "runtime/JObserver.h"
 #include "runtime/JVector.h"
 #include "runtime/Reference.h"
@@ -11,7 +12,10 @@
 class JObservable : public virtual JObject {
 public:
     /// Makes an observable with a fresh identity, not changed and without observers.
-    JObservable() = default;
+    KEL_ALWAYS_INLINE JObservable() {}
+    JObservable(const JObservable&) = delete;
+    JObservable& operator=(const JObservable&) = delete;
+    KEL_ALWAYS_INLINE ~JObservable() override {}
 
     /// Makes an observable with the given identity, not changed and without observers.
     JObservable(uint32_t w0, uint32_t w1, uint32_t w2, uint32_t w3) : JObject(w0, w1, w2, w3) {}

@@ -2,6 +2,7 @@
 /// KEL_Impl: the implementation base of every value.
 #pragma once
 
+#include "platform/Inline.h"
 #include "runtime/JObservable.h"
 #include "values/Kinds.h"
 
@@ -19,10 +20,10 @@ struct ChildCursor;
 /// the implementation of a kind derives from its public class and from this one.
 class KEL_Impl : public virtual KEL, public virtual KEL_Observable, public virtual JObservable {
 public:
-    KEL_Impl() = default;
+    KEL_ALWAYS_INLINE KEL_Impl() {}
     KEL_Impl(const KEL_Impl&) = delete;
     KEL_Impl& operator=(const KEL_Impl&) = delete;
-    ~KEL_Impl() override {
+    KEL_ALWAYS_INLINE ~KEL_Impl() override {
         if (text_ != nullptr) {
             kel::platform::deallocate(text_);
         }
