@@ -32,10 +32,14 @@ public:
 
     SmallText(const SmallText&) = delete;
     SmallText& operator=(const SmallText&) = delete;
-    ~SmallText() {
+    ~SmallText() { clear(); }
+
+    /// Makes the text empty.
+    void clear() noexcept {
         if (isLong()) {
             platform::deallocateSized(long_.chars, long_.size + 1);
         }
+        setShort({});
     }
 
     /// Exchanges the texts. Pointers to short ones are then invalid.

@@ -10,6 +10,7 @@
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
 #include "values/Reference.h"
+#include "values/Temporary.h"
 #include "values/TreeCopy.h"
 
 #include <utility>
@@ -82,29 +83,33 @@ void KEL_Array_Impl::setQuietly(KEL_Impl* element, int32_t index) {
     }
 }
 
-void KEL_Array_Impl::setMade(int32_t index, KEL_Impl* value) {
-    const JPointer<KEL_Impl> made(value);
-    setVarValue(index, made.get());
+template <class T, class Content>
+void KEL_Array_Impl::setContent(int32_t index, const Content& content) {
+    setVarValue(index, kel::Temporary<T>(content).get());
 }
 
 void KEL_Array_Impl::setString(int32_t index, const char* text) {
-    setMade(index, KEL_String_Impl::makeOrNull(text));
+    if (text == nullptr) {
+        setVarValue(index, nullptr);
+    } else {
+        setContent<KEL_String_Impl>(index, text);
+    }
 }
 
 void KEL_Array_Impl::setguid(int32_t index, const JHashCode& value) {
-    setMade(index, new KEL_guid_Impl(value));
+    setContent<KEL_guid_Impl>(index, value);
 }
 
 void KEL_Array_Impl::setDouble(int32_t index, double value) {
-    setMade(index, new KEL_Double_Impl(value));
+    setContent<KEL_Double_Impl>(index, value);
 }
 
 void KEL_Array_Impl::setInt(int32_t index, int32_t value) {
-    setMade(index, new KEL_Int_Impl(value));
+    setContent<KEL_Int_Impl>(index, value);
 }
 
 void KEL_Array_Impl::setBoolean(int32_t index, bool value) {
-    setMade(index, new KEL_Boolean_Impl(value));
+    setContent<KEL_Boolean_Impl>(index, value);
 }
 
 void KEL_Array_Impl::setVarValue(int32_t index, const KEL* value) {

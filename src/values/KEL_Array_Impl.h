@@ -111,6 +111,10 @@ public:
     void makeRoom(int32_t more) { elements_.makeRoom(more); }
 
     // KEL_Impl
+    bool giveContentsBack() noexcept override {
+        elements_.giveBack();
+        return true;
+    }
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Array_Impl(); }
@@ -129,8 +133,8 @@ private:
     /// Appends a value just made, taking over its one reference, and notifies. \return its index
     int32_t addMade(KEL_Impl* value);
 
-    /// Assigns a value just made to the element at index, then releases the value.
-    void setMade(int32_t index, KEL_Impl* value);
+    /// Assigns a T of this content to the element at index.
+    template <class T, class Content> void setContent(int32_t index, const Content& content);
 
     kel::ValueList elements_;
 };

@@ -28,7 +28,7 @@ constinit kel::ImplementationPlaces places;
 
 void destroy(KEL_Impl* value) {
     void* storage = dynamic_cast<void*>(value);
-    value->~KEL_Impl();
+    KEL_Impl::end(value);
     kel::platform::deallocateBlock(storage);
 }
 
@@ -68,10 +68,6 @@ void KEL_Impl::operator delete(void* storage) noexcept {
 }
 
 void KEL_Impl::operator delete(KEL_Impl* value, std::destroying_delete_t) noexcept {
-    if (!value->holdsOthers()) {
-        destroy(value);
-        return;
-    }
     if (nesting == deepestNesting) {
         value->freeString();
         value->nextDoomed_ = doomed;
@@ -89,9 +85,21 @@ void KEL_Impl::operator delete(KEL_Impl* value, std::destroying_delete_t) noexce
     --nesting;
 }
 
+void KEL_Impl::end(KEL_Impl* value) noexcept {
+    value->freeString();
+    if (value->observers() != nullptr) {
+        value->deleteObservers();
+    }
+    if (!value->giveContentsBack()) {
+        value->~KEL_Impl();
+    }
+}
+
 void KEL_Impl::freeString() {
-    kel::platform::deallocate(text_);
-    text_ = nullptr;
+    if (text_ != nullptr) {
+        kel::platform::deallocate(text_);
+        text_ = nullptr;
+    }
 }
 
 char* KEL_Impl::textBuffer(std::size_t size) const {

@@ -110,8 +110,14 @@ public:
     /// this value consists of for its hosts are notified first, then those of this value.
     virtual void notifyContentsChanged() { notifyChanged(); }
 
-    /// Returns whether destroying the value can destroy others, which it holds.
-    virtual bool holdsOthers() const { return true; }
+    /// Gives back everything that the value's own class holds, so that its destructor would have
+    /// nothing left to do. Of every value the end is part of its cost, and a destructor steps
+    /// through all bases.
+    /// \return false for a class that needs its destructor; then nothing was given back
+    virtual bool giveContentsBack() noexcept { return false; }
+
+    /// Ends the value's life, but leaves its storage.
+    static void end(KEL_Impl* value) noexcept;
 
     // The operations that walks over trees use.
 

@@ -33,7 +33,7 @@ public:
     JHashCode& toGuid(JHashCode& out) const override;
 
     // KEL_Impl
-    bool holdsOthers() const override { return false; }
+    bool giveContentsBack() noexcept override { return true; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_Int_Impl(value_); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;

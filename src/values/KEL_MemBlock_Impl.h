@@ -42,7 +42,6 @@ public:
     const unsigned char* loadedBytes() const { return isLoaded() ? data_ : nullptr; }
 
     // KEL_Impl
-    bool holdsOthers() const override { return false; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_MemBlock_Impl(size_, bytes()); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     JPointer<KEL_Impl> prepareContents(const KEL_Impl& source) override;

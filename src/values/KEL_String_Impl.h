@@ -52,7 +52,10 @@ public:
     JHashCode& toGuid(JHashCode& out) const override;
 
     // KEL_Impl
-    bool holdsOthers() const override { return false; }
+    bool giveContentsBack() noexcept override {
+        value_.clear();
+        return true;
+    }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_String_Impl(getValue()); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;

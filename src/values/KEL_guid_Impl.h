@@ -34,7 +34,7 @@ public:
     JHashCode& toGuid(JHashCode& out) const override { return out = value_; }
 
     // KEL_Impl
-    bool holdsOthers() const override { return false; }
+    bool giveContentsBack() noexcept override { return true; }
     KEL_Impl* copyWithoutChildren() const override { return new KEL_guid_Impl(value_); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;

@@ -32,10 +32,12 @@ void* tryAllocate(int32_t count) {
 
 } // namespace
 
-ValueList::~ValueList() {
+void ValueList::giveBack() {
     clear();
     if (elements_ != nullptr) {
         platform::deallocateSized(elements_, bytesOf(room_));
+        elements_ = nullptr;
+        room_ = 0;
     }
 }
 

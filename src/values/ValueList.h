@@ -16,7 +16,7 @@ public:
     ValueList() = default;
     ValueList(const ValueList&) = delete;
     ValueList& operator=(const ValueList&) = delete;
-    ~ValueList();
+    ~ValueList() { giveBack(); }
 
     int32_t size() const { return size_; }
 
@@ -64,6 +64,9 @@ public:
     /// Removes every element, the last one first, and keeps the room. Elements that are added or
     /// removed while others are released do no harm: afterwards the list is empty.
     void clear();
+
+    /// Removes every element and the room.
+    void giveBack();
 
     /// Exchanges all elements with another list.
     void swap(ValueList& other) noexcept;
