@@ -7,15 +7,21 @@
 
 namespace bench {
 
-/// Registers reading, writing and copying of each document by each library. The documents must
-/// outlive the run.
+/// Registers reading, writing, copying and destroying each document by each library. The documents
+/// must outlive the run.
 void registerDocumentBenchmarks(const std::vector<Document>& documents);
 
-/// Registers building, destroying and looking up values, and drawing identities.
-void registerValueBenchmarks();
+/// Registers building and destroying a million values in each of three shapes.
+void registerBuildBenchmarks();
 
-/// Registers the same operations on generated documents of 10,000 values and of each power of ten
-/// up to maximum. Their names are scaling_operation/KEL/size.
+/// Registers finding variables among ten and among a thousand names.
+void registerLookupBenchmarks();
+
+/// Registers single operations of the host interface. Their names are host_operation/KEL/document.
+void registerInterfaceBenchmarks();
+
+/// Registers the operations on documents once more, on generated documents of 10,000 values and of
+/// each power of ten up to maximum. Their names are scaling_operation/KEL/size.
 void registerScalingBenchmarks(std::size_t maximum);
 
 } // namespace bench

@@ -1,10 +1,16 @@
 #include "Document.h"
 
+#include "GeneratedDocument.h"
+
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 namespace bench {
 
@@ -53,37 +59,56 @@ std::string readFile(const std::filesystem::path& path) {
     return content;
 }
 
-std::string withoutEscapedQuotes(const std::string& json) {
+/// Appends a number. If it has decimals, six of them are kept, without zeros at the end.
+void appendNumber(std::string& result, std::string_view number) {
+    if (number.find_first_of(".eE") == std::string_view::npos) {
+        result += number;
+        return;
+    }
+    double value = 0;
+    std::from_chars(number.data(), number.data() + number.size(), value);
+    std::array<char, 400> digits; // the greatest double has 309 digits
+    char* end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                              std::chars_format::fixed, 6)
+                    .ptr;
+    while (end[-1] == '0' && end[-2] != '.') {
+        --end;
+    }
+    result.append(digits.data(), end);
+}
+
+/// Returns the document with contents that KEL's text form can carry.
+std::string asTextCanCarry(const std::string& json) {
     std::string result;
     result.reserve(json.size());
+    bool isInString = false;
     for (std::size_t i = 0; i < json.size(); ++i) {
-        if (json[i] == '\\' && i + 1 < json.size()) {
-            ++i;
-            if (json[i] == '"') {
-                result += '\'';
-                continue;
-            }
-            result += '\\';
+        const char c = json[i];
+        if (isInString && c == '\\') {
+            const char escaped = json.at(++i);
+            result += escaped == '"' ? "'" : std::string{'\\', escaped};
+        } else if (!isInString && (c == '-' || (c >= '0' && c <= '9'))) {
+            const std::size_t end =
+                std::min(json.find_first_not_of("-+.eE0123456789", i), json.size());
+            appendNumber(result, std::string_view(json).substr(i, end - i));
+            i = end - 1;
+        } else {
+            isInString = isInString != (c == '"');
+            result += c;
         }
-        result += json[i];
     }
     return result;
 }
 
-} // namespace
-
-std::vector<Document> loadDocuments(const std::string& folder) {
+std::vector<Document> loadFolder(const char* folder) {
     std::vector<Document> documents;
-    if (!std::filesystem::is_directory(folder)) {
+    if (folder == nullptr || !std::filesystem::is_directory(folder)) {
         return documents;
     }
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         if (entry.path().extension() == ".json") {
-            Document document;
-            document.name = entry.path().stem().string();
-            document.json = withoutEscapedQuotes(readFile(entry.path()));
-            document.values = countValues(document.json);
-            documents.push_back(std::move(document));
+            documents.push_back(
+                makeDocument(entry.path().stem().string(), asTextCanCarry(readFile(entry.path()))));
         }
     }
     std::sort(documents.begin(), documents.end(),
@@ -91,22 +116,20 @@ std::vector<Document> loadDocuments(const std::string& folder) {
     return documents;
 }
 
-Document makeRecords(std::size_t values) {
-    constexpr std::size_t valuesPerRecord = 8;
+} // namespace
+
+Document makeDocument(std::string name, std::string json) {
     Document document;
-    document.name = "records";
-    document.json = "[";
-    for (std::size_t i = 0; i < values / valuesPerRecord; ++i) {
-        const std::string n = std::to_string(i);
-        document.json += i == 0 ? "" : ",";
-        document.json += "{\"id\":" + n + ",\"name\":\"Record number " + n +
-                         "\",\"active\":" + (i % 3 == 0 ? "true" : "false") + ",\"score\":" + n +
-                         (i % 2 == 0 ? ".25" : ".5") + ",\"tags\":[\"tag " +
-                         std::to_string(i % 17) + "\"," + std::to_string(i * 7919 % 100000) + "]}";
-    }
-    document.json += "]";
+    document.name = std::move(name);
+    document.json = std::move(json);
     document.values = countValues(document.json);
     return document;
+}
+
+std::vector<Document> loadDocuments() {
+    std::vector<Document> documents = loadFolder(std::getenv("KEL_BENCH_DATA"));
+    documents.push_back(makeDocument("records", makeRecords(100000)));
+    return documents;
 }
 
 } // namespace bench

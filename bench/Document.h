@@ -15,13 +15,13 @@ struct Document {
     std::size_t values = 0; ///< scalars, arrays and objects, nulls included
 };
 
-/// Returns all *.json files of a folder in name order, or none if there is no such folder. Escaped
-/// double quotes in their strings become apostrophes, because KEL's text form cannot carry them. So
-/// all libraries see the same contents.
-std::vector<Document> loadDocuments(const std::string& folder);
+/// Returns a document with its values counted.
+Document makeDocument(std::string name, std::string json);
 
-/// Returns a generated document of about the given number of values. It is an array of small
-/// records with Ints, Doubles, Booleans, Strings and short arrays.
-Document makeRecords(std::size_t values);
+/// Returns the documents to measure: all *.json files of the folder in the environment variable
+/// KEL_BENCH_DATA, in name order, and a generated one. KEL's text form cannot carry double quotes
+/// in strings and more than six decimals. Such quotes become apostrophes and such decimals are
+/// rounded, so that all libraries have the same contents to read and write.
+std::vector<Document> loadDocuments();
 
 } // namespace bench

@@ -1,8 +1,7 @@
 #include "Benchmarks.h"
+#include "GeneratedDocument.h"
 #include "KelTree.h"
 #include "Measure.h"
-
-#include <functional>
 
 namespace bench {
 
@@ -22,7 +21,7 @@ const Prepared& prepared(std::size_t values) {
     static std::size_t size = 0;
     if (size != values) {
         current = Prepared();
-        const Document document = makeRecords(values);
+        const Document document = makeDocument("records", makeRecords(values));
         current.tree = makeTree(document.json);
         current.text = textOf(current.tree.get());
         current.bytes = bytesOf(current.tree.get());
@@ -32,29 +31,31 @@ const Prepared& prepared(std::size_t values) {
     return current;
 }
 
-void add(const char* operation, std::size_t size,
-         const std::function<void(benchmark::State&, const Prepared&)>& measure) {
-    const std::string name = std::string("scaling_") + operation + "/KEL/" + std::to_string(size);
-    benchmark::RegisterBenchmark(name.c_str(), [measure, size](benchmark::State& state) {
-        measure(state, prepared(size));
-    })->Unit(benchmark::kMicrosecond);
+using Measure = void (*)(benchmark::State&, const Prepared&);
+
+void addOperation(const char* operation, std::size_t size, Measure measure) {
+    add(std::string("scaling_") + operation, "KEL", std::to_string(size),
+        [measure, size](benchmark::State& state) { measure(state, prepared(size)); });
 }
 
 void addSize(std::size_t size) {
-    add("text_read", size, [](benchmark::State& state, const Prepared& p) {
+    addOperation("text_read", size, [](benchmark::State& state, const Prepared& p) {
         measureMaking(state, p.values, [&p] { return readText(p.text); });
     });
-    add("text_write", size, [](benchmark::State& state, const Prepared& p) {
+    addOperation("text_write", size, [](benchmark::State& state, const Prepared& p) {
         measureWork(state, p.values, [&p] { return writeText(p.tree.get()); });
     });
-    add("binary_write", size, [](benchmark::State& state, const Prepared& p) {
+    addOperation("binary_write", size, [](benchmark::State& state, const Prepared& p) {
         measureWork(state, p.values, [&p] { return writeBinary(p.tree.get()); });
     });
-    add("binary_read", size, [](benchmark::State& state, const Prepared& p) {
+    addOperation("binary_read", size, [](benchmark::State& state, const Prepared& p) {
         measureMaking(state, p.values, [&p] { return readBinary(p.bytes); });
     });
-    add("copy", size, [](benchmark::State& state, const Prepared& p) {
+    addOperation("copy", size, [](benchmark::State& state, const Prepared& p) {
         measureMaking(state, p.values, [&p] { return Tree(p.tree->copy()); });
+    });
+    addOperation("destroy", size, [](benchmark::State& state, const Prepared& p) {
+        measureDestroying(state, p.values, [&p] { return Tree(p.tree->copy()); });
     });
 }
 

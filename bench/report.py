@@ -1,112 +1,109 @@
 #!/usr/bin/env python3
-"""Prints the results of kel_bench and kel_bench_memory, and how KEL compares.
+"""Prints the results of the benchmarks and judges them.
 
-    report.py RESULTS.json MEMORY.txt
+    report.py FOLDER...
 
-RESULTS.json is the file that kel_bench wrote with --benchmark_out. Of repeated runs the fastest
-counts. MEMORY.txt is the output of kel_bench_memory. The status is 0 whether or not the wanted
-figures are met: the report states which are.
+Each FOLDER holds one run as scripts/bench.sh leaves it. The worst of the runs counts, and the worse
+of a fresh and an aged heap. The status is 0 whether or not the wanted figures are met: the report
+states which are.
 """
-import collections
-import json
-import math
 import pathlib
 import sys
 
-# The wanted geometric mean, over the documents, of KEL's time divided by nlohmann's.
-WANTED_RATIOS = {"text_read": 1.0, "text_write": 1.0, "binary_write": 1.5, "binary_read": 1.2}
-OTHER_OPERATIONS = ["copy", "build_and_destroy", "lookup"]
-WANTED_BYTES_PER_INT = 320
-WANTED_SPREAD = 1.3  # slowest divided by fastest time per value over all sizes
-WANTED_IDENTITY_NS = 40
+from results import HEAPS, geometric_mean, read_run
+from wanted import ROWS
+
+OTHER_LIBRARIES = ("nlohmann", "RapidJSON")
+CACHES = pathlib.Path("/sys/devices/system/cpu/cpu0/cache")
 
 
-def read_results(text):
-    """Returns operation -> document -> library -> nanoseconds of CPU time per value."""
-    results = collections.defaultdict(lambda: collections.defaultdict(dict))
-    for run in json.loads(text)["benchmarks"]:
-        if run.get("run_type") == "aggregate":
-            continue
-        if run.get("error_occurred"):
-            sys.exit(f"{run['name']} failed: {run['error_message']}")
-        operation, library, document = run["run_name"].split("/")[:3]
-        time = run["per_value"] * 1e9
-        cell = results[operation][document]
-        cell[library] = min(time, cell.get(library, math.inf))
-    return results
+def side_by_side(figures, decimals):
+    """Returns the figures of the heaps as text; those not measured are "-"."""
+    return " / ".join("-" if figure is None else f"{figure:.{decimals}f}" for figure in figures)
 
 
-def read_memory(text):
-    """Returns (what, library) -> bytes per value."""
-    return {(what, library): float(size)
-            for what, library, size in (line.split() for line in text.splitlines())}
+def print_times(run):
+    print("Nanoseconds per value with a fresh heap / with an aged heap")
+    for operation, documents in run.times["fresh"].items():
+        for document, libraries in documents.items():
+            aged = run.times["aged"].get(operation, {}).get(document, {})
+            times = "  ".join(f"{library} {side_by_side((time, aged.get(library)), 1)}"
+                              for library, time in libraries.items())
+            print(f"  {operation:<20} {document:<16} {times}")
 
 
-def geometric_mean(numbers):
-    return math.exp(sum(math.log(number) for number in numbers) / len(numbers))
-
-
-def verdict(figure, wanted):
-    return f"wanted at most {wanted:g}: {'met' if figure <= wanted else 'MISSED'}"
-
-
-def print_raw(results):
-    print("Nanoseconds per value")
-    for operation, documents in results.items():
-        for document, cell in documents.items():
-            times = "  ".join(f"{library} {time:9.1f}" for library, time in cell.items())
-            print(f"  {operation:<24} {document:<18} {times}")
-
-
-def print_ratios(results):
-    print("\nKEL's time by nlohmann's (and by RapidJSON's)")
-    for operation in list(WANTED_RATIOS) + OTHER_OPERATIONS:
-        ratios = []
-        for document, cell in results.get(operation, {}).items():
-            if "KEL" not in cell or "nlohmann" not in cell:
+def print_ratios(run):
+    print("\nKEL's time by that of another library, fresh / aged")
+    for operation in run.times["fresh"]:
+        for other in OTHER_LIBRARIES:
+            fresh, aged = (run.ratios(heap, operation, other) for heap in HEAPS)
+            if not fresh:
                 continue
-            ratio = cell["KEL"] / cell["nlohmann"]
-            ratios.append(ratio)
-            rapid = f"  ({cell['KEL'] / cell['RapidJSON']:.2f})" if "RapidJSON" in cell else ""
-            print(f"  {operation:<24} {document:<18} {ratio:6.2f}{rapid}")
-        if ratios:
-            mean = geometric_mean(ratios)
-            note = verdict(mean, WANTED_RATIOS[operation]) if operation in WANTED_RATIOS else ""
-            print(f"  {operation:<24} {'GEOMETRIC MEAN':<18} {mean:6.2f}  {note}")
+            mean = side_by_side([geometric_mean(r.values()) for r in (fresh, aged)], 2)
+            each = ", ".join(f"{document} {side_by_side((ratio, aged.get(document)), 2)}"
+                             for document, ratio in fresh.items())
+            print(f"  {operation:<20} by {other:<10} mean {mean}  ({each})")
 
 
-def print_scaling(results):
-    print("\nTime per value from the smallest to the largest tree")
-    for operation, sizes in results.items():
-        if operation.startswith("scaling_"):
-            times = [cell["KEL"] for _, cell in sorted(sizes.items(), key=lambda s: int(s[0]))]
-            spread = max(times) / min(times)
-            row = "  ".join(f"{time:8.1f}" for time in times)
-            note = verdict(spread, WANTED_SPREAD) if len(times) > 1 else "only one size measured"
-            print(f"  {operation:<24} {row}  slowest by fastest {spread:.2f}, {note}")
+def print_sizes(run, caches):
+    print("\nNanoseconds per value from the smallest to the largest tree")
+    for heap in HEAPS:
+        for operation, sizes in run.times[heap].items():
+            if operation.startswith("scaling_"):
+                row = "  ".join(f"{int(size):,}: {cell['KEL']:.1f}" for size, cell
+                                in sorted(sizes.items(), key=lambda item: int(item[0])))
+                print(f"  {operation:<22} {heap:<6} {row}")
+    size = run.memory.get("document/records", {}).get("KEL")
+    if size:
+        print(f"These trees take {size:.1f} bytes for each value. So a tree leaves")
+        for name, capacity in caches:
+            print(f"  {name} ({capacity // 1024:,} KiB) at {capacity / size:,.0f} values")
 
 
-def print_single_figures(results, memory):
+def read_caches(folder):
+    """Returns the name and size in bytes of each cache of data, the nearest first."""
+    caches = []
+    for index in sorted(folder.glob("index*")):
+        if (index / "type").read_text().strip() != "Instruction":
+            kilobytes = (index / "size").read_text().strip().removesuffix("K")
+            caches.append((f"the level {(index / 'level').read_text().strip()} cache",
+                           int(kilobytes) * 1024))
+    return caches
+
+
+def print_single_figures(run):
     print()
-    created = results.get("create", {})
-    if len(created) == 2:
-        drawing = created["fresh_identity"]["KEL"] - created["given_identity"]["KEL"]
-        print(f"Drawing an identity: {drawing:.1f} ns, {verdict(drawing, WANTED_IDENTITY_NS)}")
-    for (what, library), size in memory.items():
-        wanted = (what, library) == ("int_in_array", "KEL")
-        note = f", {verdict(size, WANTED_BYTES_PER_INT)}" if wanted else ""
-        print(f"Resident memory, {what.replace('_', ' ')}, {library}: {size:.1f} bytes{note}")
+    for heap in HEAPS:
+        identity = run.times[heap].get("host_identity", {})
+        if len(identity) == 2:
+            drawing = identity["drawn"]["KEL"] - identity["given"]["KEL"]
+            print(f"Drawing an identity takes {drawing:.1f} ns with the {heap} heap.")
+    for what, cell in run.memory.items():
+        sizes = ", ".join(f"{library} {size:.1f}" for library, size in cell.items())
+        print(f"Resident bytes per value, {what.replace('_', ' ')}: {sizes}")
+    for command, seconds in run.seconds.items():
+        print(f"{command}: {seconds:.2f} s of processor time, {run.kilobytes[command]:.0f} kB at most")
 
 
-def main(arguments):
-    if len(arguments) != 2:
+def print_table(runs):
+    print(f"\n{'':<36}{'wanted':>8}  {'fresh and aged, of each run':<28}")
+    for row in ROWS:
+        figures = [figure for run in runs for figure in row.figures(run)]
+        shown = "  ".join("     -" if figure is None else f"{figure:6.2f}" for figure in figures)
+        print(f"{row.what:<36}{row.wanted:8g}  {shown:<28} {row.unit:<12} {row.verdict(runs)}")
+
+
+def main(folders):
+    if not folders:
         sys.exit(__doc__)
-    results = read_results(pathlib.Path(arguments[0]).read_text())
-    memory = read_memory(pathlib.Path(arguments[1]).read_text())
-    print_raw(results)
-    print_ratios(results)
-    print_scaling(results)
-    print_single_figures(results, memory)
+    runs = [read_run(folder) for folder in folders]
+    for number, run in enumerate(runs, 1):
+        print(f"{'' if number == 1 else chr(10)}RUN {number} OF {len(runs)}")
+        print_times(run)
+        print_ratios(run)
+        print_sizes(run, read_caches(CACHES))
+        print_single_figures(run)
+    print_table(runs)
 
 
 if __name__ == "__main__":

@@ -1,7 +1,11 @@
 #!/bin/sh
-# Measures speed and memory and compares them with other libraries.
+# Measures speed and memory, compares them with other libraries and with jq, and judges the figures.
 #
-#   scripts/bench.sh [OPTION OF GOOGLE BENCHMARK...]
+#   scripts/bench.sh [--twice] [OPTION OF GOOGLE BENCHMARK...]
+#
+# Every operation of every library runs in processes of its own, with a fresh heap and with an aged
+# one (see bench/AgedHeap.h). The worse of the two counts. With --twice everything is measured twice,
+# and the worst of all four counts.
 #
 # KEL_BENCH_DATA is a folder of JSON documents to measure beside the generated ones. The default is
 # ../shared/data, next to the repository. KEL_BENCH_MAX_VALUES is the size of the largest generated
@@ -9,15 +13,58 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install-deps.sh build bench
-cmake --preset release -DKEL_BUILD_BENCH=ON
-cmake --build --preset release --target kel_bench kel_bench_memory
+runs="run-1"
+if [ "${1:-}" = --twice ]; then
+    runs="run-1 run-2"
+    shift
+fi
+
+scripts/install-deps.sh build tool bench
+cmake --preset release -DKEL_BUILD_BENCH=ON -DKEL_BUILD_TOOL=ON
+cmake --build --preset release \
+    --target kel_tool kel_bench kel_bench_memory kel_bench_document
 
 KEL_BENCH_DATA=${KEL_BENCH_DATA:-$PWD/../shared/data}
 export KEL_BENCH_DATA
+[ -d "$KEL_BENCH_DATA" ] ||
+    echo "There is no folder $KEL_BENCH_DATA, so only generated documents are measured."
+bin=build/release/bin
 results=build/release/bench
-echo "Measuring everything three times. This takes several minutes."
-build/release/bin/kel_bench --benchmark_repetitions=3 --benchmark_min_time=0.3 \
-    --benchmark_out=$results/results.json --benchmark_out_format=json "$@" >$results/results.txt
-build/release/bin/kel_bench_memory >$results/memory.txt
-python3 -B bench/report.py $results/results.json $results/memory.txt
+rm -rf $results/run-*
+
+# Of processes that measure the same, the fastest counts. They take turns, so that a busy spell of
+# the machine does not fall on one library alone. The operations of the host interface share a
+# process, because they hardly touch the heap. Those on trees of many sizes share the trees.
+groups=$($bin/kel_bench --benchmark_list_tests=true | cut -d/ -f1,2 |
+    sed -E 's/^(host|scaling)_.*/\1_.*/' | sort -u)
+
+# measure HEAP FILE FILTER OPTION...
+measure() {
+    aged=""
+    [ "$1" = fresh ] || aged=--aged
+    out=$2
+    filter=$3
+    shift 3
+    $bin/kel_bench $aged --benchmark_filter="^$filter/" --benchmark_min_time=0.05 \
+        --benchmark_out="$out" --benchmark_out_format=json "$@" >$results/output.txt 2>&1 || {
+        cat $results/output.txt >&2
+        exit 1
+    }
+}
+
+echo "Measuring. Each run takes several minutes."
+for run in $runs; do
+    folder=$results/$run
+    mkdir -p "$folder"
+    for turn in 1 2; do
+        for group in $groups; do
+            for heap in fresh aged; do
+                name=$heap-$turn-$(echo "$group" | tr -d '/.*')
+                measure $heap "$folder/$name.json" "$group" "$@"
+            done
+        done
+    done
+    $bin/kel_bench_memory >"$folder/memory.txt"
+    bench/convert.sh $bin 30000000 >"$folder/convert.txt"
+done
+python3 -B bench/report.py $results/run-*

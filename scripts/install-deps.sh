@@ -26,7 +26,7 @@ packages_for() {
         test) echo "libgtest-dev python3 pkg-config binutils locales clang" ;;
         package) echo "dpkg-dev file python3" ;;
         demo) echo "iso-codes python3" ;;
-        bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3" ;;
+        bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3 jq time" ;;
         linux32) echo "g++-multilib googletest" ;;
         windows) echo "g++-mingw-w64-i686-posix googletest" ;;
         *)
