@@ -33,6 +33,10 @@ void* allocateZeroed(std::size_t count, std::size_t size) {
     return fits && mayAllocate(count * size) ? std::calloc(count, size) : nullptr;
 }
 
+void* reallocate(void* storage, std::size_t size) {
+    return mayAllocate(size) ? std::realloc(storage, size == 0 ? 1 : size) : nullptr;
+}
+
 void deallocate(void* storage) {
     std::free(storage);
 }

@@ -20,7 +20,12 @@ void* allocate(std::size_t size);
 /// Allocates count * size bytes (at least one), all zero. Returns null when there is no memory.
 void* allocateZeroed(std::size_t count, std::size_t size);
 
-/// Frees storage from allocate or allocateZeroed; does nothing for null.
+/// Changes the size of storage from allocate to size bytes (at least one), which can move it, and
+/// keeps its bytes as far as they fit. Does the same as allocate for null. Returns null when there
+/// is no memory; storage then remains as it was.
+void* reallocate(void* storage, std::size_t size);
+
+/// Frees storage from allocate, reallocate or allocateZeroed; does nothing for null.
 void deallocate(void* storage);
 
 /// Returns size bytes (at most largestBlock), not initialized, or null when there is no memory.

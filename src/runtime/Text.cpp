@@ -1,6 +1,7 @@
 #include "runtime/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -52,6 +53,55 @@ bool isHuge(std::string_view number) {
     return lead + exponent > 0;
 }
 
+/// The two decimal digits of each number below 100.
+constexpr std::array<char, 200> digitPairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+/// Writes value with six decimals if machine numbers can compute them.
+/// \return the place after the last digit; null, with nothing that counts written, if the value is
+///         too large, or too close to the middle between two texts
+char* formatMillionths(char* text, double value) {
+    constexpr double tooLarge = 4294967296.0; // the digits before the point fit in 32 bits
+    constexpr uint32_t million = 1000000;
+    const double magnitude = std::fabs(value);
+    if (!(magnitude < tooLarge)) {
+        return nullptr;
+    }
+    auto whole = static_cast<uint32_t>(magnitude);
+    // The fraction is exact. The product is rounded by 2^-34 at most, so the side of the middle
+    // that it is on is certain anywhere except right beside the middle.
+    const double scaled = (magnitude - whole) * million;
+    auto millionths = static_cast<uint32_t>(scaled);
+    const double aboveMiddle = scaled - millionths - 0.5;
+    constexpr double uncertain = 1.0 / (1 << 30);
+    if (std::fabs(aboveMiddle) < uncertain) {
+        return nullptr;
+    }
+    millionths += aboveMiddle > 0 ? 1 : 0;
+    if (millionths == million) {
+        millionths = 0;
+        if (whole == UINT32_MAX) {
+            return nullptr;
+        }
+        ++whole;
+    }
+    if (std::signbit(value)) {
+        *text++ = '-';
+    }
+    text = std::to_chars(text, text + integerTextSize, whole).ptr;
+    *text = '.';
+    std::memcpy(text + 1, &digitPairs[2 * (millionths / 10000)], 2);
+    std::memcpy(text + 3, &digitPairs[2 * (millionths / 100 % 100)], 2);
+    std::memcpy(text + 5, &digitPairs[2 * (millionths % 100)], 2);
+    return text + 7;
+}
+
 } // namespace
 
 std::size_t formatInteger(char* text, int32_t value) {
@@ -70,8 +120,11 @@ std::size_t formatDouble(char* text, double value) {
         std::memcpy(end, name, 4);
         return static_cast<std::size_t>(end + 3 - text);
     }
-    char* end =
-        std::to_chars(text, text + doubleTextSize - 1, value, std::chars_format::fixed, 6).ptr;
+    char* end = formatMillionths(text, value);
+    if (end == nullptr) {
+        end =
+            std::to_chars(text, text + doubleTextSize - 1, value, std::chars_format::fixed, 6).ptr;
+    }
     *end = '\0';
     return static_cast<std::size_t>(end - text);
 }

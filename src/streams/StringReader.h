@@ -4,7 +4,7 @@
 
 #include "streams/JInputStream.h"
 
-#include <sstream>
+#include <string>
 
 /// Reads a copy of a caller's text.
 class StringReader : public JInputStream {
@@ -31,6 +31,7 @@ public:
     void JSeek(int64_t position) override;
 
 private:
-    std::stringbuf buffer_;
+    std::string text_;
+    std::size_t place_ = 0; // at most the text's size
     bool closed_ = false;
 };

@@ -4,7 +4,7 @@
 
 #include "streams/JOutputStream.h"
 
-#include <sstream>
+#include <cstddef>
 
 /// Collects the bytes written and provides them as a null-terminated text.
 class StringWriter : public JOutputStream {
@@ -23,17 +23,19 @@ public:
     virtual uint32_t getStringSize() const { return count_ + 1; }
 
     /// Writes the low eight bits of byte.
-    /// \throws JIOException "StringWriter::JWrite(int). Stream returned bad() flag."
-    /// \throws JIOException "StringWriter::JWrite(int). Stream returned fail() flag.", also when
-    ///         the number of characters would exceed 32 bits
+    /// \throws JIOException "StringWriter::JWrite(int). Stream returned bad() flag.", when there is
+    ///         no memory, and from then on
+    /// \throws JIOException "StringWriter::JWrite(int). Stream returned fail() flag.", when the
+    ///         number of characters would exceed 32 bits, after a failed JSeek, and from then on
     void JWrite(int32_t byte) override;
 
     /// Writes count bytes from buffer + offset. A count below 1 adds nothing, but it is a write:
     /// getString then no longer returns null.
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Buffer=NULL"
-    /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag."
+    /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.", as
+    ///         for one byte
     /// \throws JIOException "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.",
-    ///         also when the number of characters would exceed 32 bits
+    ///         as for one byte
     void JWrite(const uint8_t* buffer, int32_t offset, int32_t count) override;
 
     /// Does nothing, because no bytes are held back.
@@ -48,19 +50,25 @@ public:
     /// Moves back into the text, or to its end. Characters written there replace the old ones but
     /// count as written again, so getString then ends in that many NULs.
     /// \throws JIOException "StringWriter::JSeek(). Cannot seek to negative position."
-    /// \throws JIOException "StringWriter::JSeek(). Stream returned bad() flag."
+    /// \throws JIOException "StringWriter::JSeek(). Stream returned bad() flag." after a write
+    ///         without memory
     /// \throws JIOException "StringWriter::JSeek(). Stream returned fail() flag." after the end
     void JSeek(int64_t position) override;
 
-protected:
-    /// Returns the standard stream underneath.
-    std::ostringstream& text() { return text_; }
-
 private:
-    void refuseOverflow(uint32_t count);
+    /// Like the flags of a standard stream, whose names the messages have: a failure stays.
+    enum class State { good, failed, bad };
 
-    std::ostringstream text_;
+    void write(const void* bytes, std::size_t count);
+    void makeRoom(std::size_t count);
+    void checkState(const char* badMessage, const char* failMessage) const;
+
+    char* text_ = nullptr;     // size_ characters, and room for a NUL; null before the first one
+    char* snapshot_ = nullptr; // what getString returned: text_ itself until a further write
+    std::size_t capacity_ = 0; // without the NUL
+    std::size_t size_ = 0;
+    std::size_t place_ = 0; // of the next character, at most size_
+    uint32_t count_ = 0;    // of the characters written, at least size_
+    State state_ = State::good;
     bool changed_ = false;
-    char* snapshot_ = nullptr;
-    uint32_t count_ = 0;
 };

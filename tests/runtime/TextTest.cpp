@@ -177,6 +177,31 @@ TEST(Text, RandomDoublesAreWrittenAndReadAsPrintfDoes) {
     }
 }
 
+// Where the quick way to six decimals has to round, carry, or leave it to the exact one.
+TEST(Text, DoublesAroundEveryMiddleAreWrittenAsPrintfDoes) {
+    std::mt19937_64 random(2027);
+    for (int i = 0; i < 20000; ++i) {
+        const double whole = std::floor(std::ldexp(1.0, static_cast<int>(random() % 34))) - 1;
+        const auto halves = static_cast<double>(random() % 2000001);
+        const double middle = whole + halves / 2000000;
+        double value = middle;
+        for (int step = 0; step < 3; ++step, value = std::nextafter(value, infinity)) {
+            ASSERT_EQ(text(value), printed("%f", value));
+            ASSERT_EQ(text(-value), printed("%f", -value));
+        }
+        const double dyadic =
+            std::ldexp(static_cast<double>(random() % 65536), -static_cast<int>(random() % 40));
+        ASSERT_EQ(text(dyadic), printed("%f", dyadic));
+    }
+}
+
+TEST(Text, ACarryGoesIntoThePlacesBeforeThePoint) {
+    EXPECT_EQ(text(9.9999999), "10.000000");
+    EXPECT_EQ(text(-4294967294.9999999), "-4294967295.000000");
+    EXPECT_EQ(text(4294967295.9999995), "4294967296.000000");
+    EXPECT_EQ(text(-1e-9), "-0.000000");
+}
+
 TEST(Text, ADoubleMayHaveAPointAndAnExponent) {
     EXPECT_EQ(parseDouble("12"), 12.0);
     EXPECT_EQ(parseDouble("12."), 12.0);

@@ -1,6 +1,7 @@
 #include "streams/StringWriter.h"
 
 #include "platform/Memory.h"
+#include "support/AllocationFailure.h"
 #include "support/Bytes.h"
 #include "support/Thrown.h"
 
@@ -13,8 +14,6 @@ namespace {
 
 class OpenWriter : public StringWriter {
 public:
-    using StringWriter::text;
-
     void write(const std::string& bytes) {
         JWrite(unsignedBytes(bytes), 0, static_cast<int32_t>(bytes.size()));
     }
@@ -86,16 +85,63 @@ TEST(StringWriter, RefusesANegativePosition) {
               "StringWriter::JSeek(). Cannot seek to negative position.");
 }
 
-TEST(StringWriter, ABadStreamIsBad) {
+/// The message of the JIOException that action throws when its first allocation fails.
+template <class Action> std::string messageWithoutMemory(const Action& action) {
+    const kel::test::FailingAllocation failing(0, false);
+    return thrownMessage<JIOException>(action);
+}
+
+TEST(StringWriter, AWriterWithoutMemoryIsBadFromThenOn) {
+    for (const bool oneByte : {false, true}) {
+        OpenWriter output;
+        output.write("abc");
+        const std::string more(1000, 'x');
+        EXPECT_EQ(messageWithoutMemory([&] { output.write(more); }),
+                  "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.");
+        const auto write = [&] { oneByte ? output.JWrite('a') : output.write("ab"); };
+        EXPECT_EQ(thrownMessage<JIOException>(write),
+                  oneByte ? "StringWriter::JWrite(int). Stream returned bad() flag."
+                          : "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.");
+        EXPECT_EQ(thrownMessage<JIOException>([&] { output.JSeek(0); }),
+                  "StringWriter::JSeek(). Stream returned bad() flag.");
+        EXPECT_EQ(output.JTell(), -1);
+        EXPECT_EQ(output.getStringSize(), 4U) << "nothing was counted";
+        EXPECT_STREQ(output.getString(), "abc");
+    }
+}
+
+TEST(StringWriter, ATextThatWasShownNeverChanges) {
     OpenWriter output;
-    output.text().setstate(std::ios::badbit);
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JWrite('a'); }),
+    output.write("one");
+    const char* shown = output.getString();
+    output.write(" two");
+    output.JSeek(0);
+    output.write("O");
+    EXPECT_STREQ(shown, "one");
+    EXPECT_EQ(std::string(output.getString(), output.getStringSize()), bytes("One two\0\0"));
+}
+
+TEST(StringWriter, AShownTextThatCannotBeCopiedMakesAWriteFail) {
+    OpenWriter output;
+    output.write("one");
+    const char* shown = output.getString();
+    EXPECT_EQ(messageWithoutMemory([&] { output.JWrite('x'); }),
               "StringWriter::JWrite(int). Stream returned bad() flag.");
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.write("ab"); }),
-              "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.");
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JSeek(0); }),
-              "StringWriter::JSeek(). Stream returned bad() flag.");
-    EXPECT_EQ(output.getStringSize(), 1U) << "nothing was counted";
+    EXPECT_STREQ(shown, "one");
+    EXPECT_STREQ(output.getString(), "one");
+}
+
+TEST(StringWriter, GrowsToAnyLength) {
+    OpenWriter output;
+    std::string expected;
+    for (std::size_t size = 1; size < 100000; size += size / 3 + 1) {
+        const std::string piece(size, static_cast<char>('a' + size % 26));
+        output.write(piece);
+        output.JWrite('|');
+        expected += piece + '|';
+    }
+    EXPECT_EQ(output.getString(), expected);
+    EXPECT_EQ(output.getStringSize(), expected.size() + 1);
 }
 
 TEST(StringWriter, AFailedStreamIsFailed) {
@@ -106,23 +152,6 @@ TEST(StringWriter, AFailedStreamIsFailed) {
               "StringWriter::JWrite(int). Stream returned fail() flag.");
     EXPECT_EQ(thrownMessage<JIOException>([&] { output.write("ab"); }),
               "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.");
-}
-
-TEST(StringWriter, AStreamThatThrowsGivesTheSameMessages) {
-    OpenWriter output;
-    static_cast<std::ios&>(output.text()).rdbuf(nullptr);
-    try {
-        output.text().exceptions(std::ios::badbit);
-    } catch (const std::ios::failure&) {
-        // The stream is bad already.
-    }
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JWrite('a'); }),
-              "StringWriter::JWrite(int). Stream returned bad() flag.");
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.write("ab"); }),
-              "StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.");
-    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JSeek(0); }),
-              "StringWriter::JSeek(). Stream returned bad() flag.");
-    EXPECT_EQ(output.JTell(), -1);
 }
 
 TEST(StringWriter, StaysReadableWhenClosed) {
@@ -140,11 +169,21 @@ bool refuseLarge(std::size_t size) {
 TEST(StringWriter, ATextWithoutMemoryIsReportedAndTriedAgain) {
     OpenWriter output;
     output.write(std::string(2000, 'x'));
+    output.JSeek(0);
+    output.write("y"); // written again, so getString needs memory for a copy with NULs
     const auto before = kel::platform::exchangeAllocationGate(refuseLarge);
     const std::string message = thrownMessage<JOutOfMemoryException>([&] { output.getString(); });
     kel::platform::exchangeAllocationGate(before);
     EXPECT_EQ(message, "StringWriter out of memory.");
-    EXPECT_EQ(output.getString(), std::string(2000, 'x'));
+    EXPECT_EQ(output.getString(), "y" + std::string(1999, 'x'));
+}
+
+TEST(StringWriter, ShowingATextTakesNoMemory) {
+    OpenWriter output;
+    output.write("abc");
+    const kel::test::FailingAllocation failing(0, false);
+    EXPECT_STREQ(output.getString(), "abc");
+    EXPECT_FALSE(failing.hasFailed());
 }
 
 } // namespace

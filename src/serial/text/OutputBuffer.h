@@ -27,25 +27,54 @@ public:
     }
 
     void append(std::string_view text) {
-        while (text.size() > capacity - used_) {
-            const std::size_t part = capacity - used_;
-            std::memcpy(bytes_ + used_, text.data(), part);
-            used_ += part;
-            text.remove_prefix(part);
-            flush();
+        if (text.size() > capacity - used_) {
+            appendInPieces(text);
+            return;
         }
         std::memcpy(bytes_ + used_, text.data(), text.size());
         used_ += text.size();
     }
 
-    /// Appends the same character count times.
-    void append(std::size_t count, char character) {
-        for (; count > capacity - used_; flush()) {
-            count -= capacity - used_;
-            std::memset(bytes_ + used_, character, capacity - used_);
-            used_ = capacity;
+    /// Appends a literal: the compiler knows its length, so no function is called to copy it.
+    template <std::size_t size> void append(const char (&literal)[size]) {
+        static_assert(size <= reserveLimit);
+        std::memcpy(reserve(size - 1), literal, size - 1);
+        commit(size - 1);
+    }
+
+    /// Appends a text with two literals around it.
+    template <std::size_t sizeBefore, std::size_t sizeAfter>
+    void appendBetween(const char (&before)[sizeBefore], std::string_view text,
+                       const char (&after)[sizeAfter]) {
+        constexpr std::size_t lengthBefore = sizeBefore - 1;
+        constexpr std::size_t lengthAfter = sizeAfter - 1;
+        static_assert(lengthBefore + lengthAfter < reserveLimit);
+        if (text.size() > reserveLimit - lengthBefore - lengthAfter) {
+            append(before);
+            append(text);
+            append(after);
+            return;
         }
-        std::memset(bytes_ + used_, character, count);
+        const std::size_t length = lengthBefore + text.size() + lengthAfter;
+        char* room = reserve(length);
+        std::memcpy(room, before, lengthBefore);
+        std::memcpy(room + lengthBefore, text.data(), text.size());
+        std::memcpy(room + lengthBefore + text.size(), after, lengthAfter);
+        commit(length);
+    }
+
+    /// Appends the same character count times.
+    void append(std::size_t count, char character);
+
+    /// Appends count tabs.
+    void indent(std::size_t count) {
+        constexpr std::string_view few = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+        if (count > few.size()) {
+            append(count, '\t');
+            return;
+        }
+        // Copying a fixed number is quicker than counting; those beyond count are not committed.
+        std::memcpy(reserve(few.size()), few.data(), few.size());
         used_ += count;
     }
 
@@ -61,15 +90,11 @@ public:
 
     /// Writes everything that was appended to the sink.
     /// \throws JIOException as the sink; the text that was not written is dropped
-    void flush() {
-        const auto count = static_cast<int32_t>(used_);
-        used_ = 0;
-        if (count > 0) {
-            sink_.JWrite(reinterpret_cast<const uint8_t*>(bytes_), 0, count);
-        }
-    }
+    void flush();
 
 private:
+    void appendInPieces(std::string_view text);
+
     static constexpr std::size_t capacity = 32 * 1024;
 
     JOutputStream& sink_;

@@ -115,6 +115,7 @@ void TextSource::beginExpansion(std::string_view name) {
         new StringReader(definition.text.data(), static_cast<int64_t>(definition.text.size())));
     JPointer<StreamTokenizer> tokens(new StreamTokenizer(text));
     tokens->shareRecognisers(stream_);
+    tokens->askRecognisersOnly(literally_);
     expansions_.push_back({&definition, tokens});
     definition.expanding = true;
     current_ = tokens.get();
@@ -127,12 +128,6 @@ void TextSource::endExpansion() {
     expansions_.back().definition->expanding = false;
     expansions_.pop_back();
     current_ = expansions_.empty() ? &stream_ : expansions_.back().tokens.get();
-}
-
-void TextSource::countValue() {
-    if (!expansions_.empty() && !budget_.spendValue()) {
-        syntaxError();
-    }
 }
 
 void TextSource::refuseLast() {

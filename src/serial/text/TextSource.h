@@ -37,6 +37,22 @@ public:
     /// Does the same but does not leave the line: a newline is a token here.
     int32_t skipOnLine();
 
+    /// Uses the bytes of the window before place, among which are so many line ends of layout.
+    void use(const uint8_t* place, int32_t lineEnds) {
+        tokens().input().skipTo(place);
+        StreamTokenizer::countLines(line_, lineEnds);
+    }
+
+    /// Chooses whether every token is cut by the recognisers, one at a time, and the text is never
+    /// looked at in other ways. For tests.
+    void readLiterally(bool literally) {
+        literally_ = literally;
+        stream_.askRecognisersOnly(literally);
+    }
+
+    /// True unless a test chose otherwise.
+    bool usesPlainScanner() const { return !literally_; }
+
     /// Goes back before the last token.
     void unread() { tokens().input().seek(tokens().tokenStart()); }
 
@@ -67,7 +83,11 @@ public:
 
     /// Counts a value that is about to be made. It is a syntax error if a definition makes too
     /// many.
-    void countValue();
+    void countValue() {
+        if (!expansions_.empty() && !budget_.spendValue()) {
+            syntaxError();
+        }
+    }
 
     /// Continues after the name of the innermost expansion. It is a syntax error if anything is
     /// left in its text.
@@ -105,6 +125,7 @@ private:
     std::map<std::string, Definition, std::less<>> definitions_;
     ExpansionBudget budget_;
     int32_t line_ = 1;
+    bool literally_ = false;
 };
 
 } // namespace kel

@@ -34,12 +34,13 @@ KEL_Impl* TextTreeReader::read() {
 // ---- Inside containers -------------------------------------------------------------------------
 
 void TextTreeReader::next() {
+    const bool plainly = source_.usesPlainScanner();
     switch (levels_.back().shape) {
     case Shape::array:
-        nextElement();
+        plainly ? readPlainElements() : nextElement();
         break;
     case Shape::structure:
-        nextVariable();
+        plainly ? readPlainVariables() : nextVariable();
         break;
     case Shape::manager:
         nextEntry();
@@ -87,7 +88,7 @@ void TextTreeReader::nextEntry() {
 
 /// Reads one of an index list's two arrays, or its end.
 void TextTreeReader::nextArray() {
-    const Level& list = levels_.back();
+    const Rarities& list = *levels_.back().rarities;
     const int32_t type = source_.skip();
     if (!source_.isAt(type, '>')) {
         beginValue(type);
@@ -238,6 +239,7 @@ bool TextTreeReader::beginRaw() {
         return true;
     case '<':
         open(Shape::indexList, {});
+        levels_.back().rarities = std::make_unique<Rarities>();
         return true;
     case '#':
         source_.define();
@@ -265,20 +267,28 @@ void TextTreeReader::openArray() {
 }
 
 void TextTreeReader::openStruct() {
+    if (source_.usesPlainScanner() &&
+        PlainScanner::isPastHeader(source_.tokens().input().begin())) {
+        open(Shape::structure, make<KEL_Struct_Impl>());
+        Level& level = levels_.back();
+        level.variables = static_cast<KEL_Struct_Impl*>(level.container.get());
+        return;
+    }
     const StructHeader header(source_);
     JPointer<KEL_Impl> made(header.make(identity_));
     auto* holder = dynamic_cast<StructHolder*>(made.get());
     KEL_Struct_Impl* variables =
         holder == nullptr ? static_cast<KEL_Struct_Impl*>(made.get()) : &holder->inner();
-    std::unique_ptr<JHashCode> second;
+    std::unique_ptr<Rarities> rarities;
     if (!identity_.has_value()) {
         identity_ = header.identity();
     } else if (header.identity().has_value()) {
-        second = std::make_unique<JHashCode>(*header.identity());
+        rarities = std::make_unique<Rarities>();
+        rarities->header = header.identity();
     }
     open(Shape::structure, std::move(made));
     levels_.back().variables = variables;
-    levels_.back().header = std::move(second);
+    levels_.back().rarities = std::move(rarities);
 }
 
 void TextTreeReader::openManager() {
@@ -287,23 +297,32 @@ void TextTreeReader::openManager() {
 
 void TextTreeReader::open(Shape shape, JPointer<KEL_Impl>&& container) {
     source_.countValue();
-    levels_.push_back({.shape = shape,
-                       .container = std::move(container),
-                       .identity = std::exchange(identity_, {})});
+    Level& level = levels_.emplace_back();
+    level.shape = shape;
+    level.container = container.detach();
+    level.identity = std::exchange(identity_, {});
 }
 
+/// Ends the innermost container, whose bracket is the next byte of the window.
 void TextTreeReader::close() {
-    source_.tokens().nextRaw(); // the bracket
-    Level level = std::move(levels_.back());
-    levels_.pop_back();
+    source_.tokens().input().skip(1);
+    Level& level = levels_.back();
+    JPointer<KEL_Impl> value(std::move(level.container));
+    if (!level.identity.has_value() && level.rarities == nullptr) {
+        levels_.pop_back();
+        deliver(std::move(value));
+        return;
+    }
     identity_ = level.identity;
-    if (level.shape == Shape::indexList) {
-        level.container = make<KEL_IndexList_Impl>(level.keys, level.items);
+    const std::unique_ptr<Rarities> rarities = std::move(level.rarities);
+    const bool isList = level.shape == Shape::indexList;
+    levels_.pop_back();
+    if (isList) {
+        value = make<KEL_IndexList_Impl>(rarities->keys, rarities->items).detach();
+    } else if (rarities != nullptr && rarities->header.has_value()) {
+        known_.remember(*rarities->header, *value);
     }
-    if (level.header != nullptr) {
-        known_.remember(*level.header, *level.container);
-    }
-    complete(std::move(level.container));
+    complete(std::move(value));
 }
 
 // ---- Values that are complete ------------------------------------------------------------------
@@ -329,7 +348,7 @@ void TextTreeReader::complete(JPointer<KEL_Impl>&& value) {
 }
 
 /// Hands a value (null for the word null) to its container.
-void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
+void TextTreeReader::deliver(JPointer<KEL_Impl>&& value) {
     while (!levels_.empty() && levels_.back().shape == Shape::expansion) {
         source_.endExpansion();
         levels_.pop_back();
@@ -356,10 +375,11 @@ void TextTreeReader::deliver(JPointer<KEL_Impl> value) {
 /// Takes the keys of an index list, then its items.
 void TextTreeReader::addArray(Level& list, const JPointer<KEL_Impl>& value) {
     auto* array = dynamic_cast<KEL_Array_Impl*>(value.get());
-    if (array == nullptr || list.items.isValid() || array == list.keys.get()) {
+    Rarities& arrays = *list.rarities;
+    if (array == nullptr || arrays.items.isValid() || array == arrays.keys.get()) {
         source_.syntaxError();
     }
-    (list.keys.isNull() ? list.keys : list.items) = JPointer<KEL_Array_Impl>::share(array);
+    (arrays.keys.isNull() ? arrays.keys : arrays.items) = JPointer<KEL_Array_Impl>::share(array);
 }
 
 void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
@@ -369,12 +389,16 @@ void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
         container.addKel(value.get());
         return;
     }
-    if (manager.index == nullptr) {
-        manager.index = std::make_unique<ManagerIndex>(container);
+    if (manager.rarities == nullptr) {
+        manager.rarities = std::make_unique<Rarities>();
     }
-    const int32_t before = manager.index->placeOf(value->identity());
+    std::unique_ptr<ManagerIndex>& index = manager.rarities->index;
+    if (index == nullptr) {
+        index = std::make_unique<ManagerIndex>(container);
+    }
+    const int32_t before = index->placeOf(value->identity());
     const int32_t place = before == -1 ? container.size() : before;
-    manager.index->enter(value->identity(), place);
+    index->enter(value->identity(), place);
     container.adoptElementAt(place, std::move(value));
 }
 

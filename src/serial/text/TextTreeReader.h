@@ -5,6 +5,7 @@
 #include "serial/ValueTable.h"
 #include "serial/text/ManagerIndex.h"
 #include "serial/text/TextSource.h"
+#include "serial/tokens/PlainScanner.h"
 #include "values/KEL_Array_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 
@@ -30,20 +31,29 @@ private:
     /// The written form of a value that is not complete. A value built on a struct is a structure.
     enum class Shape { array, structure, manager, indexList, expansion };
 
-    /// A value that is not complete: a container, or the use of a definition.
-    struct Level {
-        Shape shape = Shape::expansion;
-        JPointer<KEL_Impl> container = {};        ///< null for an index list until it ends
-        std::optional<JHashCode> identity = {};   ///< given to this value
-        std::unique_ptr<JHashCode> header = {};   ///< a second identity, in a struct's header
-        std::string key = {};                     ///< of the variable being read
+    /// What few values need while they are not complete.
+    struct Rarities {
+        std::optional<JHashCode> header = {};     ///< a second identity, in a struct's header
         std::unique_ptr<ManagerIndex> index = {}; ///< of a large manager, to find repetitions
-        KEL_Struct_Impl* variables = nullptr;     ///< of a struct, or of the value built on one
         JPointer<KEL_Array_Impl> keys = {};       ///< of an index list, once they are read
         JPointer<KEL_Array_Impl> items = {};      ///< of an index list, once they are read
     };
 
+    /// A value that is not complete: a container, or the use of a definition.
+    struct Level {
+        Shape shape = Shape::expansion;
+        std::optional<JHashCode> identity = {};  ///< given to this value
+        JPointer<KEL_Impl> container = {};       ///< null for an index list until it ends
+        KEL_Struct_Impl* variables = nullptr;    ///< of a struct, or of the value built on one
+        std::string key = {};                    ///< of the variable being read
+        std::unique_ptr<Rarities> rarities = {}; ///< of an index list always
+    };
+
     void next();
+    void readPlainElements();
+    void readPlainVariables();
+    bool openPlain();
+    JPointer<KEL_Impl> makePlain(const PlainScalar& scalar) const;
     void nextElement();
     void nextVariable();
     void nextEntry();
@@ -65,7 +75,7 @@ private:
     void open(Shape shape, JPointer<KEL_Impl>&& container);
     void close();
     void complete(JPointer<KEL_Impl>&& value);
-    void deliver(JPointer<KEL_Impl> value);
+    void deliver(JPointer<KEL_Impl>&& value);
     void addEntry(Level& manager, JPointer<KEL_Impl>&& value);
     void addArray(Level& list, const JPointer<KEL_Impl>& value);
 

@@ -4,12 +4,29 @@
 #include "runtime/Text.h"
 #include "serial/tokens/Characters.h"
 #include "values/KELException_Impl.h"
+#include "values/KEL_Boolean_Impl.h"
+#include "values/KEL_Double_Impl.h"
 #include "values/KEL_IndexList_Impl.h"
+#include "values/KEL_Int_Impl.h"
 #include "values/KEL_MemBlock_Impl.h"
+#include "values/KEL_String_Impl.h"
 
 #include <charconv>
 
 namespace kel {
+
+namespace {
+
+bool isBareKey(std::string_view name) {
+    for (const char c : name) {
+        if (!isInClass(static_cast<uint8_t>(c), keyClass)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
 
 TextTreeWriter::~TextTreeWriter() {
     // An interrupted walk leaves no marks.
@@ -30,30 +47,39 @@ void TextTreeWriter::write(const KEL_Impl& value, int32_t indent, bool indentFir
 void TextTreeWriter::begin(const KEL_Impl& value, std::size_t tabs, bool indentFirst,
                            int32_t parentKind) {
     if (indentFirst) {
-        out_.append(tabs, '\t');
+        out_.indent(tabs);
     }
     switch (value.kind()) {
-    case KELKind_Int:
-        out_.commit(formatInteger(out_.reserve(integerTextSize), value.toInt()));
-        break;
+    case KELKind_Int: {
+        char* text = out_.reserve(integerTextSize);
+        endLine(text, formatInteger(text, static_cast<const KEL_Int_Impl&>(value).getValue()));
+        return;
+    }
     case KELKind_Boolean:
-        out_.append(value.toBoolean() ? std::string_view("true") : std::string_view("false"));
-        break;
-    case KELKind_Double:
-        out_.commit(formatDouble(out_.reserve(doubleTextSize), value.toDouble()));
-        break;
+        if (static_cast<const KEL_Boolean_Impl&>(value).getValue()) {
+            out_.append("true\n");
+        } else {
+            out_.append("false\n");
+        }
+        return;
+    case KELKind_Double: {
+        char* text = out_.reserve(doubleTextSize);
+        endLine(text, formatDouble(text, static_cast<const KEL_Double_Impl&>(value).getValue()));
+        return;
+    }
     case KELKind_guid: {
         JHashCode guid;
-        value.toGuid(guid).toGuidText(out_.reserve(JHashCode::guidTextLength + 1));
-        out_.commit(JHashCode::guidTextLength);
-        break;
+        char* text = out_.reserve(JHashCode::guidTextLength + 1);
+        value.toGuid(guid).toGuidText(text);
+        endLine(text, JHashCode::guidTextLength);
+        return;
     }
     case KELKind_MemBlock:
         writeMemBlock(value);
-        break;
+        return;
     case KELKind_String:
-        writeQuoted(value.toString());
-        break;
+        out_.appendBetween("\"", static_cast<const KEL_String_Impl&>(value).getValue(), "\"\n");
+        return;
     case KELKind_Array:
         open(value, Shape::array, tabs);
         out_.append("[\n");
@@ -79,7 +105,12 @@ void TextTreeWriter::begin(const KEL_Impl& value, std::size_t tabs, bool indentF
     case KELKind_MultiSelector:
         throw new KELIOException_Impl();
     }
-    out_.append('\n');
+}
+
+/// Ends a line with length characters of text, which is in reserved room with a character to spare.
+void TextTreeWriter::endLine(char* text, std::size_t length) {
+    text[length] = '\n';
+    out_.commit(length + 1);
 }
 
 void TextTreeWriter::beginStruct(const KEL_Impl& structure, int32_t parentKind) {
@@ -91,7 +122,7 @@ void TextTreeWriter::beginStruct(const KEL_Impl& structure, int32_t parentKind) 
 void TextTreeWriter::beginMeta(const KEL_Impl& value, std::size_t tabs, bool indentFirst) {
     // At the beginning of a line, the value and its struct are each indented.
     if (indentFirst) {
-        out_.append(tabs, '\t');
+        out_.indent(tabs);
     }
     const auto* holder = dynamic_cast<const StructHolder*>(&value);
     open(value, Shape::onStruct, tabs);
@@ -110,7 +141,7 @@ void TextTreeWriter::close() {
     const Level& level = levels_.back();
     level.cursor.container->setOnPath(false);
     if (level.shape != Shape::indexList) {
-        out_.append(level.tabs, '\t'); // the angle bracket always begins its line
+        out_.indent(level.tabs); // the angle bracket always begins its line
     }
     switch (level.shape) {
     case Shape::array:
@@ -145,7 +176,7 @@ void TextTreeWriter::next() {
         begin(*child, tabs, true, -1);
         return;
     case Shape::manager:
-        out_.append(tabs, '\t');
+        out_.indent(tabs);
         writeIdentity(*child);
         out_.append(" = ");
         begin(*child, tabs, false, -1);
@@ -155,9 +186,7 @@ void TextTreeWriter::next() {
         return;
     case Shape::structure:
     case Shape::onStruct:
-        out_.append(tabs, '\t');
-        writeKey(level.cursor.name);
-        out_.append(" = ");
+        beginVariable(level.cursor.name, tabs);
         if (child == nullptr) {
             out_.append("NULL\n");
             return;
@@ -172,22 +201,22 @@ void TextTreeWriter::nextOfIndexList(Level& list) {
     const std::size_t tabs = list.tabs + 1;
     const auto& pairs = static_cast<const KEL_IndexList_Impl&>(*list.cursor.container);
     const KEL_Impl& array = *list.cursor.value;
-    out_.append(tabs, '\t');
+    out_.indent(tabs);
     out_.append(list.cursor.index == 0 ? std::string_view("/* keys: */ \n")
                                        : std::string_view("/* values: */ \n"));
-    out_.append(tabs, '\t');
+    out_.indent(tabs);
     open(array, Shape::array, tabs, pairs.getCount());
     out_.append("[\n");
 }
 
-void TextTreeWriter::writeKey(std::string_view name) {
-    for (const char c : name) {
-        if (!isInClass(static_cast<uint8_t>(c), keyClass)) {
-            writeQuoted(name);
-            return;
-        }
+/// Begins the line of a variable, up to its value.
+void TextTreeWriter::beginVariable(std::string_view name, std::size_t tabs) {
+    out_.indent(tabs);
+    if (isBareKey(name)) {
+        out_.appendBetween("", name, " = ");
+    } else {
+        out_.appendBetween("\"", name, "\" = ");
     }
-    out_.append(name);
 }
 
 void TextTreeWriter::writeStructHeader(int32_t parentKind, const KEL_Impl& value) {
@@ -223,15 +252,9 @@ void TextTreeWriter::writeMemBlock(const KEL_Impl& value) {
     if (memBlockComment_) {
         const std::string_view all(reinterpret_cast<const char*>(bytes),
                                    static_cast<std::size_t>(block.getSize()));
-        out_.append(" // ");
-        writeQuoted(all.substr(0, all.find('\0')));
+        out_.appendBetween(" // \"", all.substr(0, all.find('\0')), "\"");
     }
-}
-
-void TextTreeWriter::writeQuoted(std::string_view text) {
-    out_.append('"');
-    out_.append(text);
-    out_.append('"');
+    out_.append('\n');
 }
 
 } // namespace kel

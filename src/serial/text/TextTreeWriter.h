@@ -44,11 +44,11 @@ private:
     void close();
     void next();
     void nextOfIndexList(Level& list);
-    void writeKey(std::string_view name);
+    void beginVariable(std::string_view name, std::size_t tabs);
+    void endLine(char* text, std::size_t length);
     void writeStructHeader(int32_t parentKind, const KEL_Impl& value);
     void writeIdentity(const KEL_Impl& value);
     void writeMemBlock(const KEL_Impl& value);
-    void writeQuoted(std::string_view text);
 
     OutputBuffer& out_;
     bool memBlockComment_;

@@ -39,4 +39,17 @@ inline constexpr std::array<double, fractionWeightCount> fractionWeights = [] {
 }();
 static_assert(fractionWeights.back() == 0.0);
 
+/// What each digit adds in each of the first places after the point: addFractionDigit with the
+/// product made beforehand.
+inline constexpr std::size_t fractionTermCount = 20;
+inline constexpr std::array<std::array<double, 10>, fractionTermCount> fractionTerms = [] {
+    std::array<std::array<double, 10>, fractionTermCount> terms{};
+    for (std::size_t place = 0; place < fractionTermCount; ++place) {
+        for (uint32_t digit = 0; digit < 10; ++digit) {
+            terms[place][digit] = addFractionDigit(0.0, digit, fractionWeights[place]);
+        }
+    }
+    return terms;
+}();
+
 } // namespace kel

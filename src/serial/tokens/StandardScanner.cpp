@@ -3,6 +3,7 @@
 #include "serial/tokens/Characters.h"
 #include "serial/tokens/Fraction.h"
 #include "serial/tokens/HashcodeFSM.h"
+#include "serial/tokens/PlainScanner.h"
 
 #include <cstring>
 #include <kel/JException.h>
@@ -258,18 +259,7 @@ int32_t StandardScanner::scanHashCodeInstead() {
 
 int32_t StandardScanner::skipLayout(BufferedInput& input) {
     int32_t lineEnds = 0;
-    const uint8_t* p = input.begin();
-    for (;; ++p) {
-        if (*p == '\n' || *p == '\f') {
-            ++lineEnds;
-        } else if (*p == '\r' && p[1] == '\n') {
-            ++p; // both are one line end
-            ++lineEnds;
-        } else if (!isInClass(*p, blankClass)) {
-            break;
-        }
-    }
-    input.skipTo(p);
+    input.skipTo(PlainScanner::skipLayout(input.begin(), input.end(), lineEnds));
     return lineEnds;
 }
 

@@ -27,6 +27,7 @@ TEST(OutputBuffer, WritesNothingWhenItIsEmpty) {
     FailingSink sink;
     OutputBuffer buffer(sink);
     buffer.append("");
+    buffer.append(std::string_view(""));
     buffer.append(0, 'x');
     buffer.flush();
     EXPECT_EQ(sink.writes, 0);
@@ -45,6 +46,20 @@ TEST(OutputBuffer, PiecesOfAnySizeArriveInOrder) {
     }
     buffer.flush();
     EXPECT_EQ(sink.bytes, expected);
+}
+
+TEST(OutputBuffer, IndentsByTabs) {
+    FailingSink sink;
+    OutputBuffer buffer(sink);
+    std::string expected;
+    for (std::size_t tabs = 0; tabs < 300; ++tabs) {
+        buffer.indent(tabs);
+        buffer.append('.');
+        expected += std::string(tabs, '\t') + '.';
+    }
+    buffer.flush();
+    EXPECT_EQ(sink.bytes, expected);
+    EXPECT_GT(sink.writes, 1);
 }
 
 TEST(OutputBuffer, ReservedRoomCountsOnlyAsFarAsItIsCommitted) {
