@@ -2,8 +2,11 @@
 /// BlockList: a list that grows without moving its elements.
 #pragma once
 
+#include "runtime/Storage.h"
+
 #include <cstddef>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 namespace kel {
@@ -11,6 +14,8 @@ namespace kel {
 /// A growing list of plain data. Elements lie in blocks that never move, so a million of them are
 /// not copied to make room for one more.
 template <class T> class BlockList {
+    static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
+
 public:
     std::size_t size() const { return size_; }
     T& operator[](std::size_t place) { return blocks_[place / blockSize][place % blockSize]; }
@@ -19,20 +24,45 @@ public:
     }
 
     void append(const T& element) {
-        if (size_ == blocks_.size() * blockSize) {
-            blocks_.push_back(std::make_unique<T[]>(blockSize));
+        if (next_ == blockEnd_) {
+            beginBlock();
         }
-        (*this)[size_++] = element;
+        std::construct_at(next_++, element);
+        ++size_;
     }
 
-    /// Drops the elements from the given index on. Their storage is kept for later elements.
-    void truncate(std::size_t size) noexcept { size_ = size; }
+    /// Drops the elements from a place on; their storage is kept for later ones.
+    void truncate(std::size_t size) noexcept {
+        size_ = size;
+        const std::size_t inBlock = size % blockSize;
+        T* const block = inBlock == 0 ? nullptr : blocks_[size / blockSize].get();
+        next_ = inBlock == 0 ? nullptr : block + inBlock;
+        blockEnd_ = inBlock == 0 ? nullptr : block + blockSize;
+    }
 
 private:
     static constexpr std::size_t blockSize = 1024;
 
-    std::vector<std::unique_ptr<T[]>> blocks_;
+    struct Deallocate {
+        void operator()(T* block) const noexcept { platform::deallocate(block); }
+    };
+    /// Not initialized: zeroes would only be overwritten.
+    using Block = std::unique_ptr<T[], Deallocate>;
+
+    /// Goes on in the block after a full one.
+    void beginBlock() {
+        const std::size_t place = size_ / blockSize;
+        if (place == blocks_.size()) {
+            blocks_.push_back(Block(static_cast<T*>(allocateOrThrow(blockSize * sizeof(T)))));
+        }
+        next_ = blocks_[place].get();
+        blockEnd_ = next_ + blockSize;
+    }
+
+    std::vector<Block> blocks_;
     std::size_t size_ = 0;
+    T* next_ = nullptr;     ///< where the next element goes
+    T* blockEnd_ = nullptr; ///< of its block; next_ if it goes to another block
 };
 
 } // namespace kel

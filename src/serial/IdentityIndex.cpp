@@ -32,11 +32,6 @@ uint32_t IdentityIndex::tagOf(const JHashCode& identity) const {
     return static_cast<uint32_t>(mixed >> 32);
 }
 
-uint32_t IdentityIndex::append(const JHashCode& identity) {
-    identities_.append(identity);
-    return size() - 1;
-}
-
 /// Returns the place of the identity, or the empty place where it belongs.
 std::size_t IdentityIndex::search(const JHashCode& identity, uint32_t tag) const {
     const std::size_t mask = places_.size() - 1;

@@ -27,7 +27,10 @@ public:
     uint32_t size() const { return static_cast<uint32_t>(identities_.size()); }
 
     /// Numbers an identity. It cannot be found until it is linked. \return its number
-    uint32_t append(const JHashCode& identity);
+    uint32_t append(const JHashCode& identity) {
+        identities_.append(identity);
+        return size() - 1;
+    }
 
     /// Returns the number that the identity of a given number leads to: the given number if the
     /// identity led nowhere before. Assign to the reference to change it; it is valid until the

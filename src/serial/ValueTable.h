@@ -24,7 +24,7 @@ public:
     ValueTable(const ValueTable&) = delete;
     ValueTable& operator=(const ValueTable&) = delete;
     ~ValueTable() {
-        forEach([](KEL_Impl& value) { value.release(); });
+        forEach([](KEL_Impl& value) { value.JObject::release(); });
     }
 
     /// Remembers a value. From now on its identity leads to this value and not to an earlier one.
@@ -37,7 +37,7 @@ public:
             index_.truncate(number);
             throw;
         }
-        value.addRef();
+        value.JObject::addRef(); // without a virtual call
         return number;
     }
 

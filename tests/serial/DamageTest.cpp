@@ -1,8 +1,10 @@
 // Tests damaged input: every beginning of the sample files, and changes of every byte in them. The
 // readers accept or refuse it and use little memory. Accepted values are written and read again.
 #include "support/AllocationFailure.h"
+#include "support/PieceStream.h"
 #include "support/Records.h"
 #include "support/SameTree.h"
+#include "support/Thrown.h"
 #include "support/Trees.h"
 #include "support/ValueStreams.h"
 #include "support/Values.h"
@@ -164,6 +166,37 @@ template <class Survive> void damageEveryByte(const std::string& sample, const S
     }
 }
 
+/// Reads records up to the end of the medium. Returns a line for each read: how it ended, where,
+/// and what the value is.
+std::string outcomesOf(JInputStream* medium) {
+    std::string outcomes;
+    std::list<HeldValue> roots;
+    BinaryInput input(medium);
+    for (bool atEnd = false; !atEnd;) {
+        HeldValue root;
+        const std::string message = thrownMessage<JEOFException>([&] { root = input.read(); });
+        atEnd = message.starts_with("BinaryDataInput");
+        outcomes += message + " at " + std::to_string(input->JTell());
+        if (root) {
+            outcomes += " " + binaryOf(root);
+            roots.push_back(std::move(root));
+        }
+        outcomes += "\n";
+    }
+    for (const HeldValue& root : roots) {
+        takeApart(*root);
+    }
+    return outcomes;
+}
+
+/// Checks that records come to the same from a pipe, whose fields arrive one by one.
+void readFieldByField(const std::string& records) {
+    auto* pipe = new PieceStream(records);
+    pipe->seekable = false;
+    EXPECT_EQ(outcomesOf(pipe),
+              outcomesOf(new StringReader(records.data(), static_cast<int64_t>(records.size()))));
+}
+
 // ---- Tests -------------------------------------------------------------------------------------
 
 TEST(Damage, TheSamplesAreReadWhole) {
@@ -192,6 +225,13 @@ TEST(Damage, AChangeOfAnyByteOfATextIsReadOrRefused) {
 
 TEST(Damage, AChangeOfAnyByteOfARecordIsReadOrRefused) {
     damageEveryByte(binarySample, surviveBinary);
+}
+
+TEST(Damage, FieldsThatArriveOneByOneAreReadAlike) {
+    damageEveryByte(binarySample, readFieldByField);
+    for (std::size_t size = 0; size < binarySample.size(); ++size) {
+        readFieldByField(binarySample.substr(0, size));
+    }
 }
 
 TEST(Damage, EveryByteLeftOutOrDoubledIsReadOrRefused) {

@@ -130,17 +130,33 @@ JPointer<KEL_Impl> BinaryTreeReader::refer(const JHashCode& identity, Place plac
 
 BinaryTreeReader::Prefix BinaryTreeReader::readPrefix(int64_t end) {
     const auto left = [&] { return static_cast<uint64_t>(end - input_.position()); };
-    require(left() >= binary::referenceSize);
-    readMagic();
     Prefix prefix;
-    prefix.identity = binary::decodeIdentity(take(binary::identitySize, binary::noIdentity));
-    prefix.kind = binary::decodeKind(take(binary::kindSize, binary::noKind));
-    if (prefix.kind == binary::backReference) {
-        return prefix;
+    int16_t version = 0;
+    const uint8_t* record = input_.begin();
+    if (input_.available() >= binary::prefixSize && left() >= binary::prefixSize &&
+        std::memcmp(record, binary::magic, sizeof binary::magic) == 0) {
+        // All fields are there, as they nearly always are.
+        prefix.identity = binary::decodeIdentity(record + binary::identityOffset);
+        prefix.kind = binary::decodeKind(record + binary::kindOffset);
+        if (prefix.kind == binary::backReference) {
+            input_.skip(binary::referenceSize);
+            return prefix;
+        }
+        version = binary::decodeVersion(record + binary::versionOffset);
+        prefix.length = binary::decodeLength(record + binary::lengthOffset);
+        input_.skip(binary::prefixSize);
+    } else {
+        require(left() >= binary::referenceSize);
+        readMagic();
+        prefix.identity = binary::decodeIdentity(take(binary::identitySize, binary::noIdentity));
+        prefix.kind = binary::decodeKind(take(binary::kindSize, binary::noKind));
+        if (prefix.kind == binary::backReference) {
+            return prefix;
+        }
+        require(left() >= binary::versionSize + binary::lengthSize);
+        version = binary::decodeVersion(take(binary::versionSize, binary::noVersion));
+        prefix.length = binary::decodeLength(take(binary::lengthSize, binary::noLength));
     }
-    require(left() >= binary::versionSize + binary::lengthSize);
-    const int16_t version = binary::decodeVersion(take(binary::versionSize, binary::noVersion));
-    prefix.length = binary::decodeLength(take(binary::lengthSize, binary::noLength));
     // A root has no container around it that its length could exceed.
     require(version == binary::version && (levels_.empty() || prefix.length <= left()));
     prefix.length = std::min(prefix.length, left());

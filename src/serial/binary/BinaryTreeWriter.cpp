@@ -2,7 +2,11 @@
 
 #include "serial/binary/RecordLayout.h"
 #include "values/KELException_Impl.h"
+#include "values/KEL_Boolean_Impl.h"
+#include "values/KEL_Double_Impl.h"
+#include "values/KEL_Int_Impl.h"
 #include "values/KEL_MemBlock_Impl.h"
+#include "values/KEL_String_Impl.h"
 
 #include <cstring>
 
@@ -33,12 +37,13 @@ bool BinaryTreeWriter::enter(const KEL_Impl& value) {
     if (value.isIdentityGiven()) {
         written_.askAlways();
     }
-    if (value.identity().isZero()) {
+    const JHashCode& identity = value.identity();
+    if (identity.isZero()) {
         return true; // means "no value" in references, so such a value is never referred to
     }
     // The only holder of a root can be inside the root.
     const bool canComeAgain = value.isShared() || levels_.empty() || value.isOnPath();
-    incomplete_ = written_.insert(value.identity(), !canComeAgain);
+    incomplete_ = written_.insert(identity, !canComeAgain);
     return incomplete_ != IdentityIndex::none;
 }
 
@@ -51,7 +56,7 @@ void BinaryTreeWriter::writeRecord(const KEL_Impl& value) {
     // Reserve enough for a whole scalar record; only committed bytes count.
     uint8_t* record = out_.reserve(binary::prefixSize + binary::doubleLength);
     binary::encodeHead(record, value.identity(), kind);
-    binary::encodeVersion(record, static_cast<int16_t>(value.getVersion()));
+    binary::encodeVersion(record, binary::version);
     writePayload(value, kind, record);
     incomplete_ = IdentityIndex::none;
 }
@@ -70,24 +75,24 @@ void BinaryTreeWriter::writePayload(const KEL_Impl& value, KELKind kind, uint8_t
     uint8_t* payload = record + binary::prefixSize;
     switch (kind) {
     case KELKind_Int:
-        binary::encodeInt(payload, value.toInt());
+        binary::encodeInt(payload, static_cast<const KEL_Int_Impl&>(value).getValue());
         commitPrefix(record, binary::intLength, binary::intLength);
         break;
     case KELKind_Boolean:
-        binary::encodeBoolean(payload, value.toBoolean());
+        binary::encodeBoolean(payload, static_cast<const KEL_Boolean_Impl&>(value).getValue());
         commitPrefix(record, binary::booleanLength, binary::booleanLength);
         break;
     case KELKind_Double:
-        binary::encodeDouble(payload, value.toDoubleBits());
+        binary::encodeDouble(payload, static_cast<const KEL_Double_Impl&>(value).toDoubleBits());
         commitPrefix(record, binary::doubleLength, binary::doubleLength);
         break;
     case KELKind_MemBlock: {
-        const auto& block = dynamic_cast<const KEL_MemBlock_Impl&>(value);
+        const auto& block = static_cast<const KEL_MemBlock_Impl&>(value);
         writeBytes(record, block.bytes(), static_cast<std::size_t>(block.getSize()));
         break;
     }
     case KELKind_String: {
-        const char* text = value.toString();
+        const char* text = static_cast<const KEL_String_Impl&>(value).getValue();
         writeBytes(record, text, std::strlen(text));
         break;
     }

@@ -6,8 +6,6 @@
 #include "serial/binary/RecordBuffer.h"
 #include "values/ChildCursor.h"
 
-#include <vector>
-
 namespace kel {
 
 /// Encodes one value and everything below it, with a stack of its own instead of recursion.
@@ -38,7 +36,7 @@ private:
     struct Level {
         ChildCursor cursor;
         uint8_t* record;
-        uint64_t contentsStart;
+        std::size_t contentsStart;
         uint32_t number; ///< in the set of written values
     };
 
@@ -54,7 +52,7 @@ private:
 
     RecordBuffer& out_;
     IdentitySet& written_;
-    std::vector<Level> levels_;
+    Vector<Level> levels_;
     uint32_t incomplete_ = IdentityIndex::none; ///< number of the value whose record is begun
 };
 

@@ -1,30 +1,48 @@
 #include "serial/binary/RecordBuffer.h"
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 namespace kel {
 
+namespace {
+
+constexpr std::size_t firstSize = 64 * 1024;
+constexpr std::size_t lastSize = 256 * 1024;
+
+} // namespace
+
+/// Begins a chunk as large as all before it together, within limits: short records are many, and
+/// cheap this way.
 void RecordBuffer::addChunk() {
-    // The bytes are not initialised: each one is written before it counts.
-    chunks_.push_back({std::unique_ptr<uint8_t[]>(new uint8_t[chunkSize]), 0});
+    const std::size_t size = std::clamp(total(), firstSize, lastSize);
+    // Not initialized: every byte is written before it counts.
+    Chunk chunk{std::unique_ptr<uint8_t, Deallocate>(static_cast<uint8_t*>(allocateOrThrow(size))),
+                0};
+    total_ = total();
+    if (!chunks_.empty()) {
+        chunks_.back().used = usedInLast();
+    }
+    chunks_.push_back(std::move(chunk));
+    cursor_ = chunks_.back().bytes.get();
+    end_ = cursor_ + size;
 }
 
-void RecordBuffer::append(const void* bytes, std::size_t count) {
-    const auto* from = static_cast<const uint8_t*>(bytes);
+void RecordBuffer::appendInPieces(const uint8_t* bytes, std::size_t count) {
     while (count > 0) {
         uint8_t* to = reserve(1);
-        const std::size_t part = std::min(count, chunkSize - chunks_.back().used);
-        std::memcpy(to, from, part);
+        const std::size_t part = std::min(count, room());
+        std::memcpy(to, bytes, part);
         commit(part);
-        from += part;
+        bytes += part;
         count -= part;
     }
 }
 
 void RecordBuffer::writeTo(JOutputStream& sink) const {
     for (const Chunk& chunk : chunks_) {
-        sink.JWrite(chunk.bytes.get(), 0, static_cast<int32_t>(chunk.used));
+        const std::size_t used = &chunk == &chunks_.back() ? usedInLast() : chunk.used;
+        sink.JWrite(chunk.bytes.get(), 0, static_cast<int32_t>(used));
     }
 }
 

@@ -2,11 +2,12 @@
 /// RecordBuffer: bytes of binary records whose lengths are filled in later.
 #pragma once
 
+#include "runtime/Storage.h"
 #include "streams/JOutputStream.h"
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
-#include <vector>
 
 namespace kel {
 
@@ -19,38 +20,51 @@ public:
 
     /// Returns room for count contiguous bytes, at most reserveLimit. Only committed bytes count.
     uint8_t* reserve(std::size_t count) {
-        if (chunks_.empty() || chunkSize - chunks_.back().used < count) {
+        if (room() < count) {
             addChunk();
         }
-        return chunks_.back().bytes.get() + chunks_.back().used;
+        return cursor_;
     }
-    void commit(std::size_t count) {
-        chunks_.back().used += count;
-        total_ += count;
-    }
+    void commit(std::size_t count) { cursor_ += count; }
 
     /// Appends count bytes.
-    void append(const void* bytes, std::size_t count);
+    void append(const void* bytes, std::size_t count) {
+        if (count > room()) {
+            appendInPieces(static_cast<const uint8_t*>(bytes), count);
+        } else if (count > 0) {
+            std::memcpy(cursor_, bytes, count);
+            cursor_ += count;
+        }
+    }
 
     /// Returns the number of bytes so far.
-    uint64_t total() const { return total_; }
+    std::size_t total() const { return total_ + (chunks_.empty() ? 0 : usedInLast()); }
 
     /// Writes all bytes, as they are now, to the sink.
     /// \throws JIOException as the sink
     void writeTo(JOutputStream& sink) const;
 
 private:
-    static constexpr std::size_t chunkSize = 256 * 1024;
-
-    struct Chunk {
-        std::unique_ptr<uint8_t[]> bytes;
-        std::size_t used;
+    struct Deallocate {
+        void operator()(uint8_t* bytes) const noexcept { platform::deallocate(bytes); }
     };
 
-    void addChunk();
+    struct Chunk {
+        std::unique_ptr<uint8_t, Deallocate> bytes;
+        std::size_t used; ///< not up to date in the last chunk
+    };
 
-    std::vector<Chunk> chunks_;
-    uint64_t total_ = 0;
+    std::size_t room() const { return static_cast<std::size_t>(end_ - cursor_); }
+    std::size_t usedInLast() const {
+        return static_cast<std::size_t>(cursor_ - chunks_.back().bytes.get());
+    }
+    void addChunk();
+    void appendInPieces(const uint8_t* bytes, std::size_t count);
+
+    Vector<Chunk> chunks_;
+    uint8_t* cursor_ = nullptr; ///< in the last chunk
+    uint8_t* end_ = nullptr;    ///< of the last chunk
+    std::size_t total_ = 0;     ///< in the chunks before the last one
 };
 
 } // namespace kel
