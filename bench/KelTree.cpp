@@ -100,16 +100,16 @@ FILE* opened(FILE* file) {
     return file;
 }
 
-/// The bytes that a FILE in memory collects.
+/// A FILE that appends to a vector of bytes, which is also how nlohmann writes MessagePack. A memory
+/// stream of the C library grows in another way, and costs more than what is measured.
 class MemoryFile {
 public:
-    MemoryFile() : file_(opened(open_memstream(&bytes_, &size_))) {}
+    MemoryFile() : file_(opened(fopencookie(&bytes_, "wb", {nullptr, append, nullptr, nullptr}))) {
+        std::setvbuf(file_, nullptr, _IONBF, 0); // the library collects what it writes
+    }
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
-    ~MemoryFile() {
-        std::fclose(file_);
-        std::free(bytes_);
-    }
+    ~MemoryFile() { std::fclose(file_); }
 
     void write(KEL* tree) {
         KELBinaryOutputStream* stream = CreateKELBinaryOutputStream(file_);
@@ -117,12 +117,17 @@ public:
         DeleteKELOutputStream(stream);
         std::fflush(file_);
     }
-    std::size_t size() const { return size_; }
-    std::string bytes() const { return std::string(bytes_, size_); }
+    std::size_t size() const { return bytes_.size(); }
+    std::string bytes() const { return std::string(bytes_.begin(), bytes_.end()); }
 
 private:
-    char* bytes_ = nullptr;
-    std::size_t size_ = 0;
+    static ssize_t append(void* bytes, const char* more, std::size_t count) {
+        auto& all = *static_cast<std::vector<char>*>(bytes);
+        all.insert(all.end(), more, more + count);
+        return static_cast<ssize_t>(count);
+    }
+
+    std::vector<char> bytes_;
     FILE* file_;
 };
 
