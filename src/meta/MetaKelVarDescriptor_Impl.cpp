@@ -88,8 +88,8 @@ void MetaKelVarDescriptor_Impl::setRange(KEL* min, KEL* max) {
         return;
     }
     requireRange();
-    auto newMin = KEL_Struct_Impl::prepareVariable("min", KEL_Impl::of(min));
-    auto newMax = KEL_Struct_Impl::prepareVariable("max", KEL_Impl::of(max));
+    auto newMin = inner().prepareVariable("min", KEL_Impl::of(min));
+    auto newMax = inner().prepareVariable("max", KEL_Impl::of(max));
     changeInner([&](KEL_Struct_Impl& properties) {
         properties.putQuietly(std::move(newMin));
         properties.putQuietly(std::move(newMax));
@@ -301,8 +301,8 @@ void MetaKelVarDescriptor_Impl::rangeFromEnumeration() {
             }
         }
     }
-    auto newMin = KEL_Struct_Impl::prepareVariable("min", min.get());
-    auto newMax = KEL_Struct_Impl::prepareVariable("max", max.get());
+    auto newMin = inner().prepareVariable("min", min.get());
+    auto newMax = inner().prepareVariable("max", max.get());
     changeInner([&](KEL_Struct_Impl& properties) {
         properties.removeQuietly("enum");
         properties.putQuietly(std::move(newMin));
@@ -318,7 +318,7 @@ void MetaKelVarDescriptor_Impl::enumerationFromRange(KEL* extra) {
     for (KEL* value : {getMin(), getDefault(), extra, getMax()}) {
         allowed->addVar(value); // which ignores null
     }
-    auto newEnum = KEL_Struct_Impl::prepareVariable("enum", allowed.get());
+    auto newEnum = inner().prepareVariable("enum", allowed.get());
     changeInner([&](KEL_Struct_Impl& properties) {
         properties.removeQuietly("min");
         properties.removeQuietly("max");

@@ -87,10 +87,10 @@ MetaKel_Impl::prepareChecked(const char* name, KEL* value,
         return {};
     }
     if (rules == nullptr || rules->isValid(value)) {
-        return KEL_Struct_Impl::prepareVariable(name, added);
+        return inner().prepareVariable(name, added);
     }
     if (rules->hasDefault()) {
-        return KEL_Struct_Impl::prepareVariable(name, nullptr); // the default, which can change
+        return inner().prepareVariable(name, nullptr); // the default, which can change
     }
     return {};
 }
@@ -157,9 +157,9 @@ void MetaKel_Impl::createVar(const char* name, KEL* value, MetaKelVarDescriptor*
     PreparedVariable newDescriptor;
     if (inUse.isNull()) {
         inUse = new MetaKelDescriptor_Impl();
-        newDescriptor = KEL_Struct_Impl::prepareVariable(descriptorName, inUse.get());
+        newDescriptor = inner().prepareVariable(descriptorName, inUse.get());
     }
-    PreparedVariable described = KEL_Struct_Impl::prepareVariable(name, description);
+    PreparedVariable described = inUse->inner().prepareVariable(name, description);
     PreparedVariable added = prepareChecked(name, value, description);
     const bool innerChanges = !newDescriptor.empty() || !added.empty();
     notifyOnce([&] {

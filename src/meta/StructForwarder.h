@@ -137,8 +137,13 @@ public:
         const auto* theirs = dynamic_cast<const StructForwarder*>(&other);
         return theirs != nullptr && theirs->inner_->equalsWithoutChildren(*inner_);
     }
+    JPointer<KEL_Impl> prepareContents(const KEL_Impl& source) override {
+        JPointer<KEL_Impl> prepared = KEL_Impl::prepareContents(source);
+        static_cast<StructForwarder&>(*prepared).inner_->makeRoomForPreparedOf(*inner_);
+        return prepared;
+    }
     void swapContents(KEL_Impl& prepared) noexcept override {
-        inner_->swapVariables(*dynamic_cast<StructForwarder&>(prepared).inner_);
+        inner_->swapVariables(*static_cast<StructForwarder&>(prepared).inner_);
     }
 
 protected:

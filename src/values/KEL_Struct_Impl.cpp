@@ -11,10 +11,11 @@
 #include "values/Reference.h"
 #include "values/StringEnumeration_Impl.h"
 #include "values/TreeCopy.h"
-#include "values/VariableName.h"
 
 #include <utility>
-#include <vector>
+
+using kel::NameKey;
+using kel::PreparedVariable;
 
 void KEL_Struct_Impl::refuseQuote(std::string_view name) {
     if (name.find('"') != std::string_view::npos) {
@@ -26,12 +27,12 @@ KEL_Impl* KEL_Struct_Impl::valueOf(const char* name) const {
     if (kel::isNoName(name)) {
         return nullptr;
     }
-    const auto found = variables_.find(std::string_view(name));
-    if (found == variables_.end()) {
+    const Place found = variables_.find(NameKey(name));
+    if (!found.isFound) {
         throw new KELNoSuchElementException_Impl(
             "KEL_Struct_Impl. Cannot get variable - unknown variable name.");
     }
-    return found->second.get();
+    return found->value;
 }
 
 KEL* KEL_Struct_Impl::getVar(const char* name) {
@@ -62,77 +63,84 @@ JHashCode& KEL_Struct_Impl::getguid(const char* name, JHashCode& out) const {
     return out = kel::convertToGuid(valueOf(name));
 }
 
-void KEL_Struct_Impl::putMade(const char* name, KEL_Impl* value) {
-    const JPointer<KEL_Impl> made(value);
-    addVar(name, made.get());
+template <class Value, class... Arguments>
+void KEL_Struct_Impl::putMade(const char* name, const Arguments&... arguments) {
+    if (!kel::isNoName(name)) {
+        put(name, JPointer<KEL_Impl>(new Value(arguments...)));
+    }
 }
 
 void KEL_Struct_Impl::putString(const char* name, const char* text) {
-    if (text != nullptr) { // addVar would store the name without a value
-        putMade(name, new KEL_String_Impl(text));
+    if (text != nullptr) { // put would store the name without a value
+        putMade<KEL_String_Impl>(name, text);
     }
 }
 
 void KEL_Struct_Impl::putguid(const char* name, const JHashCode& value) {
-    putMade(name, new KEL_guid_Impl(value));
+    putMade<KEL_guid_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::putDouble(const char* name, double value) {
-    putMade(name, new KEL_Double_Impl(value));
+    putMade<KEL_Double_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::putInt(const char* name, int32_t value) {
-    putMade(name, new KEL_Int_Impl(value));
+    putMade<KEL_Int_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::putBoolean(const char* name, bool value) {
-    putMade(name, new KEL_Boolean_Impl(value));
+    putMade<KEL_Boolean_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::addVar(const char* name, KEL* value) {
     if (kel::isNoName(name)) {
         return;
     }
-    refuseQuote(name);
-    if (isForeign(value)) {
-        return;
+    KEL_Impl* added = KEL_Impl::of(value);
+    if (value == nullptr || added != nullptr) {
+        put(name, JPointer<KEL_Impl>::share(added));
+    } else { // a host's own implementation
+        refuseQuote(name);
     }
-    // The variable is prepared first, so nothing can fail once the old one is gone. The prepared
-    // variable also holds the name and the value, which can both belong to the old one.
-    PreparedVariable variable = prepareVariable(name, KEL_Impl::of(value));
-    const auto self = kel::keepAlive(this); // the old value or an observer can release it
-    const auto store = [&] {
-        putQuietly(std::move(variable));
-        notifyChanged();
-    };
-    const auto old = variables_.find(variable.key());
-    if (old == variables_.end()) {
-        store();
-        return;
-    }
-    variables_.erase(old);
-    kel::runAll([this] { notifyChanged(); }, store);
 }
 
-KEL_Struct_Impl::PreparedVariable KEL_Struct_Impl::prepareVariable(const char* name,
-                                                                   KEL_Impl* value) {
+void KEL_Struct_Impl::put(const char* name, JPointer<KEL_Impl>&& value) {
+    const NameKey key(name);
+    const Place place = variables_.findFromEnd(key);
+    if (place.isFound) {
+        replace(place, std::move(value));
+        return;
+    }
+    refuseQuote(key.text());
+    variables_.insert(place, key, std::move(value));
+    notifyChanged();
+}
+
+void KEL_Struct_Impl::replace(const Place& place, JPointer<KEL_Impl>&& value) {
+    const auto self = kel::keepAlive(this); // the old value or an observer can release it
+    // What was taken out can be stored again, so nothing can fail.
+    PreparedVariable variable = variables_.take(place);
+    variable.exchangeValue(std::move(value));
+    kel::runAll([this] { notifyChanged(); },
+                [&] {
+                    putQuietly(std::move(variable));
+                    notifyChanged();
+                });
+}
+
+PreparedVariable KEL_Struct_Impl::prepareVariable(const char* name, KEL_Impl* value) {
     refuseQuote(name);
-    kel::VariableMap made;
-    made.emplace(name, JPointer<KEL_Impl>::share(value));
-    return made.extract(made.begin());
+    return variables_.prepare(name, JPointer<KEL_Impl>::share(value));
 }
 
 void KEL_Struct_Impl::putQuietly(PreparedVariable&& variable) noexcept {
-    auto result = variables_.insert(std::move(variable));
-    if (!result.inserted && !result.node.empty()) {
-        result.position->second = result.node.mapped();
-    }
+    variables_.put(std::move(variable)); // which releases the value that was there
 }
 
 void KEL_Struct_Impl::removeQuietly(std::string_view name) noexcept {
-    const auto found = variables_.find(name);
-    if (found != variables_.end()) {
-        variables_.erase(found);
+    const Place found = variables_.find(NameKey(name));
+    if (found.isFound) {
+        variables_.remove(found);
     }
 }
 
@@ -160,7 +168,7 @@ int32_t KEL_Struct_Impl::addVars(KEL_Struct* other) {
             return false;
         }
         PreparedVariable addition = std::move(*next++);
-        if (!variables_.contains(addition.key())) {
+        if (!variables_.find(NameKey(addition.name())).isFound) {
             putQuietly(std::move(addition));
             notifyChanged();
         }
@@ -169,9 +177,9 @@ int32_t KEL_Struct_Impl::addVars(KEL_Struct* other) {
     return 0;
 }
 
-kel::VariableMap::iterator KEL_Struct_Impl::findToChange(const char* name) {
-    const auto found = variables_.find(std::string_view(name));
-    if (found == variables_.end()) {
+KEL_Struct_Impl::Place KEL_Struct_Impl::findToChange(const char* name) const {
+    const Place found = variables_.find(NameKey(name));
+    if (!found.isFound) {
         throw new KELNoSuchElementException_Impl(
             "KEL_Struct_Impl. Cannot remove variable - name does not exist.");
     }
@@ -182,9 +190,9 @@ void KEL_Struct_Impl::removeVar(const char* name) {
     if (kel::isNoName(name)) {
         return;
     }
-    const auto found = findToChange(name);
+    const Place found = findToChange(name);
     const auto self = kel::keepAlive(this); // a dropped value can be its last holder
-    variables_.erase(found);
+    variables_.remove(found);
     notifyChanged();
 }
 
@@ -192,43 +200,57 @@ void KEL_Struct_Impl::setVar(const char* name, KEL* value) {
     if (kel::isNoName(name)) {
         return;
     }
-    const auto found = findToChange(name);
-    if (!isForeign(value)) {
+    const Place found = findToChange(name);
+    KEL_Impl* added = KEL_Impl::of(value);
+    if (value == nullptr || added != nullptr) { // no container stores a host's own implementation
         const auto self = kel::keepAlive(this);
-        found->second = JPointer<KEL_Impl>::share(KEL_Impl::of(value));
+        const JPointer<KEL_Impl> old(
+            std::exchange(found->value, JPointer<KEL_Impl>::share(added).detach()));
     }
 }
 
-void KEL_Struct_Impl::setMade(const char* name, KEL_Impl* value) {
-    const JPointer<KEL_Impl> made(value);
-    setVarValue(name, made.get());
+template <class Value, class... Arguments>
+void KEL_Struct_Impl::setMade(const char* name, const Arguments&... arguments) {
+    if (kel::isNoName(name)) {
+        return;
+    }
+    const Place place = findToChange(name);
+    const JPointer<KEL_Impl> current = JPointer<KEL_Impl>::share(place->value);
+    if (current.isNull()) {
+        replace(place, JPointer<KEL_Impl>(new Value(arguments...)));
+    } else {
+        Value value(arguments...); // nobody keeps a value that is assigned
+        current->assignConverted(&value, true);
+    }
 }
 
 void KEL_Struct_Impl::setString(const char* name, const char* text) {
-    setMade(name, KEL_String_Impl::makeOrNull(text));
+    if (text != nullptr) {
+        setMade<KEL_String_Impl>(name, text);
+    }
 }
 
 void KEL_Struct_Impl::setguid(const char* name, const JHashCode& value) {
-    setMade(name, new KEL_guid_Impl(value));
+    setMade<KEL_guid_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setDouble(const char* name, double value) {
-    setMade(name, new KEL_Double_Impl(value));
+    setMade<KEL_Double_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setInt(const char* name, int32_t value) {
-    setMade(name, new KEL_Int_Impl(value));
+    setMade<KEL_Int_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setBoolean(const char* name, bool value) {
-    setMade(name, new KEL_Boolean_Impl(value));
+    setMade<KEL_Boolean_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setVarValue(const char* name, KEL* value) {
     if (kel::isNoName(name) || value == nullptr) {
         return;
     }
-    const JPointer<KEL_Impl> current = findToChange(name)->second;
+    const JPointer<KEL_Impl> current = JPointer<KEL_Impl>::share(findToChange(name)->value);
     if (current.isNull()) {
         addVar(name, value);
     } else {
@@ -237,22 +259,27 @@ void KEL_Struct_Impl::setVarValue(const char* name, KEL* value) {
 }
 
 bool KEL_Struct_Impl::containsVar(const char* name) const {
-    return !kel::isNoName(name) && variables_.contains(std::string_view(name));
+    return !kel::isNoName(name) && variables_.find(NameKey(name)).isFound;
 }
 
 StringEnumeration* KEL_Struct_Impl::getVarNames() const {
     JPointer<StringEnumeration_Impl> names(new StringEnumeration_Impl());
-    for (const auto& [name, value] : variables_) {
-        names->addUnique(name.c_str());
+    std::size_t bytes = 0;
+    for (kel::VariableTable::Walk walk; variables_.next(walk);) {
+        bytes += walk.variable->name.view().size() + 1;
+    }
+    if (bytes > 0) { // an enumeration without room was never used
+        names->makeRoom(variables_.size(), bytes);
+    }
+    for (kel::VariableTable::Walk walk; variables_.next(walk);) {
+        names->addUnique(walk.variable->name.view());
     }
     return names.detach();
 }
 
 void KEL_Struct_Impl::removeAllVars() {
     const auto self = kel::keepAlive(this);
-    kel::VariableMap gone;
-    gone.swap(variables_);
-    gone.clear();
+    variables_.clear();
     notifyChanged();
 }
 
@@ -261,8 +288,8 @@ void KEL_Struct_Impl::renameVar(const char* oldName, const char* newName) {
         return;
     }
     refuseQuote(newName);
-    const auto found = variables_.find(std::string_view(oldName));
-    if (found == variables_.end()) {
+    const Place found = variables_.find(NameKey(oldName));
+    if (!found.isFound) {
         throw new KELNoSuchElementException_Impl(
             "KEL_Struct: Cannot rename variable - name does not exist.");
     }
@@ -270,42 +297,31 @@ void KEL_Struct_Impl::renameVar(const char* oldName, const char* newName) {
         throw new KELRenameException_Impl(
             "KEL_Struct: Cannot rename variable - new name already exists.");
     }
-    kel::VariableName key(newName);
-    auto node = variables_.extract(found);
-    node.key() = std::move(key);
-    variables_.insert(std::move(node));
+    variables_.rename(found, newName);
     notifyChanged();
 }
 
 bool KEL_Struct_Impl::adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value) {
-    // Writers put names in ascending order, so the variable nearly always belongs at the end.
-    const auto hint = variables_.empty() || std::prev(variables_.end())->first < name
-                          ? variables_.end()
-                          : variables_.lower_bound(name);
-    if (hint != variables_.end() && hint->first == name) {
-        hint->second = std::move(value);
-        return false;
-    }
-    variables_.emplace_hint(hint, name, std::move(value));
-    return true;
+    return variables_.put(name, std::move(value));
 }
 
 bool KEL_Struct_Impl::nextChild(kel::ChildCursor& cursor) const {
-    if (++cursor.index == 0) {
-        cursor.variable = variables_.begin();
-    } else {
-        ++cursor.variable;
-    }
-    if (cursor.variable == variables_.end()) {
+    ++cursor.index;
+    if (!variables_.next(cursor.variables)) {
         return false;
     }
-    cursor.name = cursor.variable->first;
-    cursor.value = cursor.variable->second.get();
+    cursor.showVariable();
     return true;
 }
 
+KEL_Impl* KEL_Struct_Impl::copyWithoutChildren() const {
+    JPointer<KEL_Struct_Impl> made(new KEL_Struct_Impl());
+    made->reserve(variables_.size());
+    return made.detach();
+}
+
 void KEL_Struct_Impl::adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) {
-    adoptVariable(name, std::move(child));
+    variables_.append(name, std::move(child));
 }
 
 JPointer<KEL_Impl> KEL_Struct_Impl::copyOfNullVariable() const {
@@ -313,10 +329,16 @@ JPointer<KEL_Impl> KEL_Struct_Impl::copyOfNullVariable() const {
 }
 
 bool KEL_Struct_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
-    const auto* theirs = dynamic_cast<const KEL_Struct_Impl*>(&other);
-    return theirs != nullptr && theirs->variables_.size() == variables_.size();
+    return other.getType() == KELKind_Struct &&
+           static_cast<const KEL_Struct_Impl&>(other).variables_.size() == variables_.size();
+}
+
+JPointer<KEL_Impl> KEL_Struct_Impl::prepareContents(const KEL_Impl& source) {
+    JPointer<KEL_Impl> prepared = KEL_Impl::prepareContents(source);
+    static_cast<KEL_Struct_Impl&>(*prepared).makeRoomForPreparedOf(*this);
+    return prepared;
 }
 
 void KEL_Struct_Impl::swapContents(KEL_Impl& prepared) noexcept {
-    swapVariables(dynamic_cast<KEL_Struct_Impl&>(prepared));
+    swapVariables(static_cast<KEL_Struct_Impl&>(prepared));
 }

@@ -6,7 +6,7 @@
 
 #include <kel/KEL_Struct.h>
 
-/// Implements KEL_Struct over an ordered map of shared values.
+/// Implements KEL_Struct over a sorted table of shared values.
 class KEL_Struct_Impl final : public KEL_Impl, public KEL_Struct {
 public:
     KEL_Struct_Impl() : JObject(IdentityLater()) {}
@@ -70,13 +70,14 @@ public:
     // The following changes notify nobody. They are for operations that change more than this
     // struct, or more than one variable, and notify at the end. Only preparing can fail.
 
-    /// A variable made ready to be stored.
-    using PreparedVariable = kel::VariableMap::node_type;
+    /// A variable that is ready to be stored in the struct that has prepared it. Whatever happens
+    /// to that struct meanwhile, storing cannot fail. The struct must outlive the variable.
+    using PreparedVariable = kel::PreparedVariable;
 
     /// Makes a variable with a name that is neither null nor empty, and with a value or null.
     /// \throws KELRenameException "KEL_Struct key can't contain a \""
     /// \throws JOutOfMemoryException
-    static PreparedVariable prepareVariable(const char* name, KEL_Impl* value);
+    PreparedVariable prepareVariable(const char* name, KEL_Impl* value);
 
     /// Stores a prepared variable in place of one with the same name; an empty one changes nothing.
     void putQuietly(PreparedVariable&& variable) noexcept;
@@ -90,28 +91,50 @@ public:
     /// \return false when there was one
     bool adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value);
 
+    /// Makes room for this many variables in a new struct, which then allocates once. The count of
+    /// a file is limited before it is passed here.
+    /// \throws JOutOfMemoryException "Out of memory!"
+    void reserve(std::size_t count) { variables_.reserve(count); }
+
+    /// Makes this struct, which is to exchange its variables with another one, ready for that.
+    /// \throws JOutOfMemoryException "Out of memory!"
+    void makeRoomForPreparedOf(const KEL_Struct_Impl& other) {
+        variables_.makeRoomForPreparedOf(other.variables_);
+    }
+
     /// Exchanges all variables with another struct and notifies nobody.
-    void swapVariables(KEL_Struct_Impl& other) { variables_.swap(other.variables_); }
+    void swapVariables(KEL_Struct_Impl& other) noexcept { variables_.swap(other.variables_); }
 
     // KEL_Impl
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
-    KEL_Impl* copyWithoutChildren() const override { return new KEL_Struct_Impl(); }
+    KEL_Impl* copyWithoutChildren() const override;
     void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override;
     JPointer<KEL_Impl> copyOfNullVariable() const override;
     void dropChildren() override { variables_.clear(); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
+    JPointer<KEL_Impl> prepareContents(const KEL_Impl& source) override;
     void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
-    /// Stores a value just made, taking over its one reference, as addVar does.
-    void putMade(const char* name, KEL_Impl* value);
+    using Place = kel::VariableTable::Place;
 
-    /// Assigns a value just made to the variable, then releases the value.
-    void setMade(const char* name, KEL_Impl* value);
+    /// Stores a new value as addVar does, if the name is one. It is made of these arguments.
+    template <class Value, class... Arguments>
+    void putMade(const char* name, const Arguments&... arguments);
+
+    /// Assigns a value made of these arguments to the variable.
+    template <class Value, class... Arguments>
+    void setMade(const char* name, const Arguments&... arguments);
+
+    /// Stores a value of the library's, or null, under a name that is neither null nor empty.
+    void put(const char* name, JPointer<KEL_Impl>&& value);
+
+    /// Puts another value in place of a variable: removes it, notifies, stores it again, notifies.
+    void replace(const Place& place, JPointer<KEL_Impl>&& value);
 
     /// Returns the variable with this name, to be changed. Throws on an unknown name.
-    kel::VariableMap::iterator findToChange(const char* name);
+    Place findToChange(const char* name) const;
 
-    kel::VariableMap variables_;
+    kel::VariableTable variables_;
 };

@@ -2,38 +2,43 @@
 
 #include "values/KELException_Impl.h"
 
+#include <kel/JString.h>
+
 bool StringEnumeration_Impl::hasMoreElements() const {
     return cursor_ < getCount();
 }
 
-JString* StringEnumeration_Impl::next() const {
-    if (strings_.isNull()) {
+const char* StringEnumeration_Impl::current() const {
+    if (!blocks_.wasUsed()) {
         throw new KELNoSuchElementException_Impl("Enumeration is empty.");
     }
-    return hasMoreElements() ? strings_->elementAtRef(cursor_++) : nullptr;
+    return hasMoreElements() ? texts_[static_cast<std::size_t>(cursor_)] : nullptr;
 }
 
 const char* StringEnumeration_Impl::nextElement() {
-    const JString* string = next();
-    return string == nullptr ? nullptr : string->chars();
+    const char* text = current();
+    cursor_ += text != nullptr ? 1 : 0;
+    return text;
 }
 
 JObject* StringEnumeration_Impl::nextElement() const {
-    JString* string = next();
-    if (string != nullptr) {
-        string->addRef();
+    const char* text = current();
+    if (text == nullptr) {
+        return nullptr;
     }
+    JString* string = kel::makeObject<JString>(text);
+    ++cursor_;
     return string;
 }
 
 int32_t StringEnumeration_Impl::getCount() const {
-    return strings_.isNull() ? 0 : strings_->size();
+    return static_cast<int32_t>(texts_.size());
 }
 
 int32_t StringEnumeration_Impl::indexOf(const char* text) const {
     const int32_t count = text == nullptr ? 0 : getCount();
     for (int32_t i = 0; i < count; ++i) {
-        if (strings_->elementAtRef(i)->equals(text)) {
+        if (std::strcmp(texts_[static_cast<std::size_t>(i)], text) == 0) {
             return i;
         }
     }
@@ -48,17 +53,20 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
     if (other == nullptr) {
         return;
     }
-    // The new names are collected, and room is made for them, before the first is added. Until then
-    // the cursor of an enumeration of the library's own does not move.
-    const JPointer<StringEnumeration_Impl> added(new StringEnumeration_Impl());
+    // The new names are collected, and room for them is made, before the first is added. The cursor
+    // of an enumeration of the library's own stays unchanged until then.
+    StringEnumeration_Impl added;
+    std::size_t bytes = 0;
     const auto collect = [&](const char* text) {
-        if (!contains(text)) {
-            added->add(text);
+        if (text != nullptr && !contains(text) && !added.contains(text)) {
+            const std::string_view name(text);
+            added.addUnique(name);
+            bytes += name.size() + 1;
         }
     };
     if (const auto* own = dynamic_cast<StringEnumeration_Impl*>(other)) {
-        for (int32_t i = 0; i < own->getCount(); ++i) {
-            collect(own->strings_->elementAtRef(i)->chars());
+        for (const char* text : own->texts_) {
+            collect(text);
         }
     } else {
         other->reset();
@@ -66,12 +74,11 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
             collect(other->nextElement());
         }
     }
-    const int32_t count = added->getCount();
-    if (count > 0) {
-        makeRoom(count);
+    if (!added.texts_.empty()) {
+        makeRoom(added.texts_.size(), bytes);
     }
-    for (int32_t i = 0; i < count; ++i) {
-        strings_->addElement(added->strings_->elementAtRef(i));
+    for (const char* text : added.texts_) {
+        addUnique(text);
     }
     other->reset();
 }
@@ -82,25 +89,24 @@ void StringEnumeration_Impl::add(const char* text) {
     }
 }
 
-void StringEnumeration_Impl::addUnique(const char* text) {
-    const JPointer<JString> copy(kel::makeObject<JString>(text));
-    makeRoom(1);
-    strings_->addElement(copy.get());
+void StringEnumeration_Impl::addUnique(std::string_view text) {
+    makeRoom(1, text.size() + 1);
+    texts_.push_back(blocks_.add(text));
 }
 
-void StringEnumeration_Impl::makeRoom(int32_t count) {
-    if (strings_.isNull()) {
-        JPointer<JVector<JString>> made(new JVector<JString>(5, 5));
-        made->makeRoom(count);
-        strings_ = made;
-    } else {
-        strings_->makeRoom(count);
+void StringEnumeration_Impl::makeRoom(std::size_t count, std::size_t bytes) {
+    const std::size_t room = texts_.capacity();
+    if (count > room - texts_.size()) {
+        texts_.reserve(std::max(texts_.size() + count, 2 * room));
     }
+    blocks_.makeRoom(bytes); // last: it also records that the list was used
 }
 
 void StringEnumeration_Impl::remove(const char* text) {
     const int32_t index = indexOf(text);
     if (index != -1) {
-        strings_->removeElementAt(index);
+        const auto place = texts_.begin() + index;
+        blocks_.remove(*place);
+        texts_.erase(place);
     }
 }

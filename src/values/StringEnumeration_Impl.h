@@ -2,7 +2,8 @@
 /// StringEnumeration_Impl: a list of names.
 #pragma once
 
-#include "runtime/JVector.h"
+#include "runtime/JEnumeration.h"
+#include "values/TextBlocks.h"
 
 #include <kel/StringEnumeration.h>
 
@@ -28,19 +29,22 @@ public:
     // JEnumeration
     JObject* nextElement() const override;
 
-    /// Appends a text that is known not to be in the list yet, without searching for it.
-    void addUnique(const char* text);
+    /// Appends a text that is known not to be in the list, without searching for it.
+    void addUnique(std::string_view text);
+
+    /// Makes room for this many texts that take this many bytes together, each with its null byte.
+    /// Adding them then needs no memory.
+    /// \throws JOutOfMemoryException "Out of memory!"
+    void makeRoom(std::size_t count, std::size_t bytes);
 
 private:
     /// Returns the index of text, or -1.
     int32_t indexOf(const char* text) const;
 
-    /// Makes room for this many more strings; adding them then needs no memory.
-    void makeRoom(int32_t count);
+    /// Returns the text at the cursor; null past the last.
+    const char* current() const;
 
-    /// Returns the string at the cursor, borrowed, and advances the cursor; null past the last.
-    JString* next() const;
-
-    JPointer<JVector<JString>> strings_; // null until the first string
+    kel::Vector<const char*> texts_; ///< in order
+    kel::TextBlocks blocks_;         ///< their characters
     mutable int32_t cursor_ = 0;
 };

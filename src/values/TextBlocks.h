@@ -1,0 +1,96 @@
+/// \file
+/// TextBlocks: texts that never move.
+#pragma once
+
+#include "runtime/Storage.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <string_view>
+#include <utility>
+
+namespace kel {
+
+/// Null-terminated texts, one after the other in blocks. A text stays in its place until it is
+/// removed. A block is freed when its last text is removed; the newest block is then used again.
+class TextBlocks {
+public:
+    TextBlocks() = default;
+    TextBlocks(const TextBlocks&) = delete;
+    TextBlocks& operator=(const TextBlocks&) = delete;
+    ~TextBlocks() {
+        while (newest_ != nullptr) {
+            free(std::exchange(newest_, newest_->older));
+        }
+    }
+
+    /// Returns whether there was ever room for a text.
+    bool wasUsed() const { return newest_ != nullptr; }
+
+    /// Makes room for texts that take this many bytes together, each with its null byte.
+    /// \throws JOutOfMemoryException "Out of memory!"
+    void makeRoom(std::size_t bytes) {
+        if (newest_ != nullptr && bytes <= newest_->size - newest_->used) {
+            return;
+        }
+        // Each block is twice as large as the one before, within limits.
+        const std::size_t size =
+            newest_ == nullptr
+                ? bytes
+                : std::max(bytes, std::clamp<std::size_t>(2 * newest_->size, 64, 4096));
+        char* storage = Allocator<char>().allocate(sizeof(Block) + size);
+        newest_ = new (storage) Block{newest_, size, 0, 0};
+    }
+
+    /// Copies a text, for which there is room. \return the copy
+    const char* add(std::string_view text) {
+        char* copy = newest_->text() + newest_->used;
+        std::memcpy(copy, text.data(), text.size());
+        copy[text.size()] = '\0';
+        newest_->used += text.size() + 1;
+        ++newest_->count;
+        return copy;
+    }
+
+    /// Removes a text that add has returned.
+    void remove(const char* text) {
+        Block** link = &newest_;
+        while (!(*link)->contains(text)) {
+            link = &(*link)->older;
+        }
+        Block* block = *link;
+        if (--block->count > 0) {
+            return;
+        }
+        if (block == newest_) {
+            block->used = 0;
+        } else {
+            *link = block->older;
+            free(block);
+        }
+    }
+
+private:
+    /// The head of a block, whose texts follow it.
+    struct Block {
+        Block* older;
+        std::size_t size;  ///< of the texts' room, in bytes
+        std::size_t used;  ///< of these bytes
+        std::size_t count; ///< the texts that are not removed
+
+        char* text() { return reinterpret_cast<char*>(this + 1); }
+        bool contains(const char* place) {
+            constexpr std::less<const char*> isBefore;
+            return !isBefore(place, text()) && isBefore(place, text() + size);
+        }
+    };
+
+    static void free(Block* block) {
+        Allocator<char>().deallocate(reinterpret_cast<char*>(block), sizeof(Block) + block->size);
+    }
+
+    Block* newest_ = nullptr;
+};
+
+} // namespace kel
