@@ -235,6 +235,14 @@ bool KEL_Array_Impl::nextChild(kel::ChildCursor& cursor) const {
     return true;
 }
 
+KEL_Impl* KEL_Array_Impl::copyWithoutChildren() const {
+    JPointer<KEL_Array_Impl> made(new KEL_Array_Impl());
+    if (elements_.size() > 0) {
+        made->makeRoom(elements_.size());
+    }
+    return made.detach();
+}
+
 void KEL_Array_Impl::adoptCopiedChild(std::string_view, JPointer<KEL_Impl>&& child) {
     adoptElement(std::move(child));
 }

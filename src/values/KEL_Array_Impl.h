@@ -117,7 +117,7 @@ public:
     }
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
-    KEL_Impl* copyWithoutChildren() const override { return new KEL_Array_Impl(); }
+    KEL_Impl* copyWithoutChildren() const override;
     void adoptCopiedChild(std::string_view name, JPointer<KEL_Impl>&& child) override;
     void dropChildren() override { removeAllQuietly(); }
     bool equalsWithoutChildren(const KEL_Impl& other) const override;

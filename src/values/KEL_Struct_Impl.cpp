@@ -10,6 +10,7 @@
 #include "values/KEL_guid_Impl.h"
 #include "values/Reference.h"
 #include "values/StringEnumeration_Impl.h"
+#include "values/Temporary.h"
 #include "values/TreeCopy.h"
 
 #include <utility>
@@ -210,7 +211,7 @@ void KEL_Struct_Impl::setVar(const char* name, KEL* value) {
 }
 
 template <class Value, class... Arguments>
-void KEL_Struct_Impl::setMade(const char* name, const Arguments&... arguments) {
+void KEL_Struct_Impl::setContent(const char* name, const Arguments&... arguments) {
     if (kel::isNoName(name)) {
         return;
     }
@@ -219,31 +220,30 @@ void KEL_Struct_Impl::setMade(const char* name, const Arguments&... arguments) {
     if (current.isNull()) {
         replace(place, JPointer<KEL_Impl>(new Value(arguments...)));
     } else {
-        Value value(arguments...); // nobody keeps a value that is assigned
-        current->assignConverted(&value, true);
+        current->assignConverted(kel::Temporary<Value>(arguments...).get(), true);
     }
 }
 
 void KEL_Struct_Impl::setString(const char* name, const char* text) {
     if (text != nullptr) {
-        setMade<KEL_String_Impl>(name, text);
+        setContent<KEL_String_Impl>(name, text);
     }
 }
 
 void KEL_Struct_Impl::setguid(const char* name, const JHashCode& value) {
-    setMade<KEL_guid_Impl>(name, value);
+    setContent<KEL_guid_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setDouble(const char* name, double value) {
-    setMade<KEL_Double_Impl>(name, value);
+    setContent<KEL_Double_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setInt(const char* name, int32_t value) {
-    setMade<KEL_Int_Impl>(name, value);
+    setContent<KEL_Int_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setBoolean(const char* name, bool value) {
-    setMade<KEL_Boolean_Impl>(name, value);
+    setContent<KEL_Boolean_Impl>(name, value);
 }
 
 void KEL_Struct_Impl::setVarValue(const char* name, KEL* value) {

@@ -106,6 +106,10 @@ public:
     void swapVariables(KEL_Struct_Impl& other) noexcept { variables_.swap(other.variables_); }
 
     // KEL_Impl
+    bool giveContentsBack() noexcept override {
+        variables_.giveBack();
+        return true;
+    }
     bool copiesChildren() const override { return true; }
     bool nextChild(kel::ChildCursor& cursor) const override;
     KEL_Impl* copyWithoutChildren() const override;
@@ -125,7 +129,7 @@ private:
 
     /// Assigns a value made of these arguments to the variable.
     template <class Value, class... Arguments>
-    void setMade(const char* name, const Arguments&... arguments);
+    void setContent(const char* name, const Arguments&... arguments);
 
     /// Stores a value of the library's, or null, under a name that is neither null nor empty.
     void put(const char* name, JPointer<KEL_Impl>&& value);

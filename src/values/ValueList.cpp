@@ -11,6 +11,7 @@ namespace kel {
 namespace {
 
 constexpr int32_t leastRoom = 4;
+constexpr int32_t smallRoom = 64; // doubled when it is used up; a larger one grows by half
 
 // Counted without a virtual call.
 void hold(KEL_Impl* value) {
@@ -57,10 +58,10 @@ void ValueList::grow(int32_t more) {
     if (more > INT32_MAX - size_) {
         throwOutOfMemory();
     }
-    const int32_t needed = std::max(size_ + more, leastRoom);
-    const auto ahead =
-        static_cast<int32_t>(std::min<int64_t>(room_ + int64_t{room_} / 2, INT32_MAX));
-    int32_t room = std::max(needed, ahead);
+    const int32_t needed = size_ + more;
+    const int64_t growth = room_ <= smallRoom ? room_ : room_ / 2;
+    const auto ahead = static_cast<int32_t>(std::min<int64_t>(room_ + growth, INT32_MAX));
+    int32_t room = std::max({needed, ahead, more == 1 ? leastRoom : 0});
     void* moved = tryAllocate(room);
     if (moved == nullptr && room > needed) { // perhaps there is memory for what is needed
         room = needed;

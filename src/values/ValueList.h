@@ -9,8 +9,8 @@ namespace kel {
 /// An ordered list of counted values, none of them null. Indices are not checked: callers know them
 /// to be valid. Searching compares identities. A failed operation leaves the list unchanged.
 ///
-/// Lists are parts of values: one of two pointers and two numbers, and one block for the elements.
-/// Its block grows by half, so appending a million elements one by one stays linear.
+/// Lists are parts of values, so the list itself is small. All elements lie in one block, which
+/// grows by half at least, so appending a million elements one by one stays linear.
 class ValueList {
 public:
     ValueList() = default;

@@ -337,12 +337,13 @@ void VariableTable::freeStorage() noexcept {
     }
 }
 
-VariableTable::~VariableTable() {
+void VariableTable::giveBack() noexcept {
     for (Walk walk; next(walk);) {
         VariableName name = walk.variable->name;
         name.free();
         const JPointer<KEL_Impl> released(walk.variable->value);
     }
+    flat_.setCount(0);
     freeStorage();
 }
 

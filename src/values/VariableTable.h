@@ -77,7 +77,10 @@ public:
     VariableTable() = default;
     VariableTable(const VariableTable&) = delete;
     VariableTable& operator=(const VariableTable&) = delete;
-    ~VariableTable();
+    ~VariableTable() { giveBack(); }
+
+    /// Removes every variable and all room. No variable may be prepared.
+    void giveBack() noexcept;
 
     /// Returns the number of variables.
     std::size_t size() const { return chunks_ == nullptr ? flat_.count() : chunks_->count; }

@@ -56,7 +56,7 @@ protected:
 };
 
 TEST_F(OutOfMemoryTest, BuildingLeavesNothingBehind) {
-    EXPECT_GT(failEachAllocation([] { Held<KEL_Struct>(buildDocument()).clear(); }), 30U);
+    EXPECT_GT(failEachAllocation([] { Held<KEL_Struct>(buildDocument()).clear(); }), 20U);
 }
 
 TEST_F(OutOfMemoryTest, CopyingLeavesNothingBehind) {

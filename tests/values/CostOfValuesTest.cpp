@@ -1,0 +1,119 @@
+// What a value costs. These are exact counts: whoever makes a value larger changes them on purpose,
+// and docs/storage.md with them.
+#include "meta/KELFactory.h"
+#include "support/AllocationFailure.h"
+#include "support/Held.h"
+#include "values/KEL_Array_Impl.h"
+#include "values/KEL_Int_Impl.h"
+#include "values/KEL_String_Impl.h"
+#include "values/KEL_Struct_Impl.h"
+
+#include <gtest/gtest.h>
+#include <ostream>
+#include <string>
+
+namespace {
+
+using kel::test::AllocationBudget;
+using kel::test::failEachAllocation;
+using kel::test::Held;
+
+/// The storage that values ask for.
+struct Cost {
+    std::size_t bytes = 0;
+    std::size_t allocations = 0;
+
+    friend bool operator==(const Cost&, const Cost&) = default;
+    friend std::ostream& operator<<(std::ostream& out, const Cost& cost) {
+        return out << cost.bytes << " bytes in " << cost.allocations << " allocations";
+    }
+};
+
+/// Returns what make, which returns a new value, asks for.
+template <class Make> Cost costOf(const Make& make) {
+    const auto makeAndRelease = [&] { Held<KEL>(make()).clear(); };
+    makeAndRelease(); // what is allocated once for all values
+    Cost cost;
+    {
+        const AllocationBudget budget(1 << 20);
+        const Held<KEL> value(make());
+        cost.bytes = (1 << 20) - budget.left();
+    }
+    cost.allocations = failEachAllocation(makeAndRelease);
+    return cost;
+}
+
+KEL* newString(const char* text) {
+    return new KEL_String_Impl(text);
+}
+
+KEL* newArray(int32_t count) {
+    Held<KEL_Array_Impl> array(new KEL_Array_Impl());
+    for (int32_t i = 0; i < count; ++i) {
+        array->addInt(i);
+    }
+    return array.detach();
+}
+
+KEL* newStruct(int32_t count) {
+    Held<KEL_Struct_Impl> fields(new KEL_Struct_Impl());
+    for (int32_t i = 0; i < count; ++i) {
+        fields->putInt(std::string(1, static_cast<char>('a' + i)).c_str(), i);
+    }
+    return fields.detach();
+}
+
+// Sizes of objects depend on the compiler's layout of virtual bases.
+#if defined(__x86_64__) && defined(__linux__)
+
+Cost costOfKind(KELKind kind) {
+    return costOf([kind] { return kel::createValue(kind, nullptr); });
+}
+
+TEST(CostOfValues, AnEmptyValueOfEachKind) {
+    EXPECT_EQ(costOfKind(KELKind_Int), (Cost{112, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Boolean), (Cost{112, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Double), (Cost{112, 1}));
+    EXPECT_EQ(costOfKind(KELKind_guid), (Cost{120, 1}));
+    EXPECT_EQ(costOfKind(KELKind_MemBlock), (Cost{137, 2}));
+    EXPECT_EQ(costOfKind(KELKind_String), (Cost{128, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Array), (Cost{120, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Struct), (Cost{128, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Manager), (Cost{264, 3}));
+    EXPECT_EQ(costOfKind(KELKind_Selector), (Cost{512, 4}));
+    EXPECT_EQ(costOfKind(KELKind_MultiSelector), (Cost{632, 5}));
+    EXPECT_EQ(costOfKind(KELKind_IndexList), (Cost{376, 3}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKel), (Cost{440, 5}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKelDescriptor), (Cost{440, 5}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKelVarDescriptor), (Cost{440, 5}));
+}
+
+TEST(CostOfValues, TextsAndContainers) {
+    EXPECT_EQ(costOf([] { return newString("23 characters, in place"); }), (Cost{128, 1}));
+    EXPECT_EQ(costOf([] { return newString("24 characters, elsewhere"); }), (Cost{153, 2}));
+    EXPECT_EQ(costOf([] { return newArray(10); }), (Cost{1464, 14}));
+    EXPECT_EQ(costOf([] { return newStruct(10); }), (Cost{1920, 14}));
+}
+
+#endif
+
+TEST(CostOfValues, AScalarAndAShortTextAreOneAllocation) {
+    for (const KELKind kind :
+         {KELKind_Int, KELKind_Boolean, KELKind_Double, KELKind_guid, KELKind_String}) {
+        EXPECT_EQ(costOf([kind] { return kel::createValue(kind, nullptr); }).allocations, 1U)
+            << kind;
+    }
+    EXPECT_EQ(costOf([] { return newString("23 characters, in place"); }).allocations, 1U);
+}
+
+TEST(CostOfValues, ASetterOfAnElementAllocatesNothing) {
+    const Held<KEL> array(newArray(3));
+    const Held<KEL> fields(newStruct(3));
+    EXPECT_EQ(failEachAllocation([&] {
+                  dynamic_cast<KEL_Array&>(*array).setInt(1, 5);
+                  dynamic_cast<KEL_Struct&>(*fields).setInt("b", 5);
+              }),
+              0U);
+}
+
+} // namespace
