@@ -100,8 +100,8 @@ FILE* opened(FILE* file) {
     return file;
 }
 
-/// A FILE that appends to a vector of bytes, which is also how nlohmann writes MessagePack. A memory
-/// stream of the C library grows in another way, and costs more than what is measured.
+/// A FILE that appends to a vector of bytes, which is also how nlohmann writes MessagePack. A
+/// memory stream of the C library grows in another way, and costs more than what is measured.
 class MemoryFile {
 public:
     MemoryFile() : file_(opened(fopencookie(&bytes_, "wb", {nullptr, append, nullptr, nullptr}))) {

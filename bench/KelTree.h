@@ -31,7 +31,8 @@ std::string textOf(KEL* tree);
 /// Reads a tree from binary in memory, through fmemopen.
 Tree readBinary(const std::string& bytes);
 
-/// Writes the tree as binary to memory, through a FILE that appends to a vector. \return the number of bytes
+/// Writes the tree as binary to memory, through a FILE that appends to a vector. \return the number
+/// of bytes
 std::size_t writeBinary(KEL* tree);
 
 /// Returns a copy of the binary form.
