@@ -56,11 +56,17 @@ void addTextWrite(const Document& document) {
 void addBinaryWrite(const Document& document) {
     add("binary_write", "KEL", document.name, [&document](benchmark::State& state) {
         const Tree tree = makeTree(document.json);
-        measureWork(state, document.values, [&tree] { return writeBinary(tree.get()); });
+        Bytes bytes;
+        measureWork(state, document.values, [&] { return writeBinary(tree.get(), bytes); });
     });
     add("binary_write", "nlohmann", document.name, [&document](benchmark::State& state) {
         const json tree = json::parse(document.json);
-        measureWork(state, document.values, [&tree] { return json::to_msgpack(tree).size(); });
+        Bytes bytes;
+        measureWork(state, document.values, [&] {
+            bytes.clear();
+            json::to_msgpack(tree, bytes);
+            return bytes.size();
+        });
     });
 }
 

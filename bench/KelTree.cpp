@@ -100,11 +100,12 @@ FILE* opened(FILE* file) {
     return file;
 }
 
-/// A FILE that appends to a vector of bytes, which is also how nlohmann writes MessagePack. A
-/// memory stream of the C library grows in another way, and costs more than what is measured.
+/// A FILE that appends to bytes, which is also how nlohmann writes MessagePack. A memory stream of
+/// the C library grows in another way, and costs more than what is measured.
 class MemoryFile {
 public:
-    MemoryFile() : file_(opened(fopencookie(&bytes_, "wb", {nullptr, append, nullptr, nullptr}))) {
+    explicit MemoryFile(Bytes& bytes)
+        : file_(opened(fopencookie(&bytes, "wb", {nullptr, append, nullptr, nullptr}))) {
         std::setvbuf(file_, nullptr, _IONBF, 0); // the library collects what it writes
     }
     MemoryFile(const MemoryFile&) = delete;
@@ -117,17 +118,14 @@ public:
         DeleteKELOutputStream(stream);
         std::fflush(file_);
     }
-    std::size_t size() const { return bytes_.size(); }
-    std::string bytes() const { return std::string(bytes_.begin(), bytes_.end()); }
 
 private:
     static ssize_t append(void* bytes, const char* more, std::size_t count) {
-        auto& all = *static_cast<std::vector<char>*>(bytes);
+        auto& all = *static_cast<Bytes*>(bytes);
         all.insert(all.end(), more, more + count);
         return static_cast<ssize_t>(count);
     }
 
-    std::vector<char> bytes_;
     FILE* file_;
 };
 
@@ -176,16 +174,16 @@ Tree readBinary(const std::string& bytes) {
     return tree;
 }
 
-std::size_t writeBinary(KEL* tree) {
-    MemoryFile file;
-    file.write(tree);
-    return file.size();
+std::size_t writeBinary(KEL* tree, Bytes& bytes) {
+    bytes.clear();
+    MemoryFile(bytes).write(tree);
+    return bytes.size();
 }
 
 std::string bytesOf(KEL* tree) {
-    MemoryFile file;
-    file.write(tree);
-    return file.bytes();
+    Bytes bytes;
+    writeBinary(tree, bytes);
+    return std::string(bytes.begin(), bytes.end());
 }
 
 } // namespace bench

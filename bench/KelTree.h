@@ -4,8 +4,10 @@
 
 #include <kel/kel.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace bench {
 
@@ -31,9 +33,13 @@ std::string textOf(KEL* tree);
 /// Reads a tree from binary in memory, through fmemopen.
 Tree readBinary(const std::string& bytes);
 
-/// Writes the tree as binary to memory, through a FILE that appends to a vector. \return the number
-/// of bytes
-std::size_t writeBinary(KEL* tree);
+/// What binary output is collected in. Benchmarks use it again and again: its growth depends on the
+/// length of the output, and is not part of writing.
+using Bytes = std::vector<std::uint8_t>;
+
+/// Writes the tree as binary to bytes, which it clears first, through a FILE. \return the number of
+/// bytes
+std::size_t writeBinary(KEL* tree, Bytes& bytes);
 
 /// Returns a copy of the binary form.
 std::string bytesOf(KEL* tree);

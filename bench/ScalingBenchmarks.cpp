@@ -46,7 +46,8 @@ void addSize(std::size_t size) {
         measureWork(state, p.values, [&p] { return writeText(p.tree.get()); });
     });
     addOperation("binary_write", size, [](benchmark::State& state, const Prepared& p) {
-        measureWork(state, p.values, [&p] { return writeBinary(p.tree.get()); });
+        Bytes bytes;
+        measureWork(state, p.values, [&] { return writeBinary(p.tree.get(), bytes); });
     });
     addOperation("binary_read", size, [](benchmark::State& state, const Prepared& p) {
         measureMaking(state, p.values, [&p] { return readBinary(p.bytes); });
