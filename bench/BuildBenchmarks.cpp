@@ -22,7 +22,7 @@ constexpr std::array<const char*, 10> fieldNames = {"field_0", "field_1", "field
 /// The nested arrays are three levels deep. Each has this many elements, the innermost Strings.
 constexpr int32_t breadth = 100;
 constexpr int32_t nestedValues = 1 + breadth * (1 + breadth * (1 + breadth));
-constexpr const char* letters = "A string of 24 letters.";
+constexpr const char* text = "A text of 24 characters.";
 
 Tree kelInts() {
     KEL_Array* array = CreateKELArray();
@@ -72,7 +72,7 @@ Tree kelNested() {
         for (int32_t j = 0; j < breadth; ++j) {
             KEL_Array* inner = CreateKELArray();
             for (int32_t k = 0; k < breadth; ++k) {
-                inner->addString(letters);
+                inner->addString(text);
             }
             middle->addVar(inner);
             DeleteKEL(inner);
@@ -90,7 +90,7 @@ json nlohmannNested() {
         for (int32_t j = 0; j < breadth; ++j) {
             json inner = json::array();
             for (int32_t k = 0; k < breadth; ++k) {
-                inner.push_back(letters);
+                inner.push_back(text);
             }
             middle.push_back(std::move(inner));
         }

@@ -40,13 +40,14 @@ void addTextWrite(const Document& document) {
     });
     add("text_write", "nlohmann", document.name, [&document](benchmark::State& state) {
         const json tree = json::parse(document.json);
-        measureWork(state, document.values, [&tree] { return tree.dump(4).size(); });
+        measureWork(state, document.values, [&tree] { return tree.dump(1, '\t').size(); });
     });
     add("text_write", "RapidJSON", document.name, [&document](benchmark::State& state) {
         const rapidjson::Document tree = parseRapid(document.json);
         measureWork(state, document.values, [&tree] {
             rapidjson::StringBuffer buffer;
             rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
+            writer.SetIndent('\t', 1); // as KEL's text is indented
             tree.Accept(writer);
             return buffer.GetSize();
         });

@@ -35,7 +35,8 @@ public:
 
     virtual ~JObject() {}
 
-    /// Returns true if other is an object with the same identity. Returns false for null.
+    /// Returns true if other is an object with the same identity. Returns false for null. Classes
+    /// whose identities are drawn later override it.
     virtual bool equals(const JObject* other) const {
         if (other == nullptr) {
             return false;

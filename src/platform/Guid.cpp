@@ -11,7 +11,6 @@
 #include "platform/RandomStream.h"
 
 #include <ctime>
-#include <mutex>
 #include <pthread.h>
 #include <unistd.h>
 #endif
@@ -41,8 +40,27 @@ bool drawFromPlatform(JHashCode& out) {
 /// the parent's.
 std::atomic<uint32_t> processGeneration{1};
 
+/// A key for the streams that the kernel refuses one. It is kept with the first key of the process,
+/// before anybody is assured of an identity. No lock protects it, because a fork can copy a lock
+/// that nobody will unlock.
+enum class SpareKey { none, beingKept, kept };
+std::atomic<SpareKey> spareKeyState{SpareKey::none};
+RandomStream::Key spareKey;
+std::atomic<uint32_t> spareUses{0};
+
+void keepSpareKey(const RandomStream::Key& key) {
+    SpareKey expected = SpareKey::none;
+    if (spareKeyState.compare_exchange_strong(expected, SpareKey::beingKept)) {
+        spareKey = key;
+        spareKeyState.store(SpareKey::kept, std::memory_order_release);
+    }
+}
+
 void enterChild() {
     processGeneration.fetch_add(1, std::memory_order_relaxed);
+    // A thread that does not exist in the child can have been about to keep it.
+    SpareKey expected = SpareKey::beingKept;
+    spareKeyState.compare_exchange_strong(expected, SpareKey::none);
 }
 
 [[maybe_unused]] const int forkHandler = pthread_atfork(nullptr, nullptr, enterChild);
@@ -53,24 +71,6 @@ struct Generator {
 };
 
 thread_local Generator generator;
-
-/// A key for the streams that the kernel refuses one. It is drawn once, with the first key of the
-/// process, before anybody is assured of an identity.
-std::mutex spareLock;
-std::atomic<bool> hasSpareKey{false};
-RandomStream::Key spareKey;
-std::atomic<uint32_t> spareUses{0};
-
-bool keepSpareKey() {
-    if (hasSpareKey) {
-        return true;
-    }
-    const std::lock_guard<std::mutex> guard(spareLock);
-    if (!hasSpareKey) {
-        hasSpareKey = RandomStream::drawKey(spareKey);
-    }
-    return hasSpareKey;
-}
 
 /// Gives this thread's stream the spare key, with a number that no other stream of this process and
 /// its relatives has.
@@ -96,8 +96,13 @@ bool drawFromPlatform(JHashCode& out) {
     const uint32_t now = processGeneration.load(std::memory_order_relaxed);
     if (mine.generation != now) {
         mine.generation = 0;
-        if (!keepSpareKey() || !mine.stream.key()) {
+        RandomStream::Key spare;
+        const bool needsSpare = spareKeyState.load(std::memory_order_relaxed) == SpareKey::none;
+        if ((needsSpare && !RandomStream::drawKey(spare)) || !mine.stream.keyFromKernel()) {
             return false;
+        }
+        if (needsSpare) {
+            keepSpareKey(spare);
         }
         mine.generation = now;
     }
@@ -126,7 +131,7 @@ void createAssuredGuid(JHashCode&) {}
 #else
 
 bool isGuidAssured() {
-    return hasSpareKey.load(std::memory_order_acquire) &&
+    return spareKeyState.load(std::memory_order_acquire) == SpareKey::kept &&
            installedSource.load(std::memory_order_relaxed) == drawFromPlatform;
 }
 

@@ -25,7 +25,7 @@ bool RandomStream::drawKey(Key& key) {
     return true;
 }
 
-bool RandomStream::key() {
+bool RandomStream::keyFromKernel() {
     Key key;
     if (!drawKey(key)) {
         return false;

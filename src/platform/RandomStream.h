@@ -20,7 +20,7 @@ public:
     static bool drawKey(Key& key);
 
     /// Draws a new key from the kernel and starts over. \return false when the kernel fails
-    bool key();
+    bool keyFromKernel();
 
     /// Starts over with a given key. Streams with one key differ if their two numbers do.
     void keyWith(const Key& key, uint32_t number, uint32_t subNumber);

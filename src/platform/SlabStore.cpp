@@ -2,107 +2,35 @@
 
 #if !defined(_WIN32)
 
+#include "platform/Slab.h"
 #include "platform/ThreadLocal.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <mutex>
 #include <new>
 #include <pthread.h>
-#include <sys/mman.h>
 
 namespace kel::platform {
-
-namespace {
-
-constexpr std::size_t slabSize = std::size_t{64} * 1024;
-constexpr std::size_t slabsPerRegion = 32;
-constexpr std::size_t regionSize = slabsPerRegion * slabSize; // a huge page on most machines
-constexpr std::size_t classCount = largestBlock / blockGranule;
-constexpr std::size_t reservedRegions = 4; // kept although empty
-
-struct Block {
-    Block* next;
-};
-
-struct Region;
-
-/// The state of one slab. Those of a region lie together, apart from the blocks: at the beginning
-/// of each slab they would all compete for the same few lines of the cache.
-struct alignas(64) Slab {
-    Block* free; ///< freed blocks, the last one first
-    char* fresh; ///< the blocks from here to end were never used
-    char* end;
-    uint32_t used; ///< blocks that are neither free nor fresh, those of remote included
-    uint8_t sizeClass;
-    bool isFull;    ///< set aside without a block to give
-    bool isCurrent; ///< the one that the heap allocates from
-    Slab* next;     ///< in the heap's list of slabs with room, or of empty slabs
-    Slab* previous;
-    std::atomic<Block*> remote; ///< blocks that other threads freed
-    Slab* nextRemote;           ///< in the heap's list of slabs with such blocks
-};
-
-/// The doubly linked list of slabs through their next and previous.
-struct SlabList {
-    Slab* first = nullptr;
-
-    void push(Slab* slab) {
-        slab->previous = nullptr;
-        slab->next = first;
-        if (first != nullptr) {
-            first->previous = slab;
-        }
-        first = slab;
-    }
-    void remove(Slab* slab) {
-        (slab->previous == nullptr ? first : slab->previous->next) = slab->next;
-        if (slab->next != nullptr) {
-            slab->next->previous = slab->previous;
-        }
-    }
-};
 
 /// The slabs of one thread, or those that an ended thread has left.
 struct Heap {
     Slab* current[classCount];
-    SlabList withRoom[classCount];
-    SlabList empty;
-    Region* regions = nullptr;
+    LinkedList<Slab> withRoom[classCount];
+    LinkedList<Slab> empty;
+    LinkedList<Region> regions;
     std::size_t regionCount = 0;
     std::size_t emptyRegions = 0;
     std::atomic<bool> hasRemote{false};
     Slab* remoteSlabs = nullptr;       // guarded by the lock
     std::atomic<bool> isOrphan{false}; // changed under the lock
-    Heap* nextOrphan = nullptr;        // guarded by the lock
+    Heap* nextUnowned = nullptr;       // guarded by the lock
 };
 
-/// A piece of memory from the system, aligned to its size, so that a block's address leads to it.
-struct Region {
-    std::atomic<Heap*> heap;
-    Region* next;
-    Region* previous;
-    uint32_t usedSlabs;
-    Slab slabs[slabsPerRegion];
-};
+namespace {
 
-constexpr std::size_t headSize = (sizeof(Region) + 63) / 64 * 64;
-static_assert(headSize < slabSize / 8);
-
-Region* regionOf(const void* block) {
-    return reinterpret_cast<Region*>(reinterpret_cast<uintptr_t>(block) & ~(regionSize - 1));
-}
-
-Slab* slabOf(const void* block) {
-    const std::size_t offset = reinterpret_cast<uintptr_t>(block) & (regionSize - 1);
-    return &regionOf(block)->slabs[offset / slabSize];
-}
-
-constexpr std::size_t sizeOfClass(std::size_t sizeClass) {
-    return (sizeClass + 1) * blockGranule;
-}
+constexpr std::size_t reservedRegions = 4; // kept although empty
 
 // A thread without a heap has this one, whose slab never has a block to give. Nobody writes to it.
 Slab noSlab{};
@@ -118,51 +46,48 @@ struct NoHeap : Heap {
 constinit NoHeap noHeap;
 KEL_HOT_THREAD_LOCAL Heap* threadHeap = &noHeap;
 
+/// A lock that a thread holds while it forks, so that what the lock guards is complete in the
+/// child. Other handlers of the fork run meanwhile on the same thread, and pass.
+class ForkLock {
+public:
+    void lock() {
+        if (!isForking_) {
+            mutex_.lock();
+        }
+    }
+    void unlock() {
+        if (!isForking_) {
+            mutex_.unlock();
+        }
+    }
+    void beginFork() {
+        mutex_.lock();
+        isForking_ = true;
+    }
+    void endFork() {
+        isForking_ = false;
+        mutex_.unlock();
+    }
+
+private:
+    static inline thread_local bool isForking_ = false;
+    std::mutex mutex_;
+};
+
 // What threads share: the heaps of ended threads, and the remote lists of all heaps.
-constinit std::mutex lock;
+constinit ForkLock lock;
 constinit Heap* orphans = nullptr; // with slabs
 constinit Heap* spareHeaps =
     nullptr; // without; never given back, since a pointer to one can be late
 
-void* mapRegion() {
-    char* start = static_cast<char*>(
-        mmap(nullptr, 2 * regionSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-    if (start == MAP_FAILED) {
-        return nullptr;
-    }
-    const std::size_t before = (regionSize - reinterpret_cast<uintptr_t>(start)) & (regionSize - 1);
-    if (before > 0) {
-        munmap(start, before);
-    }
-    if (before < regionSize) {
-        munmap(start + before + regionSize, regionSize - before);
-    }
-    return start + before;
-}
-
-void linkRegion(Heap& heap, Region* region) {
-    region->previous = nullptr;
-    region->next = heap.regions;
-    if (heap.regions != nullptr) {
-        heap.regions->previous = region;
-    }
-    heap.regions = region;
-    ++heap.regionCount;
-}
-
 bool addRegion(Heap& heap) {
-    void* memory = mapRegion();
-    if (memory == nullptr) {
+    Region* region = Region::map(heap.regionCount > 0); // a small process keeps small pages
+    if (region == nullptr) {
         return false;
     }
-#if defined(MADV_HUGEPAGE)
-    if (heap.regionCount > 0) { // a small process keeps small pages
-        madvise(memory, regionSize, MADV_HUGEPAGE);
-    }
-#endif
-    auto* region = new (memory) Region(); // all zero, as the system made it
     region->heap.store(&heap, std::memory_order_relaxed);
-    linkRegion(heap, region);
+    heap.regions.push(region);
+    ++heap.regionCount;
     ++heap.emptyRegions;
     for (std::size_t i = slabsPerRegion; i-- > 0;) {
         heap.empty.push(&region->slabs[i]);
@@ -174,25 +99,10 @@ void removeRegion(Heap& heap, Region* region) {
     for (Slab& slab : region->slabs) {
         heap.empty.remove(&slab);
     }
-    (region->previous == nullptr ? heap.regions : region->previous->next) = region->next;
-    if (region->next != nullptr) {
-        region->next->previous = region->previous;
-    }
+    heap.regions.remove(region);
     --heap.regionCount;
     --heap.emptyRegions;
-    munmap(static_cast<void*>(region), regionSize);
-}
-
-/// Makes all blocks of a slab fresh.
-void renew(Slab* slab) {
-    Region* region = regionOf(slab);
-    const auto index = static_cast<std::size_t>(slab - region->slabs);
-    char* begin = reinterpret_cast<char*>(region) + index * slabSize + (index == 0 ? headSize : 0);
-    const std::size_t room = slabSize - (index == 0 ? headSize : 0);
-    const std::size_t size = sizeOfClass(slab->sizeClass);
-    slab->free = nullptr;
-    slab->fresh = begin;
-    slab->end = begin + room / size * size;
+    region->unmap();
 }
 
 /// Takes a slab that holds no used block off its size.
@@ -201,7 +111,7 @@ void retire(Heap& heap, Slab* slab) {
     slab->fresh = slab->end = nullptr;
     slab->isFull = false;
     heap.empty.push(slab);
-    Region* region = regionOf(slab);
+    Region* region = Region::of(slab);
     if (--region->usedSlabs == 0 && ++heap.emptyRegions > reservedRegions) {
         removeRegion(heap, region);
     }
@@ -211,7 +121,7 @@ void retire(Heap& heap, Slab* slab) {
 void afterFree(Heap& heap, Slab* slab) {
     if (slab->isCurrent) {
         if (slab->used == 0) {
-            renew(slab); // in order again
+            slab->renew(); // in order again
         }
         return;
     }
@@ -230,7 +140,7 @@ void afterFree(Heap& heap, Slab* slab) {
 void collectRemote(Heap& heap) {
     Slab* slab = nullptr;
     {
-        const std::lock_guard<std::mutex> guard(lock);
+        const std::lock_guard<ForkLock> guard(lock);
         heap.hasRemote.store(false, std::memory_order_relaxed);
         slab = heap.remoteSlabs;
         heap.remoteSlabs = nullptr;
@@ -254,15 +164,16 @@ void collectRemote(Heap& heap) {
 void adopt(Heap& heap, Heap& orphan) {
     Heap** link = &orphans;
     while (*link != &orphan) {
-        link = &(*link)->nextOrphan;
+        link = &(*link)->nextUnowned;
     }
-    *link = orphan.nextOrphan;
+    *link = orphan.nextUnowned;
     orphan.isOrphan.store(false, std::memory_order_relaxed);
-    while (Region* region = orphan.regions) {
-        orphan.regions = region->next;
+    while (Region* region = orphan.regions.first) {
+        orphan.regions.remove(region);
         region->heap.store(&heap, std::memory_order_relaxed);
-        linkRegion(heap, region);
+        heap.regions.push(region);
     }
+    heap.regionCount += orphan.regionCount;
     heap.emptyRegions += orphan.emptyRegions;
     for (std::size_t i = 0; i < classCount; ++i) {
         while (Slab* slab = orphan.withRoom[i].first) {
@@ -282,7 +193,7 @@ void adopt(Heap& heap, Heap& orphan) {
     }
     orphan.hasRemote.store(false, std::memory_order_relaxed);
     orphan.regionCount = orphan.emptyRegions = 0;
-    orphan.nextOrphan = spareHeaps;
+    orphan.nextUnowned = spareHeaps;
     spareHeaps = &orphan;
 }
 
@@ -299,25 +210,24 @@ void leaveHeap(void* heap) {
         }
         slab->isCurrent = false;
         if (slab->used == 0) {
-            slab->isFull = true; // it is in no list
             retire(mine, slab);
-        } else if (slab->free == nullptr && slab->fresh == slab->end) {
-            slab->isFull = true;
-        } else {
+        } else if (slab->hasBlock()) {
             mine.withRoom[i].push(slab);
+        } else {
+            slab->isFull = true;
         }
     }
-    for (Region* region = mine.regions; region != nullptr;) {
+    for (Region* region = mine.regions.first; region != nullptr;) {
         Region* next = region->next;
         if (region->usedSlabs == 0) {
             removeRegion(mine, region);
         }
         region = next;
     }
-    const std::lock_guard<std::mutex> guard(lock);
-    Heap*& list = mine.regions == nullptr && mine.remoteSlabs == nullptr ? spareHeaps : orphans;
+    const std::lock_guard<ForkLock> guard(lock);
+    Heap*& list = mine.regions.first == nullptr ? spareHeaps : orphans;
     mine.isOrphan.store(&list == &orphans, std::memory_order_relaxed);
-    mine.nextOrphan = list;
+    mine.nextUnowned = list;
     list = &mine;
 }
 
@@ -338,18 +248,17 @@ struct EndKey {
 };
 const EndKey endKeyOfLibrary;
 
-// A child of a fork has one thread, and the lock is free in it.
 [[maybe_unused]] const int forkHandlers =
-    pthread_atfork([] { lock.lock(); }, [] { lock.unlock(); }, [] { lock.unlock(); });
+    pthread_atfork([] { lock.beginFork(); }, [] { lock.endFork(); }, [] { lock.endFork(); });
 
 /// Gives this thread a heap. \return null when there is no memory
 Heap* makeHeap() {
     Heap* made = nullptr;
     {
-        const std::lock_guard<std::mutex> guard(lock);
+        const std::lock_guard<ForkLock> guard(lock);
         if (spareHeaps != nullptr) {
             made = spareHeaps;
-            spareHeaps = made->nextOrphan;
+            spareHeaps = made->nextUnowned;
         }
     }
     if (made == nullptr) {
@@ -360,12 +269,13 @@ Heap* makeHeap() {
         made = new (memory) Heap();
     }
     std::fill(std::begin(made->current), std::end(made->current), &noSlab);
-    const std::lock_guard<std::mutex> guard(lock);
+    const std::lock_guard<ForkLock> guard(lock);
     if (orphans != nullptr) {
         adopt(*made, *orphans);
     }
     threadHeap = made;
-    if (hasEndKey) { // else the slabs stay until the process ends
+    if (hasEndKey) { // without the key, or room for its value, the slabs stay until the process
+                     // ends
         pthread_setspecific(endKey, made);
     }
     return made;
@@ -385,7 +295,7 @@ void* takeFromNextSlab(std::size_t sizeClass) {
     }
     Slab* before = heap->current[sizeClass];
     Slab* slab = before;
-    if (slab->free == nullptr && slab->fresh == slab->end) {
+    if (!slab->hasBlock()) {
         slab = heap->withRoom[sizeClass].first;
         if (slab != nullptr) {
             heap->withRoom[sizeClass].remove(slab);
@@ -395,10 +305,10 @@ void* takeFromNextSlab(std::size_t sizeClass) {
             }
             slab = heap->empty.first;
             heap->empty.remove(slab);
-            heap->emptyRegions -= regionOf(slab)->usedSlabs++ == 0 ? 1 : 0;
+            heap->emptyRegions -= Region::of(slab)->usedSlabs++ == 0 ? 1 : 0;
             slab->sizeClass = static_cast<uint8_t>(sizeClass);
             slab->used = 0;
-            renew(slab);
+            slab->renew();
         }
         if (before != &noSlab) {
             before->isCurrent = false;
@@ -420,7 +330,7 @@ void giveRemote(Region* region, void* block) {
         Heap* mine = threadHeap;
         bool isMine = false;
         if (mine != &noHeap) {
-            const std::lock_guard<std::mutex> guard(lock);
+            const std::lock_guard<ForkLock> guard(lock);
             owner = region->heap.load(std::memory_order_relaxed);
             if (owner != mine && owner->isOrphan.load(std::memory_order_relaxed)) {
                 adopt(*mine, *owner);
@@ -433,7 +343,7 @@ void giveRemote(Region* region, void* block) {
             return;
         }
     }
-    Slab* slab = slabOf(block);
+    Slab* slab = region->slabOf(block);
     auto* freed = static_cast<Block*>(block);
     Block* first = slab->remote.load(std::memory_order_relaxed);
     do {
@@ -443,7 +353,7 @@ void giveRemote(Region* region, void* block) {
     if (first == nullptr) {
         // The slab cannot vanish before it is listed: its owner counts the block as used until
         // then.
-        const std::lock_guard<std::mutex> guard(lock);
+        const std::lock_guard<ForkLock> guard(lock);
         owner = region->heap.load(std::memory_order_relaxed);
         slab->nextRemote = owner->remoteSlabs;
         owner->remoteSlabs = slab;
@@ -471,13 +381,13 @@ void* takeBlock(std::size_t size) {
 }
 
 void giveBlock(void* block) noexcept {
-    Region* region = regionOf(block);
+    Region* region = Region::of(block);
     Heap* heap = threadHeap;
     if (region->heap.load(std::memory_order_relaxed) != heap) {
         giveRemote(region, block);
         return;
     }
-    Slab* slab = slabOf(block);
+    Slab* slab = region->slabOf(block);
     auto* freed = static_cast<Block*>(block);
     freed->next = slab->free;
     slab->free = freed;

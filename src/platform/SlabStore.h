@@ -18,8 +18,8 @@ constexpr std::size_t largestBlock = 32 * blockGranule;
 /// Blocks of one size lie side by side in slabs of 64 KiB, so a tree that is made in order lies in
 /// memory in order, also in a process that has made and released many others before. Each thread
 /// has slabs of its own and needs no lock for them. Any thread may free a block. When a thread
-/// ends, its slabs pass to the next thread that needs some or that frees one of their blocks. Empty
-/// slabs return to the system, except for a reserve of a few megabytes.
+/// ends, its slabs pass to the next thread that makes its first block or frees one of theirs.
+/// Regions of 32 empty slabs return to the system, except for a reserve of four for each thread.
 void* takeBlock(std::size_t size);
 
 /// Gives back a block from takeBlock, on any thread.

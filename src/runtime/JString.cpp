@@ -1,8 +1,7 @@
 #include <kel/JException.h>
 
-#include "platform/Memory.h"
 #include "runtime/MemoryPool.h"
-#include "runtime/SmallText.h"
+#include "runtime/Storage.h"
 
 #include <cstring>
 #include <new>
@@ -32,11 +31,6 @@ size_t lengthOf(const char* text) {
 }
 
 } // namespace
-
-// Appending fails with the constructor's message too: to the host it is the same failure.
-void kel::throwNoMemoryForText() {
-    throw JOutOfMemoryException("Cannot allocate memory in JString constructor.");
-}
 
 JString::JString(const char* text)
     : buffer_(text == nullptr ? nullptr : copyText(text, std::strlen(text))) {}

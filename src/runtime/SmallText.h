@@ -10,10 +10,6 @@
 
 namespace kel {
 
-/// Throws the failure of every text that finds no memory for its characters.
-/// \throws JOutOfMemoryException "Cannot allocate memory in JString constructor."
-[[noreturn]] void throwNoMemoryForText();
-
 /// An owned, null-terminated text of bytes. Up to 23 characters lie in the object itself, which
 /// holds no pointer to them, so a text can be moved in memory byte by byte.
 class SmallText {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <kel/JException.h>
+#include <memory>
 #include <new>
 #include <unordered_map>
 #include <utility>
@@ -18,6 +19,12 @@ namespace kel {
 /// Throws the exception that every operation of a value throws when it finds no memory.
 [[noreturn]] inline void throwOutOfMemory() {
     throw JOutOfMemoryException("Out of memory!");
+}
+
+/// Throws the failure of every text that finds no memory for its characters. Appending to a string
+/// fails with the constructor's message too, because it is the same failure to the host.
+[[noreturn]] inline void throwNoMemoryForText() {
+    throw JOutOfMemoryException("Cannot allocate memory in JString constructor.");
 }
 
 /// Allocates size bytes, uninitialised. Never returns null.
@@ -39,6 +46,12 @@ inline void* allocateSizedOrThrow(std::size_t size) {
     }
     return storage;
 }
+
+/// Owns storage from allocate or allocateOrThrow. T, or its elements, need no destructor.
+struct Deallocate {
+    void operator()(void* storage) const noexcept { platform::deallocate(storage); }
+};
+template <class T> using Storage = std::unique_ptr<T, Deallocate>;
 
 /// Base of classes whose objects `new` allocates in this storage.
 struct Stored {

@@ -5,7 +5,6 @@
 #include "runtime/Storage.h"
 
 #include <cstddef>
-#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -43,11 +42,8 @@ public:
 private:
     static constexpr std::size_t blockSize = 1024;
 
-    struct Deallocate {
-        void operator()(T* block) const noexcept { platform::deallocate(block); }
-    };
     /// Not initialized: zeroes would only be overwritten.
-    using Block = std::unique_ptr<T[], Deallocate>;
+    using Block = Storage<T[]>;
 
     /// Goes on in the block after a full one.
     void beginBlock() {

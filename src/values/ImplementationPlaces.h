@@ -30,7 +30,9 @@ public:
         }
     }
 
-    /// Remembers a class, if there is room.
+    /// Remembers a class that find does not know, if there is room. Threads that see a class for
+    /// the first time together each take a place for it, and there are many more places than
+    /// classes.
     void remember(const std::type_info& type, ptrdiff_t distance) {
         const std::size_t index = used_.load(std::memory_order_relaxed) < placeCount
                                       ? used_.fetch_add(1, std::memory_order_relaxed)
@@ -54,7 +56,7 @@ private:
         ptrdiff_t distance = 0;
     };
 
-    static constexpr std::size_t slotCount = 128;
+    static constexpr std::size_t slotCount = 512;
     static constexpr std::size_t placeCount = slotCount / 2; // so that every search ends soon
 
     static std::size_t firstSlot(const std::type_info& type) {

@@ -87,7 +87,7 @@ public:
     // array, or more than one element, and notify at the end. A bad index throws as in the
     // operation that notifies.
 
-    /// Does the same as addVar after makeRoom has made room; null changes nothing.
+    /// Does the same as addVar, and cannot fail after makeRoom has made room; null changes nothing.
     void appendQuietly(KEL_Impl* element) {
         if (element != nullptr) {
             elements_.append(element);

@@ -18,7 +18,7 @@ namespace {
 /// Values of this thread that wait until the values being destroyed are gone.
 KEL_HOT_THREAD_LOCAL KEL_Impl* doomed = nullptr;
 
-/// The number of values with children that are being destroyed, one inside the other.
+/// The number of values that are being destroyed, one inside the other.
 KEL_HOT_THREAD_LOCAL int nesting = 0;
 
 /// Most trees are not deeper than this, and are destroyed from the leaves up without waiting.
@@ -133,7 +133,7 @@ void KEL_Impl::assign(const KEL* value) {
 
 bool KEL_Impl::equals(const KEL* other) const {
     const KEL_Impl* theirs = of(other);
-    return theirs != nullptr && JObject::equals(theirs);
+    return theirs != nullptr && hasIdentityOf(*theirs);
 }
 
 bool KEL_Impl::equals(const KEL* a, const KEL* b) const {

@@ -162,7 +162,6 @@ public:
     /// Makes a value with the contents that this value would have after taking over source, for
     /// swapContents. Every step of taking over a value of the same kind that can fail is done here.
     /// \throws KELMemBlockException for a memory block of another size
-    /// \throws KELMemBlockException for a memory block of another size
     virtual JPointer<KEL_Impl> prepareContents(const KEL_Impl& source);
 
     /// Exchanges contents with a value from prepareContents.

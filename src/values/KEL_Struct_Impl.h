@@ -68,7 +68,8 @@ public:
     static void refuseQuote(std::string_view name);
 
     // The following changes notify nobody. They are for operations that change more than this
-    // struct, or more than one variable, and notify at the end. Only preparing can fail.
+    // struct, or more than one variable, and notify at the end. Those that are noexcept cannot
+    // fail.
 
     /// A variable that is ready to be stored in the struct that has prepared it. Whatever happens
     /// to that struct meanwhile, storing cannot fail. The struct must outlive the variable.

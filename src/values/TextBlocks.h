@@ -13,7 +13,7 @@
 namespace kel {
 
 /// Null-terminated texts, one after the other in blocks. A text stays in its place until it is
-/// removed. A block is freed when its last text is removed; the newest block is then used again.
+/// removed. A block whose last text is removed is freed; the newest one is used again first.
 class TextBlocks {
 public:
     TextBlocks() = default;
@@ -40,6 +40,9 @@ public:
                 ? bytes
                 : std::max(bytes, std::clamp<std::size_t>(2 * newest_->size, 64, 4096));
         char* storage = Allocator<char>().allocate(sizeof(Block) + size);
+        if (newest_ != nullptr && newest_->count == 0) { // its last text was removed
+            free(std::exchange(newest_, newest_->older));
+        }
         newest_ = new (storage) Block{newest_, size, 0, 0};
     }
 

@@ -10,7 +10,7 @@ namespace kel {
 
 namespace {
 
-constexpr int32_t leastRoom = 4;
+constexpr int32_t leastRoom = 2;
 constexpr int32_t smallRoom = 64; // doubled when it is used up; a larger one grows by half
 
 // Counted without a virtual call.

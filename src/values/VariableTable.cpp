@@ -24,7 +24,9 @@ JPointer<KEL_Impl> PreparedVariable::exchangeValue(JPointer<KEL_Impl>&& value) {
 
 void PreparedVariable::clear() {
     if (table_ != nullptr) {
-        --std::exchange(table_, nullptr)->prepared_;
+        VariableTable& table = *std::exchange(table_, nullptr);
+        --table.prepared_;
+        table.freeUnneeded();
         variable_.name.free();
         const JPointer<KEL_Impl> released(variable_.value);
     }
@@ -133,8 +135,9 @@ VariableTable::Place VariableTable::makeRoom(Place place, std::size_t more) {
         }
         if (needed <= VariableRun::limit) {
             constexpr uint32_t fewest = 4;
-            const uint32_t twice = std::min(2 * flat_.capacity(), VariableRun::limit);
-            flat_.setCapacity(std::max({static_cast<uint32_t>(needed), twice, fewest}));
+            const uint32_t ahead =
+                std::min(flat_.capacity() + flat_.capacity() / 2, VariableRun::limit);
+            flat_.setCapacity(std::max({static_cast<uint32_t>(needed), ahead, fewest}));
             return place;
         }
         becomeLarge();
@@ -269,10 +272,16 @@ Variable VariableTable::takeOut(const Place& place) noexcept {
             mergeWithNeighbour(static_cast<std::size_t>(place.run - chunks_->runs.data()));
         }
     }
+    freeUnneeded();
+    return taken;
+}
+
+void VariableTable::freeUnneeded() noexcept {
     if (size() == 0 && prepared_ == 0) {
         freeStorage();
+    } else if (chunks_ != nullptr) {
+        freeSpareRuns();
     }
-    return taken;
 }
 
 void VariableTable::mergeWithNeighbour(std::size_t run) noexcept {

@@ -42,10 +42,10 @@ private:
 /// Variables in the order of the bytes of their names, each with a value or null. The names are
 /// unique.
 ///
-/// Up to VariableRun::limit variables are in one sorted array; that many and more are in a sequence
-/// of such arrays. An insertion or removal moves the variables of one array, and the places of the
-/// arrays when one is added or removed. Names that come in ascending order fill each array. Half
-/// empty neighbours are merged.
+/// Up to VariableRun::limit variables are in one sorted array. With more the table becomes a
+/// sequence of such arrays, and remains one until it is empty. An insertion or removal moves the
+/// variables of one array, and the places of the arrays when one is added or removed. Names that
+/// come in ascending order fill each array. Half empty neighbours are merged.
 ///
 /// A table without variables has no storage. Nothing that releases a value leaves the table in an
 /// unfinished state: the value is released, by the caller or at the end, after the change.
@@ -58,7 +58,6 @@ public:
         bool isFound;
 
         /// The variable that was found.
-        Variable& operator*() const { return (*run)[index]; }
         Variable* operator->() const { return &(*run)[index]; }
     };
 
@@ -210,6 +209,9 @@ private:
 
     /// Frees the spare runs that prepared variables do not need.
     void freeSpareRuns() noexcept;
+
+    /// Frees the storage that neither variables nor prepared ones need.
+    void freeUnneeded() noexcept;
 
     /// Frees all storage, without a look at the variables.
     void freeStorage() noexcept;

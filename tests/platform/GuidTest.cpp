@@ -175,6 +175,20 @@ TEST(Guid, ComparingDrawsNothing) {
     EXPECT_FALSE(other->equals(static_cast<const KEL*>(same.get())));
 }
 
+TEST(Guid, AnIdentityStillToBeDrawnDiffersFromZero) {
+    const JPointer<KEL_Int_Impl> first(new KEL_Int_Impl(1));
+    const JPointer<KEL_Int_Impl> value(new KEL_Int_Impl(5));
+    const JPointer<KEL_Int_Impl> zero(new KEL_Int_Impl(JHashCode(), 5));
+    const KEL* a = value.get();
+    const KEL* b = zero.get();
+    EXPECT_FALSE(a->equals(b));
+    EXPECT_FALSE(b->equals(a));
+    EXPECT_FALSE(a->equals(a, b));
+    EXPECT_FALSE(static_cast<const JObject&>(*value).equals(zero.get()));
+    EXPECT_FALSE(static_cast<const JObject&>(*zero).equals(value.get()));
+    EXPECT_FALSE(value->identity().isZero());
+}
+
 #endif
 
 TEST(Guid, AContainerStaysAsItIsWhenAnElementCannotBeMade) {

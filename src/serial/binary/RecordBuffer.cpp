@@ -16,14 +16,14 @@ constexpr std::size_t lastSize = 256 * 1024;
 /// cheap this way.
 void RecordBuffer::addChunk() {
     const std::size_t size = std::clamp(total(), firstSize, lastSize);
+    const std::size_t before = total();
+    const std::size_t usedBefore = chunks_.empty() ? 0 : usedInLast();
     // Not initialized: every byte is written before it counts.
-    Chunk chunk{std::unique_ptr<uint8_t, Deallocate>(static_cast<uint8_t*>(allocateOrThrow(size))),
-                0};
-    total_ = total();
-    if (!chunks_.empty()) {
-        chunks_.back().used = usedInLast();
+    chunks_.push_back({Storage<uint8_t>(static_cast<uint8_t*>(allocateOrThrow(size))), 0});
+    if (chunks_.size() > 1) {
+        chunks_[chunks_.size() - 2].used = usedBefore;
     }
-    chunks_.push_back(std::move(chunk));
+    total_ = before;
     cursor_ = chunks_.back().bytes.get();
     end_ = cursor_ + size;
 }

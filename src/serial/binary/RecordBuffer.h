@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstring>
-#include <memory>
 
 namespace kel {
 
@@ -45,12 +44,8 @@ public:
     void writeTo(JOutputStream& sink) const;
 
 private:
-    struct Deallocate {
-        void operator()(uint8_t* bytes) const noexcept { platform::deallocate(bytes); }
-    };
-
     struct Chunk {
-        std::unique_ptr<uint8_t, Deallocate> bytes;
+        Storage<uint8_t> bytes;
         std::size_t used; ///< not up to date in the last chunk
     };
 

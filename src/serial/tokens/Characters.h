@@ -53,6 +53,11 @@ inline bool isInClass(int32_t c, uint8_t classes) {
     return c >= 0 && c <= 255 && isInClass(static_cast<uint8_t>(c), classes);
 }
 
+/// Returns whether byte is a decimal digit, without the table.
+inline bool isDigit(uint8_t byte) {
+    return static_cast<uint8_t>(byte - '0') < 10;
+}
+
 /// Returns the value of a hexadecimal digit, 0 to 15. The character must be one.
 inline uint32_t hexDigitValue(uint8_t digit) {
     return digit <= '9' ? digit - static_cast<uint32_t>('0') : (digit & 7U) + 9U;

@@ -1,5 +1,6 @@
 #include "serial/tokens/PlainScanner.h"
 
+#include "serial/tokens/Characters.h"
 #include "serial/tokens/Fraction.h"
 
 #include <cstddef>
@@ -8,10 +9,6 @@
 namespace kel {
 
 namespace {
-
-bool isDigit(uint8_t byte) {
-    return static_cast<uint8_t>(byte - '0') < 10;
-}
 
 /// True for a byte that can follow a number and belongs to the next token. A NUL may be the end of
 /// the window.

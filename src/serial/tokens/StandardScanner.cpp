@@ -12,10 +12,6 @@ namespace kel {
 
 namespace {
 
-bool isDigit(uint8_t byte) {
-    return static_cast<uint8_t>(byte - '0') < 10;
-}
-
 bool isLineEnd(uint8_t byte) {
     return byte == '\n' || byte == '\f' || byte == '\r';
 }
