@@ -3,7 +3,7 @@
 #include "meta/KELFactory.h"
 #include "values/ChildCursor.h"
 #include "values/KELException_Impl.h"
-#include "values/Reference.h"
+#include "values/KeepAlive.h"
 
 #include <utility>
 

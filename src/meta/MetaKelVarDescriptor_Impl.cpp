@@ -1,12 +1,12 @@
 #include "meta/MetaKelVarDescriptor_Impl.h"
 
+#include "runtime/Reference.h"
 #include "values/Conversions.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
-#include "values/Reference.h"
 
 #include <limits>
 #include <utility>

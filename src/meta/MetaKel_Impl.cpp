@@ -1,7 +1,6 @@
 #include "meta/MetaKel_Impl.h"
 
 #include "values/KELException_Impl.h"
-#include "values/Reference.h"
 
 namespace {
 

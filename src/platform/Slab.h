@@ -14,7 +14,7 @@ constexpr std::size_t slabsPerRegion = 32;
 constexpr std::size_t regionSize = slabsPerRegion * slabSize; // a huge page on most machines
 constexpr std::size_t classCount = largestBlock / blockGranule;
 
-/// The size of the blocks of a class.
+/// Returns the size of the blocks of a class.
 constexpr std::size_t sizeOfClass(std::size_t sizeClass) {
     return (sizeClass + 1) * blockGranule;
 }

@@ -117,7 +117,7 @@ void retire(Heap& heap, Slab* slab) {
     }
 }
 
-/// What a free does when its slab was full or is empty now.
+/// Puts a slab, one of whose blocks was freed, where it belongs if it was full or is empty now.
 void afterFree(Heap& heap, Slab* slab) {
     if (slab->isCurrent) {
         if (slab->used == 0) {

@@ -5,8 +5,8 @@
 #include "values/ImplementationPlaces.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Observer_Impl.h"
+#include "values/KeepAlive.h"
 #include "values/OutOfMemory.h"
-#include "values/Reference.h"
 #include "values/TreeCopy.h"
 #include "values/TreeEquality.h"
 

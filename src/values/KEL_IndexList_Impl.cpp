@@ -5,7 +5,7 @@
 #include "values/Conversions.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_String_Impl.h"
-#include "values/Reference.h"
+#include "values/KeepAlive.h"
 #include "values/TreeCopy.h"
 
 #include <algorithm>

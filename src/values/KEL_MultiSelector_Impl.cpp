@@ -1,7 +1,7 @@
 #include "values/KEL_MultiSelector_Impl.h"
 
 #include "runtime/RunToEnd.h"
-#include "values/Reference.h"
+#include "values/KeepAlive.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "values/KEL_Selector_Impl.h"
 
-#include "values/Reference.h"
+#include "values/KeepAlive.h"
 
 #include <utility>
 

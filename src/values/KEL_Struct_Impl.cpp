@@ -8,7 +8,7 @@
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_guid_Impl.h"
-#include "values/Reference.h"
+#include "values/KeepAlive.h"
 #include "values/StringEnumeration_Impl.h"
 #include "values/Temporary.h"
 #include "values/TreeCopy.h"

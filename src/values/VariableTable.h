@@ -57,7 +57,7 @@ public:
         uint32_t index;
         bool isFound;
 
-        /// The variable that was found.
+        /// Returns the variable that was found.
         Variable* operator->() const { return &(*run)[index]; }
     };
 

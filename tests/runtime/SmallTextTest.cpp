@@ -11,7 +11,7 @@ namespace {
 
 using kel::SmallText;
 
-/// A text of a length.
+/// Returns a text of this length.
 std::string textOf(std::size_t length) {
     std::string text;
     for (std::size_t i = 0; i < length; ++i) {

@@ -38,7 +38,7 @@ void remove(VariableTable& table, const std::string& name) {
     table.remove(place);
 }
 
-/// The names and numbers in the order of a walk.
+/// Returns the names and numbers in the order of a walk.
 std::vector<std::pair<std::string, int32_t>> contentsOf(const VariableTable& table) {
     std::vector<std::pair<std::string, int32_t>> contents;
     for (VariableTable::Walk walk; table.next(walk);) {

@@ -267,8 +267,7 @@ void TextTreeReader::openArray() {
 }
 
 void TextTreeReader::openStruct() {
-    if (source_.usesPlainScanner() &&
-        PlainScanner::isPastHeader(source_.tokens().input().begin())) {
+    if (source_.usesPlainScanner() && PlainScanner::hasNoHeader(source_.tokens().input().begin())) {
         open(Shape::structure, make<KEL_Struct_Impl>());
         Level& level = levels_.back();
         level.variables = static_cast<KEL_Struct_Impl*>(level.container.get());

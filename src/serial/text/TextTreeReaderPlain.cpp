@@ -10,7 +10,7 @@
 
 namespace kel {
 
-/// A new value of the scalar; null for the word null.
+/// Returns a new value of the scalar, or null for the word null.
 JPointer<KEL_Impl> TextTreeReader::makePlain(const PlainScalar& scalar) const {
     switch (scalar.form) {
     case PlainScalar::Form::integer:

@@ -10,8 +10,8 @@ namespace kel {
 
 namespace {
 
-/// True for a byte that can follow a number and belongs to the next token. A NUL may be the end of
-/// the window.
+/// Returns whether the byte can follow a number and belongs to the next token. A NUL may be the end
+/// of the window.
 bool endsNumber(uint8_t byte) {
     return byte != '.' && byte != '-' && byte != 'x' && byte != 0 &&
            !isInClass(byte, hexLetterClass);
@@ -149,7 +149,7 @@ const uint8_t* PlainScanner::scanKey(const uint8_t* place, const uint8_t* end,
     return key.empty() || *after != '=' ? nullptr : after + 1;
 }
 
-bool PlainScanner::isPastHeader(const uint8_t* place) {
+bool PlainScanner::hasNoHeader(const uint8_t* place) {
     const uint8_t next = *skipBlanks(place);
     return next == '\n' || next == '}' || (next != '@' && isInClass(next, keyClass));
 }

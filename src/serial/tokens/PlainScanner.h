@@ -57,9 +57,9 @@ public:
     /// \return the place after it, or null
     static const uint8_t* scanKey(const uint8_t* place, const uint8_t* end, std::string_view& key);
 
-    /// True if, after blanks, a variable or the end of a struct follows, or the end of the line. No
-    /// item of the struct's header follows then.
-    static bool isPastHeader(const uint8_t* place);
+    /// Returns whether, after blanks, a variable or the end of a struct follows, or the end of the
+    /// line. No item of the struct's header follows then.
+    static bool hasNoHeader(const uint8_t* place);
 
 private:
     /// Skips an indentation, perhaps not all of it. Eight bytes at a time, because a loop that ends

@@ -24,7 +24,7 @@ public:
         source_.readLiterally(literally);
     }
 
-    /// The next root value; null for the word null or a failure.
+    /// Returns the next root value; null for the word null or a failure.
     Held<KEL_Impl> next() {
         failure_.clear();
         try {
@@ -81,7 +81,7 @@ int compare(const std::string& text, int32_t largestPiece, bool seekable) {
     return count;
 }
 
-/// What people write besides what the writer writes.
+/// Texts that people write, but not the writer.
 const std::vector<std::string>& oddities() {
     static const std::vector<std::string> texts = {
         "#define A [ 1 x = 2.5 ]\n",

@@ -81,7 +81,7 @@ private:
     std::mt19937 random_{seed};
 };
 
-/// The machines at a place of a text.
+/// The state machines at a place of a text.
 class Machines {
 public:
     Machines(const std::string& text, std::size_t place)
@@ -100,7 +100,7 @@ public:
         }
     }
 
-    /// The first token that is neither whitespace nor one of the other types.
+    /// Returns the first token that is neither whitespace nor one of the other types.
     int32_t skip(std::vector<int32_t> others) {
         int32_t type = next();
         while (type == kel::tokenWhitespace ||
@@ -154,7 +154,7 @@ public:
         return word && !token.quoted && (token.text == "@type" || token.text == "@hashCode");
     }
 
-    /// The place after what was read.
+    /// Returns the place after what was read.
     std::size_t place() { return static_cast<std::size_t>(tokenizer_.input().position()); }
 
 private:
@@ -196,7 +196,7 @@ std::size_t compare(const std::string& text, std::size_t from, std::size_t to) {
         EXPECT_EQ(machines.place(), window.placeOf(after)) << hex(text) << " from " << from;
         ++recognised;
     }
-    if (PlainScanner::isPastHeader(window.begin())) {
+    if (PlainScanner::hasNoHeader(window.begin())) {
         EXPECT_FALSE(Machines(text, from).atHeader()) << hex(text) << " from " << from;
         ++recognised;
     }
@@ -228,7 +228,7 @@ TEST(PlainScanner, RecognisesWhatTheMachinesFindBeforeEveryByte) {
     }
 }
 
-/// The form of the scalar that text begins with; nothing if it is not recognised.
+/// Returns the form of the scalar that text begins with, or nothing if it is not recognised.
 std::optional<Form> formOf(const std::string& text) {
     PlainScalar scalar{};
     const Window window(text, 0, text.size());
