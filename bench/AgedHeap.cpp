@@ -13,7 +13,7 @@ using nlohmann::json;
 
 constexpr std::uint32_t rounds = 100;
 
-/// So many records of each library are alive between the rounds, and so many after them.
+/// The numbers of records of each library that are alive between the rounds and after them.
 constexpr std::size_t aliveMeanwhile = 8000;
 constexpr std::size_t aliveAfterwards = 500;
 

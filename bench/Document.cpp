@@ -59,7 +59,7 @@ std::string readFile(const std::filesystem::path& path) {
     return content;
 }
 
-/// Appends a number. If it has decimals, six of them are kept, without zeros at the end.
+/// Appends a number. Decimals are rounded to six places, and zeros at the end are dropped.
 void appendNumber(std::string& result, std::string_view number) {
     if (number.find_first_of(".eE") == std::string_view::npos) {
         result += number;

@@ -8,7 +8,7 @@ namespace bench {
 
 namespace {
 
-/// The values of one kind that a benchmark works on; few, so that they stay in the nearest cache.
+/// The number of values that a benchmark works on. It is small, so that they fit the nearest cache.
 constexpr std::size_t valueCount = 100;
 using Values = std::vector<Tree>;
 
@@ -20,9 +20,9 @@ template <class Create> Values makeValues(Create create) {
     return values;
 }
 
-/// Adds two operations that differ in one thing: equals has to find the implementation of a
-/// pointer to another value of this kind, and has none to find of a null pointer. Comparing the two
-/// values is part of the difference.
+/// Adds two operations: one passes equals another value of this kind, the other a null pointer. In
+/// the first, equals has to find the value's implementation and to compare the two values. In the
+/// second it has to do neither. The difference is the cost of both.
 template <class Create> void addPointers(const char* kind, Create create) {
     add("host_equals_value", "KEL", kind, [create](benchmark::State& state) {
         const Values values = makeValues(create);
@@ -52,7 +52,7 @@ KEL* makeInt() {
     return CreateKELInt(1);
 }
 
-/// Every element is replaced by another of twice as many values, which are all kept alive.
+/// Measures replacing every element. The old and the new values are all kept alive.
 void arraySetVar(benchmark::State& state) {
     const Values first = makeValues(makeInt);
     const Values second = makeValues(makeInt);
@@ -119,7 +119,7 @@ void structSetInt(benchmark::State& state) {
     });
 }
 
-/// Adds the two ways in which a host visits a struct: all names, and each name's variable too.
+/// Adds the two ways in which a host visits a struct: by names alone, and by names and variables.
 void addVisits(const char* document, std::size_t count) {
     const std::vector<std::string> names = makeNames(count);
     add("host_all_names", "KEL", document, [names](benchmark::State& state) {
@@ -150,8 +150,8 @@ void addVisits(const char* document, std::size_t count) {
     });
 }
 
-/// Creates a value and asks for its identity. If a fresh one is drawn for it, that takes longer
-/// than with a given one; the difference is the cost of drawing.
+/// Measures creating a value and getting its identity. This takes longer with a fresh identity than
+/// with a given one; the difference is the cost of drawing.
 template <class Create> void measureIdentity(benchmark::State& state, Create create) {
     KEL_Manager* manager = CreateKELManager();
     const Tree owner(manager);

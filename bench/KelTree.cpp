@@ -100,8 +100,8 @@ FILE* opened(FILE* file) {
     return file;
 }
 
-/// A FILE that appends to bytes, which is also how nlohmann writes MessagePack. A memory stream of
-/// the C library grows in another way, and costs more than what is measured.
+/// A FILE that appends to bytes, as nlohmann does when it writes MessagePack. A memory stream of
+/// the C library grows in another way and costs more than the measured work.
 class MemoryFile {
 public:
     explicit MemoryFile(Bytes& bytes)

@@ -33,8 +33,8 @@ std::string textOf(KEL* tree);
 /// Reads a tree from binary in memory, through fmemopen.
 Tree readBinary(const std::string& bytes);
 
-/// What binary output is collected in. Benchmarks use it again and again: its growth depends on the
-/// length of the output, and is not part of writing.
+/// The buffer that collects binary output. Benchmarks use the same one again and again, because its
+/// growth depends on the length of the output and is not part of writing.
 using Bytes = std::vector<std::uint8_t>;
 
 /// Writes the tree as binary to bytes, which it clears first, through a FILE. \return the number of

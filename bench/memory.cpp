@@ -86,7 +86,7 @@ bool measureDocument(const bench::Document& document) {
                    [&document] { return json::parse(document.json); });
 }
 
-/// An array of Ints; its own memory is shared out among the Ints.
+/// Measures an array of Ints. The array's own memory is divided among the Ints.
 bool measureInts() {
     return measure("int_in_array", "KEL", enough,
                    [] {
@@ -109,7 +109,7 @@ constexpr const char* tenLetters = "ten chars.";
 constexpr const char* fieldNames[] = {"field_0", "field_1", "field_2", "field_3", "field_4",
                                       "field_5", "field_6", "field_7", "field_8", "field_9"};
 
-/// Structs of ten Strings; the memory of a struct and of its names is shared out among its Strings.
+/// Measures structs of ten Strings. The memory of a struct and its names is divided among them.
 bool measureStrings() {
     return measure("string_in_struct", "KEL", std::size(fieldNames),
                    [] {

@@ -11,7 +11,7 @@ HEAPS = ("fresh", "aged")
 
 @dataclasses.dataclass
 class Run:
-    """The results of one run. Of measurements of the same thing the best counts."""
+    """The results of one run. If something is measured more than once, the best result counts."""
 
     times: dict  # heap -> operation -> document -> library -> nanoseconds of processor time per value
     memory: dict  # what -> library -> bytes per value
@@ -19,7 +19,7 @@ class Run:
     kilobytes: dict  # command -> peak memory
 
     def ratios(self, heap, operation, other):
-        """Returns document -> KEL's time by that of another library."""
+        """Returns document -> KEL's time divided by that of another library."""
         documents = self.times[heap].get(operation, {})
         return {document: cell["KEL"] / cell[other]
                 for document, cell in documents.items() if "KEL" in cell and other in cell}

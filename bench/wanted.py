@@ -10,7 +10,7 @@ SCALING_OPERATIONS = ("text_read", "text_write", "binary_write", "binary_read", 
 
 @dataclasses.dataclass
 class Row:
-    """A figure, which is wanted to be at most a bound. A timed figure has a value for each heap."""
+    """A figure and the most that it should be. A timed figure has a value for each heap."""
 
     what: str
     wanted: float
@@ -41,7 +41,7 @@ def ratio(operation, document):
 
 
 def worst_time(operation):
-    """The time of the slowest document."""
+    """Returns a figure: the time of the slowest document."""
     def figure(run, heap):
         documents = run.times[heap].get(operation, {})
         return max((cell["KEL"] for cell in documents.values()), default=None)
@@ -49,7 +49,7 @@ def worst_time(operation):
 
 
 def pointer_time(run, heap):
-    """What equals takes longer with a value than with null, for the slowest kind."""
+    """Returns by how much equals is slower with a value than with null, for the slowest kind."""
     value = run.times[heap].get("host_equals_value", {})
     null = run.times[heap].get("host_equals_null", {})
     return max((value[kind]["KEL"] - null[kind]["KEL"] for kind in POINTER_KINDS
@@ -57,7 +57,8 @@ def pointer_time(run, heap):
 
 
 def spread(operation):
-    """The slowest by the fastest time per value over all sizes; None with fewer than two."""
+    """Returns a figure: the slowest time per value divided by the fastest one, over all sizes; None
+    with fewer than two."""
     def figure(run, heap):
         times = [cell["KEL"] for cell in run.times[heap].get("scaling_" + operation, {}).values()]
         return max(times) / min(times) if len(times) > 1 else None
@@ -74,7 +75,8 @@ def document_bytes(run):
 
 
 def by_jq(figures, combine):
-    """Both conversions by jq: the sum of their times, or the greater of their peaks."""
+    """Returns a figure: both conversions divided by jq's, the sum of their times or the greater of
+    their peaks."""
     def figure(run):
         table = figures(run)
         if not {"jq", "to_binary", "to_json"} <= table.keys():

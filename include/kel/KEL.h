@@ -34,12 +34,12 @@ protected:
 /// requested type returns false, 0, 0.0, null or all zero.
 class KELInterface_Casting_V1 {
 public:
-    /// Boolean: its value. Int, Double: true only for exactly 1. guid: true if toInt is not 0.
-    /// String: true if it has any characters.
+    /// Returns the value as a truth value. A Boolean gives its value. An Int or a Double gives true
+    /// only for exactly 1, a guid if toInt is not 0, and a String if it has any characters.
     virtual bool toBoolean() const = 0;
-    /// Double: truncated toward zero through 64 bits, then the low 32 bits; 0 if it does not fit.
-    /// guid: JHashCode::intValue. String: the leading decimal integer, saturated; 0 if there is
-    /// none.
+    /// Returns the value as a 32-bit integer. A Double is truncated toward zero through 64 bits and
+    /// gives the low 32 bits, or 0 if it does not fit. A guid gives JHashCode::intValue. A String
+    /// gives its leading decimal integer, saturated, or 0 if there is none.
     virtual int32_t toInt() const = 0;
     virtual int8_t toSignedChar() const = 0;          ///< toInt, low 8 bits
     virtual uint8_t toUnsignedChar() const = 0;       ///< toInt, low 8 bits
@@ -50,7 +50,8 @@ public:
     virtual unsigned long toUnsignedLong() const = 0; ///< toInt, modulo the type's range
     virtual int64_t toInt64() const = 0;              ///< toInt
     virtual uint64_t toUnsignedInt64() const = 0;     ///< toInt, modulo 2 to the 64
-    /// guid: toInt as a double. String: the leading decimal number; 0.0 if there is none.
+    /// Returns the value as a double. A guid gives toInt. A String gives its leading decimal
+    /// number, or 0.0 if there is none.
     virtual double toDouble() const = 0;
     virtual float toFloat() const = 0;            ///< toDouble, rounded
     virtual long double toLongDouble() const = 0; ///< toDouble
@@ -59,7 +60,8 @@ public:
     /// and if there is no memory for the text. The value owns the text. It is valid until the next
     /// toString or freeString, or until a string changes.
     virtual const char* toString() const = 0;
-    /// guid: its value. Others: toInt in the lowest word. Returns out.
+    /// Copies the value as a GUID into out and returns out. A guid gives its value, and other kinds
+    /// give toInt in the lowest word.
     virtual JHashCode& toGuid(JHashCode& out) const = 0;
     /// Frees the text that toString made, if there is any.
     virtual void freeString() = 0;
@@ -75,7 +77,7 @@ public:
     /// observers; the caller owns it. A value that the source holds in two places becomes two
     /// values, which can change independently. If a value in the source contains itself, the copy has
     /// the same shape as the source instead: one copy of each value, shared in the same places. A
-    /// struct's null variable becomes an Int 0; a checked struct's stays null. The copy of a
+    /// struct's null variable becomes an Int 0; a checked struct's remains null. The copy of a
     /// manager holds the same elements, the copy of a selector selects from the same list.
     /// \throws JOutOfMemoryException "Out of memory!", by value; also if shared values would become
     ///         more than 2147483647 values
@@ -83,8 +85,8 @@ public:
 
     /// Takes over the contents of a value of the same kind, then notifies this value's observers.
     /// Afterwards both are equal in value. Containers take deep copies as copy() makes them, except
-    /// that null variables stay null; managers take the same elements; a memory block takes a block
-    /// of its own size. Null is ignored.
+    /// that null variables remain null; managers take the same elements; a memory block takes a
+    /// block of its own size. Null is ignored.
     /// \throws KELNoSuchTypeException "Can't set the value when types are not equal!"
     /// \throws KELMemBlockException "Cannot write past the end of the memory block." for a block
     ///         of another size
@@ -100,7 +102,7 @@ public:
         virtual bool equals(const KEL* a, const KEL* b) const = 0;)
 
     /// Takes over a value of any kind, converted into this value's kind as the containers' typed
-    /// getters convert. This value stays the same object of the same kind. A value without a form
+    /// getters convert. This value remains the same object of the same kind. A value without a form
     /// in this kind leaves it unchanged, as null does. A container takes over a container of the
     /// same kind as assign() does.
     /// \param notify true to notify this value's observers of the change
@@ -108,7 +110,7 @@ public:
     virtual void assignConverted(const KEL* value, bool notify) = 0;
 
     /// Returns true if other has the same kind and equal contents, element by element in
-    /// containers. Int and Double compare as numbers; all else of different kind is unequal.
+    /// containers. Int and Double compare as numbers; other values of different kinds are unequal.
     /// Identities and sharing never matter, and values that contain themselves are equal if no
     /// difference can be found. Returns false for null. The time grows with the number of distinct
     /// values in both, however they are shared.

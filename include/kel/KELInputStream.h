@@ -48,8 +48,8 @@ public:
         /// returns those bytes; the next read throws.
         /// \return the number of bytes read, 0 at end of input
         virtual int32_t JRead(uint8_t* buffer, int32_t offset, int32_t count) = 0;)
-    /// Closes a file that the stream opened. A host's FILE stays open. If it can seek, its position
-    /// is just after the last byte consumed.
+    /// Closes a file that the stream opened. A host's FILE remains open. If it can seek, its
+    /// position is just after the last byte consumed.
     virtual void JClose() = 0;
 
 protected:
@@ -111,5 +111,5 @@ KEL_API KELBinaryInputStream* KEL_CALL CreateKELBinaryInputStream(FILE* file);
 /// \throws JIOException by value, "FileInputStream. Cannot open file."
 KEL_API KELBinaryInputStream* KEL_CALL CreateKELBinaryInputStream(const char* fileName);
 
-/// Closes and releases the stream. Values that were read from it stay valid. Null is ignored.
+/// Closes and releases the stream. Values that were read from it remain valid. Null is ignored.
 KEL_API void KEL_CALL DeleteKELInputStream(KELInputStream* stream);

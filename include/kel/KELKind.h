@@ -1,5 +1,5 @@
 /// \file
-/// The kinds of values and their codes, with what is true of every value of a kind.
+/// The kinds of values, their codes, and the facts about every value of a kind.
 #pragma once
 
 #include <kel/config.h>

@@ -40,7 +40,7 @@ public:
         virtual void JWrite(const uint8_t* buffer, int32_t offset, int32_t count) = 0;)
     /// Passes all buffered bytes to the operating system.
     virtual void JFlush() = 0;
-    /// Flushes, then closes a file that the stream opened. A host's FILE stays open.
+    /// Flushes, then closes a file that the stream opened. A host's FILE remains open.
     virtual void JClose() = 0;
 
 protected:

@@ -63,8 +63,8 @@ public:
         virtual void setInt(int32_t index, int32_t value) = 0;)
     /// Converts a truth value into the element at index, as setVarValue does.
     virtual void setBoolean(int32_t index, bool value) = 0;
-    /// Assigns value to the element at index, converted into the element's kind. The element stays
-    /// the same object. It notifies its own observers; the array's observers are not notified.
+    /// Assigns value to the element at index, converted into the element's kind. The element
+    /// remains the same object. It notifies its own observers; the array's are not notified.
     /// Null, or a value without a form in the element's kind, changes nothing. Throws on a bad
     /// index.
     virtual void setVarValue(int32_t index, const KEL* value) = 0;

@@ -97,7 +97,7 @@ public:
         virtual void setKeyInt(const KEL* keyValue, int32_t value) = 0;)
     /// Calls setKeyValue with a Boolean of this value.
     virtual void setKeyBoolean(const KEL* keyValue, bool value) = 0;
-    /// Assigns newValue's contents to every key that equals keyValue. The keys stay the same
+    /// Assigns newValue's contents to every key that equals keyValue. The keys remain the same
     /// objects and notify their own observers. If one of them would refuse, nothing is assigned.
     /// Throws if no key is equal.
     /// \throws KELNoSuchTypeException "Can't set the value when types are not equal!"

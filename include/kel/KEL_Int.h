@@ -6,7 +6,7 @@
 
 class KEL_Int;
 
-/// Operations of a Int. The setters from other types convert by the rules of that type's own
+/// Operations of an Int. The setters from other types convert by the rules of that type's own
 /// conversions. They return this value, borrowed, so calls can be chained. Every setter marks the
 /// value changed and notifies its observers once.
 class KELInterface_Int_V1 {

@@ -110,7 +110,7 @@ public:
     /// Converts a truth value into the variable, as setVarValue does.
     virtual void setBoolean(const char* name, bool value) = 0;
     /// Assigns value to the variable's value, converted into the variable's kind. The variable's
-    /// value stays the same object. It notifies its own observers; the struct's observers are not
+    /// value remains the same object. It notifies its own observers; the struct's observers are not
     /// notified. A variable that holds null stores value itself, as addVar does. Null, or a value
     /// without a form in the variable's kind, changes nothing. Throws on a name that is unknown to
     /// change.

@@ -316,7 +316,7 @@ void MetaKelVarDescriptor_Impl::enumerationFromRange(KEL* extra) {
     }
     const JPointer<KEL_Array_Impl> allowed(new KEL_Array_Impl());
     for (KEL* value : {getMin(), getDefault(), extra, getMax()}) {
-        allowed->addVar(value); // which ignores null
+        allowed->addVar(value); // addVar ignores null
     }
     auto newEnum = inner().prepareVariable("enum", allowed.get());
     changeInner([&](KEL_Struct_Impl& properties) {

@@ -36,13 +36,13 @@ bool drawFromPlatform(JHashCode& out) {
 
 #else
 
-/// Counts the forks that led to this process. A generator keyed under another number is a copy of
-/// the parent's.
+/// Counts the forks that led to this process. A generator that was keyed under another number is a
+/// copy of the parent's.
 std::atomic<uint32_t> processGeneration{1};
 
-/// A key for the streams that the kernel refuses one. It is kept with the first key of the process,
-/// before anybody is assured of an identity. No lock protects it, because a fork can copy a lock
-/// that nobody will unlock.
+/// The states of the spare key, which is for streams that the kernel refuses a key. It is drawn
+/// together with the first key of the process, before isGuidAssured returns true. No lock protects
+/// it, because a fork can copy a lock that nobody will unlock.
 enum class SpareKey { none, beingKept, kept };
 std::atomic<SpareKey> spareKeyState{SpareKey::none};
 RandomStream::Key spareKey;
@@ -58,7 +58,7 @@ void keepSpareKey(const RandomStream::Key& key) {
 
 void enterChild() {
     processGeneration.fetch_add(1, std::memory_order_relaxed);
-    // A thread that does not exist in the child can have been about to keep it.
+    // The parent's thread that was about to keep the key need not exist in the child.
     SpareKey expected = SpareKey::beingKept;
     spareKeyState.compare_exchange_strong(expected, SpareKey::none);
 }

@@ -25,7 +25,7 @@ void Slab::renew() {
 }
 
 Region* Region::map(bool isHuge) {
-    // Twice the size has an aligned piece; the rest goes back at once.
+    // Twice the size contains an aligned piece. The rest is returned at once.
     char* start = static_cast<char*>(
         mmap(nullptr, 2 * regionSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     if (start == MAP_FAILED) {

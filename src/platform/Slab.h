@@ -61,7 +61,7 @@ struct alignas(64) Slab {
 
     bool hasBlock() const { return free != nullptr || fresh != end; }
 
-    /// Makes all blocks fresh, of the size of the slab's class. None may be used.
+    /// Makes all blocks fresh, of the size of the slab's class. None must be in use.
     void renew();
 };
 
@@ -85,7 +85,7 @@ struct Region {
         return &slabs[offset / slabSize];
     }
 
-    /// Takes a region from the system, all zero. \param isHuge whether huge pages are asked for
+    /// Takes a region from the system, all zero. \param isHuge whether huge pages are requested
     /// \return null when there is no memory
     static Region* map(bool isHuge);
 

@@ -46,8 +46,8 @@ struct NoHeap : Heap {
 constinit NoHeap noHeap;
 KEL_HOT_THREAD_LOCAL Heap* threadHeap = &noHeap;
 
-/// A lock that a thread holds while it forks, so that what the lock guards is complete in the
-/// child. Other handlers of the fork run meanwhile on the same thread, and pass.
+/// A lock that a thread holds while it forks, so that the data under the lock is complete in the
+/// child. Other handlers of the fork run meanwhile on the same thread; the lock lets them pass.
 class ForkLock {
 public:
     void lock() {
@@ -74,7 +74,7 @@ private:
     std::mutex mutex_;
 };
 
-// What threads share: the heaps of ended threads, and the remote lists of all heaps.
+// The lock guards the shared data: the heaps of ended threads and the remote lists of all heaps.
 constinit ForkLock lock;
 constinit Heap* orphans = nullptr; // with slabs
 constinit Heap* spareHeaps =
@@ -105,7 +105,7 @@ void removeRegion(Heap& heap, Region* region) {
     region->unmap();
 }
 
-/// Takes a slab that holds no used block off its size.
+/// Moves a slab without used blocks to the empty ones, which can serve any size.
 void retire(Heap& heap, Slab* slab) {
     slab->free = nullptr;
     slab->fresh = slab->end = nullptr;
@@ -117,7 +117,7 @@ void retire(Heap& heap, Slab* slab) {
     }
 }
 
-/// Puts a slab, one of whose blocks was freed, where it belongs if it was full or is empty now.
+/// Moves a slab that was full or is empty now to its right list, after one of its blocks was freed.
 void afterFree(Heap& heap, Slab* slab) {
     if (slab->isCurrent) {
         if (slab->used == 0) {
@@ -274,8 +274,8 @@ Heap* makeHeap() {
         adopt(*made, *orphans);
     }
     threadHeap = made;
-    if (hasEndKey) { // without the key, or room for its value, the slabs stay until the process
-                     // ends
+    if (hasEndKey) { // without the key, or room for its value, the slabs remain until the
+                     // process ends
         pthread_setspecific(endKey, made);
     }
     return made;

@@ -25,7 +25,7 @@ void* takeBlock(std::size_t size);
 /// Gives back a block from takeBlock, on any thread.
 void giveBlock(void* block) noexcept;
 
-/// Returns the bytes that this thread's slabs take from the system. For tests.
+/// Returns the number of bytes that this thread's slabs take from the system. For tests.
 std::size_t slabBytesOfThread();
 
 } // namespace kel::platform

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-/// A 64-bit value in two unsigned 32-bit words. A plain value: trivially copyable, no virtual
-/// operations.
+/// A 64-bit value in two unsigned 32-bit words. It is a plain value: trivially copyable, without
+/// virtual operations.
 class JLong64 {
 public:
     uint32_t low = 0;  ///< least significant word

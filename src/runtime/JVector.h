@@ -192,7 +192,7 @@ public:
         ++size_;
     }
 
-    /// Appends; null changes nothing.
+    /// Appends object. Null changes nothing.
     /// \throws JOutOfMemoryException "JVector::setSize() failed."
     virtual void addElement(T* object) {
         if (object == nullptr) {

@@ -78,8 +78,8 @@ private:
         short_.left = longMark;
     }
 
-    /// The last byte counts the unused characters of a short text. That makes it the NUL of a text
-    /// without any.
+    /// The last byte counts the unused characters of a short text. If there are none, it is 0 and
+    /// serves as the NUL.
     struct Short {
         char chars[shortLength];
         unsigned char left;

@@ -64,8 +64,8 @@ constexpr std::array<char, 200> digitPairs = [] {
 }();
 
 /// Writes value with six decimals if machine numbers can compute them.
-/// \return the place after the last digit; null, with nothing that counts written, if the value is
-///         too large, or too close to the middle between two texts
+/// \return the place after the last digit, or null, with nothing written, if the value is too large
+///         or too close to the middle between two texts
 char* formatMillionths(char* text, double value) {
     constexpr double tooLarge = 4294967296.0; // the digits before the point fit in 32 bits
     constexpr uint32_t million = 1000000;

@@ -45,7 +45,7 @@ private:
     /// Not initialized: zeroes would only be overwritten.
     using Block = Storage<T[]>;
 
-    /// Goes on in the block after a full one.
+    /// Continues in the block after a full one.
     void beginBlock() {
         const std::size_t place = size_ / blockSize;
         if (place == blocks_.size()) {
@@ -57,8 +57,8 @@ private:
 
     std::vector<Block> blocks_;
     std::size_t size_ = 0;
-    T* next_ = nullptr;     ///< where the next element goes
-    T* blockEnd_ = nullptr; ///< of its block; next_ if it goes to another block
+    T* next_ = nullptr;     ///< the next element's place
+    T* blockEnd_ = nullptr; ///< of its block; next_ if it needs another block
 };
 
 } // namespace kel

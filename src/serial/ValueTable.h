@@ -41,7 +41,7 @@ public:
         return number;
     }
 
-    /// Returns the value of an identity; of several values, the last one.
+    /// Returns the value of an identity. If several values have it, returns the last one.
     Found find(const JHashCode& identity) {
         linkNotes();
         const uint32_t number = index_.find(identity);
@@ -55,7 +55,7 @@ public:
     KEL_Impl* at(uint32_t number) const { return values_[number]; }
 
     /// Forgets and releases a value. Its identity then leads to the same value as before this one.
-    /// Of several values of one identity, forget the last one first.
+    /// If several values have one identity, forget the last one first.
     void forget(uint32_t number) noexcept {
         if (number < linked_ && index_.find(index_.identityAt(number)) == number) {
             const auto entry = std::lower_bound(

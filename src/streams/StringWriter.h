@@ -56,7 +56,7 @@ public:
     void JSeek(int64_t position) override;
 
 private:
-    /// Like the flags of a standard stream, whose names the messages have: a failure stays.
+    /// The states, like the flags of a standard stream that the messages name. Failures are final.
     enum class State { good, failed, bad };
 
     void write(const void* bytes, std::size_t count);

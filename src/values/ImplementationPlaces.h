@@ -1,5 +1,5 @@
 /// \file
-/// ImplementationPlaces: where in the objects of a class their KEL_Impl lies.
+/// ImplementationPlaces: the places of the KEL_Impl in the objects of each class.
 #pragma once
 
 #include <atomic>
@@ -11,8 +11,8 @@ namespace kel {
 
 /// Remembers for each class of values how far its KEL_Impl is from the beginning of the object. A
 /// dynamic_cast finds that out too, but searches the class's many bases each time. Only classes
-/// derived from KEL_Impl are remembered. They belong to the library, so their type information is
-/// there as long as the library is. Any number of threads can use the places at once.
+/// derived from KEL_Impl are remembered. They belong to the library, so their type information
+/// lives as long as the library. Any number of threads can use the places at once.
 class ImplementationPlaces {
 public:
     static constexpr ptrdiff_t unknown = -1;

@@ -111,12 +111,11 @@ public:
     virtual void notifyContentsChanged() { notifyChanged(); }
 
     /// Gives back everything that the value's own class holds, so that its destructor would have
-    /// nothing left to do. Of every value the end is part of its cost, and a destructor steps
-    /// through all bases.
+    /// nothing left to do. This makes every value cheaper: a destructor steps through all bases.
     /// \return false for a class that needs its destructor; then nothing was given back
     virtual bool giveContentsBack() noexcept { return false; }
 
-    /// Ends the value's life, but leaves its storage.
+    /// Ends the value's life but does not free its storage.
     static void end(KEL_Impl* value) noexcept;
 
     // The operations that walks over trees use.

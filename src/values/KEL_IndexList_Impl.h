@@ -151,7 +151,7 @@ private:
     KEL_Impl* keyOf(const KEL* item) const;
     KEL_Impl* itemOfValue(const KEL* keyValue) const;
 
-    /// Returns an index that a search gave. Throws the not-found message for -1.
+    /// Returns the index that a search has returned. Throws the message for -1 (not found).
     static int32_t found(int32_t index, const char* message);
 
     /// Throws on an index at which there is no pair.

@@ -124,7 +124,7 @@ public:
 private:
     using Place = kel::VariableTable::Place;
 
-    /// Stores a new value as addVar does, if the name is one. It is made of these arguments.
+    /// Stores a new value, made of these arguments, as addVar does. Ignores a null or empty name.
     template <class Value, class... Arguments>
     void putMade(const char* name, const Arguments&... arguments);
 

@@ -54,7 +54,7 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
         return;
     }
     // The new names are collected, and room for them is made, before the first is added. The cursor
-    // of an enumeration of the library's own stays unchanged until then.
+    // of an enumeration of the library's own remains unchanged until then.
     StringEnumeration_Impl added;
     std::size_t bytes = 0;
     const auto collect = [&](const char* text) {

@@ -9,8 +9,8 @@
 
 namespace kel {
 
-/// Holds a value for one operation that takes its contents over and keeps no reference to it:
-/// without an allocation, and without a destructor where none is needed.
+/// Holds a value for one operation that takes its contents over and keeps no reference to it. This
+/// needs no allocation, and no destructor where the kind needs none.
 template <class T> class Temporary {
 public:
     template <class Content>

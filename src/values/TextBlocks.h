@@ -12,7 +12,7 @@
 
 namespace kel {
 
-/// Null-terminated texts, one after the other in blocks. A text stays in its place until it is
+/// Null-terminated texts, one after the other in blocks. A text keeps its place until it is
 /// removed. A block whose last text is removed is freed; the newest one is used again first.
 class TextBlocks {
 public:

@@ -13,7 +13,7 @@ namespace {
 constexpr int32_t leastRoom = 2;
 constexpr int32_t smallRoom = 64; // doubled when it is used up; a larger one grows by half
 
-// Counted without a virtual call.
+// These two count without a virtual call.
 void hold(KEL_Impl* value) {
     static_cast<JObject*>(value)->addRef();
 }
@@ -25,7 +25,7 @@ std::size_t bytesOf(int32_t count) {
     return static_cast<std::size_t>(count) * sizeof(KEL_Impl*);
 }
 
-/// \return null when there is no memory
+/// Allocates room for count elements. \return null when there is no memory
 void* tryAllocate(int32_t count) {
     const uint64_t bytes = static_cast<uint64_t>(count) * sizeof(KEL_Impl*);
     return bytes <= SIZE_MAX ? platform::allocateSized(bytesOf(count)) : nullptr;
@@ -87,7 +87,7 @@ void ValueList::insert(KEL_Impl* value, int32_t index) {
 }
 
 void ValueList::set(KEL_Impl* value, int32_t index) {
-    hold(value); // before the release: it may be the same value
+    hold(value); // before the release: it can be the same value
     drop(std::exchange(elements_[index], value));
 }
 

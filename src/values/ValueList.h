@@ -10,7 +10,7 @@ namespace kel {
 /// to be valid. Searching compares identities. A failed operation leaves the list unchanged.
 ///
 /// Lists are parts of values, so the list itself is small. All elements lie in one block, which
-/// grows by half at least, so appending a million elements one by one stays linear.
+/// grows by half at least, so appending many elements one by one takes linear time.
 class ValueList {
 public:
     ValueList() = default;
@@ -23,10 +23,10 @@ public:
     /// Returns the element at index, borrowed.
     KEL_Impl* operator[](int32_t index) const { return elements_[index]; }
 
-    /// Returns the first index whose element has the identity of value, or -1. Null has none.
+    /// Returns the first index whose element has the identity of value; -1 if none, and for null.
     int32_t indexOf(const KEL_Impl* value) const;
 
-    /// Makes room for so many more elements; storing them then needs no memory.
+    /// Makes room for this many more elements; storing them then needs no memory.
     /// \throws JOutOfMemoryException "Out of memory!"
     void makeRoom(int32_t more) {
         if (more > room_ - size_) {

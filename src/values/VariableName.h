@@ -51,7 +51,7 @@ private:
     }
 
     /// Returns the first eight bytes of a text, filled up with zeros, as a number for comparing.
-    /// The loads of a short text overlap instead of being as many as it has bytes.
+    /// A text of four to seven bytes is loaded in two pieces that overlap.
     static uint64_t firstEight(std::string_view text) {
         const char* from = text.data();
         const std::size_t size = text.size();
@@ -136,7 +136,7 @@ private:
 
     bool isLong() const { return bytes_[last] == longMark; }
 
-    /// The block of a long name: its length, then its bytes.
+    /// Returns the block of a long name, which holds its length and then its bytes.
     char* block() const {
         char* block = nullptr;
         std::memcpy(&block, bytes_ + addressAt, sizeof block);

@@ -25,7 +25,7 @@ static_assert(sizeof(Variable) == 16 + sizeof(void*));
 /// owns the variables. Copying copies the handle.
 class VariableRun {
 public:
-    /// The most variables in one array.
+    /// The largest number of variables in one array.
     static constexpr uint32_t limit = 128;
 
     uint32_t count() const { return count_; }
@@ -56,7 +56,7 @@ public:
         return static_cast<uint32_t>(found - begin());
     }
 
-    /// Makes room for this many variables at all, at least as many as there are.
+    /// Makes room for this many variables in total, at least as many as there are.
     /// \throws JOutOfMemoryException "Out of memory!"
     void setCapacity(uint32_t capacity) {
         Variable* moved = Allocator<Variable>().allocate(capacity);

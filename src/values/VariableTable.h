@@ -14,7 +14,7 @@ class VariableTable;
 /// the table meanwhile. It owns its name and holds its value. The table must outlive it.
 class PreparedVariable {
 public:
-    /// No variable; storing it changes nothing.
+    /// Makes an empty one, which has no variable. Storing it changes nothing.
     PreparedVariable() = default;
     PreparedVariable(PreparedVariable&& other) noexcept;
     PreparedVariable& operator=(PreparedVariable&& other) noexcept;
@@ -69,7 +69,7 @@ public:
         const Variable* last = nullptr;     ///< the last one of its run
         std::size_t nextRun = 0;
 
-        /// Returns whether one more step stays in the run.
+        /// Returns whether the next variable is in the same run.
         bool hasMoreInRun() const { return variable != last; }
     };
 
@@ -90,7 +90,7 @@ public:
     /// Finds a name that is likely to come after all others.
     Place findFromEnd(const NameKey& key) const;
 
-    /// Inserts a variable at the place where find has missed its name.
+    /// Inserts a variable at the place that find has returned for its missing name.
     /// \throws JOutOfMemoryException "Out of memory!"; nothing has changed then
     void insert(const Place& place, const NameKey& key, JPointer<KEL_Impl>&& value);
 
@@ -112,7 +112,7 @@ public:
     /// \return the value that was there
     JPointer<KEL_Impl> put(PreparedVariable&& prepared) noexcept;
 
-    /// Takes a variable out. It can be stored again, without fail.
+    /// Takes a variable out. Storing it again cannot fail.
     PreparedVariable take(const Place& place) noexcept;
 
     /// Removes a variable. \return its value
@@ -124,8 +124,7 @@ public:
 
     /// Removes all variables, then releases their values.
     /// \throws JOutOfMemoryException "Out of memory!" only while variables are prepared; nothing
-    /// has
-    ///         changed then
+    ///         has changed then
     void clear();
 
     /// Makes room for this many variables at once, or for the first of very many. An empty table
@@ -139,7 +138,7 @@ public:
     void makeRoomForPreparedOf(const VariableTable& other);
 
     /// Exchanges all variables with another table. Each must have the room for those that the other
-    /// has prepared; these stay with their tables.
+    /// has prepared; these remain with their tables.
     void swap(VariableTable& other) noexcept;
 
     /// Moves a walk to the next variable; at first, to the first. \return false after the last
@@ -176,8 +175,8 @@ private:
     /// Moves a walk that has come to the end of a run to the next one.
     bool nextRun(Walk& walk) const;
 
-    /// Makes room for so many more variables besides the prepared ones, and makes sure that one can
-    /// be stored at a place. \return the place, whose run has moved if the table became large
+    /// Makes room for this many more variables besides the prepared ones, and makes sure that one
+    /// can be stored at a place. \return the place, whose run has moved if the table became large
     /// \throws JOutOfMemoryException "Out of memory!"
     Place makeRoom(Place place, std::size_t more);
     void becomeLarge();
@@ -194,11 +193,11 @@ private:
     /// \return where the place is now
     Place split(const Place& place) noexcept;
 
-    /// Stores a variable in a large table that has a slot for it, but not where it belongs, and no
+    /// Stores a variable in a large table whose free slots are all in other runs, when there is no
     /// memory for another run. Moves all variables.
     void squeezeIn(const Variable& variable) noexcept;
 
-    /// Takes a variable out; the storage that it used stays if prepared variables need it.
+    /// Takes a variable out and keeps its storage if prepared variables need it.
     Variable takeOut(const Place& place) noexcept;
 
     /// Joins a run that is nearly empty with a neighbour if both are small.
@@ -213,7 +212,7 @@ private:
     /// Frees the storage that neither variables nor prepared ones need.
     void freeUnneeded() noexcept;
 
-    /// Frees all storage, without a look at the variables.
+    /// Frees all storage but does not release the variables.
     void freeStorage() noexcept;
 
     [[no_unique_address]] VariableRun flat_; ///< all variables while the table is small

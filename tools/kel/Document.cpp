@@ -14,7 +14,7 @@ Document::~Document() {
     try {
         cutCycles();
     } catch (const std::bad_alloc&) {
-        // Without memory for the search, the values stay allocated until the process ends.
+        // Without memory for the search, the values remain allocated until the process ends.
     }
 }
 

@@ -88,7 +88,7 @@ private:
 };
 
 /// Reads root values until the library throws, which happens at the end at the latest.
-/// \throws std::bad_alloc if memory ran out, which says nothing about the content
+/// \throws std::bad_alloc if memory ran out, which is not a fault of the content
 Ending readUntilFailure(std::string_view content, Format format, std::vector<Value>& roots) {
     ValueReader reader(content, format);
     Ending ending;

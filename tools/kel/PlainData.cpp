@@ -64,7 +64,7 @@ Value renewed(KEL& value) {
 
 } // namespace
 
-/// Returns the replacement of a value, or null if the value can stay.
+/// Returns the replacement of a value, or null if the value can be kept.
 Value PlainData::plainFormOf(KEL& value) const {
     switch (kindOf(value).kind) {
     case KELKind_Manager:

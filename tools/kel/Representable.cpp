@@ -12,7 +12,8 @@ namespace kel::tool {
 
 namespace {
 
-/// For text: changes the value itself, or returns true and sets its replacement.
+/// Makes a value representable as text. Changes it in place and returns false, or returns true and
+/// sets its replacement.
 bool replaceForText(KEL& value, Value& replacement) {
     replacement = nullptr;
     if (value.getType() == KELKind_String) {

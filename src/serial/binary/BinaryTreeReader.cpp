@@ -53,7 +53,7 @@ KEL_Impl* BinaryTreeReader::read() {
 }
 
 /// Makes the half-read containers and those that refer to them unreachable. Nobody else holds them.
-/// They are emptied, because some may hold themselves.
+/// They are emptied, because some can hold themselves.
 void BinaryTreeReader::forgetIncomplete(uint32_t start) noexcept {
     for (uint32_t number = known_.size(); number-- > start;) {
         KEL_Impl* value = known_.at(number);
@@ -183,7 +183,7 @@ void BinaryTreeReader::readMagic() {
     require(isMagic && length == sizeof binary::magic - 1);
 }
 
-/// Consumes the next count bytes, which stay in the window until something else is read. If there
+/// Consumes the next count bytes, which remain in the window until something else is read. If there
 /// are fewer, all of them are consumed.
 /// \throws JEOFException with the message when there are too few
 const uint8_t* BinaryTreeReader::take(std::size_t count, const char* missing) {

@@ -43,17 +43,17 @@ public:
         StreamTokenizer::countLines(line_, lineEnds);
     }
 
-    /// Chooses whether every token is cut by the recognisers, one at a time, and the text is never
-    /// looked at in other ways. For tests.
+    /// Chooses whether the recognisers cut every token, one at a time, and nothing else examines
+    /// the text. For tests.
     void readLiterally(bool literally) {
         literally_ = literally;
         stream_.askRecognisersOnly(literally);
     }
 
-    /// True unless a test chose otherwise.
+    /// Returns true unless a test chose otherwise.
     bool usesPlainScanner() const { return !literally_; }
 
-    /// Goes back before the last token.
+    /// Moves back to the place before the last token.
     void unread() { tokens().input().seek(tokens().tokenStart()); }
 
     /// Returns whether the last token, of this type, matched nothing and the character is at its

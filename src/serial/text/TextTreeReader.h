@@ -31,7 +31,7 @@ private:
     /// The written form of a value that is not complete. A value built on a struct is a structure.
     enum class Shape { array, structure, manager, indexList, expansion };
 
-    /// What few values need while they are not complete.
+    /// Data that few values need while they are not complete.
     struct Rarities {
         std::optional<JHashCode> header = {};     ///< a second identity, in a struct's header
         std::unique_ptr<ManagerIndex> index = {}; ///< of a large manager, to find repetitions

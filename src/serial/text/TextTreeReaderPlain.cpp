@@ -1,5 +1,6 @@
-// The part of the text reader that reads what the text writer writes: without tokens, as far as it
-// lies in the window. Whatever PlainScanner does not recognise is read by the general part.
+// The part of the text reader for the output of the text writer, which it reads without tokens as
+// far as it lies in the window. The general part reads everything that PlainScanner does not
+// recognise.
 #include "serial/text/TextTreeReader.h"
 #include "values/KEL_Boolean_Impl.h"
 #include "values/KEL_Double_Impl.h"
@@ -89,7 +90,7 @@ void TextTreeReader::readPlainVariables() {
     }
 }
 
-/// Opens an array or a struct if its bracket follows. False if it does not.
+/// Opens an array or a struct if its bracket follows. Returns whether it did.
 bool TextTreeReader::openPlain() {
     BufferedInput& input = source_.tokens().input();
     switch (*input.begin()) {

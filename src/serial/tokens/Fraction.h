@@ -39,8 +39,8 @@ inline constexpr std::array<double, fractionWeightCount> fractionWeights = [] {
 }();
 static_assert(fractionWeights.back() == 0.0);
 
-/// What each digit adds in each of the first places after the point: addFractionDigit with the
-/// product made beforehand.
+/// The terms that each digit adds in each of the first places after the point. They are the
+/// products in addFractionDigit, made beforehand.
 inline constexpr std::size_t fractionTermCount = 20;
 inline constexpr std::array<std::array<double, 10>, fractionTermCount> fractionTerms = [] {
     std::array<std::array<double, 10>, fractionTermCount> terms{};

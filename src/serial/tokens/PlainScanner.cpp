@@ -10,7 +10,7 @@ namespace kel {
 
 namespace {
 
-/// Returns whether the byte can follow a number and belongs to the next token. A NUL may be the end
+/// Returns whether the byte can follow a number and belongs to the next token. A NUL can be the end
 /// of the window.
 bool endsNumber(uint8_t byte) {
     return byte != '.' && byte != '-' && byte != 'x' && byte != 0 &&

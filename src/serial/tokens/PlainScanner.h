@@ -20,11 +20,11 @@ struct PlainScalar {
     std::string_view text; ///< of a quoted word, without a NUL; lies in the window
 };
 
-/// Recognises what the text writer writes, as far as it lies whole in the read-ahead window. The
-/// places that it takes and returns are in a window (BufferedInput), which ends with a NUL. Null
-/// means that something else stands there, or something that may go on after the window:
-/// StandardScanner, which knows all tokens, decides about it. What is recognised is what
-/// StandardScanner finds; a test compares them.
+/// Recognises the output of the text writer as far as it lies completely in the read-ahead window.
+/// The places that it takes and returns are in a window (BufferedInput), which ends with a NUL. It
+/// returns null for anything else, and for anything that can continue after the window.
+/// StandardScanner, which knows all tokens, decides about that. StandardScanner finds the same in
+/// everything that PlainScanner recognises; a test compares them.
 ///
 /// Places are passed in registers: using the bytes of the window one token at a time costs more
 /// than recognising them.
@@ -62,8 +62,8 @@ public:
     static bool hasNoHeader(const uint8_t* place);
 
 private:
-    /// Skips an indentation, perhaps not all of it. Eight bytes at a time, because a loop that ends
-    /// at another place each time is slow.
+    /// Skips an indentation, perhaps not all of it. It takes eight bytes at a time, because a loop
+    /// that ends at another place each time is slow.
     static const uint8_t* skipTabs(const uint8_t* place, const uint8_t* end) {
         constexpr uint64_t eightTabs = 0x0909090909090909;
         while (end - place >= 8) {

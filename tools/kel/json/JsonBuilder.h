@@ -39,7 +39,7 @@ public:
     void beginArray();
     void endArray();
 
-    /// The number of complete root values.
+    /// Returns the number of complete root values.
     size_t rootCount() const { return roots_.size(); }
 
     /// Returns all root values and gives up their ownership.

@@ -1,5 +1,5 @@
 /// \file
-/// How JSON spells the values that it has no form for: {"$guid": "..."} and {"$memblock": "..."}.
+/// The JSON spelling of guids and memory blocks: {"$guid": "..."} and {"$memblock": "..."}.
 #pragma once
 
 #include "Values.h"

@@ -47,7 +47,7 @@ private:
     sigset_t before_{};
 };
 
-/// Handles the ending signals. Those that the process was started to ignore (nohup) stay ignored.
+/// Handles the ending signals. Those that the process was started to ignore (nohup) remain ignored.
 void handleEndingSignals() {
     for (const int signal : endingSignals) {
         if (std::signal(signal, endBySignal) == SIG_IGN) {

@@ -57,7 +57,7 @@ private:
     std::FILE* file_;
 };
 
-/// A file to write to whose bytes stay in memory.
+/// A file to write to that keeps its bytes in memory.
 class MemoryToWrite {
 public:
     /// \param limit how many bytes fit; writing more fails
