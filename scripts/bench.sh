@@ -4,8 +4,8 @@
 #   scripts/bench.sh [--twice] [OPTION OF GOOGLE BENCHMARK...]
 #
 # Every operation of every library runs in processes of its own, with a fresh heap and with an aged
-# one (see bench/AgedHeap.h). The worse of the two counts. With --twice everything is measured twice,
-# and the worst of all four counts.
+# one (see bench/AgedHeap.h). The worse of the two figures counts. With --twice everything is
+# measured twice, and the worst of all four figures counts.
 #
 # KEL_BENCH_DATA is a folder of JSON documents to measure beside the generated ones. The default is
 # ../shared/data, next to the repository. KEL_BENCH_MAX_VALUES is the size of the largest generated
@@ -32,9 +32,10 @@ bin=build/release/bin
 results=build/release/bench
 rm -rf $results/run-*
 
-# Of processes that measure the same, the fastest counts. They take turns, so that a busy spell of
-# the machine does not fall on one library alone. The operations of the host interface share a
-# process, because they hardly touch the heap. Those on trees of many sizes share the trees.
+# If several processes measure the same, the fastest counts. They take turns, so that a busy spell
+# of the machine does not fall on one library alone. The operations of the host interface share a
+# process, because they hardly touch the heap. The operations on trees of many sizes share a process
+# and its trees.
 groups=$($bin/kel_bench --benchmark_list_tests=true | cut -d/ -f1,2 |
     sed -E 's/^(host|scaling)_.*/\1_.*/' | sort -u)
 

@@ -70,7 +70,7 @@ struct Row {
     bool canBeRepeated = true;          ///< the same call must succeed after a failure
     std::string failureOfSink;          ///< of a stream whose sink needs memory itself
 
-    /// A sink in memory reports its own lack of memory like any other failure of a sink.
+    /// Expects a sink in memory to report its own lack of memory like any other failure of a sink.
     Row& orFailureOfSink(const char* message) {
         failureOfSink = std::string("KELException \"") + message + '"';
         return *this;
@@ -83,8 +83,8 @@ struct Row {
         face = Face::Neutral;
         return *this;
     }
-    /// The call returns null without memory for the object. It has the other face without memory
-    /// for the object's contents.
+    /// Expects the call to return null without memory for the object, and to have the other face
+    /// without memory for the object's contents.
     Row& answersNeutralOr(Face contents) {
         faceOfContents = contents;
         return answersNeutral();
@@ -93,7 +93,7 @@ struct Row {
         isChange = false;
         return *this;
     }
-    /// The call consumes input or writes output even if it fails.
+    /// Marks a call that consumes input or writes output even if it fails.
     Row& isOnce() {
         canBeRepeated = false;
         return *this;

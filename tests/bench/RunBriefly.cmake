@@ -1,4 +1,4 @@
-# Runs the benchmarks as briefly as possible, with a fresh and an aged heap, then the report.
+# Runs the benchmarks as briefly as possible, with a fresh and an aged heap, and then the report.
 set(ENV{KEL_BENCH_DATA} "")
 set(ENV{KEL_BENCH_MAX_VALUES} 100000)
 file(REMOVE_RECURSE ${FOLDER})

@@ -7,7 +7,7 @@ using namespace host;
 
 namespace {
 
-// ---- The handle stays the host's ---------------------------------------------------------------
+// ---- The handle remains the host's -------------------------------------------------------------
 
 TEST(Handles, AreFlushedButNotClosedByATextStream) {
     const File file;

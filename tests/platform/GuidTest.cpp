@@ -153,7 +153,7 @@ TEST(Guid, ASourceThatCanFailIsAskedForEachValueAtOnce) {
 #if !defined(_WIN32)
 
 TEST(Guid, AnAssuredIdentityNeedsNoSource) {
-    const JPointer<KEL_Int_Impl> first(new KEL_Int_Impl(1)); // at the latest now the source is open
+    const JPointer<KEL_Int_Impl> first(new KEL_Int_Impl(1)); // the source is open from now on
     const JPointer<KEL_Int_Impl> value(new KEL_Int_Impl(5));
     const NoGuids none;
     JHashCode asked;

@@ -74,7 +74,7 @@ TEST(SlabStore, BlocksOfEverySizeAreApart) {
 }
 
 TEST(SlabStore, BlocksOfOneSizeLieSideBySide) {
-    std::thread([] { // whose slabs nobody has used yet, or in which nothing is used
+    std::thread([] { // a new thread has only slabs without used blocks
         std::vector<char*> blocks;
         for (int i = 0; i < 100; ++i) {
             blocks.push_back(static_cast<char*>(takeBlock(blockGranule * 3)));
@@ -149,7 +149,7 @@ TEST(SlabStore, BlocksOutliveTheirThread) {
     for (unsigned round = 0; round < 5; ++round) {
         std::vector<std::thread> threads;
         for (unsigned i = 0; i < left.size(); ++i) {
-            // Each thread goes on with the blocks that another thread has left.
+            // Each thread continues with the blocks that another thread has left.
             threads.emplace_back([&blocks = left[(i + round) % left.size()], seed = round * 4 + i] {
                 takeAndGive(blocks, seed, 20000);
             });

@@ -177,7 +177,7 @@ TEST(Text, RandomDoublesAreWrittenAndReadAsPrintfDoes) {
     }
 }
 
-// Where the quick way to six decimals has to round, carry, or leave it to the exact one.
+// Here the quick way to six decimals has to round, carry, or leave the value to the exact way.
 TEST(Text, DoublesAroundEveryMiddleAreWrittenAsPrintfDoes) {
     std::mt19937_64 random(2027);
     for (int i = 0; i < 20000; ++i) {

@@ -76,7 +76,7 @@ const std::string binarySample =
 // ---- Reading input that can be damaged ---------------------------------------------------------
 
 /// The roots of an input up to its end or the first refusal. Values that contain themselves are
-/// taken apart in the end.
+/// taken apart at the end.
 template <class Stream> class Roots {
 public:
     explicit Roots(const std::string& bytes) {
@@ -166,8 +166,8 @@ template <class Survive> void damageEveryByte(const std::string& sample, const S
     }
 }
 
-/// Reads records up to the end of the medium. Returns a line for each read: how it ended, where,
-/// and what the value is.
+/// Reads records up to the end of the medium. Returns a line for each read: how and where it ended,
+/// and the value.
 std::string outcomesOf(JInputStream* medium) {
     std::string outcomes;
     std::list<HeldValue> roots;
@@ -189,7 +189,7 @@ std::string outcomesOf(JInputStream* medium) {
     return outcomes;
 }
 
-/// Checks that records come to the same from a pipe, whose fields arrive one by one.
+/// Checks that records have the same outcomes when their fields arrive one by one from a pipe.
 void readFieldByField(const std::string& records) {
     auto* pipe = new PieceStream(records);
     pipe->seekable = false;

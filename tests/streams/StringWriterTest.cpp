@@ -85,7 +85,7 @@ TEST(StringWriter, RefusesANegativePosition) {
               "StringWriter::JSeek(). Cannot seek to negative position.");
 }
 
-/// The message of the JIOException that action throws when its first allocation fails.
+/// Returns the message of the JIOException that action throws when its first allocation fails.
 template <class Action> std::string messageWithoutMemory(const Action& action) {
     const kel::test::FailingAllocation failing(0, false);
     return thrownMessage<JIOException>(action);

@@ -195,7 +195,7 @@ TEST(Conversions, MakingAStringLeavesTheTextOfTheSource) {
 }
 
 TEST(Conversions, TheStringIsNullWithoutMemory) {
-    const Held<KEL> source = of(1e30); // whose text does not fit the object
+    const Held<KEL> source = of(1e30); // its text does not fit the object
     const auto convert = [&] { Held<KEL_String>(convertToString(source.get())).clear(); };
     EXPECT_NO_THROW({
         for (std::size_t allowed = 0; allowed < 2; ++allowed) {

@@ -1,4 +1,4 @@
-// What a value costs. These are exact counts: whoever makes a value larger changes them on purpose,
+// The cost of values. These are exact counts: whoever makes a value larger changes them on purpose,
 // and docs/storage.md with them.
 #include "meta/KELFactory.h"
 #include "support/AllocationFailure.h"
@@ -18,7 +18,7 @@ using kel::test::AllocationBudget;
 using kel::test::failEachAllocation;
 using kel::test::Held;
 
-/// The storage that values ask for.
+/// The storage that values allocate.
 struct Cost {
     std::size_t bytes = 0;
     std::size_t allocations = 0;
@@ -29,10 +29,10 @@ struct Cost {
     }
 };
 
-/// Returns what make, which returns a new value, asks for.
+/// Returns the storage that make allocates for the new value that it returns.
 template <class Make> Cost costOf(const Make& make) {
     const auto makeAndRelease = [&] { Held<KEL>(make()).clear(); };
-    makeAndRelease(); // what is allocated once for all values
+    makeAndRelease(); // so that storage for all values is allocated already
     Cost cost;
     {
         const AllocationBudget budget(1 << 20);

@@ -31,7 +31,7 @@ Held<KEL_Struct_Impl> structOf(int count) {
 
 class StructRoom : public ::testing::TestWithParam<int> {
 protected:
-    /// Runs the change when the struct notifies first, and takes all memory away after it.
+    /// Runs the change when the struct first notifies, and takes all memory away after the change.
     void changeAtFirst(const std::function<void()>& change) {
         changed->addObserver(&watcher);
         atFirst = change;

@@ -31,7 +31,7 @@ bool put(VariableTable& table, const std::string& name, int32_t number) {
     return table.put(name, valueOf(number));
 }
 
-/// Removes a variable that is there.
+/// Removes a variable that exists.
 void remove(VariableTable& table, const std::string& name) {
     const VariableTable::Place place = table.find(NameKey(name));
     ASSERT_TRUE(place.isFound);
@@ -58,7 +58,8 @@ void expectSame(const VariableTable& table, const Reference& reference) {
     }
 }
 
-/// A name of up to 40 bytes. Many begin alike, some have bytes from 0x80 on or null bytes.
+/// Returns a name of up to 40 bytes. Many names begin alike, and some have bytes from 0x80 on or
+/// null bytes.
 std::string randomName(std::mt19937& random) {
     static const std::string letters("ab\x7f\x80\xff\0", 6);
     std::string name = random() % 3 == 0 ? "variable" : "";
@@ -76,8 +77,8 @@ std::vector<std::string> numberedNames(int count) {
     return names;
 }
 
-/// No array is larger than the limit, so these bounds of their number say how many variables and
-/// arrays an insertion can move.
+/// Checks that the table has few arrays. No array is larger than the limit, so this bound limits
+/// the variables and arrays that an insertion can move.
 void expectFewRuns(const VariableTable& table) {
     EXPECT_LE(table.countRuns(), 1 + 4 * table.size() / VariableRun::limit);
 }

@@ -62,7 +62,7 @@ std::string failing(const JHashCode& identity, const std::string& records) {
            badRecord();
 }
 
-// ---- Where the input is ------------------------------------------------------------------------
+// ---- The position in the input -----------------------------------------------------------------
 
 TEST(BinaryReaderPosition, ABadMagicIsUsedUpToItsNul) {
     const std::string record = intRecord(counting, 5);
@@ -159,7 +159,7 @@ TEST(BinaryReaderPosition, AHostThatGoesOnReachesTheEnd) {
     }
 }
 
-// ---- What references mean ----------------------------------------------------------------------
+// ---- The targets of references -----------------------------------------------------------------
 
 TEST(BinaryReaderAfterAFailure, CompleteValuesAreKept) {
     const std::string complete = record(codeOf(2), KELKind_Array, intRecord(codeOf(1), 5));

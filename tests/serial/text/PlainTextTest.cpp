@@ -81,7 +81,7 @@ int compare(const std::string& text, int32_t largestPiece, bool seekable) {
     return count;
 }
 
-/// Texts that people write, but not the writer.
+/// Texts that people write but the writer does not.
 const std::vector<std::string>& oddities() {
     static const std::vector<std::string> texts = {
         "#define A [ 1 x = 2.5 ]\n",

@@ -1,4 +1,4 @@
-// What the plain scanner recognises is what the machines find, also where the window ends early.
+// The machines find everything that the plain scanner recognises, even if the window ends early.
 #include "serial/tokens/PlainScanner.h"
 
 #include "serial/tokens/StreamTokenizer.h"
@@ -91,7 +91,7 @@ public:
         tokenizer_.input().seek(static_cast<int64_t>(place));
     }
 
-    /// The next token's type; none for a quote that is not closed.
+    /// Returns the next token's type, or none for a quote that is not closed.
     int32_t next() {
         try {
             return tokenizer_.nextToken();
@@ -147,22 +147,21 @@ public:
         return equals && !result.empty() ? std::optional(result) : std::nullopt;
     }
 
-    /// True if an item of a struct's header comes first on this line.
+    /// Returns whether the next word on this line is an item of a struct's header.
     bool atHeader() {
         const bool word = skip({kel::tokenComment}) == kel::tokenWord;
         const kel::Token& token = tokenizer_.token();
         return word && !token.quoted && (token.text == "@type" || token.text == "@hashCode");
     }
 
-    /// Returns the place after what was read.
+    /// Returns the place after the consumed text.
     std::size_t place() { return static_cast<std::size_t>(tokenizer_.input().position()); }
 
 private:
     StreamTokenizer tokenizer_;
 };
 
-/// A window that ends after so many bytes of a text: at the end stands a NUL, whatever the text
-/// goes on with.
+/// A window that shows a part of a text. A NUL follows the part, however the text continues.
 class Window {
 public:
     Window(const std::string& text, std::size_t from, std::size_t to)
