@@ -51,14 +51,14 @@ def check_layer(name, text, layer, exists):
         if style == "quoted":
             target = included.split("/")[0]
             if target not in LAYERS or not exists(f"src/{included}"):
-                yield f"{name}: {included} is no file of a layer"
+                yield f"{name}: {included} is not a file of a layer"
             elif LAYERS.index(target) > LAYERS.index(layer):
                 yield f"{name}: {layer} must not include {included}, which is above it"
         elif included.startswith("kel/"):
             if not exists(f"include/{included}"):
-                yield f"{name}: {included} is no public header"
+                yield f"{name}: {included} is not a public header"
         elif layer != "platform" and ("/" in included or included.endswith(".h")):
-            yield f"{name}: {included} is no standard C++ header"
+            yield f"{name}: {included} is not a standard C++ header"
 
 
 def room_of(folders):
@@ -88,7 +88,7 @@ def check_host(name, text, folders, exists):
         if style == "quoted" and not any(exists(f"{folder}/{included}") for folder in folders):
             yield f"{name}: a host must not include {included}"
         if style == "angled" and included.startswith("kel/") and not exists(f"include/{included}"):
-            yield f"{name}: {included} is no public header"
+            yield f"{name}: {included} is not a public header"
 
 
 def check_portable(name, text):

@@ -81,7 +81,7 @@ def parse_slots(text):
         row = Slot(match.group(1), int(match.group(2)), normal(match.group(3)), match.group(4))
         rows = tables.setdefault(row.owner, [])
         if row.slot != len(rows):
-            bad.append(f"{row.owner}: slot {row.slot} stands where {len(rows)} belongs")
+            bad.append(f"{row.owner}: slot {row.slot} is listed in place of {len(rows)}")
         if parse_operation(row.owner, row.operation) is None:
             bad.append(f"{row.owner} {row.slot}: cannot read `{row.operation}`")
         rows.append(row)

@@ -34,15 +34,15 @@ class Layers(unittest.TestCase):
 
     def test_an_include_without_its_layer_is_found(self):
         self.assertEqual(self.offences_in("values", '#include "KEL_Impl.h"'),
-                         ["file.h: KEL_Impl.h is no file of a layer"])
+                         ["file.h: KEL_Impl.h is not a file of a layer"])
 
     def test_an_include_of_a_missing_file_is_found(self):
         self.assertEqual(self.offences_in("values", '#include "values/Gone.h"', nothing_exists),
-                         ["file.h: values/Gone.h is no file of a layer"])
+                         ["file.h: values/Gone.h is not a file of a layer"])
 
     def test_a_system_header_is_found_above_the_platform_layer(self):
         self.assertEqual(self.offences_in("streams", "#include <sys/stat.h>"),
-                         ["file.h: sys/stat.h is no standard C++ header"])
+                         ["file.h: sys/stat.h is not a standard C++ header"])
         self.assertEqual(self.offences_in("platform", "#include <sys/stat.h>"), [])
 
     def test_an_include_in_a_comment_does_not_count(self):
@@ -112,7 +112,7 @@ class Contract(unittest.TestCase):
 
     def test_a_slot_out_of_order_and_a_strange_line_are_found(self):
         _, bad = contract.parse_slots("A 0 void a() 1.0\nA 2 void b() 1.0\nA 1 void c()\n")
-        self.assertEqual(bad, ["A: slot 2 stands where 1 belongs",
+        self.assertEqual(bad, ["A: slot 2 is listed in place of 1",
                                "not a row of slots.txt: A 1 void c()"])
 
     def test_layout_has_four_numbers_a_row_and_known_kinds(self):

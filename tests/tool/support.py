@@ -56,7 +56,7 @@ def tool_with_small_stack():
     header = struct.unpack_from("<I", image, 0x3C)[0]
     optional = header + 24
     if image[header:header + 4] != b"PE\0\0" or image[optional:optional + 2] != b"\x0B\x01":
-        raise ValueError(f"{TOOL} is no 32-bit Windows program")
+        raise ValueError(f"{TOOL} is not a 32-bit Windows program")
     struct.pack_into("<I", image, optional + 72, SMALL_STACK)
     copy = pathlib.Path(folder, "kel.exe")
     copy.write_bytes(image)
