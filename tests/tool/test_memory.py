@@ -31,5 +31,5 @@ class Memory(ToolTest):
         self.runs_out("a.kel")
 
     def test_binary_that_memory_does_not_hold_is_unreadable(self):
-        self.write("a.kelb", record(ARRAY, int_record(1, 2) * 600000))
+        self.write("a.kelb", record(ARRAY, int_record(1, 2) * 1200000))
         self.runs_out("a.kelb")
