@@ -24,7 +24,7 @@ void Slab::renew() {
     end = fresh + (slabSize - head) / size * size;
 }
 
-Region* Region::map(bool isHuge) {
+Region* Region::map() {
     // Twice the size contains an aligned piece. The rest is returned at once.
     char* start = static_cast<char*>(
         mmap(nullptr, 2 * regionSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
@@ -38,13 +38,6 @@ Region* Region::map(bool isHuge) {
     if (before < regionSize) {
         munmap(start + before + regionSize, regionSize - before);
     }
-#if defined(MADV_HUGEPAGE)
-    if (isHuge) {
-        madvise(start + before, regionSize, MADV_HUGEPAGE);
-    }
-#else
-    static_cast<void>(isHuge);
-#endif
     return new (start + before) Region(); // the slabs are zero, as the system made them
 }
 

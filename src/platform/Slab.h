@@ -11,7 +11,7 @@ namespace kel::platform {
 
 constexpr std::size_t slabSize = std::size_t{64} * 1024;
 constexpr std::size_t slabsPerRegion = 32;
-constexpr std::size_t regionSize = slabsPerRegion * slabSize; // a huge page on most machines
+constexpr std::size_t regionSize = slabsPerRegion * slabSize;
 constexpr std::size_t classCount = largestBlock / blockGranule;
 
 /// Returns the size of the blocks of a class.
@@ -85,9 +85,10 @@ struct Region {
         return &slabs[offset / slabSize];
     }
 
-    /// Takes a region from the system, all zero. \param isHuge whether huge pages are requested
+    /// Takes a region from the system, all zero. Huge pages are not requested: they made the first
+    /// use of new memory several times slower than small ones.
     /// \return null when there is no memory
-    static Region* map(bool isHuge);
+    static Region* map();
 
     /// Returns the region to the system.
     void unmap();

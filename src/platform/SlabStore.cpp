@@ -81,7 +81,7 @@ constinit Heap* spareHeaps =
     nullptr; // without; never given back, since a pointer to one can be late
 
 bool addRegion(Heap& heap) {
-    Region* region = Region::map(heap.regionCount > 0); // a small process keeps small pages
+    Region* region = Region::map();
     if (region == nullptr) {
         return false;
     }
