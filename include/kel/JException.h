@@ -37,7 +37,7 @@ public:
     virtual JString* getMessageString() const { return getMessage(); }
 
 protected:
-    /// Returns the message's characters, borrowed, or null if there is no message.
+    /// Returns the message's characters, borrowed, or null without a message.
     const char* messageChars() const { return message_.isValid() ? message_->chars() : nullptr; }
 
 private:

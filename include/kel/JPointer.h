@@ -44,12 +44,12 @@ public:
     }
 
     KEL_SLOTS(
-        /// Returns true if there is no target. Calls the const form.
+        /// Returns true if the pointer is null. Calls the const form.
         virtual bool isNull() { return static_cast<const JPointer*>(this)->isNull(); },
-        /// Returns true if there is no target.
+        /// Returns true if the pointer is null.
         virtual bool isNull() const { return target_ == nullptr; })
 
-    /// Returns true if there is a target.
+    /// Returns true if the pointer is not null.
     virtual bool isValid() const { return !isNull(); }
 
     KEL_SLOTS(

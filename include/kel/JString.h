@@ -41,8 +41,8 @@ public:
     /// copy cannot be allocated, the string has no buffer afterwards and nothing is thrown.
     JString& operator=(const char* text);
 
-    /// Returns the characters, owned by the string and valid until it changes. Returns null if
-    /// there is no buffer.
+    /// Returns the characters, owned by the string and valid until it changes. A string
+    /// without a buffer returns null.
     const char* chars() const { return buffer_; }
 
     using JObject::equals;

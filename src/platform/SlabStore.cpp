@@ -77,8 +77,10 @@ private:
 // The lock guards the shared data: the heaps of ended threads and the remote lists of all heaps.
 constinit ForkLock lock;
 constinit Heap* orphans = nullptr; // with slabs
-constinit Heap* spareHeaps =
-    nullptr; // without; never given back, since a pointer to one can be late
+
+// These have no slabs. They are never freed, because another thread can still hold a pointer to
+// one.
+constinit Heap* spareHeaps = nullptr;
 
 bool addRegion(Heap& heap) {
     Region* region = Region::map();
@@ -274,8 +276,8 @@ Heap* makeHeap() {
         adopt(*made, *orphans);
     }
     threadHeap = made;
-    if (hasEndKey) { // without the key, or room for its value, the slabs remain until the
-                     // process ends
+    // Without the key, or room for its value, the slabs remain until the process ends.
+    if (hasEndKey) {
         pthread_setspecific(endKey, made);
     }
     return made;
