@@ -137,13 +137,12 @@ void addVisits(const char* document, std::size_t count) {
     });
     add("host_all_variables", "KEL", document, [names](benchmark::State& state) {
         const KEL_Struct* fields = makeStruct(names);
-        measureWork(state, names.size(), [fields] {
-            StringEnumeration* all = fields->getVarNames();
+        const auto* walk = dynamic_cast<const KELInterface_Struct_V2*>(fields);
+        measureWork(state, names.size(), [walk] {
             std::size_t found = 0;
-            while (all->hasMoreElements()) {
-                found += fields->getVar(all->nextElement()) != nullptr ? 1U : 0U;
+            for (KELVarCursor at; walk->nextVar(at);) {
+                found += *at.name != '\0' && at.value != nullptr ? 1U : 0U;
             }
-            DeleteStringEnumeration(all);
             return found;
         });
         DeleteKEL(const_cast<KEL_Struct*>(fields));

@@ -145,5 +145,50 @@ protected:
     ~KEL_Struct() = default;
 };
 
+/// A place in a walk over the variables of a struct, and the variable there. A new cursor is before
+/// the first variable. It owns nothing, can be copied, and needs no release.
+struct KELVarCursor {
+    const char* name = nullptr; ///< borrowed, with a NUL at its end; null if there is no variable
+    KEL* value = nullptr;       ///< borrowed; null if the variable holds none
+    int32_t length = 0;         ///< of the name in bytes
+    uint32_t place[2] = {0, 0}; ///< for the library only
+};
+
+/// Operations of a struct, second version: walking without a copy of the names. Every struct, checked
+/// struct and descriptor of this library has them. Reach them with dynamic_cast, which returns null
+/// for the values of an older library:
+///
+///     const auto* walk = dynamic_cast<const KELInterface_Struct_V2*>(value);
+///     for (KELVarCursor at; walk->nextVar(at);) { use(at.name, at.value); }
+///
+/// A cursor's name is valid until a variable is added, removed or renamed, and its value as long as
+/// the struct holds it. A walk sees what the struct itself holds: null for a variable without a
+/// value, and of a checked struct no defaults.
+class KELInterface_Struct_V2 : public virtual KELInterface_Struct_V1 {
+public:
+    /// Moves the cursor to the next variable in ascending order of the names. Values can be replaced
+    /// during a walk. If variables were added, removed or renamed since the last call, the walk stays
+    /// safe but can pass over variables or come to some again; use nextVarAfter then.
+    /// \return false after the last variable; the cursor's name and value are then null
+    virtual bool nextVar(KELVarCursor& cursor) const = 0;
+    /// Moves the cursor to the first variable whose name comes after name, whatever changed. The name
+    /// need not exist. It can be the cursor's own, if it is still valid; a host that adds, removes or
+    /// renames variables during a walk keeps a copy. A call for the name that the cursor has reached
+    /// costs no search. Null or empty: moves to the first variable.
+    /// \return false if no name comes after name; the cursor's name and value are then null
+    virtual bool nextVarAfter(KELVarCursor& cursor, const char* name) const = 0;
+    /// Moves the cursor to the variable with this name. A walk can go on from there.
+    /// \return false if the name does not exist, and for null; the cursor is then unchanged
+    virtual bool findVar(KELVarCursor& cursor, const char* name) const = 0;
+    /// Makes room for this many variables in total, so that adding them takes fewer allocations. This
+    /// is a hint: very many variables get room for the first of them. Nobody is notified. A count
+    /// that is not greater than what there is room for changes nothing.
+    /// \throws JOutOfMemoryException "Out of memory!", by value
+    virtual void reserveVars(int32_t count) = 0;
+
+protected:
+    ~KELInterface_Struct_V2() = default;
+};
+
 /// Returns a new empty struct with count 1, owned by the caller. Returns null when out of memory.
 KEL_API KEL_Struct* KEL_CALL CreateKELStruct();

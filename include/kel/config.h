@@ -9,9 +9,9 @@
 #include <stdint.h>
 
 #define KEL_VERSION_MAJOR 1
-#define KEL_VERSION_MINOR 0
+#define KEL_VERSION_MINOR 1
 #define KEL_VERSION_PATCH 0
-#define KEL_VERSION_STRING "1.0.0"
+#define KEL_VERSION_STRING "1.1.0"
 
 #if defined(_WIN32)
 #if defined(KEL_BUILDING) || defined(KEL_STATIC)

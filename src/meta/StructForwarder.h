@@ -27,7 +27,10 @@ namespace kel {
 /// notified of an operation of the value that changes a variable in place, although it does not
 /// change the inner struct.
 template <class Public>
-class StructForwarder : public KEL_Impl, public Public, public StructHolder {
+class StructForwarder : public KEL_Impl,
+                        public Public,
+                        public virtual KELInterface_Struct_V2,
+                        public StructHolder {
 public:
     KEL_Struct_Impl& inner() const final { return *inner_; }
 
@@ -120,6 +123,16 @@ public:
     void renameVar(const char* oldName, const char* newName) override {
         notifyOnce([&] { inner_->renameVar(oldName, newName); });
     }
+
+    // KELInterface_Struct_V2
+    bool nextVar(KELVarCursor& cursor) const override { return inner_->nextVar(cursor); }
+    bool nextVarAfter(KELVarCursor& cursor, const char* name) const override {
+        return inner_->nextVarAfter(cursor, name);
+    }
+    bool findVar(KELVarCursor& cursor, const char* name) const override {
+        return inner_->findVar(cursor, name);
+    }
+    void reserveVars(int32_t count) override { inner_->reserveVars(count); }
 
     // KEL_Impl: the children are the variables.
     void notifyContentsChanged() override {

@@ -301,6 +301,43 @@ void KEL_Struct_Impl::renameVar(const char* oldName, const char* newName) {
     notifyChanged();
 }
 
+bool KEL_Struct_Impl::nextVar(KELVarCursor& cursor) const {
+    return show(cursor, {cursor.place[0], cursor.place[1]});
+}
+
+bool KEL_Struct_Impl::nextVarAfter(KELVarCursor& cursor, const char* name) const {
+    if (kel::isNoName(name)) {
+        return show(cursor, {});
+    }
+    return show(cursor,
+                variables_.positionAfter(NameKey(name), {cursor.place[0], cursor.place[1]}));
+}
+
+bool KEL_Struct_Impl::findVar(KELVarCursor& cursor, const char* name) const {
+    if (kel::isNoName(name)) {
+        return false;
+    }
+    const Place found = variables_.find(NameKey(name));
+    return found.isFound && show(cursor, variables_.positionOf(found));
+}
+
+bool KEL_Struct_Impl::show(KELVarCursor& cursor, kel::VariableTable::Position position) const {
+    const kel::Variable* variable = variables_.next(position);
+    const std::string_view name = variable == nullptr ? std::string_view() : variable->name.view();
+    cursor.name = name.data();
+    cursor.value = variable == nullptr ? nullptr : variable->value;
+    cursor.length = static_cast<int32_t>(name.size());
+    cursor.place[0] = position.run;
+    cursor.place[1] = position.index;
+    return variable != nullptr;
+}
+
+void KEL_Struct_Impl::reserveVars(int32_t count) {
+    if (count > 0) {
+        reserve(static_cast<std::size_t>(count));
+    }
+}
+
 bool KEL_Struct_Impl::adoptVariable(std::string_view name, JPointer<KEL_Impl>&& value) {
     return variables_.put(name, std::move(value));
 }

@@ -7,7 +7,9 @@
 #include <kel/KEL_Struct.h>
 
 /// Implements KEL_Struct over a sorted table of shared values.
-class KEL_Struct_Impl final : public KEL_Impl, public KEL_Struct {
+class KEL_Struct_Impl final : public KEL_Impl,
+                              public KEL_Struct,
+                              public virtual KELInterface_Struct_V2 {
 public:
     KEL_Struct_Impl() : JObject(IdentityLater()) {}
 
@@ -58,6 +60,12 @@ public:
     void removeAllVars() override;
     int32_t getCount() const override { return static_cast<int32_t>(variables_.size()); }
     void renameVar(const char* oldName, const char* newName) override;
+
+    // KELInterface_Struct_V2
+    bool nextVar(KELVarCursor& cursor) const override;
+    bool nextVarAfter(KELVarCursor& cursor, const char* name) const override;
+    bool findVar(KELVarCursor& cursor, const char* name) const override;
+    void reserveVars(int32_t count) override;
 
     /// Returns the variable's value, borrowed; null for a null or empty name. Throws on an unknown
     /// name.
@@ -123,6 +131,10 @@ public:
 
 private:
     using Place = kel::VariableTable::Place;
+
+    /// Shows the variable after a position in the cursor, and moves both over it.
+    /// \return false after the last variable
+    bool show(KELVarCursor& cursor, kel::VariableTable::Position position) const;
 
     /// Stores a new value, made of these arguments, as addVar does. Ignores a null or empty name.
     template <class Value, class... Arguments>

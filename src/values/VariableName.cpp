@@ -2,6 +2,15 @@
 
 namespace kel {
 
+namespace {
+
+/// Returns the size of the block for a name of this length.
+constexpr std::size_t blockSize(std::size_t length) {
+    return sizeof length + length + 1;
+}
+
+} // namespace
+
 std::string_view VariableName::longView() const {
     const char* from = block();
     std::size_t length = 0;
@@ -11,15 +20,16 @@ std::string_view VariableName::longView() const {
 
 void VariableName::storeLong(std::string_view text) {
     const std::size_t length = text.size();
-    char* block = Allocator<char>().allocate(sizeof length + length);
+    char* block = Allocator<char>().allocate(blockSize(length));
     std::memcpy(block, &length, sizeof length);
     std::memcpy(block + sizeof length, text.data(), length);
+    block[sizeof length + length] = '\0';
     std::memcpy(bytes_ + addressAt, &block, sizeof block);
     bytes_[last] = longMark;
 }
 
 void VariableName::freeLong() {
-    Allocator<char>().deallocate(block(), sizeof(std::size_t) + longView().size());
+    Allocator<char>().deallocate(block(), blockSize(longView().size()));
 }
 
 bool VariableName::isBeforeText(const NameKey& key) const {

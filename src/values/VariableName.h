@@ -24,24 +24,28 @@ inline uint64_t orderOf(uint64_t bytes) {
 
 /// A name that is searched for, prepared for comparisons with many stored names.
 ///
-/// The image of a name of at most 15 bytes is its bytes, filled up with zeros, and its length in
-/// the last byte. Two such images compare as the names do, so two numbers decide.
+/// The image of a name of at most 15 bytes is its bytes, filled up with zeros; the last byte counts
+/// the zeros before it. Names contain no NUL, so two such images compare as the names do, and two
+/// numbers decide.
 class NameKey {
 public:
     /// Refers to text, which must outlive the key.
     explicit NameKey(std::string_view text) : text_(text), high_(firstEight(text)) {
         if (isShort()) {
-            low_ = text.size() > 8 ? firstEight(text.substr(8)) | text.size() : text.size();
+            const std::size_t zeros = longestShort - text.size();
+            low_ = text.size() > 8 ? firstEight(text.substr(8)) | zeros : zeros;
         }
     }
 
     std::string_view text() const { return text_; }
 
     /// Returns whether the name fits into its image.
-    bool isShort() const { return text_.size() < 16; }
+    bool isShort() const { return text_.size() <= longestShort; }
 
 private:
     friend class VariableName;
+
+    static constexpr std::size_t longestShort = 15;
 
     template <class Number> static uint64_t load(const char* from) {
         Number bytes = 0;
@@ -75,7 +79,8 @@ private:
 
 /// A name as a struct keeps it. A name of at most 15 bytes is stored as its image. A longer one is
 /// stored in one block of its own; then the 16 bytes hold its first seven bytes, the address of the
-/// block and a mark. So every name shows its first seven bytes in place.
+/// block and a mark. So every name shows its first seven bytes in place. Either way, a NUL follows
+/// the name.
 ///
 /// This is a plain handle: copying it copies the 16 bytes, and whoever keeps the name frees it
 /// once.
@@ -100,10 +105,11 @@ public:
         }
     }
 
-    /// Returns the name. It points into this object if the name is short.
+    /// Returns the name, which a NUL follows. It points into this object if the name is short.
     std::string_view view() const {
         return isLong() ? longView()
-                        : std::string_view(reinterpret_cast<const char*>(bytes_), bytes_[last]);
+                        : std::string_view(reinterpret_cast<const char*>(bytes_),
+                                           NameKey::longestShort - bytes_[last]);
     }
 
     /// Returns whether this name comes before the key in the order of their bytes.
@@ -123,9 +129,9 @@ public:
     }
 
 private:
-    static constexpr std::size_t last = 15;        ///< the place of the length, or of the mark
+    static constexpr std::size_t last = 15;        ///< the place of the count, or of the mark
     static constexpr std::size_t addressAt = 7;    ///< the place of a long name's address
-    static constexpr uint8_t longMark = UINT8_MAX; ///< in place of the length
+    static constexpr uint8_t longMark = UINT8_MAX; ///< in place of the count of zeros
 
     /// Returns eight of the bytes as memory has them.
     uint64_t word(std::size_t from) const {
@@ -136,7 +142,7 @@ private:
 
     bool isLong() const { return bytes_[last] == longMark; }
 
-    /// Returns the block of a long name, which holds its length and then its bytes.
+    /// Returns the block of a long name, which holds its length, its bytes and a NUL.
     char* block() const {
         char* block = nullptr;
         std::memcpy(&block, bytes_ + addressAt, sizeof block);

@@ -107,11 +107,40 @@ bool VariableTable::nextRun(Walk& walk) const {
     if (size() == 0 || walk.nextRun >= countRuns()) {
         return false;
     }
-    const VariableRun& run = chunks_ == nullptr ? flat_ : chunks_->runs[walk.nextRun];
+    const VariableRun& run = runAt(walk.nextRun);
     ++walk.nextRun;
     walk.variable = run.begin();
     walk.last = &run.back();
     return true;
+}
+
+const Variable* VariableTable::next(Position& position) const {
+    for (const std::size_t runs = countRuns(); position.run < runs; ++position.run) {
+        const VariableRun& run = runAt(position.run);
+        if (position.index < run.count()) {
+            return run.begin() + position.index++;
+        }
+        position.index = 0;
+    }
+    return nullptr;
+}
+
+VariableTable::Position VariableTable::positionOf(const Place& place) const {
+    const std::ptrdiff_t run = chunks_ == nullptr ? 0 : place.run - chunks_->runs.data();
+    return {static_cast<uint32_t>(run), place.index};
+}
+
+VariableTable::Position VariableTable::positionAfter(const NameKey& key,
+                                                     const Position& near) const {
+    if (near.run < countRuns() && near.index > 0) {
+        const VariableRun& run = runAt(near.run);
+        if (near.index <= run.count() && run.begin()[near.index - 1].name.equals(key)) {
+            return near;
+        }
+    }
+    Place place = find(key);
+    place.index += place.isFound ? 1U : 0U;
+    return positionOf(place);
 }
 
 std::size_t VariableTable::countRuns() const {

@@ -73,6 +73,13 @@ public:
         bool hasMoreInRun() const { return variable != last; }
     };
 
+    /// A position among the variables that stays usable while the table changes. It is before the
+    /// variable with this index of this run, or of the next run if there are no more in this one.
+    struct Position {
+        uint32_t run = 0;
+        uint32_t index = 0;
+    };
+
     VariableTable() = default;
     VariableTable(const VariableTable&) = delete;
     VariableTable& operator=(const VariableTable&) = delete;
@@ -150,6 +157,18 @@ public:
         return nextRun(walk);
     }
 
+    /// Returns the variable after a position, and moves the position over it. Returns null after
+    /// the last variable. Whatever happened to the table meanwhile, the position leads to a
+    /// variable that is there.
+    const Variable* next(Position& position) const;
+
+    /// Returns the position before a place.
+    Position positionOf(const Place& place) const;
+
+    /// Returns the position before the first variable whose name comes after this one.
+    /// \param near a position that is likely to follow the name
+    Position positionAfter(const NameKey& key, const Position& near) const;
+
     /// Returns the number of arrays, for tests.
     std::size_t countRuns() const;
 
@@ -171,6 +190,11 @@ private:
 
     /// Returns the place after the last variable.
     Place end() const;
+
+    /// Returns one of the arrays.
+    const VariableRun& runAt(std::size_t run) const {
+        return chunks_ == nullptr ? flat_ : chunks_->runs[run];
+    }
 
     /// Moves a walk that has come to the end of a run to the next one.
     bool nextRun(Walk& walk) const;

@@ -31,9 +31,10 @@ public:
         return dynamic_cast<T&>(*(*this)[name]);
     }
 
-    /// Returns the subject as its public class, or the other object that was added.
+    /// Returns the subject as its public class or interface, or the other object that was added.
     template <class T> T& subject() const {
-        if constexpr (std::is_base_of_v<KEL, T> || std::is_base_of_v<T, KEL_Impl>) {
+        if constexpr (std::is_base_of_v<KEL, T> || std::is_base_of_v<T, KEL_Impl> ||
+                      std::is_base_of_v<KELInterface_Struct_V1, T>) {
             return dynamic_cast<T&>(*roots_.front().value);
         } else {
             return other<T>(0);

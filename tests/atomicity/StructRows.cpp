@@ -29,6 +29,23 @@ void addReading(Rows<S>& rows) {
     rows("int32_t getCount() const", [](S& s) { return s.getCount(); });
 }
 
+void addWalking(Rows<KELInterface_Struct_V2>& rows) {
+    using W = KELInterface_Struct_V2;
+    rows("bool nextVar(KELVarCursor& cursor) const", [](W& s) {
+        KELVarCursor at;
+        return s.nextVar(at) ? at.value : nullptr;
+    });
+    rows("bool nextVarAfter(KELVarCursor& cursor, const char* name) const", [](W& s) {
+        KELVarCursor at;
+        return s.nextVarAfter(at, "a") ? at.value : nullptr;
+    });
+    rows("bool findVar(KELVarCursor& cursor, const char* name) const", [](W& s) {
+        KELVarCursor at;
+        return s.findVar(at, "b") ? at.value : nullptr;
+    });
+    rows("void reserveVars(int32_t count)", [](W& s) { s.reserveVars(100); }).reads();
+}
+
 void addPutting(Rows<S>& rows) {
     for (const char* name : {longText, "b", "n"}) {
         const char* situation = name == longText ? "a new name"
@@ -137,13 +154,15 @@ void addConverting(Rows<S>& rows) {
 
 void addStructRows(Table& table) {
     for (const KELKind kind : structKinds) {
-        Rows<S> rows(
-            table, "KELInterface_Struct_V1", [kind] { return structDocument(kind); },
-            "kind " + std::to_string(kind));
+        const auto make = [kind] { return structDocument(kind); };
+        const std::string situation = "kind " + std::to_string(kind);
+        Rows<S> rows(table, "KELInterface_Struct_V1", make, situation);
         addReading(rows);
         addPutting(rows);
         addAdding(rows, kind);
         addConverting(rows);
+        Rows<KELInterface_Struct_V2> walking(table, "KELInterface_Struct_V2", make, situation);
+        addWalking(walking);
     }
 }
 

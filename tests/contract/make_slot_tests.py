@@ -20,7 +20,8 @@ CONSTRUCTORS = {"JObject": "JObject(1, 2, 3, 4)"}
 VALUE = ["KELInterface_Casting_V1", "KELInterface_RefCount_V1", "KELInterface_V1",
          "KELInterface_Observable_V1"]
 STRUCT = VALUE + ["KELInterface_Struct_V1"]
-BASES = {"KEL_IndexList": VALUE + ["KELInterface_IndexList_V1"],
+BASES = {"KELInterface_Struct_V2": ["KELInterface_Struct_V1"],
+         "KEL_IndexList": VALUE + ["KELInterface_IndexList_V1"],
          "KEL_Manager": VALUE + ["KELInterface_Manager_V1"],
          "MetaKelVarDescriptorInterface_V1": STRUCT,
          "MetaKelInterface_V1": STRUCT,

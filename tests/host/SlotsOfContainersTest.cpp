@@ -166,6 +166,21 @@ TEST_F(SlotsOfAStruct, NameAndRemove) {
     EXPECT_EQ(fields->getCount(), 0);
 }
 
+TEST_F(SlotsOfAStruct, WalkOverVariables) {
+    const auto walk = bySlot(dynamic_cast<const KELInterface_Struct_V2&>(*fields));
+    KELVarCursor at;
+    fields->putInt("a", int32_t{1});
+    fields->putInt("b", int32_t{2});
+    EXPECT_TRUE(walk.call<bool(KELVarCursor&) const>("nextVar", at));
+    EXPECT_STREQ(at.name, "a");
+    EXPECT_TRUE(walk.call<bool(KELVarCursor&, const char*) const>("nextVarAfter", at, "a"));
+    EXPECT_STREQ(at.name, "b");
+    EXPECT_TRUE(walk.call<bool(KELVarCursor&, const char*) const>("findVar", at, "a"));
+    EXPECT_EQ(at.value->toInt(), 1);
+    walk.call<void(int32_t)>("reserveVars", 100);
+    EXPECT_EQ(fields->getCount(), 2);
+}
+
 TEST(SlotsOfAManager, KeepValuesByIdentity) {
     const auto manager = hold(CreateKELManager());
     const auto raw = bySlot<KELInterface_Manager_V1>(*manager);

@@ -58,10 +58,10 @@ void expectSame(const VariableTable& table, const Reference& reference) {
     }
 }
 
-/// Returns a name of up to 40 bytes. Many names begin alike, and some have bytes from 0x80 on or
-/// null bytes.
+/// Returns a name of up to 40 bytes. Many names begin alike, and some have control characters or
+/// bytes from 0x80 on.
 std::string randomName(std::mt19937& random) {
-    static const std::string letters("ab\x7f\x80\xff\0", 6);
+    static const std::string letters("ab\x7f\x80\xff\x01");
     std::string name = random() % 3 == 0 ? "variable" : "";
     for (std::size_t left = random() % (41 - name.size()); left > 0; --left) {
         name += letters[random() % (random() % 2 == 0 ? 2 : letters.size())];
@@ -90,10 +90,11 @@ TEST(VariableTable, IsSmall) {
 
 TEST(VariableName, KeepsNamesOfAnyLength) {
     for (std::size_t length = 0; length < 41; ++length) {
-        for (const char byte : {'a', '\0', '\xff'}) {
+        for (const char byte : {'a', '\x01', '\xff'}) {
             const std::string text(length, byte);
             VariableName name((NameKey(text)));
             EXPECT_EQ(name.view(), text);
+            EXPECT_STREQ(name.view().data(), text.c_str());
             EXPECT_TRUE(name.equals(NameKey(text)));
             EXPECT_FALSE(name.isBefore(NameKey(text)));
             name.free();
@@ -183,6 +184,64 @@ TEST(VariableTable, DoesWhatAMapDoes) {
         table.clear();
         expectSame(table, {});
         expectSame(other, otherReference);
+    }
+}
+
+/// Returns the names from a position on, at most as many as the table has variables.
+std::vector<std::string> namesFrom(const VariableTable& table, VariableTable::Position position) {
+    std::vector<std::string> names;
+    while (const kel::Variable* variable = table.next(position)) {
+        names.emplace_back(variable->name.view());
+    }
+    return names;
+}
+
+TEST(VariableTable, APositionLeadsOnWhateverChanged) {
+    for (unsigned seed = 0; seed < 12; ++seed) {
+        std::mt19937 random(seed);
+        const std::size_t most = std::vector<std::size_t>{10, 200, 2000}[seed % 3];
+        VariableTable table;
+        Reference reference;
+        VariableTable::Position position;
+        std::string last;
+        for (int32_t step = 0; step < 2000; ++step) {
+            for (std::size_t changes = random() % 20; changes > 0; --changes) {
+                const std::string name = "n" + std::to_string(random() % (2 * most));
+                if (reference.size() > most || (random() % 3 == 0 && reference.contains(name))) {
+                    const std::string old = reference.begin()->first;
+                    remove(table, reference.contains(name) ? name : old);
+                    reference.erase(reference.contains(name) ? name : old);
+                } else {
+                    put(table, name, step);
+                    reference[name] = step;
+                }
+            }
+            // Without the name, the position leads to some variable that is there, or to the end.
+            VariableTable::Position unsure = position;
+            if (const kel::Variable* found = table.next(unsure)) {
+                ASSERT_TRUE(reference.contains(std::string(found->name.view())));
+            }
+            // With it, the walk goes on exactly.
+            position = table.positionAfter(NameKey(last), position);
+            auto next = reference.upper_bound(last);
+            const kel::Variable* variable = table.next(position);
+            ASSERT_EQ(variable == nullptr, next == reference.end());
+            last = variable == nullptr ? "" : next->first;
+            if (variable == nullptr) {
+                position = {};
+                continue;
+            }
+            ASSERT_EQ(variable->name.view(), last);
+            if (step % 100 == 0) {
+                std::vector<std::string> rest;
+                while (++next != reference.end()) {
+                    rest.push_back(next->first);
+                }
+                ASSERT_EQ(namesFrom(table, position), rest);
+                ASSERT_EQ(namesFrom(table, table.positionOf(table.find(NameKey(last)))).front(),
+                          last);
+            }
+        }
     }
 }
 

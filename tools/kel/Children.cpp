@@ -55,17 +55,16 @@ void replacePairs(KEL_IndexList& list, const Replacement& replace) {
 }
 
 void replaceMembers(KEL_Struct& structure, const Replacement& replace) {
-    const Names names(structure.getVarNames());
-    while (names->hasMoreElements()) {
-        const char* name = names->nextElement();
+    const KELInterface_Struct_V2& variables = walkOver(structure);
+    for (KELVarCursor at; variables.nextVar(at);) {
         Value replacement;
-        if (!replace(memberOf(structure, name), replacement)) {
+        if (!replace(at.value, replacement)) {
             continue;
         }
         if (auto* checked = dynamic_cast<MetaKel*>(&structure)) {
-            checked->clearVar(name); // setVar would check the value and ignore null
+            checked->clearVar(at.name); // setVar would check the value and ignore null
         } else {
-            structure.setVar(name, replacement.get());
+            structure.setVar(at.name, replacement.get());
         }
     }
 }

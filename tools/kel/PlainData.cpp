@@ -32,11 +32,10 @@ Value structOfVariables(const KEL_Struct& variables) {
     KEL_Struct* structure = CreateKELStruct();
     Value made = tool::made(structure);
     const bool isChecked = variables.getType() == KELKind_MetaKel;
-    const Names names(variables.getVarNames());
-    while (names->hasMoreElements()) {
-        const char* name = names->nextElement();
-        if (!isChecked || std::strcmp(name, descriptorName) != 0) {
-            structure->addVar(name, memberOf(variables, name));
+    const KELInterface_Struct_V2& walk = walkOver(variables);
+    for (KELVarCursor at; walk.nextVar(at);) {
+        if (!isChecked || std::strcmp(at.name, descriptorName) != 0) {
+            structure->addVar(at.name, at.value);
         }
     }
     return made;

@@ -18,11 +18,11 @@ TreeCursor::Event TreeCursor::next() {
     if (!top.isOpen) {
         open(top);
     }
-    if (top.next < top.count) {
-        return arrive(childOf(top));
+    if (KEL* child = nullptr; nextChild(top, child)) {
+        return arrive(child);
     }
     value_ = top.container;
-    close();
+    stack_.pop_back();
     depth_ = stack_.size();
     return Event::leave;
 }
@@ -42,7 +42,7 @@ TreeCursor::Event TreeCursor::arrive(KEL* value) {
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
-        frame.structure = dynamic_cast<KEL_Struct*>(value);
+        frame.variables = dynamic_cast<const KELInterface_Struct_V2*>(value);
         break;
     case KELKind_IndexList:
         frame.list = dynamic_cast<KEL_IndexList*>(value);
@@ -68,64 +68,54 @@ void TreeCursor::open(Frame& frame) {
     frame.isOpen = true;
     if (frame.array != nullptr) {
         frame.count = frame.array->getCount();
-        return;
-    }
-    if (frame.structure != nullptr) {
-        openStruct(frame);
-        return;
-    }
-    if (frame.list != nullptr) {
+    } else if (frame.list != nullptr) {
         frame.count = int64_t{2} * frame.list->getCount();
-        return;
+    } else if (frame.manager != nullptr) {
+        frame.count = frame.manager->size();
+    } else {
+        frame.passesOverDescriptor = descriptors_ == Descriptors::passedOver &&
+                                     frame.container->getType() == KELKind_MetaKel;
     }
-    frame.count = frame.manager->size();
 }
 
-void TreeCursor::openStruct(Frame& frame) {
-    frame.begin = frame.nextName = names_.size();
-    const bool passesOver =
-        descriptors_ == Descriptors::passedOver && frame.container->getType() == KELKind_MetaKel;
-    const Names names(frame.structure->getVarNames());
-    while (names->hasMoreElements()) {
-        const char* name = names->nextElement();
-        if (!passesOver || std::strcmp(name, descriptorName) != 0) {
-            names_.append(name, std::strlen(name) + 1);
-            ++frame.count;
+/// Moves to the container's next value. \return false after the last one
+bool TreeCursor::nextChild(Frame& frame, KEL*& child) {
+    if (frame.variables != nullptr) {
+        if (!nextVariable(frame)) {
+            return false;
         }
+        ++frame.next;
+        child = frame.variable.value;
+        return true;
     }
-}
-
-KEL* TreeCursor::childOf(Frame& frame) {
+    if (frame.next >= frame.count) {
+        return false;
+    }
     const int64_t number = frame.next++;
     if (frame.array != nullptr) {
-        return frame.array->getVar(static_cast<int32_t>(number));
-    }
-    if (frame.structure != nullptr) {
-        const char* name = names_.data() + frame.nextName;
-        frame.name = frame.nextName;
-        frame.nextName += std::strlen(name) + 1;
-        return memberOf(*frame.structure, name);
-    }
-    if (frame.list != nullptr) {
+        child = frame.array->getVar(static_cast<int32_t>(number));
+    } else if (frame.list != nullptr) {
         const auto pair = static_cast<int32_t>(number / 2);
-        return number % 2 == 0 ? frame.list->getKeyAt(pair) : frame.list->getItemAt(pair);
+        child = number % 2 == 0 ? frame.list->getKeyAt(pair) : frame.list->getItemAt(pair);
+    } else {
+        child = frame.manager->getKelAt(static_cast<int32_t>(number));
     }
-    return frame.manager->getKelAt(static_cast<int32_t>(number));
+    return true;
 }
 
-void TreeCursor::close() {
-    const Frame& frame = stack_.back();
-    if (frame.structure != nullptr) {
-        names_.resize(frame.begin);
+/// Moves to the next variable that is visited. \return false after the last one
+bool TreeCursor::nextVariable(Frame& frame) {
+    KELVarCursor& variable = frame.variable;
+    if (!frame.variables->nextVar(variable)) {
+        return false;
     }
-    stack_.pop_back();
+    const bool isPassedOver =
+        frame.passesOverDescriptor && std::strcmp(variable.name, descriptorName) == 0;
+    return !isPassedOver || frame.variables->nextVar(variable);
 }
 
 const char* TreeCursor::name() const {
-    if (depth_ == 0 || stack_[depth_ - 1].structure == nullptr) {
-        return nullptr;
-    }
-    return names_.data() + stack_[depth_ - 1].name;
+    return depth_ == 0 ? nullptr : stack_[depth_ - 1].variable.name;
 }
 
 std::string TreeCursor::path() const {
@@ -141,10 +131,10 @@ std::string TreeCursor::path() const {
     return path.take();
 }
 
-void TreeCursor::addStep(PathText& path, const Frame& frame) const {
+void TreeCursor::addStep(PathText& path, const Frame& frame) {
     const auto number = static_cast<size_t>(frame.next) - 1;
-    if (frame.structure != nullptr) {
-        path.addName(names_.data() + frame.name);
+    if (frame.variables != nullptr) {
+        path.addName(frame.variable.name);
     } else if (frame.array != nullptr) {
         path.addIndex(number);
     } else if (frame.list != nullptr) {

@@ -45,7 +45,8 @@ public:
     /// Returns the container around the value, or null for the root.
     KEL* container() const { return depth_ == 0 ? nullptr : stack_[depth_ - 1].container; }
 
-    /// Returns the value's name in the struct around it, valid until next. Returns null elsewhere.
+    /// Returns the value's name in the struct around it, valid until next and as long as the struct
+    /// keeps the name. Returns null elsewhere.
     const char* name() const;
 
     /// Returns whether the value is the first one of its container.
@@ -58,24 +59,23 @@ private:
     /// A container on the way to the current value, and how far it has been visited.
     struct Frame {
         KEL* container;
-        KEL_Array* array;      ///< for arrays
-        KEL_Struct* structure; ///< for structs, also checked ones, and descriptors
-        KEL_IndexList* list;   ///< for index lists
-        KEL_Manager* manager;  ///< for managers
-        size_t begin = 0;      ///< where the names of a struct begin among all names
-        size_t name = 0;       ///< the current variable's name
-        size_t nextName = 0;   ///< the next variable's name
-        int64_t next = 0;      ///< number of the next value
-        int64_t count = 0;
+        KEL_Array* array; ///< for arrays
+        const KELInterface_Struct_V2*
+            variables;           ///< for structs, also checked ones, and descriptors
+        KEL_IndexList* list;     ///< for index lists
+        KEL_Manager* manager;    ///< for managers
+        KELVarCursor variable{}; ///< the current variable of a struct
+        int64_t next = 0;        ///< number of the next value
+        int64_t count = 0;       ///< of the values, unless it is a struct
         bool isOpen = false;
+        bool passesOverDescriptor = false;
     };
 
     Event arrive(KEL* value);
     void open(Frame& frame);
-    void openStruct(Frame& frame);
-    KEL* childOf(Frame& frame);
-    void close();
-    void addStep(PathText& path, const Frame& frame) const;
+    static bool nextChild(Frame& frame, KEL*& child);
+    static bool nextVariable(Frame& frame);
+    static void addStep(PathText& path, const Frame& frame);
 
     KEL* root_;
     Descriptors descriptors_;
@@ -83,7 +83,6 @@ private:
     size_t depth_ = 0;
     bool isStarted_ = false;
     std::vector<Frame> stack_;
-    std::string names_; ///< the names of all open structs, each with a NUL
 };
 
 } // namespace kel::tool

@@ -36,14 +36,6 @@ inline Value share(KEL* value) {
     return Value(value);
 }
 
-/// Gives a list of names back to the library.
-struct NamesDeleter {
-    void operator()(StringEnumeration* names) const { DeleteStringEnumeration(names); }
-};
-
-/// Owns a list of names.
-using Names = std::unique_ptr<StringEnumeration, NamesDeleter>;
-
 /// Returns the facts about the value's kind.
 /// \throws Failure malformed for a kind that a newer library knows and this tool does not
 inline const KELKindFacts& kindOf(const KEL& value) {
@@ -63,6 +55,11 @@ constexpr const char* descriptorName = "@desc";
 inline bool isTextOnly(const KEL& value) {
     const KELKindFacts& facts = kindOf(value);
     return facts.hasTextForm && !facts.hasBinaryForm && !facts.hasJsonForm;
+}
+
+/// Returns the operations for walking over the struct's variables.
+inline const KELInterface_Struct_V2& walkOver(const KEL_Struct& structure) {
+    return dynamic_cast<const KELInterface_Struct_V2&>(structure);
 }
 
 /// Returns the struct's variable, borrowed, or null if it holds no value. The name must exist.
