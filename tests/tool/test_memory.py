@@ -1,6 +1,6 @@
 import os
 
-from support import ARRAY, ToolTest, int_record, posix_only, record
+from support import ARRAY, ToolTest, int_record, posix_only, record, reference
 
 if os.name == "posix":
     import resource
@@ -31,5 +31,11 @@ class Memory(ToolTest):
         self.runs_out("a.kel")
 
     def test_binary_that_memory_does_not_hold_is_unreadable(self):
-        self.write("a.kelb", record(ARRAY, int_record(1, 2) * 1200000))
+        self.write("a.kelb", record(ARRAY, int_record(1, 2) * 1200000 + reference(2)))
         self.runs_out("a.kelb")
+
+    def test_json_and_binary_need_no_memory_for_all_values_at_a_time(self):
+        self.write("a.kelb", record(ARRAY, int_record(1, 2) * 1200000))
+        self.ok("convert", "a.kelb", "b.json", preexec_fn=limit_memory)
+        self.ok("convert", "b.json", "b.kelb", preexec_fn=limit_memory)
+        self.assertEqual(len(self.read("b.kelb")), len(self.read("a.kelb")))

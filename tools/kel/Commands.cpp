@@ -5,6 +5,7 @@
 #include "Failure.h"
 #include "Input.h"
 #include "KelWriter.h"
+#include "PartwiseConversion.h"
 #include "Representable.h"
 #include "system/OutputFile.h"
 #include "json/JsonWriter.h"
@@ -17,8 +18,9 @@ namespace kel::tool {
 
 namespace {
 
-/// Writes the document to the named file, or to stdout for "-".
-void write(const Document& document, Format format, const std::string& name, Console& console) {
+/// Lets the action write to the named file, or to stdout for "-".
+template <class Action>
+void write(const std::string& name, Console& console, const Action& action) {
     if (name == "-") {
         console.hush();
     } else {
@@ -26,16 +28,23 @@ void write(const Document& document, Format format, const std::string& name, Con
     }
     OutputFile output(name);
     try {
-        if (format == Format::json) {
-            writeJson(document, output.file());
-        } else {
-            writeKel(document, format, output.file());
-        }
+        action(output.file());
     } catch (Failure& failure) {
         failure.message = name + ": cannot be written: " + failure.message;
         throw;
     }
     output.commit();
+}
+
+/// Writes the document to the named file, or to stdout for "-".
+void write(const Document& document, Format format, const std::string& name, Console& console) {
+    write(name, console, [&](std::FILE* file) {
+        if (format == Format::json) {
+            writeJson(document, file);
+        } else {
+            writeKel(document, format, file);
+        }
+    });
 }
 
 /// Returns the list of places that are lost on the way from the input.
@@ -69,7 +78,17 @@ int convert(const Options& options, Console& console) {
     const Format target = *options.to;
     Losses losses;
     console.begin("reading " + name);
-    Input input = readInput(name, options.from, target, losses);
+    Content content = readContent(name, options.from);
+    if (const auto converted = convertInParts(content, target, name, options.output)) {
+        if (converted->file != nullptr) {
+            converted->file->commit();
+        } else {
+            write(options.output, console,
+                  [&](std::FILE* file) { converted->bytes.writeTo(file); });
+        }
+        return 0;
+    }
+    Input input = readInput(std::move(content), name, target, losses);
     console.begin("checking " + name);
     // The reader of JSON has already listed everything, under the paths of the JSON text.
     Losses* rest = input.format == Format::json ? nullptr : &losses;
@@ -97,7 +116,7 @@ int show(const Options& options, Console& console) {
     const std::string& name = options.inputs.front();
     Losses losses;
     console.begin("reading " + name);
-    Input input = readInput(name, options.from, std::nullopt, losses);
+    Input input = readInput(readContent(name, options.from), name, std::nullopt, losses);
     if (losses.count() > 0) {
         console.say("warning: " + listOf(losses, name, input, "values"));
     }
@@ -133,7 +152,8 @@ int check(const Options& options, Console& console) {
         console.begin("reading " + name);
         try {
             Losses lostInReading;
-            const Input input = readInput(name, options.from, std::nullopt, lostInReading);
+            const Input input =
+                readInput(readContent(name, options.from), name, std::nullopt, lostInReading);
             // Losses between JSON and values concern conversion, not the file itself.
             if (input.format == Format::binary && lostInReading.count() > 0) {
                 console.say(describe(

@@ -11,9 +11,19 @@
 
 namespace kel::tool {
 
-/// Returns all bytes of the named file, or of stdin for "-".
+/// The bytes of an input.
+struct Content {
+    Format format;
+    /// All bytes of the input. Those of JSON are followed by a line end, so that the parser finds
+    /// white space after every number.
+    std::string bytes;
+};
+
+/// Reads the bytes of the named file, or of stdin for "-".
+/// \param from the format to assume; if there is none, the format is found by the content, then by
+///        the name
 /// \throws Failure unreadable, "NAME: the system's reason"
-std::string readBytes(const std::string& name);
+Content readContent(const std::string& name, std::optional<Format> from);
 
 /// The contents of an input.
 struct Input {
@@ -23,14 +33,13 @@ struct Input {
     bool mayHoldDescriptors = false;
 };
 
-/// Reads the root values of the named file, or of stdin for "-".
-/// \param from the format to assume; if there is none, the format is found by the content, then by
-///        the name
+/// Reads the root values of an input.
+/// \param name the name of the input in messages
 /// \param target the format that the values will be written in, if there is one
 /// \param losses gets the losses in reading: parts of JSON that values or the target cannot carry,
 ///        and the repeated names of binary
 /// \throws Failure unreadable or malformed
-Input readInput(const std::string& name, std::optional<Format> from, std::optional<Format> target,
+Input readInput(Content content, const std::string& name, std::optional<Format> target,
                 Losses& losses);
 
 } // namespace kel::tool

@@ -176,4 +176,16 @@ Document readKel(std::string content, Format format, const std::string& inputNam
                       (ending.isEndOfInput ? "unexpected end of input" : ending.message)};
 }
 
+Value valueOfRecord(std::string_view record) {
+    ValueReader reader(record, Format::binary);
+    try {
+        return Value(reader.read());
+    } catch (KELException* failure) {
+        DeleteKELException(failure);
+    } catch (const JException&) {
+        // The caller has no use for the message.
+    }
+    return nullptr;
+}
+
 } // namespace kel::tool

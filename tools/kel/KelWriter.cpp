@@ -1,7 +1,9 @@
 #include "KelWriter.h"
 
 #include "Failure.h"
+#include "system/System.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -66,6 +68,20 @@ void ValueWriter::close() {
     KELOutputStream* stream = stream_;
     stream_ = nullptr;
     translated([&] { DeleteKELOutputStream(stream); });
+}
+
+std::string recordOf(KEL& value, size_t limit) {
+    // Most records get room of the same size, which the allocator then keeps for the next one.
+    constexpr size_t usualLimit = size_t{1} << 20U;
+    MemoryToWrite memory(std::max(limit, usualLimit));
+    ValueWriter writer(Format::binary, memory.file());
+    writer.write(&value);
+    writer.close();
+    std::optional<std::string> record = memory.take();
+    if (!record) {
+        throw Failure{Trouble::unwritten, "the record is too large"};
+    }
+    return std::move(*record);
 }
 
 void writeKel(const Document& document, Format format, std::FILE* file) {

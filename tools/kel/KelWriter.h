@@ -7,6 +7,7 @@
 #include "Values.h"
 
 #include <cstdio>
+#include <string>
 
 namespace kel::tool {
 
@@ -31,6 +32,11 @@ public:
 private:
     KELOutputStream* stream_;
 };
+
+/// Returns the binary record of a value that contains itself nowhere.
+/// \param limit a number of bytes that the record does not exceed
+/// \throws Failure unwritten
+std::string recordOf(KEL& value, size_t limit);
 
 /// Writes all root values of the document as text or binary.
 /// \throws Failure unwritten

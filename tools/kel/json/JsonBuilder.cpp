@@ -41,18 +41,22 @@ bool isExactly(double value, const std::string& digits) {
 
 /// Returns whether the number is not zero although the nearest double is.
 bool isTooSmall(double value, const std::string& spelling) {
+    if (value != 0.0) {
+        return false;
+    }
     const std::string mantissa = spelling.substr(0, spelling.find_first_of("eE"));
-    return value == 0.0 && mantissa.find_first_of("123456789") != std::string::npos;
+    return mantissa.find_first_of("123456789") != std::string::npos;
 }
 
 const char* obstacleInName(const std::string& name) {
     if (name.empty()) {
         return "an empty name";
     }
-    if (name.find('"') != std::string::npos) {
-        return "a name with a double quote";
+    // Names are short, so a loop over both is faster than two searches.
+    if (std::none_of(name.begin(), name.end(), [](char c) { return c == '"' || c == '\0'; })) {
+        return nullptr;
     }
-    return name.find('\0') != std::string::npos ? "a name with a NUL" : nullptr;
+    return name.find('"') != std::string::npos ? "a name with a double quote" : "a name with a NUL";
 }
 
 } // namespace
@@ -69,12 +73,12 @@ void JsonBuilder::addNull() {
     if (stack_.empty() && target_) {
         list(obstacleOfNullRoot(*target_));
     }
-    add(nullptr);
+    add(nullptr, 0);
 }
 
 void JsonBuilder::addBoolean(bool value) {
     if (!isLeftOut()) {
-        add(made(CreateKELBoolean(value)));
+        add(made(CreateKELBoolean(value)), 1);
     }
 }
 
@@ -83,7 +87,7 @@ void JsonBuilder::addInteger(int64_t value) {
         return;
     }
     if (fitsInt(value)) {
-        add(made(CreateKELInt(static_cast<int32_t>(value))));
+        add(made(CreateKELInt(static_cast<int32_t>(value))), sizeof(int32_t));
         return;
     }
     const auto bits = static_cast<uint64_t>(value);
@@ -96,7 +100,7 @@ void JsonBuilder::addUnsigned(uint64_t value) {
         return;
     }
     if (value <= static_cast<uint64_t>(std::numeric_limits<int32_t>::max())) {
-        add(made(CreateKELInt(static_cast<int32_t>(value))));
+        add(made(CreateKELInt(static_cast<int32_t>(value))), sizeof(int32_t));
         return;
     }
     addNumber(static_cast<double>(value), isExact(value) ? nullptr : inexactInteger);
@@ -121,7 +125,7 @@ void JsonBuilder::addNumber(double value, const char* obstacle) {
         obstacle = obstacleOfDouble(value, *target_);
     }
     list(obstacle);
-    add(made(CreateKELDouble(value)));
+    add(made(CreateKELDouble(value)), sizeof value);
 }
 
 void JsonBuilder::addString(std::string& text) {
@@ -134,7 +138,7 @@ void JsonBuilder::addString(std::string& text) {
     } else if (target_) {
         list(obstacleOfText(text.c_str(), *target_));
     }
-    add(made(CreateKELString(text.c_str())));
+    add(made(CreateKELString(text.c_str())), text.size());
 }
 
 void JsonBuilder::beginStruct() {
@@ -161,7 +165,7 @@ void JsonBuilder::setName(std::string& name) {
         return;
     }
     Frame& top = stack_.back();
-    top.name = std::move(name);
+    top.name.swap(name);
     top.mayBeShape = top.mayBeShape || isReservedName(top.name.c_str());
     const char* obstacle = obstacleInName(top.name);
     list(obstacle);
@@ -169,29 +173,29 @@ void JsonBuilder::setName(std::string& name) {
 }
 
 void JsonBuilder::endStruct() {
-    if (endsLeftOut()) {
+    if (endsLeftOut() || completesContainer()) {
         return;
     }
     Frame frame = std::move(stack_.back());
     stack_.pop_back();
     Value shape = frame.mayBeShape ? valueOfShape(*frame.structure) : nullptr;
     if (shape == nullptr) {
-        add(std::move(frame.container));
+        add(std::move(frame.container), 0);
         return;
     }
     if (target_) {
         list(obstacleOf(*shape, *target_));
     }
-    add(std::move(shape));
+    add(std::move(shape), 0);
 }
 
 void JsonBuilder::endArray() {
-    if (endsLeftOut()) {
+    if (endsLeftOut() || completesContainer()) {
         return;
     }
     Value array = std::move(stack_.back().container);
     stack_.pop_back();
-    add(std::move(array));
+    add(std::move(array), 0);
 }
 
 bool JsonBuilder::isLeftOut() {
@@ -208,18 +212,16 @@ bool JsonBuilder::endsLeftOut() {
     return true;
 }
 
-void JsonBuilder::add(Value value) {
+void JsonBuilder::add(Value value, size_t size) {
     if (stack_.empty()) {
         roots_.push_back(std::move(value));
-        return;
-    }
-    Frame& top = stack_.back();
-    if (top.array != nullptr) {
+    } else if (Frame& top = stack_.back(); top.array != nullptr) {
         top.array->addVar(value.get());
         ++top.index;
     } else {
         top.structure->addVar(top.name.c_str(), value.get());
     }
+    hasAdded(size);
 }
 
 void JsonBuilder::list(const char* reason) {

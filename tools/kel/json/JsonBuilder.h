@@ -4,6 +4,7 @@
 
 #include "Format.h"
 #include "Losses.h"
+#include "PackedContainer.h"
 #include "Values.h"
 
 #include <cstdint>
@@ -25,6 +26,9 @@ public:
     /// \param target the format that the values will be written in, if there is one
     /// \param losses gets the places that cannot be carried
     JsonBuilder(std::optional<Format> target, Losses& losses) : target_(target), losses_(losses) {}
+    JsonBuilder(const JsonBuilder&) = delete;
+    JsonBuilder& operator=(const JsonBuilder&) = delete;
+    virtual ~JsonBuilder() = default;
 
     void addNull();
     void addBoolean(bool value);
@@ -45,7 +49,7 @@ public:
     /// Returns all root values and gives up their ownership.
     std::vector<Value> takeRoots() { return std::move(roots_); }
 
-private:
+protected:
     /// A container that is not complete yet. It joins the container around it once it is complete.
     struct Frame {
         Value container;
@@ -54,12 +58,26 @@ private:
         std::string name = {};   ///< of the current member
         uint64_t index = 0;      ///< of the current element, counted as in the JSON text
         bool mayBeShape = false; ///< a reserved name was read
+        /// The records of earlier values, if they were replaced by records.
+        std::optional<PackedContainer> packed = {};
     };
 
+    /// Is called after a value has been added. \param size a size that the payload of its record
+    /// does not exceed, without the values in it
+    virtual void hasAdded(size_t size) { static_cast<void>(size); }
+
+    /// Is called before the innermost container joins the one around it. \return whether it has
+    /// been completed here
+    virtual bool completesContainer() { return false; }
+
+    std::vector<Value>& roots() { return roots_; }
+    std::vector<Frame>& stack() { return stack_; }
+
+private:
     bool isLeftOut();
     void beginContainer(Frame frame);
     bool endsLeftOut();
-    void add(Value value);
+    void add(Value value, size_t size);
     void addNumber(double value, const char* obstacle);
     void list(const char* reason);
     std::string path() const;

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "PathText.h"
 #include "json/JsonBuilder.h"
+#include "json/JsonRecordBuilder.h"
 
 #include <algorithm>
 #include <iterator>
@@ -36,24 +37,24 @@ private:
 };
 
 /// Passes the parser's events to a builder and keeps failures.
-class Handler : public JsonBuilder {
+class Handler {
 public:
-    using JsonBuilder::JsonBuilder;
+    explicit Handler(JsonBuilder& builder) : builder_(builder) {}
 
-    bool null() { return addNull(), true; }
-    bool boolean(bool value) { return addBoolean(value), true; }
-    bool number_integer(int64_t value) { return addInteger(value), true; }
-    bool number_unsigned(uint64_t value) { return addUnsigned(value), true; }
+    bool null() { return builder_.addNull(), true; }
+    bool boolean(bool value) { return builder_.addBoolean(value), true; }
+    bool number_integer(int64_t value) { return builder_.addInteger(value), true; }
+    bool number_unsigned(uint64_t value) { return builder_.addUnsigned(value), true; }
     bool number_float(double value, const std::string& spelling) {
-        return addDouble(value, spelling), true;
+        return builder_.addDouble(value, spelling), true;
     }
-    bool string(std::string& text) { return addString(text), true; }
+    bool string(std::string& text) { return builder_.addString(text), true; }
     bool binary(nlohmann::json::binary_t&) { return false; } // JSON text contains none
-    bool start_object(size_t) { return beginStruct(), true; }
-    bool key(std::string& name) { return setName(name), true; }
-    bool end_object() { return endStruct(), true; }
-    bool start_array(size_t) { return beginArray(), true; }
-    bool end_array() { return endArray(), true; }
+    bool start_object(size_t) { return builder_.beginStruct(), true; }
+    bool key(std::string& name) { return builder_.setName(name), true; }
+    bool end_object() { return builder_.endStruct(), true; }
+    bool start_array(size_t) { return builder_.beginArray(), true; }
+    bool end_array() { return builder_.endArray(), true; }
 
     bool parse_error(size_t, const std::string&, const nlohmann::json::exception& failure) {
         failure_ = failure.what();
@@ -63,6 +64,7 @@ public:
     const std::string& failure() const { return failure_; }
 
 private:
+    JsonBuilder& builder_;
     std::string failure_;
 };
 
@@ -86,9 +88,9 @@ std::string reasonOf(std::string_view message) {
 class JsonReader {
 public:
     /// \param content must end with white space, so that something follows every number
-    JsonReader(const std::string& content, const std::string& inputName, Handler& handler)
+    JsonReader(const std::string& content, const std::string& inputName, JsonBuilder& builder)
         : begin_(content.data()), at_(begin_), end_(begin_ + content.size()), inputName_(inputName),
-          handler_(handler) {}
+          handler_(builder) {}
 
     void readAll() {
         do {
@@ -138,17 +140,27 @@ private:
     const char* at_;
     const char* end_;
     const std::string& inputName_;
-    Handler& handler_;
+    Handler handler_;
 };
 
 } // namespace
 
-Document readJson(std::string content, const std::string& inputName, std::optional<Format> target,
-                  Losses& losses) {
-    content += '\n';
-    Handler handler(target, losses);
-    JsonReader(content, inputName, handler).readAll();
-    return Document(handler.takeRoots(), false);
+Document readJson(const std::string& content, const std::string& inputName,
+                  std::optional<Format> target, Losses& losses) {
+    JsonBuilder builder(target, losses);
+    JsonReader(content, inputName, builder).readAll();
+    return Document(builder.takeRoots(), false);
+}
+
+std::optional<OutputBytes> recordsOfJson(const std::string& content, const std::string& inputName,
+                                         std::FILE* file) {
+    JsonRecordBuilder builder(file);
+    try {
+        JsonReader(content, inputName, builder).readAll();
+        return builder.takeRecords();
+    } catch (const NotInParts&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace kel::tool

@@ -5,6 +5,7 @@
 #include "Document.h"
 #include "Format.h"
 #include "Losses.h"
+#include "OutputBytes.h"
 
 #include <optional>
 #include <string>
@@ -16,11 +17,22 @@ namespace kel::tool {
 /// arrays. Integers of 32 bits become Ints, and other numbers become Doubles. {"$guid": "..."}
 /// becomes a guid, and {"$memblock": "..."} becomes a memory block. The last of two equal names
 /// wins.
+/// \param content must end with white space, so that something follows every number
 /// \param inputName the name of the input in messages
 /// \param target the format that the values will be written in, if there is one
 /// \param losses gets the places that the values or the target cannot carry
 /// \throws Failure malformed, "INPUT:LINE: what is wrong"
-Document readJson(std::string content, const std::string& inputName, std::optional<Format> target,
-                  Losses& losses);
+Document readJson(const std::string& content, const std::string& inputName,
+                  std::optional<Format> target, Losses& losses);
+
+/// Converts all JSON texts in the content to binary, as readJson reads them. Only a small part of
+/// their values is in memory at a time. Returns nothing if binary cannot carry everything. The
+/// content must then be read by readJson, which also finds the reasons.
+/// \param file the file to write to, which can seek; null if all binary is to be returned
+/// \return the binary that was not written
+/// \throws Failure malformed, "INPUT:LINE: what is wrong"
+/// \throws Failure unwritten
+std::optional<OutputBytes> recordsOfJson(const std::string& content, const std::string& inputName,
+                                         std::FILE* file);
 
 } // namespace kel::tool

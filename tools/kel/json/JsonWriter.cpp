@@ -1,16 +1,14 @@
 #include "json/JsonWriter.h"
 
-#include "Failure.h"
 #include "GuidText.h"
-#include "TreeCursor.h"
+#include "OutputBytes.h"
+#include "Utf8.h"
 #include "json/Base64.h"
 #include "json/ReservedShapes.h"
 
-#include <algorithm>
-#include <cerrno>
+#include <array>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <nlohmann/json.hpp>
 
 namespace kel::tool {
@@ -21,57 +19,26 @@ namespace {
 constexpr size_t indentedLevels = 40;
 constexpr size_t indentWidth = 4;
 
-/// Collects the bytes of a file and writes them in large pieces.
-class Sink {
-public:
-    explicit Sink(std::FILE* file) : file_(file) {}
+// What the characters of a text are to JSON strings.
+constexpr unsigned isEscaped = 1;  ///< strings cannot hold it as it is
+constexpr unsigned isNotAscii = 2; ///< it is a part of a sequence, or not UTF-8 at all
 
-    void put(char c) { buffer_ += c; }
-    void put(std::string_view text) {
-        buffer_ += text;
-        if (buffer_.size() >= pieceSize) {
-            flush();
-        }
+/// The marks of each character.
+constexpr std::array<unsigned char, 256> characterMarks = [] {
+    std::array<unsigned char, 256> marks{};
+    for (unsigned c = 0; c < marks.size(); ++c) {
+        marks[c] = c >= 0x80 ? isNotAscii : c < 0x20 || c == '"' || c == '\\' ? isEscaped : 0;
     }
-    void putSpaces(size_t count) { buffer_.append(count, ' '); }
+    return marks;
+}();
 
-    void flush() {
-        errno = 0;
-        if (std::fwrite(buffer_.data(), 1, buffer_.size(), file_) != buffer_.size()) {
-            throw Failure{Trouble::unwritten, std::strerror(errno)};
-        }
-        buffer_.clear();
+/// Returns the marks that any character of the text has.
+unsigned marksOf(std::string_view text) {
+    unsigned marks = 0;
+    for (const char c : text) {
+        marks |= characterMarks[static_cast<unsigned char>(c)];
     }
-
-private:
-    static constexpr size_t pieceSize = 64 * 1024;
-
-    std::FILE* file_;
-    std::string buffer_;
-};
-
-/// Writes one root value.
-class JsonWriter {
-public:
-    JsonWriter(Sink& sink, bool isIndented) : sink_(sink), isIndented_(isIndented) {}
-
-    void write(KEL* root);
-
-private:
-    void beginValue(const TreeCursor& cursor);
-    void beginLine(size_t depth);
-    void writeScalar(const KEL& value);
-    void writeDouble(double value);
-    void writeString(std::string_view text);
-    void writeShape(const char* name, std::string_view text);
-
-    Sink& sink_;
-    bool isIndented_;
-};
-
-bool isPlain(char c) {
-    return static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\' &&
-           static_cast<unsigned char>(c) < 0x7F;
+    return marks;
 }
 
 std::vector<uint8_t> bytesOf(const KEL& value) {
@@ -82,63 +49,103 @@ std::vector<uint8_t> bytesOf(const KEL& value) {
     return bytes;
 }
 
+} // namespace
+
 void JsonWriter::write(KEL* root) {
     TreeCursor cursor(root);
-    bool isEmpty = false; // whether the innermost container has no value yet
     for (auto event = cursor.next(); event != TreeCursor::Event::done; event = cursor.next()) {
-        const KEL* value = cursor.value();
-        if (event == TreeCursor::Event::leave) {
-            if (!isEmpty && cursor.depth() < indentedLevels) {
-                beginLine(cursor.depth());
-            }
-            sink_.put(value->getType() == KELKind_Struct ? '}' : ']');
-            isEmpty = false;
-            continue;
-        }
-        beginValue(cursor);
-        isEmpty = event == TreeCursor::Event::enter;
-        if (event == TreeCursor::Event::null) {
-            sink_.put("null");
-        } else if (event == TreeCursor::Event::scalar) {
-            writeScalar(*value);
-        } else {
-            sink_.put(value->getType() == KELKind_Struct ? '{' : '[');
-        }
+        writeEvent(cursor, event);
     }
-    sink_.put("\n");
 }
 
-void JsonWriter::beginValue(const TreeCursor& cursor) {
-    if (cursor.depth() == 0) {
+void JsonWriter::writeContents(KEL& container) {
+    TreeCursor cursor(&container);
+    for (auto event = cursor.next(); event != TreeCursor::Event::done; event = cursor.next()) {
+        if (cursor.depth() > 0) {
+            writeEvent(cursor, event);
+        }
+    }
+}
+
+void JsonWriter::writeEvent(const TreeCursor& cursor, TreeCursor::Event event) {
+    const char* name = event == TreeCursor::Event::leave ? nullptr : cursor.name();
+    switch (event) {
+    case TreeCursor::Event::enter:
+        open(cursor.value()->getType() == KELKind_Struct, name);
+        break;
+    case TreeCursor::Event::leave:
+        close();
+        break;
+    case TreeCursor::Event::scalar:
+        beginValue(name);
+        writeScalar(*cursor.value());
+        endValue();
+        break;
+    case TreeCursor::Event::null:
+    case TreeCursor::Event::done:
+        beginValue(name);
+        out_.put("null");
+        endValue();
+        break;
+    }
+}
+
+void JsonWriter::open(bool isStruct, const char* name) {
+    beginValue(name);
+    out_.put(isStruct ? '{' : '[');
+    open_.push_back(isStruct);
+    isEmpty_ = true;
+}
+
+void JsonWriter::close() {
+    const bool isStruct = open_.back();
+    open_.pop_back();
+    if (!isEmpty_ && open_.size() < indentedLevels) {
+        beginLine(open_.size());
+    }
+    out_.put(isStruct ? '}' : ']');
+    endValue();
+}
+
+void JsonWriter::beginValue(const char* name) {
+    if (open_.empty()) {
         return;
     }
-    if (!cursor.isFirst()) {
-        sink_.put(',');
+    if (!isEmpty_) {
+        out_.put(',');
     }
-    beginLine(cursor.depth());
-    if (const char* name = cursor.name()) {
+    beginLine(open_.size());
+    if (name != nullptr) {
+        isExact_ = isExact_ && !isReservedName(name);
         writeString(name);
-        sink_.put(isIndented_ ? ": " : ":");
+        out_.put(isIndented_ ? ": " : ":");
+    }
+}
+
+void JsonWriter::endValue() {
+    isEmpty_ = false;
+    if (open_.empty()) {
+        out_.put('\n');
     }
 }
 
 void JsonWriter::beginLine(size_t depth) {
     if (isIndented_ && depth <= indentedLevels) {
-        sink_.put('\n');
-        sink_.putSpaces(depth * indentWidth);
+        static const std::string longest = '\n' + std::string(indentedLevels * indentWidth, ' ');
+        out_.put(std::string_view(longest).substr(0, 1 + depth * indentWidth));
     }
 }
 
 void JsonWriter::writeScalar(const KEL& value) {
-    switch (kindOf(value).kind) {
+    switch (static_cast<KELKind>(value.getType())) { // a kind that the cursor knows
     case KELKind_Int: {
         char digits[16];
         const auto end = std::to_chars(digits, digits + sizeof digits, value.toInt());
-        sink_.put(std::string_view(digits, end.ptr));
+        out_.put(std::string_view(digits, end.ptr));
         break;
     }
     case KELKind_Boolean:
-        sink_.put(value.toBoolean() ? "true" : "false");
+        out_.put(value.toBoolean() ? "true" : "false");
         break;
     case KELKind_Double:
         writeDouble(value.toDouble());
@@ -163,14 +170,15 @@ void JsonWriter::writeScalar(const KEL& value) {
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
-        sink_.put("null"); // never reached: these are containers or were replaced
+        out_.put("null"); // never reached: these are containers or were replaced
         break;
     }
 }
 
 void JsonWriter::writeDouble(double value) {
     if (!std::isfinite(value)) {
-        sink_.put("null");
+        isExact_ = false;
+        out_.put("null");
         return;
     }
     constexpr double plainDigits = 1e15; // smaller integers are easier to read without exponent
@@ -180,40 +188,39 @@ void JsonWriter::writeDouble(double value) {
         isWhole ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed)
                 : std::to_chars(digits, digits + sizeof digits, value);
     const std::string_view text(digits, end.ptr);
-    sink_.put(text);
+    out_.put(text);
     if (text.find_first_of(".e") == std::string_view::npos) {
-        sink_.put(".0"); // without it the number would be read as an Int
+        out_.put(".0"); // without it the number would be read as an Int
     }
 }
 
 void JsonWriter::writeString(std::string_view text) {
-    if (std::all_of(text.begin(), text.end(), isPlain)) {
-        sink_.put('"');
-        sink_.put(text);
-        sink_.put('"');
+    const unsigned marks = marksOf(text);
+    const bool isSound = (marks & isNotAscii) == 0 || isUtf8(text);
+    isExact_ = isExact_ && isSound;
+    if (isSound && (marks & isEscaped) == 0) {
+        out_.putQuoted(text);
     } else {
         using nlohmann::json;
-        sink_.put(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
+        out_.put(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
     }
 }
 
 void JsonWriter::writeShape(const char* name, std::string_view text) {
-    sink_.put(isIndented_ ? "{ \"" : "{\"");
-    sink_.put(name);
-    sink_.put(isIndented_ ? "\": \"" : "\":\"");
-    sink_.put(text);
-    sink_.put(isIndented_ ? "\" }" : "\"}");
+    out_.put(isIndented_ ? "{ \"" : "{\"");
+    out_.put(name);
+    out_.put(isIndented_ ? "\": \"" : "\":\"");
+    out_.put(text);
+    out_.put(isIndented_ ? "\" }" : "\"}");
 }
 
-} // namespace
-
 void writeJson(const Document& document, std::FILE* file) {
-    Sink sink(file);
-    JsonWriter writer(sink, document.roots().size() == 1);
+    TextBuffer buffer([file](std::string_view text) { writeBytes(text, file); });
+    JsonWriter writer(buffer, document.roots().size() == 1);
     for (const Value& root : document.roots()) {
         writer.write(root.get());
     }
-    sink.flush();
+    buffer.flush();
 }
 
 } // namespace kel::tool

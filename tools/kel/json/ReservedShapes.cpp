@@ -22,7 +22,8 @@ const char* onlyText(const KEL_Struct& structure, const char* name) {
 } // namespace
 
 bool isReservedName(const char* name) {
-    return std::strcmp(name, guidShape) == 0 || std::strcmp(name, memBlockShape) == 0;
+    return *name == '$' &&
+           (std::strcmp(name, guidShape) == 0 || std::strcmp(name, memBlockShape) == 0);
 }
 
 Value valueOfShape(const KEL_Struct& structure) {

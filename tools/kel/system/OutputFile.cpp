@@ -22,7 +22,18 @@ fs::path behindLinks(fs::path path) {
     return path;
 }
 
+/// Returns whether the file is written directly because it exists and is not a regular one.
+bool isDevice(const fs::path& target) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(target, ignored);
+    return fs::exists(status) && !fs::is_regular_file(status);
+}
+
 } // namespace
+
+bool OutputFile::canTakeBack(const std::string& name) {
+    return name != "-" && !isDevice(behindLinks(pathOf(name)));
+}
 
 OutputFile::OutputFile(const std::string& name) : name_(name) {
     if (name == "-") {
@@ -30,9 +41,7 @@ OutputFile::OutputFile(const std::string& name) : name_(name) {
         return;
     }
     const fs::path target = behindLinks(pathOf(name));
-    std::error_code ignored;
-    const fs::file_status status = fs::status(target, ignored);
-    if (fs::exists(status) && !fs::is_regular_file(status)) {
+    if (isDevice(target)) {
         errno = 0;
         file_ = openToWrite(name);
         if (file_ == nullptr) {

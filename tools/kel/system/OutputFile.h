@@ -21,6 +21,10 @@ public:
     /// Removes the written file unless it was committed.
     ~OutputFile();
 
+    /// Returns whether a file of this name would be written under another name first, so that its
+    /// bytes can be taken back.
+    static bool canTakeBack(const std::string& name);
+
     /// Returns the file to write to.
     std::FILE* file() { return file_; }
 

@@ -1,0 +1,32 @@
+/// \file
+/// Converts a file part by part.
+#pragma once
+
+#include "Input.h"
+#include "OutputBytes.h"
+#include "system/OutputFile.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace kel::tool {
+
+/// A complete output, either in a file that was not committed yet or in memory.
+struct Converted {
+    std::unique_ptr<OutputFile> file; ///< null if the output is in memory
+    OutputBytes bytes;
+};
+
+/// Converts between JSON and binary with only a small part of the values in memory at a time. Makes
+/// the same bytes as a conversion of the whole document. Returns nothing if the document must be
+/// converted as a whole: if anything is lost, if values are shared, for all other formats, if
+/// memory runs out, and if a file cannot be written.
+/// \param inputName the name of the input in messages
+/// \param outputName the name of the output, or "-" for stdout
+/// \throws Failure malformed
+std::optional<Converted> convertInParts(const Content& content, Format target,
+                                        const std::string& inputName,
+                                        const std::string& outputName);
+
+} // namespace kel::tool

@@ -1,0 +1,91 @@
+/// \file
+/// RecordCursor: visits the records of a binary file without reading their values.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kel::tool {
+
+/// The number of bytes of a record before its payload, as docs/binary-format.md describes it.
+constexpr size_t recordHeaderSize = 34;
+
+/// The number of bytes of a reference.
+constexpr size_t referenceSize = 24;
+
+/// The place of the payload's length in the header of a record, and its size.
+constexpr size_t payloadLengthOffset = 26;
+constexpr size_t payloadLengthSize = 8;
+
+/// Stores the length of a payload in its field.
+void setPayloadLength(char* field, uint64_t length);
+
+/// Walks the records of a file, and the records in those of arrays and structs, with a stack of its
+/// own. It examines only the fields that lead from one record to the next. The caller must keep the
+/// content alive.
+class RecordCursor {
+public:
+    enum class Event {
+        value,     ///< the record of a value that holds no others
+        null,      ///< a reference with the identity zero
+        reference, ///< any other reference
+        enter,     ///< the record of an array or struct, whose records come next
+        leave,     ///< the end of an array or struct
+        done,      ///< the content has ended after a record
+        broken     ///< what comes next is not a whole record
+    };
+
+    explicit RecordCursor(std::string_view content);
+
+    /// Moves to the next event. After done and broken there is none.
+    Event next();
+
+    /// Passes over the records of an array or struct, right after enter. No leave follows.
+    void skip();
+
+    /// Returns the bytes of the current element: of its name, if it is a struct's, and its record.
+    /// After enter they include the payload.
+    std::string_view element() const { return {element_, end_}; }
+
+    /// Returns the bytes of the current element's record.
+    std::string_view record() const { return {record_, end_}; }
+
+    /// Returns the current variable's name, which a NUL follows. Returns null data outside structs.
+    std::string_view name() const { return name_; }
+
+    /// Returns whether the innermost container, which can have been entered just now, is a struct.
+    bool isInStruct() const { return levels_.back().isStruct; }
+
+    /// Returns the number of open containers, including one that was entered just now.
+    size_t depth() const { return levels_.size() - 1; }
+
+    /// Returns the number of root records so far.
+    size_t roots() const { return levels_.front().count; }
+
+    /// Returns the path from the root record to the current element.
+    std::string path() const;
+
+private:
+    /// A container whose elements are being visited.
+    struct Level {
+        bool isStruct;
+        const char* end;
+        size_t count = 0;           ///< of the elements so far
+        std::string_view name = {}; ///< of the variable that holds the next level
+    };
+
+    /// Returns the number of bytes that the innermost container has left.
+    size_t left() const { return static_cast<size_t>(levels_.back().end - at_); }
+
+    const char* at_;
+    const char* element_ = nullptr; ///< the beginning of the current element,
+    const char* record_ = nullptr;  ///< of its record,
+    const char* end_ = nullptr;     ///< and the end of both
+    std::string_view name_;
+    std::vector<Level> levels_; ///< of the whole file and the open containers
+};
+
+} // namespace kel::tool

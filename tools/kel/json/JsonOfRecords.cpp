@@ -1,0 +1,143 @@
+#include "json/JsonOfRecords.h"
+
+#include "DocumentScan.h"
+#include "KelReader.h"
+#include "KelWriter.h"
+#include "RecordCursor.h"
+#include "json/JsonWriter.h"
+
+#include <string>
+#include <vector>
+
+namespace kel::tool {
+
+namespace {
+
+/// The size of the parts that are read at a time.
+constexpr size_t partSize = 256 * 1024;
+
+/// Containers nested deeper than this are read as a whole, because opening each costs a little.
+constexpr size_t mostOpen = 1000;
+
+using Event = RecordCursor::Event;
+
+/// Returns the number of root records if the content consists of whole records without references,
+/// and the names of every struct ascend. Returns 0 otherwise.
+size_t countPlainRoots(std::string_view content) {
+    RecordCursor cursor(content);
+    std::vector<std::string_view> names; // the last one of every open container
+    for (Event event = cursor.next(); event != Event::done; event = cursor.next()) {
+        if (event == Event::broken || event == Event::reference) {
+            return 0;
+        }
+        if (event == Event::leave) {
+            names.pop_back();
+            continue;
+        }
+        const std::string_view name = cursor.name();
+        if (name.data() != nullptr) {
+            if (name <= names.back()) {
+                return 0;
+            }
+            names.back() = name;
+        }
+        if (event == Event::enter) {
+            names.emplace_back();
+        }
+    }
+    return cursor.roots();
+}
+
+/// Converts the records of one file. Large containers are opened, and their elements are read in
+/// parts. The library reads each part as a record of its own: the header of the container followed
+/// by some of the elements.
+class Converter {
+public:
+    Converter(std::string_view content, size_t roots, const TextBuffer::PassOn& passOn)
+        : cursor_(content), buffer_(passOn),
+          writer_(buffer_, roots == 1), headers_{
+                                            recordOf(*made(CreateKELArray()), recordHeaderSize)} {}
+
+    /// Returns false if the file cannot be converted in parts.
+    bool run();
+
+private:
+    bool openContainer();
+    bool add(std::string_view element);
+    bool writePart();
+
+    RecordCursor cursor_;
+    TextBuffer buffer_;
+    JsonWriter writer_;
+    std::vector<std::string> headers_; ///< of an array around all roots and of the open containers
+    std::string_view part_;            ///< elements of the innermost one that were not read yet
+    std::string record_;               ///< of such elements; kept because new memory costs time
+};
+
+bool Converter::run() {
+    for (Event event = cursor_.next(); event != Event::done; event = cursor_.next()) {
+        bool isDone = false;
+        if (event == Event::leave) {
+            isDone = writePart();
+            writer_.close();
+            headers_.pop_back();
+        } else if (event != Event::enter) {
+            isDone = add(cursor_.element());
+        } else if (cursor_.record().size() > partSize && headers_.size() <= mostOpen) {
+            isDone = writePart() && openContainer();
+        } else {
+            cursor_.skip();
+            isDone = add(cursor_.element());
+        }
+        if (!isDone) {
+            return false;
+        }
+    }
+    const bool isDone = writePart();
+    buffer_.flush();
+    return isDone;
+}
+
+/// Opens the container that the cursor has entered. The library reads its header without elements,
+/// which finds mistakes in it.
+bool Converter::openContainer() {
+    const std::string_view name = cursor_.name();
+    if (name.find('"') != std::string_view::npos) {
+        return false;
+    }
+    writer_.open(cursor_.isInStruct(), name.data());
+    headers_.emplace_back(cursor_.record().substr(0, recordHeaderSize));
+    return writePart();
+}
+
+/// Adds an element, which follows the others directly, to the current part.
+bool Converter::add(std::string_view element) {
+    if (!part_.empty() && part_.size() + element.size() > partSize && !writePart()) {
+        return false;
+    }
+    part_ = {part_.empty() ? element.data() : part_.data(), part_.size() + element.size()};
+    return true;
+}
+
+/// Reads the current part and writes its values.
+bool Converter::writePart() {
+    record_ = headers_.back();
+    record_ += part_;
+    setPayloadLength(record_.data() + payloadLengthOffset, part_.size());
+    part_ = {};
+    const Value container = valueOfRecord(record_);
+    if (container == nullptr) {
+        return false;
+    }
+    writer_.writeContents(*container);
+    return writer_.isExact();
+}
+
+} // namespace
+
+bool convertToJson(std::string_view records, const TextBuffer::PassOn& passOn) {
+    const size_t roots = records.size() > DocumentScan::mostBytes ? 0 : countPlainRoots(records);
+    return roots > 0 && Converter(records, roots, passOn).run();
+}
+
+} // namespace kel::tool

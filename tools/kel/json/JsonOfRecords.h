@@ -1,0 +1,19 @@
+/// \file
+/// Converts binary to JSON part by part.
+#pragma once
+
+#include "json/TextBuffer.h"
+
+#include <string_view>
+
+namespace kel::tool {
+
+/// Converts a binary file to JSON. Only a small part of its values is in memory at a time. This is
+/// not possible if the file is damaged, has references, has structs whose names are repeated or not
+/// in order, or holds anything that JSON cannot carry. The file must then be converted as a whole,
+/// which also finds the reasons.
+/// \param passOn gets the JSON piece by piece
+/// \return whether the JSON is complete
+bool convertToJson(std::string_view records, const TextBuffer::PassOn& passOn);
+
+} // namespace kel::tool
