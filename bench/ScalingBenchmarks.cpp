@@ -47,6 +47,7 @@ void addSize(std::size_t size) {
     });
     addOperation("binary_write", size, [](benchmark::State& state, const Prepared& p) {
         Bytes bytes;
+        writeBinary(p.tree.get(), bytes); // so that the buffer has grown
         measureWork(state, p.values, [&] { return writeBinary(p.tree.get(), bytes); });
     });
     addOperation("binary_read", size, [](benchmark::State& state, const Prepared& p) {

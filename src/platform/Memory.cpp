@@ -1,7 +1,9 @@
 #include "platform/Memory.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 namespace kel::platform {
 
@@ -64,6 +66,18 @@ void deallocateBlock(void* storage) noexcept {
 
 void* allocateSized(std::size_t size) {
     return size - 1 < largestBlock ? allocateBlock(size) : allocate(size);
+}
+
+void* reallocateSized(void* storage, std::size_t size, std::size_t newSize) {
+    if (size > largestBlock && newSize > largestBlock) {
+        return reallocate(storage, newSize); // moves the pages of a large piece, not its bytes
+    }
+    void* moved = allocateSized(newSize);
+    if (moved != nullptr && storage != nullptr) {
+        std::memcpy(moved, storage, std::min(size, newSize));
+        deallocateSized(storage, size);
+    }
+    return moved;
 }
 
 void deallocateSized(void* storage, std::size_t size) noexcept {

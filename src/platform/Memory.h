@@ -38,6 +38,11 @@ void deallocateBlock(void* storage) noexcept;
 /// caller must know the size when it frees them. This is faster than allocate for small sizes.
 void* allocateSized(std::size_t size);
 
+/// Changes storage of size bytes from allocateSized to newSize bytes (at least one), which can move
+/// it, and keeps its bytes as far as they fit. Does the same as allocateSized for null, whose size
+/// is 0. Returns null when there is no memory; storage then remains as it was.
+void* reallocateSized(void* storage, std::size_t size, std::size_t newSize);
+
 /// Frees the size bytes from allocateSized. Null is ignored.
 void deallocateSized(void* storage, std::size_t size) noexcept;
 

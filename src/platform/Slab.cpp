@@ -2,26 +2,48 @@
 
 #if !defined(_WIN32)
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 #include <sys/mman.h>
 
 namespace kel::platform {
 
-namespace {
+static_assert(sizeof(Region) < slabSize / 8);
 
-constexpr std::size_t headSize = (sizeof(Region) + 63) / 64 * 64;
-static_assert(headSize < slabSize / 8);
-
-} // namespace
-
-void Slab::renew() {
+void Slab::begin(std::size_t newClass) {
     Region* region = Region::of(this);
     const auto index = static_cast<std::size_t>(this - region->slabs);
-    const std::size_t head = index == 0 ? headSize : 0;
-    const std::size_t size = sizeOfClass(sizeClass);
-    free = nullptr;
-    fresh = reinterpret_cast<char*>(region) + index * slabSize + head;
-    end = fresh + (slabSize - head) / size * size;
+    word = reinterpret_cast<Word*>(reinterpret_cast<char*>(region) + index * slabSize);
+
+    const std::size_t size = sizeOfClass(newClass);
+    const std::size_t numbers = slabSize / size;
+    wordCount = static_cast<uint32_t>((numbers + wordBits - 1) / wordBits);
+    std::fill_n(word, wordCount, ~Word{0});
+    word[wordCount - 1] &= ~Word{0} >> (wordCount * wordBits - numbers);
+    const std::size_t head = index == 0 ? sizeof(Region) : wordCount * sizeof(Word);
+    const std::size_t first = (head + size - 1) / size;
+    for (std::size_t number = 0; number < first; ++number) {
+        word[number / wordBits] &= ~(Word{1} << number % wordBits);
+    }
+
+    capacity = static_cast<uint32_t>(numbers - first);
+    used = 0;
+    inverse = static_cast<uint32_t>((uint64_t{1} << 32) / size + 1);
+    sizeClass = static_cast<uint8_t>(newClass);
+}
+
+void Slab::findWord() {
+    do {
+        ++word;
+        if (word == mapOf(word) + wordCount) {
+            rewind();
+        }
+    } while (*word == 0);
+}
+
+void Slab::rewind() {
+    word = mapOf(word);
 }
 
 Region* Region::map() {
@@ -38,7 +60,7 @@ Region* Region::map() {
     if (before < regionSize) {
         munmap(start + before + regionSize, regionSize - before);
     }
-    return new (start + before) Region(); // the slabs are zero, as the system made them
+    return new (start + before) Region();
 }
 
 void Region::unmap() {

@@ -2,6 +2,8 @@
 
 #if !defined(_WIN32)
 
+#include "platform/Inline.h"
+#include "platform/RegionReserve.h"
 #include "platform/Slab.h"
 #include "platform/ThreadLocal.h"
 
@@ -22,18 +24,20 @@ struct Heap {
     LinkedList<Region> regions;
     std::size_t regionCount = 0;
     std::size_t emptyRegions = 0;
+    RegionReserve reserve;
     std::atomic<bool> hasRemote{false};
     Slab* remoteSlabs = nullptr;       // guarded by the lock
     std::atomic<bool> isOrphan{false}; // changed under the lock
     Heap* nextUnowned = nullptr;       // guarded by the lock
+
+    std::size_t usedRegions() const { return regionCount - emptyRegions; }
 };
 
 namespace {
 
-constexpr std::size_t reservedRegions = 4; // kept although empty
-
 // A thread without a heap has this one, whose slab never has a block to give. Nobody writes to it.
-Slab noSlab{};
+constinit Slab::Word noFreeBlock = 0;
+constinit Slab noSlab{&noFreeBlock};
 
 struct NoHeap : Heap {
     constexpr NoHeap() : Heap() {
@@ -107,23 +111,35 @@ void removeRegion(Heap& heap, Region* region) {
     region->unmap();
 }
 
+/// Removes empty regions until no more than this many are left.
+void removeEmptyRegions(Heap& heap, std::size_t left) {
+    for (Region* region = heap.regions.first; heap.emptyRegions > left;) {
+        Region* next = region->next;
+        if (region->usedSlabs == 0) {
+            removeRegion(heap, region);
+        }
+        region = next;
+    }
+}
+
 /// Moves a slab without used blocks to the empty ones, which can serve any size.
 void retire(Heap& heap, Slab* slab) {
-    slab->free = nullptr;
-    slab->fresh = slab->end = nullptr;
     slab->isFull = false;
     heap.empty.push(slab);
     Region* region = Region::of(slab);
-    if (--region->usedSlabs == 0 && ++heap.emptyRegions > reservedRegions) {
+    if (--region->usedSlabs == 0 && ++heap.emptyRegions > heap.reserve.size()) {
         removeRegion(heap, region);
+    }
+    if (heap.reserve.slabEmptied(heap.usedRegions())) {
+        removeEmptyRegions(heap, heap.reserve.size());
     }
 }
 
 /// Moves a slab that was full or is empty now to its right list, after one of its blocks was freed.
-void afterFree(Heap& heap, Slab* slab) {
+KEL_NEVER_INLINE void afterFree(Heap& heap, Slab* slab) {
     if (slab->isCurrent) {
         if (slab->used == 0) {
-            slab->renew(); // in order again
+            slab->rewind();
         }
         return;
     }
@@ -152,9 +168,7 @@ void collectRemote(Heap& heap) {
         Block* block = slab->remote.exchange(nullptr, std::memory_order_acq_rel);
         while (block != nullptr) {
             Block* following = block->next;
-            block->next = slab->free;
-            slab->free = block;
-            --slab->used;
+            slab->give(block);
             block = following;
         }
         afterFree(heap, slab);
@@ -177,6 +191,7 @@ void adopt(Heap& heap, Heap& orphan) {
     }
     heap.regionCount += orphan.regionCount;
     heap.emptyRegions += orphan.emptyRegions;
+    heap.reserve.grown(heap.usedRegions());
     for (std::size_t i = 0; i < classCount; ++i) {
         while (Slab* slab = orphan.withRoom[i].first) {
             orphan.withRoom[i].remove(slab);
@@ -219,13 +234,8 @@ void leaveHeap(void* heap) {
             slab->isFull = true;
         }
     }
-    for (Region* region = mine.regions.first; region != nullptr;) {
-        Region* next = region->next;
-        if (region->usedSlabs == 0) {
-            removeRegion(mine, region);
-        }
-        region = next;
-    }
+    removeEmptyRegions(mine, 0);
+    mine.reserve = {};
     const std::lock_guard<ForkLock> guard(lock);
     Heap*& list = mine.regions.first == nullptr ? spareHeaps : orphans;
     mine.isOrphan.store(&list == &orphans, std::memory_order_relaxed);
@@ -283,8 +293,8 @@ Heap* makeHeap() {
     return made;
 }
 
-/// Allocates when the current slab of the class is used up.
-void* takeFromNextSlab(std::size_t sizeClass) {
+/// Allocates when the current word of the current slab of the class is used up.
+KEL_NEVER_INLINE void* takeFromNextWord(std::size_t sizeClass) {
     Heap* heap = threadHeap;
     if (heap == &noHeap) {
         heap = makeHeap();
@@ -295,35 +305,39 @@ void* takeFromNextSlab(std::size_t sizeClass) {
     if (heap->hasRemote.load(std::memory_order_relaxed)) {
         collectRemote(*heap);
     }
-    Slab* before = heap->current[sizeClass];
-    Slab* slab = before;
+    Slab*& slab = heap->current[sizeClass];
     if (!slab->hasBlock()) {
-        slab = heap->withRoom[sizeClass].first;
-        if (slab != nullptr) {
-            heap->withRoom[sizeClass].remove(slab);
+        Slab* next = heap->withRoom[sizeClass].first;
+        if (next != nullptr) {
+            heap->withRoom[sizeClass].remove(next);
+            next->rewind();
         } else {
             if (heap->empty.first == nullptr && !addRegion(*heap)) {
                 return nullptr;
             }
-            slab = heap->empty.first;
-            heap->empty.remove(slab);
-            heap->emptyRegions -= Region::of(slab)->usedSlabs++ == 0 ? 1 : 0;
-            slab->sizeClass = static_cast<uint8_t>(sizeClass);
-            slab->used = 0;
-            slab->renew();
+            next = heap->empty.first;
+            heap->empty.remove(next);
+            if (Region::of(next)->usedSlabs++ == 0) {
+                --heap->emptyRegions;
+                heap->reserve.grown(heap->usedRegions());
+            }
+            next->begin(sizeClass);
         }
-        if (before != &noSlab) {
-            before->isCurrent = false;
-            before->isFull = true;
+        if (slab != &noSlab) {
+            slab->isCurrent = false;
+            slab->isFull = true;
         }
+        slab = next;
         slab->isCurrent = true;
-        heap->current[sizeClass] = slab;
     }
-    return takeBlock(sizeOfClass(sizeClass));
+    if (!slab->hasBlockInWord()) {
+        slab->findWord();
+    }
+    return slab->take(sizeOfClass(sizeClass));
 }
 
 /// Frees a block of another thread's slab, or of an ended thread's.
-void giveRemote(Region* region, void* block) {
+KEL_NEVER_INLINE void giveRemote(Region* region, void* block) {
     Heap* owner = region->heap.load(std::memory_order_relaxed);
     if (owner->isOrphan.load(std::memory_order_relaxed)) {
         if (threadHeap == &noHeap) {
@@ -368,18 +382,8 @@ void giveRemote(Region* region, void* block) {
 void* takeBlock(std::size_t size) {
     const std::size_t sizeClass = (size - 1) / blockGranule;
     Slab* slab = threadHeap->current[sizeClass];
-    if (Block* block = slab->free) {
-        slab->free = block->next;
-        ++slab->used;
-        return block;
-    }
-    if (slab->fresh != slab->end) {
-        void* block = slab->fresh;
-        slab->fresh += sizeOfClass(sizeClass);
-        ++slab->used;
-        return block;
-    }
-    return takeFromNextSlab(sizeClass);
+    return slab->hasBlockInWord() ? slab->take(sizeOfClass(sizeClass))
+                                  : takeFromNextWord(sizeClass);
 }
 
 void giveBlock(void* block) noexcept {
@@ -390,10 +394,8 @@ void giveBlock(void* block) noexcept {
         return;
     }
     Slab* slab = region->slabOf(block);
-    auto* freed = static_cast<Block*>(block);
-    freed->next = slab->free;
-    slab->free = freed;
-    if (--slab->used == 0 || slab->isFull) {
+    slab->give(block);
+    if (slab->used == 0 || slab->isFull) {
         afterFree(*heap, slab);
     }
 }

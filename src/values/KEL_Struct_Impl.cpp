@@ -216,10 +216,10 @@ void KEL_Struct_Impl::setContent(const char* name, const Arguments&... arguments
         return;
     }
     const Place place = findToChange(name);
-    const JPointer<KEL_Impl> current = JPointer<KEL_Impl>::share(place->value);
-    if (current.isNull()) {
+    KEL_Impl* current = place->value;
+    if (current == nullptr) {
         replace(place, JPointer<KEL_Impl>(new Value(arguments...)));
-    } else {
+    } else { // it keeps itself alive
         current->assignConverted(kel::Temporary<Value>(arguments...).get(), true);
     }
 }
@@ -250,8 +250,8 @@ void KEL_Struct_Impl::setVarValue(const char* name, KEL* value) {
     if (kel::isNoName(name) || value == nullptr) {
         return;
     }
-    const JPointer<KEL_Impl> current = JPointer<KEL_Impl>::share(findToChange(name)->value);
-    if (current.isNull()) {
+    KEL_Impl* current = findToChange(name)->value;
+    if (current == nullptr) {
         addVar(name, value);
     } else {
         current->assignConverted(value, true);

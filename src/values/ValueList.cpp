@@ -25,10 +25,11 @@ std::size_t bytesOf(int32_t count) {
     return static_cast<std::size_t>(count) * sizeof(KEL_Impl*);
 }
 
-/// Allocates room for count elements. \return null when there is no memory
-void* tryAllocate(int32_t count) {
-    const uint64_t bytes = static_cast<uint64_t>(count) * sizeof(KEL_Impl*);
-    return bytes <= SIZE_MAX ? platform::allocateSized(bytesOf(count)) : nullptr;
+/// Changes the room for elements from one count to another. \return null when there is no memory
+void* tryResize(void* elements, int32_t from, int32_t to) {
+    const uint64_t bytes = static_cast<uint64_t>(to) * sizeof(KEL_Impl*);
+    return bytes <= SIZE_MAX ? platform::reallocateSized(elements, bytesOf(from), bytesOf(to))
+                             : nullptr;
 }
 
 } // namespace
@@ -62,17 +63,13 @@ void ValueList::grow(int32_t more) {
     const int64_t growth = room_ <= smallRoom ? room_ : room_ / 2;
     const auto ahead = static_cast<int32_t>(std::min<int64_t>(room_ + growth, INT32_MAX));
     int32_t room = std::max({needed, ahead, more == 1 ? leastRoom : 0});
-    void* moved = tryAllocate(room);
+    void* moved = tryResize(elements_, room_, room);
     if (moved == nullptr && room > needed) { // perhaps there is memory for what is needed
         room = needed;
-        moved = tryAllocate(room);
+        moved = tryResize(elements_, room_, room);
     }
     if (moved == nullptr) {
         throwOutOfMemory();
-    }
-    if (elements_ != nullptr) {
-        std::memcpy(moved, elements_, bytesOf(size_));
-        platform::deallocateSized(elements_, bytesOf(room_));
     }
     elements_ = static_cast<KEL_Impl**>(moved);
     room_ = room;

@@ -124,8 +124,12 @@ public:
 
     /// Returns whether this is the key's name.
     bool equals(const NameKey& key) const {
-        return key.isShort() ? word(0) == orderOf(key.high_) && word(8) == orderOf(key.low_)
-                             : hasLongText(key);
+        return key.isShort() ? hasImageOf(key) : hasLongText(key);
+    }
+
+    /// Does the same for a short key, without a branch.
+    bool hasImageOf(const NameKey& key) const {
+        return ((word(0) ^ orderOf(key.high_)) | (word(8) ^ orderOf(key.low_))) == 0;
     }
 
 private:

@@ -37,23 +37,29 @@ public:
     Variable* end() const { return variables_ + count_; }
     Variable& back() const { return variables_[count_ - 1]; }
 
-    /// Up to this many variables, looking for an equal name is faster than dividing them.
+    /// Up to this many variables, comparing all of them is faster than dividing them.
     static constexpr uint32_t few = 16;
 
-    /// Returns the index of the variable with this name, or the count.
+    /// Returns the index of the variable with this short name, or the count. Always compares all of
+    /// them: a processor mispredicts where a search ends, and that costs more than the comparisons.
     uint32_t findAmongFew(const NameKey& key) const {
-        uint32_t index = 0;
-        while (index < count_ && !variables_[index].name.equals(key)) {
-            ++index;
+        uint32_t found = count_;
+        for (uint32_t index = 0; index < count_; ++index) {
+            found = variables_[index].name.hasImageOf(key) ? index : found;
         }
-        return index;
+        return found;
     }
 
-    /// Returns the index of the first variable that is not before the key.
+    /// Returns the index of the first variable that is not before the key. Divides without
+    /// branches, because half of them would be mispredicted.
     uint32_t find(const NameKey& key) const {
-        const Variable* found = std::partition_point(
-            begin(), end(), [&](const Variable& variable) { return variable.name.isBefore(key); });
-        return static_cast<uint32_t>(found - begin());
+        uint32_t index = 0;
+        for (uint32_t left = count_; left > 0;) {
+            const uint32_t half = (left + 1) / 2;
+            index += half * static_cast<uint32_t>(variables_[index + half - 1].name.isBefore(key));
+            left -= half;
+        }
+        return index;
     }
 
     /// Makes room for this many variables in total, at least as many as there are.

@@ -1,5 +1,6 @@
 #include "values/VariableTable.h"
 
+#include "platform/Inline.h"
 #include "values/KEL_Impl.h"
 
 #include <memory>
@@ -81,13 +82,17 @@ VariableRun& VariableTable::runFor(const NameKey& key) const {
 }
 
 VariableTable::Place VariableTable::find(const NameKey& key) const {
-    VariableRun& run = chunks_ == nullptr ? const_cast<VariableRun&>(flat_) : runFor(key);
-    if (run.count() <= VariableRun::few) {
-        const uint32_t known = run.findAmongFew(key);
-        if (known < run.count()) {
-            return {&run, known, true};
+    if (flat_.count() <= VariableRun::few && key.isShort()) {
+        const uint32_t known = flat_.findAmongFew(key);
+        if (known < flat_.count()) {
+            return {const_cast<VariableRun*>(&flat_), known, true};
         }
     }
+    return divide(key);
+}
+
+KEL_NEVER_INLINE VariableTable::Place VariableTable::divide(const NameKey& key) const {
+    VariableRun& run = chunks_ == nullptr ? const_cast<VariableRun&>(flat_) : runFor(key);
     const uint32_t index = run.find(key);
     return {&run, index, index < run.count() && run[index].name.equals(key)};
 }
@@ -163,7 +168,7 @@ VariableTable::Place VariableTable::makeRoom(Place place, std::size_t more) {
             return place;
         }
         if (needed <= VariableRun::limit) {
-            constexpr uint32_t fewest = 4;
+            constexpr uint32_t fewest = 3;
             const uint32_t ahead =
                 std::min(flat_.capacity() + flat_.capacity() / 2, VariableRun::limit);
             flat_.setCapacity(std::max({static_cast<uint32_t>(needed), ahead, fewest}));

@@ -188,6 +188,9 @@ private:
     /// before the key, or the last of all.
     VariableRun& runFor(const NameKey& key) const;
 
+    /// Finds a name in a table of any size, by dividing.
+    Place divide(const NameKey& key) const;
+
     /// Returns the place after the last variable.
     Place end() const;
 

@@ -4,6 +4,7 @@
 
 #if !defined(_WIN32)
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -32,7 +33,7 @@ public:
     void take(std::size_t size) {
         void* block = takeBlock(size);
         ASSERT_NE(block, nullptr);
-        EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % blockGranule, 0U);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % (size % 16 == 0 ? 16 : 8), 0U);
         std::memset(block, static_cast<int>(size % 251), size);
         blocks_.emplace_back(static_cast<unsigned char*>(block), size);
     }
@@ -116,13 +117,53 @@ void takeAndGiveBytes(std::size_t bytes, std::size_t size) {
     }
 }
 
+constexpr std::size_t megabyte = 1 << 20;
+
+/// The most that a thread keeps without using it, with two regions for the slabs of the tests.
+constexpr std::size_t largestReserve = 68 * megabyte;
+
 TEST(SlabStore, EmptySlabsReturnToTheSystem) {
-    constexpr std::size_t megabyte = 1 << 20;
     std::thread([] {
-        takeAndGiveBytes(64 * megabyte, 112);
+        takeAndGiveBytes(2 * largestReserve, 112);
+        EXPECT_LE(slabBytesOfThread(), largestReserve);
+        takeAndGiveBytes(2 * largestReserve, 48);
+        EXPECT_LE(slabBytesOfThread(), largestReserve);
+    }).join();
+}
+
+TEST(SlabStore, AThreadKeepsTheMemoryThatItUsesAgainAndAgain) {
+    std::thread([] {
+        takeAndGiveBytes(24 * megabyte, 112);
+        EXPECT_GE(slabBytesOfThread(), 24 * megabyte);
+    }).join();
+}
+
+TEST(SlabStore, AThreadThatUsesLessReturnsMemory) {
+    std::thread([] {
+        takeAndGiveBytes(2 * largestReserve, 112);
+        for (std::size_t bytes = 0; bytes < 512 * megabyte; bytes += 4 * megabyte) {
+            takeAndGiveBytes(4 * megabyte, 112);
+        }
         EXPECT_LE(slabBytesOfThread(), 16 * megabyte);
-        takeAndGiveBytes(64 * megabyte, 48);
-        EXPECT_LE(slabBytesOfThread(), 16 * megabyte);
+    }).join();
+}
+
+TEST(SlabStore, BlocksOfASlabAreTakenInOrderHoweverTheyWereFreed) {
+    std::thread([] {
+        std::vector<char*> blocks;
+        for (int i = 0; i < 500; ++i) { // fewer than a slab has
+            blocks.push_back(static_cast<char*>(takeBlock(112)));
+        }
+        std::shuffle(blocks.begin() + 1, blocks.end(), std::mt19937(1));
+        const auto kept = blocks.begin() + 10;
+        std::for_each(kept, blocks.end(), giveBlock);
+        std::generate(kept, blocks.end(), [] { return static_cast<char*>(takeBlock(112)); });
+        int descents = 0;
+        for (auto block = kept + 1; block != blocks.end(); ++block) {
+            descents += block[0] < block[-1];
+        }
+        EXPECT_LE(descents, 1) << "where the slab begins from its start again";
+        std::for_each(blocks.begin(), blocks.end(), giveBlock);
     }).join();
 }
 
@@ -165,16 +206,16 @@ TEST(SlabStore, AThreadThatGivesBlocksOfAnEndedOneTakesItsSlabsOver) {
         const std::size_t before = slabBytesOfThread();
         std::vector<void*> blocks;
         std::thread([&blocks] {
-            for (int i = 0; i < 200000; ++i) {
+            for (std::size_t bytes = 0; bytes < 2 * largestReserve; bytes += 112) {
                 blocks.push_back(takeBlock(112));
             }
         }).join();
         giveBlock(blocks.front());
-        EXPECT_GE(slabBytesOfThread(), before + 112 * 199999);
+        EXPECT_GE(slabBytesOfThread(), before + 2 * largestReserve);
         for (std::size_t i = 1; i < blocks.size(); ++i) {
             giveBlock(blocks[i]);
         }
-        EXPECT_LE(slabBytesOfThread(), before + (std::size_t{16} << 20));
+        EXPECT_LE(slabBytesOfThread(), before + largestReserve);
     }).join();
 }
 

@@ -92,7 +92,7 @@ TEST(CostOfValues, TextsAndContainers) {
     EXPECT_EQ(costOf([] { return newString("23 characters, in place"); }), (Cost{128, 1}));
     EXPECT_EQ(costOf([] { return newString("24 characters, elsewhere"); }), (Cost{153, 2}));
     EXPECT_EQ(costOf([] { return newArray(10); }), (Cost{1480, 15}));
-    EXPECT_EQ(costOf([] { return newStruct(10); }), (Cost{2016, 15}));
+    EXPECT_EQ(costOf([] { return newStruct(10); }), (Cost{2088, 16}));
 }
 
 #endif
