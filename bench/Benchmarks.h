@@ -20,6 +20,10 @@ void registerLookupBenchmarks();
 /// Registers single operations of the host interface. Their names are host_operation/KEL/document.
 void registerInterfaceBenchmarks();
 
+/// Registers calls through kel.hpp beside the raw calls. Their names are header/KEL/call, and
+/// header/raw/call for the raw ones.
+void registerHeaderBenchmarks();
+
 /// Registers the operations on documents once more, on generated documents of 10,000 values and of
 /// each power of ten up to maximum. Their names are scaling_operation/KEL/size.
 void registerScalingBenchmarks(std::size_t maximum);

@@ -32,6 +32,7 @@ void run(bool isAged) {
     bench::registerBuildBenchmarks();
     bench::registerLookupBenchmarks();
     bench::registerInterfaceBenchmarks();
+    bench::registerHeaderBenchmarks();
     bench::registerScalingBenchmarks(maximumFromEnvironment());
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -40,6 +40,10 @@ def ratio(operation, document):
     return lambda run, heap: run.ratios(heap, operation, "nlohmann").get(document)
 
 
+def beside_raw(call):
+    return lambda run, heap: run.ratios(heap, "header", "raw").get(call)
+
+
 def worst_time(operation):
     """Returns a figure: the time of the slowest document."""
     def figure(run, heap):
@@ -110,6 +114,8 @@ ROWS = [
     Row("Struct::setInt", 25, "ns", worst_time("host_struct_set_int")),
     Row("all names of a struct", 15, "ns each", worst_time("host_all_names")),
     Row("all variables of a struct", 15, "ns each", worst_time("host_all_variables")),
+    *(Row(f"kel.hpp, {call.replace('_', ' ')}", 1.05, "x raw calls", beside_raw(call))
+      for call in ("read", "put", "assign", "make_and_release")),
     *(Row(f"spread over sizes, {operation.replace('_', ' ')}", 1.3, "x fastest", spread(operation))
       for operation in SCALING_OPERATIONS),
     Row("kel convert and back, time", 0.7, "x jq", by_jq(lambda run: run.seconds, sum),

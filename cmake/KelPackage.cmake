@@ -1,6 +1,19 @@
-# The archives and packages that CPack makes: kel-<version>-win32.zip for Windows, and for Linux
-# kel-<version>-linux-<processor>.tar.gz and a Debian package. They contain the installed files.
-# This file sets their names and adds the texts that accompany them.
+# The archives that CPack makes: kel-<version>-win32.zip for Windows and
+# kel-<version>-linux-<processor>.tar.gz for Linux. They contain the installed files. This file sets
+# their names and adds the texts that accompany them. Debian packages contain the same files; see
+# packaging/debian.
+
+# Debian's folder for the libraries of one processor, such as lib/x86_64-linux-gnu. Only Debian's
+# packages have it.
+if(UNIX AND NOT APPLE AND KEL_BUILD_SHARED)
+  separate_arguments(kel_flags UNIX_COMMAND "${CMAKE_CXX_FLAGS}")
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} ${kel_flags} -print-multiarch
+    OUTPUT_VARIABLE kel_triplet OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+  if(kel_triplet)
+    kel_install_library(lib/${kel_triplet} kelDebianTargets
+      libkel${PROJECT_VERSION_MAJOR} libkel-dev EXCLUDE_FROM_ALL)
+  endif()
+endif()
 
 # The texts keep the layout of the repository, so that their links remain right. The licences of
 # others are those of the packages whose code the binaries contain.
@@ -8,20 +21,24 @@ if(WIN32)
   set(kel_text_dir .)
 else()
   set(kel_text_dir ${CMAKE_INSTALL_DOCDIR})
-  install(FILES ${PROJECT_SOURCE_DIR}/packaging/linux/README.md DESTINATION ${kel_text_dir})
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/linux/README.md DESTINATION ${kel_text_dir}
+          COMPONENT kel-doc)
 endif()
 if(MINGW)
-  install(FILES ${PROJECT_SOURCE_DIR}/packaging/windows/README.md DESTINATION .)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/windows/host DESTINATION .)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/windows/README.md DESTINATION .
+          COMPONENT tree)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/windows/host DESTINATION . COMPONENT tree)
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
-        DESTINATION ${kel_text_dir})
-install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/LICENSE
-        DESTINATION ${kel_text_dir})
+        DESTINATION ${kel_text_dir} COMPONENT kel-doc)
+install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${kel_text_dir} COMPONENT kel-doc)
+# A Debian package has its license in the file "copyright".
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${kel_text_dir} COMPONENT tree)
 
 function(kel_install_license name file)
   if(EXISTS ${file})
-    install(FILES ${file} DESTINATION ${kel_text_dir}/licenses RENAME ${name}.txt)
+    install(FILES ${file} DESTINATION ${kel_text_dir}/licenses RENAME ${name}.txt
+            COMPONENT kel)
   else()
     message(STATUS "The package lacks the license text of ${name}: ${file} is missing")
   endif()
@@ -38,7 +55,6 @@ endif()
 
 set(CPACK_PACKAGE_NAME kel)
 set(CPACK_PACKAGE_VENDOR "the KEL maintainers")
-set(CPACK_PACKAGE_CONTACT "The KEL maintainers <kel@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 set(CPACK_STRIP_FILES ON)
@@ -50,14 +66,7 @@ if(WIN32)
     string(APPEND CPACK_PACKAGE_FILE_NAME -${CMAKE_CXX_COMPILER_ID}) # its hosts differ
   endif()
 else()
-  set(CPACK_GENERATOR TGZ DEB)
+  set(CPACK_GENERATOR TGZ)
   set(CPACK_PACKAGE_FILE_NAME kel-${PROJECT_VERSION}-linux-${CMAKE_SYSTEM_PROCESSOR})
-  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "i686")
-    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE i386)
-  endif()
-  set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 endif()
 include(CPack)

@@ -23,8 +23,8 @@ endfunction()
 
 # kel_add_runtime(<target>)
 #
-# Puts the run-time libraries of mingw beside the target's binary, because Windows looks for them
-# there. KEL_RUNTIME_FILES names them; they must be shipped with KEL.dll.
+# Puts the run-time libraries of mingw beside the programs and KEL.dll when the target is built,
+# because Windows looks for them there. KEL_RUNTIME_FILES names them; they must be shipped with KEL.dll.
 #
 # An exception that leaves KEL.dll is caught by the host's code, so both must use the one shared
 # libgcc. It needs the thread library, so that is shared as well. Every binary contains the C++
@@ -46,7 +46,8 @@ endif()
 function(kel_add_runtime target)
   if(MINGW)
     add_custom_command(TARGET ${target} POST_BUILD
-      COMMAND ${CMAKE_COMMAND} -E copy_if_different ${KEL_RUNTIME_FILES} $<TARGET_FILE_DIR:${target}>
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+      COMMAND ${CMAKE_COMMAND} -E copy_if_different ${KEL_RUNTIME_FILES} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
       VERBATIM)
   endif()
 endfunction()

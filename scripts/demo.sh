@@ -56,7 +56,7 @@ head -n 14 iso_639-3.kel
 
 echo
 echo "A host program loads it, observes the name of the first language and changes it:"
-"$bin/examples/watch" iso_639-3.kel changed.kel "Ghotuo (watched)" 639-3 0 name
+"$bin/examples/watch" iso_639-3.kel changed.kel "Ghotuo (watched)" '["639-3"][0].name'
 echo "Differences between the two files:"
 diff iso_639-3.kel changed.kel || [ $? = 1 ]
 "$bin/kel" check changed.kel

@@ -24,7 +24,7 @@ packages_for() {
         build) echo "g++ cmake ninja-build" ;;
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
         test) echo "libgtest-dev python3 pkg-config binutils locales clang" ;;
-        package) echo "dpkg-dev file python3" ;;
+        package) echo "dpkg-dev debhelper chrpath help2man lintian fakeroot python3" ;;
         demo) echo "iso-codes python3" ;;
         bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3 jq time" ;;
         linux32) echo "g++-multilib googletest" ;;

@@ -43,8 +43,11 @@ case ${1:-} in
         run asan
         ;;
     linux32)
-        scripts/install-deps.sh build tool test linux32
-        build linux32
+        scripts/install-deps.sh build tool test linux32 package
+        # The packages of both processors are installed side by side.
+        cmake --preset release -DKEL_BUILD_TOOL=ON
+        cmake --build --preset release --target kel kel_tool
+        build linux32 -DKEL_NATIVE_BUILD="$PWD/build/release"
         run linux32
         ;;
     windows)

@@ -8,8 +8,9 @@ The rules, each with its reason:
 - In a layer with rooms (folders of its own), a room includes itself, the rooms that ROOMS lists for
   it and the files beside the rooms, the hall. The hall includes no room.
 - include/kel includes itself and three C headers, so that a host needs no C++ standard library.
-- The tool, the host tests, the examples and the benchmarks are hosts. Of our files they include
-  only include/kel and the files of their own folder.
+- The tool, the host tests, the tests of kel.hpp, the examples and the benchmarks are hosts. Of our
+  files they include only include/kel and the files of their own folder.
+- kel.hpp and include/kel/cpp need the C++ standard library. No header *.h includes them.
 - Headers of a system, and code for one compiler or system, are in src/platform and in
   include/kel/config.h only. Everywhere else the library is standard C++.
 Prints one line per offence and ends with status 1 if there is any.
@@ -21,7 +22,7 @@ import sys
 LAYERS = ["platform", "runtime", "streams", "values", "meta", "serial", "exports"]
 # The rooms of a layer, each with the rooms that it may include.
 ROOMS = {"serial": {"tokens": [], "text": ["tokens"], "binary": []}}
-HOSTS = ["tools", "tests/host", "examples", "bench", "tests/install"]
+HOSTS = ["tools", "tests/host", "tests/hpp", "examples", "bench", "tests/install"]
 C_HEADERS = {"stdint.h", "stddef.h", "stdio.h"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)

@@ -37,7 +37,7 @@ def check_tree(prefix, arguments):
     """Checks that the installed files are exactly those that a host needs."""
     library = prefix / arguments.libdir
     major = arguments.version.split(".")[0]
-    expected = {f"include/kel/{header.name}" for header in (ROOT / "include/kel").glob("*.h")}
+    expected = {str(header.relative_to(ROOT)) for header in (ROOT / "include").rglob("*.h*")}
     for name in ["libkel.so", f"libkel.so.{major}", f"libkel.so.{arguments.version}",
                  "pkgconfig/kel.pc", "cmake/kel/kelConfig.cmake",
                  "cmake/kel/kelConfigVersion.cmake", "cmake/kel/kelTargets.cmake",

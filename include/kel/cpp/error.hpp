@@ -1,0 +1,158 @@
+/// \file
+/// The failures of kel.hpp. Every one is a kel::error, except these two of the standard library:
+/// std::bad_alloc when out of memory, and std::out_of_range for a number that is too large for the
+/// place in which a program stores it.
+#pragma once
+
+#if defined(_MSVC_LANG) ? _MSVC_LANG < 201703L : __cplusplus < 201703L
+#error "kel.hpp needs C++17: compile with -std=c++17 or /std:c++17, or later."
+#endif
+#if !defined(__cpp_exceptions) && !defined(_CPPUNWIND)
+#error "kel.hpp needs exceptions: compile without -fno-exceptions. The headers *.h work without them."
+#endif
+
+#if !defined(__GXX_RTTI) && !defined(_CPPRTTI)
+#error "kel.hpp needs run-time type information: compile without -fno-rtti or /GR-."
+#endif
+
+#include <kel/kel.h>
+
+#include <cstdint>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace kel {
+inline namespace v1 {
+
+/// The base of every failure.
+class error : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A value of another kind than the program wanted.
+class type_error : public error {
+public:
+    using error::error;
+};
+
+/// An unknown name, index, key or identity.
+class not_found : public error {
+public:
+    using error::error;
+};
+
+/// A number in a document that the type wanted by the program cannot hold without loss.
+class range_error : public error {
+public:
+    using error::error;
+};
+
+/// A name that a variable cannot have: it is empty, contains a double quote or a NUL, or exists
+/// already.
+class name_error : public error {
+public:
+    using error::error;
+};
+
+/// A value that the description of a variable does not allow.
+class not_allowed : public error {
+public:
+    using error::error;
+};
+
+/// Reading or writing failed.
+class io_error : public error {
+public:
+    /// \param file the name of the file; empty for text in memory
+    /// \param line the line in which reading stopped, counted from 1; 0 if it is not known
+    /// \param reason the reason of the system; empty if the system is not to blame
+    io_error(std::string file, std::int64_t line, const std::string& message,
+             std::error_code reason = {})
+        : error(describe(file, line, message, reason)), file_(std::move(file)), line_(line),
+          reason_(reason) {}
+
+    const std::string& file() const noexcept { return file_; }
+    std::int64_t line() const noexcept { return line_; }
+    const std::error_code& reason() const noexcept { return reason_; }
+
+private:
+    static std::string describe(const std::string& file, std::int64_t line,
+                                const std::string& message, const std::error_code& reason) {
+        std::string text = file;
+        if (line > 0) {
+            text += (text.empty() ? "line " : ":") + std::to_string(line);
+        }
+        text += (text.empty() ? "" : ": ") + message;
+        return reason ? text + ": " + reason.message() : text;
+    }
+
+    std::string file_;
+    std::int64_t line_;
+    std::error_code reason_;
+};
+
+namespace detail {
+
+/// Throws the failure that stands for an exception of the library.
+[[noreturn]] inline void raise(KELException* caught) {
+    struct owner {
+        KELException* failure;
+        ~owner() { DeleteKELException(failure); }
+    } const owned{caught};
+    const char* said = caught->getMessage();
+    const std::string message = said == nullptr ? "" : said;
+    if (dynamic_cast<KELOutOfMemoryException*>(caught) != nullptr) {
+        throw std::bad_alloc();
+    }
+    if (dynamic_cast<KELNoSuchElementException*>(caught) != nullptr ||
+        dynamic_cast<KELArrayIndexOutOfBoundsException*>(caught) != nullptr) {
+        throw not_found(message);
+    }
+    if (dynamic_cast<KELNoSuchTypeException*>(caught) != nullptr) {
+        throw type_error(message);
+    }
+    if (dynamic_cast<KELRenameException*>(caught) != nullptr) {
+        throw name_error(message);
+    }
+    if (dynamic_cast<KELIOException*>(caught) != nullptr ||
+        dynamic_cast<KELEOFException*>(caught) != nullptr) {
+        throw io_error("", 0, message);
+    }
+    throw error(message);
+}
+
+/// Throws the failure that stands for an exception of the library's runtime.
+[[noreturn]] inline void raise(const JException& caught) {
+    const JPointer<JString> said(caught.getMessage());
+    if (dynamic_cast<const JOutOfMemoryException*>(&caught) != nullptr || said.isNull()) {
+        throw std::bad_alloc();
+    }
+    const std::string message = said->chars() == nullptr ? "" : said->chars();
+    if (dynamic_cast<const JIOException*>(&caught) != nullptr ||
+        dynamic_cast<const JEOFException*>(&caught) != nullptr ||
+        dynamic_cast<const TokenizerException*>(&caught) != nullptr) {
+        throw io_error("", 0, message);
+    }
+    throw error(message);
+}
+
+/// Calls the library. Both families of its exceptions become failures of this header here, and
+/// nowhere else. Exceptions of observers pass through.
+template <class Action> decltype(auto) call(Action&& action) {
+    try {
+        return std::forward<Action>(action)();
+    } catch (KELException* failure) {
+        raise(failure);
+    } catch (const JException& failure) {
+        raise(failure);
+    }
+}
+
+} // namespace detail
+} // namespace v1
+} // namespace kel

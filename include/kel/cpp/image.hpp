@@ -1,0 +1,112 @@
+/// \file
+/// Values as text and binary in memory.
+#pragma once
+
+#include <kel/cpp/range.hpp>
+#include <kel/cpp/system.hpp>
+
+namespace kel {
+inline namespace v1 {
+
+/// The form of stored values. Text is for people, but it does not hold everything: doubles have six
+/// decimals, a String with a double quote and a memory block cannot be read again, and identities
+/// and sharing are lost. Binary is exact. It holds Int, Boolean, Double, MemBlock, String, Array and
+/// Struct.
+enum class format {
+    automatic, ///< reading: by the content; writing: binary for names that end in .kelb, else text
+    text,
+    binary
+};
+
+namespace detail {
+
+/// Returns the length of a text as the library takes it.
+/// \throws io_error for 2 GiB or more
+inline std::int32_t length_of_text(std::uint64_t size, const std::string& name) {
+    if (size > INT32_MAX) {
+        throw io_error(name, 0, "a text of 2 GiB or more is refused");
+    }
+    return static_cast<std::int32_t>(size);
+}
+
+/// Returns words for the kinds without a binary form: "a guid, a manager, ...".
+inline std::string kinds_without_binary_form() {
+    std::string list;
+    for (const KELKindFacts& facts : KELKinds) {
+        if (!facts.hasBinaryForm) {
+            list += (list.empty() ? "" : ", ") + std::string(facts.words);
+        }
+    }
+    return list;
+}
+
+/// Returns the text of a value as the library writes it.
+inline std::string text_image(KEL& root) {
+    return call([&root] {
+        const auto stream = adopt_made(CreateKELStringOutputStream());
+        try {
+            stream->write(&root);
+        } catch (KELIOException* failure) {
+            // The stream has two states of failure: out of memory, and 4 GiB.
+            const std::string_view message = failure->getMessage();
+            if (message.find("bad() flag") != std::string_view::npos) {
+                DeleteKELException(failure);
+                throw std::bad_alloc();
+            }
+            if (message.find("fail() flag") != std::string_view::npos) {
+                DeleteKELException(failure);
+                length_of_text(UINT32_MAX, {});
+            }
+            throw;
+        }
+        const std::uint32_t size = stream->getStringSize() - 1; // without the NUL
+        length_of_text(size, {});
+        return std::string(stream->getString(), size);
+    });
+}
+
+/// Returns the bytes of a file that holds this value.
+/// \param name the name of the file for messages, empty for none
+inline std::string image(const value& root, format how, const std::string& name) {
+    if (how == format::text && !root) {
+        return "null\n";
+    }
+    if (!root) {
+        throw io_error(name, 0, "null has no binary form");
+    }
+    try {
+        return how == format::text ? text_image(*root.raw()) : binary_image(*root.raw());
+    } catch (const io_error& failure) {
+        std::string message = failure.what();
+        if (message == "General KEL exception.") { // the library's word for such kinds
+            message = how == format::text
+                          ? "a selector has no text form"
+                          : "one of these has no binary form: " + kinds_without_binary_form();
+        }
+        throw io_error(name, 0, message);
+    }
+}
+
+} // namespace detail
+
+/// Returns the value as text, without a line end behind it. Null gives "null".
+/// \throws io_error for a selector, a value that contains itself, and a text of 2 GiB or more
+inline std::string to_text(const value& content) {
+    std::string text = detail::image(content, format::text, {});
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+/// Returns the value in binary.
+/// \throws io_error for null and for the kinds without a binary form
+inline std::string to_binary(const value& content) {
+    return detail::image(content, format::binary, {});
+}
+
+/// Writes to_text.
+inline std::ostream& operator<<(std::ostream& out, const value& content) {
+    return out << to_text(content);
+}
+
+} // namespace v1
+} // namespace kel

@@ -1,0 +1,238 @@
+/// \file
+/// Ranges for loops over the contents of containers. The body of a loop may change the container.
+#pragma once
+
+#include <kel/cpp/contents.hpp>
+
+#include <iterator>
+
+namespace kel {
+inline namespace v1 {
+namespace detail {
+
+/// The end of every range.
+struct range_end {};
+
+/// An iterator over a walk. Walk has `bool next()`, and `current()` for the result of each step.
+template <class Walk> class walk_iterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = std::decay_t<decltype(std::declval<Walk&>().current())>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const value_type*;
+    using reference = const value_type&;
+
+    explicit walk_iterator(Walk walk) : walk_(std::move(walk)) { ++*this; }
+
+    reference operator*() const { return walk_.current(); }
+    pointer operator->() const { return &walk_.current(); }
+    walk_iterator& operator++() {
+        has_more_ = walk_.next();
+        return *this;
+    }
+    void operator++(int) { ++*this; }
+    friend bool operator!=(const walk_iterator& at, range_end) { return at.has_more_; }
+    friend bool operator==(const walk_iterator& at, range_end) { return !at.has_more_; }
+    friend bool operator!=(range_end, const walk_iterator& at) { return at.has_more_; }
+    friend bool operator==(range_end, const walk_iterator& at) { return !at.has_more_; }
+
+private:
+    Walk walk_;
+    bool has_more_ = false;
+};
+
+} // namespace detail
+
+/// The variables of a struct in ascending order of the names, each an item. A loop visits every
+/// variable that is there from its beginning to its end once, whatever its body adds or removes.
+/// The default of a variable that a checked struct lacks is not one of its variables.
+class item_range {
+public:
+    class walk {
+    public:
+        explicit walk(value owner) : owner_(std::move(owner)) {}
+        bool next() {
+            const KELInterface_Struct_V2* fields = detail::walk_of(owner_.raw());
+            if (!fields->nextVarAfter(at_, current_.name.c_str())) {
+                return false;
+            }
+            current_.name.assign(at_.name, static_cast<std::size_t>(at_.length));
+            current_.value = value(share(at_.value));
+            return true;
+        }
+        const item& current() const { return current_; }
+
+    private:
+        value owner_;
+        KELVarCursor at_;
+        item current_;
+    };
+    using iterator = detail::walk_iterator<walk>;
+
+    explicit item_range(value owner) : owner_(std::move(owner)) {}
+    iterator begin() const { return iterator(walk(owner_)); }
+    detail::range_end end() const { return {}; }
+
+private:
+    value owner_;
+};
+
+/// The elements of an array or of a manager in order. A loop goes by position: if its body removes
+/// or inserts elements, those behind move.
+class element_range {
+public:
+    class walk {
+    public:
+        explicit walk(value owner)
+            : owner_(std::move(owner)), array_(detail::array_of(owner_.raw())),
+              manager_(detail::manager_of(owner_.raw())) {}
+        bool next() {
+            ++index_;
+            if (index_ >= (array_ != nullptr ? array_->getCount() : manager_->size())) {
+                return false;
+            }
+            current_ = value(share(array_ != nullptr ? array_->getVar(index_)
+                                                     : manager_->getKelAt(index_)));
+            return true;
+        }
+        const value& current() const { return current_; }
+
+    private:
+        value owner_;
+        KEL_Array* array_;
+        KEL_Manager* manager_;
+        std::int32_t index_ = -1;
+        value current_;
+    };
+    using iterator = detail::walk_iterator<walk>;
+
+    explicit element_range(value owner) : owner_(std::move(owner)) {}
+    iterator begin() const { return iterator(walk(owner_)); }
+    detail::range_end end() const { return {}; }
+
+private:
+    value owner_;
+};
+
+/// The pairs of an index list in order. A loop goes by position, as for elements.
+class pair_range {
+public:
+    class walk {
+    public:
+        explicit walk(value owner)
+            : owner_(std::move(owner)), list_(detail::list_of(owner_.raw())) {}
+        bool next() {
+            ++index_;
+            if (index_ >= list_->getCount()) {
+                return false;
+            }
+            current_.key = value(share(list_->getKeyAt(index_)));
+            current_.item = value(share(list_->getItemAt(index_)));
+            return true;
+        }
+        const pair& current() const { return current_; }
+
+    private:
+        value owner_;
+        KEL_IndexList* list_;
+        std::int32_t index_ = -1;
+        pair current_;
+    };
+    using iterator = detail::walk_iterator<walk>;
+
+    explicit pair_range(value owner) : owner_(std::move(owner)) {}
+    iterator begin() const { return iterator(walk(owner_)); }
+    detail::range_end end() const { return {}; }
+
+private:
+    value owner_;
+};
+
+inline item_range value::items() const {
+    as_struct();
+    return item_range(*this);
+}
+
+inline element_range value::elements() const {
+    if (detail::manager_of(raw()) == nullptr) {
+        as_array();
+    }
+    return element_range(*this);
+}
+
+inline pair_range value::pairs() const {
+    if (detail::list_of(raw()) == nullptr) {
+        detail::raise_wrong_kind({}, words(kel::kind::index_list), raw());
+    }
+    return pair_range(*this);
+}
+
+inline item_range const_place::items() && { return value(std::move(*this)).items(); }
+inline element_range const_place::elements() && { return value(std::move(*this)).elements(); }
+inline pair_range const_place::pairs() && { return value(std::move(*this)).pairs(); }
+
+namespace detail {
+
+/// Finds what one step of a path leads to.
+/// \throws not_found, type_error with the path so far
+inline finding step(KEL* from, const path_reader& path, std::string_view before) {
+    const std::string here(path.so_far());
+    const auto wanted = [&](const char* kinds) {
+        raise_wrong_kind(std::string(before), kinds, from);
+    };
+    if (!path.is_index()) {
+        const KELInterface_Struct_V2* fields = walk_of(from);
+        if (fields == nullptr) {
+            wanted(words(kind::structure));
+        }
+        const finding found = find_variable(*fields, from, path.name().c_str());
+        if (!found.exists) {
+            throw not_found(here + ": no such variable.");
+        }
+        return found;
+    }
+    const auto index = path.index();
+    KEL_Array* array = array_of(from);
+    KEL_Manager* manager = manager_of(from);
+    if (array == nullptr && manager == nullptr) {
+        wanted(words(kind::array));
+    }
+    const std::int32_t count = array != nullptr ? array->getCount() : manager->size();
+    if (index >= count) {
+        throw not_found(here + ": the " + (array != nullptr ? "array" : "manager") + " has " +
+                        std::to_string(count) + " elements.");
+    }
+    return {true, array != nullptr ? array->getVar(index) : manager->getKelAt(index), false};
+}
+
+/// Returns the key or the item of a pair: [3].key.
+inline finding step_into_pair(KEL_IndexList& list, path_reader& path) {
+    const auto index = path.index();
+    if (index >= list.getCount()) {
+        throw not_found(std::string(path.so_far()) + ": the index list has " +
+                        std::to_string(list.getCount()) + " pairs.");
+    }
+    if (!path.next() || path.is_index() || (path.name() != "key" && path.name() != "item")) {
+        throw not_found(std::string(path.so_far()) + ": a pair has a key and an item.");
+    }
+    return {true, path.name() == "key" ? list.getKeyAt(index) : list.getItemAt(index), false};
+}
+
+} // namespace detail
+
+inline value value::at_path(std::string_view path) const {
+    detail::finding at{true, raw(), false};
+    bool is_default = false; // of the value or of a container around it
+    detail::path_reader steps(path);
+    for (std::string_view before; steps.next(); before = steps.so_far()) {
+        KEL_IndexList* list = steps.is_index() ? detail::list_of(at.object) : nullptr;
+        at = list != nullptr ? detail::step_into_pair(*list, steps)
+                             : detail::step(at.object, steps, before);
+        is_default = is_default || at.is_default;
+    }
+    at.is_default = is_default;
+    return at.handle();
+}
+
+} // namespace v1
+} // namespace kel

@@ -1,0 +1,278 @@
+/// \file
+/// The root values of a text or binary content in memory, one after the other.
+#pragma once
+
+#include <kel/cpp/image.hpp>
+
+#include <charconv>
+
+namespace kel {
+inline namespace v1 {
+namespace detail {
+
+/// The bytes with which every binary file begins.
+inline constexpr std::string_view magic("KEL\0", 4);
+
+/// Room for what text_roots appends to a content.
+inline constexpr std::size_t mark_size = 64;
+
+/// Reads the roots of one content. The end of the content inside a root is a failure.
+class roots {
+public:
+    roots(std::string name, std::string content)
+        : name_(std::move(name)), content_(std::move(content)) {}
+    roots(const roots&) = delete;
+    roots& operator=(const roots&) = delete;
+    virtual ~roots() = default;
+
+    /// Reads the next root. \return false at the end
+    /// \throws io_error for a content that cannot be read, then and at every later call
+    bool next(value& out) {
+        if (has_failed_) {
+            throw io_error(name_, 0, "cannot be read on after a failure");
+        }
+        has_failed_ = true; // until the read returns
+        const bool is_found = read(out);
+        has_failed_ = false;
+        return is_found;
+    }
+
+    /// Reads the only root.
+    /// \throws io_error also for none and for several
+    value only() {
+        value root;
+        value another;
+        if (!next(root)) {
+            throw io_error(name_, 0, "holds no value");
+        }
+        if (next(another)) {
+            refuse_more();
+        }
+        return root;
+    }
+
+protected:
+    virtual bool read(value& out) = 0;
+
+    [[noreturn]] void refuse_more() const {
+        throw io_error(name_, 0, "holds more than one value (kel::reader reads several)");
+    }
+
+    const std::string name_;
+    std::string content_;
+
+private:
+    bool has_failed_ = false;
+};
+
+/// Reads text. The library reports the end of the input both after the last root and in the middle
+/// of one. So a root with an identity of its own is appended: once that is read, the content was
+/// whole.
+class text_roots final : public roots {
+public:
+    text_roots(std::string name, std::string content)
+        : roots(std::move(name), std::move(content)), size_(content_.size()) {
+        mark_ = value(0).identity(); // which no content can know
+        char identity[guid::guidTextLength + 1];
+        mark_.toGuidText(identity);
+        // The blank keeps a carriage return at the end of the content from becoming half a line
+        // end. Without quotes and brackets the mark cannot complete a value that is cut off.
+        content_ += " \n" + std::string(identity) + " = 0\n";
+        stream_ = open(content_.size());
+    }
+
+private:
+    ref<KELInputStream> open(std::size_t size) const {
+        const std::int32_t length = length_of_text(size, name_);
+        return adopt_made<KELInputStream>(CreateKELStringInputStream(content_.data(), length));
+    }
+
+    bool read(value& out) override {
+        if (!stream_) {
+            return false;
+        }
+        value root;
+        try {
+            root = read_from(*stream_);
+        } catch (const error&) {
+            fail();
+        }
+        if (root.kind() == kind::guid && root.get<guid>() == mark_) {
+            fail(); // the content ends in an identity and "=", and the mark became its value
+        }
+        if (root.identity() == mark_) {
+            stream_ = nullptr;
+            return false;
+        }
+        out = std::move(root);
+        return true;
+    }
+
+    static value read_from(KELInputStream& stream) {
+        return value(call([&stream] { return adopt(stream.read()); }));
+    }
+
+    /// Reads again without the mark, which may have changed the failure, and throws that.
+    [[noreturn]] void fail() {
+        stream_ = open(size_);
+        try {
+            for (;;) {
+                read_from(*stream_);
+            }
+        } catch (const error& failure) {
+            throw located(failure.what());
+        }
+    }
+
+    /// Moves the line from the end of the library's message into the failure.
+    io_error located(std::string message) const {
+        constexpr std::string_view lead = "Error reading KEL - ";
+        constexpr std::string_view before_line = " at line: ";
+        std::int64_t line = 0;
+        const std::size_t at = message.rfind(before_line);
+        if (at != std::string::npos) {
+            const char* digits = message.data() + at + before_line.size();
+            std::from_chars(digits, message.data() + message.size(), line);
+            message.resize(at);
+        } else {
+            // Only a quoted word that reaches to the end of the content is reported without a line.
+            const std::string_view body(content_.data(), size_);
+            const std::size_t end = body.find_last_not_of('\n') + 1;
+            line = 1 + std::count(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(end),
+                                  '\n');
+        }
+        if (message.compare(0, lead.size(), lead) == 0) {
+            message.erase(0, lead.size());
+        }
+        return io_error(name_, line, message);
+    }
+
+    const std::size_t size_; ///< of the content without the mark
+    guid mark_;
+    ref<KELInputStream> stream_; ///< empty after the last root
+};
+
+/// Reads binary. The header of a record states where the next one begins, so the end after the last
+/// root is known.
+class binary_roots final : public roots {
+public:
+    binary_roots(std::string name, std::string content)
+        : roots(std::move(name), std::move(content)) {}
+
+    /// Refuses several roots before it reads one. A value that contains itself would otherwise
+    /// remain in memory.
+    void refuse_several() const {
+        if (begins_with_magic() && record_size() < content_.size()) {
+            refuse_more();
+        }
+    }
+
+private:
+    bool read(value& out) override {
+        if (at_ == content_.size()) {
+            return false;
+        }
+        const std::size_t size = record_size();
+        if (begins_with_magic() && size == too_large) {
+            fail(content_.size(), "unexpected end of input");
+        }
+        if (!source_) {
+            source_ = std::make_unique<binary_source>(content_);
+        }
+        try {
+            out = value(call([this] { return adopt(source_->stream().read()); }));
+        } catch (const error& failure) {
+            const std::int64_t offset = source_->end();
+            fail(offset < 0 ? at_ : static_cast<std::size_t>(offset), failure.what());
+        }
+        at_ += size;
+        return true;
+    }
+
+    [[noreturn]] void fail(std::size_t offset, const std::string& message) const {
+        throw io_error(name_, 0, "byte offset " + std::to_string(offset) + ": " + message);
+    }
+
+    /// Returns whether the magic, or what is left of it, is in the next place.
+    bool begins_with_magic() const {
+        const std::size_t left = content_.size() - at_;
+        for (std::size_t i = 0; i < magic.size() && i < left; ++i) {
+            if (content_[at_ + i] != magic[i]) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    std::uint64_t number_at(std::size_t offset, std::size_t size) const {
+        std::uint64_t number = 0;
+        while (size-- > 0) {
+            number = number << 8 | static_cast<unsigned char>(content_[at_ + offset + size]);
+        }
+        return number;
+    }
+
+    /// Returns the size of the next record by its header: too_large if that is more than is left.
+    std::size_t record_size() const {
+        constexpr std::size_t kind_offset = 20; // after the magic and the identity
+        constexpr std::size_t reference_size = 24;
+        constexpr std::size_t length_offset = 26;
+        constexpr std::size_t header_size = 34;
+        constexpr std::uint64_t reference = 0x7FFFFFFF;
+        const std::size_t left = content_.size() - at_;
+        if (left >= reference_size && number_at(kind_offset, 4) == reference) {
+            return reference_size;
+        }
+        if (left < header_size || number_at(length_offset, 8) > left - header_size) {
+            return too_large;
+        }
+        return header_size + static_cast<std::size_t>(number_at(length_offset, 8));
+    }
+
+    static constexpr std::size_t too_large = SIZE_MAX;
+
+    std::size_t at_ = 0; ///< where the next record begins
+    std::unique_ptr<binary_source> source_;
+};
+
+/// Returns whether the content is to be read as binary.
+inline bool is_binary(std::string_view content, format how) {
+    return how == format::automatic ? content.substr(0, magic.size()) == magic
+                                    : how == format::binary;
+}
+
+/// Returns a reader of the roots of this content.
+inline std::unique_ptr<roots> roots_of(std::string name, std::string content, format how) {
+    if (is_binary(content, how)) {
+        return std::make_unique<binary_roots>(std::move(name), std::move(content));
+    }
+    return std::make_unique<text_roots>(std::move(name), std::move(content));
+}
+
+/// Returns the only root of this content.
+/// \throws io_error also for none and for several
+inline value only_root(std::string name, std::string content, format how) {
+    if (is_binary(content, how)) {
+        binary_roots input(std::move(name), std::move(content));
+        input.refuse_several();
+        return input.only();
+    }
+    return text_roots(std::move(name), std::move(content)).only();
+}
+
+} // namespace detail
+
+/// Returns the only value of a text.
+/// \throws io_error for a text with none or several, and for one that cannot be read
+inline value from_text(std::string text) {
+    return detail::only_root({}, std::move(text), format::text);
+}
+
+/// Returns the only value of a content in binary.
+/// \throws io_error as from_text
+inline value from_binary(std::string content) {
+    return detail::only_root({}, std::move(content), format::binary);
+}
+
+} // namespace v1
+} // namespace kel

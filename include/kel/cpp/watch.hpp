@@ -1,0 +1,136 @@
+/// \file
+/// watch: calls a function after each change of a value.
+#pragma once
+
+#include <kel/cpp/observer.hpp>
+
+namespace kel {
+inline namespace v1 {
+namespace detail {
+
+/// Something that calls a function until it ends.
+class watching {
+public:
+    /// Ends the calls and disposes of the object. The function is destroyed at once, or after its
+    /// running call.
+    virtual void end() noexcept = 0;
+
+protected:
+    ~watching() = default;
+};
+
+} // namespace detail
+
+/// Calls a function after each change, as long as it lives. watch and watch_tree make one. It keeps the
+/// value alive.
+///
+/// It can end, be destroyed and be moved inside its own call, and end others there. One that has ended
+/// is not called any more, even if it has not been called yet for the present change. Nobody else
+/// misses a call.
+class [[nodiscard]] subscription {
+public:
+    /// Makes one that watches nothing.
+    subscription() noexcept = default;
+    /// For watch and watch_tree.
+    explicit subscription(detail::watching* owned) noexcept : watching_(owned) {}
+    subscription(subscription&& other) noexcept
+        : watching_(std::exchange(other.watching_, nullptr)) {}
+    subscription& operator=(subscription&& other) noexcept {
+        subscription taken(std::move(other));
+        std::swap(watching_, taken.watching_);
+        return *this;
+    }
+    ~subscription() { end(); }
+
+    /// Ends the calls. Afterwards it watches nothing.
+    void end() noexcept {
+        if (detail::watching* ending = std::exchange(watching_, nullptr)) {
+            ending->end();
+        }
+    }
+    /// Returns whether it still watches.
+    explicit operator bool() const noexcept { return watching_ != nullptr; }
+
+private:
+    detail::watching* watching_ = nullptr;
+};
+
+namespace detail {
+
+/// Watches one value.
+template <class Call> class value_watcher final : public observer, public watching {
+public:
+    template <class From>
+    value_watcher(ref<KEL> observed, From&& call)
+        : observer(std::move(observed)), call_(std::forward<From>(call)) {}
+
+    void end() noexcept override {
+        end_calls();
+        if (running_ == 0) {
+            call_.reset();
+        }
+        retire();
+    }
+
+private:
+    ~value_watcher() override = default;
+
+    void on_change() override {
+        struct run {
+            explicit run(value_watcher& of) : watcher(of) { ++watcher.running_; }
+            run(const run&) = delete;
+            run& operator=(const run&) = delete;
+            ~run() {
+                if (--watcher.running_ == 0 && watcher.has_ended()) {
+                    watcher.call_.reset();
+                }
+            }
+            value_watcher& watcher;
+        } const running(*this);
+        (*call_)(value(share(observed())));
+    }
+
+    std::optional<Call> call_; ///< empty after the end
+    int running_ = 0;          ///< calls, one inside the other
+};
+
+/// Returns the value, which somebody wants to watch.
+/// \throws type_error for null and for a value that the library did not make
+inline ref<KEL> watchable(const value& watched) {
+    if (!watched) {
+        throw type_error("Cannot watch null.");
+    }
+    if (dynamic_cast<KEL_Observable*>(watched.raw()) == nullptr) {
+        throw type_error("Cannot watch a value that the library did not make.");
+    }
+    return share(watched.raw());
+}
+
+} // namespace detail
+
+/// Calls a function with the value after each change of the value itself. The changes that count are
+/// those that notify the library's observers: a container does not report changes inside its elements
+/// (watch_tree does). The function runs inside the call that made the change, on its thread. If it
+/// throws, the exception reaches whoever made the change, after all others have been called.
+///
+///     kel::subscription volume = kel::watch(cfg["volume"], [](kel::value v) { show(v); });
+///
+/// The function can do anything with the value. A change inside it is reported at once, so change the
+/// value only under a condition that ends. A subscription that is made inside the call of another one
+/// for the same value is first called for the next change.
+///
+/// An observer of another make (KEL_Observer) that ends a subscription of the same value inside its
+/// update removes an observer during a round. That can make the round skip the next one.
+/// \throws type_error for null
+template <class Call> [[nodiscard]] subscription watch(const value& watched, Call&& call) {
+    static_assert(std::is_invocable_v<std::decay_t<Call>&, value>,
+                  "kel: watch calls the function with a kel::value.");
+    auto* watcher = new detail::value_watcher<std::decay_t<Call>>(detail::watchable(watched),
+                                                                  std::forward<Call>(call));
+    subscription made(watcher);
+    detail::call([watcher] { watcher->start(); });
+    return made;
+}
+
+} // namespace v1
+} // namespace kel

@@ -1,0 +1,11 @@
+/// \file
+/// KEL for C++17: handles that own their values, C++ types, exceptions by value.
+///
+/// It consists of this header and those that it includes, on top of the interfaces of kel.h. Nothing
+/// of it crosses the boundary of the library.
+#pragma once
+
+#include <kel/cpp/atomic.hpp>
+#include <kel/cpp/checked.hpp>
+#include <kel/cpp/visit.hpp>
+#include <kel/cpp/watch_tree.hpp>

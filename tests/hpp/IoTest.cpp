@@ -1,0 +1,610 @@
+// Reads and writes files and content in memory.
+#include "IoSupport.h"
+
+#include <cerrno>
+#include <clocale>
+#include <iomanip>
+#include <sstream>
+
+using namespace io_test;
+
+namespace {
+
+kel::value made(KELKind kind) {
+    return kel::value(kel::adopt(kel::adopt(CreateKELManager())->createKel(kind)));
+}
+
+/// Returns a struct of every kind that binary holds.
+kel::value simple() {
+    return kel::object({{"array", kel::array({1, "two", true, kel::array(), kel::object()})},
+                        {"block", kel::bytes{std::byte{0}, std::byte{255}}},
+                        {"boolean", true},
+                        {"double", 0.1},
+                        {"int", -5},
+                        {"none", nullptr},
+                        {"string", "a \"b\" \n c"}});
+}
+
+/// Returns a struct of every kind that text holds.
+kel::value readable() {
+    const kel::ref<KEL_Manager> manager = kel::adopt(CreateKELManager());
+    manager->addKel(kel::value(7).raw());
+    const kel::ref<KEL_IndexList> list = kel::adopt(CreateKELIndexList(
+        kel::array({"key"}).as<KEL_Array>().get(), kel::array({"item"}).as<KEL_Array>().get()));
+    return kel::object({{"array", kel::array({1, "two", true, kel::array(), kel::object()})},
+                        {"boolean", false},
+                        {"checked", made(KELKind_MetaKel)},
+                        {"descriptor", made(KELKind_MetaKelDescriptor)},
+                        {"double", -2.5},
+                        {"guid", kel::guid(1, 2, 3, 4)},
+                        {"int", -5},
+                        {"list", kel::value(list)},
+                        {"manager", kel::value(manager)},
+                        {"none", nullptr},
+                        {"odd name", "a \n b"},
+                        {"variable", made(KELKind_MetaKelVarDescriptor)}});
+}
+
+// ---- Memory ------------------------------------------------------------------------------------
+
+TEST(Io, TextGoesToMemoryAndBack) {
+    EXPECT_EQ(kel::from_text(kel::to_text(readable())), readable());
+}
+
+TEST(Io, BinaryGoesToMemoryAndBack) {
+    EXPECT_EQ(kel::from_binary(kel::to_binary(simple())), simple());
+}
+
+TEST(Io, EveryRootGoesThroughText) {
+    for (const auto& [name, v] : readable().items()) {
+        const kel::value back = kel::from_text(kel::to_text(v));
+        EXPECT_EQ(back, v) << name;
+        EXPECT_EQ(back.kind(), v.kind()) << name;
+    }
+}
+
+TEST(Io, EveryRootGoesThroughBinary) {
+    for (const auto& [name, v] : simple().items()) {
+        if (v) {
+            EXPECT_EQ(kel::from_binary(kel::to_binary(v)), v) << name;
+        }
+    }
+}
+
+TEST(Io, BinaryKeepsSharingAndIdentities) {
+    const kel::value shared(1);
+    const kel::value both = kel::array({shared, shared});
+    const kel::value back = kel::from_binary(kel::to_binary(both));
+    EXPECT_TRUE(kel::same(back.at_path("[0]"), back.at_path("[1]")));
+    EXPECT_EQ(back.identity(), both.identity());
+}
+
+TEST(Io, TextHasNoLineEndBehindIt) {
+    EXPECT_EQ(kel::to_text(5), "5");
+    EXPECT_EQ(kel::to_text("a\n"), "\"a\n\"");
+    EXPECT_EQ(kel::to_text(kel::object({{"a", 1}})), "{\n\ta = 1\n}");
+}
+
+TEST(Io, NullIsText) {
+    EXPECT_EQ(kel::to_text(nullptr), "null");
+    EXPECT_EQ(kel::from_text("null"), nullptr);
+    EXPECT_EQ(kel::from_text(" NULL // nothing"), nullptr);
+}
+
+TEST(Io, NullIsNotBinary) {
+    EXPECT_EQ(said([] { kel::to_binary(nullptr); }), "null has no binary form");
+}
+
+TEST(Io, AStreamShowsTheText) {
+    std::ostringstream out;
+    out << kel::value(5) << ' ' << kel::value() << ' ' << std::setw(6) << kel::value("x");
+    EXPECT_EQ(out.str(), "5 null    \"x\"");
+}
+
+TEST(Io, AStreamShowsAPlace) {
+    kel::value room = kel::object({{"windows", 2}});
+    std::ostringstream out;
+    out << room["windows"];
+    EXPECT_EQ(out.str(), "2");
+}
+
+TEST(Io, TheLocaleDoesNotMatter) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    std::setlocale(LC_ALL, "de_DE.UTF-8");
+    std::ostringstream out;
+    out << kel::array({1234567, 0.5});
+    EXPECT_EQ(out.str(), "[\n\t1234567\n\t0.500000\n]");
+    EXPECT_EQ(kel::from_text("0.25").get<double>(), 0.25);
+    EXPECT_EQ(failure([] { kel::from_text("\n}"); }).line(), 2);
+    std::setlocale(LC_ALL, before.c_str());
+}
+
+TEST(Io, AKindWithoutAFormIsRefused) {
+    EXPECT_EQ(said([] { kel::to_text(made(KELKind_Selector)); }), "a selector has no text form");
+    const std::string message = said([] { kel::to_binary(kel::array({readable()["guid"]})); });
+    EXPECT_EQ(message.substr(0, 46), "one of these has no binary form: a guid, a man");
+}
+
+TEST(Io, AValueThatContainsItselfIsNotText) {
+    const Loop loop;
+    EXPECT_EQ(said([&] { kel::to_text(loop.array); }),
+              "Cannot write a value that contains itself.");
+}
+
+TEST(Io, AValueThatContainsItselfIsBinary) {
+    const Loop loop;
+    kel::value back = kel::from_binary(kel::to_binary(loop.array));
+    EXPECT_TRUE(kel::same(back.at_path("[1]"), back));
+    back.clear();
+}
+
+TEST(Io, ATextOfTwoGibibytesIsRefused) {
+    EXPECT_EQ(kel::detail::length_of_text(2147483647U, "a"), 2147483647);
+    EXPECT_EQ(said([] { kel::detail::length_of_text(2147483648U, "a.kel"); }),
+              "a.kel: a text of 2 GiB or more is refused");
+}
+
+// ---- One root ----------------------------------------------------------------------------------
+
+TEST(Io, ATextWithoutAValueIsRefused) {
+    for (const char* text : {"", "\n", "// 5", "#define A 5\n"}) {
+        EXPECT_EQ(said([&] { kel::from_text(text); }), "holds no value") << text;
+    }
+}
+
+TEST(Io, AnEmptyBinaryIsRefused) {
+    EXPECT_EQ(said([] { kel::from_binary(""); }), "holds no value");
+}
+
+TEST(Io, ASecondRootIsRefused) {
+    const std::string message = "holds more than one value (kel::reader reads several)";
+    EXPECT_EQ(said([] { kel::from_text("1 2"); }), message);
+    EXPECT_EQ(said([] { kel::from_text("1 null"); }), message);
+    EXPECT_EQ(said([] { kel::from_binary(kel::to_binary(1) + kel::to_binary(2)); }), message);
+}
+
+TEST(Io, AnythingElseBehindTheRootIsRefused) {
+    EXPECT_EQ(said([] { kel::from_text("1\n}"); }), "line 2: syntax error");
+    EXPECT_EQ(said([] { kel::from_binary(kel::to_binary(1) + 'x'); }),
+              "holds more than one value (kel::reader reads several)");
+}
+
+TEST(Io, ASecondRootThatContainsItselfDoesNotRemainInMemory) {
+    const Loop loop;
+    const std::string one = kel::to_binary(loop.array);
+    EXPECT_THROW(kel::from_binary(one + one), kel::io_error);
+}
+
+TEST(Io, LayoutAroundTheRootIsAccepted) {
+    EXPECT_EQ(kel::from_text(" /* five */ 5 // five\n\n").get<int>(), 5);
+    EXPECT_EQ(kel::from_text("#define A 5\n[ A ]\n#define B 6").size(), 1U);
+}
+
+// ---- Damaged content ---------------------------------------------------------------------------
+
+TEST(Io, AFailureOfTextHasALine) {
+    const kel::io_error thrown = failure([] { kel::from_text("{\n\ta = 1\n\tb = }\n}"); });
+    EXPECT_EQ(thrown.line(), 3);
+    EXPECT_EQ(thrown.file(), "");
+    EXPECT_EQ(thrown.reason(), std::error_code());
+    EXPECT_STREQ(thrown.what(), "line 3: syntax error");
+}
+
+TEST(Io, AnEarlyEndHasTheLineOfTheContent) {
+    EXPECT_EQ(said([] { kel::from_text("{ a = 1\nb = [\n"); }), "line 3: unexpected end of input");
+}
+
+TEST(Io, AnOpenQuoteHasTheLineOfTheEnd) {
+    EXPECT_EQ(said([] { kel::from_text("[\n\"open\n\n"); }),
+              "line 2: Reached end of file with no closing quote.");
+}
+
+TEST(Io, AFailureOfBinaryHasAnOffset) {
+    std::string content = kel::to_binary(kel::array({1}));
+    content[34] = 'X'; // the magic of the element
+    const kel::io_error thrown = failure([&] { kel::from_binary(content); });
+    EXPECT_EQ(thrown.line(), 0);
+    const std::string message = thrown.what();
+    EXPECT_EQ(message.substr(0, 12), "byte offset ");
+    EXPECT_EQ(message.substr(message.find(':')), ": Error reading KEL header.");
+}
+
+TEST(Io, TextThatEndsInsideAnythingIsNotWhole) {
+    const std::string guid = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
+    for (const std::string& tail :
+         {std::string("["), std::string("{ a ="), std::string("{ a"), std::string("("),
+          "( " + guid + " =", std::string("<"), std::string("< []"), std::string("\"a"),
+          std::string("/* a"), std::string("/* a *"), std::string("/"), std::string("#"),
+          std::string("#define"), std::string("#define A"), guid + " =", std::string("REF"),
+          std::string("tru"), std::string("\r"), std::string("{ @type =")}) {
+        kel::reader input = kel::reader::from_memory("[ 1 ] " + tail, kel::format::text);
+        kel::value root;
+        EXPECT_TRUE(input.next(root)) << tail;
+        EXPECT_THROW(input.next(root), kel::io_error) << tail;
+    }
+}
+
+TEST(Io, AGuidAtTheEndIsAValue) {
+    const char* text = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
+    EXPECT_EQ(kel::to_text(kel::from_text(text)), text);
+}
+
+/// Reads the content up to every byte. A cut inside a root fails after the roots before it, and a
+/// cut between roots is a clean end.
+void cut_everywhere(const std::vector<std::string>& parts, kel::format how) {
+    std::string whole;
+    std::vector<std::size_t> ends;
+    for (const std::string& part : parts) {
+        ends.push_back((whole += part).size());
+    }
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        std::size_t complete = 0; // roots; in text the line end behind one can be missing
+        bool is_between = size == 0;
+        for (const std::size_t end : ends) {
+            const std::size_t last = how == kel::format::text ? end - 1 : end;
+            complete += last <= size ? 1U : 0U;
+            is_between |= last <= size && size <= end;
+        }
+        std::size_t count = 0;
+        const auto read_all = [&] {
+            for (const kel::value& root : kel::reader::from_memory(whole.substr(0, size), how)) {
+                count += root ? 1U : 0U;
+            }
+        };
+        if (is_between) {
+            EXPECT_NO_THROW(read_all()) << size;
+        } else {
+            EXPECT_THROW(read_all(), kel::io_error) << size;
+        }
+        EXPECT_EQ(count, complete) << size;
+    }
+}
+
+TEST(Io, TextCutAtEveryByteFailsOrEndsBetweenRoots) {
+    cut_everywhere({kel::to_text(readable()) + "\n", "\"two\"\n", "[\n\t1\n\t[\n\t\t2.5\n\t]\n]\n"},
+                   kel::format::text);
+}
+
+TEST(Io, BinaryCutAtEveryByteFailsOrEndsBetweenRoots) {
+    cut_everywhere({kel::to_binary(simple()), kel::to_binary(1), kel::to_binary(kel::array()),
+                    kel::to_binary("")},
+                   kel::format::binary);
+}
+
+TEST(Io, AFileCutAtEveryByteIsNotLoaded) {
+    const Folder folder;
+    const kel::value small = kel::object({{"a", kel::array({1, "b"})}});
+    for (const std::string& whole : {kel::to_text(small), kel::to_binary(small)}) {
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            put(folder / "cut", whole.substr(0, size));
+            EXPECT_THROW(kel::load(folder / "cut"), kel::io_error) << size;
+        }
+    }
+}
+
+TEST(Io, AnEarlyEndOfBinarySaysSo) {
+    const std::string whole = kel::to_binary("abc");
+    for (std::size_t size = 1; size < whole.size(); ++size) {
+        EXPECT_EQ(said([&] { kel::from_binary(whole.substr(0, size)); }),
+                  "byte offset " + std::to_string(size) + ": unexpected end of input");
+    }
+}
+
+TEST(Io, ALengthBeyondMemoryIsAnEarlyEnd) {
+    std::string whole = kel::to_binary("abc");
+    whole.replace(26, 8, 8, '\xFF');
+    EXPECT_EQ(said([&] { kel::from_binary(whole); }), "byte offset 37: unexpected end of input");
+}
+
+// ---- The reader --------------------------------------------------------------------------------
+
+TEST(Io, AReaderGoesThroughAllRootsOfAText) {
+    std::string sum;
+    for (kel::value root : kel::reader::from_memory("1 null \"a\"\n[ ]")) {
+        sum += kel::to_text(root) + ";";
+    }
+    EXPECT_EQ(sum, "1;null;\"a\";[\n];");
+}
+
+TEST(Io, AReaderGoesThroughAllRootsOfABinary) {
+    const Folder folder;
+    put(folder / "log.kelb", kel::to_binary(1) + kel::to_binary("a") + kel::to_binary(simple()));
+    std::vector<kel::value> all;
+    for (const kel::value& root : kel::reader(folder / "log.kelb")) {
+        all.push_back(root);
+    }
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_EQ(all[0].get<int>(), 1);
+    EXPECT_EQ(all[2], simple());
+}
+
+TEST(Io, AReaderFollowsReferencesToEarlierRoots) {
+    const kel::value shared(1);
+    const std::string first = kel::to_binary(shared);
+    const std::string reference = first.substr(0, 20) + "\xFF\xFF\xFF\x7F";
+    kel::reader input = kel::reader::from_memory(first + reference);
+    kel::value a;
+    kel::value b;
+    kel::value none;
+    EXPECT_TRUE(input.next(a) && input.next(b));
+    EXPECT_TRUE(kel::same(a, b));
+    EXPECT_FALSE(input.next(none));
+}
+
+TEST(Io, AReaderOfNothingEndsAtOnce) {
+    kel::value root;
+    EXPECT_FALSE(kel::reader::from_memory("").next(root));
+    EXPECT_FALSE(kel::reader::from_memory("", kel::format::binary).next(root));
+    EXPECT_FALSE(kel::reader::from_memory("// nothing").next(root));
+}
+
+TEST(Io, AReaderStaysAtItsEnd) {
+    kel::reader input = kel::reader::from_memory("1");
+    kel::value root;
+    EXPECT_TRUE(input.next(root));
+    EXPECT_FALSE(input.next(root));
+    EXPECT_FALSE(input.next(root));
+}
+
+TEST(Io, AReaderThatFailedFailsAgain) {
+    kel::reader input = kel::reader::from_memory("1 } 2");
+    kel::value root;
+    EXPECT_TRUE(input.next(root));
+    EXPECT_EQ(said([&] { input.next(root); }), "line 1: syntax error");
+    EXPECT_EQ(said([&] { input.next(root); }), "cannot be read on after a failure");
+    EXPECT_EQ(root.get<int>(), 1);
+}
+
+TEST(Io, AReaderCanBeMoved) {
+    kel::reader from = kel::reader::from_memory(kel::to_binary(1) + kel::to_binary(2));
+    kel::value root;
+    EXPECT_TRUE(from.next(root));
+    kel::reader to = std::move(from);
+    EXPECT_TRUE(to.next(root));
+    EXPECT_EQ(root.get<int>(), 2);
+}
+
+// ---- Files -------------------------------------------------------------------------------------
+
+TEST(Io, FilesAreSavedAndLoadedInBothForms) {
+    const Folder folder;
+    const kel::value text = readable();
+    kel::save(text, folder / "a.kel");
+    kel::save(simple(), folder / "a.kelb");
+    EXPECT_EQ(kel::load(folder / "a.kel"), text);
+    EXPECT_EQ(kel::load(folder / "a.kelb"), simple());
+    EXPECT_EQ(content(folder / "a.kel"), kel::to_text(text) + '\n');
+    EXPECT_EQ(content(folder / "a.kelb").substr(0, 4), std::string("KEL\0", 4));
+}
+
+TEST(Io, TheArgumentDecidesBeforeTheName) {
+    const Folder folder;
+    kel::save(5, folder / "a.kel", kel::format::binary);
+    kel::save(5, folder / "a.kelb", kel::format::text);
+    EXPECT_EQ(content(folder / "a.kel").size(), 38U);
+    EXPECT_EQ(content(folder / "a.kelb"), "5\n");
+}
+
+TEST(Io, CapitalsInTheNameDoNotMatter) {
+    const Folder folder;
+    kel::save(5, folder / "A.KELB");
+    kel::save(5, folder / "b.kelbx");
+    kel::save(5, folder / "kelb");
+    EXPECT_EQ(content(folder / "A.KELB").size(), 38U);
+    EXPECT_EQ(content(folder / "b.kelbx"), "5\n");
+    EXPECT_EQ(content(folder / "kelb"), "5\n");
+}
+
+TEST(Io, LoadingGoesByTheContent) {
+    const Folder folder;
+    put(folder / "a.kel", kel::to_binary(5));
+    put(folder / "a.kelb", "5");
+    EXPECT_EQ(kel::load(folder / "a.kel").get<int>(), 5);
+    EXPECT_EQ(kel::load(folder / "a.kelb").get<int>(), 5);
+    EXPECT_THROW(kel::load(folder / "a.kel", kel::format::text), kel::io_error);
+    EXPECT_THROW(kel::load(folder / "a.kelb", kel::format::binary), kel::io_error);
+}
+
+TEST(Io, NamesAreUnicode) {
+    const Folder folder;
+    const fs::path file = folder.path() / fs::path(std::u16string(u"\u00DC\u8A2D \U0001F333.kelb"));
+    kel::save(5, file);
+    kel::save_atomically(6, file);
+    EXPECT_EQ(kel::load(file).get<int>(), 6);
+    put(file, "}");
+    EXPECT_EQ(failure([&] { kel::load(file); }).file(), kel::detail::name_of(file));
+}
+
+TEST(Io, AFailureOfAFileHasItsNameAndLine) {
+    const Folder folder;
+    put(folder / "a.kel", "{\n}\n}");
+    const std::string name = kel::detail::name_of(folder / "a.kel");
+    const kel::io_error thrown = failure([&] {
+        for (const kel::value& root : kel::reader(folder / "a.kel")) {
+            EXPECT_EQ(root.kind(), kel::kind::structure);
+        }
+    });
+    EXPECT_EQ(thrown.file(), name);
+    EXPECT_EQ(thrown.line(), 3);
+    EXPECT_EQ(thrown.what(), name + ":3: syntax error");
+}
+
+TEST(Io, AnEmptyFileHoldsNoValue) {
+    const Folder folder;
+    put(folder / "a.kel", "");
+    EXPECT_EQ(said([&] { kel::load(folder / "a.kel"); }),
+              kel::detail::name_of(folder / "a.kel") + ": holds no value");
+}
+
+TEST(Io, AMissingFileHasAReason) {
+    const Folder folder;
+    const kel::io_error thrown = failure([&] { kel::load(folder / "none.kel"); });
+    EXPECT_EQ(thrown.reason(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(thrown.file(), kel::detail::name_of(folder / "none.kel"));
+    EXPECT_NE(std::string(thrown.what()).find(": cannot be opened: "), std::string::npos);
+    EXPECT_EQ(failure([&] { kel::reader(folder / "none.kel"); }).reason(), thrown.reason());
+}
+
+TEST(Io, AMissingFolderHasAReason) {
+    const Folder folder;
+    const fs::path file = folder.path() / "none" / "a.kel";
+    const auto none = std::errc::no_such_file_or_directory;
+    EXPECT_EQ(failure([&] { kel::save(1, file); }).reason(), none);
+    EXPECT_EQ(failure([&] { kel::save_atomically(1, file); }).reason(), none);
+    EXPECT_EQ(failure([&] { kel::append(1, file); }).reason(), none);
+    EXPECT_EQ(failure([&] { kel::save(1, file); }).file(), kel::detail::name_of(file));
+}
+
+TEST(Io, AFolderIsNoFile) {
+    const Folder folder;
+    EXPECT_TRUE(failure([&] { kel::load(folder.path()); }).reason());
+    EXPECT_TRUE(failure([&] { kel::save(1, folder.path()); }).reason());
+    EXPECT_TRUE(failure([&] { kel::save_atomically(1, folder.path()); }).reason());
+    EXPECT_TRUE(failure([&] { kel::append(1, folder.path()); }).reason());
+}
+
+TEST(Io, SavingReplacesALongerFile) {
+    const Folder folder;
+    put(folder / "a.kel", std::string(100000, 'x'));
+    kel::save(1, folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "1\n");
+}
+
+TEST(Io, LargeFilesAreSavedAndLoaded) {
+    const Folder folder;
+    kel::value numbers = kel::array();
+    for (int i = 0; i < 50000; ++i) {
+        numbers.push_back(i);
+    }
+    for (const char* name : {"a.kel", "a.kelb"}) {
+        kel::save(numbers, folder / name);
+        EXPECT_EQ(kel::load(folder / name), numbers);
+    }
+}
+
+TEST(Io, NullIsSavedAsText) {
+    const Folder folder;
+    kel::save(nullptr, folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "null\n");
+    EXPECT_EQ(kel::load(folder / "a.kel"), nullptr);
+}
+
+TEST(Io, AValueThatCannotBeWrittenLeavesTheFile) {
+    const Folder folder;
+    const Loop loop;
+    for (const char* name : {"a.kel", "a.kelb"}) {
+        put(folder / name, "old");
+        const kel::value bad = name == std::string("a.kel") ? loop.array : kel::value();
+        EXPECT_THROW(kel::save(bad, folder / name), kel::io_error);
+        EXPECT_THROW(kel::save_atomically(bad, folder / name), kel::io_error);
+        EXPECT_EQ(content(folder / name), "old");
+    }
+    EXPECT_THROW(kel::append(loop.array, folder / "a.kel"), kel::io_error);
+    EXPECT_EQ(content(folder / "a.kel"), "old");
+    EXPECT_EQ(said([&] { kel::save(loop.array, folder / "a.kel"); }),
+              kel::detail::name_of(folder / "a.kel") +
+                  ": Cannot write a value that contains itself.");
+    EXPECT_EQ(said([&] { kel::save(nullptr, folder / "new.kelb"); }),
+              kel::detail::name_of(folder / "new.kelb") + ": null has no binary form");
+    EXPECT_FALSE(fs::exists(folder / "new.kelb"));
+}
+
+// ---- Appending ---------------------------------------------------------------------------------
+
+TEST(Io, AppendingAddsRoots) {
+    const Folder folder;
+    kel::append(1, folder / "log.kel");
+    kel::append("two", folder / "log.kel");
+    kel::append(nullptr, folder / "log.kel");
+    EXPECT_EQ(content(folder / "log.kel"), "1\n\"two\"\nnull\n");
+}
+
+TEST(Io, AppendingBeginsALine) {
+    const Folder folder;
+    put(folder / "log.kel", "[ ] // comment");
+    kel::append(1, folder / "log.kel");
+    put(folder / "number.kel", "1");
+    kel::append(2, folder / "number.kel");
+    EXPECT_EQ(content(folder / "log.kel"), "[ ] // comment\n1\n");
+    EXPECT_EQ(content(folder / "number.kel"), "1\n2\n");
+}
+
+TEST(Io, BinaryIsNotAppendedTo) {
+    const Folder folder;
+    kel::save(1, folder / "a.kel", kel::format::binary);
+    EXPECT_EQ(said([&] { kel::append(2, folder / "a.kel"); }),
+              kel::detail::name_of(folder / "a.kel") + ": only text can be appended to");
+    EXPECT_THROW(kel::append(2, folder / "new.kelb"), kel::io_error);
+    EXPECT_EQ(kel::load(folder / "a.kel").get<int>(), 1);
+    EXPECT_FALSE(fs::exists(folder / "new.kelb"));
+}
+
+// ---- Saving atomically -------------------------------------------------------------------------
+
+TEST(Io, SavingAtomicallyCreatesAndReplaces) {
+    const Folder folder;
+    kel::save_atomically(1, folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "1\n");
+    kel::save_atomically("two", folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "\"two\"\n");
+    kel::save_atomically(3, folder / "a.kel", kel::format::binary);
+    EXPECT_EQ(kel::load(folder / "a.kel", kel::format::binary).get<int>(), 3);
+    EXPECT_EQ(folder.count(), 1);
+}
+
+TEST(Io, SavingAtomicallyWorksWithoutAFolderInTheName) {
+    const Folder folder;
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    kel::save_atomically(1, "a.kel");
+    fs::current_path(before);
+    EXPECT_EQ(content(folder / "a.kel"), "1\n");
+}
+
+TEST(Io, SavingAtomicallyLeavesOtherTemporaryFiles) {
+    const Folder folder;
+    const std::string prefix = ".kel-" + std::to_string(kel::detail::process_id()) + "-";
+    put(folder / (prefix + "0.tmp").c_str(), "other");
+    kel::save_atomically(1, folder / "a.kel");
+    EXPECT_EQ(content(folder / (prefix + "0.tmp").c_str()), "other");
+    EXPECT_EQ(folder.count(), 2);
+}
+
+TEST(Io, TextThatWouldNotBeReadAgainIsRefused) {
+    const Folder folder;
+    const auto file = folder / "kept.kel";
+    kel::save(kel::object({{"volume", 7}}), file);
+    const std::pair<kel::value, std::string> losses[] = {
+        {kel::array({"say \"hi\""}), "[0]: text cannot hold a String with a double quote"},
+        {kel::object({{"a", std::nan("")}}),
+         "a: text cannot hold a Double of 2147483648 or more, or one that is no number"},
+        {kel::object({{"a", kel::array({1, 5e9})}}),
+         "a[1]: text cannot hold a Double of 2147483648 or more, or one that is no number"},
+        {kel::object({{"a", kel::bytes(3)}}), "a: text cannot hold the bytes of a memory block"},
+    };
+    for (const auto& [content, loss] : losses) {
+        EXPECT_EQ(kel::lost_in_text(content), loss);
+        EXPECT_THROW(kel::save(content, file), kel::io_error);
+        EXPECT_THROW(kel::save_atomically(content, file), kel::io_error);
+        EXPECT_THROW(kel::append(content, file), kel::io_error);
+        EXPECT_FALSE(kel::to_text(content).empty()) << "to be shown";
+        kel::save(content, folder / "exact.kelb");
+    }
+    EXPECT_EQ(kel::load(file)["volume"].get<int>(), 7);
+    EXPECT_EQ(kel::lost_in_text(kel::object({{"a", 0.123456789}, {"b", kel::array({1})}})), "");
+    EXPECT_EQ(kel::lost_in_text(kel::value()), "");
+}
+
+TEST(Io, LossesInTextAreSoughtOnceInEachContainer) {
+    kel::value shared = kel::array();
+    for (int i = 0; i < 60; ++i) {
+        shared = kel::array({shared, shared});
+    }
+    EXPECT_EQ(kel::lost_in_text(shared), "");
+    kel::value cycle = kel::array();
+    cycle.push_back(cycle);
+    EXPECT_EQ(kel::lost_in_text(cycle), "");
+    cycle.clear();
+}
+
+} // namespace

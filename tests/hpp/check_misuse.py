@@ -1,0 +1,147 @@
+#!/usr/bin/env python3
+"""Compiles programs that misuse kel.hpp, which must fail with a message that helps.
+
+    check_misuse.py INCLUDE COMPILER...
+
+Each program is the body of a function in which `room` is a struct's handle. The first compiler must
+be there; others are skipped if they are not installed. Compiles the header alone too, with every
+warning an error, and with flags that it refuses.
+"""
+import concurrent.futures
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werror"]
+
+# What a program must not do, the program, and a part of the message.
+MISUSES = [
+    ("keep a place", "auto size = room[\"size\"]; int n = size.get<int>(); (void)n;",
+     "lasts for one expression"),
+    ("store in a kept place", "auto size = room[\"size\"]; size = 3;", "lasts for one expression"),
+    ("copy a place", "auto size = room[\"size\"]; auto other = size;", "deleted"),
+    ("read a pointer into a value", "auto text = room[\"name\"].get<const char*>(); (void)text;",
+     "Read text as std::string"),
+    ("read a view into a value", "auto text = room[\"name\"].get<std::string_view>(); (void)text;",
+     "Read text as std::string"),
+    ("store a character", "room[\"letter\"] = 'x';", "neither a number nor text"),
+    ("store a pointer", "int n = 1; room[\"n\"] = &n;", "say who owns the pointer"),
+    ("store a raw value", "KEL* raw = CreateKELInt(1); kel::value v(raw);", "say who owns the pointer"),
+    ("make a ref of a raw pointer", "kel::ref<KEL_Array> r = CreateKELArray();", ""),
+    ("use a value as a ref of another class",
+     "kel::ref<KEL_Struct> s = kel::adopt(CreateKELArray());", ""),
+    ("store through a constant handle", "const kel::value fixed = room; fixed[\"a\"] = 1;", ""),
+    ("change through a constant handle", "const kel::value fixed = room; fixed.set(\"a\", 1);", ""),
+    ("ignore a subscription", "kel::watch(room, [](kel::value) {});", "nodiscard"),
+    ("ignore an outcome",
+     "kel::checked panel({{\"a\", kel::describe<int>()}}); panel.try_set(\"a\", 1);", "nodiscard"),
+    ("ignore an adopted reference", "kel::adopt(CreateKELArray());", "nodiscard"),
+    ("give text a range", "kel::describe<std::string>().range(\"a\", \"b\");",
+     "only numbers have a range"),
+    ("give text a step", "kel::describe<std::string>().step(1);", "only numbers have a step"),
+    ("describe another type", "kel::describe<const char*>();", "describe<bool>"),
+    ("use a number as a name", "room.get_or(0, 7);", ""),
+    ("assign to what find returns", "room.find(\"a\") = 5;", ""),
+    ("assign to what at_path returns", "room.at_path(\"a.b\") = 5;", ""),
+    ("describe a bool by a text", "kel::describe<bool>().fallback(\"no\");", "takes a bool"),
+    ("describe a number by a text", "kel::describe<int>().fallback(\"5\");", "takes numbers"),
+    ("convert a value by itself", "int n = room[\"n\"]; (void)n;", ""),
+    ("test a place as a condition", "if (room[\"n\"]) {}", ""),
+]
+
+# Programs that must compile, so that a failure above is not one of the frame.
+USES = ["int n = room[\"n\"].get<int>(); (void)n;",
+        "room[\"n\"] = 3; room[\"d\"] = 19; room[\"s\"] = std::string(\"x\");",
+        "kel::value size = room[\"size\"]; size[\"w\"] = 1;",
+        "const kel::value fixed = room; int n = fixed[\"n\"].get<int>(); (void)n;",
+        "for (auto [name, v] : room.items()) { (void)v; }",
+        "const auto& rules = kel::describe<double>().range(0, 1).fallback(0); (void)rules;",
+        "kel::ref<KEL_Array> raw = kel::adopt(CreateKELArray()); kel::value v(raw);"]
+
+
+class Compiler:
+    """A compiler, and the header compiled ahead for its programs."""
+
+    def __init__(self, command, include, folder):
+        self.command = command
+        self.options = ["-std=c++17", *WARNINGS, "-I", include]
+        self.ahead = pathlib.Path(folder, pathlib.Path(command).name + ".hpp")
+        self.ahead.write_text("#include <kel/kel.hpp>\n")
+        self.run("-x", "c++-header", str(self.ahead), "-o", f"{self.ahead}.gch")
+
+    def run(self, *arguments, **more):
+        result = subprocess.run([self.command, *self.options, *arguments], text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **more)
+        return result.returncode, result.stdout
+
+    def check(self, source, flags):
+        return self.run("-fsyntax-only", *flags, "-x", "c++", "-", input=source)
+
+    def check_program(self, body):
+        source = f"void f(kel::value room);\nvoid f(kel::value room) {{ (void)room; {body} }}\n"
+        return self.check(source, ["-include", str(self.ahead)])
+
+
+def refused(what, text):
+    """Returns a check: the program does not compile, and the text is in the message."""
+    def complaint(status, output):
+        if status == 0:
+            return f"compiles, although it must not ({what})"
+        if text not in output and not (text == "nodiscard" and "unused" in output):
+            return f"({what}) expected \"{text}\" in the message:\n{output[:2000]}"
+        return None
+    return complaint
+
+
+def accepted(status, output):
+    return f"does not compile:\n{output[:2000]}" if status != 0 else None
+
+
+def trials(compiler, include):
+    """Yields calls of the compiler, each with the check of what it says."""
+    header = "#include <kel/kel.hpp>\n#include <kel/kel.hpp>\n"
+    standard = sorted({line for path in pathlib.Path(include, "kel/cpp").glob("*.hpp")
+                       for line in path.read_text().splitlines()
+                       if line.startswith("#include <") and "<kel/" not in line
+                       and not line.endswith(".h>")})
+    # A header of Windows defines these two macros.
+    macros = "\n".join(standard) + "\n#define min(a, b) a\n#define max(a, b) b\n" + header
+    yield "the header behind the macros min and max", lambda: compiler.check(macros, []), accepted
+    for flags, check in (([], accepted),
+                         (["-fno-exceptions"], refused("no exceptions", "needs exceptions")),
+                         (["-fno-rtti"], refused("no types", "needs run-time type information")),
+                         (["-std=c++14"], refused("C++14", "needs C++17"))):
+        yield f"the header alone {flags}", lambda flags=flags: compiler.check(header, flags), check
+    for body in USES:
+        yield body, lambda body=body: compiler.check_program(body), accepted
+    for what, body, text in MISUSES:
+        yield body, lambda body=body: compiler.check_program(body), refused(what, text)
+
+
+def main(arguments):
+    if len(arguments) < 2:
+        sys.exit(__doc__)
+    include, first, *others = arguments
+    paths = {pathlib.Path(shutil.which(each)).resolve(): each for each in [*others, first]
+             if shutil.which(each)} # the same compiler can have several names
+
+    def complaint(compiler, what, call, check):
+        found = check(*call())
+        return f"{compiler.command}: {what}\n{found}" if found else None
+
+    with tempfile.TemporaryDirectory() as folder, \
+            concurrent.futures.ThreadPoolExecutor(max_workers=2) as pool:
+        compilers = list(pool.map(lambda each: Compiler(each, include, folder), paths.values()))
+        jobs = [pool.submit(complaint, compiler, *trial) for compiler in compilers
+                for trial in trials(compiler, include)]
+        failures = [job.result() for job in jobs if job.result()]
+    print("\n".join(failures))
+    print(f"{len(MISUSES)} misuses, {len(USES)} uses, {len(compilers)} compilers: "
+          f"{len(failures)} failures")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
