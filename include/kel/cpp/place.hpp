@@ -59,7 +59,9 @@ inline void store(KEL* container, const char* name, KEL* content) {
 
 /// The place of a variable or element. The container must exist; the variable need not, until it is
 /// read. A place lasts for one expression: it refers to its container and to its name. Keep a
-/// kel::value instead, and give a function or lambda that returns one the result type kel::value:
+/// kel::value instead, and give a function or lambda that returns one the result type kel::value. The
+/// rest of the expression must not let go of the container: in room["size"].assign(f()), f must not
+/// assign to the handle room.
 ///
 ///     kel::value size = room["size"];
 class const_place {
