@@ -162,13 +162,15 @@ struct KELVarCursor {
 ///     for (KELVarCursor at; walk->nextVar(at);) { use(at.name, at.value); }
 ///
 /// A cursor's name is valid until a variable is added, removed or renamed, and its value as long as
-/// the struct holds it. A walk sees what the struct itself holds: null for a variable without a
+/// the struct holds it. Storing under an existing name (addVar, put...) removes a variable and adds
+/// one, and so does a set... of a variable that holds null. A walk sees what the struct itself holds: null for a variable without a
 /// value, and of a checked struct no defaults.
 class KELInterface_Struct_V2 : public virtual KELInterface_Struct_V1 {
 public:
-    /// Moves the cursor to the next variable in ascending order of the names. Values can be replaced
-    /// during a walk. If variables were added, removed or renamed since the last call, the walk stays
-    /// safe but can pass over variables or come to some again; use nextVarAfter then.
+    /// Moves the cursor to the next variable in ascending order of the names. Values can be changed,
+    /// and replaced by setVar, during a walk. If variables were added, removed or renamed since the
+    /// last call, the walk stays safe but can pass over variables or come to some again; use
+    /// nextVarAfter then.
     /// \return false after the last variable; the cursor's name and value are then null
     virtual bool nextVar(KELVarCursor& cursor) const = 0;
     /// Moves the cursor to the first variable whose name comes after name, whatever changed. The name

@@ -70,7 +70,7 @@ void* allocateSized(std::size_t size) {
 
 void* reallocateSized(void* storage, std::size_t size, std::size_t newSize) {
     if (size > largestBlock && newSize > largestBlock) {
-        return reallocate(storage, newSize); // moves the pages of a large piece, not its bytes
+        return reallocate(storage, newSize); // which can move pages instead of bytes
     }
     void* moved = allocateSized(newSize);
     if (moved != nullptr && storage != nullptr) {

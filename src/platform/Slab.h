@@ -60,7 +60,7 @@ struct alignas(64) Slab {
     uint32_t wordCount = 0; ///< of the map
     uint32_t capacity = 0;  ///< the number of blocks
     uint32_t used = 0;      ///< blocks that are not free, those of remote included
-    uint32_t inverse = 0;   ///< 2^32 divided by the size of a block, rounded up
+    uint32_t inverse = 0;   ///< 2^32 divided by the size of a block, at most 1 too large
     uint8_t sizeClass = 0;
     bool isFull = false;    ///< set aside without a block to give
     bool isCurrent = false; ///< the one that the heap allocates from

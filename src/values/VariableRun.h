@@ -51,7 +51,7 @@ public:
     }
 
     /// Returns the index of the first variable that is not before the key. Divides without
-    /// branches, because half of them would be mispredicted.
+    /// branches among short names, because half of them would be mispredicted.
     uint32_t find(const NameKey& key) const {
         uint32_t index = 0;
         for (uint32_t left = count_; left > 0;) {

@@ -19,9 +19,10 @@ struct Converted {
 };
 
 /// Converts between JSON and binary with only a small part of the values in memory at a time. Makes
-/// the same bytes as a conversion of the whole document. Returns nothing if the document must be
-/// converted as a whole: if anything is lost, if values are shared, for all other formats, if
-/// memory runs out, and if a file cannot be written.
+/// the same bytes as a conversion of the whole document, apart from the identities. Returns nothing if
+/// the document must be converted as a whole: if anything is lost, if values are shared, if names in
+/// binary are not in order, for all other formats, if memory runs out, and if a file cannot be
+/// written.
 /// \param inputName the name of the input in messages
 /// \param outputName the name of the output, or "-" for stdout
 /// \throws Failure malformed
