@@ -10,7 +10,7 @@
 
 namespace {
 
-// The identity tells which description a file was saved with.
+// A file shows the identity of the description that it was saved with.
 kel::checked make_settings() {
     const kel::guid identity(0x4B454C01, 0, 0, 1);
     return kel::checked(

@@ -148,7 +148,7 @@ protected:
 /// A place in a walk over the variables of a struct, and the variable there. A new cursor is before
 /// the first variable. It owns nothing, can be copied, and needs no release.
 struct KELVarCursor {
-    const char* name = nullptr; ///< borrowed, with a NUL at its end; null if there is no variable
+    const char* name = nullptr; ///< borrowed, with a NUL at its end; null outside the variables
     KEL* value = nullptr;       ///< borrowed; null if the variable holds none
     int32_t length = 0;         ///< of the name in bytes
     uint32_t place[2] = {0, 0}; ///< for the library only

@@ -72,4 +72,39 @@ struct Loop {
     kel::value array = kel::array({1});
 };
 
+inline kel::value made(KELKind kind) {
+    return kel::value(kel::adopt(kel::adopt(CreateKELManager())->createKel(kind)));
+}
+
+/// Returns a struct of every kind that binary holds.
+inline kel::value simple() {
+    return kel::object({{"array", kel::array({1, "two", true, kel::array(), kel::object()})},
+                        {"block", kel::bytes{std::byte{0}, std::byte{255}}},
+                        {"boolean", true},
+                        {"double", 0.1},
+                        {"int", -5},
+                        {"none", nullptr},
+                        {"string", "a \"b\" \n c"}});
+}
+
+/// Returns a struct of every kind that text holds.
+inline kel::value readable() {
+    const kel::ref<KEL_Manager> manager = kel::adopt(CreateKELManager());
+    manager->addKel(kel::value(7).raw());
+    const kel::ref<KEL_IndexList> list = kel::adopt(CreateKELIndexList(
+        kel::array({"key"}).as<KEL_Array>().get(), kel::array({"item"}).as<KEL_Array>().get()));
+    return kel::object({{"array", kel::array({1, "two", true, kel::array(), kel::object()})},
+                        {"boolean", false},
+                        {"checked", made(KELKind_MetaKel)},
+                        {"descriptor", made(KELKind_MetaKelDescriptor)},
+                        {"double", -2.5},
+                        {"guid", kel::guid(1, 2, 3, 4)},
+                        {"int", -5},
+                        {"list", kel::value(list)},
+                        {"manager", kel::value(manager)},
+                        {"none", nullptr},
+                        {"odd name", "a \n b"},
+                        {"variable", made(KELKind_MetaKelVarDescriptor)}});
+}
+
 } // namespace io_test

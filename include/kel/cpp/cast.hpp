@@ -48,7 +48,8 @@ template <class T, KELKind kind> T* cast_from(KEL* object) {
                : nullptr;
 }
 
-/// Returns the value's struct operations. Returns null for null and for a value that is no struct.
+/// Returns the value's struct operations. Returns null for null and for every
+/// other kind.
 template <class T> T* cast_to_struct(KEL* object) {
     if (object == nullptr) {
         return nullptr;

@@ -89,7 +89,7 @@ inline std::string image(const value& root, format how, const std::string& name)
 
 } // namespace detail
 
-/// Returns the value as text, without a line end behind it. Null gives "null".
+/// Returns the value as text, without a final line end. For null, returns "null".
 /// \throws io_error for a selector, a value that contains itself, and a text of 2 GiB or more
 inline std::string to_text(const value& content) {
     std::string text = detail::image(content, format::text, {});

@@ -43,7 +43,7 @@ public:
     explicit path_reader(std::string_view path) : path_(path) {}
 
     /// Reads the next step. \return false at the end
-    /// \throws not_found for a text that is no path
+    /// \throws not_found for a text that cannot be read as a path
     bool next() {
         done_ = path_.substr(0, at_);
         if (at_ == path_.size()) {

@@ -41,111 +41,114 @@ private:
     bool has_more_ = false;
 };
 
+/// A range for loops, each of which makes a walk over the same container.
+template <class Walk> class walk_range {
+public:
+    using iterator = walk_iterator<Walk>;
+
+    explicit walk_range(value owner) : owner_(std::move(owner)) {}
+    iterator begin() const { return iterator(Walk(owner_)); }
+    range_end end() const { return {}; }
+
+private:
+    value owner_;
+};
+
+class item_walk {
+public:
+    explicit item_walk(value owner) : owner_(std::move(owner)) {}
+    bool next() {
+        const KELInterface_Struct_V2* fields = walk_of(owner_.raw());
+        if (!fields->nextVarAfter(at_, current_.name.c_str())) {
+            return false;
+        }
+        current_.name.assign(at_.name, static_cast<std::size_t>(at_.length));
+        current_.value = value(share(at_.value));
+        return true;
+    }
+    const item& current() const { return current_; }
+
+private:
+    value owner_;
+    KELVarCursor at_;
+    item current_;
+};
+
 } // namespace detail
 
 /// The variables of a struct in ascending order of the names, each an item. A loop visits every
 /// variable that is there from its beginning to its end once, whatever its body adds or removes.
 /// The default of a variable that a checked struct lacks is not one of its variables.
-class item_range {
+class item_range : public detail::walk_range<detail::item_walk> {
 public:
-    class walk {
-    public:
-        explicit walk(value owner) : owner_(std::move(owner)) {}
-        bool next() {
-            const KELInterface_Struct_V2* fields = detail::walk_of(owner_.raw());
-            if (!fields->nextVarAfter(at_, current_.name.c_str())) {
-                return false;
-            }
-            current_.name.assign(at_.name, static_cast<std::size_t>(at_.length));
-            current_.value = value(share(at_.value));
-            return true;
+    using walk_range::walk_range;
+};
+
+namespace detail {
+
+class element_walk {
+public:
+    explicit element_walk(value owner)
+        : owner_(std::move(owner)), array_(array_of(owner_.raw())),
+          manager_(manager_of(owner_.raw())) {}
+    bool next() {
+        ++index_;
+        if (index_ >= (array_ != nullptr ? array_->getCount() : manager_->size())) {
+            return false;
         }
-        const item& current() const { return current_; }
-
-    private:
-        value owner_;
-        KELVarCursor at_;
-        item current_;
-    };
-    using iterator = detail::walk_iterator<walk>;
-
-    explicit item_range(value owner) : owner_(std::move(owner)) {}
-    iterator begin() const { return iterator(walk(owner_)); }
-    detail::range_end end() const { return {}; }
+        current_ = value(share(array_ != nullptr ? array_->getVar(index_)
+                                                 : manager_->getKelAt(index_)));
+        return true;
+    }
+    const value& current() const { return current_; }
 
 private:
     value owner_;
+    KEL_Array* array_;
+    KEL_Manager* manager_;
+    std::int32_t index_ = -1;
+    value current_;
 };
+
+} // namespace detail
 
 /// The elements of an array or of a manager in order. A loop goes by position: if its body removes
 /// or inserts elements, those behind move.
-class element_range {
+class element_range : public detail::walk_range<detail::element_walk> {
 public:
-    class walk {
-    public:
-        explicit walk(value owner)
-            : owner_(std::move(owner)), array_(detail::array_of(owner_.raw())),
-              manager_(detail::manager_of(owner_.raw())) {}
-        bool next() {
-            ++index_;
-            if (index_ >= (array_ != nullptr ? array_->getCount() : manager_->size())) {
-                return false;
-            }
-            current_ = value(share(array_ != nullptr ? array_->getVar(index_)
-                                                     : manager_->getKelAt(index_)));
-            return true;
-        }
-        const value& current() const { return current_; }
-
-    private:
-        value owner_;
-        KEL_Array* array_;
-        KEL_Manager* manager_;
-        std::int32_t index_ = -1;
-        value current_;
-    };
-    using iterator = detail::walk_iterator<walk>;
-
-    explicit element_range(value owner) : owner_(std::move(owner)) {}
-    iterator begin() const { return iterator(walk(owner_)); }
-    detail::range_end end() const { return {}; }
-
-private:
-    value owner_;
+    using walk_range::walk_range;
 };
 
-/// The pairs of an index list in order. A loop goes by position, as for elements.
-class pair_range {
+namespace detail {
+
+class pair_walk {
 public:
-    class walk {
-    public:
-        explicit walk(value owner)
-            : owner_(std::move(owner)), list_(detail::list_of(owner_.raw())) {}
-        bool next() {
-            ++index_;
-            if (index_ >= list_->getCount()) {
-                return false;
-            }
-            current_.key = value(share(list_->getKeyAt(index_)));
-            current_.item = value(share(list_->getItemAt(index_)));
-            return true;
+    explicit pair_walk(value owner)
+        : owner_(std::move(owner)), list_(list_of(owner_.raw())) {}
+    bool next() {
+        ++index_;
+        if (index_ >= list_->getCount()) {
+            return false;
         }
-        const pair& current() const { return current_; }
-
-    private:
-        value owner_;
-        KEL_IndexList* list_;
-        std::int32_t index_ = -1;
-        pair current_;
-    };
-    using iterator = detail::walk_iterator<walk>;
-
-    explicit pair_range(value owner) : owner_(std::move(owner)) {}
-    iterator begin() const { return iterator(walk(owner_)); }
-    detail::range_end end() const { return {}; }
+        current_.key = value(share(list_->getKeyAt(index_)));
+        current_.item = value(share(list_->getItemAt(index_)));
+        return true;
+    }
+    const pair& current() const { return current_; }
 
 private:
     value owner_;
+    KEL_IndexList* list_;
+    std::int32_t index_ = -1;
+    pair current_;
+};
+
+} // namespace detail
+
+/// The pairs of an index list in order. A loop goes by position, as for elements.
+class pair_range : public detail::walk_range<detail::pair_walk> {
+public:
+    using walk_range::walk_range;
 };
 
 inline item_range value::items() const {

@@ -3,6 +3,7 @@
 #include "DocumentScan.h"
 #include "KelReader.h"
 #include "KelWriter.h"
+#include "PartLimits.h"
 #include "RecordCursor.h"
 #include "json/JsonWriter.h"
 
@@ -12,12 +13,6 @@
 namespace kel::tool {
 
 namespace {
-
-/// The size of the parts that are read at a time.
-constexpr size_t partSize = 256 * 1024;
-
-/// Containers nested deeper than this are read as a whole, because opening each costs a little.
-constexpr size_t mostOpen = 1000;
 
 using Event = RecordCursor::Event;
 

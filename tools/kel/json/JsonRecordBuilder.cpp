@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "KelWriter.h"
+#include "PartLimits.h"
 #include "RecordCursor.h"
 
 #include <algorithm>
@@ -10,16 +11,6 @@
 #include <limits>
 
 namespace kel::tool {
-
-namespace {
-
-/// The size of the records that are made at a time.
-constexpr size_t partSize = 256 * 1024;
-
-/// No records are made while more containers are open, because each of them costs a little.
-constexpr size_t mostOpen = 1000;
-
-} // namespace
 
 OutputBytes JsonRecordBuilder::takeRecords() {
     if (losses_.count() > 0) {

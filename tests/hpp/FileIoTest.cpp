@@ -1,0 +1,249 @@
+// Loads, saves and appends to files.
+#include "IoSupport.h"
+
+using namespace io_test;
+
+namespace {
+
+TEST(FileIo, FilesAreSavedAndLoadedInBothForms) {
+    const Folder folder;
+    const kel::value text = readable();
+    kel::save(text, folder / "a.kel");
+    kel::save(simple(), folder / "a.kelb");
+    EXPECT_EQ(kel::load(folder / "a.kel"), text);
+    EXPECT_EQ(kel::load(folder / "a.kelb"), simple());
+    EXPECT_EQ(content(folder / "a.kel"), kel::to_text(text) + '\n');
+    EXPECT_EQ(content(folder / "a.kelb").substr(0, 4), std::string("KEL\0", 4));
+}
+
+TEST(FileIo, TheArgumentDecidesBeforeTheName) {
+    const Folder folder;
+    kel::save(5, folder / "a.kel", kel::format::binary);
+    kel::save(5, folder / "a.kelb", kel::format::text);
+    EXPECT_EQ(content(folder / "a.kel").size(), 38U);
+    EXPECT_EQ(content(folder / "a.kelb"), "5\n");
+}
+
+TEST(FileIo, CapitalsInTheNameDoNotMatter) {
+    const Folder folder;
+    kel::save(5, folder / "A.KELB");
+    kel::save(5, folder / "b.kelbx");
+    kel::save(5, folder / "kelb");
+    EXPECT_EQ(content(folder / "A.KELB").size(), 38U);
+    EXPECT_EQ(content(folder / "b.kelbx"), "5\n");
+    EXPECT_EQ(content(folder / "kelb"), "5\n");
+}
+
+TEST(FileIo, LoadingGoesByTheContent) {
+    const Folder folder;
+    put(folder / "a.kel", kel::to_binary(5));
+    put(folder / "a.kelb", "5");
+    EXPECT_EQ(kel::load(folder / "a.kel").get<int>(), 5);
+    EXPECT_EQ(kel::load(folder / "a.kelb").get<int>(), 5);
+    EXPECT_THROW(kel::load(folder / "a.kel", kel::format::text), kel::io_error);
+    EXPECT_THROW(kel::load(folder / "a.kelb", kel::format::binary), kel::io_error);
+}
+
+TEST(FileIo, NamesAreUnicode) {
+    const Folder folder;
+    const fs::path file = folder.path() / fs::path(std::u16string(u"\u00DC\u8A2D \U0001F333.kelb"));
+    kel::save(5, file);
+    kel::save_atomically(6, file);
+    EXPECT_EQ(kel::load(file).get<int>(), 6);
+    put(file, "}");
+    EXPECT_EQ(failure([&] { kel::load(file); }).file(), kel::detail::name_of(file));
+}
+
+TEST(FileIo, AFailureOfAFileHasItsNameAndLine) {
+    const Folder folder;
+    put(folder / "a.kel", "{\n}\n}");
+    const std::string name = kel::detail::name_of(folder / "a.kel");
+    const kel::io_error thrown = failure([&] {
+        for (const kel::value& root : kel::reader(folder / "a.kel")) {
+            EXPECT_EQ(root.kind(), kel::kind::structure);
+        }
+    });
+    EXPECT_EQ(thrown.file(), name);
+    EXPECT_EQ(thrown.line(), 3);
+    EXPECT_EQ(thrown.what(), name + ":3: syntax error");
+}
+
+TEST(FileIo, AnEmptyFileHoldsNoValue) {
+    const Folder folder;
+    put(folder / "a.kel", "");
+    EXPECT_EQ(said([&] { kel::load(folder / "a.kel"); }),
+              kel::detail::name_of(folder / "a.kel") + ": holds no value");
+}
+
+TEST(FileIo, AMissingFileHasAReason) {
+    const Folder folder;
+    const kel::io_error thrown = failure([&] { kel::load(folder / "none.kel"); });
+    EXPECT_EQ(thrown.reason(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(thrown.file(), kel::detail::name_of(folder / "none.kel"));
+    EXPECT_NE(std::string(thrown.what()).find(": cannot be opened: "), std::string::npos);
+    EXPECT_EQ(failure([&] { kel::reader(folder / "none.kel"); }).reason(), thrown.reason());
+}
+
+TEST(FileIo, AMissingFolderHasAReason) {
+    const Folder folder;
+    const fs::path file = folder.path() / "none" / "a.kel";
+    const auto none = std::errc::no_such_file_or_directory;
+    EXPECT_EQ(failure([&] { kel::save(1, file); }).reason(), none);
+    EXPECT_EQ(failure([&] { kel::save_atomically(1, file); }).reason(), none);
+    EXPECT_EQ(failure([&] { kel::append(1, file); }).reason(), none);
+    EXPECT_EQ(failure([&] { kel::save(1, file); }).file(), kel::detail::name_of(file));
+}
+
+TEST(FileIo, AFolderIsNoFile) {
+    const Folder folder;
+    EXPECT_TRUE(failure([&] { kel::load(folder.path()); }).reason());
+    EXPECT_TRUE(failure([&] { kel::save(1, folder.path()); }).reason());
+    EXPECT_TRUE(failure([&] { kel::save_atomically(1, folder.path()); }).reason());
+    EXPECT_TRUE(failure([&] { kel::append(1, folder.path()); }).reason());
+}
+
+TEST(FileIo, SavingReplacesALongerFile) {
+    const Folder folder;
+    put(folder / "a.kel", std::string(100000, 'x'));
+    kel::save(1, folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "1\n");
+}
+
+TEST(FileIo, LargeFilesAreSavedAndLoaded) {
+    const Folder folder;
+    kel::value numbers = kel::array();
+    for (int i = 0; i < 50000; ++i) {
+        numbers.push_back(i);
+    }
+    for (const char* name : {"a.kel", "a.kelb"}) {
+        kel::save(numbers, folder / name);
+        EXPECT_EQ(kel::load(folder / name), numbers);
+    }
+}
+
+TEST(FileIo, NullIsSavedAsText) {
+    const Folder folder;
+    kel::save(nullptr, folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "null\n");
+    EXPECT_EQ(kel::load(folder / "a.kel"), nullptr);
+}
+
+TEST(FileIo, AValueThatCannotBeWrittenLeavesTheFile) {
+    const Folder folder;
+    const Loop loop;
+    for (const char* name : {"a.kel", "a.kelb"}) {
+        put(folder / name, "old");
+        const kel::value bad = name == std::string("a.kel") ? loop.array : kel::value();
+        EXPECT_THROW(kel::save(bad, folder / name), kel::io_error);
+        EXPECT_THROW(kel::save_atomically(bad, folder / name), kel::io_error);
+        EXPECT_EQ(content(folder / name), "old");
+    }
+    EXPECT_THROW(kel::append(loop.array, folder / "a.kel"), kel::io_error);
+    EXPECT_EQ(content(folder / "a.kel"), "old");
+    EXPECT_EQ(said([&] { kel::save(loop.array, folder / "a.kel"); }),
+              kel::detail::name_of(folder / "a.kel") +
+                  ": Cannot write a value that contains itself.");
+    EXPECT_EQ(said([&] { kel::save(nullptr, folder / "new.kelb"); }),
+              kel::detail::name_of(folder / "new.kelb") + ": null has no binary form");
+    EXPECT_FALSE(fs::exists(folder / "new.kelb"));
+}
+
+// ---- Appending ---------------------------------------------------------------------------------
+
+TEST(FileIo, AppendingAddsRoots) {
+    const Folder folder;
+    kel::append(1, folder / "log.kel");
+    kel::append("two", folder / "log.kel");
+    kel::append(nullptr, folder / "log.kel");
+    EXPECT_EQ(content(folder / "log.kel"), "1\n\"two\"\nnull\n");
+}
+
+TEST(FileIo, AppendingBeginsALine) {
+    const Folder folder;
+    put(folder / "log.kel", "[ ] // comment");
+    kel::append(1, folder / "log.kel");
+    put(folder / "number.kel", "1");
+    kel::append(2, folder / "number.kel");
+    EXPECT_EQ(content(folder / "log.kel"), "[ ] // comment\n1\n");
+    EXPECT_EQ(content(folder / "number.kel"), "1\n2\n");
+}
+
+TEST(FileIo, BinaryIsNotAppendedTo) {
+    const Folder folder;
+    kel::save(1, folder / "a.kel", kel::format::binary);
+    EXPECT_EQ(said([&] { kel::append(2, folder / "a.kel"); }),
+              kel::detail::name_of(folder / "a.kel") + ": only text can be appended to");
+    EXPECT_THROW(kel::append(2, folder / "new.kelb"), kel::io_error);
+    EXPECT_EQ(kel::load(folder / "a.kel").get<int>(), 1);
+    EXPECT_FALSE(fs::exists(folder / "new.kelb"));
+}
+
+// ---- Saving atomically -------------------------------------------------------------------------
+
+TEST(FileIo, SavingAtomicallyCreatesAndReplaces) {
+    const Folder folder;
+    kel::save_atomically(1, folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "1\n");
+    kel::save_atomically("two", folder / "a.kel");
+    EXPECT_EQ(content(folder / "a.kel"), "\"two\"\n");
+    kel::save_atomically(3, folder / "a.kel", kel::format::binary);
+    EXPECT_EQ(kel::load(folder / "a.kel", kel::format::binary).get<int>(), 3);
+    EXPECT_EQ(folder.count(), 1);
+}
+
+TEST(FileIo, SavingAtomicallyWorksWithoutAFolderInTheName) {
+    const Folder folder;
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    kel::save_atomically(1, "a.kel");
+    fs::current_path(before);
+    EXPECT_EQ(content(folder / "a.kel"), "1\n");
+}
+
+TEST(FileIo, SavingAtomicallyLeavesOtherTemporaryFiles) {
+    const Folder folder;
+    const std::string prefix = ".kel-" + std::to_string(kel::detail::process_id()) + "-";
+    put(folder / (prefix + "0.tmp").c_str(), "other");
+    kel::save_atomically(1, folder / "a.kel");
+    EXPECT_EQ(content(folder / (prefix + "0.tmp").c_str()), "other");
+    EXPECT_EQ(folder.count(), 2);
+}
+
+TEST(FileIo, TextThatWouldNotBeReadAgainIsRefused) {
+    const Folder folder;
+    const auto file = folder / "kept.kel";
+    kel::save(kel::object({{"volume", 7}}), file);
+    const std::pair<kel::value, std::string> losses[] = {
+        {kel::array({"say \"hi\""}), "[0]: text cannot hold a String with a double quote"},
+        {kel::object({{"a", std::nan("")}}),
+         "a: text cannot hold a Double of 2147483648 or more, or one that is no number"},
+        {kel::object({{"a", kel::array({1, 5e9})}}),
+         "a[1]: text cannot hold a Double of 2147483648 or more, or one that is no number"},
+        {kel::object({{"a", kel::bytes(3)}}), "a: text cannot hold the bytes of a memory block"},
+    };
+    for (const auto& [content, loss] : losses) {
+        EXPECT_EQ(kel::lost_in_text(content), loss);
+        EXPECT_THROW(kel::save(content, file), kel::io_error);
+        EXPECT_THROW(kel::save_atomically(content, file), kel::io_error);
+        EXPECT_THROW(kel::append(content, file), kel::io_error);
+        EXPECT_FALSE(kel::to_text(content).empty()) << "to be shown";
+        kel::save(content, folder / "exact.kelb");
+    }
+    EXPECT_EQ(kel::load(file)["volume"].get<int>(), 7);
+    EXPECT_EQ(kel::lost_in_text(kel::object({{"a", 0.123456789}, {"b", kel::array({1})}})), "");
+    EXPECT_EQ(kel::lost_in_text(kel::value()), "");
+}
+
+TEST(FileIo, LossesInTextAreSoughtOnceInEachContainer) {
+    kel::value shared = kel::array();
+    for (int i = 0; i < 60; ++i) {
+        shared = kel::array({shared, shared});
+    }
+    EXPECT_EQ(kel::lost_in_text(shared), "");
+    kel::value cycle = kel::array();
+    cycle.push_back(cycle);
+    EXPECT_EQ(kel::lost_in_text(cycle), "");
+    cycle.clear();
+}
+
+} // namespace
