@@ -42,8 +42,7 @@ TEST(Checked, SaysWhatIsAllowed) {
     EXPECT_EQ(refusal(panel, "voices", nullptr), "voices: wanted an int, found null.");
     EXPECT_EQ(refusal(panel, "gain", std::nan("")),
               "gain: nan is not allowed; allowed is from -60 to 6.");
-    EXPECT_EQ(refusal(panel, "voices", 3e9),
-              "voices: 3e+09 is not a whole number of 32 bits.");
+    EXPECT_EQ(refusal(panel, "voices", 3e9), "voices: 3e+09 is not a whole number of 32 bits.");
     EXPECT_EQ(refusal(panel, "volume", 1), "volume is not described.");
     EXPECT_THROW(panel.set("gain", 9.0), kel::not_allowed);
     EXPECT_EQ(kel::value(panel).size(), 1U) << "only the description";
