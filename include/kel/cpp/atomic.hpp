@@ -56,10 +56,10 @@ inline void replace_file(const std::filesystem::path& target, bool is_old, std::
 
 /// Writes a value to a file so that the file is either the old or the new one at every moment, even
 /// if the system crashes. It writes another file in the same folder, waits until that is on the
-/// medium, and renames it. The old file's permissions are kept and, if allowed, its owner and group;
-/// on Windows the new file has the permissions that its folder gives it. If the name is a symbolic
-/// link, the link is kept and the file that it leads to is replaced. Devices and pipes are written
-/// directly.
+/// medium, and renames it. The old file's permissions are kept and, if allowed, its owner and
+/// group; on Windows the new file has the permissions that its folder gives it. If the name is a
+/// symbolic link, the link is kept and the file that it leads to is replaced. Devices and pipes are
+/// written directly.
 /// \throws io_error as save does; the old file is then untouched
 inline void save_atomically(const value& content, const std::filesystem::path& file,
                             format how = format::automatic) {

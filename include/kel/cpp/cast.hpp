@@ -32,7 +32,8 @@ template <class T> struct spot {
         }
         const KEL& object = *sample;
         type = &typeid(object);
-        distance = reinterpret_cast<const char*>(part) - reinterpret_cast<const char*>(sample.get());
+        distance =
+            reinterpret_cast<const char*>(part) - reinterpret_cast<const char*>(sample.get());
     }
 
     const std::type_info* type;
@@ -58,10 +59,14 @@ template <class T> T* cast_to_struct(KEL* object) {
         return plain; // nearly always
     }
     switch (object->getType()) {
-    case KELKind_MetaKel: return cast_from<T, KELKind_MetaKel>(object);
-    case KELKind_MetaKelDescriptor: return cast_from<T, KELKind_MetaKelDescriptor>(object);
-    case KELKind_MetaKelVarDescriptor: return cast_from<T, KELKind_MetaKelVarDescriptor>(object);
-    default: return nullptr;
+    case KELKind_MetaKel:
+        return cast_from<T, KELKind_MetaKel>(object);
+    case KELKind_MetaKelDescriptor:
+        return cast_from<T, KELKind_MetaKelDescriptor>(object);
+    case KELKind_MetaKelVarDescriptor:
+        return cast_from<T, KELKind_MetaKelVarDescriptor>(object);
+    default:
+        return nullptr;
     }
 }
 
@@ -70,14 +75,24 @@ template <class T, KELKind kind> T* cast(KEL* object) {
     return object == nullptr ? nullptr : cast_from<T, kind>(object);
 }
 
-inline KEL_Array* array_of(KEL* object) { return cast<KEL_Array, KELKind_Array>(object); }
-inline KEL_Struct* struct_of(KEL* object) { return cast_to_struct<KEL_Struct>(object); }
+inline KEL_Array* array_of(KEL* object) {
+    return cast<KEL_Array, KELKind_Array>(object);
+}
+inline KEL_Struct* struct_of(KEL* object) {
+    return cast_to_struct<KEL_Struct>(object);
+}
 inline KELInterface_Struct_V2* walk_of(KEL* object) {
     return cast_to_struct<KELInterface_Struct_V2>(object);
 }
-inline KEL_Manager* manager_of(KEL* object) { return cast<KEL_Manager, KELKind_Manager>(object); }
-inline KEL_IndexList* list_of(KEL* object) { return cast<KEL_IndexList, KELKind_IndexList>(object); }
-inline MetaKel* checked_of(KEL* object) { return cast<MetaKel, KELKind_MetaKel>(object); }
+inline KEL_Manager* manager_of(KEL* object) {
+    return cast<KEL_Manager, KELKind_Manager>(object);
+}
+inline KEL_IndexList* list_of(KEL* object) {
+    return cast<KEL_IndexList, KELKind_IndexList>(object);
+}
+inline MetaKel* checked_of(KEL* object) {
+    return cast<MetaKel, KELKind_MetaKel>(object);
+}
 
 } // namespace detail
 } // namespace v1

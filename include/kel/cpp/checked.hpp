@@ -33,8 +33,8 @@ private:
 ///     kel::checked panel({{"gain", gain}});
 ///     if (auto done = panel.try_set("gain", 9.0); !done) { puts(done.message().c_str()); }
 ///
-/// A variable has its default until it is set. What is stored is always a new value of the described
-/// kind, never one that belongs to the description.
+/// A variable has its default until it is set. What is stored is always a new value of the
+/// described kind, never one that belongs to the description.
 class checked {
 public:
     /// Makes a checked struct. The descriptions are shared: one can serve many structs.
@@ -96,16 +96,16 @@ public:
     /// Removes the variable, so that it has its default again.
     void reset(const detail::text& name) { value(*this).erase(name); }
 
-    /// Returns where the variable is between its ends: 0 for the least number or first choice, 1 for
-    /// the greatest or last one.
+    /// Returns where the variable is between its ends: 0 for the least number or first choice, 1
+    /// for the greatest or last one.
     /// \throws error for a variable that has neither a range nor choices
     double normalised(const detail::text& name) const {
         const scale ends(rules_of(name), name);
         return ends.from(current(name));
     }
     /// Stores the number or choice at this place. A number is rounded to the nearest step, if the
-    /// description states a step or forbids values in between. A place outside of 0 to 1 is moved to
-    /// the nearer end or, if the variable wraps, by whole turns.
+    /// description states a step or forbids values in between. A place outside of 0 to 1 is moved
+    /// to the nearer end or, if the variable wraps, by whole turns.
     /// \throws std::out_of_range for a place that is not a number
     void set_normalised(const detail::text& name, double place) {
         if (std::isnan(place)) {
@@ -119,8 +119,8 @@ public:
         set(name, ends.at((std::min)(1.0, (std::max)(0.0, place))));
     }
     /// Moves the variable by a number of steps or choices, up or down. It stops at the ends or, if
-    /// the variable wraps, goes on at the other end. One step beyond the greatest of whole numbers is
-    /// the least one. Both ends of other numbers are the same place, like 0 and 360 degrees.
+    /// the variable wraps, goes on at the other end. One step beyond the greatest of whole numbers
+    /// is the least one. Both ends of other numbers are the same place, like 0 and 360 degrees.
     void step_by(const detail::text& name, int steps) {
         const MetaKelVarDescriptor& rules = rules_of(name);
         const scale ends(rules, name);
@@ -133,7 +133,8 @@ public:
         const std::string middle = content.kind() == kel::kind::string
                                        ? content.get<std::string>()
                                        : detail::shown(content.raw());
-        return detail::text_of(rules.getPreadorn()) + middle + detail::text_of(rules.getPostadorn());
+        return detail::text_of(rules.getPreadorn()) + middle +
+               detail::text_of(rules.getPostadorn());
     }
     /// Returns the names of the described variables in ascending order.
     std::vector<std::string> names() const {
@@ -190,8 +191,9 @@ private:
             if (choices_) {
                 const auto count = static_cast<std::int64_t>(choices_.size());
                 std::int64_t next = static_cast<std::int64_t>(index_of(content)) + steps;
-                next = wraps && count > 0 ? (next % count + count) % count
-                                          : (std::min)((std::max<std::int64_t>)(next, 0), count - 1);
+                next = wraps && count > 0
+                           ? (next % count + count) % count
+                           : (std::min)((std::max<std::int64_t>)(next, 0), count - 1);
                 return choice(static_cast<std::size_t>(next));
             }
             double offset = content.raw()->toDouble() - least_ + steps * unit_;
@@ -225,8 +227,8 @@ private:
                 constexpr double noise = 1e-9; // three steps of 0.1 are a little more than 0.3
                 const double last = std::floor(width_ / step_ + noise);
                 const double steps = (std::min)(std::round(offset / step_), last);
-                number = detail::without_noise(
-                    least_ + steps * step_, (std::max)(std::abs(least_), std::abs(greatest_)));
+                number = detail::without_noise(least_ + steps * step_,
+                                               (std::max)(std::abs(least_), std::abs(greatest_)));
             }
             return (std::min)(greatest_, (std::max)(least_, number));
         }
@@ -234,8 +236,8 @@ private:
         double least_ = 0;
         double greatest_ = 0;
         double width_ = 0;
-        double step_ = 0; ///< numbers are rounded to multiples; 0 if they are not rounded
-        double unit_ = 1; ///< the distance to the next number
+        double step_ = 0;       ///< numbers are rounded to multiples; 0 if they are not rounded
+        double unit_ = 1;       ///< the distance to the next number
         bool is_whole_ = false; ///< the ends are different numbers, also of one that wraps
         value choices_;
     };

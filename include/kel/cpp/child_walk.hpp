@@ -13,8 +13,8 @@ namespace detail {
 class child_walk {
 public:
     explicit child_walk(KEL* container)
-        : fields_(walk_of(container)), array_(array_of(container)),
-          manager_(manager_of(container)), list_(list_of(container)) {
+        : fields_(walk_of(container)), array_(array_of(container)), manager_(manager_of(container)),
+          list_(list_of(container)) {
         count_ = array_ != nullptr     ? array_->getCount()
                  : manager_ != nullptr ? manager_->size()
                  : list_ != nullptr    ? list_->getCount()

@@ -9,7 +9,9 @@ inline namespace v1 {
 
 // ---- value: variables --------------------------------------------------------------------------
 
-inline place value::operator[](const char* name) & { return place(object_.get(), name); }
+inline place value::operator[](const char* name) & {
+    return place(object_.get(), name);
+}
 inline place value::operator[](const std::string& name) & {
     return place(object_.get(), detail::text(name).c_str());
 }
@@ -19,7 +21,9 @@ inline const_place value::operator[](const char* name) const& {
 inline const_place value::operator[](const std::string& name) const& {
     return const_place(object_.get(), detail::text(name).c_str());
 }
-inline place value::operator[](const char* name) && { return place(object_.get(), name); }
+inline place value::operator[](const char* name) && {
+    return place(object_.get(), name);
+}
 inline place value::operator[](const std::string& name) && {
     return place(object_.get(), detail::text(name).c_str());
 }
@@ -57,9 +61,8 @@ inline value value::find(const detail::text& name) const {
 template <class T> T value::get_or(const detail::text& name, T otherwise) const {
     T out{};
     const KELInterface_Struct_V2* fields = detail::walk_of(raw());
-    KEL* found = fields == nullptr
-                     ? nullptr
-                     : detail::find_variable(*fields, raw(), name.c_str()).object;
+    KEL* found =
+        fields == nullptr ? nullptr : detail::find_variable(*fields, raw(), name.c_str()).object;
     return found != nullptr && detail::read(*found, out) == detail::reading::done
                ? out
                : std::move(otherwise);
@@ -193,18 +196,16 @@ void value::assign_value(KEL* object, const T& content, const Path& path) {
         if (type != KELKind_Boolean) {
             refuse(words(kel::kind::boolean));
         }
-        detail::call([&] {
-            detail::cast<KEL_Boolean, KELKind_Boolean>(object)->setValue(content);
-        });
+        detail::call(
+            [&] { detail::cast<KEL_Boolean, KELKind_Boolean>(object)->setValue(content); });
     } else if constexpr (detail::is_number<T>) {
         if (type == KELKind_Int) {
             const std::int32_t stored = detail::whole_of(content);
             detail::call([&] { detail::cast<KEL_Int, KELKind_Int>(object)->setValue(stored); });
         } else if (type == KELKind_Double) {
             const double stored = detail::double_of(content);
-            detail::call([&] {
-                detail::cast<KEL_Double, KELKind_Double>(object)->setValue(stored);
-            });
+            detail::call(
+                [&] { detail::cast<KEL_Double, KELKind_Double>(object)->setValue(stored); });
         } else {
             refuse("a number");
         }
@@ -213,9 +214,8 @@ void value::assign_value(KEL* object, const T& content, const Path& path) {
             refuse(words(kel::kind::string));
         }
         const detail::text stored(content);
-        detail::call([&] {
-            detail::cast<KEL_String, KELKind_String>(object)->setValue(stored.c_str());
-        });
+        detail::call(
+            [&] { detail::cast<KEL_String, KELKind_String>(object)->setValue(stored.c_str()); });
     } else {
         const value source(content);
         const bool is_number = type == KELKind_Int || type == KELKind_Double;

@@ -39,7 +39,9 @@ enum class kind : std::int32_t {
 /// Returns words for messages, such as "an int".
 inline const char* words(kind which) {
     const KELKindFacts* facts = findKELKind(static_cast<std::int32_t>(which));
-    return which == kind::null ? "null" : facts == nullptr ? "a value of an unknown kind" : facts->words;
+    return which == kind::null ? "null"
+           : facts == nullptr  ? "a value of an unknown kind"
+                               : facts->words;
 }
 
 /// 128 bits: the value of a guid, and the identity of every value.
@@ -53,13 +55,15 @@ namespace detail {
 /// False, but only once a template is used. For static_assert.
 template <class...> inline constexpr bool never = false;
 
-template <class T> inline constexpr bool is_character =
+template <class T>
+inline constexpr bool is_character =
     std::is_same_v<T, char> || std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
 #if defined(__cpp_char8_t)
     std::is_same_v<T, char8_t> ||
 #endif
     std::is_same_v<T, char32_t>;
-template <class T> inline constexpr bool is_integer =
+template <class T>
+inline constexpr bool is_integer =
     std::is_integral_v<T> && !std::is_same_v<T, bool> && !is_character<T>;
 template <class T> inline constexpr bool is_number = is_integer<T> || std::is_floating_point_v<T>;
 
@@ -182,7 +186,9 @@ inline const char* checked_name(const text& name) {
 /// The result of reading a value as a C++ type.
 enum class reading { done, wrong_kind, no_fit };
 
-inline std::int32_t type_of(KEL* object) { return object == nullptr ? 0 : object->getType(); }
+inline std::int32_t type_of(KEL* object) {
+    return object == nullptr ? 0 : object->getType();
+}
 
 template <class Integer> reading read_integer(KEL& object, Integer& out) {
     using limits = std::numeric_limits<Integer>;
@@ -272,7 +278,9 @@ template <class T> const char* wanted_words() {
 }
 
 /// Returns the path as the beginning of a message.
-inline std::string lead(const std::string& path) { return path.empty() ? "" : path + ": "; }
+inline std::string lead(const std::string& path) {
+    return path.empty() ? "" : path + ": ";
+}
 
 [[noreturn]] inline void raise_wrong_kind(const std::string& path, const char* wanted, KEL* found) {
     throw type_error(lead(path) + "wanted " + wanted + ", found " +
@@ -280,8 +288,8 @@ inline std::string lead(const std::string& path) { return path.empty() ? "" : pa
 }
 
 /// Throws the failure of a reading that is not done.
-template <class T> [[noreturn]] void raise_unread(reading result, const std::string& path,
-                                                  KEL* found) {
+template <class T>
+[[noreturn]] void raise_unread(reading result, const std::string& path, KEL* found) {
     if (result == reading::no_fit) {
         const char* digits = found->toString();
         throw range_error(lead(path) + (digits == nullptr ? "a number" : digits) +

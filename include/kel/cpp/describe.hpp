@@ -49,7 +49,8 @@ inline double bound_of(KEL* bound) {
 /// \throws type_error if it is none
 inline value choices_of(const MetaKelVarDescriptor& rules) {
     return call([&] {
-        KEL_Array* list = array_of(find_variable(*walk_of(rules.getStruct()), rules.getStruct(), "enum").object);
+        KEL_Array* list =
+            array_of(find_variable(*walk_of(rules.getStruct()), rules.getStruct(), "enum").object);
         if (list == nullptr) {
             raise_wrong_kind("the allowed values", words(kind::array), nullptr);
         }
@@ -198,8 +199,8 @@ inline double without_noise(double number, double greatest) {
     }
     const int decimals = 14 - static_cast<int>(std::ceil(std::log10((std::max)(greatest, 1e-3))));
     char digits[64];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number,
-                                   std::chars_format::fixed, (std::max)(decimals, 0));
+    const auto end = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed,
+                                   (std::max)(decimals, 0));
     double rounded = number;
     std::from_chars(digits, end.ptr, rounded);
     return rounded;
@@ -264,7 +265,8 @@ inline std::string why_not(const MetaKelVarDescriptor& rules, const std::string&
         return path + ": " + shown(content) + " is not a whole number of 32 bits.";
     }
     if (!call([&] { return rules.isValid(content); })) {
-        return path + ": " + shown(content) + " is not allowed; allowed is " + allowed_by(rules) + '.';
+        return path + ": " + shown(content) + " is not allowed; allowed is " + allowed_by(rules) +
+               '.';
     }
     return {};
 }

@@ -8,7 +8,8 @@
 #error "kel.hpp needs C++17: compile with -std=c++17 or /std:c++17, or later."
 #endif
 #if !defined(__cpp_exceptions) && !defined(_CPPUNWIND)
-#error "kel.hpp needs exceptions: compile without -fno-exceptions. The headers *.h work without them."
+#error                                                                                             \
+    "kel.hpp needs exceptions: compile without -fno-exceptions. The headers *.h work without them."
 #endif
 
 #if !defined(__GXX_RTTI) && !defined(_CPPRTTI)

@@ -10,8 +10,8 @@ inline namespace v1 {
 
 /// The form of stored values. Text is for people, but it does not hold everything: doubles have six
 /// decimals, a String with a double quote and a memory block cannot be read again, and identities
-/// and sharing are lost. Binary is exact. It holds Int, Boolean, Double, MemBlock, String, Array and
-/// Struct.
+/// and sharing are lost. Binary is exact. It holds Int, Boolean, Double, MemBlock, String, Array
+/// and Struct.
 enum class format {
     automatic, ///< reading: by the content; writing: binary for names that end in .kelb, else text
     text,

@@ -90,8 +90,8 @@ struct file_end {
 
 } // namespace detail
 
-/// Reads the values of a file or of a content in memory one after the other, once. The whole content
-/// is in memory, but only one of its values at a time unless you keep them.
+/// Reads the values of a file or of a content in memory one after the other, once. The whole
+/// content is in memory, but only one of its values at a time unless you keep them.
 class reader {
 public:
     class walk {
@@ -138,8 +138,8 @@ inline value load(const std::filesystem::path& file, format how = format::automa
 }
 
 /// Writes a value to a file and replaces its content. The file is untouched if the value cannot be
-/// written in this form, or if text would not give it back (lost_in_text). It is damaged if the system fails, for instance because the disk is full:
-/// save_atomically avoids that.
+/// written in this form, or if text would not give it back (lost_in_text). It is damaged if the
+/// system fails, for instance because the disk is full: save_atomically avoids that.
 /// \throws io_error for null in binary, a value without this form, and failures of the system
 inline void save(const value& content, const std::filesystem::path& file,
                  format how = format::automatic) {

@@ -46,12 +46,12 @@ inline KEL_Observable& observable_of(KEL& object) {
 
 class observer;
 
-/// Takes off the observers that ended during a round of calls for their value. If they were taken off
-/// at once, the round would skip others.
+/// Takes off the observers that ended during a round of calls for their value. If they were taken
+/// off at once, the round would skip others.
 ///
-/// Each thread has one. It registers itself as the last observer of such a value, so it is called when
-/// the round has reached its end. It is never destroyed, because objects that outlive the thread's
-/// own can still use it.
+/// Each thread has one. It registers itself as the last observer of such a value, so it is called
+/// when the round has reached its end. It is never destroyed, because objects that outlive the
+/// thread's own can still use it.
 class sweeper final : public KEL_Observer {
 public:
     static sweeper& of_this_thread() noexcept {
@@ -61,7 +61,8 @@ public:
 
     /// Takes over an observer that has ended, and its reference to the value.
     void bury(observer& ended) noexcept;
-    /// Becomes the last observer of the value again, if it is one of them. Another one was just added.
+    /// Becomes the last observer of the value again, if it is one of them. Another one was just
+    /// added.
     void stay_last(KEL& of) noexcept;
     void update(KEL* changed) override;
     /// Takes off all observers that still wait.

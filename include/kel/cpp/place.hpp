@@ -26,9 +26,7 @@ struct finding {
     bool is_default = false; ///< it belongs to the description of a checked struct
 
     /// Returns a handle. A default is copied: it serves every struct with that description.
-    value handle() const {
-        return is_default ? value(share(object)).copy() : value(share(object));
-    }
+    value handle() const { return is_default ? value(share(object)).copy() : value(share(object)); }
 };
 
 /// Finds the variable of a struct, or its default if a checked struct lacks it.
@@ -59,9 +57,9 @@ inline void store(KEL* container, const char* name, KEL* content) {
 
 /// The place of a variable or element. The container must exist; the variable need not, until it is
 /// read. A place lasts for one expression: it refers to its container and to its name. Keep a
-/// kel::value instead, and give a function or lambda that returns one the result type kel::value. The
-/// rest of the expression must not let go of the container: in room["size"].assign(f()), f must not
-/// assign to the handle room.
+/// kel::value instead, and give a function or lambda that returns one the result type kel::value.
+/// The rest of the expression must not let go of the container: in room["size"].assign(f()), f must
+/// not assign to the handle room.
 ///
 ///     kel::value size = room["size"];
 class const_place {
@@ -99,9 +97,7 @@ public:
     pair_range pairs() &&;
     template <class T> ref<T> as() && { return value(std::move(*this)).template as<T>(); }
     bool exists() && { return look().exists; }
-    bool contains(const detail::text& name) && {
-        return value(std::move(*this)).contains(name);
-    }
+    bool contains(const detail::text& name) && { return value(std::move(*this)).contains(name); }
     value find(const detail::text& name) && { return value(std::move(*this)).find(name); }
     value at_path(std::string_view path) && { return value(std::move(*this)).at_path(path); }
     value copy() && { return value(std::move(*this)).copy(); }
@@ -125,8 +121,7 @@ protected:
 
     const_place(KEL* container, const char* name) : container_(container), name_(known(name)) {}
     const_place(KEL* container, std::int32_t index) : container_(container), index_(index) {}
-    const_place(const const_place* outer, const char* name)
-        : const_place(outer, outer->look(), 0) {
+    const_place(const const_place* outer, const char* name) : const_place(outer, outer->look(), 0) {
         name_ = known(name);
     }
     const_place(const const_place* outer, std::int32_t index)
@@ -203,8 +198,8 @@ protected:
             }
             throw not_found(here + ": no such variable.");
         }
-        throw not_found(here + ": the array has " +
-                        std::to_string(array_or_throw()->getCount()) + " elements.");
+        throw not_found(here + ": the array has " + std::to_string(array_or_throw()->getCount()) +
+                        " elements.");
     }
     std::string outer_path() const { return outer_ == nullptr ? std::string() : outer_->path(); }
     std::string path() const {
@@ -219,10 +214,10 @@ protected:
 
     value held_; ///< the container, unless the value that the expression begins with holds it
     KEL* container_;
-    const char* name_ = nullptr; ///< of the variable; null for an element
-    std::int32_t index_ = 0;     ///< of the element
+    const char* name_ = nullptr;         ///< of the variable; null for an element
+    std::int32_t index_ = 0;             ///< of the element
     const const_place* outer_ = nullptr; ///< the place of the container; null if a handle has it
-    bool is_default_ = false; ///< the container is a copy of a default
+    bool is_default_ = false;            ///< the container is a copy of a default
 };
 
 /// A place whose value can be replaced or changed.
@@ -248,8 +243,8 @@ public:
     /// Stores a number without a handle in between.
     template <class Number, std::enable_if_t<detail::is_number<Number>, int> = 0>
     void operator=(Number number) && {
-        KEL_Struct* fields = name_ == nullptr ? nullptr
-                                              : detail::cast<KEL_Struct, KELKind_Struct>(container_);
+        KEL_Struct* fields =
+            name_ == nullptr ? nullptr : detail::cast<KEL_Struct, KELKind_Struct>(container_);
         if (fields == nullptr) {
             std::move(*this) = value(number);
         } else if (*name_ == '\0') {
@@ -299,9 +294,7 @@ public:
     void clear() && { to_change().clear(); }
 
     place operator[](const char* name) && { return place(this, name); }
-    place operator[](const std::string& name) && {
-        return place(this, detail::text(name).c_str());
-    }
+    place operator[](const std::string& name) && { return place(this, detail::text(name).c_str()); }
     template <class Index, std::enable_if_t<detail::is_integer<Index>, int> = 0>
     place operator[](Index index) && {
         return place(this, detail::index_of(index));

@@ -96,8 +96,8 @@ public:
         if (index_ >= (array_ != nullptr ? array_->getCount() : manager_->size())) {
             return false;
         }
-        current_ = value(share(array_ != nullptr ? array_->getVar(index_)
-                                                 : manager_->getKelAt(index_)));
+        current_ =
+            value(share(array_ != nullptr ? array_->getVar(index_) : manager_->getKelAt(index_)));
         return true;
     }
     const value& current() const { return current_; }
@@ -123,8 +123,7 @@ namespace detail {
 
 class pair_walk {
 public:
-    explicit pair_walk(value owner)
-        : owner_(std::move(owner)), list_(list_of(owner_.raw())) {}
+    explicit pair_walk(value owner) : owner_(std::move(owner)), list_(list_of(owner_.raw())) {}
     bool next() {
         ++index_;
         if (index_ >= list_->getCount()) {
@@ -170,9 +169,15 @@ inline pair_range value::pairs() const {
     return pair_range(*this);
 }
 
-inline item_range const_place::items() && { return value(std::move(*this)).items(); }
-inline element_range const_place::elements() && { return value(std::move(*this)).elements(); }
-inline pair_range const_place::pairs() && { return value(std::move(*this)).pairs(); }
+inline item_range const_place::items() && {
+    return value(std::move(*this)).items();
+}
+inline element_range const_place::elements() && {
+    return value(std::move(*this)).elements();
+}
+inline pair_range const_place::pairs() && {
+    return value(std::move(*this)).pairs();
+}
 
 namespace detail {
 

@@ -11,11 +11,21 @@ inline namespace v1 {
 namespace detail {
 
 // Add one reference, or give one back. Giving back never throws.
-inline void add_reference(KEL* object) { object->addRef(); }
-inline void add_reference(StringEnumeration* object) { object->addRef(); }
-inline void give_back(KEL* object) noexcept { object->release(); }
-inline void give_back(StringEnumeration* object) noexcept { object->release(); }
-inline void give_back(KELInputStream* object) noexcept { DeleteKELInputStream(object); }
+inline void add_reference(KEL* object) {
+    object->addRef();
+}
+inline void add_reference(StringEnumeration* object) {
+    object->addRef();
+}
+inline void give_back(KEL* object) noexcept {
+    object->release();
+}
+inline void give_back(StringEnumeration* object) noexcept {
+    object->release();
+}
+inline void give_back(KELInputStream* object) noexcept {
+    DeleteKELInputStream(object);
+}
 inline void give_back(KELOutputStream* object) noexcept {
     try {
         DeleteKELOutputStream(object); // the stream is released even if its last bytes are lost

@@ -138,8 +138,8 @@ private:
             // Only a quoted word that reaches to the end of the content is reported without a line.
             const std::string_view body(content_.data(), size_);
             const std::size_t end = body.find_last_not_of('\n') + 1;
-            line = 1 + std::count(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(end),
-                                  '\n');
+            line =
+                1 + std::count(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(end), '\n');
         }
         if (message.compare(0, lead.size(), lead) == 0) {
             message.erase(0, lead.size());

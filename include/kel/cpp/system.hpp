@@ -63,10 +63,14 @@ inline file_handle create_file(const std::filesystem::path& file, bool /*is_priv
     return file_handle(opened);
 }
 
-inline int process_id() { return _getpid(); }
+inline int process_id() {
+    return _getpid();
+}
 
 /// Waits until the file's bytes are on the medium. Returns false with errno set on failure.
-inline bool synchronise(std::FILE* file) { return _commit(_fileno(file)) == 0; }
+inline bool synchronise(std::FILE* file) {
+    return _commit(_fileno(file)) == 0;
+}
 
 /// Does nothing: Windows cannot wait for a folder.
 inline void synchronise_folder(const std::filesystem::path& /*folder*/) {}
@@ -98,10 +102,14 @@ inline file_handle create_file(const std::filesystem::path& file, bool is_privat
     return file_handle(opened);
 }
 
-inline int process_id() { return static_cast<int>(::getpid()); }
+inline int process_id() {
+    return static_cast<int>(::getpid());
+}
 
 /// Waits until the file's bytes are on the medium. Returns false with errno set on failure.
-inline bool synchronise(std::FILE* file) { return ::fsync(::fileno(file)) == 0; }
+inline bool synchronise(std::FILE* file) {
+    return ::fsync(::fileno(file)) == 0;
+}
 
 /// Waits until the folder's entries are on the medium, if the file system can.
 inline void synchronise_folder(const std::filesystem::path& folder) {
@@ -171,7 +179,9 @@ inline bool write_all(std::FILE* file, std::string_view content) {
 }
 
 /// Closes the file. Returns false with errno set if that fails.
-inline bool close_checked(file_handle file) { return std::fclose(file.release()) == 0; }
+inline bool close_checked(file_handle file) {
+    return std::fclose(file.release()) == 0;
+}
 
 /// Returns all bytes of an open file.
 /// \param likely_size the number of bytes for which room is made at first
@@ -265,9 +275,8 @@ inline std::string binary_image(KEL& root) {
 class binary_source {
 public:
     explicit binary_source(std::string_view content)
-        : file_(open(content)), stream_(call([this] {
-              return adopt_made(CreateKELBinaryInputStream(file_.get()));
-          })) {}
+        : file_(open(content)),
+          stream_(call([this] { return adopt_made(CreateKELBinaryInputStream(file_.get())); })) {}
 
     KELInputStream& stream() { return *stream_; }
     /// Ends the stream. Returns the offset of the first byte not consumed, or -1 if it is unknown.

@@ -12,8 +12,8 @@ namespace kel {
 inline namespace v1 {
 namespace detail {
 
-/// Returns why text does not give a value back, apart from the decimals of a Double. Returns null if
-/// it does, and for a container.
+/// Returns why text does not give a value back, apart from the decimals of a Double. Returns null
+/// if it does, and for a container.
 inline const char* loss_of(KEL& object) {
     switch (object.getType()) {
     case KELKind_String:
@@ -26,16 +26,18 @@ inline const char* loss_of(KEL& object) {
                    ? nullptr
                    : "text cannot hold a Double of 2147483648 or more, or one that is no number";
     }
-    case KELKind_MemBlock: return "text cannot hold the bytes of a memory block";
-    default: return nullptr;
+    case KELKind_MemBlock:
+        return "text cannot hold the bytes of a memory block";
+    default:
+        return nullptr;
     }
 }
 
 } // namespace detail
 
 /// Says what a text file would not give back: the path of the first such value, and the reason.
-/// Returns an empty text if there is none. Doubles are rounded to six decimals, which does not count.
-/// save, save_atomically and append refuse such values in text; to_text and << show them.
+/// Returns an empty text if there is none. Doubles are rounded to six decimals, which does not
+/// count. save, save_atomically and append refuse such values in text; to_text and << show them.
 inline std::string lost_in_text(const value& root) {
     std::vector<detail::child_walk> open;
     std::unordered_set<KEL*> seen; // containers can be shared, and contain themselves

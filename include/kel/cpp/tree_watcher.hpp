@@ -11,11 +11,11 @@ namespace kel {
 inline namespace v1 {
 namespace detail {
 
-/// Watches a tree. It has one node for each distinct value that can be reached from the root, and the
-/// edges between them as they were when it last looked at each container.
+/// Watches a tree. It has one node for each distinct value that can be reached from the root, and
+/// the edges between them as they were when it last looked at each container.
 ///
-/// Every node but the root has a parent through which it can be reached: the parents form a tree. So
-/// a removal needs a search only if a node loses its parent and other containers still hold it.
+/// Every node but the root has a parent through which it can be reached: the parents form a tree.
+/// So a removal needs a search only if a node loses its parent and other containers still hold it.
 class tree_watcher : public watching {
 public:
     void end() noexcept override {
@@ -83,14 +83,14 @@ private:
         }
 
         tree_watcher& owner;
-        node* parent;                     ///< null for the root, and if its parent was lost
-        std::int32_t step = -1;           ///< from the parent when the path was asked for last
+        node* parent;           ///< null for the root, and if its parent was lost
+        std::int32_t step = -1; ///< from the parent when the path was asked for last
         std::vector<place> children;
-        half* halves[2] = {};             ///< of an index list: keys, items
-        std::size_t places = 0;           ///< the places in containers that hold it
-        std::uint64_t mark = 0;           ///< of the last search that came here
-        node* next_waiting = nullptr;     ///< of the containers to look at
-        node* next = nullptr;             ///< of the lost nodes, or of those in a search
+        half* halves[2] = {};         ///< of an index list: keys, items
+        std::size_t places = 0;       ///< the places in containers that hold it
+        std::uint64_t mark = 0;       ///< of the last search that came here
+        node* next_waiting = nullptr; ///< of the containers to look at
+        node* next = nullptr;         ///< of the lost nodes, or of those in a search
         bool is_waiting = false;
         bool is_lost = false;
 
@@ -123,8 +123,8 @@ private:
 
     // ---- Changes -------------------------------------------------------------------------------
 
-    /// Brings the nodes up to date after a change of a value, then reports it. The nodes are complete
-    /// before the function is called, so the function can change the tree again.
+    /// Brings the nodes up to date after a change of a value, then reports it. The nodes are
+    /// complete before the function is called, so the function can change the tree again.
     void changed(node& at) {
         wait(at);
         std::string path;
@@ -158,7 +158,8 @@ private:
     };
 
     /// Finds the path from the root to the node.
-    /// \return false if a container on it has changed without a notification; it then waits for a look
+    /// \return false if a container on it has changed without a notification; it then waits for a
+    /// look
     bool find_path(node& to, std::string& path) {
         std::vector<node*> way;
         for (node* at = &to; at != nullptr; at = at->parent) {
@@ -188,8 +189,8 @@ private:
         }
     }
 
-    /// Looks at the containers that wait, and at those found there. If it throws, the rest waits for
-    /// the next change.
+    /// Looks at the containers that wait, and at those found there. If it throws, the rest waits
+    /// for the next change.
     void catch_up() {
         while (node* at = waiting_.take()) {
             at->is_waiting = false;
@@ -203,8 +204,8 @@ private:
         drop_lost();
     }
 
-    /// Compares the children of a container with those that it had before. New ones get nodes, which
-    /// wait for a look themselves. If it throws, the edges are those from before.
+    /// Compares the children of a container with those that it had before. New ones get nodes,
+    /// which wait for a look themselves. If it throws, the edges are those from before.
     void look(node& at) {
         child_walk walk(at.observed());
         if (!walk.is_container()) {
@@ -217,8 +218,7 @@ private:
         // What is equal at both ends stays.
         std::size_t first = 0;
         bool has_more = walk.next();
-        while (has_more && first < at.children.size() &&
-               at.children[first].value == walk.child()) {
+        while (has_more && first < at.children.size() && at.children[first].value == walk.child()) {
             ++first;
             has_more = walk.next();
         }
@@ -227,8 +227,7 @@ private:
             found.push_back(walk.child());
         }
         std::size_t last = at.children.size();
-        while (last > first && !found.empty() &&
-               at.children[last - 1].value == found.back()) {
+        while (last > first && !found.empty() && at.children[last - 1].value == found.back()) {
             --last;
             found.pop_back();
         }
@@ -322,7 +321,8 @@ private:
         }
     }
 
-    /// Drops the lost nodes that cannot be reached any more, and what can be reached only from them.
+    /// Drops the lost nodes that cannot be reached any more, and what can be reached only from
+    /// them.
     void drop_lost() noexcept {
         bool needs_search = false;
         while (node* lost = lost_.take()) {

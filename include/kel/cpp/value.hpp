@@ -34,8 +34,8 @@ public:
     value(const value&) noexcept = default;
     value(value&&) noexcept = default;
     ~value() = default;
-    /// Make this handle refer to another value. The value before is not changed: assign does that. So
-    /// the result of find or at_path cannot be assigned to.
+    /// Make this handle refer to another value. The value before is not changed: assign does that.
+    /// So the result of find or at_path cannot be assigned to.
     value& operator=(const value&) & noexcept = default;
     value& operator=(value&&) & noexcept = default;
 
@@ -52,24 +52,23 @@ public:
         }
     }
     template <class Bool, std::enable_if_t<std::is_same_v<Bool, bool>, int> = 0>
-    value(Bool truth) : object_(detail::call([truth] {
-        return adopt_made<KEL>(CreateKELBoolean(truth));
-    })) {}
+    value(Bool truth)
+        : object_(detail::call([truth] { return adopt_made<KEL>(CreateKELBoolean(truth)); })) {}
     template <class Char, std::enable_if_t<detail::is_character<Char>, int> = 0> value(Char) {
-        static_assert(detail::never<Char>,
-                      "kel: a character is neither a number nor text. Write a string, or convert it "
-                      "to int.");
+        static_assert(
+            detail::never<Char>,
+            "kel: a character is neither a number nor text. Write a string, or convert it "
+            "to int.");
     }
     /// Makes a new String. Null makes an empty one.
-    value(const char* text) : object_(detail::call([text] {
-        return adopt_made<KEL>(CreateKELString(text));
-    })) {}
+    value(const char* text)
+        : object_(detail::call([text] { return adopt_made<KEL>(CreateKELString(text)); })) {}
     /// \throws name_error for a text that contains a NUL
     value(const std::string& text) : value(detail::text(text).c_str()) {}
     value(std::string_view text) : value(detail::text(text).c_str()) {}
-    value(const guid& bits) : object_(detail::call([&bits] {
-        return adopt_made<KEL>(CreateKELGuid(bits.toGuid()));
-    })) {}
+    value(const guid& bits)
+        : object_(detail::call([&bits] { return adopt_made<KEL>(CreateKELGuid(bits.toGuid())); })) {
+    }
     value(const bytes& block)
         : object_(detail::call([&block] {
               return adopt_made<KEL>(CreateKELMemBlock(detail::int_of(block.size()), block.data()));
@@ -77,8 +76,9 @@ public:
     /// Any other pointer would become a Boolean elsewhere in C++.
     template <class T, std::enable_if_t<!std::is_same_v<std::remove_cv_t<T>, char>, int> = 0>
     value(T*) {
-        static_assert(detail::never<T>, "kel: say who owns the pointer: kel::value(kel::adopt(p)) or "
-                                        "kel::value(kel::share(p)).");
+        static_assert(detail::never<T>,
+                      "kel: say who owns the pointer: kel::value(kel::adopt(p)) or "
+                      "kel::value(kel::share(p)).");
     }
 
     /// Takes the reference of a typed handle.
@@ -106,7 +106,8 @@ public:
     }
 
     /// Changes the value in place: it remains the same object, and its observers are notified.
-    /// Numbers convert if nothing is lost. A container takes a deep copy of a container of its kind.
+    /// Numbers convert if nothing is lost. A container takes a deep copy of a container of its
+    /// kind.
     /// \throws type_error for another kind
     /// \throws std::out_of_range for a number that the value cannot hold
     template <class T> void assign(const T& content) {
@@ -114,8 +115,8 @@ public:
     }
 
     /// Changes the value in place to other contents, converted as the library converts: a Double is
-    /// truncated into an Int, and a text gives its leading number, or 0 without one. This is not for
-    /// input that a person can have mistyped. Containers and blocks change nothing in a scalar.
+    /// truncated into an Int, and a text gives its leading number, or 0 without one. This is not
+    /// for input that a person can have mistyped. Containers and blocks change nothing in a scalar.
     /// \throws type_error for a handle without a value
     void assign_converted(const value& content) {
         if (!object_) {
@@ -247,7 +248,9 @@ inline bool operator!=(const value& a, const value& b) {
 }
 
 /// Returns whether both handles refer to the same object, or both to nothing.
-inline bool same(const value& a, const value& b) noexcept { return a.raw() == b.raw(); }
+inline bool same(const value& a, const value& b) noexcept {
+    return a.raw() == b.raw();
+}
 
 } // namespace v1
 } // namespace kel

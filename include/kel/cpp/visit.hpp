@@ -18,30 +18,39 @@ inline namespace v1 {
 template <class Function> decltype(auto) visit(Function&& function, const value& which) {
     KEL* object = which.raw();
     switch (which.kind()) {
-    case kind::null: return function(nullptr);
-    case kind::integer: return function(object->toInt());
-    case kind::boolean: return function(object->toBoolean());
-    case kind::real: return function(object->toDouble());
-    case kind::string: return function(std::string_view(object->toString()));
-    case kind::guid: return function(which.get<guid>());
-    case kind::block: return function(which.get<bytes>());
+    case kind::null:
+        return function(nullptr);
+    case kind::integer:
+        return function(object->toInt());
+    case kind::boolean:
+        return function(object->toBoolean());
+    case kind::real:
+        return function(object->toDouble());
+    case kind::string:
+        return function(std::string_view(object->toString()));
+    case kind::guid:
+        return function(which.get<guid>());
+    case kind::block:
+        return function(which.get<bytes>());
     case kind::array:
-    case kind::manager: return function(which.elements());
+    case kind::manager:
+        return function(which.elements());
     case kind::structure:
     case kind::checked:
     case kind::descriptor:
-    case kind::variable_descriptor: return function(which.items());
-    case kind::index_list: return function(which.pairs());
+    case kind::variable_descriptor:
+        return function(which.items());
+    case kind::index_list:
+        return function(which.pairs());
     case kind::selector:
-    case kind::multi_selector: break;
+    case kind::multi_selector:
+        break;
     }
     return function(which);
 }
 
 /// Joins functions for visit: kel::overloaded{[](double) {...}, [](auto) {...}}.
-template <class... Functions> struct overloaded : Functions... {
-    using Functions::operator()...;
-};
+template <class... Functions> struct overloaded : Functions... { using Functions::operator()...; };
 template <class... Functions> overloaded(Functions...) -> overloaded<Functions...>;
 
 } // namespace v1

@@ -21,12 +21,12 @@ protected:
 
 } // namespace detail
 
-/// Calls a function after each change, as long as it lives. watch and watch_tree make one. It keeps the
-/// value alive.
+/// Calls a function after each change, as long as it lives. watch and watch_tree make one. It keeps
+/// the value alive.
 ///
-/// It can end, be destroyed and be moved inside its own call, and end others there. One that has ended
-/// is not called any more, even if it has not been called yet for the present change. Nobody else
-/// misses a call.
+/// It can end, be destroyed and be moved inside its own call, and end others there. One that has
+/// ended is not called any more, even if it has not been called yet for the present change. Nobody
+/// else misses a call.
 class [[nodiscard]] subscription {
 public:
     /// Makes one that watches nothing.
@@ -108,16 +108,17 @@ inline ref<KEL> watchable(const value& watched) {
 
 } // namespace detail
 
-/// Calls a function with the value after each change of the value itself. The changes that count are
-/// those that notify the library's observers: a container does not report changes inside its elements
-/// (watch_tree does). The function runs inside the call that made the change, on its thread. If it
-/// throws, the exception reaches whoever made the change, after all others have been called.
+/// Calls a function with the value after each change of the value itself. The changes that count
+/// are those that notify the library's observers: a container does not report changes inside its
+/// elements (watch_tree does). The function runs inside the call that made the change, on its
+/// thread. If it throws, the exception reaches whoever made the change, after all others have been
+/// called.
 ///
 ///     kel::subscription volume = kel::watch(cfg["volume"], [](kel::value v) { show(v); });
 ///
-/// The function can do anything with the value. A change inside it is reported at once, so change the
-/// value only under a condition that ends. A subscription that is made inside the call of another one
-/// for the same value is first called for the next change.
+/// The function can do anything with the value. A change inside it is reported at once, so change
+/// the value only under a condition that ends. A subscription that is made inside the call of
+/// another one for the same value is first called for the next change.
 ///
 /// An observer of another make (KEL_Observer) that ends a subscription of the same value inside its
 /// update removes an observer during a round. That can make the round skip the next one.

@@ -30,29 +30,31 @@ private:
 ///         std::cout << path << '\n';
 ///     });
 ///
-/// The tree is what at_path can reach: variables, elements, and the keys and items of index lists. It
-/// can contain itself. A value in several places is reported once for each change, with the path of
-/// one place. Values that enter the tree are watched from then on, and values that have left it are
-/// not reported any more.
+/// The tree is what at_path can reach: variables, elements, and the keys and items of index lists.
+/// It can contain itself. A value in several places is reported once for each change, with the path
+/// of one place. Values that enter the tree are watched from then on, and values that have left it
+/// are not reported any more.
 ///
 /// What counts as a change is what notifies the library's observers. Note these cases:
 ///
 /// - A new value in a container is a change of the container. Storing under an existing name is two
 ///   changes of a struct: the removal, then the addition.
-/// - A change of an index list is reported once, for the list. The list's two arrays have no path. A
+/// - A change of an index list is reported once, for the list. The list's two arrays have no path.
+/// A
 ///   program that changes them directly (getKeys, getItems) is followed but not reported. An array
 ///   that is also an element or a variable of the tree is reported there.
-/// - A struct's setVar and a manager's removeAllKels notify nobody. Their changes are found at the next
-///   change of the same container. Until then new values are not reported, and the values before them
-///   stay alive, but a change of theirs is not reported.
+/// - A struct's setVar and a manager's removeAllKels notify nobody. Their changes are found at the
+/// next
+///   change of the same container. Until then new values are not reported, and the values before
+///   them stay alive, but a change of theirs is not reported.
 ///
 /// All values of the tree are kept alive. The function can change the tree, throw and end the
-/// subscription, as for watch. A value that enters the tree inside the calls for a change of its own
-/// is first reported for its next change.
+/// subscription, as for watch. A value that enters the tree inside the calls for a change of its
+/// own is first reported for its next change.
 ///
-/// A change of a scalar costs a search for its name or index in each container above it. A change of a
-/// container also costs a look at each of its own children. If a value loses one of several places, the
-/// whole tree is searched at most once.
+/// A change of a scalar costs a search for its name or index in each container above it. A change
+/// of a container also costs a look at each of its own children. If a value loses one of several
+/// places, the whole tree is searched at most once.
 /// \throws type_error for null
 template <class Call> [[nodiscard]] subscription watch_tree(const value& root, Call&& call) {
     static_assert(std::is_invocable_v<std::decay_t<Call>&, std::string_view, value>,
