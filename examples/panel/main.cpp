@@ -19,9 +19,9 @@ std::string slider(double place) {
     return bar;
 }
 
-std::string choices(const kel::value& allowed, const std::string& chosen) {
+std::string choices(const std::vector<kel::value>& allowed, const std::string& chosen) {
     std::string list;
-    for (const kel::value& each : allowed.elements()) {
+    for (const kel::value& each : allowed) {
         const std::string name = each.get<std::string>();
         list += (list.empty() ? "" : " ") + (name == chosen ? "(" + name + ")" : name);
     }
@@ -30,14 +30,13 @@ std::string choices(const kel::value& allowed, const std::string& chosen) {
 
 void draw(const kel::checked& panel) {
     for (const std::string& name : panel.names()) {
-        const MetaKelVarDescriptor& rules = *panel.description(name).raw();
+        const kel::variable_description rules = panel.description(name);
         std::string control = panel.text(name);
-        if (rules.isRanged()) {
+        if (rules.least()) {
             control = slider(panel.normalised(name)) + ' ' + control;
-        } else if (rules.isEnumerated()) {
-            control =
-                choices(kel::value(kel::share(rules.getEnum())), panel.get<std::string>(name));
-        } else if (rules.getVariableType() == KELKind_Boolean) {
+        } else if (!rules.choices().empty()) {
+            control = choices(rules.choices(), panel.get<std::string>(name));
+        } else if (rules.kind() == kel::kind::boolean) {
             control = panel.get<bool>(name) ? "[x]" : "[ ]";
         }
         std::printf("%8s  %s\n", name.c_str(), control.c_str());
@@ -48,7 +47,7 @@ void move(kel::checked& panel, const std::string& command) {
     const std::size_t sign = command.find_first_of("+-");
     const std::string name = command.substr(0, sign);
     const int steps = sign == std::string::npos ? 1 : std::atoi(command.c_str() + sign);
-    if (panel.description(name).raw()->getVariableType() == KELKind_Boolean) {
+    if (panel.description(name).kind() == kel::kind::boolean) {
         panel.set(name, !panel.get<bool>(name));
     } else {
         panel.step_by(name, steps);

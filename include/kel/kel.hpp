@@ -6,6 +6,6 @@
 #pragma once
 
 #include <kel/cpp/atomic.hpp>
-#include <kel/cpp/checked.hpp>
+#include <kel/cpp/merge.hpp>
 #include <kel/cpp/visit.hpp>
 #include <kel/cpp/watch_tree.hpp>

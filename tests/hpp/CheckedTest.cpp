@@ -3,6 +3,7 @@
 
 #include <clocale>
 #include <gtest/gtest.h>
+#include <map>
 
 namespace {
 
@@ -71,6 +72,20 @@ TEST(Checked, KeepsTheDescribedKind) {
     panel.set("voices", 4.0);
     EXPECT_EQ(kel::value(panel).find("gain").kind(), kel::kind::real);
     EXPECT_EQ(kel::value(panel).find("voices").kind(), kel::kind::integer);
+}
+
+TEST(Checked, AnIntegerOfMoreThan32BitsIsADouble) {
+    kel::checked panel({{"size", kel::describe<double>()}, {"count", kel::describe<int>()}});
+    panel.set("size", 5'000'000'000);
+    EXPECT_EQ(panel.get<double>("size"), 5e9);
+    panel["size"] = std::uint64_t{6'000'000'000};
+    EXPECT_EQ(panel.get<double>("size"), 6e9);
+    EXPECT_EQ(refusal(panel, "size", 7), "(stored)");
+    EXPECT_EQ(panel.try_set("count", 5'000'000'000).message(),
+              "count: 5e+09 is not a whole number of 32 bits.");
+    EXPECT_THROW(panel["count"] = 5'000'000'000, kel::not_allowed);
+    EXPECT_THROW(panel["note"] = 5'000'000'000, std::out_of_range) << "not described";
+    EXPECT_THROW(panel.set("size", INT64_MAX), std::out_of_range);
 }
 
 TEST(Checked, NeverStoresOrLendsAnObjectOfTheDescription) {
@@ -188,7 +203,7 @@ TEST(Checked, NullIsTheDefaultToItsControls) {
     EXPECT_EQ(panel.text("gain"), "0 dB");
     panel.step_by("gain", 1);
     EXPECT_EQ(panel.get<double>("gain"), 0.5);
-    EXPECT_THROW(panel.normalised("voices"), kel::error) << "without a default";
+    EXPECT_THROW(panel.normalised("voices"), kel::not_found) << "without a default";
 }
 
 TEST(Checked, ADamagedDescriptionIsAFailureAndNoCrash) {
@@ -223,6 +238,57 @@ TEST(Checked, ACopiedDescriptionIsChangedOnItsOwn) {
     EXPECT_EQ(panel.get<double>("right"), 0.8);
 }
 
+TEST(Checked, ADescriptionIsReadBack) {
+    const kel::checked panel = makePanel();
+    const kel::variable_description gain = panel.description("gain");
+    EXPECT_EQ(gain.kind(), kel::kind::real);
+    EXPECT_EQ(gain.least(), -60.0);
+    EXPECT_EQ(gain.greatest(), 6.0);
+    EXPECT_EQ(gain.step(), 0.5);
+    EXPECT_EQ(gain.fallback().get<double>(), 0.0);
+    EXPECT_EQ(gain.unit(), " dB");
+    EXPECT_EQ(gain.prefix(), "");
+    EXPECT_FALSE(gain.wrapped());
+    EXPECT_TRUE(gain.interpolated());
+    EXPECT_TRUE(gain.choices().empty());
+
+    const kel::variable_description mode = panel.description("mode");
+    EXPECT_EQ(mode.kind(), kel::kind::string);
+    EXPECT_EQ(mode.least(), std::nullopt);
+    EXPECT_EQ(mode.greatest(), std::nullopt);
+    EXPECT_EQ(mode.step(), std::nullopt);
+    EXPECT_EQ(mode.choices(), (std::vector<kel::value>{"mono", "stereo", "surround"}));
+    mode.choices()[0].assign("changed");
+    mode.fallback().assign("changed");
+    EXPECT_EQ(mode.choices()[0].get<std::string>(), "mono") << "copies";
+    EXPECT_EQ(panel.get<std::string>("mode"), "stereo");
+
+    EXPECT_FALSE(panel.description("voices").fallback());
+    EXPECT_TRUE(panel.description("angle").wrapped());
+    const auto own = kel::describe<int>().prefix("no. ").interpolated(false).step(2).fallback(4);
+    EXPECT_EQ(own.prefix(), "no. ");
+    EXPECT_FALSE(own.interpolated());
+    EXPECT_EQ(own.step(), 2.0);
+    EXPECT_EQ(own.fallback().get<int>(), 4);
+}
+
+TEST(Checked, IsMadeOfContainersFilledAtRunTime) {
+    const std::vector<std::string> modes{"mono", "stereo"};
+    std::map<std::string, kel::variable_description> rules;
+    rules.emplace("mode", kel::describe<std::string>().one_of(modes).fallback(modes[1]));
+    rules.emplace("rate", kel::describe<int>().one_of(std::vector<short>{44, 48}).fallback(48));
+    kel::checked panel(rules);
+    EXPECT_EQ(panel.names(), (std::vector<std::string>{"mode", "rate"}));
+    EXPECT_EQ(refusal(panel, "mode", "quad"),
+              "mode: \"quad\" is not allowed; allowed is one of \"mono\", \"stereo\".");
+    EXPECT_EQ(refusal(panel, "rate", 44), "(stored)");
+
+    const std::vector<std::pair<const char*, kel::typed_description<bool>>> switches{
+        {"a", kel::describe<bool>()}, {"b", kel::describe<bool>()}};
+    EXPECT_EQ(kel::checked(switches, kel::guid(1)).names().size(), 2U);
+    EXPECT_THROW(kel::describe<int>().one_of(std::vector<double>{0.5}), std::out_of_range);
+}
+
 TEST(Checked, AVariableIsChangedInPlaceSoThatItCanBeWatched) {
     kel::checked panel = makePanel();
     panel.set("gain", 1);
@@ -233,6 +299,29 @@ TEST(Checked, AVariableIsChangedInPlaceSoThatItCanBeWatched) {
     panel.step_by("gain", 1);
     panel["gain"] = 3;
     EXPECT_EQ(calls, 3);
+}
+
+TEST(Checked, ItsNamesCanBeStrings) {
+    kel::checked panel = makePanel();
+    const kel::checked& fixed = panel;
+    panel[std::string("gain")] = 1;
+    EXPECT_EQ(fixed[std::string_view("gain")].get<int>(), 1);
+}
+
+TEST(Checked, ADefaultThatIsWatchedGetsAValueOfItsOwn) {
+    kel::checked panel = makePanel();
+    std::vector<double> seen;
+    const kel::subscription watching = kel::watch(
+        panel["gain"], [&](const kel::value& gain) { seen.push_back(gain.get<double>()); });
+    EXPECT_TRUE(kel::value(panel).contains("gain"));
+    EXPECT_EQ(panel.get<double>("gain"), 0.0);
+    panel.set("gain", 2);
+    EXPECT_EQ(seen, std::vector<double>{2});
+    const kel::checked fixed = panel;
+    EXPECT_THROW((void)kel::watch(fixed["angle"], [](kel::value) {}), kel::not_found);
+    EXPECT_TRUE(kel::watch(fixed["gain"], [](kel::value) {}));
+    EXPECT_TRUE(kel::watch_tree(panel["mode"], [](std::string_view, kel::value) {}));
+    EXPECT_THROW((void)kel::watch(panel["voices"], [](kel::value) {}), kel::not_found);
 }
 
 TEST(Checked, ItsDescriptionCannotBeRemovedByAccident) {

@@ -44,6 +44,21 @@ TEST(FileIo, LoadingGoesByTheContent) {
     EXPECT_THROW(kel::load(folder / "a.kelb", kel::format::binary), kel::io_error);
 }
 
+TEST(FileIo, OnlyAFileThatDoesNotExistHasAFallback) {
+    const Folder folder;
+    const kel::value fallback = kel::object({{"runs", 0}});
+    EXPECT_TRUE(kel::same(kel::load_or(folder / "a.kel", fallback), fallback));
+    EXPECT_TRUE(kel::same(kel::load_or(folder.path() / "none" / "a.kel", fallback), fallback));
+    EXPECT_EQ(folder.count(), 0);
+    kel::save(5, folder / "a.kel");
+    EXPECT_EQ(kel::load_or(folder / "a.kel", fallback).get<int>(), 5);
+    put(folder / "a.kel", "{");
+    EXPECT_THROW(kel::load_or(folder / "a.kel", fallback), kel::io_error);
+    put(folder / "a.kel", "");
+    EXPECT_THROW(kel::load_or(folder / "a.kel", fallback), kel::io_error);
+    EXPECT_THROW(kel::load_or(folder.path(), fallback), kel::io_error) << "a folder";
+}
+
 TEST(FileIo, NamesAreUnicode) {
     const Folder folder;
     const fs::path file = folder.path() / fs::path(std::u16string(u"\u00DC\u8A2D \U0001F333.kelb"));
@@ -65,7 +80,7 @@ TEST(FileIo, AFailureOfAFileHasItsNameAndLine) {
     });
     EXPECT_EQ(thrown.file(), name);
     EXPECT_EQ(thrown.line(), 3);
-    EXPECT_EQ(thrown.what(), name + ":3: syntax error");
+    EXPECT_EQ(thrown.what(), name + ":3:1: syntax error");
 }
 
 TEST(FileIo, AnEmptyFileHoldsNoValue) {

@@ -128,7 +128,7 @@ TEST(Io, ASecondRootIsRefused) {
 }
 
 TEST(Io, AnythingElseBehindTheRootIsRefused) {
-    EXPECT_EQ(said([] { kel::from_text("1\n}"); }), "line 2: syntax error");
+    EXPECT_EQ(said([] { kel::from_text("1\n}"); }), "line 2, column 1: syntax error");
     EXPECT_EQ(said([] { kel::from_binary(kel::to_binary(1) + 'x'); }),
               "holds more than one value (kel::reader reads several)");
 }
@@ -146,12 +146,16 @@ TEST(Io, LayoutAroundTheRootIsAccepted) {
 
 // ---- Damaged content ---------------------------------------------------------------------------
 
-TEST(Io, AFailureOfTextHasALine) {
+TEST(Io, AFailureOfTextHasALineAndAColumn) {
     const kel::io_error thrown = failure([] { kel::from_text("{\n\ta = 1\n\tb = }\n}"); });
     EXPECT_EQ(thrown.line(), 3);
+    EXPECT_EQ(thrown.column(), 6);
+    EXPECT_EQ(failure([] { kel::from_text("[1\n 2 wrong 3]"); }).column(), 8) << "of its last byte";
+    EXPECT_EQ(failure([] { kel::from_text("{ a"); }).column(), 3);
+    EXPECT_EQ(failure([] { kel::from_text("{ a\n"); }).column(), 0) << "nothing in the last line";
     EXPECT_EQ(thrown.file(), "");
     EXPECT_EQ(thrown.reason(), std::error_code());
-    EXPECT_STREQ(thrown.what(), "line 3: syntax error");
+    EXPECT_STREQ(thrown.what(), "line 3, column 6: syntax error");
 }
 
 TEST(Io, AnEarlyEndHasTheLineOfTheContent) {
@@ -314,7 +318,7 @@ TEST(Io, AReaderThatFailedFailsAgain) {
     kel::reader input = kel::reader::from_memory("1 } 2");
     kel::value root;
     EXPECT_TRUE(input.next(root));
-    EXPECT_EQ(said([&] { input.next(root); }), "line 1: syntax error");
+    EXPECT_EQ(said([&] { input.next(root); }), "line 1, column 3: syntax error");
     EXPECT_EQ(said([&] { input.next(root); }), "cannot be read on after a failure");
     EXPECT_EQ(root.get<int>(), 1);
 }

@@ -1,6 +1,7 @@
 // Loops over containers, and visit.
 #include <kel/kel.hpp>
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -97,6 +98,30 @@ TEST(Range, ALoopKeepsItsContainer) {
         visited += each.get<int>();
     }
     EXPECT_EQ(visited, 3);
+}
+
+TEST(Range, WorksWithTheAlgorithms) {
+    const kel::value list = kel::array({3, 1, 2});
+    const kel::element_range range = list.elements();
+    std::vector<kel::value> sorted(range.begin(), range.end());
+    std::sort(sorted.begin(), sorted.end(),
+              [](const kel::value& a, const kel::value& b) { return a.get<int>() < b.get<int>(); });
+    EXPECT_EQ(sorted, (std::vector<kel::value>{1, 2, 3}));
+    EXPECT_TRUE(kel::same(sorted[2], list[0])) << "handles of the same values";
+
+    const auto found = std::find_if(range.begin(), range.end(),
+                                    [](const kel::value& v) { return v.get<int>() < 3; });
+    ASSERT_NE(found, range.end());
+    EXPECT_EQ(found->get<int>(), 1);
+    EXPECT_EQ(std::find(range.begin(), range.end(), kel::value(7)), range.end());
+    EXPECT_EQ(std::distance(range.begin(), range.end()), 3);
+
+    const kel::item_range none = kel::object().items();
+    EXPECT_EQ(none.begin(), none.end());
+    kel::item_range::iterator at = kel::object({{"a", 1}, {"b", 2}}).items().begin();
+    EXPECT_EQ((at++)->name, "a") << "an iterator keeps its container";
+    EXPECT_EQ((*at++).name, "b");
+    EXPECT_EQ(at, kel::item_range::iterator());
 }
 
 TEST(Range, AnotherKindHasNoRange) {

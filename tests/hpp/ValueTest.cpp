@@ -2,6 +2,7 @@
 #include <kel/kel.hpp>
 
 #include <gtest/gtest.h>
+#include <list>
 #include <unordered_set>
 
 namespace {
@@ -175,6 +176,27 @@ TEST(Value, IntegersAreNeverTruncated) {
     EXPECT_EQ(room["small"].get<std::int64_t>(), -2147483648LL);
 }
 
+TEST(Value, ANumberThatDoesNotFitNamesItsPlace) {
+    kel::value house = kel::object({{"rooms", kel::array({kitchen(), 1})}});
+    const auto message = [](const auto& action) { return thrown<std::out_of_range>(action); };
+    EXPECT_EQ(message([&] { house["big"] = 5'000'000'000; }),
+              "big: 5000000000 does not fit an Int, which has 32 bits.");
+    EXPECT_EQ(message([&] { house.set("big", 5'000'000'000); }),
+              "big: 5000000000 does not fit an Int, which has 32 bits.");
+    EXPECT_EQ(message([&] { house["rooms"][0].set("big", 5'000'000'000); }),
+              "rooms[0].big: 5000000000 does not fit an Int, which has 32 bits.");
+    EXPECT_EQ(message([&] { house["rooms"][1] = 5'000'000'000; }),
+              "rooms[1]: 5000000000 does not fit an Int, which has 32 bits.");
+    EXPECT_EQ(message([&] { house["rooms"][0]["windows"].assign(1.5); }),
+              "rooms[0].windows: 1.5 does not fit an Int.");
+    EXPECT_EQ(message([&] { house["rooms"][0]["degrees"].assign(INT64_MAX); }),
+              "rooms[0].degrees: 9223372036854775807 does not fit a Double exactly.");
+    EXPECT_EQ(message([] { kel::value(5'000'000'000); }),
+              "5000000000 does not fit an Int, which has 32 bits.");
+    EXPECT_THROW(house["none"].set("a", 1), kel::not_found);
+    EXPECT_THROW(kel::value(1).set("a", 1), kel::type_error);
+}
+
 TEST(Value, AnIntegerIsADoubleWhereADoubleIs) {
     kel::value room = kitchen();
     room["degrees"].assign(20);
@@ -274,6 +296,24 @@ TEST(Value, PlacesNest) {
               "rooms[0].name: wanted an int, found a string.");
     EXPECT_EQ(thrown<kel::range_error>([&] { house["rooms"][0]["degrees"].get<int>(); }),
               "rooms[0].degrees: 19.500000 does not fit the type that was asked for.");
+}
+
+TEST(Value, ANameCanBeAView) {
+    const std::string_view name = std::string_view("windows and doors").substr(0, 7);
+    kel::value house = kel::object({{"room", kitchen()}});
+    const kel::value fixed = house;
+    house["room"][name] = 5;
+    EXPECT_EQ(fixed["room"][name].get<int>(), 5);
+    EXPECT_EQ(kel::value(house["room"])[name].get<int>(), 5);
+    const std::string_view room = "room";
+    house[std::string_view("copy")] = house[room];
+    EXPECT_TRUE(kel::same(house["copy"], fixed[room]));
+    house[room][name] = house["room"]["degrees"];
+    EXPECT_EQ(house[room][name].get<double>(), 19.5);
+    EXPECT_EQ(thrown<kel::not_found>([&] { fixed[room][std::string_view("x")].get<int>(); }),
+              "room.x: no such variable.");
+    EXPECT_THROW(house[std::string_view("a\0b", 3)] = 1, kel::name_error);
+    EXPECT_THROW(house[std::string_view()] = 1, kel::name_error);
 }
 
 TEST(Value, OddNamesAreQuotedInPaths) {
@@ -397,6 +437,45 @@ TEST(Value, ElementsAreAddedReplacedAndErased) {
     EXPECT_THROW(list.push_back(nullptr), kel::type_error);
     EXPECT_THROW(list[0] = nullptr, kel::type_error);
     EXPECT_EQ(list.size(), 2U);
+}
+
+TEST(Value, AnArrayIsMadeOfAContainer) {
+    EXPECT_EQ(kel::array(std::vector<int>{1, 2}), kel::array({1, 2}));
+    EXPECT_EQ(kel::array(std::list<std::string>{"a", "b"}), kel::array({"a", "b"}));
+    EXPECT_EQ(kel::array(std::vector<bool>{true, false}), kel::array({true, false}));
+    EXPECT_EQ(kel::array(std::vector<std::vector<double>>{{0.5}, {}}),
+              kel::array({kel::array({0.5}), kel::array()}));
+    const char* const names[] = {"a", "b"};
+    EXPECT_EQ(kel::array(names), kel::array({"a", "b"}));
+    const std::vector<kel::value> values{kel::array(), 2};
+    const kel::value shared = kel::array(values);
+    EXPECT_TRUE(kel::same(shared[0], values[0]));
+    EXPECT_EQ(kel::array(shared.elements()), shared);
+    EXPECT_THROW(kel::array(std::vector<std::int64_t>{1, 5'000'000'000}), std::out_of_range);
+    EXPECT_THROW(kel::array(std::vector<kel::value>(1)), kel::type_error) << "holds null";
+}
+
+TEST(Value, AnArrayIsReadAsAVector) {
+    using Ints = std::vector<int>;
+    kel::value room = kitchen();
+    room["sizes"] = kel::array({1, 2.0, 3});
+    EXPECT_EQ(room["sizes"].get<Ints>(), (Ints{1, 2, 3}));
+    EXPECT_EQ(kel::value(room["sizes"]).get<std::vector<double>>(), (std::vector<double>{1, 2, 3}));
+    EXPECT_EQ(kel::array({true}).get<std::vector<bool>>(), std::vector<bool>{true});
+    EXPECT_EQ(kel::array({"a"}).get<std::vector<std::string>>(), std::vector<std::string>{"a"});
+    EXPECT_EQ(room["tags"].get<std::vector<kel::value>>().size(), 3U);
+    EXPECT_EQ(room["tags"].try_get<Ints>(), std::nullopt);
+    EXPECT_EQ(room.get_or("sizes", Ints()), (Ints{1, 2, 3}));
+    EXPECT_EQ(room.get_or("none", Ints{7}), Ints{7});
+    EXPECT_EQ(thrown<kel::type_error>([&] { room["tags"].get<Ints>(); }),
+              "tags[1]: wanted an int, found a string.");
+    EXPECT_EQ(thrown<kel::type_error>([&] { room["name"].get<Ints>(); }),
+              "name: wanted an array, found a string.");
+    room["grid"] = kel::array({kel::array({1}), kel::array({2, 2.5})});
+    EXPECT_EQ(thrown<kel::range_error>([&] { room["grid"].get<std::vector<Ints>>(); }),
+              "grid[1][1]: 2.500000 does not fit the type that was asked for.");
+    EXPECT_EQ(thrown<kel::type_error>([&] { room["grid"].get<std::vector<std::string>>(); }),
+              "grid[0]: wanted a string, found an array.");
 }
 
 TEST(Value, OperationsOfAnotherKindSayWhatTheyWanted) {

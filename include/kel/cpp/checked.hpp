@@ -3,6 +3,8 @@
 #pragma once
 
 #include <kel/cpp/describe.hpp>
+#include <kel/cpp/scale.hpp>
+#include <kel/cpp/typed_text.hpp>
 
 namespace kel {
 inline namespace v1 {
@@ -42,10 +44,20 @@ public:
     /// \throws name_error for a name that a variable cannot have
     /// \throws not_allowed for a default that its own description does not allow
     checked(std::initializer_list<described> variables, const guid& identity = {}) {
-        const ref<MetaKelDescriptor> all =
-            detail::make(KELKind_MetaKelDescriptor, identity).as<MetaKelDescriptor>();
+        const ref<MetaKelDescriptor> all = descriptor(identity);
         for (const described& each : variables) {
-            add(*all, each);
+            add(*all, each.name, each.rules);
+        }
+        raw_ = adopt_made(CreateMetaKel(all.get()));
+    }
+    /// Makes one from a container of pairs of names and descriptions, such as a
+    /// std::map<std::string, kel::variable_description>.
+    template <class Container,
+              class = decltype(std::declval<detail::element_of<Container>>().second)>
+    explicit checked(const Container& variables, const guid& identity = {}) {
+        const ref<MetaKelDescriptor> all = descriptor(identity);
+        for (const auto& [name, rules] : variables) {
+            add(*all, name, rules);
         }
         raw_ = adopt_made(CreateMetaKel(all.get()));
     }
@@ -61,8 +73,8 @@ public:
     operator value() const { return value(raw_); }
 
     /// Return the place of a variable, for one expression, as value does.
-    place operator[](const char* name) { return value(*this)[name]; }
-    const_place operator[](const char* name) const {
+    template <class Name> auto operator[](const Name& name) { return value(*this)[name]; }
+    template <class Name> auto operator[](const Name& name) const {
         const value self = *this;
         return self[name];
     }
@@ -76,22 +88,43 @@ public:
 
     /// Stores a value if the variable is described and allows it.
     outcome try_set(const detail::text& name, const value& content) {
-        const MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
-        if (rules == nullptr) {
-            return outcome(std::string(name.c_str()) + " is not described.");
-        }
-        std::string reason = detail::why_not(*rules, name.c_str(), content.raw());
-        if (reason.empty()) {
-            detail::store(raw_.get(), name.c_str(), content.raw());
-        }
-        return outcome(std::move(reason));
+        return outcome(detail::try_store(target(), name.c_str(), name.c_str(), content.raw()));
+    }
+    /// An integer of more than 32 bits is stored as a Double if the description allows that.
+    template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
+    outcome try_set(const detail::text& name, Integer number) {
+        const auto path = [&name] { return std::string(name.c_str()); };
+        return try_set(name, detail::value_for(number, true, path));
     }
     /// \throws not_allowed with the reason
-    void set(const detail::text& name, const value& content) {
-        const outcome done = try_set(name, content);
-        if (!done) {
-            throw not_allowed(done.message());
+    void set(const detail::text& name, const value& content) { require(try_set(name, content)); }
+    template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
+    void set(const detail::text& name, Integer number) {
+        require(try_set(name, number));
+    }
+    /// Stores the value that a person typed, as text returns and shows it: a number with or without
+    /// its unit, a choice, true or false. The whole text must be a value: "12x" is refused. Numbers
+    /// have a decimal point in every locale.
+    outcome try_set_text(const detail::text& name, std::string_view typed) {
+        const MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
+        std::string reason;
+        const value content =
+            rules == nullptr ? value() : detail::read_typed(*rules, name.c_str(), typed, reason);
+        return reason.empty() ? try_set(name, content) : outcome(reason);
+    }
+    /// Stores what fits of a document, and returns what does not, as value::merge does.
+    [[nodiscard]] std::vector<mismatch> merge(const value& source);
+    /// Returns a plain struct of copies of all described variables, defaults included, for instance
+    /// as a preset that merge takes over again. Variables that have neither a value nor a default
+    /// are left out.
+    value values() const {
+        value plain = object();
+        for (const std::string& name : names()) {
+            if (const value content = value_or_default(name)) {
+                plain.set(name, content.copy());
+            }
         }
+        return plain;
     }
     /// Removes the variable, so that it has its default again.
     void reset(const detail::text& name) { value(*this).erase(name); }
@@ -100,7 +133,7 @@ public:
     /// for the greatest or last one.
     /// \throws error for a variable that has neither a range nor choices
     double normalised(const detail::text& name) const {
-        const scale ends(rules_of(name), name);
+        const detail::scale ends(rules_of(name), name);
         return ends.from(current(name));
     }
     /// Stores the number or choice at this place. A number is rounded to the nearest step, if the
@@ -112,7 +145,7 @@ public:
             throw std::out_of_range("A place between two ends is a number.");
         }
         const MetaKelVarDescriptor& rules = rules_of(name);
-        const scale ends(rules, name);
+        const detail::scale ends(rules, name);
         if (rules.getWrapped() && (place < 0 || place > 1)) {
             place -= std::floor(place);
         }
@@ -123,17 +156,14 @@ public:
     /// is the least one. Both ends of other numbers are the same place, like 0 and 360 degrees.
     void step_by(const detail::text& name, int steps) {
         const MetaKelVarDescriptor& rules = rules_of(name);
-        const scale ends(rules, name);
+        const detail::scale ends(rules, name);
         set(name, ends.after(current(name), steps, rules.getWrapped()));
     }
     /// Returns the value with the texts before and after it, to be shown: "-6.5 dB".
     std::string text(const detail::text& name) const {
         const MetaKelVarDescriptor& rules = rules_of(name);
         const value content = current(name);
-        const std::string middle = content.kind() == kel::kind::string
-                                       ? content.get<std::string>()
-                                       : detail::shown(content.raw());
-        return detail::text_of(rules.getPreadorn()) + middle +
+        return detail::text_of(rules.getPreadorn()) + detail::plain_text(content.raw()) +
                detail::text_of(rules.getPostadorn());
     }
     /// Returns the names of the described variables in ascending order.
@@ -153,98 +183,17 @@ public:
     }
 
 private:
-    /// The ends of a described variable, and what lies between.
-    class scale {
-    public:
-        scale(const MetaKelVarDescriptor& rules, const detail::text& name) {
-            if (rules.isRanged()) {
-                least_ = detail::bound_of(detail::call([&] { return rules.getMin(); }));
-                greatest_ = detail::bound_of(detail::call([&] { return rules.getMax(); }));
-                width_ = greatest_ - least_;
-                step_ = rules.hasStepsize() || !rules.getInterpolated() ||
-                                rules.getVariableType() == KELKind_Int
-                            ? rules.getStepsize()
-                            : 0;
-                unit_ = rules.getStepsize();
-                is_whole_ = rules.getVariableType() == KELKind_Int;
-            } else if (rules.isEnumerated()) {
-                choices_ = detail::choices_of(rules);
-            } else {
-                throw error(std::string(name.c_str()) + " has neither a range nor choices.");
-            }
+    static void require(const outcome& done) {
+        if (!done) {
+            throw not_allowed(done.message());
         }
-
-        double from(const value& content) const {
-            if (!choices_) {
-                return width_ > 0 ? (content.raw()->toDouble() - least_) / width_ : 0;
-            }
-            const double last = last_choice();
-            return last > 0 ? static_cast<double>(index_of(content)) / last : 0;
-        }
-        value at(double place) const {
-            if (choices_) {
-                return choice(static_cast<std::size_t>(std::lround(place * last_choice())));
-            }
-            return stepped(place * width_);
-        }
-        value after(const value& content, int steps, bool wraps) const {
-            if (choices_) {
-                const auto count = static_cast<std::int64_t>(choices_.size());
-                std::int64_t next = static_cast<std::int64_t>(index_of(content)) + steps;
-                next = wraps && count > 0
-                           ? (next % count + count) % count
-                           : (std::min)((std::max<std::int64_t>)(next, 0), count - 1);
-                return choice(static_cast<std::size_t>(next));
-            }
-            double offset = content.raw()->toDouble() - least_ + steps * unit_;
-            if (wraps && width_ > 0 && (offset < 0 || offset > width_)) {
-                const double turn = is_whole_ ? width_ + unit_ : width_;
-                offset -= std::floor(offset / turn) * turn;
-            }
-            return stepped((std::min)(width_, (std::max)(0.0, offset)));
-        }
-
-    private:
-        double last_choice() const { return static_cast<double>(choices_.size()) - 1; }
-        std::size_t index_of(const value& content) const {
-            std::size_t index = 0;
-            for (const value& each : choices_.elements()) {
-                if (each == content) {
-                    return index;
-                }
-                ++index;
-            }
-            return 0;
-        }
-        value choice(std::size_t index) const {
-            const value list = choices_;
-            return value(list[index]);
-        }
-        /// Returns the number at an offset from the least one, rounded to a step within the range.
-        value stepped(double offset) const {
-            double number = least_ + offset;
-            if (step_ > 0) {
-                constexpr double noise = 1e-9; // three steps of 0.1 are a little more than 0.3
-                const double last = std::floor(width_ / step_ + noise);
-                const double steps = (std::min)(std::round(offset / step_), last);
-                number = detail::without_noise(least_ + steps * step_,
-                                               (std::max)(std::abs(least_), std::abs(greatest_)));
-            }
-            return (std::min)(greatest_, (std::max)(least_, number));
-        }
-
-        double least_ = 0;
-        double greatest_ = 0;
-        double width_ = 0;
-        double step_ = 0;       ///< numbers are rounded to multiples; 0 if they are not rounded
-        double unit_ = 1;       ///< the distance to the next number
-        bool is_whole_ = false; ///< the ends are different numbers, also of one that wraps
-        value choices_;
-    };
-
-    static void add(MetaKelDescriptor& all, const described& variable) {
-        const MetaKelVarDescriptor& rules = *variable.rules.raw();
-        const detail::text name(variable.name);
+    }
+    static ref<MetaKelDescriptor> descriptor(const guid& identity) {
+        return detail::make(KELKind_MetaKelDescriptor, identity).as<MetaKelDescriptor>();
+    }
+    static void add(MetaKelDescriptor& all, const detail::text& name,
+                    const variable_description& described) {
+        const MetaKelVarDescriptor& rules = *described.raw();
         if (KEL* fallback = rules.getDefault()) {
             const std::string reason = detail::why_not(rules, name.c_str(), fallback);
             if (!reason.empty()) {
@@ -253,7 +202,7 @@ private:
         }
         const char* stored = detail::checked_name(name);
         detail::refuse_reserved(stored);
-        detail::call([&] { all.addVar(stored, variable.rules.raw()); });
+        detail::call([&] { all.addVar(stored, described.raw()); });
     }
     MetaKelVarDescriptor& rules_of(const detail::text& name) const {
         MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
@@ -264,13 +213,15 @@ private:
     }
     /// Returns the variable, or its default if it is missing or null.
     value current(const detail::text& name) const {
-        const value self = *this;
-        const value stored = self[name.c_str()];
-        const value used = stored ? stored : value(share(rules_of(name).getDefault()));
+        const value used = value_or_default(name);
         if (!used) {
-            detail::raise_wrong_kind(name.c_str(), "a value", nullptr);
+            throw not_found(std::string(name.c_str()) + ": has neither a value nor a default.");
         }
         return used;
+    }
+    value value_or_default(const detail::text& name) const {
+        const value stored = value(*this).find(name);
+        return stored ? stored : value(share(rules_of(name).getDefault()));
     }
     MetaKel& target() const {
         if (!raw_) {

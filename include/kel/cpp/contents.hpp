@@ -27,6 +27,15 @@ inline place value::operator[](const char* name) && {
 inline place value::operator[](const std::string& name) && {
     return place(object_.get(), detail::text(name).c_str());
 }
+inline detail::named<place> value::operator[](std::string_view name) & {
+    return {object_.get(), name};
+}
+inline detail::named<const_place> value::operator[](std::string_view name) const& {
+    return {object_.get(), name};
+}
+inline detail::named<place> value::operator[](std::string_view name) && {
+    return {object_.get(), name};
+}
 template <class Index, std::enable_if_t<detail::is_integer<Index>, int>>
 place value::operator[](Index index) & {
     return place(object_.get(), detail::index_of(index));
@@ -51,6 +60,11 @@ inline KEL_Struct& value::as_struct() const {
 inline void value::set(const detail::text& name, const value& content) {
     as_struct();
     detail::store(object_.get(), detail::checked_name(name), content.raw());
+}
+
+template <class Number, std::enable_if_t<detail::is_number<Number>, int>>
+void value::set(const detail::text& name, Number number) {
+    (*this)[name.c_str()] = number;
 }
 
 inline value value::find(const detail::text& name) const {
@@ -200,10 +214,10 @@ void value::assign_value(KEL* object, const T& content, const Path& path) {
             [&] { detail::cast<KEL_Boolean, KELKind_Boolean>(object)->setValue(content); });
     } else if constexpr (detail::is_number<T>) {
         if (type == KELKind_Int) {
-            const std::int32_t stored = detail::whole_of(content);
+            const std::int32_t stored = detail::whole_of(content, path);
             detail::call([&] { detail::cast<KEL_Int, KELKind_Int>(object)->setValue(stored); });
         } else if (type == KELKind_Double) {
-            const double stored = detail::double_of(content);
+            const double stored = detail::double_of(content, path);
             detail::call(
                 [&] { detail::cast<KEL_Double, KELKind_Double>(object)->setValue(stored); });
         } else {
@@ -243,9 +257,20 @@ inline value object(std::initializer_list<field> fields) {
 }
 
 inline value array(std::initializer_list<value> elements) {
+    return array<std::initializer_list<value>>(elements);
+}
+
+template <class Container> value array(const Container& elements) {
+    using Element = detail::element_of<Container>;
+    static_assert(!std::is_void_v<Element> && !std::is_constructible_v<detail::text, Container>,
+                  "kel: an array is made of elements in braces or of a container.");
     value made(adopt_made(CreateKELArray()));
-    for (const value& each : elements) {
-        made.push_back(each);
+    for (auto&& each : elements) {
+        if constexpr (std::is_constructible_v<value, const Element&>) {
+            made.push_back(value(static_cast<const Element&>(each))); // which vector<bool> needs
+        } else {
+            made.push_back(array(each));
+        }
     }
     return made;
 }

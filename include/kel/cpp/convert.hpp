@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <vector>
@@ -55,6 +56,12 @@ namespace detail {
 /// False, but only once a template is used. For static_assert.
 template <class...> inline constexpr bool never = false;
 
+/// Refuses a loop over a value.
+template <class Loop> void refuse_loop() {
+    static_assert(never<Loop>, "kel: loop over v.items() of a struct, v.elements() of an array or "
+                               "v.pairs() of an index list.");
+}
+
 template <class T>
 inline constexpr bool is_character =
     std::is_same_v<T, char> || std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
@@ -66,6 +73,22 @@ template <class T>
 inline constexpr bool is_integer =
     std::is_integral_v<T> && !std::is_same_v<T, bool> && !is_character<T>;
 template <class T> inline constexpr bool is_number = is_integer<T> || std::is_floating_point_v<T>;
+
+template <class T> struct vector_traits : std::false_type {};
+template <class T> struct vector_traits<std::vector<T>> : std::true_type {};
+/// Whether a type is read from an array: every vector except bytes, which is a memory block.
+template <class T>
+inline constexpr bool is_vector = vector_traits<T>::value && !std::is_same_v<T, bytes>;
+
+/// The type of the elements of a container of the program; void for anything else.
+template <class T, class = void> struct element_traits { using type = void; };
+template <class T>
+struct element_traits<T, std::void_t<decltype(*std::begin(std::declval<const T&>())),
+                                     decltype(std::end(std::declval<const T&>()))>> {
+    using iterator = decltype(std::begin(std::declval<const T&>()));
+    using type = typename std::iterator_traits<iterator>::value_type;
+};
+template <class T> using element_of = typename element_traits<T>::type;
 
 // ---- Storing -----------------------------------------------------------------------------------
 
@@ -96,44 +119,64 @@ template <class Index> std::int32_t index_of(Index index) {
     return wide > INT32_MAX ? INT32_MAX : static_cast<std::int32_t>(wide);
 }
 
-/// Returns the number as an Int holds it.
-/// \throws std::out_of_range for a number that needs more than 32 bits
-template <class Integer> std::int32_t int_of(Integer number) {
+/// Returns the path as the beginning of a message.
+inline std::string lead(const std::string& path) {
+    return path.empty() ? "" : path + ": ";
+}
+
+/// The path of a number whose place is not known.
+struct no_path {
+    std::string operator()() const { return {}; }
+};
+
+/// Returns whether an Int holds the number.
+template <class Integer> bool fits_int(Integer number) {
     using limits = std::numeric_limits<std::int32_t>;
     if constexpr (std::is_signed_v<Integer>) {
-        if (number >= (limits::min)() && number <= (limits::max)()) {
-            return static_cast<std::int32_t>(number);
-        }
-    } else if (number <= static_cast<std::uint32_t>((limits::max)())) {
-        return static_cast<std::int32_t>(number);
+        return number >= (limits::min)() && number <= (limits::max)();
+    } else {
+        return number <= static_cast<std::uint32_t>((limits::max)());
     }
-    throw std::out_of_range(digits_of(number) + " does not fit an Int, which has 32 bits.");
+}
+
+/// Returns the number as an Int holds it.
+/// \param path a function that returns the path of the number's place for the message
+/// \throws std::out_of_range for a number that needs more than 32 bits
+template <class Integer, class Path = no_path>
+std::int32_t int_of(Integer number, const Path& path = {}) {
+    if (!fits_int(number)) {
+        throw std::out_of_range(lead(path()) + digits_of(number) +
+                                " does not fit an Int, which has 32 bits.");
+    }
+    return static_cast<std::int32_t>(number);
 }
 
 /// Returns the number as an Int holds it, also a floating-point one.
 /// \throws std::out_of_range for a number that is not whole or needs more than 32 bits
-template <class Number> std::int32_t whole_of(Number number) {
+template <class Number, class Path = no_path>
+std::int32_t whole_of(Number number, const Path& path = {}) {
     if constexpr (std::is_integral_v<Number>) {
-        return int_of(number);
+        return int_of(number, path);
     } else {
         if (number >= -2147483648.0 && number < 2147483648.0 && std::trunc(number) == number) {
             return static_cast<std::int32_t>(number);
         }
-        throw std::out_of_range(digits_of(number) + " does not fit an Int.");
+        throw std::out_of_range(lead(path()) + digits_of(number) + " does not fit an Int.");
     }
 }
 
 /// Returns the number as a Double holds it.
 /// \throws std::out_of_range for a number with more digits than a double has
-template <class Number> double double_of(Number number) {
+template <class Number, class Path = no_path>
+double double_of(Number number, const Path& path = {}) {
     const auto stored = static_cast<double>(number);
     if constexpr (!std::is_same_v<Number, double> && !std::is_same_v<Number, float>) {
         constexpr double beyond = 18446744073709551616.0; // 2 to the 64; no integer type reaches it
-        if (std::is_integral_v<Number> && (stored == beyond || stored == beyond / 2)) {
-            throw std::out_of_range(digits_of(number) + " does not fit a Double exactly.");
-        }
-        if (number == number && static_cast<Number>(stored) != number) {
-            throw std::out_of_range(digits_of(number) + " does not fit a Double exactly.");
+        const bool is_beyond =
+            std::is_integral_v<Number> && (stored == beyond || stored == beyond / 2);
+        if (is_beyond || (number == number && static_cast<Number>(stored) != number)) {
+            throw std::out_of_range(lead(path()) + digits_of(number) +
+                                    " does not fit a Double exactly.");
         }
     }
     return stored;
@@ -259,10 +302,30 @@ template <class T> reading read(KEL& object, T& out) {
             block->read(0, out.data(), block->getSize());
         });
         return reading::done;
+    } else if constexpr (std::is_same_v<T, value>) {
+        out = T(share(&object));
+        return reading::done;
+    } else if constexpr (is_vector<T>) {
+        KEL_Array* elements = array_of(&object);
+        if (elements == nullptr) {
+            return reading::wrong_kind;
+        }
+        const std::int32_t count = elements->getCount();
+        out.reserve(static_cast<std::size_t>(count));
+        for (std::int32_t i = 0; i < count; ++i) {
+            typename T::value_type element{};
+            const reading result = read(*elements->getVar(i), element);
+            if (result != reading::done) {
+                return result;
+            }
+            out.push_back(std::move(element));
+        }
+        return reading::done;
     } else {
         static_assert(never<T>, "kel: a value is read as bool, an integer, a floating-point type, "
-                                "std::string, kel::guid or kel::bytes. Read text as "
-                                "std::string: a pointer or a view would not own it.");
+                                "std::string, kel::guid, kel::bytes, kel::value, or a std::vector "
+                                "of these. Read text as std::string: a pointer or a view would not "
+                                "own it.");
         return reading::wrong_kind;
     }
 }
@@ -274,12 +337,8 @@ template <class T> const char* wanted_words() {
            : std::is_floating_point_v<T>    ? words(kind::real)
            : std::is_same_v<T, std::string> ? words(kind::string)
            : std::is_same_v<T, guid>        ? words(kind::guid)
+           : is_vector<T>                   ? words(kind::array)
                                             : words(kind::block);
-}
-
-/// Returns the path as the beginning of a message.
-inline std::string lead(const std::string& path) {
-    return path.empty() ? "" : path + ": ";
 }
 
 [[noreturn]] inline void raise_wrong_kind(const std::string& path, const char* wanted, KEL* found) {
@@ -287,9 +346,29 @@ inline std::string lead(const std::string& path) {
                      words(static_cast<kind>(type_of(found))) + ".");
 }
 
+template <class T>
+[[noreturn]] void raise_unread(reading result, const std::string& path, KEL* found);
+
+/// Throws the failure of the first element that cannot be read, if the value is an array.
+template <class T> void raise_unread_element(const std::string& path, KEL* found) {
+    KEL_Array* elements = array_of(found);
+    const std::int32_t count = elements == nullptr ? 0 : elements->getCount();
+    for (std::int32_t i = 0; i < count; ++i) {
+        typename T::value_type element{};
+        const reading result = read(*elements->getVar(i), element);
+        if (result != reading::done) {
+            raise_unread<typename T::value_type>(result, path + '[' + std::to_string(i) + ']',
+                                                 elements->getVar(i));
+        }
+    }
+}
+
 /// Throws the failure of a reading that is not done.
 template <class T>
 [[noreturn]] void raise_unread(reading result, const std::string& path, KEL* found) {
+    if constexpr (is_vector<T>) {
+        raise_unread_element<T>(path, found);
+    }
     if (result == reading::no_fit) {
         const char* digits = found->toString();
         throw range_error(lead(path) + (digits == nullptr ? "a number" : digits) +

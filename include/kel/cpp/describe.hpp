@@ -2,9 +2,7 @@
 /// describe: the description of one variable of a checked struct.
 #pragma once
 
-#include <kel/cpp/range.hpp>
-
-#include <initializer_list>
+#include <kel/cpp/rules.hpp>
 
 namespace kel {
 inline namespace v1 {
@@ -35,41 +33,54 @@ template <class T, class Content> T exactly(const Content& content) {
     }
 }
 
-/// Returns a bound of a range, which another program can have described.
-/// \throws type_error for something else than a number
-inline double bound_of(KEL* bound) {
-    double number = 0;
-    if (bound == nullptr || read(*bound, number) != reading::done) {
-        raise_wrong_kind("the bound of a range", words(kind::real), bound);
-    }
-    return number;
-}
-
-/// Returns the list of allowed values.
-/// \throws type_error if it is none
-inline value choices_of(const MetaKelVarDescriptor& rules) {
-    return call([&] {
-        KEL_Array* list =
-            array_of(find_variable(*walk_of(rules.getStruct()), rules.getStruct(), "enum").object);
-        if (list == nullptr) {
-            raise_wrong_kind("the allowed values", words(kind::array), nullptr);
-        }
-        return value(share(list));
-    });
-}
-
 } // namespace detail
 
-/// The description of a variable: its kind, what it allows, its default, and how to show it.
+/// The description of a variable: its kind, what it allows, its default, and how to show it. A
+/// panel can be drawn from it.
 class variable_description {
 public:
     /// Takes a descriptor of the library, for example one that was read from a file.
     /// \throws type_error for null
     explicit variable_description(ref<MetaKelVarDescriptor> raw) : raw_(std::move(raw)) {
         if (!raw_) {
-            detail::raise_wrong_kind({}, words(kind::variable_descriptor), nullptr);
+            detail::raise_wrong_kind({}, words(kel::kind::variable_descriptor), nullptr);
         }
     }
+
+    /// Returns the kind of the variable, or null if the description does not state it.
+    kel::kind kind() const { return static_cast<kel::kind>(raw_->getVariableType()); }
+    /// Return the ends of the range, or nothing for a variable without a range.
+    /// \throws type_error for an end that is not a number
+    std::optional<double> least() const {
+        return raw_->isRanged() ? std::optional<double>(detail::least_of(*raw_)) : std::nullopt;
+    }
+    std::optional<double> greatest() const {
+        return raw_->isRanged() ? std::optional<double>(detail::greatest_of(*raw_)) : std::nullopt;
+    }
+    /// Returns the distance between neighbours, if the description states it.
+    std::optional<double> step() const {
+        return raw_->hasStepsize() ? std::optional<double>(raw_->getStepsize()) : std::nullopt;
+    }
+    /// Returns copies of the allowed values. Empty for a variable that has no such list.
+    /// \throws type_error if the list is not an array
+    std::vector<value> choices() const {
+        std::vector<value> found;
+        if (raw_->isEnumerated()) {
+            for (const value& each : detail::choices_of(*raw_).elements()) {
+                found.push_back(each.copy());
+            }
+        }
+        return found;
+    }
+    /// Returns a copy of the default, or null.
+    value fallback() const { return value(share(raw_->getDefault())).copy(); }
+    /// Return the texts to show after and before the value.
+    std::string unit() const { return detail::text_of(raw_->getPostadorn()); }
+    std::string prefix() const { return detail::text_of(raw_->getPreadorn()); }
+    /// Returns whether stepping beyond one end goes on at the other.
+    bool wrapped() const { return raw_->getWrapped(); }
+    /// Returns whether values between two steps make sense.
+    bool interpolated() const { return raw_->getInterpolated(); }
 
     MetaKelVarDescriptor* raw() const noexcept { return raw_.get(); }
     operator value() const { return value(raw_); }
@@ -91,6 +102,12 @@ template <class T> class typed_description : public variable_description {
                   "kel: describe<bool>, describe of a number type, or describe<std::string>.");
 
 public:
+    using variable_description::fallback;
+    using variable_description::interpolated;
+    using variable_description::prefix;
+    using variable_description::step;
+    using variable_description::unit;
+
     typed_description() : variable_description(adopt_made(CreateMetaKelVarDescriptor())) {
         detail::call([this] { raw_->setType(stored(T()).raw()->getType()); });
     }
@@ -119,14 +136,10 @@ public:
         put("max", stored(to));
         return *this;
     }
-    /// Allows these values only.
-    typed_description& one_of(std::initializer_list<T> allowed) & {
-        value list = array();
-        for (const T& each : allowed) {
-            list.push_back(stored(each));
-        }
-        put("enum", list);
-        return *this;
+    /// Allows these values only: those in braces, or those of a container.
+    typed_description& one_of(std::initializer_list<T> allowed) & { return allow(allowed); }
+    template <class Container> typed_description& one_of(const Container& allowed) & {
+        return allow(allowed);
     }
     /// Sets the value of the variable while it has none. Whether it is allowed is checked when the
     /// description is used.
@@ -172,7 +185,10 @@ public:
     template <class Content> typed_description fallback(const Content& content) && {
         return std::move(fallback(content));
     }
-    typed_description one_of(std::initializer_list<T> a) && { return std::move(one_of(a)); }
+    typed_description one_of(std::initializer_list<T> a) && { return std::move(allow(a)); }
+    template <class Container> typed_description one_of(const Container& a) && {
+        return std::move(allow(a));
+    }
     typed_description step(double a) && { return std::move(step(a)); }
     typed_description unit(const detail::text& a) && { return std::move(unit(a)); }
     typed_description prefix(const detail::text& a) && { return std::move(prefix(a)); }
@@ -181,6 +197,17 @@ public:
 
 private:
     static value stored(const T& content) { return value(content); }
+    template <class Container> typed_description& allow(const Container& allowed) {
+        using Element = detail::element_of<Container>;
+        static_assert(!std::is_void_v<Element>,
+                      "kel: one_of takes values in braces or a container.");
+        value list = array();
+        for (auto&& each : allowed) {
+            list.push_back(stored(detail::exactly<T>(static_cast<const Element&>(each))));
+        }
+        put("enum", list);
+        return *this;
+    }
 };
 
 /// Returns an empty description, to be completed by its operations.
@@ -188,153 +215,5 @@ template <class T> typed_description<T> describe() {
     return typed_description<T>();
 }
 
-namespace detail {
-
-/// Returns a number without the last digits that a sum of numbers up to the greatest one can have
-/// wrong: 603 steps of 0.1 from -60 are 0.3, not 0.30000000000000426.
-inline double without_noise(double number, double greatest) {
-    constexpr double most = 1e15; // beyond, every digit is before the point
-    if (!(greatest < most)) {
-        return number;
-    }
-    const int decimals = 14 - static_cast<int>(std::ceil(std::log10((std::max)(greatest, 1e-3))));
-    char digits[64];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed,
-                                   (std::max)(decimals, 0));
-    double rounded = number;
-    std::from_chars(digits, end.ptr, rounded);
-    return rounded;
-}
-
-/// Returns a value for a message: numbers in their shortest form, text in quotes.
-inline std::string shown(KEL* object) {
-    const std::int32_t type = type_of(object);
-    if (type == KELKind_Double) {
-        return shortest(object->toDouble());
-    }
-    const char* characters = type == 0 ? nullptr : object->toString();
-    if (characters == nullptr) {
-        return words(static_cast<kind>(type));
-    }
-    return type == KELKind_String ? '"' + std::string(characters) + '"' : characters;
-}
-
-inline std::string text_of(const char* characters) {
-    return characters == nullptr ? "" : characters;
-}
-
-/// Returns the description of a variable, borrowed, or null.
-inline MetaKelVarDescriptor* description_of(const MetaKel& target, const char* name) {
-    MetaKelDescriptor* all = target.getDescriptor();
-    KELVarCursor at;
-    return all != nullptr && walk_of(all)->findVar(at, name) && at.value != nullptr
-               ? dynamic_cast<MetaKelVarDescriptor*>(at.value)
-               : nullptr;
-}
-
-inline KEL* default_of(const MetaKel& source, const char* name) {
-    const MetaKelVarDescriptor* rules = description_of(source, name);
-    return rules == nullptr ? nullptr : rules->getDefault();
-}
-
-/// Says what a description allows: "from -60 to 6", or "one of "mono", "stereo"".
-inline std::string allowed_by(const MetaKelVarDescriptor& rules) {
-    if (rules.isRanged()) {
-        return "from " + shown(call([&] { return rules.getMin(); })) + " to " +
-               shown(call([&] { return rules.getMax(); }));
-    }
-    std::string choices = "one of ";
-    for (const value& each : choices_of(rules).elements()) {
-        choices += (choices.size() > 7 ? ", " : "") + shown(each.raw());
-    }
-    return choices;
-}
-
-/// Returns why a described variable cannot have a value, or nothing if it can.
-inline std::string why_not(const MetaKelVarDescriptor& rules, const std::string& path,
-                           KEL* content) {
-    const std::int32_t wanted = rules.getVariableType();
-    const std::int32_t found = type_of(content);
-    const auto is_numeric = [](std::int32_t t) { return t == KELKind_Int || t == KELKind_Double; };
-    if (wanted != 0 && found != wanted && !(is_numeric(wanted) && is_numeric(found))) {
-        return path + ": wanted " + words(static_cast<kind>(wanted)) + ", found " +
-               words(static_cast<kind>(found)) + ".";
-    }
-    std::int32_t whole = 0;
-    if (wanted == KELKind_Int && read(*content, whole) != reading::done) {
-        return path + ": " + shown(content) + " is not a whole number of 32 bits.";
-    }
-    if (!call([&] { return rules.isValid(content); })) {
-        return path + ": " + shown(content) + " is not allowed; allowed is " + allowed_by(rules) +
-               '.';
-    }
-    return {};
-}
-
-inline void require_allowed(const MetaKel& target, const char* name, KEL* content) {
-    const MetaKelVarDescriptor* rules = description_of(target, name);
-    const std::string reason =
-        rules == nullptr || content == nullptr ? std::string() : why_not(*rules, name, content);
-    if (!reason.empty()) {
-        throw not_allowed(reason);
-    }
-}
-
-inline bool is_container(KEL* object) {
-    const KELKindFacts* facts = findKELKind(type_of(object));
-    return facts != nullptr && facts->isContainer;
-}
-
-/// Returns the value to store for a described variable: a new one of the described kind. The
-/// caller's can be the description's own, which serves other structs too.
-inline value made_for(const MetaKelVarDescriptor& rules, KEL* content) {
-    if (rules.getVariableType() == KELKind_Double) {
-        return value(content->toDouble());
-    }
-    if (rules.getVariableType() == KELKind_Int) {
-        return value(whole_of(content->toDouble()));
-    }
-    return value(share(content)).copy();
-}
-
-inline void refuse_reserved(const char* name) {
-    if (*name == '@') {
-        throw name_error("The names of a checked struct that begin with @ are reserved.");
-    }
-}
-
-inline void clear_checked(value& target) {
-    for (const item& each : target.items()) {
-        if (each.name.front() != '@') {
-            target.erase(each.name);
-        }
-    }
-}
-
-inline void store_checked(MetaKel& target, const char* name, KEL* content) {
-    refuse_reserved(name);
-    if (content == nullptr) {
-        if (target.containsVar(name)) {
-            target.clearVar(name);
-        }
-        return;
-    }
-    require_allowed(target, name, content);
-    const MetaKelVarDescriptor* rules = description_of(target, name);
-    const bool is_shared = rules == nullptr && is_container(content);
-    const value stored = is_shared          ? value(share(content))
-                         : rules == nullptr ? value(share(content)).copy()
-                                            : made_for(*rules, content);
-    KELVarCursor at;
-    const bool is_changed_in_place = rules != nullptr && walk_of(&target)->findVar(at, name) &&
-                                     type_of(at.value) == type_of(stored.raw());
-    if (is_changed_in_place) {
-        target.setVarValue(name, stored.raw()); // so that whoever watches the variable is called
-    } else {
-        target.setVar(name, stored.raw());
-    }
-}
-
-} // namespace detail
 } // namespace v1
 } // namespace kel

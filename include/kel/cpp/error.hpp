@@ -72,21 +72,28 @@ public:
     /// \param file the name of the file; empty for text in memory
     /// \param line the line in which reading stopped, counted from 1; 0 if it is not known
     /// \param reason the reason of the system; empty if the system is not to blame
+    /// \param column the place in the line of the last byte that was read, counted from 1; 0 if it
+    /// is not
+    ///        known
     io_error(std::string file, std::int64_t line, const std::string& message,
-             std::error_code reason = {})
-        : error(describe(file, line, message, reason)), file_(std::move(file)), line_(line),
-          reason_(reason) {}
+             std::error_code reason = {}, std::int64_t column = 0)
+        : error(describe(file, line, column, message, reason)), file_(std::move(file)), line_(line),
+          column_(column), reason_(reason) {}
 
     const std::string& file() const noexcept { return file_; }
     std::int64_t line() const noexcept { return line_; }
+    std::int64_t column() const noexcept { return column_; }
     const std::error_code& reason() const noexcept { return reason_; }
 
 private:
-    static std::string describe(const std::string& file, std::int64_t line,
+    static std::string describe(const std::string& file, std::int64_t line, std::int64_t column,
                                 const std::string& message, const std::error_code& reason) {
         std::string text = file;
         if (line > 0) {
-            text += (text.empty() ? "line " : ":") + std::to_string(line);
+            text += (file.empty() ? "line " : ":") + std::to_string(line);
+        }
+        if (column > 0) {
+            text += (file.empty() ? ", column " : ":") + std::to_string(column);
         }
         text += (text.empty() ? "" : ": ") + message;
         return reason ? text + ": " + reason.message() : text;
@@ -94,6 +101,7 @@ private:
 
     std::string file_;
     std::int64_t line_;
+    std::int64_t column_;
     std::error_code reason_;
 };
 

@@ -1,7 +1,7 @@
 /// \file
-/// Files: load, save, append, and a reader of several roots.
+/// Files: load, load_or, save, append, and a reader of several roots.
 ///
-///     kel::value settings = kel::load("app.kel");
+///     kel::value settings = kel::load_or("app.kel", kel::object());
 ///     settings["runs"] = settings.get_or("runs", 0) + 1;
 ///     kel::save_atomically(settings, "app.kel");
 ///     for (const kel::value& entry : kel::reader("log.kelb")) { ... }
@@ -96,12 +96,13 @@ class reader {
 public:
     class walk {
     public:
+        walk() = default;
         explicit walk(reader* owner) : owner_(owner) {}
         bool next() { return owner_->next(current_); }
         const value& current() const { return current_; }
 
     private:
-        reader* owner_;
+        reader* owner_ = nullptr;
         value current_;
     };
     using iterator = detail::walk_iterator<walk>;
@@ -122,7 +123,7 @@ public:
 
     /// Begins a loop over the values that are left. The reader must outlive it.
     iterator begin() { return iterator(walk(this)); }
-    detail::range_end end() const { return {}; }
+    iterator end() const { return {}; }
 
 private:
     reader(std::string name, std::string content, format how)
@@ -135,6 +136,22 @@ private:
 /// \throws io_error for a file with none or several, and for one that cannot be read
 inline value load(const std::filesystem::path& file, format how = format::automatic) {
     return detail::only_root(detail::name_of(file), detail::content_of(file), how);
+}
+
+/// Returns the only value of a file, or the fallback if the file does not exist. A file that exists
+/// and cannot be read is a failure, as for load.
+inline value load_or(const std::filesystem::path& file, value fallback,
+                     format how = format::automatic) {
+    std::string content;
+    try {
+        content = detail::content_of(file);
+    } catch (const io_error& failure) {
+        if (failure.reason() != std::errc::no_such_file_or_directory) {
+            throw;
+        }
+        return fallback;
+    }
+    return detail::only_root(detail::name_of(file), std::move(content), how);
 }
 
 /// Writes a value to a file and replaces its content. The file is untouched if the value cannot be

@@ -19,6 +19,20 @@ void require_allowed(const MetaKel& target, const char* name, KEL* content);
 /// Returns the default that a checked struct has for a missing variable, borrowed, or null.
 KEL* default_of(const MetaKel& source, const char* name);
 
+/// Returns whether a checked struct describes a variable.
+bool is_described(const MetaKel& target, const char* name);
+/// Returns a new value of the kind for the type of a number. Where a description decides the kind,
+/// an integer of more than 32 bits becomes a Double.
+template <class Number, class Path>
+value value_for(Number number, bool is_described, const Path& path) {
+    if constexpr (is_integer<Number>) {
+        if (!is_described || fits_int(number)) {
+            return value(int_of(number, path));
+        }
+    }
+    return value(double_of(number, path));
+}
+
 /// A value that a place leads to, borrowed. It is null for a variable that holds nothing.
 struct finding {
     bool exists = false;
@@ -90,11 +104,22 @@ public:
         return std::move(*this).get_or<std::string>(otherwise);
     }
     operator value() && { return find_or_throw().handle(); }
+    /// Returns the value, which is to be watched.
+    /// \throws not_found also for a default, which serves other structs too and never changes
+    value to_watch() && {
+        const detail::finding found = find_or_throw();
+        if (is_default_ || found.is_default) {
+            raise_only_default(path());
+        }
+        return found.handle();
+    }
     kel::kind kind() && { return value(std::move(*this)).kind(); }
     std::size_t size() && { return value(std::move(*this)).size(); }
     item_range items() &&;
     element_range elements() &&;
     pair_range pairs() &&;
+    template <class Loop = value> void begin() const { detail::refuse_loop<Loop>(); }
+    template <class Loop = value> void end() const {}
     template <class T> ref<T> as() && { return value(std::move(*this)).template as<T>(); }
     bool exists() && { return look().exists; }
     bool contains(const detail::text& name) && { return value(std::move(*this)).contains(name); }
@@ -106,6 +131,7 @@ public:
     const_place operator[](const std::string& name) && {
         return const_place(this, detail::text(name).c_str());
     }
+    detail::named<const_place> operator[](std::string_view name) &&;
     template <class Index, std::enable_if_t<detail::is_integer<Index>, int> = 0>
     const_place operator[](Index index) && {
         return const_place(this, detail::index_of(index));
@@ -118,6 +144,7 @@ public:
 
 protected:
     friend class value;
+    template <class Place> friend class detail::named;
 
     const_place(KEL* container, const char* name) : container_(container), name_(known(name)) {}
     const_place(KEL* container, std::int32_t index) : container_(container), index_(index) {}
@@ -201,6 +228,9 @@ protected:
         throw not_found(here + ": the array has " + std::to_string(array_or_throw()->getCount()) +
                         " elements.");
     }
+    [[noreturn]] static void raise_only_default(const std::string& path) {
+        throw not_found(path + ": has only its default. Store a value first.");
+    }
     std::string outer_path() const { return outer_ == nullptr ? std::string() : outer_->path(); }
     std::string path() const {
         std::string text = outer_path();
@@ -245,15 +275,18 @@ public:
     void operator=(Number number) && {
         KEL_Struct* fields =
             name_ == nullptr ? nullptr : detail::cast<KEL_Struct, KELKind_Struct>(container_);
+        const auto here = [this] { return path(); };
         if (fields == nullptr) {
-            std::move(*this) = value(number);
+            const MetaKel* checked = name_ == nullptr ? nullptr : detail::checked_of(container_);
+            const bool is_described = checked != nullptr && detail::is_described(*checked, name_);
+            std::move(*this) = detail::value_for(number, is_described, here);
         } else if (*name_ == '\0') {
             name_to_store(); // which refuses it; the library refuses a double quote itself
         } else if constexpr (detail::is_integer<Number>) {
-            const std::int32_t stored = detail::int_of(number);
+            const std::int32_t stored = detail::int_of(number, here);
             detail::call([&] { fields->putInt(name_, stored); });
         } else {
-            const double stored = detail::double_of(number);
+            const double stored = detail::double_of(number, here);
             detail::call([&] { fields->putDouble(name_, stored); });
         }
     }
@@ -290,31 +323,48 @@ public:
     void insert(std::size_t index, const value& content) && { to_change().insert(index, content); }
     void erase_at(std::size_t index) && { to_change().erase_at(index); }
     void set(const detail::text& name, const value& content) && { to_change().set(name, content); }
+    template <class Number, std::enable_if_t<detail::is_number<Number>, int> = 0>
+    void set(const detail::text& name, Number number) && {
+        std::move(*this)[name.c_str()] = number;
+    }
+    [[nodiscard]] std::vector<mismatch> merge(const value& source) &&;
     bool erase(const detail::text& name) && { return to_change().erase(name); }
     void clear() && { to_change().clear(); }
 
     place operator[](const char* name) && { return place(this, name); }
     place operator[](const std::string& name) && { return place(this, detail::text(name).c_str()); }
+    detail::named<place> operator[](std::string_view name) &&;
     template <class Index, std::enable_if_t<detail::is_integer<Index>, int> = 0>
     place operator[](Index index) && {
         return place(this, detail::index_of(index));
     }
 
+    /// Returns the value, which is to be watched. A variable that has only its default gets a value
+    /// first, because the copy of a default never changes.
+    value to_watch() && {
+        refuse_default();
+        if (find_or_throw().is_default) {
+            std::move(*this) = find_or_throw().handle();
+        }
+        return find_or_throw().handle();
+    }
+
 private:
     friend class value;
+    template <class Place> friend class detail::named;
 
     using const_place::const_place;
 
     /// Refuses to change something in a default, which would change a copy that nobody sees.
     void refuse_default() const {
         if (is_default_) {
-            throw not_found(outer_path() + ": has only its default. Store a value first.");
+            raise_only_default(outer_path());
         }
     }
     value to_change() const {
         const detail::finding found = find_or_throw();
         if (is_default_ || found.is_default) {
-            throw not_found(path() + ": has only its default. Store a value first.");
+            raise_only_default(path());
         }
         return found.handle();
     }
@@ -342,6 +392,32 @@ private:
         });
     }
 };
+
+namespace detail {
+
+struct own_name {
+    std::string characters;
+};
+
+/// A place that holds its name itself: a view can lack the NUL at the end.
+template <class Place> class named : private own_name, public Place {
+public:
+    using Place::operator=;
+
+    template <class Container>
+    named(Container* container, std::string_view name)
+        : own_name{text(name).c_str()}, Place(container, characters.c_str()) {}
+    void operator=(named&& other) && { static_cast<Place&&>(*this) = static_cast<Place&&>(other); }
+};
+
+} // namespace detail
+
+inline detail::named<const_place> const_place::operator[](std::string_view name) && {
+    return {static_cast<const const_place*>(this), name};
+}
+inline detail::named<place> place::operator[](std::string_view name) && {
+    return {static_cast<const const_place*>(this), name};
+}
 
 } // namespace v1
 } // namespace kel

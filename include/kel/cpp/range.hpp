@@ -1,5 +1,6 @@
 /// \file
 /// Ranges for loops over the contents of containers. The body of a loop may change the container.
+/// Their iterators are input iterators.
 #pragma once
 
 #include <kel/cpp/contents.hpp>
@@ -10,10 +11,8 @@ namespace kel {
 inline namespace v1 {
 namespace detail {
 
-/// The end of every range.
-struct range_end {};
-
-/// An iterator over a walk. Walk has `bool next()`, and `current()` for the result of each step.
+/// An iterator over a walk. A default walk is not over anything. Walk has `bool next()`, and
+/// `current()` for the result of each step.
 template <class Walk> class walk_iterator {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -22,6 +21,8 @@ public:
     using pointer = const value_type*;
     using reference = const value_type&;
 
+    /// Makes the end of every range.
+    walk_iterator() = default;
     explicit walk_iterator(Walk walk) : walk_(std::move(walk)) { ++*this; }
 
     reference operator*() const { return walk_.current(); }
@@ -30,11 +31,16 @@ public:
         has_more_ = walk_.next();
         return *this;
     }
-    void operator++(int) { ++*this; }
-    friend bool operator!=(const walk_iterator& at, range_end) { return at.has_more_; }
-    friend bool operator==(const walk_iterator& at, range_end) { return !at.has_more_; }
-    friend bool operator!=(range_end, const walk_iterator& at) { return at.has_more_; }
-    friend bool operator==(range_end, const walk_iterator& at) { return !at.has_more_; }
+    walk_iterator operator++(int) {
+        walk_iterator before = *this;
+        ++*this;
+        return before;
+    }
+    /// Iterators are compared with the end of their range only.
+    friend bool operator==(const walk_iterator& a, const walk_iterator& b) {
+        return a.has_more_ == b.has_more_;
+    }
+    friend bool operator!=(const walk_iterator& a, const walk_iterator& b) { return !(a == b); }
 
 private:
     Walk walk_;
@@ -48,7 +54,7 @@ public:
 
     explicit walk_range(value owner) : owner_(std::move(owner)) {}
     iterator begin() const { return iterator(Walk(owner_)); }
-    range_end end() const { return {}; }
+    iterator end() const { return {}; }
 
 private:
     value owner_;
@@ -56,6 +62,7 @@ private:
 
 class item_walk {
 public:
+    item_walk() = default;
     explicit item_walk(value owner) : owner_(std::move(owner)) {}
     bool next() {
         const KELInterface_Struct_V2* fields = walk_of(owner_.raw());
@@ -88,6 +95,7 @@ namespace detail {
 
 class element_walk {
 public:
+    element_walk() = default;
     explicit element_walk(value owner)
         : owner_(std::move(owner)), array_(array_of(owner_.raw())),
           manager_(manager_of(owner_.raw())) {}
@@ -104,8 +112,8 @@ public:
 
 private:
     value owner_;
-    KEL_Array* array_;
-    KEL_Manager* manager_;
+    KEL_Array* array_ = nullptr;
+    KEL_Manager* manager_ = nullptr;
     std::int32_t index_ = -1;
     value current_;
 };
@@ -123,6 +131,7 @@ namespace detail {
 
 class pair_walk {
 public:
+    pair_walk() = default;
     explicit pair_walk(value owner) : owner_(std::move(owner)), list_(list_of(owner_.raw())) {}
     bool next() {
         ++index_;
@@ -137,7 +146,7 @@ public:
 
 private:
     value owner_;
-    KEL_IndexList* list_;
+    KEL_IndexList* list_ = nullptr;
     std::int32_t index_ = -1;
     pair current_;
 };

@@ -144,7 +144,26 @@ private:
         if (message.compare(0, lead.size(), lead) == 0) {
             message.erase(0, lead.size());
         }
-        return io_error(name_, line, message);
+        return io_error(name_, line, message, {}, at == std::string::npos ? 0 : column_in(line));
+    }
+
+    /// Returns the column of the last byte that was read, or 0 if that is not in this line.
+    std::int64_t column_in(std::int64_t line) const {
+        std::size_t left = 0;
+        try {
+            std::uint8_t piece[4096];
+            const auto read = [&] { return stream_->JRead(piece, 0, sizeof piece); };
+            for (std::int32_t got = call(read); got > 0; got = call(read)) {
+                left += static_cast<std::size_t>(got);
+            }
+        } catch (const error&) {
+            return 0;
+        }
+        const std::string_view body(content_.data(), size_ - (std::min)(left, size_));
+        const std::size_t begin = body.rfind('\n') + 1; // 0 for the first line
+        return 1 + std::count(body.begin(), body.end(), '\n') == line
+                   ? static_cast<std::int64_t>(body.size() - begin)
+                   : 0;
     }
 
     const std::size_t size_; ///< of the content without the mark

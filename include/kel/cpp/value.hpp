@@ -17,6 +17,15 @@ class item_range;
 class element_range;
 class pair_range;
 struct item;
+namespace detail {
+template <class Place> class named;
+}
+
+/// A part of a document that was not taken over.
+struct mismatch {
+    std::string path;    ///< of the value in the document
+    std::string message; ///< why, with the path: "gain: wanted a double, found a string."
+};
 
 /// Holds one reference to a value of any kind, or nothing (null). Copying a handle adds a reference
 /// and shares the value; copy makes another value. A constant handle does not change its value.
@@ -93,8 +102,9 @@ public:
     explicit operator bool() const noexcept { return static_cast<bool>(object_); }
 
     /// Returns the value as a C++ type: bool, an integer, a floating-point type, std::string,
-    /// kel::guid or kel::bytes. Numbers convert between Int and Double if nothing is lost.
-    /// \throws type_error for another kind, which it names
+    /// kel::guid, kel::bytes, kel::value, or from an array a std::vector of one of these. Numbers
+    /// convert between Int and Double if nothing is lost.
+    /// \throws type_error for another kind, which it names, with the path of an element
     /// \throws range_error for a number that the type cannot hold
     template <class T> T get() const;
     /// Returns the same, or nothing for null, another kind and a number that does not fit.
@@ -149,12 +159,18 @@ public:
     const_place operator[](const std::string& name) const&;
     place operator[](const char* name) &&;
     place operator[](const std::string& name) &&;
+    detail::named<place> operator[](std::string_view name) &;
+    detail::named<const_place> operator[](std::string_view name) const&;
+    detail::named<place> operator[](std::string_view name) &&;
 
     /// Stores a new or shared value under a name, and replaces the one that is there.
     /// \throws type_error unless this is a struct
     /// \throws name_error for an empty name, or one with a double quote or a NUL
     /// \throws not_allowed if a checked struct does not allow the value
+    /// \throws std::out_of_range, with the name, for a number that the struct cannot hold
     void set(const detail::text& name, const value& content);
+    template <class Number, std::enable_if_t<detail::is_number<Number>, int> = 0>
+    void set(const detail::text& name, Number number);
     /// Returns the variable, or null if it is missing or holds nothing. Never throws not_found.
     value find(const detail::text& name) const;
     /// Returns the variable as a C++ type, or the other value if it is missing, of another kind or
@@ -162,6 +178,17 @@ public:
     template <class T> T get_or(const detail::text& name, T otherwise) const;
     std::string get_or(const detail::text& name, const char* otherwise) const;
     bool contains(const detail::text& name) const;
+    /// Takes over the variables of another struct that this one has too, in place and as copies.
+    /// Structs inside are merged in turn. A checked struct takes over what its descriptions allow.
+    /// For anything else, the kinds must agree; numbers convert if nothing is lost. Returns what
+    /// was not taken over, unknown names included. If it throws, what came before remains taken
+    /// over.
+    ///
+    ///     for (const kel::mismatch& each : settings.merge(kel::load("app.kel"))) {
+    ///         std::cerr << each.message << '\n';
+    ///     }
+    /// \throws type_error unless this is a struct
+    [[nodiscard]] std::vector<mismatch> merge(const value& source);
     /// Removes a variable. \return false if there was none
     bool erase(const detail::text& name);
     /// \throws not_found for an unknown name, name_error for one that exists or cannot be used
@@ -194,6 +221,9 @@ public:
     item_range items() const;
     element_range elements() const;
     pair_range pairs() const;
+    /// A value is not a range itself, because it can be of any kind.
+    template <class Loop = value> void begin() const { detail::refuse_loop<Loop>(); }
+    template <class Loop = value> void end() const {}
 
     /// Returns the value at a path such as window.size[0] or ["odd name"][2].key.
     /// \throws not_found, type_error with the path up to the step that leads nowhere
@@ -235,6 +265,11 @@ struct field {
 value object(std::initializer_list<field> fields = {});
 /// Returns a new array of these elements.
 value array(std::initializer_list<value> elements = {});
+/// Returns a new array of the elements of a container: numbers, texts and whatever else a value is
+/// made from, shared values, or containers of these, which become arrays.
+///
+///     room["tags"] = kel::array(std::vector<std::string>{"old", "wet"});
+template <class Container> value array(const Container& elements);
 
 /// Returns whether both have equal contents. Identities and sharing do not matter.
 inline bool operator==(const value& a, const value& b) {

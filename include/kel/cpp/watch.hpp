@@ -105,6 +105,12 @@ inline ref<KEL> watchable(const value& watched) {
     }
     return share(watched.raw());
 }
+inline ref<KEL> watchable(const_place&& watched) {
+    return watchable(std::move(watched).to_watch());
+}
+inline ref<KEL> watchable(place&& watched) {
+    return watchable(std::move(watched).to_watch());
+}
 
 } // namespace detail
 
@@ -122,12 +128,17 @@ inline ref<KEL> watchable(const value& watched) {
 ///
 /// An observer of another make (KEL_Observer) that ends a subscription of the same value inside its
 /// update removes an observer during a round. That can make the round skip the next one.
+///
+/// A variable of a checked struct that has only its default gets a value of its own first.
+/// \param watched a value, or a place with one
 /// \throws type_error for null
-template <class Call> [[nodiscard]] subscription watch(const value& watched, Call&& call) {
+/// \throws not_found also for the default of a constant checked struct
+template <class Watched, class Call>
+[[nodiscard]] subscription watch(Watched&& watched, Call&& call) {
     static_assert(std::is_invocable_v<std::decay_t<Call>&, value>,
                   "kel: watch calls the function with a kel::value.");
-    auto* watcher = new detail::value_watcher<std::decay_t<Call>>(detail::watchable(watched),
-                                                                  std::forward<Call>(call));
+    auto* watcher = new detail::value_watcher<std::decay_t<Call>>(
+        detail::watchable(std::forward<Watched>(watched)), std::forward<Call>(call));
     subscription made(watcher);
     detail::call([watcher] { watcher->start(); });
     return made;

@@ -55,11 +55,13 @@ private:
 /// A change of a scalar costs a search for its name or index in each container above it. A change
 /// of a container also costs a look at each of its own children. If a value loses one of several
 /// places, the whole tree is searched at most once.
+///
+/// A default is treated as by watch.
 /// \throws type_error for null
-template <class Call> [[nodiscard]] subscription watch_tree(const value& root, Call&& call) {
+template <class Root, class Call> [[nodiscard]] subscription watch_tree(Root&& root, Call&& call) {
     static_assert(std::is_invocable_v<std::decay_t<Call>&, std::string_view, value>,
                   "kel: watch_tree calls the function with a std::string_view and a kel::value.");
-    const ref<KEL> watched = detail::watchable(root);
+    const ref<KEL> watched = detail::watchable(std::forward<Root>(root));
     auto* watcher = new detail::tree_watcher_of<std::decay_t<Call>>(std::forward<Call>(call));
     subscription made(watcher);
     detail::call([&] { watcher->start(watched.get()); });

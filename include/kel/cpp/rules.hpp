@@ -1,0 +1,218 @@
+/// \file
+/// What the description of a variable allows, and storing what it allows.
+#pragma once
+
+#include <kel/cpp/range.hpp>
+
+namespace kel {
+inline namespace v1 {
+namespace detail {
+
+/// Returns a bound of a range, which another program can have described.
+/// \throws type_error for something else than a number
+inline double bound_of(KEL* bound) {
+    double number = 0;
+    if (bound == nullptr || read(*bound, number) != reading::done) {
+        raise_wrong_kind("the bound of a range", words(kind::real), bound);
+    }
+    return number;
+}
+
+/// Return the ends of the range.
+inline double least_of(const MetaKelVarDescriptor& rules) {
+    return bound_of(call([&] { return rules.getMin(); }));
+}
+inline double greatest_of(const MetaKelVarDescriptor& rules) {
+    return bound_of(call([&] { return rules.getMax(); }));
+}
+
+/// Returns the list of allowed values.
+/// \throws type_error if it is none
+inline value choices_of(const MetaKelVarDescriptor& rules) {
+    return call([&] {
+        KEL_Array* list =
+            array_of(find_variable(*walk_of(rules.getStruct()), rules.getStruct(), "enum").object);
+        if (list == nullptr) {
+            raise_wrong_kind("the allowed values", words(kind::array), nullptr);
+        }
+        return value(share(list));
+    });
+}
+
+/// Returns a value for a message: numbers in their shortest form, text in quotes.
+inline std::string shown(KEL* object) {
+    const std::int32_t type = type_of(object);
+    if (type == KELKind_Double) {
+        return shortest(object->toDouble());
+    }
+    const char* characters = type == 0 ? nullptr : object->toString();
+    if (characters == nullptr) {
+        return words(static_cast<kind>(type));
+    }
+    return type == KELKind_String ? '"' + std::string(characters) + '"' : characters;
+}
+
+/// Returns a value as a person reads and types it: text without quotes.
+inline std::string plain_text(KEL* object) {
+    return type_of(object) == KELKind_String ? object->toString() : shown(object);
+}
+
+inline std::string text_of(const char* characters) {
+    return characters == nullptr ? "" : characters;
+}
+
+/// Returns the description of a variable, borrowed, or null.
+inline MetaKelVarDescriptor* description_of(const MetaKel& target, const char* name) {
+    MetaKelDescriptor* all = target.getDescriptor();
+    KELVarCursor at;
+    return all != nullptr && walk_of(all)->findVar(at, name) && at.value != nullptr
+               ? dynamic_cast<MetaKelVarDescriptor*>(at.value)
+               : nullptr;
+}
+
+inline bool is_described(const MetaKel& target, const char* name) {
+    return description_of(target, name) != nullptr;
+}
+
+inline KEL* default_of(const MetaKel& source, const char* name) {
+    const MetaKelVarDescriptor* rules = description_of(source, name);
+    return rules == nullptr ? nullptr : rules->getDefault();
+}
+
+/// Says what a description allows: "from -60 to 6", or "one of "mono", "stereo"".
+inline std::string allowed_by(const MetaKelVarDescriptor& rules) {
+    if (rules.isRanged()) {
+        return "from " + shown(call([&] { return rules.getMin(); })) + " to " +
+               shown(call([&] { return rules.getMax(); }));
+    }
+    std::string choices = "one of ";
+    for (const value& each : choices_of(rules).elements()) {
+        choices += (choices.size() > 7 ? ", " : "") + shown(each.raw());
+    }
+    return choices;
+}
+
+/// Returns why a variable of a kind cannot have a value, or nothing if it can. Int and Double
+/// convert if nothing is lost.
+inline std::string why_not_kind(std::int32_t wanted, const std::string& path, KEL* content) {
+    const std::int32_t found = type_of(content);
+    const auto is_numeric = [](std::int32_t t) { return t == KELKind_Int || t == KELKind_Double; };
+    if (found != wanted && !(is_numeric(wanted) && is_numeric(found))) {
+        return lead(path) + "wanted " + words(static_cast<kind>(wanted)) + ", found " +
+               words(static_cast<kind>(found)) + ".";
+    }
+    std::int32_t whole = 0;
+    if (wanted == KELKind_Int && read(*content, whole) != reading::done) {
+        return path + ": " + shown(content) + " is not a whole number of 32 bits.";
+    }
+    return {};
+}
+
+/// Returns why a described variable cannot have a value, or nothing if it can.
+inline std::string why_not(const MetaKelVarDescriptor& rules, const std::string& path,
+                           KEL* content) {
+    const std::int32_t wanted = rules.getVariableType();
+    std::string reason = wanted == 0 ? std::string() : why_not_kind(wanted, path, content);
+    if (reason.empty() && !call([&] { return rules.isValid(content); })) {
+        reason =
+            path + ": " + shown(content) + " is not allowed; allowed is " + allowed_by(rules) + '.';
+    }
+    return reason;
+}
+
+inline void require_allowed(const MetaKel& target, const char* name, KEL* content) {
+    const MetaKelVarDescriptor* rules = description_of(target, name);
+    const std::string reason =
+        rules == nullptr || content == nullptr ? std::string() : why_not(*rules, name, content);
+    if (!reason.empty()) {
+        throw not_allowed(reason);
+    }
+}
+
+inline bool is_container(KEL* object) {
+    const KELKindFacts* facts = findKELKind(type_of(object));
+    return facts != nullptr && facts->isContainer;
+}
+
+/// Returns the value to store for a described variable: a new one of the described kind. The
+/// caller's can be the description's own, which serves other structs too.
+inline value made_for(const MetaKelVarDescriptor& rules, KEL* content) {
+    if (rules.getVariableType() == KELKind_Double) {
+        return value(content->toDouble());
+    }
+    if (rules.getVariableType() == KELKind_Int) {
+        return value(whole_of(content->toDouble()));
+    }
+    return value(share(content)).copy();
+}
+
+inline void refuse_reserved(const char* name) {
+    if (*name == '@') {
+        throw name_error("The names of a checked struct that begin with @ are reserved.");
+    }
+}
+
+inline void clear_checked(value& target) {
+    for (const item& each : target.items()) {
+        if (each.name.front() != '@') {
+            target.erase(each.name);
+        }
+    }
+}
+
+/// Makes a described variable hold an allowed value. One that exists is changed in place, so that
+/// whoever watches it is called.
+inline void store_allowed(MetaKel& target, const char* name, const MetaKelVarDescriptor& rules,
+                          KEL* content) {
+    const value stored = made_for(rules, content);
+    KELVarCursor at;
+    if (walk_of(&target)->findVar(at, name) && type_of(at.value) == type_of(stored.raw())) {
+        target.setVarValue(name, stored.raw());
+    } else {
+        target.setVar(name, stored.raw());
+    }
+}
+
+inline void clear_variable(MetaKel& target, const char* name) {
+    if (target.containsVar(name)) {
+        target.clearVar(name);
+    }
+}
+
+/// Stores a value if the variable is described and allows it. Returns why not, or nothing.
+/// \param path of the variable, for the reason
+inline std::string try_store(MetaKel& target, const char* name, const std::string& path,
+                             KEL* content) {
+    const MetaKelVarDescriptor* rules = description_of(target, name);
+    if (rules == nullptr) {
+        return path + " is not described.";
+    }
+    std::string reason = why_not(*rules, path, content);
+    if (reason.empty()) {
+        call([&] {
+            content == nullptr ? clear_variable(target, name)
+                               : store_allowed(target, name, *rules, content);
+        });
+    }
+    return reason;
+}
+
+inline void store_checked(MetaKel& target, const char* name, KEL* content) {
+    refuse_reserved(name);
+    if (content == nullptr) {
+        clear_variable(target, name);
+    } else if (const MetaKelVarDescriptor* rules = description_of(target, name)) {
+        const std::string reason = why_not(*rules, name, content);
+        if (!reason.empty()) {
+            throw not_allowed(reason);
+        }
+        store_allowed(target, name, *rules, content);
+    } else {
+        const value stored(share(content));
+        target.setVar(name, is_container(content) ? content : stored.copy().raw());
+    }
+}
+
+} // namespace detail
+} // namespace v1
+} // namespace kel

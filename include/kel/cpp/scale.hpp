@@ -1,0 +1,117 @@
+/// \file
+/// scale: the ends of a described variable, and what lies between.
+#pragma once
+
+#include <kel/cpp/rules.hpp>
+
+namespace kel {
+inline namespace v1 {
+namespace detail {
+
+/// Returns a number without the last digits that a sum of numbers up to the greatest one can have
+/// wrong: 603 steps of 0.1 from -60 are 0.3, not 0.30000000000000426.
+inline double without_noise(double number, double greatest) {
+    constexpr double most = 1e15; // beyond, every digit is before the point
+    if (!(greatest < most)) {
+        return number;
+    }
+    const int decimals = 14 - static_cast<int>(std::ceil(std::log10((std::max)(greatest, 1e-3))));
+    char digits[64];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed,
+                                   (std::max)(decimals, 0));
+    double rounded = number;
+    std::from_chars(digits, end.ptr, rounded);
+    return rounded;
+}
+
+/// The ends of a described variable, and what lies between.
+class scale {
+public:
+    scale(const MetaKelVarDescriptor& rules, const text& name) {
+        if (rules.isRanged()) {
+            least_ = least_of(rules);
+            greatest_ = greatest_of(rules);
+            width_ = greatest_ - least_;
+            step_ = rules.hasStepsize() || !rules.getInterpolated() ||
+                            rules.getVariableType() == KELKind_Int
+                        ? rules.getStepsize()
+                        : 0;
+            unit_ = rules.getStepsize();
+            is_whole_ = rules.getVariableType() == KELKind_Int;
+        } else if (rules.isEnumerated()) {
+            choices_ = choices_of(rules);
+        } else {
+            throw error(std::string(name.c_str()) + " has neither a range nor choices.");
+        }
+    }
+
+    double from(const value& content) const {
+        if (!choices_) {
+            return width_ > 0 ? (content.raw()->toDouble() - least_) / width_ : 0;
+        }
+        const double last = last_choice();
+        return last > 0 ? static_cast<double>(index_of(content)) / last : 0;
+    }
+    value at(double place) const {
+        if (choices_) {
+            return choice(static_cast<std::size_t>(std::lround(place * last_choice())));
+        }
+        return stepped(place * width_);
+    }
+    value after(const value& content, int steps, bool wraps) const {
+        if (choices_) {
+            const auto count = static_cast<std::int64_t>(choices_.size());
+            std::int64_t next = static_cast<std::int64_t>(index_of(content)) + steps;
+            next = wraps && count > 0 ? (next % count + count) % count
+                                      : (std::min)((std::max<std::int64_t>)(next, 0), count - 1);
+            return choice(static_cast<std::size_t>(next));
+        }
+        double offset = content.raw()->toDouble() - least_ + steps * unit_;
+        if (wraps && width_ > 0 && (offset < 0 || offset > width_)) {
+            const double turn = is_whole_ ? width_ + unit_ : width_;
+            offset -= std::floor(offset / turn) * turn;
+        }
+        return stepped((std::min)(width_, (std::max)(0.0, offset)));
+    }
+
+private:
+    double last_choice() const { return static_cast<double>(choices_.size()) - 1; }
+    std::size_t index_of(const value& content) const {
+        std::size_t index = 0;
+        for (const value& each : choices_.elements()) {
+            if (each == content) {
+                return index;
+            }
+            ++index;
+        }
+        return 0;
+    }
+    value choice(std::size_t index) const {
+        const value list = choices_;
+        return value(list[index]);
+    }
+    /// Returns the number at an offset from the least one, rounded to a step within the range.
+    value stepped(double offset) const {
+        double number = least_ + offset;
+        if (step_ > 0) {
+            constexpr double noise = 1e-9; // three steps of 0.1 are a little more than 0.3
+            const double last = std::floor(width_ / step_ + noise);
+            const double steps = (std::min)(std::round(offset / step_), last);
+            number = without_noise(least_ + steps * step_,
+                                   (std::max)(std::abs(least_), std::abs(greatest_)));
+        }
+        return (std::min)(greatest_, (std::max)(least_, number));
+    }
+
+    double least_ = 0;
+    double greatest_ = 0;
+    double width_ = 0;
+    double step_ = 0;       ///< numbers are rounded to multiples; 0 if they are not rounded
+    double unit_ = 1;       ///< the distance to the next number
+    bool is_whole_ = false; ///< the ends are different numbers, also of one that wraps
+    value choices_;
+};
+
+} // namespace detail
+} // namespace v1
+} // namespace kel

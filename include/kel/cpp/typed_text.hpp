@@ -1,0 +1,89 @@
+/// \file
+/// Reading what a person typed as the value of a described variable.
+#pragma once
+
+#include <kel/cpp/rules.hpp>
+
+namespace kel {
+inline namespace v1 {
+namespace detail {
+
+/// Returns the text without blanks at its ends.
+inline std::string_view trimmed(std::string_view text) {
+    constexpr const char* blanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(blanks);
+    return first == std::string_view::npos
+               ? std::string_view()
+               : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+/// Returns the text without the texts that a description shows before and after the value.
+inline std::string_view without_adornments(std::string_view text, std::string_view before,
+                                           std::string_view after) {
+    before = trimmed(before);
+    after = trimmed(after);
+    if (text.substr(0, before.size()) == before) {
+        text.remove_prefix(before.size());
+    }
+    if (text.size() >= after.size() && text.substr(text.size() - after.size()) == after) {
+        text.remove_suffix(after.size());
+    }
+    return trimmed(text);
+}
+
+/// Reads a whole text as a number with a decimal point, in every locale. The error is
+/// result_out_of_range for a number that no double is near to, and invalid_argument for any other
+/// text.
+inline std::errc read_number(std::string_view text, double& number) {
+    const bool has_plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data() + (has_plus ? 1 : 0), end, number);
+    if (read.ptr != end || read.ec == std::errc::invalid_argument) {
+        return std::errc::invalid_argument;
+    }
+    const bool is_number =
+        read.ec != std::errc() || std::isfinite(number); // "inf" and "nan" are not
+    return is_number ? read.ec : std::errc::invalid_argument;
+}
+
+/// Reads what a person typed for a described variable. Whether the description allows the value is
+/// not checked. \param reason set to why the text cannot be such a value
+inline value read_typed(const MetaKelVarDescriptor& rules, const std::string& path,
+                        std::string_view text, std::string& reason) {
+    const std::string before = text_of(rules.getPreadorn());
+    const std::string after = text_of(rules.getPostadorn());
+    const auto refuse = [&](const char* why) {
+        reason = path + ": \"" + std::string(text) + "\" " + why;
+        return value();
+    };
+    if (rules.isEnumerated()) {
+        for (const value& each : choices_of(rules).elements()) {
+            const std::string plain = plain_text(each.raw());
+            if (text == plain || text == before + plain + after) {
+                return each;
+            }
+        }
+    }
+    const std::int32_t wanted = rules.getVariableType();
+    if (wanted == KELKind_Int || wanted == KELKind_Double) {
+        double number = 0;
+        std::errc result = read_number(trimmed(text), number);
+        if (result == std::errc::invalid_argument) {
+            result = read_number(without_adornments(trimmed(text), before, after), number);
+        }
+        return result == std::errc()                      ? value(number)
+               : result == std::errc::result_out_of_range ? refuse("does not fit a Double.")
+                                                          : refuse("is not a number.");
+    }
+    if (wanted == KELKind_Boolean) {
+        const std::string_view word = trimmed(text);
+        return word == "true"    ? value(true)
+               : word == "false" ? value(false)
+                                 : refuse("is neither true nor false.");
+    }
+    return text.find('\0') == std::string_view::npos ? value(text) : refuse("contains a NUL.");
+}
+
+} // namespace detail
+} // namespace v1
+} // namespace kel

@@ -1,0 +1,133 @@
+// Taking over what fits from a document.
+#include <kel/kel.hpp>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+Lines messages(const std::vector<kel::mismatch>& found) {
+    Lines lines;
+    for (const kel::mismatch& each : found) {
+        lines.push_back('[' + each.path + "] " + each.message);
+    }
+    return lines;
+}
+
+kel::checked makePanel() {
+    return kel::checked({{"gain", kel::describe<double>().range(-60, 6).fallback(0)},
+                         {"mode", kel::describe<std::string>().one_of({"mono", "stereo"})},
+                         {"odd name", kel::describe<int>().fallback(7)}});
+}
+
+TEST(Merge, TakesOverWhatFitsInPlace) {
+    kel::value settings = kel::object({{"volume", 5},
+                                       {"rate", 1.5},
+                                       {"later", nullptr},
+                                       {"tags", kel::array({1})},
+                                       {"window", kel::object({{"width", 640}, {"height", 480}})}});
+    const kel::value width = settings["window"]["width"];
+    const kel::value saved = kel::object({{"volume", 7.0},
+                                          {"rate", 2},
+                                          {"later", kel::array({1})},
+                                          {"tags", kel::array({"a", "b"})},
+                                          {"window", kel::object({{"width", 800}})}});
+    EXPECT_EQ(messages(settings.merge(saved)), Lines());
+    EXPECT_EQ(settings["volume"].kind(), kel::kind::integer);
+    EXPECT_EQ(settings["rate"].kind(), kel::kind::real);
+    EXPECT_EQ(settings.at_path("later"), kel::array({1}));
+    EXPECT_FALSE(kel::same(settings["later"], saved["later"])) << "a copy";
+    EXPECT_EQ(settings.at_path("tags"), saved.at_path("tags"));
+    EXPECT_FALSE(kel::same(settings["tags"][0], saved["tags"][0])) << "a copy";
+    EXPECT_EQ(width.get<int>(), 800) << "the same object";
+    EXPECT_EQ(settings["window"]["height"].get<int>(), 480);
+}
+
+TEST(Merge, ReturnsWhatDoesNotFit) {
+    kel::value settings = kel::object(
+        {{"volume", 5}, {"name", "x"}, {"window", kel::object({{"size of", kel::object()}})}});
+    const kel::value before = settings.copy();
+    const kel::value saved = kel::object(
+        {{"volume", 7.5},
+         {"name", nullptr},
+         {"colour", 1},
+         {"window", kel::object({{"size of", kel::object({{"x", 1}})}, {"width", 1}})}});
+    EXPECT_EQ(
+        messages(settings.merge(saved)),
+        (Lines{"[colour] colour: no such variable.", "[name] name: wanted a string, found null.",
+               "[volume] volume: 7.5 is not a whole number of 32 bits.",
+               "[window.width] window.width: no such variable.",
+               "[window[\"size of\"].x] window[\"size of\"].x: no such variable."}));
+    EXPECT_EQ(settings, before);
+    EXPECT_EQ(messages(settings.merge(kel::array())),
+              (Lines{"[] wanted a struct, found an array."}));
+    EXPECT_EQ(messages(settings.merge(nullptr)), (Lines{"[] wanted a struct, found null."}));
+    EXPECT_THROW((void)kel::value(1).merge(saved), kel::type_error);
+    EXPECT_EQ(settings["window"].merge(kel::object({{"a", 1}})).size(), 1U);
+}
+
+TEST(Merge, ACheckedStructAsksItsDescriptions) {
+    kel::checked panel = makePanel();
+    EXPECT_EQ(
+        messages(panel.merge(
+            kel::object({{"gain", -7}, {"mode", "quad"}, {"odd name", "x"}, {"pan", 1}}))),
+        (Lines{"[mode] mode: \"quad\" is not allowed; allowed is one of \"mono\", \"stereo\".",
+               "[[\"odd name\"]] [\"odd name\"]: wanted an int, found a string.",
+               "[pan] pan is not described."}));
+    EXPECT_EQ(panel.get<double>("gain"), -7.0);
+
+    kel::value mixer = kel::object({{"left", panel}, {"right", makePanel()}});
+    EXPECT_EQ(messages(mixer.merge(kel::object(
+                  {{"left", kel::object({{"gain", 9}})}, {"right", kel::object({{"gain", 5}})}}))),
+              (Lines{"[left.gain] left.gain: 9 is not allowed; allowed is from -60 to 6."}));
+    EXPECT_EQ(mixer["right"]["gain"].get<double>(), 5.0);
+}
+
+TEST(Merge, TakesOverAnotherCheckedStruct) {
+    kel::checked panel = makePanel();
+    panel.set("gain", 3);
+    kel::checked other = makePanel();
+    EXPECT_EQ(messages(other.merge(panel)), Lines());
+    EXPECT_EQ(other.get<double>("gain"), 3.0);
+    kel::value plain = kel::object({{"gain", 0}});
+    EXPECT_EQ(messages(plain.merge(panel)), Lines());
+    EXPECT_EQ(plain["gain"].get<int>(), 3);
+}
+
+TEST(Merge, ValuesAreAPreset) {
+    kel::checked panel = makePanel();
+    panel.set("gain", 3);
+    const kel::value preset = panel.values();
+    EXPECT_EQ(preset, kel::object({{"gain", 3.0}, {"odd name", 7}})) << "the default too";
+    EXPECT_EQ(preset.kind(), kel::kind::structure);
+    panel.set("gain", 4);
+    panel.set("odd name", 8);
+    EXPECT_EQ(preset["gain"].get<double>(), 3.0) << "copies";
+    EXPECT_EQ(messages(panel.merge(kel::from_text(kel::to_text(preset)))), Lines());
+    EXPECT_EQ(panel.values(), preset);
+    panel["gain"] = nullptr;
+    EXPECT_EQ(panel.values()["gain"].get<double>(), 0.0);
+}
+
+TEST(Merge, EndsInStructsThatContainThemselves) {
+    kel::value a = kel::object({{"n", 1}});
+    kel::value b = kel::object({{"n", 2}});
+    a["self"] = a;
+    b["self"] = b;
+    EXPECT_EQ(messages(a.merge(b)), Lines());
+    EXPECT_EQ(a["n"].get<int>(), 2);
+    a.clear();
+    b.clear();
+}
+
+TEST(Merge, NotifiesWhoWatches) {
+    kel::value settings = kel::object({{"volume", 5}});
+    Lines seen;
+    const kel::subscription watching = kel::watch_tree(
+        settings, [&](std::string_view path, const kel::value&) { seen.emplace_back(path); });
+    EXPECT_TRUE(settings.merge(kel::object({{"volume", 7}})).empty());
+    EXPECT_EQ(seen, Lines{"volume"});
+}
+
+} // namespace
