@@ -32,6 +32,8 @@ endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
         DESTINATION ${kel_text_dir} COMPONENT kel-doc)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${kel_text_dir} COMPONENT kel-doc)
+# The reference and all pages as a site, if scripts/package.sh has built it.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${kel_text_dir} COMPONENT kel-doc OPTIONAL)
 # A Debian package has its license in the file "copyright".
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${kel_text_dir} COMPONENT tree)
 

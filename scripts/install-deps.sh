@@ -8,6 +8,8 @@
 #   tool    the command-line tool
 #   test    the tests, and a locale that writes numbers with a decimal comma
 #   package making the packages that are shipped
+#   docs    the reference and all pages as a site
+#   browser the tests of that site in a browser
 #   demo    the documents that scripts/demo.sh works on
 #   bench   the benchmarks
 #   linux32 building for 32-bit Linux, and its tests
@@ -25,6 +27,8 @@ packages_for() {
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
         test) echo "libgtest-dev python3 pkg-config binutils locales clang" ;;
         package) echo "dpkg-dev debhelper chrpath help2man lintian fakeroot python3" ;;
+        docs) echo "doxygen python3" ;;
+        browser) echo "chromium chromium-driver python3-selenium" ;;
         demo) echo "iso-codes python3" ;;
         bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3 jq time" ;;
         linux32) echo "g++-multilib googletest" ;;
@@ -62,7 +66,7 @@ has_comma_locale() {
 
 purposes="$*"
 if [ -z "$purposes" ]; then
-    echo "usage: $0 {build|tool|test|package|demo|bench|linux32|windows}..." >&2
+    echo "usage: $0 {build|tool|test|package|docs|browser|demo|bench|linux32|windows}..." >&2
     exit 2
 fi
 

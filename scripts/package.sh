@@ -22,7 +22,7 @@ case ${1-} in
         ;;
 esac
 
-scripts/install-deps.sh build tool package
+scripts/install-deps.sh build tool package docs
 if [ "$preset" = windows ]; then
     KEL_WINE=no scripts/install-deps.sh windows || [ $? = 10 ] # making a package needs no Wine
 fi
@@ -37,6 +37,7 @@ if [ "$preset" = linux32 ]; then
 fi
 cmake --preset $preset -DKEL_BUILD_TOOL=ON
 cmake --build --preset $preset --target kel kel_tool
+python3 -B scripts/docs/build.py . build/$preset/docs
 packages=build/$preset/packages
 rm -rf "$packages"
 cpack --config build/$preset/CPackConfig.cmake -B "$PWD/$packages"

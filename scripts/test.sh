@@ -36,7 +36,7 @@ run() {
 
 case ${1:-} in
     "")
-        scripts/install-deps.sh build tool test bench package
+        scripts/install-deps.sh build tool test bench package docs browser
         build release -DKEL_BUILD_BENCH=ON
         run release
         build asan -DKEL_BUILD_BENCH=OFF

@@ -12,6 +12,9 @@
 
 /// A failure with a message. All its virtual operations are inline, so every module has its own
 /// type information and a catch works across the library's boundary.
+///
+/// \par Failures
+/// Never fails.
 class JException : public virtual JObject {
 public:
     /// Copies the message. If the copy cannot be allocated, the exception has no message.
@@ -33,7 +36,8 @@ public:
         return message_.get();
     }
 
-    /// Does the same as getMessage. It has a slot of its own.
+    /// Does the same as getMessage, and the caller owns the reference too. It has a slot of its
+    /// own.
     virtual JString* getMessageString() const { return getMessage(); }
 
 protected:

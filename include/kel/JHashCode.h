@@ -8,15 +8,18 @@ class JString;
 
 /// A GUID in the platform's layout: one 32-bit field, two 16-bit fields, eight bytes.
 struct KELGuid {
-    uint32_t data1;
-    uint16_t data2;
-    uint16_t data3;
-    uint8_t data4[8];
+    uint32_t data1;   ///< the first field
+    uint16_t data2;   ///< the second field
+    uint16_t data3;   ///< the third field
+    uint8_t data4[8]; ///< the tail, in memory order
 };
 
 /// 128 bits as four 32-bit words, least significant first. It is a plain value of 16 bytes:
 /// trivially copyable, without virtual operations. It serves as the identity of an object, as the
 /// value of a KEL_guid and as the library's 128-bit integer.
+///
+/// \par Failures
+/// Never fails.
 class JHashCode {
 public:
     /// The length of toGuidText's output without the terminating NUL.

@@ -13,6 +13,9 @@
 ///
 /// Hosts see JObjects as exceptions and as the strings of their messages. Hosts never create one:
 /// the constructors are inside the library.
+///
+/// \par Failures
+/// Never fails.
 class JObject {
 public:
     /// Sets the count to 1 and draws a fresh identity.
@@ -28,6 +31,7 @@ public:
         : refCount_(1), hashCode_(hashCode), identityGiven_(true) {}
 
     /// Creates an object of its own, with count 1 and a fresh identity.
+    /// \throws JException by value, "Cannot create hash code.", if the platform has no GUID
     JObject(const JObject&) : JObject() {}
 
     /// Keeps this object's count and identity. There is nothing else to assign.
@@ -126,6 +130,7 @@ private:
 };
 
 /// Returns true if both are null, and false if only one is. Otherwise compares the identities.
+/// Never fails.
 inline bool equals(const JObject* a, const JObject* b) {
     return a == nullptr || b == nullptr ? a == b : a->equals(b);
 }

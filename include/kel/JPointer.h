@@ -7,8 +7,12 @@
 /// Holds one reference to a T (a class derived from JObject), or null. Adopting a raw pointer takes
 /// over the caller's reference. Copying and sharing add a reference. Clearing, assigning and
 /// destroying release the old one.
+///
+/// \par Failures
+/// Never fails.
 template <class T> class JPointer {
 public:
+    /// Holds nothing: the pointer is null.
     JPointer() noexcept : target_(nullptr) {}
 
     /// Adopts target without adding a reference. Null is allowed.

@@ -15,6 +15,9 @@ class MemoryPool;
 ///
 /// All virtual operations are inline, so every module has its own type information. They run only
 /// in the library, which holds their code and the heap of the characters.
+///
+/// \par Failures
+/// Never fails.
 class JString : public virtual JObject {
 public:
     /// Copies the text. Null gives a string without a buffer.
@@ -57,10 +60,13 @@ public:
     KEL_SLOTS(
         /// Returns a new string of the bytes from begin up to but not including end, owned by the
         /// caller. The caller guarantees the range. Returns null if the object cannot be allocated.
+        /// \throws JOutOfMemoryException as the constructors do if the text cannot be allocated
         virtual JString* substring(uint32_t begin, uint32_t end) const {
             return part(begin, end);
         },
-        /// Returns a new string of the bytes from begin to the end, owned by the caller.
+        /// Returns a new string of the bytes from begin to the end, owned by the caller. Returns
+        /// null if the object cannot be allocated.
+        /// \throws JOutOfMemoryException as the constructors do if the text cannot be allocated
         virtual JString* substring(uint32_t begin) const { return part(begin, countBytes()); })
 
     KEL_SLOTS(

@@ -2,8 +2,10 @@
 /// KEL: the operations of every value, whatever its kind.
 ///
 /// An operation that throws has changed nothing, unless an observer threw: then the change is
-/// complete and all observers have been called. An operation of a value that runs out of memory throws
-/// JOutOfMemoryException by value, unless its comment names another result.
+/// complete and all observers have been called. An operation of a value that runs out of memory
+/// throws JOutOfMemoryException by value, unless its comment names another result. Operations that
+/// only read, remove, select, exchange or release something need no memory, unless their comments
+/// say that they can run out of it.
 #pragma once
 
 #include <kel/JHashCode.h>
@@ -73,12 +75,12 @@ protected:
 /// Copying, assigning and comparing values of any kind.
 class KELInterface_V1 {
 public:
-    /// Returns a deep copy of the same kind, with an identity of its own, count 1 and no
-    /// observers; the caller owns it. A value that the source holds in two places becomes two
-    /// values, which can change independently. If a value in the source contains itself, the copy has
-    /// the same shape as the source instead: one copy of each value, shared in the same places. A
-    /// struct's null variable becomes an Int 0; a checked struct's remains null. The copy of a
-    /// manager holds the same elements, the copy of a selector selects from the same list.
+    /// Returns a deep copy of the same kind, with an identity of its own, count 1 and no observers;
+    /// the caller owns it. A value that the source holds in two places becomes two values, which
+    /// can change independently. If a value in the source contains itself, the copy has the same
+    /// shape as the source instead: one copy of each value, shared in the same places. A struct's
+    /// null variable becomes an Int 0; a checked struct's remains null. The copy of a manager holds
+    /// the same elements, the copy of a selector selects from the same list.
     /// \throws JOutOfMemoryException "Out of memory!", by value; also if shared values would become
     ///         more than 2147483647 values
     virtual KEL* copy() const = 0;
@@ -113,7 +115,7 @@ public:
     /// containers. Int and Double compare as numbers; other values of different kinds are unequal.
     /// Identities and sharing never matter, and values that contain themselves are equal if no
     /// difference can be found. Returns false for null. The time grows with the number of distinct
-    /// values in both, however they are shared.
+    /// values in both, however they are shared. Can run out of memory.
     virtual bool equalsValue(const KEL* other) const = 0;
 
     /// Returns the version of this kind's stored form: 1.
@@ -145,5 +147,6 @@ protected:
     ~KEL() = default;
 };
 
-/// Releases the value once, which deletes it only if nobody else holds it. Null is ignored.
+/// Releases the value once, which deletes it only if nobody else holds it. Null is ignored. Gives
+/// up the caller's reference. Never fails.
 KEL_API void KEL_CALL DeleteKEL(KEL* value);

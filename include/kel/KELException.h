@@ -11,11 +11,14 @@
 #include <kel/config.h>
 
 /// The operations of every failure of the value layer. Their slots never change.
+///
+/// \par Failures
+/// Never fails.
 class KELInterface_Exception_V1 {
 public:
     /// Returns the message, owned by the exception and valid until the exception is deleted.
     virtual const char* getMessage() = 0;
-    /// Does the same as getMessage. It has a slot of its own.
+    /// Does the same as getMessage, and the exception owns the text too. It has a slot of its own.
     virtual const char* getMessageText() const = 0;
     /// Adds one reference.
     virtual void addRef() = 0;
@@ -55,5 +58,5 @@ KEL_EXCEPTION(KELNullPointerException);           ///< null passed to a writer
 #undef KEL_EXCEPTION
 
 /// Releases a caught exception once, which deletes it unless somebody else holds it. Null is
-/// ignored.
+/// ignored. Gives up the caller's reference. Never fails.
 KEL_API void KEL_CALL DeleteKELException(KELException* exception);

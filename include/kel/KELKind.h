@@ -4,11 +4,12 @@
 
 #include <kel/config.h>
 
-/// Every kind, a row each: KIND(name, code, public class, words, is a container, then whether it has a
-/// text, a binary and a JSON form). The enumeration and the table below are made from these rows.
+/// Every kind, a row each: KIND(name, code, public class, words, is a container, then whether it
+/// has a text, a binary and a JSON form). The enumeration and the table below are made from these
+/// rows.
 ///
-/// Codes are stored in files: a number is never used again for another kind. The numbers between the
-/// groups name no kind.
+/// Codes are stored in files: a number is never used again for another kind. The numbers between
+/// the groups name no kind.
 #define KEL_EVERY_KIND(KIND) \
     KIND(Int,                   1, KEL_Int,              "an int",                false, true,  true,  true)  \
     KIND(Boolean,               2, KEL_Boolean,          "a boolean",             false, true,  true,  true)  \
@@ -36,7 +37,7 @@ enum KELKind : int32_t {
 
 /// The facts about every value of a kind.
 struct KELKindFacts {
-    KELKind kind;
+    KELKind kind;       ///< the code
     const char* name;   ///< of the public class, such as "KEL_Int"
     const char* words;  ///< for messages, such as "an int"
     bool isContainer;   ///< whether its contents are other values
@@ -56,8 +57,9 @@ inline constexpr KELKindFacts KELKinds[] = {
 #undef KEL_FACTS
 };
 
-/// Returns the facts about the kind with this code, or null if there is none. A library that is newer
-/// than this header can have kinds that are not listed here.
+/// Returns the facts about the kind with this code, or null if the table lacks it. The table owns
+/// the row, which is always valid. Never fails. A library that is newer than this header can have
+/// kinds that are not listed here.
 inline const KELKindFacts* findKELKind(int32_t code) {
     for (const KELKindFacts& facts : KELKinds) {
         if (facts.kind == code) {

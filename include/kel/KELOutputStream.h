@@ -5,8 +5,13 @@
 #include <kel/KEL.h>
 #include <stdio.h>
 
-/// Writes values, and single numbers between them. If the medium fails, an operation throws a
-/// KELIOException with the medium's message.
+/// Writes values, and single numbers between them.
+///
+/// \par Failures
+/// If the medium fails: KELIOException with the medium's message.
+///
+/// \par Ownership
+/// The argument is only read. The stream adds no reference.
 class KELInterface_OutputStream_V1 {
 public:
     /// Writes a whole value. Text: a null value writes nothing. Bytes written before a failure
@@ -16,6 +21,7 @@ public:
     /// \throws KELNullPointerException "General KEL exception." for null (binary)
     /// \throws KELOutOfMemoryException "Out of memory!"; a string stream that cannot allocate its
     ///         text throws a KELIOException, as for any failing medium
+    /// \throws KELIOException with the medium's message if the medium fails
     virtual void write(KEL* value) = 0;
     /// Writes a decimal number (text) or one byte (binary).
     virtual void JWrite8(int8_t value) = 0;
@@ -57,7 +63,7 @@ protected:
 class KELTextOutputStreamInterface_V1 {
 public:
     /// Turns on or off the comment after each memory block that shows its bytes up to the first
-    /// NUL. It is initially off.
+    /// NUL. It is initially off. Never fails.
     virtual void setMemBlockComment(bool flag) = 0;
 
 protected:
@@ -77,8 +83,9 @@ public:
     /// Returns the text written so far, null-terminated and owned by the stream. Returns null
     /// before the first write. The text is valid until getString is called after a further write,
     /// or until the stream is deleted.
+    /// \throws JOutOfMemoryException "StringWriter out of memory.", by value
     virtual const char* getString() = 0;
-    /// Returns the number of characters written, plus one for the NUL.
+    /// Returns the number of characters written, plus one for the NUL. Never fails.
     virtual uint32_t getStringSize() const = 0;
 
 protected:
@@ -99,28 +106,33 @@ protected:
 };
 
 /// Returns a new stream that writes text to a host's open FILE (binary mode). The stream flushes
-/// the FILE but never closes it. Returns null when out of memory.
+/// the FILE but never closes it. The stream is owned by the caller. Returns null when out of
+/// memory.
 /// \throws JIOException by value, "FileOutputStream. Cannot open file.", for a null handle
 KEL_API KELTextOutputStream* KEL_CALL CreateKELTextOutputStream(FILE* file);
 
 /// Returns a new stream that writes text to a file, either appending or replacing the file's
-/// contents. The name is bytes on Linux and UTF-8 on Windows.
+/// contents. The name is bytes on Linux and UTF-8 on Windows. The stream is owned by the caller.
+/// Returns null when out of memory.
 /// \throws JIOException by value, "FileOutputStream. Cannot open file."
 KEL_API KELTextOutputStream* KEL_CALL CreateKELTextOutputStream(const char* fileName, bool append);
 
-/// Returns a new stream that writes text to a string that it owns.
+/// Returns a new stream that writes text to a string that it owns. The stream is owned by the
+/// caller. Returns null when out of memory.
 KEL_API KELStringOutputStream* KEL_CALL CreateKELStringOutputStream();
 
 /// Returns a new stream that writes binary to a host's open FILE (binary mode). The stream flushes
-/// the FILE but never closes it.
+/// the FILE but never closes it. The stream is owned by the caller. Returns null when out of
+/// memory.
 /// \throws JIOException by value, "FileOutputStream. Cannot open file.", for a null handle
 KEL_API KELBinaryOutputStream* KEL_CALL CreateKELBinaryOutputStream(FILE* file);
 
-/// Returns a new stream that writes binary to a file and replaces its contents.
+/// Returns a new stream that writes binary to a file and replaces its contents. The stream is owned
+/// by the caller. Returns null when out of memory.
 /// \throws JIOException by value, "FileOutputStream. Cannot open file."
 KEL_API KELBinaryOutputStream* KEL_CALL CreateKELBinaryOutputStream(const char* fileName);
 
-/// Closes and releases the stream. Null is ignored. The stream is released even if it throws
-/// because the last bytes cannot be written.
+/// Closes and releases the stream, and gives up the caller's reference. Null is ignored. The stream
+/// is released even if it throws because the last bytes cannot be written.
 /// \throws KELIOException "FileOutputStream::JClose() error."
 KEL_API void KEL_CALL DeleteKELOutputStream(KELOutputStream* stream);

@@ -17,6 +17,9 @@ class KEL_Array;
 ///
 /// "Bad index" below means KELArrayIndexOutOfBoundsException "Array index out of bounds."; the
 /// array is then unchanged and nobody is notified.
+///
+/// \par Ownership
+/// The array shares the values that it stores: it adds a reference of its own.
 class KELInterface_Array_V1 {
 public:
     KEL_SLOTS(
@@ -42,7 +45,8 @@ public:
 
     /// Inserts value at index, from 0 to the count. Null is ignored. Throws on a bad index.
     virtual void insertVar(KEL* value, int32_t index) = 0;
-    /// Replaces the element at index with value. Null is ignored. Throws on a bad index.
+    /// Replaces the element at index with value. Null is ignored. Throws on a bad index. Needs no
+    /// memory.
     virtual void setVar(KEL* value, int32_t index) = 0;
 
     /// Converts text into the element at index, as setVarValue does. Null is ignored.

@@ -9,6 +9,9 @@ class KEL_Boolean;
 /// Operations of a Boolean. The setters from other types convert by the rules of that type's own
 /// conversions. They return this value, borrowed, so calls can be chained. Every setter marks the
 /// value changed and notifies its observers once.
+///
+/// \par Failures
+/// Only what an observer throws.
 class KELInterface_Boolean_V1 {
 public:
     /// Returns the value.

@@ -24,30 +24,32 @@ class KEL_IndexList;
 /// that the library did not create is treated as null where it would be stored, and is never found
 /// by identity.
 ///
-/// A failed lookup throws a KELNoSuchElementException and changes nothing:
+/// A failed lookup throws and changes nothing. Four failures have short names below:
 ///
-/// - "Key not found in list." for a key by identity
-/// - "Item not found in list." for an item by identity
-/// - "Key value not found in list." for a key by value
+/// - "Unknown key" means KELNoSuchElementException "Key not found in list.", by identity.
+/// - "Unknown item" means KELNoSuchElementException "Item not found in list.", by identity.
+/// - "Unknown key value" means KELNoSuchElementException "Key value not found in list.", by value.
+/// - "Bad index" means KELArrayIndexOutOfBoundsException "Array index out of bounds.".
 ///
-/// A bad index throws KELArrayIndexOutOfBoundsException "Array index out of bounds.".
+/// \par Ownership
+/// The list shares the keys and items that it stores: it adds a reference of its own to each.
 class KELInterface_IndexList_V1 {
 public:
     KEL_SLOTS(
-        /// Returns the item of the key, by identity, borrowed. Throws if the key is not found.
+        /// Returns the item of the key, by identity, borrowed. Throws on an unknown key.
         virtual KEL* getItem(const KEL* key) = 0;,
-        /// Returns the same item from a constant list.
+        /// Returns the same item from a constant list, borrowed too. Throws on an unknown key.
         virtual KEL* getItem(const KEL* key) const = 0;)
     KEL_SLOTS(
-        /// Returns the key of the item, by identity, borrowed. Throws if the item is not found.
+        /// Returns the key of the item, by identity, borrowed. Throws on an unknown item.
         virtual KEL* getKey(const KEL* item) = 0;,
-        /// Returns the same key from a constant list.
+        /// Returns the same key from a constant list, borrowed too. Throws on an unknown item.
         virtual KEL* getKey(const KEL* item) const = 0;)
     /// Returns true if key is a key of the list, by identity.
     virtual bool containsKey(const KEL* key) const = 0;
-    /// Removes the pair of the key, by identity. Throws if the key is not found.
+    /// Removes the pair of the key, by identity. Throws on an unknown key.
     virtual void removeKey(const KEL* key) = 0;
-    /// Removes the pair of the item, by identity. Throws if the item is not found.
+    /// Removes the pair of the item, by identity. Throws on an unknown item.
     virtual void removeItem(const KEL* item) = 0;
     /// Returns true if item is an item of the list, by identity.
     virtual bool containsItem(const KEL* item) const = 0;
@@ -56,27 +58,31 @@ public:
     /// Returns the first index of the item, by identity, or -1.
     virtual int32_t indexOfItem(const KEL* item) const = 0;
     KEL_SLOTS(
-        /// Returns the item of the first key that equals keyValue, borrowed. Throws if there is
-        /// none.
+        /// Returns the item of the first key that equals keyValue, borrowed. Throws on an unknown
+        /// key value. Can run out of memory.
         virtual KEL* getItemOfKeyValue(const KEL* keyValue) = 0;,
-        /// Returns the same item from a constant list.
+        /// Returns the same item from a constant list, borrowed too. Throws on an unknown key
+        /// value. Can run out of memory.
         virtual KEL* getItemOfKeyValue(const KEL* keyValue) const = 0;)
-    /// Returns true if a key equals keyValue.
+    /// Returns true if a key equals keyValue. Can run out of memory.
     virtual bool containsKeyValue(const KEL* keyValue) const = 0;
-    /// Returns the first index of a key that equals keyValue, or -1.
+    /// Returns the first index of a key that equals keyValue, or -1. Can run out of memory.
     virtual int32_t indexOfKeyValue(const KEL* keyValue) const = 0;
-    /// Returns the item of the first String key with this text, borrowed. Throws as
-    /// getItemOfKeyValue does.
+    /// Returns the item of the first String key with this text, borrowed. Throws on an unknown key
+    /// value. Can run out of memory.
     virtual KEL* getItemOfKeyText(const char* text) const = 0;
     /// Removes the pairs whose key equals keyValue and notifies once. After each removal the scan
-    /// skips the next pair, so the second of two equal neighbours remains. Throws if there is none.
+    /// skips the next pair, so the second of two equal neighbours remains. Throws on an unknown key
+    /// value. Can run out of memory.
     virtual void removeKeyValue(const KEL* keyValue) = 0;
-    /// Replaces the item of the key, by identity, with newItem. Throws if the key is not found.
+    /// Replaces the item of the key, by identity, with newItem. Throws on an unknown key. Needs no
+    /// memory.
     virtual void setItemOfKey(const KEL* key, KEL* newItem) = 0;
-    /// Replaces the key of the item, by identity, with newKey. Throws if the item is not found.
+    /// Replaces the key of the item, by identity, with newKey. Throws on an unknown item. Needs no
+    /// memory.
     virtual void setKeyOfItem(const KEL* item, KEL* newKey) = 0;
-    /// Replaces the item of the first key that equals keyValue with newItem. Throws if there is
-    /// none.
+    /// Replaces the item of the first key that equals keyValue with newItem. Throws on an unknown
+    /// key value.
     virtual void setItemOfKeyValue(const KEL* keyValue, KEL* newItem) = 0;
 
     /// Calls setKeyValue with a String of this text. Null is ignored.
@@ -99,7 +105,7 @@ public:
     virtual void setKeyBoolean(const KEL* keyValue, bool value) = 0;
     /// Assigns newValue's contents to every key that equals keyValue. The keys remain the same
     /// objects and notify their own observers. If one of them would refuse, nothing is assigned.
-    /// Throws if no key is equal.
+    /// Throws on an unknown key value.
     /// \throws KELNoSuchTypeException "Can't set the value when types are not equal!"
     /// \throws KELMemBlockException "Cannot write past the end of the memory block." for a block of
     ///         another size
@@ -182,18 +188,19 @@ public:
     KEL_SLOTS(
         /// Returns the list's own array of keys, borrowed.
         virtual KEL_Array* getKeys() = 0;,
-        /// Returns the same array from a constant list.
+        /// Returns the same array from a constant list, borrowed too.
         virtual const KEL_Array* getKeys() const = 0;)
     KEL_SLOTS(
         /// Returns the list's own array of items, borrowed.
         virtual KEL_Array* getItems() = 0;,
-        /// Returns the same array from a constant list.
+        /// Returns the same array from a constant list, borrowed too.
         virtual const KEL_Array* getItems() const = 0;)
     /// Returns the key at index, borrowed. Throws on a bad index.
     virtual KEL* getKeyAt(int32_t index) const = 0;
     /// Returns the item at index, borrowed. Throws on a bad index.
     virtual KEL* getItemAt(int32_t index) const = 0;
-    /// Replaces the item at index with newItem. Null is ignored. Throws on a bad index.
+    /// Replaces the item at index with newItem. Null is ignored. Throws on a bad index. Needs no
+    /// memory.
     virtual void setItemAt(int32_t index, KEL* newItem) = 0;
 
 protected:
@@ -210,13 +217,13 @@ class KEL_IndexList : public virtual KEL,
                       public virtual KEL_Observable,
                       public virtual KELInterface_IndexList_V1 {
 public:
-    /// Returns true if a String key has this text.
+    /// Returns true if a String key has this text. Can run out of memory.
     virtual bool containsKeyText(const char* text) const = 0;
-    /// Replaces the item of the first String key with this text with newItem. Throws as
-    /// setItemOfKeyValue does.
+    /// Replaces the item of the first String key with this text with newItem, which the list
+    /// shares. Throws as setItemOfKeyValue does.
     virtual void setItemOfKeyText(const char* text, KEL* newItem) = 0;
     /// Removes the pairs whose key is a String with this text, as removeKeyValue does. Throws as
-    /// removeKeyValue does.
+    /// removeKeyValue does. Can run out of memory.
     virtual void removeKeyText(const char* text) = 0;
 
 protected:
@@ -226,20 +233,22 @@ protected:
 /// Returns a new empty list with count 1, owned by the caller. Returns null when out of memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList();
 
-/// Returns a new list over the given array of items, which it shares. The keys are new Strings with
-/// the items' text forms (empty for an item without one). A null array gives an empty list. Returns
-/// null for an array that the library did not create, and when out of memory.
+/// Returns a new list, owned by the caller, over the given array of items, which it shares. The
+/// keys are new Strings with the items' text forms (empty for an item without one). A null array
+/// gives an empty list. Returns null for an array that the library did not create, and when out of
+/// memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* items);
 
-/// Returns a new list over both given arrays, which it shares. Returns null in these cases:
+/// Returns a new list, owned by the caller, over both given arrays, which it shares. Returns null
+/// in these cases:
 /// - one array is null or not created by the library
 /// - both are the same array
 /// - their counts differ
 /// - out of memory
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Array* keys, KEL_Array* items);
 
-/// Returns a new list of a struct's variables in ascending order of their names. The keys are new
-/// Strings with the names. The items are the values themselves, shared. A variable that holds null
-/// gives no pair. A null struct gives an empty list. Returns null for a struct that the library did
-/// not create, and when out of memory.
+/// Returns a new list, owned by the caller, of a struct's variables in ascending order of their
+/// names. The keys are new Strings with the names. The items are the values themselves, shared. A
+/// variable that holds null gives no pair. A null struct gives an empty list. Returns null for a
+/// struct that the library did not create, and when out of memory.
 KEL_API KEL_IndexList* KEL_CALL CreateKELIndexList(KEL_Struct* variables);

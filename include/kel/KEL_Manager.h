@@ -8,6 +8,9 @@
 /// Operations of a manager. It shares its elements and keeps them in the order in which they were
 /// added. No two elements have the same identity. Lookup is a linear scan: managers are meant for
 /// tens to hundreds of values.
+///
+/// \par Ownership
+/// The manager shares its elements: it adds a reference of its own to each.
 class KELInterface_Manager_V1 {
 public:
     /// Returns true if an element has this identity.
@@ -15,8 +18,8 @@ public:
     /// Appends value, or replaces the element with the same identity, and notifies. Null is
     /// ignored.
     virtual void addKel(KEL* value) = 0;
-    /// Returns the same element as getKel, through its value base. The library uses this form;
-    /// hosts need only getKel.
+    /// Returns the same element as getKel, borrowed, through its value base. The library uses this
+    /// form; hosts need only getKel.
     /// \throws KELNoSuchElementException "getKel: no such element"
     virtual KEL* getKelBase(JHashCode hashCode) const = 0;
     /// Returns the element with this identity, borrowed: the manager keeps its reference.
@@ -35,7 +38,7 @@ public:
         /// \throws KELNoSuchTypeException "createKel: Unknown type."
         /// \throws JOutOfMemoryException "Out of memory!", by value, whatever the kind
         virtual KEL* createKel(int32_t kind) = 0;,
-        /// Does the same with the given identity. Throws the same.
+        /// Does the same with the given identity; the caller owns the value too. Throws the same.
         virtual KEL* createKel(int32_t kind, JHashCode hashCode) = 0;)
 
 protected:

@@ -16,7 +16,7 @@ public:
     ///         block
     virtual void read(int32_t offset, void* destination, int32_t count) = 0;
     /// Copies count bytes from source into the block, starting at offset, and notifies the
-    /// observers. A null source does nothing.
+    /// observers. A null source does nothing. Needs no memory.
     /// \throws KELMemBlockException "Cannot write past the end of the memory block."
     virtual void write(int32_t offset, const void* source, int32_t count) = 0;
     /// Returns the number of bytes, which is fixed when the block is created.

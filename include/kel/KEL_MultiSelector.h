@@ -7,13 +7,16 @@
 /// Operations of a multi-selector. It keeps the selected keys without duplicates, in the order in
 /// which they were selected. Selecting an item selects its key. A call that really changes the
 /// selection marks the selector changed and notifies its observers once.
+///
+/// \par Ownership
+/// The selector shares the list and the selected keys. An argument is only looked up in the list.
 class KELInterface_MultiSelector_V1 {
 public:
-    /// Adds the list's key with this key's identity to the selection.
+    /// Adds the list's key with this key's identity to the selection. Can run out of memory.
     /// \return true, even if the key was selected already; false, without a change, if the key is
     ///         not in the list, and for null
     virtual bool selectKey(KEL* key) = 0;
-    /// Adds the key of an item of the list to the selection.
+    /// Adds the key of an item of the list to the selection. Can run out of memory.
     /// \return false, without a change, if the item is not in the list, and for null
     virtual bool selectItem(KEL* item) = 0;
     /// Removes a key from the selection.
@@ -31,7 +34,7 @@ public:
     /// the selection.
     virtual KEL_Array* getSelectedKeys() const = 0;
     /// Returns a new array with the list's item for each selected key, in order, owned by the
-    /// caller.
+    /// caller. Can run out of memory.
     /// \throws KELNoSuchElementException "Key not found in list." if a key has left the list
     virtual KEL_Array* getSelectedItems() const = 0;
     /// Returns true if the key is selected, by identity. For null, returns true if nothing is
@@ -42,8 +45,8 @@ public:
     virtual bool isItemSelected(const KEL* item) const = 0;
     /// Returns the list whose keys can be selected, borrowed.
     virtual KEL_IndexList* getList() const = 0;
-    /// Replaces the list and notifies. The selection does not change. Null, or the current list,
-    /// does nothing.
+    /// Replaces the list, which the selector shares, and notifies. Needs no memory. The selection
+    /// does not change. Null, or the current list, does nothing.
     virtual void setList(KEL_IndexList* list) = 0;
 
 protected:

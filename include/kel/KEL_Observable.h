@@ -11,7 +11,8 @@ class JObserver;
 /// and remove observers, and change or release the value.
 class KEL_Observer {
 public:
-    /// Called after value has changed, once for each change. The value is borrowed.
+    /// Called after value has changed, once for each change. The value is borrowed. What it throws
+    /// reaches the caller of the change, after the change is complete and all observers are called.
     virtual void update(KEL* value) = 0;
 
 protected:
@@ -21,14 +22,17 @@ protected:
 /// Registers observers. Containers are KEL_Observables by declaration; use
 /// dynamic_cast<KEL_Observable*>(value) for every other value. Observers are called in the order of
 /// their registration. A container does not observe its elements.
+///
+/// \par Ownership
+/// The value never owns a host's observer. It gives up its reference to one of the runtime.
 class KELInterface_Observable_V1 {
 public:
     KEL_SLOTS(
         /// Registers an observer of the runtime. The value holds a reference to it. Null, or an
         /// observer that is registered already, changes nothing.
         virtual void addObserver(JObserver* observer) = 0;,
-        /// Registers a host's observer. Null, or an observer that is registered already, changes
-        /// nothing.
+        /// Registers a host's observer, which remains the host's: the value adds no reference.
+        /// Null, or an observer that is registered already, changes nothing.
         virtual void addObserver(KEL_Observer* observer) = 0;)
     KEL_SLOTS(
         /// Removes a host's observer. Null, or an observer that is not registered, changes nothing.

@@ -7,6 +7,9 @@
 /// Operations of a selector. The selection is a key of the list, or nothing. Selecting an item
 /// selects its key. A call that really changes the selection marks the selector changed and
 /// notifies its observers once.
+///
+/// \par Ownership
+/// The selector shares the list and the selected key. An argument is only looked up in the list.
 class KELInterface_Selector_V1 {
 public:
     /// Selects the list's key with this key's identity. Null clears the selection.
@@ -23,14 +26,14 @@ public:
     KEL_SLOTS(
         /// Returns the selected key, borrowed. Returns null if nothing is selected.
         virtual KEL* getSelectedKey() = 0;,
-        /// Returns the same key from a constant selector.
+        /// Returns the same key from a constant selector, borrowed too.
         virtual KEL* getSelectedKey() const = 0;)
     /// Returns the list's item for the selected key, found by the key's identity and borrowed.
     /// Returns null if nothing is selected.
     /// \throws KELNoSuchElementException "Key not found in list." if the key has left the list
     virtual KEL* getSelectedItem() const = 0;
     /// Returns the list's item for the first key that is equal in value to the selected one,
-    /// borrowed. Returns null if nothing is selected.
+    /// borrowed. Returns null if nothing is selected. Can run out of memory.
     /// \throws KELNoSuchElementException "Key value not found in list."
     virtual KEL* getSelectedItemByKeyValue() const = 0;
     /// Returns true if key is the selected key, by identity. If nothing is selected, returns true
@@ -42,8 +45,9 @@ public:
     virtual bool isSelectedItem(const KEL* item) const = 0;
     /// Returns the list whose keys can be selected, borrowed.
     virtual KEL_IndexList* getList() const = 0;
-    /// Replaces the list and notifies. The selection does not change, even if its key is not in the
-    /// new list. Null, or the current list, does nothing.
+    /// Replaces the list, which the selector shares, and notifies. Needs no memory. The selection
+    /// does not change, even if its key is not in the new list. Null, or the current list, does
+    /// nothing.
     virtual void setList(KEL_IndexList* list) = 0;
 
 protected:

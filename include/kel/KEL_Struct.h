@@ -34,6 +34,9 @@ class KEL_Struct;
 ///   unknown variable name.".
 /// - "Unknown to change" means KELNoSuchElementException "KEL_Struct_Impl. Cannot remove variable -
 ///   name does not exist.".
+///
+/// \par Ownership
+/// The struct shares the values that it stores: it adds a reference of its own.
 class KELInterface_Struct_V1 {
 public:
     KEL_SLOTS(
@@ -119,7 +122,7 @@ public:
     /// Returns true if the name exists, with or without a value.
     virtual bool containsVar(const char* name) const = 0;
     /// Returns a copy of all names in ascending order. Later changes of the struct do not affect
-    /// it. The caller releases it with DeleteStringEnumeration.
+    /// it. The caller releases it with DeleteStringEnumeration. Can run out of memory.
     virtual StringEnumeration* getVarNames() const = 0;
     /// Removes every variable and notifies once, even if the struct was empty.
     virtual void removeAllVars() = 0;
@@ -154,37 +157,40 @@ struct KELVarCursor {
     uint32_t place[2] = {0, 0}; ///< for the library only
 };
 
-/// Operations of a struct, second version: walking without a copy of the names. Every struct, checked
-/// struct and descriptor of this library has them. Reach them with dynamic_cast, which returns null
-/// for the values of an older library:
+/// Operations of a struct, second version: walking without a copy of the names. Every struct,
+/// checked struct and descriptor of this library has them. Reach them with dynamic_cast, which
+/// returns null for the values of an older library:
 ///
 ///     const auto* walk = dynamic_cast<const KELInterface_Struct_V2*>(value);
 ///     for (KELVarCursor at; walk->nextVar(at);) { use(at.name, at.value); }
 ///
 /// A cursor's name is valid until a variable is added, removed or renamed, and its value as long as
 /// the struct holds it. Storing under an existing name (addVar, put...) removes a variable and adds
-/// one, and so does a set... of a variable that holds null. A walk sees what the struct itself holds: null for a variable without a
-/// value, and of a checked struct no defaults.
+/// one, and so does a set... of a variable that holds null. A walk sees what the struct itself
+/// holds: null for a variable without a value, and of a checked struct no defaults.
+///
+/// \par Ownership
+/// The cursor borrows its name and its value from the struct.
 class KELInterface_Struct_V2 : public virtual KELInterface_Struct_V1 {
 public:
-    /// Moves the cursor to the next variable in ascending order of the names. Values can be changed,
-    /// and replaced by setVar, during a walk. If variables were added, removed or renamed since the
-    /// last call, the walk stays safe but can pass over variables or come to some again; use
-    /// nextVarAfter then.
+    /// Moves the cursor to the next variable in ascending order of the names. Values can be
+    /// changed, and replaced by setVar, during a walk. If variables were added, removed or renamed
+    /// since the last call, the walk stays safe but can pass over variables or come to some again;
+    /// use nextVarAfter then.
     /// \return false after the last variable; the cursor's name and value are then null
     virtual bool nextVar(KELVarCursor& cursor) const = 0;
-    /// Moves the cursor to the first variable whose name comes after name, whatever changed. The name
-    /// need not exist. It can be the cursor's own, if it is still valid; a host that adds, removes or
-    /// renames variables during a walk keeps a copy. A call for the name that the cursor has reached
-    /// costs no search. Null or empty: moves to the first variable.
+    /// Moves the cursor to the first variable whose name comes after name, whatever changed. The
+    /// name need not exist. It can be the cursor's own, if it is still valid; a host that adds,
+    /// removes or renames variables during a walk keeps a copy. A call for the name that the cursor
+    /// has reached costs no search. Null or empty: moves to the first variable.
     /// \return false if no name comes after name; the cursor's name and value are then null
     virtual bool nextVarAfter(KELVarCursor& cursor, const char* name) const = 0;
     /// Moves the cursor to the variable with this name. A walk can go on from there.
     /// \return false if the name does not exist, and for null; the cursor is then unchanged
     virtual bool findVar(KELVarCursor& cursor, const char* name) const = 0;
-    /// Makes room for this many variables in total, so that adding them takes fewer allocations. This
-    /// is a hint: very many variables get room for the first of them. Nobody is notified. A count
-    /// that is not greater than what there is room for changes nothing.
+    /// Makes room for this many variables in total, so that adding them takes fewer allocations.
+    /// This is a hint: very many variables get room for the first of them. Nobody is notified. A
+    /// count that is not greater than what there is room for changes nothing.
     /// \throws JOutOfMemoryException "Out of memory!", by value
     virtual void reserveVars(int32_t count) = 0;
 

@@ -9,6 +9,9 @@ class KEL_guid;
 /// Operations of a guid. The setters from other types convert by the rules of that type's own
 /// conversions. They return this value, borrowed, so calls can be chained. Every setter marks the
 /// value changed and notifies its observers once.
+///
+/// \par Failures
+/// Only what an observer throws.
 class KELInterface_guid_V1 {
 public:
     /// Copies the value into out and returns out.

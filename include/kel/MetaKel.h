@@ -6,6 +6,9 @@
 
 /// The operations that a checked struct adds to those of a struct. The descriptor in use is the
 /// MetaKelDescriptor stored under "@desc". A value of any other kind there counts as no descriptor.
+///
+/// \par Ownership
+/// The struct shares the values and descriptors that it stores: it adds a reference of its own.
 class MetaKelInterface_V1 : public virtual KEL_Struct {
 public:
     /// Sets a variable's value to null. A null or empty name does nothing.
@@ -52,14 +55,17 @@ protected:
 /// not checked, and removeVar and renameVar can change "@desc" too. Every call that changes
 /// variables notifies the observers once, also for changes in place (setInt, setVarValue, ...) and
 /// when it describes a variable.
+///
+/// \par Ownership
+/// The struct shares the values and descriptors that it stores: it adds a reference of its own.
 class MetaKel : public virtual KEL_Struct, public virtual MetaKelInterface_V1 {
 public:
     using KEL_Struct::getVar;
 
     /// Returns the variable's value, borrowed. For a missing variable, returns its descriptor's
     /// default, which is added to the variables if storeDefault is true. Returns null for a null or
-    /// empty name. Throws as getVar does. The result is valid unless an observer of the addition
-    /// removes both the variable and its descriptor.
+    /// empty name. Throws as getVar does. Can run out of memory. The result is valid unless an
+    /// observer of the addition removes both the variable and its descriptor.
     virtual KEL* getVar(const char* name, bool storeDefault) = 0;
 
     /// Calls createVar with a new descriptor that states the value's kind as the type. A null value

@@ -29,6 +29,9 @@
 ///
 /// Values are shared, never copied. Failures are KELExceptions: "Not a ranged variable." and "Not
 /// an enumerated variable.". A failed call changes nothing.
+///
+/// \par Ownership
+/// The descriptor shares the values that it stores: it adds a reference of its own.
 class MetaKelVarDescriptorInterface_V1 : public virtual KEL_Struct {
 public:
     /// Returns true if both "min" and "max" exist.
@@ -36,15 +39,15 @@ public:
     /// Returns true if "enum" exists.
     virtual bool isEnumerated() const = 0;
     /// Returns inRange for a ranged variable, inEnum for one that is only enumerated, and true for
-    /// any other.
+    /// any other. Can run out of memory.
     virtual bool isValid(const KEL* value) const = 0;
     KEL_SLOTS(
         /// Replaces both bounds, in any order. Null does nothing.
         /// \throws KELException "Not a ranged variable."
         virtual void setRange(KEL* min, KEL* max) = 0;,
-        /// Calls the general form with new Doubles.
+        /// Calls the general form with new Doubles. Throws as that does.
         virtual void setRange(double min, double max) = 0;,
-        /// Calls the general form with new Ints.
+        /// Calls the general form with new Ints. Throws as that does.
         virtual void setRange(int32_t min, int32_t max) = 0;)
     /// Returns the lower bound, borrowed.
     /// \throws KELException "Not a ranged variable."
@@ -53,9 +56,9 @@ public:
     /// \throws KELException "Not a ranged variable."
     virtual KEL* getMax() const = 0;
     KEL_SLOTS(
-        /// Calls the general form with a new Double.
+        /// Calls the general form with a new Double. Throws as that does. Can run out of memory.
         virtual bool inRange(double value) const = 0;,
-        /// Calls the general form with a new Int.
+        /// Calls the general form with a new Int. Throws as that does. Can run out of memory.
         virtual bool inRange(int32_t value) const = 0;,
         /// Returns true if the value lies within the bounds. All three are converted to the type,
         /// Int or Double. Returns false for every other type, and for null.
@@ -65,40 +68,50 @@ public:
     /// \throws KELException "Not an enumerated variable."
     virtual KEL_Array* getEnum() const = 0;
     KEL_SLOTS(
-        /// Calls the general form with a new Boolean.
+        /// Calls the general form with a new Boolean. Throws as that does. Can run out of
+        /// memory.
         virtual bool inEnum(bool value) const = 0;,
-        /// Calls the general form with a new String. Returns false for null.
+        /// Calls the general form with a new String. Returns false for null. Throws as
+        /// that does. Can run out of memory.
         virtual bool inEnum(const char* text) const = 0;,
-        /// Calls the general form with a new Double.
+        /// Calls the general form with a new Double. Throws as that does. Can run out of
+        /// memory.
         virtual bool inEnum(double value) const = 0;,
-        /// Calls the general form with a new Int.
+        /// Calls the general form with a new Int. Throws as that does. Can run out of
+        /// memory.
         virtual bool inEnum(int32_t value) const = 0;,
-        /// Returns true if an allowed value is equal in value. Returns false for null.
+        /// Returns true if an allowed value is equal in value. Returns false for null. Can run out
+        /// of memory.
         /// \throws KELException "Not an enumerated variable."
         virtual bool inEnum(const KEL* value) const = 0;)
     KEL_SLOTS(
-        /// Calls the general form with a new Boolean.
+        /// Calls the general form with a new Boolean. Throws as that does.
         virtual void addEnumValue(bool value) = 0;,
-        /// Calls the general form with a new String. Null is ignored.
+        /// Calls the general form with a new String. Null is ignored. Throws as that does.
         virtual void addEnumValue(const char* text) = 0;,
-        /// Calls the general form with a new Double.
+        /// Calls the general form with a new Double. Throws as that does.
         virtual void addEnumValue(double value) = 0;,
-        /// Calls the general form with a new Int.
+        /// Calls the general form with a new Int. Throws as that does.
         virtual void addEnumValue(int32_t value) = 0;,
         /// Appends an allowed value, even if an equal one exists. Null is ignored.
         /// \throws KELException "Not an enumerated variable."
         virtual void addEnumValue(KEL* value) = 0;)
     KEL_SLOTS(
-        /// Calls the general form with a new Boolean.
+        /// Calls the general form with a new Boolean. Throws as that does. Can run out of
+        /// memory.
         virtual void removeEnumValue(bool value) = 0;,
-        /// Calls the general form with a new String. Null is ignored.
+        /// Calls the general form with a new String. Null is ignored. Throws as that does.
+        /// Can run out of memory.
         virtual void removeEnumValue(const char* text) = 0;,
-        /// Calls the general form with a new Double.
+        /// Calls the general form with a new Double. Throws as that does. Can run out of
+        /// memory.
         virtual void removeEnumValue(double value) = 0;,
-        /// Calls the general form with a new Int.
+        /// Calls the general form with a new Int. Throws as that does. Can run out of
+        /// memory.
         virtual void removeEnumValue(int32_t value) = 0;,
-        /// Removes the allowed values that are equal in value. After each removal the scan skips
-        /// the next value, so the second of two equal neighbours remains. Null is ignored.
+        /// Removes the allowed values that are equal in value. Can run out of memory. After each
+        /// removal the scan skips the next value, so the second of two equal neighbours remains.
+        /// Null is ignored.
         /// \throws KELException "Not an enumerated variable."
         virtual void removeEnumValue(const KEL* value) = 0;)
     /// Returns true if "default" exists.
@@ -183,6 +196,7 @@ public:
     /// Adds or replaces the kind code of the described variable.
     virtual void setType(int32_t kind) = 0;
     /// Throws if no list of values can be added. The descriptor never changes. Null is allowed.
+    /// Needs no memory.
     /// \throws KELException "Can only add enumeration list to a KEL_String" for a variable that is
     ///         ranged and not enumerated, or whose type is not String
     virtual void addEnumerationList(KEL* value) = 0;

@@ -8,6 +8,9 @@ class StringEnumeration;
 
 /// A duplicate-free list of strings, in the order in which they were added, with a cursor. It
 /// compares strings byte by byte, case-sensitive.
+///
+/// \par Failures
+/// Never fails.
 class StringEnumerationInterface_V1 {
 public:
     /// Returns true if the cursor has a string left.
@@ -23,9 +26,12 @@ public:
     virtual void reset() = 0;
     /// Returns true if text is in the list. Returns false for null.
     virtual bool contains(const char* text) const = 0;
-    /// Adds every string of other that is missing here and resets other's cursor. Null is ignored.
+    /// Adds a copy of every string of other that is missing here and resets other's cursor. Null is
+    /// ignored. The other enumeration remains the caller's.
+    /// \throws JOutOfMemoryException by value when out of memory
     virtual void addAll(StringEnumeration* other) = 0;
     /// Adds a copy of text unless the list already holds that text. Null is ignored.
+    /// \throws JOutOfMemoryException by value when out of memory
     virtual void add(const char* text) = 0;
     /// Adds one reference.
     virtual void addRef() = 0;
@@ -50,5 +56,5 @@ protected:
     ~StringEnumeration() = default;
 };
 
-/// Releases the enumeration once. Null is ignored.
+/// Releases the enumeration once. Null is ignored. Gives up the caller's reference. Never fails.
 KEL_API void KEL_CALL DeleteStringEnumeration(StringEnumeration* enumeration);

@@ -8,6 +8,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/// The version of the library that these headers belong to: numbers, and the same as text.
 #define KEL_VERSION_MAJOR 1
 #define KEL_VERSION_MINOR 1
 #define KEL_VERSION_PATCH 0

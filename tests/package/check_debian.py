@@ -96,6 +96,7 @@ def check_contents(packages, library, options):
                 "usr/share/doc/kel/licenses/nlohmann-json.txt"},
         "kel-doc": {f"usr/share/doc/kel/{folder}/{name}" for folder in ("docs", "examples")
                     for name in files(ROOT / folder)}
+                   | {f"usr/share/doc/kel/html/{name}" for name in files(pathlib.Path(options.build, "docs/html"))}
                    | {f"usr/share/doc/kel/{name}" for name in ("README.md", "CHANGELOG.md",
                                                               "LICENSE")}}
     owners = {}

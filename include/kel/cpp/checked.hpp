@@ -11,16 +11,18 @@ inline namespace v1 {
 
 /// A variable for kel::checked.
 struct described {
-    std::string_view name;
-    variable_description rules;
+    std::string_view name;      ///< of the variable
+    variable_description rules; ///< what it allows; shared
 };
 
 /// Whether a value was stored, and if not, why.
 class [[nodiscard]] outcome {
 public:
     outcome() = default;
+    /// Makes one that states why nothing was stored.
     explicit outcome(std::string reason) : reason_(std::move(reason)) {}
 
+    /// Returns true if the value was stored.
     explicit operator bool() const noexcept { return reason_.empty(); }
     /// Returns the reason, which says what is allowed. Empty if the value was stored.
     const std::string& message() const noexcept { return reason_; }
@@ -69,6 +71,7 @@ public:
         }
     }
 
+    /// Returns the struct as its public class, borrowed, or as a handle.
     MetaKel* raw() const noexcept { return raw_.get(); }
     operator value() const { return value(raw_); }
 
@@ -96,6 +99,7 @@ public:
         const auto path = [&name] { return std::string(name.c_str()); };
         return try_set(name, detail::value_for(number, true, path));
     }
+    /// Does the same, but throws the reason.
     /// \throws not_allowed with the reason
     void set(const detail::text& name, const value& content) { require(try_set(name, content)); }
     template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>

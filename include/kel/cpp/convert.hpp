@@ -37,7 +37,7 @@ enum class kind : std::int32_t {
     variable_descriptor = KELKind_MetaKelVarDescriptor
 };
 
-/// Returns words for messages, such as "an int".
+/// Returns words for messages, such as "an int", borrowed from the table of kinds.
 inline const char* words(kind which) {
     const KELKindFacts* facts = findKELKind(static_cast<std::int32_t>(which));
     return which == kind::null ? "null"

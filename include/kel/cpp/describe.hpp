@@ -82,6 +82,7 @@ public:
     /// Returns whether values between two steps make sense.
     bool interpolated() const { return raw_->getInterpolated(); }
 
+    /// Returns the descriptor as its public class, borrowed, or as a handle.
     MetaKelVarDescriptor* raw() const noexcept { return raw_.get(); }
     operator value() const { return value(raw_); }
 
@@ -108,6 +109,7 @@ public:
     using variable_description::step;
     using variable_description::unit;
 
+    /// Makes a description that states only the kind.
     typed_description() : variable_description(adopt_made(CreateMetaKelVarDescriptor())) {
         detail::call([this] { raw_->setType(stored(T()).raw()->getType()); });
     }
@@ -115,6 +117,7 @@ public:
     typed_description(const typed_description& other)
         : variable_description(value(other).copy().template as<MetaKelVarDescriptor>()) {}
     typed_description(typed_description&&) noexcept = default;
+    /// Refers to the other's properties from now on.
     typed_description& operator=(typed_description other) noexcept {
         raw_ = std::move(other.raw_);
         return *this;
@@ -177,7 +180,7 @@ public:
         return *this;
     }
 
-    // The same for a temporary one, which they return by value.
+    /// Do the same for a temporary one, which they return by value. They fail in the same way.
     template <class Least, class Greatest>
     typed_description range(const Least& least, const Greatest& greatest) && {
         return std::move(range(least, greatest));

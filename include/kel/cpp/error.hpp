@@ -80,6 +80,7 @@ public:
         : error(describe(file, line, column, message, reason)), file_(std::move(file)), line_(line),
           column_(column), reason_(reason) {}
 
+    /// Return what the constructor was given. The text and the reason are borrowed.
     const std::string& file() const noexcept { return file_; }
     std::int64_t line() const noexcept { return line_; }
     std::int64_t column() const noexcept { return column_; }

@@ -94,11 +94,15 @@ struct file_end {
 /// content is in memory, but only one of its values at a time unless you keep them.
 class reader {
 public:
+    /// A loop over the values that are left.
     class walk {
     public:
         walk() = default;
+        /// Reads with a reader, borrowed.
         explicit walk(reader* owner) : owner_(owner) {}
+        /// Reads the next value, and fails, as the reader's next does.
         bool next() { return owner_->next(current_); }
+        /// Returns the value that next read, borrowed until the next one.
         const value& current() const { return current_; }
 
     private:
@@ -107,6 +111,7 @@ public:
     };
     using iterator = detail::walk_iterator<walk>;
 
+    /// Reads a file, all of it at once.
     /// \throws io_error for a file that cannot be read
     explicit reader(const std::filesystem::path& file, format how = format::automatic)
         : reader(detail::name_of(file), detail::content_of(file), how) {}

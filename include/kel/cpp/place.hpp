@@ -127,6 +127,7 @@ public:
     value at_path(std::string_view path) && { return value(std::move(*this)).at_path(path); }
     value copy() && { return value(std::move(*this)).copy(); }
 
+    /// Returns the place of a variable or element inside this one.
     const_place operator[](const char* name) && { return const_place(this, name); }
     const_place operator[](const std::string& name) && {
         return const_place(this, detail::text(name).c_str());
@@ -313,12 +314,14 @@ public:
         }
     }
 
+    /// Changes the value in place to that of another place.
     void assign(const_place&& other) && { std::move(*this).assign(value(std::move(other))); }
     void assign(place&& other) && {
         std::move(*this).assign(value(std::move(static_cast<const_place&>(other))));
     }
 
-    // The same as the operations of value.
+    /// Do the same as the operations of value.
+    /// \throws not_found, with the path, if there is no such variable or element
     void push_back(const value& content) && { to_change().push_back(content); }
     void insert(std::size_t index, const value& content) && { to_change().insert(index, content); }
     void erase_at(std::size_t index) && { to_change().erase_at(index); }
@@ -331,6 +334,7 @@ public:
     bool erase(const detail::text& name) && { return to_change().erase(name); }
     void clear() && { to_change().clear(); }
 
+    /// Returns the place of a variable or element inside this one.
     place operator[](const char* name) && { return place(this, name); }
     place operator[](const std::string& name) && { return place(this, detail::text(name).c_str()); }
     detail::named<place> operator[](std::string_view name) &&;

@@ -45,7 +45,9 @@ inline void give_back(KELOutputStream* object) noexcept {
 template <class T> class ref {
 public:
     ref() noexcept = default;
+    /// Holds nothing.
     ref(std::nullptr_t) noexcept {}
+    /// Holds another reference to the same object, or takes over that of a temporary one.
     ref(const ref& other) noexcept : object_(other.object_) { retain(); }
     ref(ref&& other) noexcept : object_(other.detach()) {}
     ref& operator=(ref other) noexcept {
@@ -61,9 +63,11 @@ public:
     /// Takes over the caller's reference.
     static ref adopting(T* object) noexcept { return ref(object); }
 
+    /// Return the object, borrowed. The operators require one.
     T* get() const noexcept { return object_; }
     T* operator->() const noexcept { return object_; }
     T& operator*() const noexcept { return *object_; }
+    /// Returns true if it holds an object.
     explicit operator bool() const noexcept { return object_ != nullptr; }
 
     /// Passes the reference to the caller and becomes empty.
@@ -107,7 +111,7 @@ template <class T> [[nodiscard]] ref<T> adopt(T* object) noexcept {
     return ref<T>::adopting(object);
 }
 
-/// Takes over the result of a factory.
+/// Takes over the result of a factory, which the caller owned.
 /// \throws std::bad_alloc for null, which factories return when out of memory
 template <class T> [[nodiscard]] ref<T> adopt_made(T* object) {
     if (object == nullptr) {

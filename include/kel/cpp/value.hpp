@@ -72,6 +72,7 @@ public:
     /// Makes a new String. Null makes an empty one.
     value(const char* text)
         : object_(detail::call([text] { return adopt_made<KEL>(CreateKELString(text)); })) {}
+    /// Makes a new String, guid or MemBlock of the content.
     /// \throws name_error for a text that contains a NUL
     value(const std::string& text) : value(detail::text(text).c_str()) {}
     value(std::string_view text) : value(detail::text(text).c_str()) {}
@@ -96,9 +97,11 @@ public:
 
     // ---- The value itself ----------------------------------------------------------------------
 
+    /// Returns the kind of the value, null for a handle without one.
     kel::kind kind() const noexcept {
         return static_cast<kel::kind>(detail::type_of(object_.get()));
     }
+    /// Returns true if it holds a value, whatever that is.
     explicit operator bool() const noexcept { return static_cast<bool>(object_); }
 
     /// Returns the value as a C++ type: bool, an integer, a floating-point type, std::string,
@@ -191,11 +194,13 @@ public:
     [[nodiscard]] std::vector<mismatch> merge(const value& source);
     /// Removes a variable. \return false if there was none
     bool erase(const detail::text& name);
+    /// Renames a variable, which keeps its value.
     /// \throws not_found for an unknown name, name_error for one that exists or cannot be used
     void rename(const detail::text& from, const detail::text& to);
 
     // ---- Arrays --------------------------------------------------------------------------------
 
+    /// Returns the place of an element, for one expression: list[0] = 3.
     template <class Index, std::enable_if_t<detail::is_integer<Index>, int> = 0>
     place operator[](Index index) &;
     template <class Index, std::enable_if_t<detail::is_integer<Index>, int> = 0>
@@ -206,6 +211,7 @@ public:
     /// Appends or inserts a new or shared value. Null is refused: arrays hold no nulls.
     void push_back(const value& content);
     void insert(std::size_t index, const value& content);
+    /// Removes an element.
     /// \throws not_found for a bad index
     void erase_at(std::size_t index);
 
@@ -214,6 +220,8 @@ public:
     /// Returns the number of variables, elements or pairs.
     /// \throws type_error unless this is a container
     std::size_t size() const;
+    /// Removes all contents.
+    /// \throws type_error unless this is a container
     void clear();
 
     /// Return the contents for a loop: the variables of a struct, the elements of an array or of a
@@ -245,20 +253,20 @@ private:
 
 /// A name and the value of its variable. The value is null if the variable holds nothing.
 struct item {
-    std::string name;
-    kel::value value;
+    std::string name; ///< of the variable
+    kel::value value; ///< null if the variable holds nothing
 };
 
 /// A key of an index list and its item.
 struct pair {
-    kel::value key;
-    kel::value item;
+    kel::value key;  ///< never null
+    kel::value item; ///< never null
 };
 
 /// A variable for kel::object.
 struct field {
-    std::string_view name;
-    kel::value content;
+    std::string_view name; ///< of the variable
+    kel::value content;    ///< new or shared
 };
 
 /// Returns a new struct of these variables. Of two with the same name, the last one stays.
@@ -293,11 +301,14 @@ inline bool same(const value& a, const value& b) noexcept {
 /// Unordered containers go by the object, not by its contents, which can change: two keys are equal
 /// if same(a, b).
 template <> struct std::hash<kel::value> {
+    /// Returns the hash of the object's address.
     std::size_t operator()(const kel::value& which) const noexcept {
         return std::hash<const void*>()(which.raw());
     }
 };
+/// Compares by the object, as the hash does.
 template <> struct std::equal_to<kel::value> {
+    /// Returns whether both handles refer to the same object.
     bool operator()(const kel::value& a, const kel::value& b) const noexcept {
         return kel::same(a, b);
     }

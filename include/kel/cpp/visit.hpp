@@ -49,7 +49,7 @@ template <class Function> decltype(auto) visit(Function&& function, const value&
     return function(which);
 }
 
-/// Joins functions for visit: kel::overloaded{[](double) {...}, [](auto) {...}}.
+/// Joins functions for visit: `kel::overloaded{[](double) {...}, [](auto) {...}}`.
 template <class... Functions> struct overloaded : Functions... { using Functions::operator()...; };
 template <class... Functions> overloaded(Functions...) -> overloaded<Functions...>;
 
