@@ -4,6 +4,7 @@
 
 #include <kel/cpp/ref.hpp>
 
+#include <atomic>
 #include <cstddef>
 #include <typeinfo>
 
@@ -20,33 +21,63 @@ inline ref<KEL> make(KELKind kind, const JHashCode& identity = {}) {
     });
 }
 
-/// The place of a public class in the objects of one kind. The library has one class for each kind,
-/// so the distance is the same in all of them. dynamic_cast would search the many bases of that
-/// class each time, which takes about as long as ten calls.
-template <class T> struct spot {
-    explicit spot(KELKind kind) {
-        const ref<KEL> sample = make(kind);
-        T* part = dynamic_cast<T*>(sample.get());
+/// The type of the objects of one kind, and how far a public class is from KEL in them.
+struct sample {
+    /// \param part_of returns the public class in an object, or null
+    KEL_SELDOM sample(KELKind kind, void* (*part_of)(KEL*)) {
+        const ref<KEL> made = make(kind);
+        const void* part = part_of(made.get());
         if (part == nullptr) {
             throw error("The library is older than this header, which needs version 1.1.");
         }
-        const KEL& object = *sample;
+        const KEL& object = *made;
         type = &typeid(object);
-        distance =
-            reinterpret_cast<const char*>(part) - reinterpret_cast<const char*>(sample.get());
+        distance = static_cast<const char*>(part) - reinterpret_cast<const char*>(made.get());
     }
 
     const std::type_info* type;
     std::ptrdiff_t distance;
 };
 
+/// The place of a public class in the objects of one kind. The library has one class for each kind,
+/// so the distance is the same in all of them. dynamic_cast would search the many bases of that
+/// class each time, which takes about as long as ten calls.
+///
+/// Type and distance are learned from a sample at first use. As constants they need no guard, which
+/// a local static variable would test at each use. Two threads learn the same.
+template <class T, KELKind kind> class spot {
+public:
+    static bool is_in(KEL* object) {
+        const std::type_info* known = type_.load(std::memory_order_acquire);
+        return &typeid(*object) == known || (known == nullptr && in_first(object) != nullptr);
+    }
+    static T* in(KEL* object) {
+        const std::type_info* known = type_.load(std::memory_order_acquire);
+        return &typeid(*object) == known ? at_distance(object)
+               : known != nullptr        ? nullptr
+                                         : in_first(object);
+    }
+
+private:
+    static T* at_distance(KEL* object) {
+        return reinterpret_cast<T*>(reinterpret_cast<char*>(object) +
+                                    distance_.load(std::memory_order_relaxed));
+    }
+    KEL_SELDOM static T* in_first(KEL* object) {
+        const sample one(kind, [](KEL* made) -> void* { return dynamic_cast<T*>(made); });
+        distance_.store(one.distance, std::memory_order_relaxed);
+        type_.store(one.type, std::memory_order_release);
+        return &typeid(*object) == one.type ? at_distance(object) : nullptr;
+    }
+
+    static inline std::atomic<const std::type_info*> type_{nullptr};
+    static inline std::atomic<std::ptrdiff_t> distance_{0};
+};
+
 /// Returns the class in a value of exactly this kind, made by the library. Returns null for any
 /// other value.
-template <class T, KELKind kind> T* cast_from(KEL* object) {
-    static const spot<T> known(kind);
-    return &typeid(*object) == known.type
-               ? reinterpret_cast<T*>(reinterpret_cast<char*>(object) + known.distance)
-               : nullptr;
+template <class T, KELKind kind> inline T* cast_from(KEL* object) {
+    return spot<T, kind>::in(object);
 }
 
 /// Returns the value's struct operations. Returns null for null and for every
@@ -71,7 +102,7 @@ template <class T> T* cast_to_struct(KEL* object) {
 }
 
 /// Returns the value as the class of its kind. Returns null for null and for another kind.
-template <class T, KELKind kind> T* cast(KEL* object) {
+template <class T, KELKind kind> inline T* cast(KEL* object) {
     return object == nullptr ? nullptr : cast_from<T, kind>(object);
 }
 

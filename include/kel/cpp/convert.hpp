@@ -233,23 +233,30 @@ inline std::int32_t type_of(KEL* object) {
     return object == nullptr ? 0 : object->getType();
 }
 
-template <class Integer> reading read_integer(KEL& object, Integer& out) {
+/// Reads a number of 32 bits as an integer of another size.
+template <class Integer> inline reading read_whole(std::int32_t number, Integer& out) {
+    using limits = std::numeric_limits<Integer>;
+    if constexpr (sizeof(Integer) < sizeof number || std::is_unsigned_v<Integer>) {
+        if (std::is_unsigned_v<Integer> && number < 0) {
+            return reading::no_fit;
+        }
+        if (sizeof(Integer) < sizeof number &&
+            (number < static_cast<std::int32_t>((limits::min)()) ||
+             number > static_cast<std::int32_t>((limits::max)()))) {
+            return reading::no_fit;
+        }
+    }
+    out = static_cast<Integer>(number);
+    return reading::done;
+}
+
+/// Reads a value that is not an Int of the library as an integer.
+template <class Integer>
+KEL_SELDOM reading read_integer_of_another_kind(KEL& object, Integer& out) {
     using limits = std::numeric_limits<Integer>;
     const std::int32_t type = object.getType();
-    if (type == KELKind_Int) {
-        const std::int32_t number = object.toInt();
-        if constexpr (sizeof(Integer) < sizeof number || std::is_unsigned_v<Integer>) {
-            if (std::is_unsigned_v<Integer> && number < 0) {
-                return reading::no_fit;
-            }
-            if (sizeof(Integer) < sizeof number &&
-                (number < static_cast<std::int32_t>((limits::min)()) ||
-                 number > static_cast<std::int32_t>((limits::max)()))) {
-                return reading::no_fit;
-            }
-        }
-        out = static_cast<Integer>(number);
-        return reading::done;
+    if (type == KELKind_Int) { // which a host implements
+        return read_whole(object.toInt(), out);
     }
     if (type != KELKind_Double) {
         return reading::wrong_kind;
@@ -264,6 +271,12 @@ template <class Integer> reading read_integer(KEL& object, Integer& out) {
     return reading::done;
 }
 
+template <class Integer> inline reading read_integer(KEL& object, Integer& out) {
+    return spot<KEL_Int, KELKind_Int>::is_in(&object) // a call of getType takes longer
+               ? read_whole(object.toInt(), out)
+               : read_integer_of_another_kind(object, out);
+}
+
 template <class Real> reading read_real(KEL& object, Real& out) {
     const std::int32_t type = object.getType();
     if (type != KELKind_Double && type != KELKind_Int) {
@@ -275,7 +288,7 @@ template <class Real> reading read_real(KEL& object, Real& out) {
 }
 
 /// Reads a value that is not null. A type that values cannot be read as does not compile.
-template <class T> reading read(KEL& object, T& out) {
+template <class T> inline reading read(KEL& object, T& out) {
     if constexpr (std::is_same_v<T, bool>) {
         out = object.toBoolean();
         return object.getType() == KELKind_Boolean ? reading::done : reading::wrong_kind;

@@ -16,6 +16,14 @@
 #error "kel.hpp needs run-time type information: compile without -fno-rtti or /GR-."
 #endif
 
+/// Marks a function of a failure or of a first call, so that compilers keep it away from the usual
+/// path, which is then small enough to become part of its caller.
+#if defined(__GNUC__)
+#define KEL_SELDOM [[gnu::cold, gnu::noinline]]
+#else
+#define KEL_SELDOM
+#endif
+
 #include <kel/kel.h>
 
 #include <cstdint>

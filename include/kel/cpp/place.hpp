@@ -2,7 +2,7 @@
 /// place: a variable of a struct or an element of an array, for one expression.
 #pragma once
 
-#include <kel/cpp/path.hpp>
+#include <kel/cpp/location.hpp>
 
 namespace kel {
 inline namespace v1 {
@@ -16,9 +16,6 @@ void refuse_reserved(const char* name);
 void clear_checked(value& target);
 /// Throws the reason why a checked struct does not allow a value for a variable, if there is one.
 void require_allowed(const MetaKel& target, const char* name, KEL* content);
-/// Returns the default that a checked struct has for a missing variable, borrowed, or null.
-KEL* default_of(const MetaKel& source, const char* name);
-
 /// Returns whether a checked struct describes a variable.
 bool is_described(const MetaKel& target, const char* name);
 /// Returns a new value of the kind for the type of a number. Where a description decides the kind,
@@ -31,29 +28,6 @@ value value_for(Number number, bool is_described, const Path& path) {
         }
     }
     return value(double_of(number, path));
-}
-
-/// A value that a place leads to, borrowed. It is null for a variable that holds nothing.
-struct finding {
-    bool exists = false;
-    KEL* object = nullptr;
-    bool is_default = false; ///< it belongs to the description of a checked struct
-
-    /// Returns a handle. A default is copied: it serves every struct with that description.
-    value handle() const { return is_default ? value(share(object)).copy() : value(share(object)); }
-};
-
-/// Finds the variable of a struct, or its default if a checked struct lacks it.
-/// \param fields the operations of the same container
-inline finding find_variable(const KELInterface_Struct_V2& fields, KEL* container,
-                             const char* name) {
-    KELVarCursor at;
-    if (fields.findVar(at, name)) {
-        return {true, at.value, false};
-    }
-    const MetaKel* source = checked_of(container);
-    KEL* fallback = source == nullptr ? nullptr : default_of(*source, name);
-    return {fallback != nullptr, fallback, fallback != nullptr};
 }
 
 /// Stores a new variable, or another value in place of one.
@@ -83,15 +57,19 @@ public:
 
     /// Return the same as the operations of value.
     /// \throws not_found, with the path, if there is no such variable or element
-    template <class T> T get() && {
+    template <class T> inline T get() && { // inline is a hint for clang
         if constexpr (std::is_same_v<T, value>) {
             return value(std::move(*this));
         } else {
-            return read<T>();
+            KEL* found = detail::find_quickly(at_);
+            T out{};
+            const bool is_read =
+                found != nullptr && detail::read(*found, out) == detail::reading::done;
+            return is_read ? out : detail::read_at<T>(at_.copy());
         }
     }
     template <class T> std::optional<T> try_get() && {
-        KEL* found = look().object;
+        KEL* found = detail::look(at_).object;
         T out{};
         return found != nullptr && detail::read(*found, out) == detail::reading::done
                    ? std::optional<T>(std::move(out))
@@ -103,13 +81,13 @@ public:
     std::string get_or(const char* otherwise) && {
         return std::move(*this).get_or<std::string>(otherwise);
     }
-    operator value() && { return find_or_throw().handle(); }
+    operator value() && { return detail::find(at_).handle(); }
     /// Returns the value, which is to be watched.
     /// \throws not_found also for a default, which serves other structs too and never changes
     value to_watch() && {
-        const detail::finding found = find_or_throw();
-        if (is_default_ || found.is_default) {
-            raise_only_default(path());
+        const detail::finding found = detail::find(at_);
+        if (at_.is_default || found.is_default) {
+            detail::raise_only_default(detail::path_of(at_));
         }
         return found.handle();
     }
@@ -121,7 +99,7 @@ public:
     template <class Loop = value> void begin() const { detail::refuse_loop<Loop>(); }
     template <class Loop = value> void end() const {}
     template <class T> ref<T> as() && { return value(std::move(*this)).template as<T>(); }
-    bool exists() && { return look().exists; }
+    bool exists() && { return detail::look(at_).exists; }
     bool contains(const detail::text& name) && { return value(std::move(*this)).contains(name); }
     value find(const detail::text& name) && { return value(std::move(*this)).find(name); }
     value at_path(std::string_view path) && { return value(std::move(*this)).at_path(path); }
@@ -147,108 +125,24 @@ protected:
     friend class value;
     template <class Place> friend class detail::named;
 
-    const_place(KEL* container, const char* name) : container_(container), name_(known(name)) {}
-    const_place(KEL* container, std::int32_t index) : container_(container), index_(index) {}
-    const_place(const const_place* outer, const char* name) : const_place(outer, outer->look(), 0) {
-        name_ = known(name);
-    }
+    const_place(KEL* container, const char* name) : at_{container, known(name)} {}
+    const_place(KEL* container, std::int32_t index) : at_{container, nullptr, nullptr, index} {}
+    const_place(const const_place* outer, const char* name) : const_place(outer, known(name), 0) {}
     const_place(const const_place* outer, std::int32_t index)
-        : const_place(outer, outer->look(), index) {}
-    const_place(const const_place* outer, const detail::finding& found, std::int32_t index)
-        : held_(found.handle()), container_(held_.raw()), index_(index), outer_(outer),
-          is_default_(found.is_default || outer->is_default_) {}
+        : const_place(outer, nullptr, index) {}
 
     static const char* known(const char* name) { return name == nullptr ? "" : name; }
 
-    template <class T> T read() const {
-        KEL* found = find_or_throw().object;
-        T out{};
-        const detail::reading result =
-            found == nullptr ? detail::reading::wrong_kind : detail::read(*found, out);
-        if (result != detail::reading::done) {
-            detail::raise_unread<T>(result, path(), found);
-        }
-        return out;
-    }
-
-    /// Looks the value up. A container without such places has none.
-    detail::finding look() const {
-        if (name_ != nullptr) {
-            const KELInterface_Struct_V2* fields = detail::walk_of(container_);
-            return fields == nullptr ? detail::finding()
-                                     : detail::find_variable(*fields, container_, name_);
-        }
-        KEL_Array* array = detail::array_of(container_);
-        if (array == nullptr || index_ < 0 || index_ >= array->getCount()) {
-            return {};
-        }
-        return {true, array->getVar(index_), false};
-    }
-    detail::finding find_or_throw() const {
-        const KEL_Struct* plain =
-            name_ == nullptr ? nullptr : detail::cast<KEL_Struct, KELKind_Struct>(container_);
-        if (plain != nullptr && *name_ != '\0') {
-            return find_in(*plain);
-        }
-        const detail::finding found = look();
-        if (!found.exists) {
-            raise_missing();
-        }
-        return found;
-    }
-    /// Asks a plain struct, which finds a variable faster if it may throw.
-    detail::finding find_in(const KEL_Struct& plain) const {
-        try {
-            return {true, plain.getVar(name_), false};
-        } catch (KELException* failure) {
-            DeleteKELException(failure);
-        } catch (const JException& failure) {
-            detail::raise(failure);
-        }
-        raise_missing();
-    }
-    KEL_Array* array_or_throw() const {
-        KEL_Array* array = detail::array_of(container_);
-        if (array == nullptr) {
-            detail::raise_wrong_kind(outer_path(), words(kel::kind::array), container_);
-        }
-        return array;
-    }
-    bool lacks_container() const { return outer_ != nullptr && !outer_->look().exists; }
-    [[noreturn]] void raise_missing() const {
-        if (lacks_container()) {
-            outer_->raise_missing();
-        }
-        const std::string here = path();
-        if (name_ != nullptr) {
-            if (detail::walk_of(container_) == nullptr) {
-                detail::raise_wrong_kind(outer_path(), words(kel::kind::structure), container_);
-            }
-            throw not_found(here + ": no such variable.");
-        }
-        throw not_found(here + ": the array has " + std::to_string(array_or_throw()->getCount()) +
-                        " elements.");
-    }
-    [[noreturn]] static void raise_only_default(const std::string& path) {
-        throw not_found(path + ": has only its default. Store a value first.");
-    }
-    std::string outer_path() const { return outer_ == nullptr ? std::string() : outer_->path(); }
-    std::string path() const {
-        std::string text = outer_path();
-        if (name_ != nullptr) {
-            detail::add_name(text, name_);
-        } else {
-            detail::add_index(text, index_);
-        }
-        return text;
-    }
-
     value held_; ///< the container, unless the value that the expression begins with holds it
-    KEL* container_;
-    const char* name_ = nullptr;         ///< of the variable; null for an element
-    std::int32_t index_ = 0;             ///< of the element
-    const const_place* outer_ = nullptr; ///< the place of the container; null if a handle has it
-    bool is_default_ = false;            ///< the container is a copy of a default
+    detail::location at_;
+
+private:
+    const_place(const const_place* outer, const char* name, std::int32_t index)
+        : const_place(outer->at_, detail::look(outer->at_), name, index) {}
+    const_place(const detail::location& outer, const detail::finding& found, const char* name,
+                std::int32_t index)
+        : held_(found.handle()), at_{held_.raw(), name, &outer, index,
+                                     found.is_default || outer.is_default} {}
 };
 
 /// A place whose value can be replaced or changed.
@@ -259,36 +153,38 @@ public:
     /// \throws not_found for an index without an element, name_error, not_allowed
     void operator=(const value& content) && {
         refuse_default();
-        if (name_ == nullptr) {
-            if (!look().exists) {
-                raise_missing();
+        if (at_.name == nullptr) {
+            if (!detail::look(at_).exists) {
+                detail::raise_missing(at_);
             }
-            KEL_Array* array = array_or_throw();
+            KEL_Array& array = detail::array_at(at_);
             value::refuse_null(content);
-            detail::call([&] { array->setVar(content.raw(), index_); });
+            detail::call([&] { array.setVar(content.raw(), at_.index); });
             return;
         }
         const char* name = name_to_store();
-        detail::store(container_, name, content.raw());
+        detail::store(at_.container, name, content.raw());
     }
     /// Stores a number without a handle in between.
     template <class Number, std::enable_if_t<detail::is_number<Number>, int> = 0>
     void operator=(Number number) && {
         KEL_Struct* fields =
-            name_ == nullptr ? nullptr : detail::cast<KEL_Struct, KELKind_Struct>(container_);
-        const auto here = [this] { return path(); };
+            at_.name == nullptr ? nullptr : detail::cast<KEL_Struct, KELKind_Struct>(at_.container);
+        const auto here = [at = at_] { return detail::path_of(at); };
         if (fields == nullptr) {
-            const MetaKel* checked = name_ == nullptr ? nullptr : detail::checked_of(container_);
-            const bool is_described = checked != nullptr && detail::is_described(*checked, name_);
+            const MetaKel* checked =
+                at_.name == nullptr ? nullptr : detail::checked_of(at_.container);
+            const bool is_described =
+                checked != nullptr && detail::is_described(*checked, at_.name);
             std::move(*this) = detail::value_for(number, is_described, here);
-        } else if (*name_ == '\0') {
+        } else if (*at_.name == '\0') {
             name_to_store(); // which refuses it; the library refuses a double quote itself
         } else if constexpr (detail::is_integer<Number>) {
             const std::int32_t stored = detail::int_of(number, here);
-            detail::call([&] { fields->putInt(name_, stored); });
+            detail::call([&] { fields->putInt(at_.name, stored); });
         } else {
             const double stored = detail::double_of(number, here);
-            detail::call([&] { fields->putDouble(name_, stored); });
+            detail::call([&] { fields->putDouble(at_.name, stored); });
         }
     }
     /// Shares the value of another place.
@@ -306,11 +202,11 @@ public:
     /// \throws not_found, with the path, if there is no such variable or element
     template <class T> void assign(const T& content) && {
         refuse_default();
-        const detail::finding found = find_or_throw();
-        if (name_ != nullptr && detail::checked_of(container_) != nullptr) {
+        const detail::finding found = detail::find(at_);
+        if (at_.name != nullptr && detail::checked_of(at_.container) != nullptr) {
             assign_checked(found, content);
         } else {
-            value::assign_value(found.object, content, [this] { return path(); });
+            value::assign_value(found.object, content, [this] { return detail::path_of(at_); });
         }
     }
 
@@ -347,10 +243,10 @@ public:
     /// first, because the copy of a default never changes.
     value to_watch() && {
         refuse_default();
-        if (find_or_throw().is_default) {
-            std::move(*this) = find_or_throw().handle();
+        if (detail::find(at_).is_default) {
+            std::move(*this) = detail::find(at_).handle();
         }
-        return find_or_throw().handle();
+        return detail::find(at_).handle();
     }
 
 private:
@@ -361,38 +257,39 @@ private:
 
     /// Refuses to change something in a default, which would change a copy that nobody sees.
     void refuse_default() const {
-        if (is_default_) {
-            raise_only_default(outer_path());
+        if (at_.is_default) {
+            detail::raise_only_default(detail::path_of_container(at_));
         }
     }
     value to_change() const {
-        const detail::finding found = find_or_throw();
-        if (is_default_ || found.is_default) {
-            raise_only_default(path());
+        const detail::finding found = detail::find(at_);
+        if (at_.is_default || found.is_default) {
+            detail::raise_only_default(detail::path_of(at_));
         }
         return found.handle();
     }
     const char* name_to_store() const {
-        if (lacks_container()) {
-            raise_missing();
+        if (detail::lacks_container(at_)) {
+            detail::raise_missing(at_);
         }
-        if (detail::struct_of(container_) == nullptr) {
-            detail::raise_wrong_kind(outer_path(), words(kel::kind::structure), container_);
+        if (detail::struct_of(at_.container) == nullptr) {
+            detail::raise_wrong_kind(detail::path_of_container(at_), words(kel::kind::structure),
+                                     at_.container);
         }
-        return detail::checked_name(name_);
+        return detail::checked_name(at_.name);
     }
     /// Changes a copy, asks the checked struct, then changes the variable itself. A default is
     /// replaced by a variable.
     template <class T> void assign_checked(const detail::finding& found, const T& content) const {
         value changed = value(share(found.object)).copy();
-        value::assign_value(changed.raw(), content, [this] { return path(); });
+        value::assign_value(changed.raw(), content, [this] { return detail::path_of(at_); });
         if (found.is_default) {
-            detail::store(container_, name_, changed.raw());
+            detail::store(at_.container, at_.name, changed.raw());
             return;
         }
         detail::call([&] {
-            detail::require_allowed(*detail::checked_of(container_), name_, changed.raw());
-            detail::checked_of(container_)->setVarValue(name_, changed.raw());
+            detail::require_allowed(*detail::checked_of(at_.container), at_.name, changed.raw());
+            detail::checked_of(at_.container)->setVarValue(at_.name, changed.raw());
         });
     }
 };
