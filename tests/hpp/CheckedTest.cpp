@@ -272,6 +272,20 @@ TEST(Checked, ADescriptionIsReadBack) {
     EXPECT_EQ(own.fallback().get<int>(), 4);
 }
 
+TEST(Checked, KeepsWhatADescriptionSaidWhenItWasMade) {
+    auto gain = kel::describe<double>().range(-60, 6).fallback(0);
+    const kel::variable_description before = gain;
+    const auto other = gain;
+    kel::checked panel({{"gain", gain}});
+    gain.range(-1, 1).step(0.5).fallback(1);
+    panel.set("gain", -60);
+    EXPECT_EQ(before.least(), -60.0);
+    EXPECT_EQ(other.least(), -60.0);
+    EXPECT_EQ(other.step(), std::nullopt);
+    EXPECT_EQ(gain.least(), -1.0);
+    EXPECT_EQ(gain.fallback().get<double>(), 1.0);
+}
+
 TEST(Checked, IsMadeOfContainersFilledAtRunTime) {
     const std::vector<std::string> modes{"mono", "stereo"};
     std::map<std::string, kel::variable_description> rules;

@@ -34,6 +34,22 @@ TEST(FileIo, CapitalsInTheNameDoNotMatter) {
     EXPECT_EQ(content(folder / "kelb"), "5\n");
 }
 
+TEST(FileIo, NamesAreUtf8OrPaths) {
+    const Folder folder;
+    const std::filesystem::path wide =
+        folder.path() / std::filesystem::u8path("r\xC3\xA9sum\xC3\xA9.kel");
+    const std::string utf8 = folder.path().string() + "/r\xC3\xA9sum\xC3\xA9.kel";
+    kel::save(5, utf8);
+    EXPECT_EQ(kel::load(wide).get<int>(), 5);
+    EXPECT_EQ(kel::load(utf8.c_str()).get<int>(), 5);
+    EXPECT_EQ(kel::load(std::string_view(utf8)).get<int>(), 5);
+    kel::save_atomically(6, utf8);
+    kel::append(7, wide);
+    kel::reader both(utf8);
+    EXPECT_EQ(std::vector<kel::value>(both.begin(), both.end()).size(), 2U);
+    EXPECT_EQ(folder.count(), 1);
+}
+
 TEST(FileIo, LoadingGoesByTheContent) {
     const Folder folder;
     put(folder / "a.kel", kel::to_binary(5));

@@ -287,7 +287,7 @@ TEST(Value, PlacesNest) {
     EXPECT_EQ(thrown<kel::not_found>([&] { house["rooms"][0]["walls"].get<int>(); }),
               "rooms[0].walls: no such variable.");
     EXPECT_EQ(thrown<kel::not_found>([&] { house["rooms"][3]["walls"] = 1; }),
-              "rooms[3]: the array has 1 elements.");
+              "rooms[3]: the array has 1 element.");
     EXPECT_EQ(thrown<kel::type_error>([&] { house["rooms"]["walls"] = 1; }),
               "rooms: wanted a struct, found an array.");
     EXPECT_EQ(thrown<kel::type_error>([&] { house["rooms"][0]["name"][2].get<int>(); }),

@@ -61,7 +61,7 @@ inline void replace_file(const std::filesystem::path& target, bool is_old, std::
 /// symbolic link, the link is kept and the file that it leads to is replaced. Devices and pipes are
 /// written directly.
 /// \throws io_error as save does; the old file is then untouched
-inline void save_atomically(const value& content, const std::filesystem::path& file,
+inline void save_atomically(const value& content, const file_name& file,
                             format how = format::automatic) {
     const std::string name = detail::name_of(file);
     const format chosen = detail::format_to_write(file, how);

@@ -87,17 +87,15 @@ public:
     operator value() const { return value(raw_); }
 
 protected:
-    /// Sets a property to a new value.
-    void put(const char* property, const value& content) {
-        detail::call([&] { raw_->addVar(property, content.raw()); });
-    }
-
+    /// Holds the descriptor, which other descriptions and checked structs can share.
     ref<MetaKelVarDescriptor> raw_;
 };
 
 /// Builds the description of a variable of a C++ type:
 ///
 ///     auto gain = kel::describe<double>().range(-60, 6).fallback(0).step(0.5).unit(" dB");
+///
+/// Copies and checked structs that were made from it keep what it said then.
 template <class T> class typed_description : public variable_description {
     static_assert(std::is_same_v<T, bool> || detail::is_number<T> || std::is_same_v<T, std::string>,
                   "kel: describe<bool>, describe of a number type, or describe<std::string>.");
@@ -111,19 +109,8 @@ public:
 
     /// Makes a description that states only the kind.
     typed_description() : variable_description(adopt_made(CreateMetaKelVarDescriptor())) {
-        detail::call([this] { raw_->setType(stored(T()).raw()->getType()); });
+        detail::call([this] { own().setType(stored(T()).raw()->getType()); });
     }
-    /// Makes another description with the same properties, to be changed on its own.
-    typed_description(const typed_description& other)
-        : variable_description(value(other).copy().template as<MetaKelVarDescriptor>()) {}
-    typed_description(typed_description&&) noexcept = default;
-    /// Refers to the other's properties from now on.
-    typed_description& operator=(typed_description other) noexcept {
-        raw_ = std::move(other.raw_);
-        return *this;
-    }
-    ~typed_description() = default;
-
     /// Allows the numbers from least to greatest, both included.
     /// \throws error if least is greater than greatest, or one is not a number
     /// \throws std::out_of_range for a number that the type does not hold
@@ -157,7 +144,7 @@ public:
         if (!(distance > 0)) {
             throw error("A step is greater than 0.");
         }
-        detail::call([&] { raw_->setStepsize(distance); });
+        detail::call([&] { own().setStepsize(distance); });
         return *this;
     }
     /// Sets the text after the value, such as " dB", or before it.
@@ -171,12 +158,12 @@ public:
     }
     /// Says that stepping beyond one end goes on at the other.
     typed_description& wraps(bool does = true) & {
-        detail::call([&] { raw_->setWrapped(does); });
+        detail::call([&] { own().setWrapped(does); });
         return *this;
     }
     /// Says whether values between two steps make sense.
     typed_description& interpolated(bool is) & {
-        detail::call([&] { raw_->setInterpolated(is); });
+        detail::call([&] { own().setInterpolated(is); });
         return *this;
     }
 
@@ -200,6 +187,19 @@ public:
 
 private:
     static value stored(const T& content) { return value(content); }
+
+    /// Returns the descriptor for a change. If others share it, this description gets a copy first.
+    MetaKelVarDescriptor& own() {
+        raw_->addRef();
+        if (raw_->release() > 1) { // the count without the reference that was added
+            raw_ = value(raw_).copy().template as<MetaKelVarDescriptor>();
+        }
+        return *raw_;
+    }
+    /// Sets a property to a new value.
+    void put(const char* property, const value& content) {
+        detail::call([&] { own().addVar(property, content.raw()); });
+    }
     template <class Container> typed_description& allow(const Container& allowed) {
         using Element = detail::element_of<Container>;
         static_assert(!std::is_void_v<Element>,

@@ -113,7 +113,7 @@ public:
 
     /// Reads a file, all of it at once.
     /// \throws io_error for a file that cannot be read
-    explicit reader(const std::filesystem::path& file, format how = format::automatic)
+    explicit reader(const file_name& file, format how = format::automatic)
         : reader(detail::name_of(file), detail::content_of(file), how) {}
 
     /// Reads a text or a binary content in memory.
@@ -139,14 +139,13 @@ private:
 
 /// Returns the only value of a file. The word null in a text gives null.
 /// \throws io_error for a file with none or several, and for one that cannot be read
-inline value load(const std::filesystem::path& file, format how = format::automatic) {
+inline value load(const file_name& file, format how = format::automatic) {
     return detail::only_root(detail::name_of(file), detail::content_of(file), how);
 }
 
 /// Returns the only value of a file, or the fallback if the file does not exist. A file that exists
 /// and cannot be read is a failure, as for load.
-inline value load_or(const std::filesystem::path& file, value fallback,
-                     format how = format::automatic) {
+inline value load_or(const file_name& file, value fallback, format how = format::automatic) {
     std::string content;
     try {
         content = detail::content_of(file);
@@ -163,8 +162,7 @@ inline value load_or(const std::filesystem::path& file, value fallback,
 /// written in this form, or if text would not give it back (lost_in_text). It is damaged if the
 /// system fails, for instance because the disk is full: save_atomically avoids that.
 /// \throws io_error for null in binary, a value without this form, and failures of the system
-inline void save(const value& content, const std::filesystem::path& file,
-                 format how = format::automatic) {
+inline void save(const value& content, const file_name& file, format how = format::automatic) {
     const format chosen = detail::format_to_write(file, how);
     const std::string name = detail::name_of(file);
     const std::string image = detail::file_image(content, chosen, name);
@@ -174,7 +172,7 @@ inline void save(const value& content, const std::filesystem::path& file,
 /// Adds a value to the end of a text file, which is created if it does not exist. A failure leaves
 /// the file as it was, if nobody else writes to it.
 /// \throws io_error also for a binary file and for a name that ends in .kelb
-inline void append(const value& content, const std::filesystem::path& file) {
+inline void append(const value& content, const file_name& file) {
     const std::string name = detail::name_of(file);
     const detail::file_end end(file);
     if (end.is_binary || detail::format_to_write(file, format::automatic) == format::binary) {

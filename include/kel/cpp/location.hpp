@@ -98,8 +98,8 @@ KEL_SELDOM [[noreturn]] inline void raise_missing(location at) {
         at = *at.outer;
     }
     if (at.name == nullptr) {
-        throw not_found(path_of(at) + ": the array has " + std::to_string(array_at(at).getCount()) +
-                        " elements.");
+        throw not_found(path_of(at) + ": the array has " +
+                        counted_elements(array_at(at).getCount()) + ".");
     }
     if (walk_of(at.container) == nullptr) {
         raise_wrong_kind(path_of_container(at), words(kind::structure), at.container);

@@ -10,6 +10,11 @@ namespace kel {
 inline namespace v1 {
 namespace detail {
 
+/// Returns the number of elements in words, for messages.
+inline std::string counted_elements(std::int32_t count) {
+    return std::to_string(count) + (count == 1 ? " element" : " elements");
+}
+
 /// Returns whether a name is written in a path without quotes.
 inline bool is_bare(std::string_view name) {
     const auto fits = [](char c) {

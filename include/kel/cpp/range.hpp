@@ -217,7 +217,7 @@ inline finding step(KEL* from, const path_reader& path, std::string_view before)
     const std::int32_t count = array != nullptr ? array->getCount() : manager->size();
     if (index >= count) {
         throw not_found(here + ": the " + (array != nullptr ? "array" : "manager") + " has " +
-                        std::to_string(count) + " elements.");
+                        counted_elements(count) + ".");
     }
     return {true, array != nullptr ? array->getVar(index) : manager->getKelAt(index), false};
 }

@@ -3,12 +3,12 @@
 /// other headers are free of the differences.
 #pragma once
 
+#include <kel/cpp/file_name.hpp>
 #include <kel/cpp/ref.hpp>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 
 #if defined(_WIN32)
