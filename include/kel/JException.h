@@ -1,9 +1,10 @@
 /// \file
-/// JException and the failures of the runtime. They are thrown by value. Catch them by reference:
+/// JException and the failures of the runtime. They are thrown by value. Catch them by reference. A
+/// failure without memory for its message has none:
 ///
 ///     try { ... } catch (const JException& failure) {
 ///         JPointer<JString> message(failure.getMessage());
-///         puts(message->chars());
+///         puts(message.isValid() ? message->chars() : "Out of memory!");
 ///     }
 #pragma once
 

@@ -19,8 +19,13 @@ public:
     /// \throws KELIOException "General KEL exception." for a kind without this form
     /// \throws KELIOException "Cannot write a value that contains itself." (text)
     /// \throws KELNullPointerException "General KEL exception." for null (binary)
+    /// \throws KELIOException "Cannot write a text that repeats so much." (text)
+    /// \throws KELIOException "Cannot write a string of more than 2147483647 bytes." (binary);
+    ///         nothing of the value is written then
+    /// \throws KELIOException "The stream is in use." if the medium calls it during an operation
     /// \throws KELOutOfMemoryException "Out of memory!"; a string stream that cannot allocate its
-    ///         text throws a KELIOException, as for any failing medium
+    ///         text throws a KELIOException, as for any failing medium, and the next write tries
+    ///         again
     /// \throws KELIOException with the medium's message if the medium fails
     virtual void write(KEL* value) = 0;
     /// Writes a decimal number (text) or one byte (binary).

@@ -4,15 +4,37 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/random.h>
+#include <unistd.h>
+#include <utility>
 
 namespace kel::platform {
 
-bool RandomStream::drawKey(Key& key) {
-    auto* bytes = reinterpret_cast<unsigned char*>(key.words);
-    std::size_t missing = sizeof key.words;
-    while (missing > 0) {
-        const ssize_t got = getrandom(bytes, missing, 0);
+namespace {
+
+std::ptrdiff_t callKernel(void* bytes, std::size_t count) {
+    return getrandom(bytes, count, 0);
+}
+
+std::ptrdiff_t readDevice(void* bytes, std::size_t count) {
+    const int device = open("/dev/urandom", O_RDONLY | O_CLOEXEC);
+    if (device < 0) {
+        return -1;
+    }
+    const std::ptrdiff_t got = read(device, bytes, count);
+    const int error = errno;
+    close(device);
+    errno = error;
+    return got;
+}
+
+RandomSources installed = {callKernel, readDevice};
+
+/// Fills count bytes from a source. \return false when the source fails
+bool fillFrom(RandomSource source, unsigned char* bytes, std::size_t count) {
+    while (count > 0) {
+        const std::ptrdiff_t got = source(bytes, count);
         if (got < 0 && errno == EINTR) {
             continue;
         }
@@ -20,9 +42,21 @@ bool RandomStream::drawKey(Key& key) {
             return false;
         }
         bytes += got;
-        missing -= static_cast<std::size_t>(got);
+        count -= static_cast<std::size_t>(got);
     }
     return true;
+}
+
+} // namespace
+
+RandomSources exchangeRandomSources(const RandomSources& sources) {
+    return std::exchange(installed, sources);
+}
+
+bool RandomStream::drawKey(Key& key) {
+    auto* bytes = reinterpret_cast<unsigned char*>(key.words);
+    return fillFrom(installed.call, bytes, sizeof key.words) ||
+           fillFrom(installed.device, bytes, sizeof key.words);
 }
 
 bool RandomStream::keyFromKernel() {

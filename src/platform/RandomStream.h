@@ -7,6 +7,20 @@
 
 namespace kel::platform {
 
+/// Requests count random bytes. Like getrandom, it can give fewer, and it returns how many it gave,
+/// or -1 and sets errno.
+using RandomSource = std::ptrdiff_t (*)(void* bytes, std::size_t count);
+
+/// Where keys come from. Kernels from before 3.17 lack the call, and a sandbox can forbid it. A
+/// process can lack the device instead, because its root folder can be any folder.
+struct RandomSources {
+    RandomSource call;   ///< used first
+    RandomSource device; ///< used if the call fails
+};
+
+/// Replaces the sources of keys and returns the previous ones. For tests.
+RandomSources exchangeRandomSources(const RandomSources& sources);
+
 /// Computes the ChaCha key stream of eight rounds, several blocks at a time. A random word takes a
 /// few nanoseconds and no system call. Identities have to be distinct, not secret; eight rounds are
 /// more than enough for that. Each stream is for one thread only.
@@ -16,7 +30,8 @@ public:
         uint32_t words[8] = {};
     };
 
-    /// Draws a key from the kernel. \return false when the kernel fails
+    /// Draws a key from the kernel. Goes on after interruptions by signals.
+    /// \return false when both sources fail; the key is then not to be used
     static bool drawKey(Key& key);
 
     /// Draws a new key from the kernel and starts over. \return false when the kernel fails

@@ -1,5 +1,6 @@
 #include <kel/JException.h>
 
+#include "runtime/Clamp.h"
 #include "runtime/MemoryPool.h"
 #include "runtime/Storage.h"
 
@@ -77,7 +78,7 @@ bool JString::hasText(const char* text) const {
 }
 
 uint32_t JString::countBytes() const {
-    return static_cast<uint32_t>(lengthOf(buffer_));
+    return kel::clampTo<uint32_t>(lengthOf(buffer_));
 }
 
 JString* JString::part(uint32_t begin, uint32_t end) const {
@@ -106,7 +107,7 @@ void JString::appendText(const char* text) {
 }
 
 char JString::charAt(int32_t index) const {
-    if (index >= static_cast<int32_t>(lengthOf(buffer_))) {
+    if (index >= 0 && static_cast<size_t>(index) >= lengthOf(buffer_)) {
         throw JArrayIndexOutOfBoundsException("JString::getChar: index too large");
     }
     return index < 0 ? '\0' : buffer_[index];

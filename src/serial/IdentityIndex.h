@@ -3,9 +3,8 @@
 #pragma once
 
 #include "serial/BlockList.h"
+#include "serial/IdentityKey.h"
 
-#include <cstdint>
-#include <kel/JHashCode.h>
 #include <vector>
 
 namespace kel {
@@ -14,20 +13,26 @@ namespace kel {
 /// The tables of the streams are built on it and can hold millions of identities. A place of the
 /// index holds a tag and a number of 32 bits each, so a search rarely has to look elsewhere.
 ///
-/// Files from strangers contain identities of the strangers' choice. The index therefore derives
-/// the places with a secret key of its own, and nobody can choose identities that collide.
+/// The places come from a secret key of its own (IdentityKey), so nobody can choose identities that
+/// make searches long.
 class IdentityIndex {
 public:
     /// The result for an identity that is not in the index.
     static constexpr uint32_t none = UINT32_MAX;
 
+    /// Makes an empty index.
+    /// \throws JException by value, "Cannot create hash code.", if the platform has no GUID
     IdentityIndex();
 
     /// Returns how many identities were numbered.
     uint32_t size() const { return static_cast<uint32_t>(identities_.size()); }
 
     /// Numbers an identity. It cannot be found until it is linked. \return its number
+    /// \throws JOutOfMemoryException "Out of memory!", also when all numbers are in use
     uint32_t append(const JHashCode& identity) {
+        if (identities_.size() >= none) {
+            throwOutOfMemory();
+        }
         identities_.append(identity);
         return size() - 1;
     }
@@ -46,6 +51,9 @@ public:
     /// Returns the identity of a number.
     const JHashCode& identityAt(uint32_t number) const { return identities_[number]; }
 
+    /// Returns how many places a search for an identity passes over before it ends. For tests.
+    std::size_t distanceOf(const JHashCode& identity) const;
+
     /// Replaces an identity by the zero identity. The callers of this function never look for that
     /// one.
     void erase(uint32_t number) noexcept { identities_[number] = JHashCode(); }
@@ -61,7 +69,6 @@ private:
         uint32_t number = none;
     };
 
-    uint32_t tagOf(const JHashCode& identity) const;
     bool isCurrent(const Place& place) const;
     std::size_t search(const JHashCode& identity, uint32_t tag) const;
     void rebuild();
@@ -69,8 +76,7 @@ private:
     BlockList<JHashCode> identities_;
     std::vector<Place> places_; // a power of two, at most three quarters in use
     std::size_t used_ = 0;
-    uint64_t key0_;
-    uint64_t key1_;
+    IdentityKey key_;
 };
 
 } // namespace kel

@@ -1,23 +1,20 @@
 #include "serial/KELInputStream_Impl.h"
 
-#include "serial/StreamErrors.h"
 #include "values/KEL_Impl.h"
 
-using kel::withMediumErrors;
-
 KEL* KELInputStream_Impl::read() {
-    return kel::withStreamErrors([&] { return readTree(); });
+    return useWhole([&] { return readTree(); });
 }
 
 int32_t KELInputStream_Impl::JRead() {
-    return withMediumErrors([&] {
+    return use([&] {
         input().clearMark(); // a token's mark would make the window keep all bytes after it
         return input().next();
     });
 }
 
 int32_t KELInputStream_Impl::JRead(uint8_t* buffer, int32_t offset, int32_t count) {
-    return withMediumErrors([&] {
+    return use([&] {
         if (buffer == nullptr) {
             return JDataInput::JRead(buffer, offset, count);
         }
@@ -29,7 +26,7 @@ int32_t KELInputStream_Impl::JRead(uint8_t* buffer, int32_t offset, int32_t coun
 }
 
 void KELInputStream_Impl::JClose() {
-    withMediumErrors([&] {
+    use([&] {
         // A host that continues with its own handle continues just after the last byte consumed.
         input().sync();
         input().stream().JClose();
@@ -42,7 +39,7 @@ int64_t KELInputStream_Impl::JTell() {
 }
 
 void KELInputStream_Impl::JSeek(int64_t position) {
-    withMediumErrors([&] { input().seek(position); });
+    use([&] { input().seek(position); });
 }
 
 void KELInputStream_Impl::destroy() {

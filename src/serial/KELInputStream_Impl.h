@@ -2,6 +2,8 @@
 /// KELInputStream_Impl: the common part of the input streams of both formats.
 #pragma once
 
+#include "serial/StreamErrors.h"
+#include "serial/StreamUse.h"
 #include "streams/BufferedInputStream.h"
 #include "streams/JDataInput.h"
 
@@ -10,7 +12,8 @@
 class KEL_Impl;
 
 /// Reads through a read-ahead window of a medium. A failure of the medium, a JIOException, is
-/// thrown again as a KELIOException with its message.
+/// thrown again as a KELIOException with its message. An operation that the medium calls while
+/// another one runs throws KELIOException "The stream is in use.".
 class KELInputStream_Impl : public virtual KELInputStream, public virtual JDataInput {
 public:
     KELInputStream_Impl() = default;
@@ -37,4 +40,19 @@ protected:
 
     /// Reads the next root value, which the caller owns. Returns null for the word null in a text.
     virtual KEL_Impl* readTree() = 0;
+
+    /// Runs an operation on the medium. All operations of hosts do so.
+    template <class Operation> decltype(auto) use(const Operation& operation) {
+        const kel::StreamUse alone(*this, inUse_);
+        return kel::withMediumErrors(operation);
+    }
+
+    /// Runs an operation that makes values or tokens.
+    template <class Operation> decltype(auto) useWhole(const Operation& operation) {
+        const kel::StreamUse alone(*this, inUse_);
+        return kel::withStreamErrors(operation);
+    }
+
+private:
+    bool inUse_ = false;
 };

@@ -2,13 +2,16 @@
 /// KELOutputStream_Impl: the common part of the output streams of both formats.
 #pragma once
 
+#include "serial/StreamErrors.h"
+#include "serial/StreamUse.h"
 #include "streams/JDataOutput.h"
 
 #include <kel/JPointer.h>
 #include <kel/KELOutputStream.h>
 
 /// Writes to a sink of bytes. Every failure of the sink, a JIOException, is thrown again as a
-/// KELIOException with its message.
+/// KELIOException with its message. An operation that the sink calls while another one runs throws
+/// KELIOException "The stream is in use.".
 class KELOutputStream_Impl : public virtual KELOutputStream, public virtual JDataOutput {
 public:
     /// Shares the sink, which is not null.
@@ -44,7 +47,14 @@ protected:
 
     JOutputStream& sink() const { return *sink_; }
 
+    /// Runs an operation on the sink. All operations of hosts do so.
+    template <class Operation> decltype(auto) use(const Operation& operation) {
+        const kel::StreamUse alone(*this, inUse_);
+        return kel::withMediumErrors(operation);
+    }
+
 private:
     JPointer<JOutputStream> sink_;
     int32_t byteOrder_ = 1;
+    bool inUse_ = false;
 };

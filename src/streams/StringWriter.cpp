@@ -66,6 +66,9 @@ void StringWriter::makeRoom(std::size_t count) {
 
 /// Writes and counts count bytes, at least one, or changes the state.
 void StringWriter::write(const void* bytes, std::size_t count) {
+    if (state_ == State::bad) {
+        state_ = State::good; // there can be memory again
+    }
     // The count and the NUL must stay within 32 bits, or getStringSize would be wrong.
     if (state_ == State::good && count >= UINT32_MAX - count_) {
         state_ = State::failed;

@@ -6,7 +6,8 @@
 
 #include <cstddef>
 
-/// Collects the bytes written and provides them as a null-terminated text.
+/// Collects the bytes written and provides them as a null-terminated text. A write that throws has
+/// written nothing. After a write without memory, the next one tries again.
 class StringWriter : public JOutputStream {
 public:
     StringWriter() = default;
@@ -24,7 +25,7 @@ public:
 
     /// Writes the low eight bits of byte.
     /// \throws JIOException "StringWriter::JWrite(int). Stream returned bad() flag.", when there is
-    ///         no memory, and from then on
+    ///         no memory
     /// \throws JIOException "StringWriter::JWrite(int). Stream returned fail() flag.", when the
     ///         number of characters would exceed 32 bits, after a failed JSeek, and from then on
     void JWrite(int32_t byte) override;
@@ -44,19 +45,20 @@ public:
     /// Does nothing: a text in memory cannot be closed and remains readable.
     void JClose() override {}
 
-    /// Returns the position of the next character, or -1 after a failure.
+    /// Returns the position of the next character, or -1 after a failure until a write succeeds.
     int64_t JTell() override;
 
     /// Moves back into the text, or to its end. Characters written there replace the old ones but
     /// count as written again, so getString then ends in that many NULs.
     /// \throws JIOException "StringWriter::JSeek(). Cannot seek to negative position."
     /// \throws JIOException "StringWriter::JSeek(). Stream returned bad() flag." after a write
-    ///         without memory
+    ///         without memory, until a write succeeds
     /// \throws JIOException "StringWriter::JSeek(). Stream returned fail() flag." after the end
     void JSeek(int64_t position) override;
 
 private:
-    /// The states, like the flags of a standard stream that the messages name. Failures are final.
+    /// The states, like the flags of a standard stream that the messages name. A write can
+    /// end the state bad. The state failed is final.
     enum class State { good, failed, bad };
 
     void write(const void* bytes, std::size_t count);

@@ -173,8 +173,8 @@ public:
     /// \return false, with nothing changed, if it has no form of this kind
     virtual bool takeConverted(const KEL_Impl& source);
 
-    /// Returns whether a walk that must not reach this container inside itself is below it. Such
-    /// walks never call the host, so one mark is enough.
+    /// Returns whether a walk that must not reach this container inside itself is below it. One
+    /// mark is enough: a walk that finds the mark of another one refuses the container too.
     bool isOnPath() const { return hasMark(onPathMark); }
     void setOnPath(bool onPath) const { setMark(onPathMark, onPath); }
 

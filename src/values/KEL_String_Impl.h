@@ -44,6 +44,9 @@ public:
     KEL_String* setguid(const JHashCode& value) override;
     char getChar(int32_t index) const override;
 
+    /// Returns the text, borrowed until the value changes.
+    std::string_view view() const { return value_.view(); }
+
     // KELInterface_Casting_V1
     bool toBoolean() const override { return *getValue() != '\0'; }
     int32_t toInt() const override;

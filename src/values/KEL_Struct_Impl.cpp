@@ -326,7 +326,7 @@ bool KEL_Struct_Impl::show(KELVarCursor& cursor, kel::VariableTable::Position po
     const std::string_view name = variable == nullptr ? std::string_view() : variable->name.view();
     cursor.name = name.data();
     cursor.value = variable == nullptr ? nullptr : variable->value;
-    cursor.length = static_cast<int32_t>(name.size());
+    cursor.length = kel::clampTo<int32_t>(name.size());
     cursor.place[0] = position.run;
     cursor.place[1] = position.index;
     return variable != nullptr;
@@ -349,6 +349,15 @@ bool KEL_Struct_Impl::nextChild(kel::ChildCursor& cursor) const {
     }
     cursor.showVariable();
     return true;
+}
+
+kel::VariableTable::Position KEL_Struct_Impl::positionAfter(const kel::ChildCursor& cursor) const {
+    return variables_.positionAfter(cursor.variables);
+}
+
+void KEL_Struct_Impl::continueAfter(kel::VariableTable::Position position,
+                                    kel::ChildCursor& cursor) const {
+    cursor.variables = variables_.walkFrom(position);
 }
 
 KEL_Impl* KEL_Struct_Impl::copyWithoutChildren() const {

@@ -2,6 +2,7 @@
 /// KEL_Struct_Impl: a Struct value.
 #pragma once
 
+#include "runtime/Clamp.h"
 #include "values/ChildCursor.h"
 
 #include <kel/KEL_Struct.h>
@@ -58,7 +59,7 @@ public:
     bool containsVar(const char* name) const override;
     StringEnumeration* getVarNames() const override;
     void removeAllVars() override;
-    int32_t getCount() const override { return static_cast<int32_t>(variables_.size()); }
+    int32_t getCount() const override { return kel::clampTo<int32_t>(variables_.size()); }
     void renameVar(const char* oldName, const char* newName) override;
 
     // KELInterface_Struct_V2
@@ -74,6 +75,13 @@ public:
     /// Throws if the name contains a quote.
     /// \throws KELRenameException "KEL_Struct key can't contain a \""
     static void refuseQuote(std::string_view name);
+
+    /// Returns the position after the variable that a walk over this struct has moved to.
+    kel::VariableTable::Position positionAfter(const kel::ChildCursor& cursor) const;
+
+    /// Makes the cursor, which is one over this struct or over a value built on it, continue after
+    /// a position, whatever happened to the struct meanwhile.
+    void continueAfter(kel::VariableTable::Position position, kel::ChildCursor& cursor) const;
 
     // The following changes notify nobody. They are for operations that change more than this
     // struct, or more than one variable, and notify at the end. Those that are noexcept cannot

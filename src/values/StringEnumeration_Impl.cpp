@@ -1,5 +1,6 @@
 #include "values/StringEnumeration_Impl.h"
 
+#include "runtime/Clamp.h"
 #include "values/KELException_Impl.h"
 
 #include <kel/JString.h>
@@ -32,7 +33,7 @@ JObject* StringEnumeration_Impl::nextElement() const {
 }
 
 int32_t StringEnumeration_Impl::getCount() const {
-    return static_cast<int32_t>(texts_.size());
+    return kel::clampTo<int32_t>(texts_.size());
 }
 
 int32_t StringEnumeration_Impl::indexOf(const char* text) const {

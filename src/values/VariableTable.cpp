@@ -130,6 +130,26 @@ const Variable* VariableTable::next(Position& position) const {
     return nullptr;
 }
 
+VariableTable::Position VariableTable::positionAfter(const Walk& walk) const {
+    if (walk.variable == nullptr) {
+        return {};
+    }
+    const std::size_t run = walk.nextRun - 1;
+    const std::ptrdiff_t index = walk.variable - runAt(run).begin();
+    return {static_cast<uint32_t>(run), static_cast<uint32_t>(index + 1)};
+}
+
+VariableTable::Walk VariableTable::walkFrom(Position position) const {
+    Walk walk;
+    walk.nextRun = position.run;
+    if (position.index == 0 || position.run >= countRuns() || !nextRun(walk)) {
+        return walk;
+    }
+    const VariableRun& run = runAt(position.run);
+    walk.variable = run.begin() + std::min(position.index, run.count()) - 1;
+    return walk;
+}
+
 VariableTable::Position VariableTable::positionOf(const Place& place) const {
     const std::ptrdiff_t run = chunks_ == nullptr ? 0 : place.run - chunks_->runs.data();
     return {static_cast<uint32_t>(run), place.index};

@@ -165,6 +165,12 @@ public:
     /// Returns the position before a place.
     Position positionOf(const Place& place) const;
 
+    /// Returns the position after the variable that a walk has moved to.
+    Position positionAfter(const Walk& walk) const;
+
+    /// Returns a walk that continues after a position, whatever happened to the table meanwhile.
+    Walk walkFrom(Position position) const;
+
     /// Returns the position before the first variable whose name comes after this one.
     /// \param near a position that is likely to follow the name
     Position positionAfter(const NameKey& key, const Position& near) const;

@@ -74,6 +74,26 @@ TYPED_TEST(RuntimeFailure, HasNoMessageWhenItCannotBeAllocated) {
     }
 }
 
+/// Returns what the handler of include/kel/JException.h prints.
+template <class Action> std::string printedBy(const Action& action) {
+    try {
+        action();
+    } catch (const JException& failure) {
+        JPointer<JString> message(failure.getMessage());
+        return message.isValid() ? message->chars() : "Out of memory!";
+    }
+    return "(nothing thrown)";
+}
+
+TEST(JException, TheRecommendedHandlerNeedsNoMessage) {
+    EXPECT_EQ(printedBy([] { throw JIOException("text"); }), "text");
+    EXPECT_EQ(printedBy([] {
+                  const kel::test::FailingAllocation failing(0, true);
+                  throw JIOException("text");
+              }),
+              "Out of memory!");
+}
+
 TEST(JException, OneKindIsNotCaughtAsAnother) {
     EXPECT_FALSE(catches<JIOException>(JEOFException("text")));
     EXPECT_FALSE(catches<JEOFException>(JIOException("text")));

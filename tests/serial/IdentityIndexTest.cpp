@@ -1,8 +1,14 @@
 // The index under the tables of identities.
 #include "serial/IdentityIndex.h"
 
+#include "platform/Guid.h"
+#include "support/Thrown.h"
+
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <gtest/gtest.h>
+#include <kel/JException.h>
 
 using kel::IdentityIndex;
 
@@ -83,6 +89,75 @@ TEST(IdentityIndex, TruncatingForgetsTheLastIdentities) {
         EXPECT_EQ(index.find(numbered(10)), round == 0 ? 10 : IdentityIndex::none);
         EXPECT_EQ(index.find(numbered(999 + 1000 * round)), 999U);
     }
+}
+
+// ---- Identities that a stranger chose ----------------------------------------------------------
+
+/// Returns an identity all of whose words but one are constants.
+JHashCode withWord(std::size_t place, uint32_t word) {
+    std::array<uint32_t, 4> words = {0x3F2504E0, 0x11D34F89, 0x03E82C9A, 0x0133C8E8};
+    words[place] = word;
+    return JHashCode(words[0], words[1], words[2], words[3]);
+}
+
+/// Returns how many places a search for one of so many identities passes over on average.
+double averageDistance(uint32_t count, const std::function<JHashCode(uint32_t)>& numberedOf) {
+    IdentityIndex index;
+    for (uint32_t i = 0; i < count; ++i) {
+        enter(index, numberedOf(i));
+    }
+    std::size_t sum = 0;
+    for (uint32_t i = 0; i < count; ++i) {
+        sum += index.distanceOf(numberedOf(i));
+    }
+    return static_cast<double>(sum) / count;
+}
+
+/// About twice what random places need in a table that is as full as it can be.
+constexpr double expected = 3;
+constexpr uint32_t familySize = 1 << 15;
+
+TEST(IdentityIndex, NoFamilyOfIdentitiesMakesSearchesLong) {
+    for (std::size_t word = 0; word < 4; ++word) {
+        EXPECT_LT(averageDistance(familySize, [&](uint32_t i) { return withWord(word, i); }),
+                  expected)
+            << "low bits of word " << word;
+        EXPECT_LT(averageDistance(familySize, [&](uint32_t i) { return withWord(word, i << 17); }),
+                  expected)
+            << "high bits of word " << word;
+        for (const uint32_t step : {3U, 64U, 65537U, 0x10001000U, 0x9E3779B9U}) {
+            EXPECT_LT(
+                averageDistance(familySize, [&](uint32_t i) { return withWord(word, i * step); }),
+                expected)
+                << "steps of " << step << " in word " << word;
+        }
+    }
+    for (int shift = 1; shift < 32; ++shift) {
+        EXPECT_LT(
+            averageDistance(familySize, [&](uint32_t i) { return JHashCode(i, i << shift, 0, i); }),
+            expected)
+            << "several words, shifted by " << shift;
+    }
+}
+
+TEST(IdentityIndex, HasASecretOfItsOwn) {
+    IdentityIndex a;
+    IdentityIndex b;
+    std::size_t different = 0;
+    for (uint32_t i = 0; i < 1000; ++i) {
+        enter(a, numbered(i));
+        enter(b, numbered(i));
+        different += a.distanceOf(numbered(i)) != b.distanceOf(numbered(i)) ? 1 : 0;
+    }
+    EXPECT_GT(different, 0U);
+}
+
+TEST(IdentityIndex, WithoutASourceOfIdentitiesItIsNotMade) {
+    // Where a key was drawn before, the source of the platform cannot fail.
+    const auto before = kel::platform::exchangeGuidSource([](JHashCode&) { return false; });
+    const std::string message = kel::test::thrownMessage<JException>([] { IdentityIndex(); });
+    kel::platform::exchangeGuidSource(before);
+    EXPECT_EQ(message, "Cannot create hash code.");
 }
 
 } // namespace

@@ -245,6 +245,44 @@ TEST(VariableTable, APositionLeadsOnWhateverChanged) {
     }
 }
 
+TEST(VariableTable, AWalkContinuesFromAPosition) {
+    for (const int count : {0, 1, 100, 1000}) {
+        VariableTable table;
+        for (int i = 0; i < count; ++i) {
+            put(table, std::to_string(1000 + i), i);
+        }
+        int32_t steps = 0;
+        VariableTable::Walk walk = table.walkFrom(table.positionAfter(VariableTable::Walk()));
+        while (table.next(walk)) {
+            ASSERT_EQ(walk.variable->value->toInt(), steps++);
+            walk = table.walkFrom(table.positionAfter(walk));
+        }
+        EXPECT_EQ(steps, count);
+    }
+}
+
+TEST(VariableTable, AWalkContinuesWhateverChanged) {
+    constexpr uint32_t count = 1000;
+    VariableTable table;
+    for (uint32_t i = 0; i < count; ++i) {
+        put(table, std::to_string(1000 + i), 0);
+    }
+    for (uint32_t left = count; left > 0; --left) {
+        remove(table, std::to_string(1000 + left - 1));
+        for (uint32_t run = 0; run < 10; ++run) {
+            for (const uint32_t index : {0U, 1U, 60U, 128U, 5000U}) {
+                VariableTable::Walk walk = table.walkFrom({run, index});
+                uint32_t steps = 0;
+                while (table.next(walk)) {
+                    ASSERT_FALSE(walk.variable->name.view().empty());
+                    ++steps;
+                }
+                ASSERT_LT(steps, left);
+            }
+        }
+    }
+}
+
 TEST(VariableTable, NamesInOrderFillTheArrays) {
     constexpr int count = 100000;
     const std::vector<std::string> names = numberedNames(count);

@@ -23,7 +23,6 @@ namespace kel {
 namespace {
 
 constexpr int64_t noEnd = std::numeric_limits<int64_t>::max();
-constexpr uint64_t greatestLength = std::numeric_limits<int32_t>::max(); // of a String or MemBlock
 
 [[noreturn]] void refuseHeader() {
     throw new KELIOException_Impl("Error reading KEL header.");
@@ -240,7 +239,7 @@ KEL_Impl* BinaryTreeReader::readValue(const Prefix& prefix) {
 /// Makes sure that the window holds a payload. The payload is consumed only when its value is made,
 /// so after "Out of memory!" a host can read on from the position before it.
 void BinaryTreeReader::fetchPayload(uint64_t length) {
-    if (length > greatestLength) {
+    if (length > binary::longestBytes) {
         require(levels_.empty());
         throw new KELOutOfMemoryException_Impl("Out of memory!");
     }

@@ -8,7 +8,7 @@
 #include "values/KEL_MemBlock_Impl.h"
 #include "values/KEL_String_Impl.h"
 
-#include <cstring>
+#include <string_view>
 
 namespace kel {
 
@@ -92,8 +92,11 @@ void BinaryTreeWriter::writePayload(const KEL_Impl& value, KELKind kind, uint8_t
         break;
     }
     case KELKind_String: {
-        const char* text = static_cast<const KEL_String_Impl&>(value).getValue();
-        writeBytes(record, text, std::strlen(text));
+        const std::string_view text = static_cast<const KEL_String_Impl&>(value).view();
+        if (text.size() > longestString_) {
+            throw StringTooLong();
+        }
+        writeBytes(record, text.data(), text.size());
         break;
     }
     case KELKind_Array:

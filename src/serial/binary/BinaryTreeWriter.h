@@ -8,14 +8,19 @@
 
 namespace kel {
 
+/// A String is longer than any reader accepts. Nothing of the value may be written.
+struct StringTooLong {};
+
 /// Encodes one value and everything below it, with a stack of its own instead of recursion.
 /// docs/binary-format.md describes the rules of the format.
 class BinaryTreeWriter {
 public:
     /// Appends to out. written knows which values were written before and remembers the new ones.
     /// As long as no value with a given identity was written, a value that is not shared cannot
-    /// have been written before, and written is not searched.
-    BinaryTreeWriter(RecordBuffer& out, IdentitySet& written) : out_(out), written_(written) {}
+    /// have been written before, and written is not searched. A String can have longestString
+    /// bytes.
+    BinaryTreeWriter(RecordBuffer& out, IdentitySet& written, uint64_t longestString)
+        : out_(out), written_(written), longestString_(longestString) {}
 
     BinaryTreeWriter(const BinaryTreeWriter&) = delete;
     BinaryTreeWriter& operator=(const BinaryTreeWriter&) = delete;
@@ -29,6 +34,7 @@ public:
     /// \throws KELIOException "General KEL exception." for a kind without a binary form
     /// \throws KELIOException "Cannot write a value that contains itself." for one that cannot be
     ///         referred to because its identity is all zero
+    /// \throws StringTooLong by value
     void write(const KEL_Impl& value);
 
 private:
@@ -52,6 +58,7 @@ private:
 
     RecordBuffer& out_;
     IdentitySet& written_;
+    uint64_t longestString_;
     Vector<Level> levels_;
     uint32_t incomplete_ = IdentityIndex::none; ///< number of the value whose record is begun
 };

@@ -1,10 +1,7 @@
 #include "serial/binary/KELBinaryInputStream_Impl.h"
 
-#include "serial/StreamErrors.h"
 #include "serial/binary/BinaryTreeReader.h"
 #include "serial/binary/UnheldLoops.h"
-
-using kel::withMediumErrors;
 
 KELBinaryInputStream_Impl::~KELBinaryInputStream_Impl() {
     if (holdsLoops_) {
@@ -17,29 +14,29 @@ KEL_Impl* KELBinaryInputStream_Impl::readTree() {
 }
 
 int8_t KELBinaryInputStream_Impl::JRead8() {
-    return withMediumErrors([&] { return data_.JRead8(); });
+    return use([&] { return data_.JRead8(); });
 }
 
 int16_t KELBinaryInputStream_Impl::JRead16() {
-    return withMediumErrors([&] { return data_.JRead16(); });
+    return use([&] { return data_.JRead16(); });
 }
 
 int32_t KELBinaryInputStream_Impl::JRead32() {
-    return withMediumErrors([&] { return data_.JRead32(); });
+    return use([&] { return data_.JRead32(); });
 }
 
 JLong64 KELBinaryInputStream_Impl::JRead64() {
-    return withMediumErrors([&] { return data_.JRead64(); });
+    return use([&] { return data_.JRead64(); });
 }
 
 JHashCode KELBinaryInputStream_Impl::JRead128() {
-    return withMediumErrors([&] { return data_.JRead128(); });
+    return use([&] { return data_.JRead128(); });
 }
 
 JString* KELBinaryInputStream_Impl::JReadString() {
-    return withMediumErrors([&] { return data_.JReadString(); });
+    return use([&] { return data_.JReadString(); });
 }
 
 double KELBinaryInputStream_Impl::JReadDouble() {
-    return withMediumErrors([&] { return data_.JReadDouble(); });
+    return use([&] { return data_.JReadDouble(); });
 }

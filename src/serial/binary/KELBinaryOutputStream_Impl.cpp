@@ -1,9 +1,6 @@
 #include "serial/binary/KELBinaryOutputStream_Impl.h"
 
-#include "serial/StreamErrors.h"
 #include "serial/binary/BinaryTreeWriter.h"
-
-using kel::withMediumErrors;
 
 void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
     const KEL_Impl* implementation = KEL_Impl::of(value);
@@ -17,7 +14,7 @@ void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
     const uint32_t before = written_.size();
     const auto emit = [&] {
         try {
-            withMediumErrors([&] { records.writeTo(sink()); });
+            kel::withMediumErrors([&] { records.writeTo(sink()); });
         } catch (...) {
             // It is unknown which bytes arrived, so nothing can refer to them later.
             written_.rollBack(before);
@@ -25,13 +22,16 @@ void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
         }
     };
     try {
-        kel::BinaryTreeWriter(records, written_).write(*implementation);
+        kel::BinaryTreeWriter(records, written_, longestString_).write(*implementation);
     } catch (KELException_Impl* failure) {
         // The records before a refusal, and the partial record, remain in the sink.
         const JPointer<KELException_Impl> refused(failure);
         emit();
         failure->addRef();
         throw;
+    } catch (const kel::StringTooLong&) {
+        written_.rollBack(before);
+        throw new KELIOException_Impl("Cannot write a string of more than 2147483647 bytes.");
     } catch (...) {
         written_.rollBack(before);
         throw;
@@ -40,29 +40,29 @@ void KELBinaryOutputStream_Impl::writeTree(KEL* value) {
 }
 
 void KELBinaryOutputStream_Impl::JWrite8(int8_t value) {
-    withMediumErrors([&] { data_.JWrite8(value); });
+    use([&] { data_.JWrite8(value); });
 }
 
 void KELBinaryOutputStream_Impl::JWrite16(int16_t value) {
-    withMediumErrors([&] { data_.JWrite16(value); });
+    use([&] { data_.JWrite16(value); });
 }
 
 void KELBinaryOutputStream_Impl::JWrite32(int32_t value) {
-    withMediumErrors([&] { data_.JWrite32(value); });
+    use([&] { data_.JWrite32(value); });
 }
 
 void KELBinaryOutputStream_Impl::JWrite64(JLong64 value) {
-    withMediumErrors([&] { data_.JWrite64(value); });
+    use([&] { data_.JWrite64(value); });
 }
 
 void KELBinaryOutputStream_Impl::JWrite128(const JHashCode& value) {
-    withMediumErrors([&] { data_.JWrite128(value); });
+    use([&] { data_.JWrite128(value); });
 }
 
 void KELBinaryOutputStream_Impl::JWriteString(const char* text) {
-    withMediumErrors([&] { data_.JWriteString(text); });
+    use([&] { data_.JWriteString(text); });
 }
 
 void KELBinaryOutputStream_Impl::JWriteDouble(double value) {
-    withMediumErrors([&] { data_.JWriteDouble(value); });
+    use([&] { data_.JWriteDouble(value); });
 }

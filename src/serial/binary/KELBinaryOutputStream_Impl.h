@@ -4,6 +4,7 @@
 
 #include "serial/KELOutputStream_Impl.h"
 #include "serial/binary/IdentitySet.h"
+#include "serial/binary/RecordLayout.h"
 #include "streams/BinaryDataOutput.h"
 
 /// Writes values in the binary format (docs/binary-format.md). Throughout its life it remembers the
@@ -26,9 +27,13 @@ public:
     void JWriteDouble(double value) override;
     using KELOutputStream_Impl::JWrite64;
 
+    /// Changes the longest String that is accepted. For tests.
+    void setLongestString(uint64_t bytes) { longestString_ = bytes; }
+
 private:
     void writeTree(KEL* value) override;
 
     BinaryDataOutput data_;
     kel::IdentitySet written_;
+    uint64_t longestString_ = kel::binary::longestBytes;
 };

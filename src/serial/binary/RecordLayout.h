@@ -43,6 +43,9 @@ inline constexpr std::size_t intLength = 4;
 inline constexpr std::size_t booleanLength = 1;
 inline constexpr std::size_t doubleLength = 8;
 
+/// The longest payload of a String or MemBlock, in bytes.
+inline constexpr uint64_t longestBytes = 0x7FFFFFFF;
+
 // ---- The fields before a payload ---------------------------------------------------------------
 
 /// Writes the fields that every record has to the beginning of the record.

@@ -8,21 +8,25 @@
 
 namespace kel {
 
-/// The remaining budget for uses of definitions. A few lines of definitions can stand for any
-/// number of values, so both the values and the text that they make are counted. The budget belongs
-/// to the stream, because a bound for each root value would be multiplied by the number of roots.
-/// It grows with the input, so that a long text or an endless stream can use definitions as freely
-/// as a short text.
+/// The remaining budget for uses of definitions, in bytes of memory. A few lines of definitions can
+/// stand for any number of values, so both the values and the text that they make are counted. The
+/// budget belongs to the stream, because a bound for each root value would be multiplied by the
+/// number of roots. It grows with the input, so that a long text or an endless stream can use
+/// definitions as freely as a short text.
 class ExpansionBudget {
 public:
     /// The budget of every stream.
-    static constexpr int64_t initial = int64_t{4} * 1024 * 1024;
+    static constexpr int64_t initial = int64_t{16} * 1024 * 1024;
     /// The addition for each byte of the stream that is read.
     static constexpr int64_t perByte = 256;
-    /// The cost of a use, beside the bytes of its text.
+    /// The cost of a use, beside the bytes of its text. A use keeps no memory, but takes time.
     static constexpr int64_t useCost = 64;
-    /// The cost of each value that a definition's text makes.
-    static constexpr int64_t valueCost = 64;
+    /// The costs of the values that a definition's text makes: at least the memory of the value and
+    /// of its place in its container (docs/storage.md), without the characters, which are in the
+    /// text.
+    static constexpr int64_t scalarCost = 192;
+    static constexpr int64_t containerCost = 256;      ///< an Array, a Struct or an IndexList
+    static constexpr int64_t largeContainerCost = 512; ///< a Manager, or a value built on a struct
 
     /// Starts at a position of the stream.
     explicit ExpansionBudget(int64_t position) : position_(position) {}
@@ -41,8 +45,8 @@ public:
     /// Spends the cost of one use of a text. \return false, unchanged, if too little is left
     bool spendUse(std::size_t textSize) { return spend(useCost + static_cast<int64_t>(textSize)); }
 
-    /// Spends the cost of one value. \return false, unchanged, if too little is left
-    bool spendValue() { return spend(valueCost); }
+    /// Spends one of the costs of a value. \return false, unchanged, if too little is left
+    bool spendValue(int64_t cost) { return spend(cost); }
 
 private:
     bool spend(int64_t cost) {

@@ -1,15 +1,14 @@
 #include "serial/text/KELASCIIInputStream_Impl.h"
 
 #include "runtime/JDouble.h"
-#include "serial/StreamErrors.h"
 #include "serial/text/TextTreeReader.h"
 
 KEL_Impl* KELASCIIInputStream_Impl::readTree() {
     return kel::TextTreeReader(source_, known_).read();
 }
 
-const kel::Token& KELASCIIInputStream_Impl::readNumber() {
-    return kel::withStreamErrors([&]() -> const kel::Token& {
+kel::Token KELASCIIInputStream_Impl::readNumber() {
+    return useWhole([&] {
         source_.startRoot();
         const int32_t type = source_.skip();
         if (type == kel::tokenEnd) {
@@ -23,13 +22,13 @@ const kel::Token& KELASCIIInputStream_Impl::readNumber() {
 }
 
 int32_t KELASCIIInputStream_Impl::JRead32() {
-    const kel::Token& number = readNumber();
+    const kel::Token number = readNumber();
     return number.type == kel::tokenInteger ? number.integer
                                             : kel::truncateToInt32(number.floating);
 }
 
 double KELASCIIInputStream_Impl::JReadDouble() {
-    const kel::Token& number = readNumber();
+    const kel::Token number = readNumber();
     return number.type == kel::tokenInteger ? number.integer : number.floating;
 }
 
@@ -42,7 +41,7 @@ JHashCode KELASCIIInputStream_Impl::JRead128() {
 }
 
 JString* KELASCIIInputStream_Impl::JReadString() {
-    return kel::withStreamErrors([&] {
+    return useWhole([&] {
         source_.startRoot();
         const int32_t type = source_.skip();
         if (type == kel::tokenEnd) {

@@ -33,7 +33,7 @@ protected:
     KEL_Impl* readTree() override;
 
 private:
-    const kel::Token& readNumber();
+    kel::Token readNumber();
 
     kel::TextSource source_;
     kel::ValueTable known_;

@@ -1,7 +1,6 @@
 #include "serial/text/KELASCIIOutputStream_Impl.h"
 
 #include "runtime/Text.h"
-#include "serial/StreamErrors.h"
 #include "serial/text/TextTreeWriter.h"
 
 void KELASCIIOutputStream_Impl::writeTree(KEL* value) {
@@ -34,13 +33,15 @@ void KELASCIIOutputStream_Impl::write(const KEL* value, int32_t indent, bool ind
 }
 
 void KELASCIIOutputStream_Impl::writeText(std::string_view text) {
-    // An empty text is written too, and a long one takes several writes.
-    do {
-        const std::string_view piece = text.substr(0, INT32_MAX);
-        JWrite(reinterpret_cast<const uint8_t*>(piece.data()), 0,
-               static_cast<int32_t>(piece.size()));
-        text.remove_prefix(piece.size());
-    } while (!text.empty());
+    use([&] {
+        // An empty text is written too, and a long one takes several writes.
+        do {
+            const std::string_view piece = text.substr(0, INT32_MAX);
+            sink().JWrite(reinterpret_cast<const uint8_t*>(piece.data()), 0,
+                          static_cast<int32_t>(piece.size()));
+            text.remove_prefix(piece.size());
+        } while (!text.empty());
+    });
 }
 
 void KELASCIIOutputStream_Impl::JWrite32(int32_t value) {

@@ -1,33 +1,32 @@
 #include "serial/text/OutputBuffer.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace kel {
 
-void OutputBuffer::appendInPieces(std::string_view text) {
-    while (text.size() > capacity - used_) {
-        const std::size_t part = capacity - used_;
-        std::memcpy(bytes_ + used_, text.data(), part);
-        used_ += part;
-        text.remove_prefix(part);
-        flush();
+/// Moves to storage with room for count more characters.
+void OutputBuffer::grow(std::size_t count) {
+    if (count > SIZE_MAX / 2 - used_) {
+        throwOutOfMemory();
     }
-    append(text);
-}
-
-void OutputBuffer::append(std::size_t count, char character) {
-    for (; count > capacity - used_; flush()) {
-        count -= capacity - used_;
-        std::memset(bytes_ + used_, character, capacity - used_);
-        used_ = capacity;
-    }
-    std::memset(bytes_ + used_, character, count);
-    used_ += count;
+    const std::size_t capacity = std::max(used_ + count, capacity_ + capacity_ / 2);
+    Storage<char> larger(static_cast<char*>(allocateOrThrow(capacity)));
+    std::memcpy(larger.get(), bytes_, used_);
+    larger_ = std::move(larger);
+    bytes_ = larger_.get();
+    capacity_ = capacity;
 }
 
 void OutputBuffer::flush() {
-    const auto count = static_cast<int32_t>(used_);
-    used_ = 0;
-    if (count > 0) {
-        sink_.JWrite(reinterpret_cast<const uint8_t*>(bytes_), 0, count);
+    // One write carries at most as many bytes as its 32-bit count can express.
+    constexpr std::size_t most = INT32_MAX;
+    const std::size_t count = std::exchange(used_, 0);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(bytes_);
+    for (std::size_t done = 0; done < count;) {
+        const std::size_t piece = std::min(count - done, most);
+        sink_.JWrite(bytes + done, 0, static_cast<int32_t>(piece));
+        done += piece;
     }
 }
 

@@ -2,6 +2,7 @@
 /// OutputBuffer: collects small pieces of text on their way to a sink.
 #pragma once
 
+#include "runtime/Storage.h"
 #include "streams/JOutputStream.h"
 
 #include <cstddef>
@@ -10,12 +11,17 @@
 
 namespace kel {
 
-/// Writes text to a sink in large pieces. The destructor writes nothing: the user of the buffer
-/// calls flush, which reports failures.
+/// Collects text for a sink. Only flush calls the sink, which can be a host's function, so the user
+/// of the buffer decides when that can happen: as often as isFull returns true. A piece that does
+/// not fit makes the buffer larger. The destructor writes nothing: the user calls flush, which
+/// reports failures.
 class OutputBuffer {
 public:
     /// The largest count that reserve accepts.
     static constexpr std::size_t reserveLimit = 1024;
+
+    /// The number of characters from which the buffer is full.
+    static constexpr std::size_t fullSize = 32 * 1024;
 
     explicit OutputBuffer(JOutputStream& sink) : sink_(sink) {}
     OutputBuffer(const OutputBuffer&) = delete;
@@ -26,12 +32,9 @@ public:
         used_ += 1;
     }
 
+    /// \throws JOutOfMemoryException "Out of memory!" for a text that does not fit
     void append(std::string_view text) {
-        if (text.size() > capacity - used_) {
-            appendInPieces(text);
-            return;
-        }
-        std::memcpy(bytes_ + used_, text.data(), text.size());
+        std::memcpy(roomFor(text.size()), text.data(), text.size());
         used_ += text.size();
     }
 
@@ -48,15 +51,8 @@ public:
                        const char (&after)[sizeAfter]) {
         constexpr std::size_t lengthBefore = sizeBefore - 1;
         constexpr std::size_t lengthAfter = sizeAfter - 1;
-        static_assert(lengthBefore + lengthAfter < reserveLimit);
-        if (text.size() > reserveLimit - lengthBefore - lengthAfter) {
-            append(before);
-            append(text);
-            append(after);
-            return;
-        }
         const std::size_t length = lengthBefore + text.size() + lengthAfter;
-        char* room = reserve(length);
+        char* room = roomFor(length);
         std::memcpy(room, before, lengthBefore);
         std::memcpy(room + lengthBefore, text.data(), text.size());
         std::memcpy(room + lengthBefore + text.size(), after, lengthAfter);
@@ -64,7 +60,10 @@ public:
     }
 
     /// Appends the same character count times.
-    void append(std::size_t count, char character);
+    void append(std::size_t count, char character) {
+        std::memset(roomFor(count), character, count);
+        used_ += count;
+    }
 
     /// Appends count tabs.
     void indent(std::size_t count) {
@@ -80,26 +79,38 @@ public:
 
     /// Returns room for count characters, at most reserveLimit. commit states how many were stored
     /// there.
-    char* reserve(std::size_t count) {
-        if (count > capacity - used_) {
-            flush();
-        }
-        return bytes_ + used_;
-    }
+    char* reserve(std::size_t count) { return roomFor(count); }
     void commit(std::size_t count) { used_ += count; }
+
+    /// Returns whether it is time to call flush.
+    bool isFull() const { return used_ >= fullSize; }
+
+    /// Forgets everything that was appended since the last flush.
+    void drop() { used_ = 0; }
 
     /// Writes everything that was appended to the sink.
     /// \throws JIOException as the sink; the text that was not written is dropped
     void flush();
 
 private:
-    void appendInPieces(std::string_view text);
+    /// Returns room for any number of characters.
+    char* roomFor(std::size_t count) {
+        if (count > capacity_ - used_) {
+            grow(count);
+        }
+        return bytes_ + used_;
+    }
+    void grow(std::size_t count);
 
-    static constexpr std::size_t capacity = 32 * 1024;
+    // Room for what one line usually has beyond a full buffer.
+    static constexpr std::size_t ownSize = fullSize + 2 * reserveLimit;
 
     JOutputStream& sink_;
     std::size_t used_ = 0;
-    char bytes_[capacity];
+    std::size_t capacity_ = ownSize;
+    char* bytes_ = own_;   ///< own_ or larger_
+    Storage<char> larger_; ///< null until something does not fit
+    char own_[ownSize];
 };
 
 } // namespace kel

@@ -81,10 +81,10 @@ public:
     /// name has no definition, is being expanded already, or needs too much expansion.
     void beginExpansion(std::string_view name);
 
-    /// Counts a value that is about to be made. It is a syntax error if a definition makes too
-    /// many.
-    void countValue() {
-        if (!expansions_.empty() && !budget_.spendValue()) {
+    /// Counts a value, at one of the costs of the budget. It is a syntax error if definitions make
+    /// too many.
+    void countValue(int64_t cost) {
+        if (!expansions_.empty() && !budget_.spendValue(cost)) {
             syntaxError();
         }
     }

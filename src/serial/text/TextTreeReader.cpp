@@ -190,7 +190,7 @@ void TextTreeReader::beginWord() {
         completeNew<KEL_Boolean_Impl>(text == "true");
     } else if (text == "null" || text == "NULL") {
         identity_.reset();
-        source_.countValue(); // a variable without a value needs memory too
+        source_.countValue(ExpansionBudget::scalarCost); // a variable needs memory too
         deliver(JPointer<KEL_Impl>());
     } else if (text == "REF" || text == "ref") {
         refer();
@@ -285,17 +285,18 @@ void TextTreeReader::openStruct() {
         rarities = std::make_unique<Rarities>();
         rarities->header = header.identity();
     }
-    open(Shape::structure, std::move(made));
+    open(Shape::structure, std::move(made),
+         holder == nullptr ? ExpansionBudget::containerCost : ExpansionBudget::largeContainerCost);
     levels_.back().variables = variables;
     levels_.back().rarities = std::move(rarities);
 }
 
 void TextTreeReader::openManager() {
-    open(Shape::manager, make<KEL_Manager_Impl>());
+    open(Shape::manager, make<KEL_Manager_Impl>(), ExpansionBudget::largeContainerCost);
 }
 
-void TextTreeReader::open(Shape shape, JPointer<KEL_Impl>&& container) {
-    source_.countValue();
+void TextTreeReader::open(Shape shape, JPointer<KEL_Impl>&& container, int64_t cost) {
+    source_.countValue(cost);
     Level& level = levels_.emplace_back();
     level.shape = shape;
     level.container = container.detach();
@@ -334,7 +335,7 @@ JPointer<KEL_Impl> TextTreeReader::make(const Arguments&... arguments) const {
 
 template <class T, class... Arguments>
 void TextTreeReader::completeNew(const Arguments&... arguments) {
-    source_.countValue();
+    source_.countValue(ExpansionBudget::scalarCost);
     complete(make<T>(arguments...));
 }
 

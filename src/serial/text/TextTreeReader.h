@@ -72,7 +72,8 @@ private:
     void openArray();
     void openStruct();
     void openManager();
-    void open(Shape shape, JPointer<KEL_Impl>&& container);
+    void open(Shape shape, JPointer<KEL_Impl>&& container,
+              int64_t cost = ExpansionBudget::containerCost);
     void close();
     void complete(JPointer<KEL_Impl>&& value);
     void deliver(JPointer<KEL_Impl>&& value);

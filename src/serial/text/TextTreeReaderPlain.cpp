@@ -43,7 +43,7 @@ void TextTreeReader::readPlainElements() {
             break;
         }
         source_.use(after, lineEnds);
-        source_.countValue();
+        source_.countValue(ExpansionBudget::scalarCost);
         if (scalar.form != PlainScalar::Form::null) {
             array.adoptElement(makePlain(scalar));
         }
@@ -80,7 +80,7 @@ void TextTreeReader::readPlainVariables() {
             return;
         }
         source_.use(after, lineEnds);
-        source_.countValue();
+        source_.countValue(ExpansionBudget::scalarCost);
         variables.adoptVariable(key, makePlain(scalar));
     }
     if (*input.begin() == '}') {

@@ -2,6 +2,7 @@
 
 #include "meta/StructHolder.h"
 #include "runtime/Text.h"
+#include "serial/text/UnfoldedText.h"
 #include "serial/tokens/Characters.h"
 #include "values/KELException_Impl.h"
 #include "values/KEL_Boolean_Impl.h"
@@ -10,12 +11,19 @@
 #include "values/KEL_Int_Impl.h"
 #include "values/KEL_MemBlock_Impl.h"
 #include "values/KEL_String_Impl.h"
+#include "values/KEL_Struct_Impl.h"
 
 #include <charconv>
 
 namespace kel {
 
 namespace {
+
+/// Up to this depth, indentation makes no text much longer than its values. The text of containers
+/// that are only nested fits into the buffer up to here.
+constexpr std::size_t plainDepth = 200;
+/// Up to this length, a String makes no text much longer than the references to the String.
+constexpr std::size_t plainLength = 256;
 
 bool isBareKey(std::string_view name) {
     for (const char c : name) {
@@ -31,16 +39,83 @@ bool isBareKey(std::string_view name) {
 TextTreeWriter::~TextTreeWriter() {
     // An interrupted walk leaves no marks.
     for (const Level& level : levels_) {
-        level.cursor.container->setOnPath(false);
+        release(level);
     }
 }
 
 void TextTreeWriter::write(const KEL_Impl& value, int32_t indent, bool indentFirst,
                            int32_t parentKind) {
     const auto tabs = static_cast<std::size_t>(indent > 0 ? indent / 4 : 0);
+    root_ = &value;
+    rootTabs_ = tabs;
     begin(value, tabs, indentFirst, parentKind);
     while (!levels_.empty()) {
+        if (out_.isFull()) {
+            handOver();
+        }
         next();
+    }
+}
+
+/// Notes that the walk has reached a value that can make the text much longer than the values. Most
+/// trees have none, and measuring the text takes half as long as writing it. A text that fits into
+/// the buffer is never measured.
+void TextTreeWriter::noticeRepetition() {
+    mayRepeat_ = true;
+    if (hasWritten_ && !isMeasured_) {
+        measure();
+    }
+}
+
+/// Refuses a text that is too long.
+void TextTreeWriter::measure() {
+    if (UnfoldedText(*root_, rootTabs_).isTooLong()) {
+        if (!hasWritten_) {
+            out_.drop();
+        }
+        throw new KELIOException_Impl("Cannot write a text that repeats so much.");
+    }
+    isMeasured_ = true;
+}
+
+/// Hands the text so far to the sink.
+void TextTreeWriter::handOver() {
+    if (mayRepeat_ && !isMeasured_) {
+        measure();
+    }
+    hasWritten_ = true;
+    for (auto level = levels_.rbegin(); level != levels_.rend() && !level->isParked; ++level) {
+        park(*level);
+    }
+    out_.flush();
+}
+
+/// Makes a level independent of what a host does to its container.
+void TextTreeWriter::park(Level& level) {
+    level.isParked = true;
+    if (!level.isHeld) {
+        const_cast<KEL_Impl*>(level.cursor.container)->addRef();
+        level.isHeld = true;
+    }
+    if (level.shape == Shape::structure || level.shape == Shape::onStruct) {
+        const KEL_Impl& holder = level.cursor.container->holderOfChildren();
+        level.position = static_cast<const KEL_Struct_Impl&>(holder).positionAfter(level.cursor);
+    }
+}
+
+void TextTreeWriter::resume(Level& level) {
+    level.isParked = false;
+    if (level.shape == Shape::structure || level.shape == Shape::onStruct) {
+        const KEL_Impl& holder = level.cursor.container->holderOfChildren();
+        static_cast<const KEL_Struct_Impl&>(holder).continueAfter(level.position, level.cursor);
+    }
+}
+
+/// Removes the mark of a container and gives back the reference to it, if there is one.
+void TextTreeWriter::release(const Level& level) {
+    level.cursor.container->setOnPath(false);
+    if (level.isHeld) {
+        const_cast<KEL_Impl*>(level.cursor.container)->release();
     }
 }
 
@@ -78,7 +153,7 @@ void TextTreeWriter::begin(const KEL_Impl& value, std::size_t tabs, bool indentF
         writeMemBlock(value);
         return;
     case KELKind_String:
-        out_.appendBetween("\"", static_cast<const KEL_String_Impl&>(value).getValue(), "\"\n");
+        writeString(value);
         return;
     case KELKind_Array:
         open(value, Shape::array, tabs);
@@ -125,6 +200,9 @@ void TextTreeWriter::beginMeta(const KEL_Impl& value, std::size_t tabs, bool ind
         out_.indent(tabs);
     }
     const auto* holder = dynamic_cast<const StructHolder*>(&value);
+    if (value.isContentShared()) {
+        noticeRepetition();
+    }
     open(value, Shape::onStruct, tabs);
     beginStruct(holder->inner(), value.getType());
 }
@@ -133,13 +211,15 @@ void TextTreeWriter::open(const KEL_Impl& container, Shape shape, std::size_t ta
     if (container.isOnPath()) {
         throw new KELIOException_Impl("Cannot write a value that contains itself.");
     }
-    levels_.push_back({ChildCursor(container), shape, tabs, limit});
+    if (levels_.size() >= plainDepth || (container.isShared() && !levels_.empty())) {
+        noticeRepetition();
+    }
+    levels_.push_back({ChildCursor(container), shape, tabs, limit, false, false, {}});
     container.setOnPath(true);
 }
 
 void TextTreeWriter::close() {
     const Level& level = levels_.back();
-    level.cursor.container->setOnPath(false);
     if (level.shape != Shape::indexList) {
         out_.indent(level.tabs); // the angle bracket always begins its line
     }
@@ -160,11 +240,15 @@ void TextTreeWriter::close() {
         out_.append("}\n\n"); // a line feed for the struct, one for the value built on it
         break;
     }
+    release(level);
     levels_.pop_back();
 }
 
 void TextTreeWriter::next() {
     Level& level = levels_.back();
+    if (level.isParked) {
+        resume(level);
+    }
     if (level.cursor.index + 1 >= level.limit || !level.cursor.next()) {
         close();
         return;
@@ -235,6 +319,31 @@ void TextTreeWriter::writeIdentity(const KEL_Impl& value) {
     JHashCode identity;
     value.getHashCode(identity).toGuidText(out_.reserve(JHashCode::guidTextLength + 1));
     out_.commit(JHashCode::guidTextLength);
+}
+
+void TextTreeWriter::writeString(const KEL_Impl& value) {
+    const auto& string = static_cast<const KEL_String_Impl&>(value);
+    if (string.view().size() <= plainLength) {
+        out_.appendBetween("\"", string.view(), "\"\n");
+        return;
+    }
+    if (value.isShared()) {
+        noticeRepetition();
+    }
+    if (string.view().size() <= OutputBuffer::fullSize) {
+        out_.appendBetween("\"", string.view(), "\"\n");
+        return;
+    }
+    // A host can change the text between two pieces, and release the value.
+    const auto held = JPointer<KEL_Impl>::share(const_cast<KEL_Impl*>(&value));
+    out_.append('"');
+    for (std::size_t done = 0; done < string.view().size();) {
+        const std::string_view piece = string.view().substr(done, OutputBuffer::fullSize);
+        out_.append(piece);
+        done += piece.size();
+        handOver();
+    }
+    out_.append("\"\n");
 }
 
 void TextTreeWriter::writeMemBlock(const KEL_Impl& value) {

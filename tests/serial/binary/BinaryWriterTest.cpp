@@ -78,6 +78,18 @@ TEST(BinaryWriter, AStringHasNoTerminator) {
               magic + identity + "06 00 00 00 " + version + "00 00 00 00 00 00 00 00");
 }
 
+TEST(BinaryWriter, AStringThatNoReaderAcceptsIsRefusedAndNothingWritten) {
+    BinaryOutput output;
+    output->setLongestString(3);
+    const auto before = intOf(7);
+    const auto value = arrayOf(before, stringOf("abcd"));
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { output.write(value); }),
+              "Cannot write a string of more than 2147483647 bytes.");
+    EXPECT_EQ(output.bytes(), "");
+    const auto after = arrayOf(before, stringOf("abc"));
+    EXPECT_EQ(output.write(after).bytes(), binaryOf(after)) << "nothing is referred to";
+}
+
 TEST(BinaryWriter, AnEmptyArrayHasAPayloadOfNoBytes) {
     EXPECT_EQ(hex(binaryOf(arrayWith(counting))),
               magic + identity + "07 00 00 00 " + version + "00 00 00 00 00 00 00 00");

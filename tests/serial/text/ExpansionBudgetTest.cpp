@@ -23,9 +23,10 @@ std::size_t allOf(int64_t bytes) {
 TEST(ExpansionBudget, EndsWithTheCostOfUsesAndValues) {
     ExpansionBudget budget(0);
     EXPECT_FALSE(budget.spendUse(nearlyAll + 1));
-    EXPECT_TRUE(budget.spendUse(nearlyAll - ExpansionBudget::valueCost));
-    EXPECT_TRUE(budget.spendValue());
-    EXPECT_FALSE(budget.spendValue());
+    EXPECT_TRUE(budget.spendUse(nearlyAll - 1000));
+    EXPECT_FALSE(budget.spendValue(1001));
+    EXPECT_TRUE(budget.spendValue(1000));
+    EXPECT_FALSE(budget.spendValue(1));
 }
 
 TEST(ExpansionBudget, GrowsWithTheBytesThatAreRead) {
@@ -35,7 +36,7 @@ TEST(ExpansionBudget, GrowsWithTheBytesThatAreRead) {
     EXPECT_FALSE(budget.spendUse(allOf(10) + 1));
     EXPECT_TRUE(budget.spendUse(allOf(10)));
     budget.advanceTo(1010);
-    EXPECT_FALSE(budget.spendValue());
+    EXPECT_FALSE(budget.spendValue(1));
 }
 
 TEST(ExpansionBudget, IsThereAgainAfterAStepBack) {
@@ -44,7 +45,7 @@ TEST(ExpansionBudget, IsThereAgainAfterAStepBack) {
     EXPECT_TRUE(budget.spendUse(nearlyAll));
     budget.advanceTo(0);
     EXPECT_TRUE(budget.spendUse(nearlyAll));
-    EXPECT_FALSE(budget.spendValue());
+    EXPECT_FALSE(budget.spendValue(1));
     budget.advanceTo(10);
     EXPECT_TRUE(budget.spendUse(allOf(10)));
 }
@@ -65,18 +66,52 @@ std::string explosionOf(const std::string& piece) {
            "]\n#define C [" + repeated("B ", 32) + "]\n";
 }
 
-constexpr std::size_t memoryOfAll = std::size_t{64} << 20;
+/// Returns the bytes that reading a text of this size can allocate, freed or not, if it has
+/// definitions (docs/hosting.md).
+constexpr std::size_t memoryFor(std::size_t textSize) {
+    return static_cast<std::size_t>(ExpansionBudget::initial) +
+           (1024 + static_cast<std::size_t>(ExpansionBudget::perByte)) * textSize;
+}
+
+const char* const pieces[] = {
+    "<[][]>",
+    "-",
+    "-. ",
+    "\"\"",
+    "\"123456789012345678901234\"", // its characters take a block of their own
+    "[[]]",
+    "()",
+    "{a={}}",
+    "{a=-}",
+    "{a1234567890123456=-}", // so does its name
+    "{a=NULL}",
+    "{@type=50}",
+    "{@type=51}",
+    "{@type=52}",
+    "3F2504E0-4F89-11D3-9A0C-0305E82C3301=-", // remembered for references
+};
 
 TEST(TextExpansion, AFewLinesNeverFillTheMemory) {
-    for (const char* piece : {"<[][]>", "-", "\"\"", "[[]]", "()", "{a={}}", "{@type=50}"}) {
-        const AllocationBudget memory(memoryOfAll);
-        EXPECT_EQ(refusalOf(explosionOf(piece) + "C"), syntaxErrorAt(4)) << piece;
+    for (const char* piece : pieces) {
+        const std::string text = explosionOf(piece) + "C";
+        const AllocationBudget memory(memoryFor(text.size()));
+        EXPECT_EQ(refusalOf(text), syntaxErrorAt(4)) << piece;
+    }
+}
+
+TEST(TextExpansion, ALongTextUsesMoreButInProportion) {
+    for (const char* piece : pieces) {
+        const std::string text = explosionOf(piece) + "[" + repeated("A ", 20000) + "]";
+        const AllocationBudget memory(memoryFor(text.size()));
+        const std::string message = refusalOf(text);
+        EXPECT_TRUE(message == syntaxErrorAt(4) || message == "(nothing thrown)")
+            << message << " for " << piece;
     }
 }
 
 TEST(TextExpansion, SeveralRootsSpendOneBudget) {
     TextInput input(explosionOf("<[][]>") + repeated("C ", 100));
-    const AllocationBudget memory(memoryOfAll);
+    const AllocationBudget memory(memoryFor(explosionOf("<[][]>").size() + 200));
     for (int i = 0; i < 100; ++i) {
         EXPECT_EQ(thrownMessage<KELIOException>([&] { input.read(); }), syntaxErrorAt(4));
     }

@@ -59,7 +59,32 @@ TEST(OutputBuffer, IndentsByTabs) {
     }
     buffer.flush();
     EXPECT_EQ(sink.bytes, expected);
-    EXPECT_GT(sink.writes, 1);
+}
+
+TEST(OutputBuffer, CallsTheSinkOnlyWhenItIsFlushed) {
+    FailingSink sink;
+    OutputBuffer buffer(sink);
+    const std::string line(OutputBuffer::fullSize - 1, 'x');
+    buffer.append(line);
+    EXPECT_FALSE(buffer.isFull());
+    buffer.append('y');
+    EXPECT_TRUE(buffer.isFull());
+    buffer.append(line);
+    buffer.append(100 * line.size(), 'z');
+    EXPECT_EQ(sink.writes, 0);
+    buffer.flush();
+    EXPECT_FALSE(buffer.isFull());
+    EXPECT_EQ(sink.bytes, line + 'y' + line + std::string(100 * line.size(), 'z'));
+}
+
+TEST(OutputBuffer, ForgetsWhatIsDropped) {
+    FailingSink sink;
+    OutputBuffer buffer(sink);
+    buffer.append("lost");
+    buffer.drop();
+    buffer.append("kept");
+    buffer.flush();
+    EXPECT_EQ(sink.bytes, "kept");
 }
 
 TEST(OutputBuffer, ReservedRoomCountsOnlyAsFarAsItIsCommitted) {
