@@ -2,7 +2,7 @@ import os
 import subprocess
 import unittest
 
-from support import ToolTest
+from support import ToolTest, posix_only
 
 HINT = 'run "kel --help" for help\n'
 
@@ -44,6 +44,15 @@ class CommandLine(ToolTest):
         self.fails(2, "kel: --to: \"yaml\" is not text, binary or json\n" + HINT,
                    "convert", "--to", "yaml", "a.json", "b")
 
+    def test_sizes_are_numbers_of_bytes_with_an_optional_unit(self):
+        self.write("a.kel", "1")
+        for size in ("1000", "4k", "4M", "3g", "1T", "18446744073709551615", "16777215T"):
+            self.ok("show", "--max-output", size, "a.kel")
+        for size in ("", "M", "1X", "1.5G", "-1", "0", "0G", "1 G", "1GB", "16777216T",
+                     "18446744073709551616"):
+            self.fails(2, f'kel: --max-output: "{size}" is not a size such as 512M or 2G\n' + HINT,
+                       "show", "--max-output", size, "a.kel")
+
     def test_an_output_name_without_known_extension_needs_a_format(self):
         self.write("a.json", "1")
         self.fails(2, "kel: b.txt: the name does not show the format; use --to text, "
@@ -56,6 +65,12 @@ class CommandLine(ToolTest):
         with open("/dev/full", "wb") as full:
             self.fails(4, "kel: -: cannot be written: No space left on device\n",
                        "--help", stdout=full)
+
+    @posix_only("closes a descriptor of the new process")
+    def test_help_for_a_closed_stdout_is_an_output_error(self):
+        for arguments in (["--help"], ["--version"], ["convert", "--help"]):
+            self.fails(4, "kel: -: cannot be written: Bad file descriptor\n", *arguments,
+                       preexec_fn=lambda: os.close(1))
 
 
 class InputFormat(ToolTest):

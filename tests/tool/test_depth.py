@@ -37,8 +37,9 @@ class Deep(ToolTest):
         self.write("a.json", b"[" * 300000 + b"]" * 300000)
         for command in (("convert", "a.json", "b.kel"), ("convert", "--force", "a.json", "b.kel"),
                         ("show", "a.json")):
-            self.fails(1, "kel: a.json: as text the output would exceed 17179869184 bytes, because "
-                          "of deep nesting or of values that are shared many times\n", *command,
+            self.fails(1, "kel: a.json: as text the output would exceed 268435456 bytes, because "
+                          "of deep nesting or of values that are shared many times; use "
+                          "--max-output to allow more\n", *command,
                        small_stack=True)
         self.assertEqual(self.files(), ["a.json"])
 
@@ -126,8 +127,9 @@ class SharingBombs(ToolTest):
     def test_more_values_than_anybody_can_store_are_refused(self):
         self.write("a.kelb", self.bomb(60, int_record(7, 1)))
         for name, form in (("b.kel", "text"), ("b.json", "json")):
-            message = (f"kel: a.kelb: as {form} the output would exceed 2147483648 values, because "
-                       "values are shared many times\n")
+            message = (f"kel: a.kelb: as {form} the output would exceed 268435456 bytes, because of "
+                       "deep nesting or of values that are shared many times; use --max-output to "
+                       "allow more\n")
             self.fails(1, message, "convert", "a.kelb", name)
             self.fails(1, message, "convert", "--force", "a.kelb", name)
         self.assertEqual(self.kel("show", "a.kelb").status, 1)
@@ -135,9 +137,34 @@ class SharingBombs(ToolTest):
 
     def test_long_strings_count_by_their_length(self):
         self.write("a.kelb", self.bomb(20, record(STRING, b"x" * 1000000, 1)))
-        self.fails(1, "kel: a.kelb: as json the output would exceed 17179869184 bytes, because of "
-                      "deep nesting or of values that are shared many times\n",
+        self.fails(1, "kel: a.kelb: as json the output would exceed 268435456 bytes, because of "
+                      "deep nesting or of values that are shared many times; use --max-output to "
+                      "allow more\n",
                    "convert", "a.kelb", "b.json")
+
+    def test_the_user_sets_the_greatest_size(self):
+        self.write("a.kelb", self.bomb(10, int_record(7, 1)))
+        for name in ("b.kel", "b.json"):
+            for size, status in (("9k", 1), ("1G", 0)):
+                result = self.kel("convert", "--max-output", size, "a.kelb", name)
+                self.assertEqual((result.status, "exceed 9216 bytes" in result.err),
+                                 (status, status == 1))
+        self.assertEqual(self.kel("show", "--max-output", "9216", "a.kelb").status, 1)
+
+    def test_the_size_includes_the_indentation(self):
+        self.write("a.kelb", self.bomb(12, int_record(7, 1)))
+        for name in ("b.kel", "b.json"):
+            self.ok("convert", "a.kelb", name)
+            size = len(self.read(name))
+            for limit, status in ((size // 4, 1), (4 * size, 0)):
+                self.assertEqual(self.kel("convert", "--max-output", str(limit), "a.kelb",
+                                          name).status, status, name)
+
+    def test_a_multiple_of_the_input_is_always_written(self):
+        self.write("a.kelb", self.bomb(8, record(STRING, b"x" * 5000000, 1)))
+        result = self.kel("convert", "a.kelb", "b.json")
+        self.assertEqual(result.status, 1)
+        self.assertRegex(result.err, "would exceed 32[0-9]{7} bytes")
 
     def test_binary_carries_them(self):
         self.write("a.kelb", self.bomb(60, int_record(7, 1)))
@@ -163,7 +190,7 @@ class SharingBombs(ToolTest):
         self.write("a.kelb", self.entangled(30))
         self.ok("check", "a.kelb")
         result = self.kel("convert", "--force", "a.kelb", "b.json")
-        self.assertEqual((result.status, result.err.count("exceed 2147483648 values")), (1, 1))
+        self.assertEqual((result.status, result.err.count("exceed 268435456 bytes")), (1, 1))
 
     def test_without_its_cycles_a_shared_value_is_written_out(self):
         self.write("a.kelb", self.entangled(3))

@@ -277,6 +277,20 @@ class Output(ToolTest):
                     self.fails(4, "kel: -: cannot be written: No space left on device\n", *command,
                                stdout=full)
 
+    @NEEDS_FULL
+    def test_a_warning_that_cannot_be_printed_is_an_output_error(self):
+        self.write("a.json", "[null]")
+        with open("/dev/full", "wb") as full:
+            process = subprocess.run(command("convert", "--force", "a.json", "b.kel"),
+                                     cwd=self.folder, stderr=full, check=False)
+        self.assertEqual((process.returncode, self.read("b.kel")), (4, b"[\n]\n"))
+
+    @posix_only("closes a descriptor of the new process")
+    def test_a_message_for_a_closed_stderr_is_not_written_into_the_output(self):
+        self.write("a.json", '["\\"" , 1]')
+        result = self.kel("convert", "--force", "a.json", "b.kel", preexec_fn=lambda: os.close(2))
+        self.assertEqual((result.status, self.read("b.kel")), (4, b"[\n\t\"'\"\n\t1\n]\n"))
+
     def test_a_closed_pipe_is_an_output_error(self):
         reason = "Invalid argument" if WINDOWS else "Broken pipe"
         self.write("a.json", json.dumps(list(range(100000))))

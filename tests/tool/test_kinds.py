@@ -257,6 +257,35 @@ class Check(Kinds):
         self.ok("check", "a.kel")
         self.assertLess(time.monotonic() - start, 5)
 
+    def test_a_long_enumeration_of_containers_takes_linear_time(self):
+        count = 20000
+        lists = " ".join(f"[ {{ a = [ {number} ] }} ]" for number in range(count))
+        shared = rules("type = 7", f"enum = [{lists}]")
+        names = [f"v{number}" for number in range(1, count)]
+        self.write("a.kel", checked(
+            described(("v0", f"{GUID}1 = {shared}"), *((name, f"REF {GUID}1") for name in names)),
+            *(f"{name} = [ {{ a = [ {count - 1} ] }} ]" for name in names)))
+        start = time.monotonic()
+        self.ok("check", "a.kel")
+        self.assertLess(time.monotonic() - start, 5)
+
+    def test_allowed_containers_are_compared_by_all_that_they_hold(self):
+        allowed = ("[]", "[[]]", "[1 2]", "[[1] 2]", "{ a = 1 b = [2.0] }", "{ a = null }", MODE,
+                   checked(described(("x", LEVEL)), "x = 2"), "<[1] [[2]]>",
+                   f"({GUID}1 = 5)")
+        many = rules("type = 7", f"enum = [{' '.join(allowed)}]")
+        for text in allowed:
+            self.fine(checked(described(("x", many)), f"x = {text}"))
+        for text in ("[[] []]", "[[[]]]", "[2 1]", "[1 [2]]", "{ a = 1 b = [2.5] }", "{ b = null }",
+                     "{ a = null b = null }", "{}", LEVEL, "{ type = 1 min = 0 max = 10 }",
+                     checked(described(("x", LEVEL)), "x = 3"), "[1 2 []]", "1", "null",
+                     "<[1] [2]>", "<[[2]] [1]>", f"({GUID}1 = 6)"):
+            with self.subTest(text=text):
+                self.write("a.kel", checked(described(("x", many)), f"x = {text}"))
+                result = self.kel("check", "a.kel")
+                self.assertEqual((result.status, "is not allowed" in result.err),
+                                 (0, False) if text == "null" else (1, True))
+
     def test_an_empty_enumeration_allows_nothing(self):
         self.violations(checked(described(("x", rules("type = 1", "enum = []"))), "x = [1]"),
                         "x: an array is not allowed (allowed: nothing)")
@@ -378,8 +407,9 @@ class Depth(Kinds):
 
     def test_text_that_would_be_tabs_for_the_most_part_is_refused(self):
         self.deep("<[0][", "]>")
-        self.fails(1, "kel: a.kel: as text the output would exceed 17179869184 bytes, because of "
-                      "deep nesting or of values that are shared many times\n",
+        self.fails(1, "kel: a.kel: as text the output would exceed 268435456 bytes, because of "
+                      "deep nesting or of values that are shared many times; use --max-output to "
+                      "allow more\n",
                    "show", "a.kel", small_stack=True)
 
     def test_violations_at_every_level_are_told_in_linear_time(self):
@@ -414,7 +444,7 @@ class Sharing(Kinds):
             for command in (("show", "a.kel"), ("convert", "--force", "a.kel", "b.json")):
                 result = self.kel(*command)
                 self.assertEqual(result.status, 1)
-                self.assertIn("values are shared many times", result.err)
+                self.assertIn("values that are shared many times", result.err)
             self.assertEqual(self.kel("convert", "--force", "a.kel", "b.kelb").status, 0)
             self.assertLess(len(self.read("b.kelb")), 50000)
             self.ok("check", "b.kelb")

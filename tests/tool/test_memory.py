@@ -1,6 +1,7 @@
 import os
+import unittest
 
-from support import ARRAY, ToolTest, int_record, posix_only, record, reference
+from support import ARRAY, WINDOWS, ToolTest, int_record, posix_only, record, reference
 
 if os.name == "posix":
     import resource
@@ -34,8 +35,51 @@ class Memory(ToolTest):
         self.write("a.kelb", record(ARRAY, int_record(1, 2) * 1200000 + reference(2)))
         self.runs_out("a.kelb")
 
+    def test_an_object_that_begins_like_a_guid_needs_no_memory_for_all_values(self):
+        self.write("a.json", '{"$guid": 1, "b": [' + "1," * 1200000 + "1]}")
+        self.ok("convert", "a.json", "b.kelb", preexec_fn=limit_memory)
+
+    def test_containers_nested_moderately_need_no_memory_for_all_values(self):
+        self.write("a.json", "[" * 180 + "1," * 1200000 + "1" + "]" * 180)
+        self.ok("convert", "a.json", "b.kelb", preexec_fn=limit_memory)
+        self.ok("convert", "b.kelb", "a.json", preexec_fn=limit_memory)
+
     def test_json_and_binary_need_no_memory_for_all_values_at_a_time(self):
         self.write("a.kelb", record(ARRAY, int_record(1, 2) * 1200000))
         self.ok("convert", "a.kelb", "b.json", preexec_fn=limit_memory)
         self.ok("convert", "b.json", "b.kelb", preexec_fn=limit_memory)
         self.assertEqual(len(self.read("b.kelb")), len(self.read("a.kelb")))
+
+
+class Limit(ToolTest):
+    """--max-memory limits the memory of a run."""
+
+    LIMIT = ("--max-memory", "60M")
+    MORE = "more memory is needed than --max-memory allows"
+
+    @posix_only("kel cannot limit its memory there")
+    def test_a_run_that_needs_more_memory_fails(self):
+        self.write("small.kel", "1")
+        if self.kel("check", *self.LIMIT, "small.kel").status != 0:
+            self.skipTest("the tool itself takes more memory than that")
+        self.write("a.kel", "[\n" + "1\n" * 3000000 + "]\n")
+        for command, rest in (("check", ["a.kel"]), ("show", ["a.kel"]),
+                              ("convert", ["a.kel", "out.json"])):
+            self.fails(3, f"kel: a.kel: {self.MORE}\n", command, *self.LIMIT, *rest)
+            self.ok(command, "--max-memory", "2G", *rest)
+        os.remove(self.path("out.json"))
+        self.assertEqual(self.files(), ["a.kel", "small.kel"])
+
+    @posix_only("kel cannot limit its memory there")
+    def test_other_files_are_still_checked(self):
+        self.write("a.kel", "[\n" + "1\n" * 3000000 + "]\n")
+        self.write("b.kel", "[")
+        result = self.kel("check", *self.LIMIT, "a.kel", "b.kel")
+        self.assertEqual((result.status, result.err),
+                         (3, f"kel: a.kel: {self.MORE}\nkel: b.kel:1: unexpected end of input\n"))
+
+    @unittest.skipUnless(WINDOWS, "kel can limit its memory here")
+    def test_a_system_without_limits_refuses_the_option(self):
+        self.write("a.kel", "1")
+        self.fails(2, "kel: --max-memory: kel cannot limit its memory on this system\n",
+                   "check", *self.LIMIT, "a.kel")

@@ -166,6 +166,17 @@ class Parts(ToolTest):
         self.assertEqual(self.json("b.json"), self.json("a.json"))
         self.same_binary(f'[{{"$memblock": "{text}", "a": [{"1," * 20000}1], "b":', '}]')
 
+    def test_objects_with_reserved_names(self):
+        large = "[" + "1," * 20000 + "1]"
+        guid = '"$guid": "00010203-0405-0607-0809-0a0b0c0d0e0f"'
+        block = '"$memblock": "AAAA"'
+        for members in (block, f"{block}, {block}", f'{guid}, "b": {large}', f'"b": {large}, {guid}',
+                        f'{guid}, {block}, "b": {large}',
+                        f'{block}, "b": {large}, {block}', f'"$memblock": {large}',
+                        f'"$guid": {large}, {block}', f'"$memblock": {large}, {block}'):
+            with self.subTest(members=members[:60]):
+                self.same_binary(f"[{{{members}}}, ", ', "end"]')
+
     def test_stdout_gets_the_same_bytes(self):
         self.write("a.json", Text(20).value(30000))
         self.ok("convert", "a.json", "a.kelb")

@@ -3,16 +3,17 @@
 #include "DescriptorCheck.h"
 #include "DocumentScan.h"
 #include "Failure.h"
+#include "FailureReport.h"
 #include "Input.h"
 #include "KelWriter.h"
 #include "PartwiseConversion.h"
 #include "Representable.h"
 #include "system/OutputFile.h"
+#include "system/System.h"
 #include "json/JsonWriter.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <new>
 
 namespace kel::tool {
 
@@ -21,10 +22,9 @@ namespace {
 /// Lets the action write to the named file, or to stdout for "-".
 template <class Action>
 void write(const std::string& name, Console& console, const Action& action) {
+    console.begin(Work::writing, name);
     if (name == "-") {
         console.hush();
-    } else {
-        console.begin("writing " + name);
     }
     OutputFile output(name);
     try {
@@ -73,14 +73,21 @@ DocumentScan scan(Input& input, Format target, const std::string& inputName, Los
     return found;
 }
 
+/// Returns the greatest number of bytes that is written as text or JSON.
+uint64_t outputLimit(const Options& options, const Content& content) {
+    return options.maxOutput.value_or(usualOutputLimit(content.bytes.size()));
+}
+
 int convert(const Options& options, Console& console) {
     const std::string& name = options.inputs.front();
     const Format target = *options.to;
     Losses losses;
-    console.begin("reading " + name);
+    console.begin(Work::reading, name);
     Content content = readContent(name, options.from);
-    if (const auto converted = convertInParts(content, target, name, options.output)) {
+    const uint64_t limit = outputLimit(options, content);
+    if (const auto converted = convertInParts(content, target, limit, name, options.output)) {
         if (converted->file != nullptr) {
+            console.begin(Work::writing, options.output);
             converted->file->commit();
         } else {
             write(options.output, console,
@@ -89,11 +96,11 @@ int convert(const Options& options, Console& console) {
         return 0;
     }
     Input input = readInput(std::move(content), name, target, losses);
-    console.begin("checking " + name);
+    console.begin(Work::checking, name);
     // The reader of JSON has already listed everything, under the paths of the JSON text.
     Losses* rest = input.format == Format::json ? nullptr : &losses;
     const DocumentScan found = scan(input, target, name, rest);
-    refuseHugeOutput(found, target, name);
+    refuseHugeOutput(found, target, limit, name);
     if (losses.count() > 0) {
         const std::string list = listOf(losses, name, input, nameOf(target));
         if (!options.isForced) {
@@ -115,8 +122,10 @@ int convert(const Options& options, Console& console) {
 int show(const Options& options, Console& console) {
     const std::string& name = options.inputs.front();
     Losses losses;
-    console.begin("reading " + name);
-    Input input = readInput(readContent(name, options.from), name, std::nullopt, losses);
+    console.begin(Work::reading, name);
+    Content content = readContent(name, options.from);
+    const uint64_t limit = outputLimit(options, content);
+    Input input = readInput(std::move(content), name, std::nullopt, losses);
     if (losses.count() > 0) {
         console.say("warning: " + listOf(losses, name, input, "values"));
     }
@@ -125,7 +134,7 @@ int show(const Options& options, Console& console) {
         throw Failure{Trouble::refused,
                       name + ": " + *found.cycle + ": Cannot write a value that contains itself."};
     }
-    refuseHugeOutput(found, Format::text, name);
+    refuseHugeOutput(found, Format::text, limit, name);
     write(input.document, Format::text, "-", console);
     return 0;
 }
@@ -133,7 +142,7 @@ int show(const Options& options, Console& console) {
 /// Reports where the document departs from the descriptors in it. \return whether it never does
 bool areDescriptorsKept(const Document& document, const std::string& inputName, Console& console) {
     bool areKept = true;
-    console.begin("checking " + inputName);
+    console.begin(Work::checking, inputName);
     try {
         checkDescriptors(document, [&](const std::string& violation) {
             areKept = false;
@@ -149,8 +158,8 @@ bool areDescriptorsKept(const Document& document, const std::string& inputName, 
 int check(const Options& options, Console& console) {
     int worst = 0;
     for (const std::string& name : options.inputs) {
-        console.begin("reading " + name);
         try {
+            console.begin(Work::reading, name);
             Losses lostInReading;
             const Input input =
                 readInput(readContent(name, options.from), name, std::nullopt, lostInReading);
@@ -163,13 +172,10 @@ int check(const Options& options, Console& console) {
             if (input.mayHoldDescriptors && !areDescriptorsKept(input.document, name, console)) {
                 worst = std::max(worst, exitStatus(Trouble::refused));
             }
-        } catch (const Failure& failure) {
-            console.say(failure.message);
-            const bool isWrong = failure.trouble == Trouble::malformed;
-            worst = std::max(worst, exitStatus(isWrong ? Trouble::refused : failure.trouble));
-        } catch (const std::bad_alloc&) {
-            console.say(name + ": out of memory");
-            worst = std::max(worst, exitStatus(Trouble::unreadable));
+        } catch (...) {
+            const Trouble trouble = reportFailure(console);
+            const bool isWrong = trouble == Trouble::malformed;
+            worst = std::max(worst, exitStatus(isWrong ? Trouble::refused : trouble));
         }
     }
     return worst;
@@ -178,6 +184,13 @@ int check(const Options& options, Console& console) {
 } // namespace
 
 int run(const Options& options, Console& console) {
+    if (options.maxMemory) {
+        if (!limitMemory(*options.maxMemory)) {
+            throw Failure{Trouble::usage,
+                          "--max-memory: kel cannot limit its memory on this system"};
+        }
+        console.knowMemoryLimit();
+    }
     switch (options.command) {
     case Command::convert:
         return convert(options, console);

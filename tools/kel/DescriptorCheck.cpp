@@ -151,7 +151,7 @@ void Checker::checkRules(const TreeCursor& cursor, Rules& rules) {
     }
     // If a range allows nothing, the default is not at fault.
     const bool isDefaultChecked = !rules.isRanged() || hasSoundRange(rules);
-    const KEL* standard = rules.getDefault();
+    KEL* standard = rules.getDefault();
     if (standard != nullptr && isDefaultChecked && !allowed_.isValid(rules, *standard)) {
         report(cursor, "the default " + wordsFor(standard) +
                            " is not allowed (allowed: " + wordsForAllowed(rules) + ')');

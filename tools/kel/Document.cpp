@@ -13,7 +13,7 @@ Document::~Document() {
     }
     try {
         cutCycles();
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         // Without memory for the search, the values remain allocated until the process ends.
     }
 }

@@ -4,6 +4,7 @@
 #include "FormatLimits.h"
 #include "IdentitySet.h"
 #include "TreeCursor.h"
+#include "json/JsonWriter.h"
 
 #include <algorithm>
 #include <cstring>
@@ -19,29 +20,36 @@ uint64_t sum(uint64_t a, uint64_t b) {
     return std::min(a + b, ceiling);
 }
 
-/// The size of a value with everything in it, written out at the left margin.
+/// The deepest level that JSON indents, and the blanks for each level.
+constexpr uint64_t indentedLevels = JsonWriter::indentedLevels;
+constexpr uint64_t indentWidth = JsonWriter::indentWidth;
+
+/// The size of a value with everything in it.
 struct Extent {
-    uint64_t values = 0;
     uint64_t lines = 0;
-    uint64_t bytes = 0;
+    uint64_t bytes = 0; ///< without indentation
+    uint64_t indent =
+        0; ///< the indentation: of text from the left margin, of JSON at its first place
 
     void add(const Extent& other) {
-        values = sum(values, other.values);
         lines = sum(lines, other.lines);
         bytes = sum(bytes, other.bytes);
+        indent = sum(indent, other.indent);
     }
 };
 
 /// One pass over a document.
 class Scanner {
 public:
-    Scanner(Format target, Losses* losses) : target_(target), losses_(losses) {}
+    /// \param isIndented whether JSON is indented
+    Scanner(Format target, Losses* losses, bool isIndented)
+        : target_(target), losses_(losses), isIndentedJson_(isIndented && target == Format::json) {}
 
     /// Visits everything below a root.
     void visit(KEL* root, size_t rootNumber);
 
     DocumentScan result() {
-        return {total_.values, total_.bytes, std::move(cycle_), hasTextOnly_,
+        return {sum(total_.bytes, total_.indent), std::move(cycle_), hasTextOnly_,
                 std::move(namesakes_)};
     }
 
@@ -54,13 +62,18 @@ private:
 
     void arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNumber);
     void enter(TreeCursor& cursor, size_t rootNumber);
-    void leave(const KEL& container);
+    void leave(const KEL& container, size_t depth);
+    void addAgain(const Extent& extent, size_t depth);
+    uint64_t jsonIndentAt(size_t depth) const {
+        return isIndentedJson_ && depth <= indentedLevels ? depth * indentWidth : 0;
+    }
     const char* obstacleOfValue(const KEL& value);
     void list(const TreeCursor& cursor, size_t rootNumber, const char* reason);
     void add(const Extent& extent) { (open_.empty() ? total_ : open_.back()).add(extent); }
 
     Format target_;
     Losses* losses_;
+    bool isIndentedJson_;
     Extent total_;
     std::optional<std::string> cycle_;
     bool hasTextOnly_ = false;
@@ -70,17 +83,25 @@ private:
     std::unordered_set<const KEL*> namesakes_;
 };
 
-/// Returns the number of bytes of a scalar that depend on its contents.
+constexpr uint64_t bytesOfWord = 4;     ///< of null and true
+constexpr uint64_t bytesAroundName = 3; ///< an equals sign between blanks, or quotes and a colon
+
+/// Returns about the number of bytes that a scalar takes.
 uint64_t bytesOf(const KEL& scalar) {
+    constexpr uint64_t bytesOfInt = 6;
+    constexpr uint64_t bytesOfDouble = 10;
     switch (kindOf(scalar).kind) {
     case KELKind_String:
-        return std::strlen(scalar.toString());
+        return std::strlen(scalar.toString()) + 2;
     case KELKind_MemBlock:
-        return static_cast<uint64_t>(dynamic_cast<const KEL_MemBlock&>(scalar).getSize());
+        return static_cast<uint64_t>(dynamic_cast<const KEL_MemBlock&>(scalar).getSize()) / 3 * 4;
     case KELKind_Int:
-    case KELKind_Boolean:
+        return bytesOfInt;
     case KELKind_Double:
+        return bytesOfDouble;
     case KELKind_guid:
+        return JHashCode::guidTextLength;
+    case KELKind_Boolean:
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
@@ -92,7 +113,7 @@ uint64_t bytesOf(const KEL& scalar) {
     case KELKind_MetaKelVarDescriptor:
         break;
     }
-    return 1;
+    return bytesOfWord;
 }
 
 void Scanner::visit(KEL* root, size_t rootNumber) {
@@ -100,7 +121,7 @@ void Scanner::visit(KEL* root, size_t rootNumber) {
                                                     : TreeCursor::Descriptors::passedOver);
     for (auto event = cursor.next(); event != TreeCursor::Event::done; event = cursor.next()) {
         if (event == TreeCursor::Event::leave) {
-            leave(*cursor.value());
+            leave(*cursor.value(), cursor.depth());
         } else {
             arrive(cursor, event, rootNumber);
         }
@@ -111,7 +132,7 @@ void Scanner::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNum
     const char* name = cursor.name();
     const char* obstacle = name != nullptr ? obstacleOfName(name, target_) : nullptr;
     if (name != nullptr) {
-        add({0, 0, std::strlen(name)});
+        add({0, std::strlen(name) + bytesAroundName, 0});
     }
     if (obstacle == nullptr && event == TreeCursor::Event::scalar) {
         obstacle = obstacleOfValue(*cursor.value());
@@ -124,7 +145,8 @@ void Scanner::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNum
     } else {
         const KEL* value = cursor.value();
         hasTextOnly_ = hasTextOnly_ || (value != nullptr && isTextOnly(*value));
-        add({1, 1, value != nullptr ? bytesOf(*value) : 1});
+        add({1, 1 + (value != nullptr ? bytesOf(*value) : bytesOfWord),
+             jsonIndentAt(cursor.depth())});
     }
 }
 
@@ -155,9 +177,9 @@ void Scanner::enter(TreeCursor& cursor, size_t rootNumber) {
         if (target_ != Format::binary) {
             list(cursor, rootNumber, "a value that contains itself");
         }
-        add({1, 1, 1});
+        add({1, 1 + bytesOfWord, jsonIndentAt(cursor.depth())});
     } else {
-        add(place->second.extent);
+        addAgain(place->second.extent, cursor.depth());
     }
     cursor.skip();
 }
@@ -170,16 +192,28 @@ Extent extentAround(const Extent& inside, const KEL& container, Format target) {
     const uint64_t ownLines = isList ? 6 : 0;
     const uint64_t lines = sum(inside.lines, ownLines);
     const uint64_t tabs = isList ? sum(inside.lines, lines) : lines;
-    return {sum(inside.values, isList ? 3 : 1), sum(lines, 2),
-            sum(inside.bytes, target == Format::text ? tabs : 0)};
+    return {sum(lines, 2), sum(inside.bytes, 2 * (ownLines + 2)),
+            sum(inside.indent, target == Format::text ? tabs : 0)};
 }
 
-void Scanner::leave(const KEL& container) {
+/// Adds a container that was visited at another place before.
+void Scanner::addAgain(const Extent& extent, size_t depth) {
+    Extent again = extent;
+    if (isIndentedJson_) {
+        // The lines in it are indented at least as far as its own, and at most as far as any line.
+        const uint64_t most = depth <= indentedLevels ? indentedLevels * indentWidth : 0;
+        again.indent = extent.lines > ceiling / (most + 1) ? ceiling : extent.lines * most;
+    }
+    add(again);
+}
+
+void Scanner::leave(const KEL& container, size_t depth) {
     const Extent inside = open_.back();
     open_.pop_back();
     Met& met = met_[&container];
     met.isOpen = false;
     met.extent = extentAround(inside, container, target_);
+    met.extent.indent = sum(met.extent.indent, 2 * jsonIndentAt(depth)); // of its two brackets
     add(met.extent);
 }
 
@@ -192,28 +226,23 @@ void Scanner::list(const TreeCursor& cursor, size_t rootNumber, const char* reas
 } // namespace
 
 DocumentScan scanDocument(const Document& document, Format target, Losses* losses) {
-    Scanner scanner(target, losses);
+    Scanner scanner(target, losses, document.roots().size() == 1);
     for (size_t i = 0; i < document.roots().size(); ++i) {
         scanner.visit(document.roots()[i].get(), i);
     }
     return scanner.result();
 }
 
-void refuseHugeOutput(const DocumentScan& scan, Format target, const std::string& inputName) {
-    if (target == Format::binary) {
+void refuseHugeOutput(const DocumentScan& scan, Format target, uint64_t limit,
+                      const std::string& inputName) {
+    if (target == Format::binary || scan.bytes <= limit) {
         return; // binary writes every value once
     }
-    const std::string what = inputName + ": as " + nameOf(target) + " the output would exceed ";
-    if (scan.values > DocumentScan::mostValues) {
-        throw Failure{Trouble::refused, what + std::to_string(DocumentScan::mostValues) +
-                                            " values, because values are shared many times"};
-    }
-    if (scan.bytes > DocumentScan::mostBytes) {
-        throw Failure{
-            Trouble::refused,
-            what + std::to_string(DocumentScan::mostBytes) +
-                " bytes, because of deep nesting or of values that are shared many times"};
-    }
+    throw Failure{Trouble::refused,
+                  inputName + ": as " + nameOf(target) + " the output would exceed " +
+                      std::to_string(limit) +
+                      " bytes, because of deep nesting or of values that are shared many times; "
+                      "use --max-output to allow more"};
 }
 
 } // namespace kel::tool

@@ -6,21 +6,18 @@
 #include "Format.h"
 #include "Losses.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <unordered_set>
 
 namespace kel::tool {
 
 /// The size of a document as text and JSON. Both write a shared value wherever it occurs, so a
-/// small binary file can unfold to more than any disk holds. Text also indents every level with a
-/// tab, so a deep tree can be mostly tabs. The counts are saturated far above the limits.
+/// small binary file can unfold to more than any disk holds. Both indent, so a deep tree can be
+/// mostly indentation.
 struct DocumentScan {
-    /// The greatest number of values that is written as text and JSON.
-    static constexpr uint64_t mostValues = uint64_t{1} << 31U;
-    /// The greatest number of bytes that is written: tabs and characters of strings and names.
-    static constexpr uint64_t mostBytes = uint64_t{1} << 34U;
-
-    uint64_t values = 0;
+    /// About the number of bytes that text or JSON takes, saturated.
     uint64_t bytes = 0;
     /// The path to the first value that is one of its own containers.
     std::optional<std::string> cycle;
@@ -38,8 +35,15 @@ struct DocumentScan {
 ///        its first place. Null if the losses are known already.
 DocumentScan scanDocument(const Document& document, Format target, Losses* losses);
 
-/// Refuses a document that would be too large in the target format.
+/// Returns the greatest number of bytes that is written as text or JSON unless the user sets
+/// another one. Only deep nesting and shared values need more than a multiple of the input.
+constexpr uint64_t usualOutputLimit(uint64_t inputSize) {
+    return std::max<uint64_t>(uint64_t{256} << 20U, 64 * inputSize);
+}
+
+/// Refuses a document that would be larger than the limit in the target format.
 /// \throws Failure refused
-void refuseHugeOutput(const DocumentScan& scan, Format target, const std::string& inputName);
+void refuseHugeOutput(const DocumentScan& scan, Format target, uint64_t limit,
+                      const std::string& inputName);
 
 } // namespace kel::tool

@@ -2,6 +2,8 @@
 /// Failure: the reason why the tool stops, and the exit status for it.
 #pragma once
 
+#include <cerrno>
+#include <cstring>
 #include <string>
 
 namespace kel::tool {
@@ -37,5 +39,10 @@ struct Failure {
     /// The text to print after "kel: "; empty if everything has been printed already.
     std::string message;
 };
+
+/// Returns the system's reason why the last operation on a file failed.
+inline std::string systemReason() {
+    return errno != 0 ? std::strerror(errno) : "unknown reason";
+}
 
 } // namespace kel::tool

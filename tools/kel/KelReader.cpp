@@ -3,11 +3,13 @@
 #include "Failure.h"
 #include "GuidText.h"
 #include "KelWriter.h"
+#include "LibraryFailure.h"
 #include "system/System.h"
 
 #include <algorithm>
 #include <new>
 #include <optional>
+#include <utility>
 
 namespace kel::tool {
 
@@ -53,7 +55,7 @@ private:
 struct Ending {
     bool isEndOfInput = false;
     std::string message; ///< the message of the library's exception
-    long offset = 0;     ///< of the first byte not consumed
+    int64_t offset = 0;  ///< of the first byte not consumed
 };
 
 /// An input stream of the library over bytes in memory.
@@ -71,15 +73,20 @@ public:
     }
     ValueReader(const ValueReader&) = delete;
     ValueReader& operator=(const ValueReader&) = delete;
-    ~ValueReader() { DeleteKELInputStream(stream_); }
+    ~ValueReader() {
+        try {
+            DeleteKELInputStream(stream_);
+        } catch (...) {
+            // A failure to leave the file at the right place matters only to offset.
+        }
+    }
 
     KEL* read() { return stream_->read(); }
 
     /// Ends the stream, which leaves the file just after the last byte that it consumed.
-    long offset() {
-        DeleteKELInputStream(stream_);
-        stream_ = nullptr;
-        return std::ftell(memory_.file());
+    int64_t offset() {
+        DeleteKELInputStream(std::exchange(stream_, nullptr));
+        return offsetIn(memory_.file());
     }
 
 private:
@@ -89,6 +96,7 @@ private:
 
 /// Reads root values until the library throws, which happens at the end at the latest.
 /// \throws std::bad_alloc if memory ran out, which is not a fault of the content
+/// \throws JException if a value gets no identity, which is not one either
 Ending readUntilFailure(std::string_view content, Format format, std::vector<Value>& roots) {
     ValueReader reader(content, format);
     Ending ending;
@@ -96,21 +104,15 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
         for (;;) {
             roots.emplace_back(reader.read());
         }
-    } catch (KELOutOfMemoryException* failure) {
-        DeleteKELException(failure);
-        throw std::bad_alloc();
     } catch (KELException* failure) {
         ending.isEndOfInput = dynamic_cast<KELEOFException*>(failure) != nullptr;
-        ending.message = failure->getMessage();
-        DeleteKELException(failure);
+        ending.message = takeMessage(failure);
     } catch (const JEOFException&) {
         ending.isEndOfInput = true;
-    } catch (const JException& failure) {
-        const JPointer<JString> message(failure.getMessage());
-        if (message.isNull()) {
-            throw std::bad_alloc();
-        }
-        ending.message = message->chars();
+    } catch (const JIOException& failure) {
+        ending.message = messageOf(failure);
+    } catch (const TokenizerException& failure) {
+        ending.message = messageOf(failure);
     }
     ending.offset = reader.offset();
     return ending;
@@ -181,11 +183,11 @@ Value valueOfRecord(std::string_view record) {
     try {
         return Value(reader.read());
     } catch (KELException* failure) {
-        DeleteKELException(failure);
-    } catch (const JException&) {
-        // The caller has no use for the message.
+        takeMessage(failure);
+    } catch (const JEOFException&) {
+    } catch (const JIOException&) {
     }
-    return nullptr;
+    return nullptr; // the caller has no use for the message
 }
 
 } // namespace kel::tool

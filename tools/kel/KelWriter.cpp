@@ -1,6 +1,8 @@
 #include "KelWriter.h"
 
 #include "Failure.h"
+#include "LibraryFailure.h"
+#include "NotInParts.h"
 #include "system/System.h"
 
 #include <algorithm>
@@ -13,21 +15,19 @@ namespace {
 
 /// Runs the action and turns exceptions of the library into a Failure. The system's own reason, if
 /// there is one, helps a user more than the name of the library's operation.
+/// \throws std::bad_alloc if memory ran out
 template <class Action> void translated(const Action& action) {
     errno = 0;
     try {
         action();
     } catch (KELException* failure) {
         const int reason = errno;
-        const std::string message = failure->getMessage();
-        DeleteKELException(failure);
+        const std::string message = takeMessage(failure);
         throw Failure{Trouble::unwritten, reason != 0 ? std::strerror(reason) : message};
     } catch (const JException& failure) {
         const int reason = errno;
-        const JPointer<JString> message(failure.getMessage());
-        throw Failure{Trouble::unwritten, reason != 0        ? std::strerror(reason)
-                                          : message.isNull() ? "out of memory"
-                                                             : message->chars()};
+        const std::string message = messageOf(failure);
+        throw Failure{Trouble::unwritten, reason != 0 ? std::strerror(reason) : message};
     }
 }
 
@@ -48,9 +48,9 @@ ValueWriter::ValueWriter(Format format, std::FILE* file) : stream_(nullptr) {
 
 ValueWriter::~ValueWriter() {
     try {
-        DeleteKELOutputStream(stream_);
-    } catch (KELException* failure) {
-        DeleteKELException(failure);
+        close();
+    } catch (...) {
+        // The failure that ended the writing has a better reason.
     }
 }
 
@@ -74,12 +74,16 @@ std::string recordOf(KEL& value, size_t limit) {
     // Most records get room of the same size, which the allocator then keeps for the next one.
     constexpr size_t usualLimit = size_t{1} << 20U;
     MemoryToWrite memory(std::max(limit, usualLimit));
-    ValueWriter writer(Format::binary, memory.file());
-    writer.write(&value);
-    writer.close();
+    try {
+        ValueWriter writer(Format::binary, memory.file());
+        writer.write(&value);
+        writer.close();
+    } catch (const Failure&) {
+        throw NotInParts();
+    }
     std::optional<std::string> record = memory.take();
     if (!record) {
-        throw Failure{Trouble::unwritten, "the record is too large"};
+        throw NotInParts();
     }
     return std::move(*record);
 }

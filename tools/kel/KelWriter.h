@@ -35,7 +35,7 @@ private:
 
 /// Returns the binary record of a value that contains itself nowhere.
 /// \param limit a number of bytes that the record does not exceed
-/// \throws Failure unwritten
+/// \throws NotInParts if the value has no record of this size
 std::string recordOf(KEL& value, size_t limit);
 
 /// Writes all root values of the document as text or binary.

@@ -1,9 +1,12 @@
 #include "Options.h"
 
 #include "Failure.h"
+#include "LastResort.h"
+#include "SizeText.h"
 
 #include <CLI/CLI.hpp>
 #include <kel/config.h>
+#include <new>
 #include <sstream>
 
 namespace kel::tool {
@@ -30,8 +33,11 @@ Exit status:
   0  success
   1  check found errors, or convert or show refused
   2  wrong command line
-  3  an input cannot be read or is malformed
-  4  an output cannot be written
+  3  an input cannot be read, is malformed, or does not fit in memory
+  4  an output or a message cannot be written, or memory ran out elsewhere
+
+Sizes:
+  A number of bytes, or of KiB, MiB, GiB or TiB with K, M, G or T after it, such as 512M.
 
 Examples:
   kel convert settings.json settings.kel
@@ -75,7 +81,8 @@ With --force the list is a warning, and the output is changed:
           structs plain structs without "@desc", descriptors plain structs
   From JSON, null in arrays and members with such names are left out, and integers are rounded.
   A value inside itself becomes null or is left out of an array.
-  Documents that would unfold to more than 2147483648 values or 16 GiB are always refused.
+  Deep nesting and shared values can make text and JSON far larger than the input. If that is more
+  than --max-output allows, nothing is written, even with --force.
 
 Examples:
   kel convert settings.json settings.kel
@@ -116,6 +123,18 @@ void addFormatOption(CLI::App& command, const char* name, std::string& format,
             ""));
 }
 
+void addSizeOption(CLI::App& command, const char* name, std::string& size,
+                   const char* description) {
+    command.add_option(name, size, description)
+        ->type_name("SIZE")
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return sizeOfText(text) ? std::string()
+                                        : '"' + text + "\" is not a size such as 512M or 2G";
+            },
+            ""));
+}
+
 constexpr const char* hint = "\nrun \"kel --help\" for help";
 
 /// Returns the output format: the requested one, or that of the file name.
@@ -128,6 +147,14 @@ Format requireTarget(const Options& options) {
     return *target;
 }
 
+/// Throws if memory ran out. The parser makes texts with streams of the C++ library, which then
+/// drop the rest of their text and report nothing.
+void refuseSwallowedText() {
+    if (hasMemoryRunOut()) {
+        throw std::bad_alloc();
+    }
+}
+
 } // namespace
 
 std::variant<Options, Answer> parseOptions(const std::vector<std::string>& arguments) {
@@ -135,7 +162,12 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     std::string input;
     std::string from;
     std::string to;
+    std::string maxMemory;
+    std::string maxOutput;
     constexpr const char* takeInputFor = "Read the input as this format, whatever its content";
+    constexpr const char* limitMemoryTo = "Fail if more memory is needed, such as 512M or 2G";
+    constexpr const char* limitOutputTo =
+        "Refuse to write more text or JSON (default: 256M or, if more, 64 times IN)";
     CLI::App app("Converts, shows and checks files of KEL values.", "kel");
     app.allow_windows_style_options(false); // "/" begins a file name on every system
     app.footer(generalNotes);
@@ -149,16 +181,21 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     addFormatOption(*convert, "--to", to, "Write this format, whatever the name of OUT");
     convert->add_flag("--force", options.isForced,
                       "Convert what the format can hold and warn about the rest");
+    addSizeOption(*convert, "--max-output", maxOutput, limitOutputTo);
+    addSizeOption(*convert, "--max-memory", maxMemory, limitMemoryTo);
     convert->footer(convertNotes);
 
     CLI::App* show = app.add_subcommand("show", "Print a file as text");
     show->add_option("IN", input, "File to read")->required()->type_name("");
     addFormatOption(*show, "--from", from, takeInputFor);
+    addSizeOption(*show, "--max-output", maxOutput, limitOutputTo);
+    addSizeOption(*show, "--max-memory", maxMemory, limitMemoryTo);
     show->footer(showNotes);
 
     CLI::App* check = app.add_subcommand("check", "Read files and report errors in them");
     check->add_option("IN", options.inputs, "Files to read")->required()->type_name("");
     addFormatOption(*check, "--from", from, takeInputFor);
+    addSizeOption(*check, "--max-memory", maxMemory, limitMemoryTo);
     check->footer(checkNotes);
 
     const std::string first = arguments.size() > 1 ? arguments[1] : "-";
@@ -175,16 +212,21 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
         if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
             std::ostringstream answer;
             app.exit(end, answer, answer);
+            refuseSwallowedText();
             return answer.str();
         }
+        refuseSwallowedText();
         throw Failure{Trouble::usage, end.what() + std::string(hint)};
     }
+    refuseSwallowedText();
     if (!*check) {
         options.inputs = {input};
     }
     options.command = *convert ? Command::convert : *show ? Command::show : Command::check;
     options.from = formatCalled(from);
     options.to = formatCalled(to);
+    options.maxMemory = sizeOfText(maxMemory);
+    options.maxOutput = sizeOfText(maxOutput);
     if (*convert) {
         options.to = requireTarget(options);
     }

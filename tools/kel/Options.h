@@ -4,6 +4,7 @@
 
 #include "Format.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -20,6 +21,8 @@ struct Options {
     std::optional<Format> from;
     std::optional<Format> to;
     bool isForced = false;
+    std::optional<uint64_t> maxMemory; ///< in bytes
+    std::optional<uint64_t> maxOutput; ///< in bytes, for convert and show
 };
 
 /// A text to print instead of running a command: help or version.

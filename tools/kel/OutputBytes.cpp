@@ -3,7 +3,6 @@
 #include "Failure.h"
 
 #include <cerrno>
-#include <cstring>
 
 namespace kel::tool {
 
@@ -37,7 +36,7 @@ void OutputBytes::writeTo(std::FILE* file) const {
 void writeBytes(std::string_view bytes, std::FILE* file) {
     errno = 0;
     if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size()) {
-        throw Failure{Trouble::unwritten, std::strerror(errno)};
+        throw Failure{Trouble::unwritten, systemReason()};
     }
 }
 

@@ -1,12 +1,9 @@
 #include "PartwiseConversion.h"
 
 #include "Failure.h"
+#include "NotInParts.h"
 #include "json/JsonOfRecords.h"
 #include "json/JsonReader.h"
-
-#include <new>
-#include <stdexcept>
-#include <system_error>
 
 namespace kel::tool {
 
@@ -17,54 +14,52 @@ std::unique_ptr<OutputFile> openEarly(const std::string& name) {
     return OutputFile::canTakeBack(name) ? std::make_unique<OutputFile>(name) : nullptr;
 }
 
-std::optional<Converted> toBinary(const std::string& json, const std::string& inputName,
-                                  const std::string& outputName) {
-    std::unique_ptr<OutputFile> file = openEarly(outputName);
-    std::optional<OutputBytes> rest =
-        recordsOfJson(json, inputName, file != nullptr ? file->file() : nullptr);
-    if (!rest) {
-        return std::nullopt;
-    }
-    return Converted{std::move(file), std::move(*rest)};
+OutputBytes toBinary(const std::string& json, const std::string& inputName, OutputFile* file) {
+    return recordsOfJson(json, inputName, file != nullptr ? file->file() : nullptr);
 }
 
-std::optional<Converted> toJson(const std::string& records, const std::string& outputName) {
-    Converted json{openEarly(outputName), {}};
+OutputBytes toJson(const std::string& records, OutputFile* file) {
+    OutputBytes rest;
     const bool isComplete = convertToJson(records, [&](std::string_view text) {
-        if (json.file != nullptr) {
-            writeBytes(text, json.file->file());
+        if (file != nullptr) {
+            writeBytes(text, file->file());
         } else {
-            json.bytes.append(std::string(text));
+            rest.append(std::string(text));
         }
     });
-    return isComplete ? std::optional(std::move(json)) : std::nullopt;
+    if (!isComplete) {
+        throw NotInParts();
+    }
+    return rest;
 }
 
 } // namespace
 
-std::optional<Converted> convertInParts(const Content& content, Format target,
+std::optional<Converted> convertInParts(const Content& content, Format target, uint64_t limit,
                                         const std::string& inputName,
                                         const std::string& outputName) {
-    // The conversion as a whole reports the reason of every other failure.
-    try {
-        if (content.format == Format::json && target == Format::binary) {
-            return toBinary(content.bytes, inputName, outputName);
-        }
-        if (content.format == Format::binary && target == Format::json) {
-            return toJson(content.bytes, outputName);
-        }
-    } catch (const Failure& failure) {
-        if (failure.trouble == Trouble::malformed) {
-            throw;
-        }
-    } catch (KELException* failure) {
-        DeleteKELException(failure);
-    } catch (const JException&) {
-    } catch (const std::bad_alloc&) {
-    } catch (const std::length_error&) {
-    } catch (const std::system_error&) {
+    const bool isToBinary = content.format == Format::json && target == Format::binary;
+    if (!isToBinary && !(content.format == Format::binary && target == Format::json)) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    // The JSON of records without references is at most this many times as large.
+    constexpr uint64_t mostGrowth = 8;
+    if (!isToBinary && content.bytes.size() > limit / mostGrowth) {
+        return std::nullopt;
+    }
+    std::unique_ptr<OutputFile> file = openEarly(outputName);
+    try {
+        OutputBytes rest = isToBinary ? toBinary(content.bytes, inputName, file.get())
+                                      : toJson(content.bytes, file.get());
+        return Converted{std::move(file), std::move(rest)};
+    } catch (const NotInParts&) {
+        return std::nullopt;
+    } catch (Failure& failure) {
+        if (failure.trouble == Trouble::unwritten) {
+            failure.message = outputName + ": cannot be written: " + failure.message;
+        }
+        throw;
+    }
 }
 
 } // namespace kel::tool

@@ -21,10 +21,12 @@ struct Converted {
 /// Converts between JSON and binary with only a small part of the values in memory at a time. Makes
 /// the same bytes as a conversion of the whole document, apart from the identities. Returns nothing
 /// if the document must be converted as a whole: if anything is lost, if values are shared, if
-/// names in binary are not in order, for all other formats, if memory runs out, and if a file
-/// cannot be written. \param inputName the name of the input in messages \param outputName the name
-/// of the output, or "-" for stdout \throws Failure malformed
-std::optional<Converted> convertInParts(const Content& content, Format target,
+/// names in binary are not in order, if the limit needs an exact count, and for all other formats.
+/// \param limit the greatest number of bytes to write as JSON
+/// \param inputName the name of the input in messages
+/// \param outputName the name of the output, or "-" for stdout
+/// \throws Failure malformed or unwritten
+std::optional<Converted> convertInParts(const Content& content, Format target, uint64_t limit,
                                         const std::string& inputName,
                                         const std::string& outputName);
 

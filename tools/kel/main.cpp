@@ -2,10 +2,9 @@
 
 #include "Commands.h"
 #include "Failure.h"
+#include "FailureReport.h"
 #include "system/System.h"
 
-#include <kel/KELException.h>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -13,24 +12,16 @@ namespace {
 
 using namespace kel::tool;
 
-int runTool(const std::vector<std::string>& arguments, Console& console) {
+int runTool(int argc, const char* const* argv, Console& console) {
     try {
-        const std::variant<Options, Answer> asked = parseOptions(arguments);
+        const std::variant<Options, Answer> asked = parseOptions(argumentsOf(argc, argv));
         if (const Answer* answer = std::get_if<Answer>(&asked)) {
             print(*answer);
             return 0;
         }
         return run(std::get<Options>(asked), console);
-    } catch (const Failure& failure) {
-        console.say(failure.message);
-        return exitStatus(failure.trouble);
-    } catch (const std::bad_alloc&) {
-        console.say("out of memory");
-        return exitStatus(Trouble::unwritten);
-    } catch (KELException* failure) {
-        console.say(failure->getMessage());
-        DeleteKELException(failure);
-        return exitStatus(Trouble::unwritten);
+    } catch (...) {
+        return exitStatus(reportFailure(console));
     }
 }
 
@@ -39,5 +30,8 @@ int runTool(const std::vector<std::string>& arguments, Console& console) {
 int main(int argc, char** argv) {
     prepareProcess();
     Console console;
-    return runTool(argumentsOf(argc, argv), console);
+    const int status = runTool(argc, argv, console);
+    // A warning that nobody can have read must not pass for success.
+    const bool isUnsaid = status == 0 && !console.hasSaidAll();
+    return isUnsaid ? exitStatus(Trouble::unwritten) : status;
 }

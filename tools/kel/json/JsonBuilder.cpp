@@ -26,7 +26,7 @@ bool fitsInt(int64_t value) {
 /// has.
 bool isExact(uint64_t magnitude) {
     constexpr int digits = std::numeric_limits<double>::digits;
-    return std::bit_width(magnitude) - std::countr_zero(magnitude) <= digits;
+    return static_cast<int>(std::bit_width(magnitude)) - std::countr_zero(magnitude) <= digits;
 }
 
 /// Returns whether the double is exactly the integer that the digits spell.
@@ -166,10 +166,14 @@ void JsonBuilder::setName(std::string& name) {
     }
     Frame& top = stack_.back();
     top.name.swap(name);
-    top.mayBeShape = top.mayBeShape || isReservedName(top.name.c_str());
     const char* obstacle = obstacleInName(top.name);
     list(obstacle);
     leaveNextOut_ = obstacle != nullptr;
+    if (!leaveNextOut_) {
+        const char* reserved = reservedName(top.name.c_str());
+        top.shape = !top.hasNames || reserved == top.shape ? reserved : nullptr;
+        top.hasNames = true;
+    }
 }
 
 void JsonBuilder::endStruct() {
@@ -178,7 +182,7 @@ void JsonBuilder::endStruct() {
     }
     Frame frame = std::move(stack_.back());
     stack_.pop_back();
-    Value shape = frame.mayBeShape ? valueOfShape(*frame.structure) : nullptr;
+    Value shape = frame.shape != nullptr ? valueOfShape(*frame.structure) : nullptr;
     if (shape == nullptr) {
         add(std::move(frame.container), 0);
         return;

@@ -55,9 +55,10 @@ protected:
         Value container;
         KEL_Array* array;
         KEL_Struct* structure;
-        std::string name = {};   ///< of the current member
-        uint64_t index = 0;      ///< of the current element, counted as in the JSON text
-        bool mayBeShape = false; ///< a reserved name was read
+        std::string name = {};       ///< of the current member
+        uint64_t index = 0;          ///< of the current element, counted as in the JSON text
+        bool hasNames = false;       ///< of members that are not left out
+        const char* shape = nullptr; ///< the reserved name that is the only one so far, or null
         /// The records of earlier values, if they were replaced by records.
         std::optional<PackedContainer> packed = {};
     };

@@ -1,6 +1,5 @@
 #include "json/JsonOfRecords.h"
 
-#include "DocumentScan.h"
 #include "KelReader.h"
 #include "KelWriter.h"
 #include "PartLimits.h"
@@ -131,7 +130,7 @@ bool Converter::writePart() {
 } // namespace
 
 bool convertToJson(std::string_view records, const TextBuffer::PassOn& passOn) {
-    const size_t roots = records.size() > DocumentScan::mostBytes ? 0 : countPlainRoots(records);
+    const size_t roots = countPlainRoots(records);
     return roots > 0 && Converter(records, roots, passOn).run();
 }
 

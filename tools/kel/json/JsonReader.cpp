@@ -152,15 +152,11 @@ Document readJson(const std::string& content, const std::string& inputName,
     return Document(builder.takeRoots(), false);
 }
 
-std::optional<OutputBytes> recordsOfJson(const std::string& content, const std::string& inputName,
-                                         std::FILE* file) {
+OutputBytes recordsOfJson(const std::string& content, const std::string& inputName,
+                          std::FILE* file) {
     JsonRecordBuilder builder(file);
-    try {
-        JsonReader(content, inputName, builder).readAll();
-        return builder.takeRecords();
-    } catch (const NotInParts&) {
-        return std::nullopt;
-    }
+    JsonReader(content, inputName, builder).readAll();
+    return builder.takeRecords();
 }
 
 } // namespace kel::tool

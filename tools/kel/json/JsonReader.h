@@ -26,13 +26,13 @@ Document readJson(const std::string& content, const std::string& inputName,
                   std::optional<Format> target, Losses& losses);
 
 /// Converts all JSON texts in the content to binary, as readJson reads them. Only a small part of
-/// their values is in memory at a time. Returns nothing if binary cannot carry everything. The
-/// content must then be read by readJson, which also finds the reasons.
+/// their values is in memory at a time.
 /// \param file the file to write to, which can seek; null if all binary is to be returned
 /// \return the binary that was not written
+/// \throws NotInParts if binary cannot carry everything; readJson then also finds the reasons
 /// \throws Failure malformed, "INPUT:LINE: what is wrong"
 /// \throws Failure unwritten
-std::optional<OutputBytes> recordsOfJson(const std::string& content, const std::string& inputName,
-                                         std::FILE* file);
+OutputBytes recordsOfJson(const std::string& content, const std::string& inputName,
+                          std::FILE* file);
 
 } // namespace kel::tool

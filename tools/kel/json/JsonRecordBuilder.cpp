@@ -2,13 +2,13 @@
 
 #include "Failure.h"
 #include "KelWriter.h"
+#include "NotInParts.h"
 #include "PartLimits.h"
 #include "RecordCursor.h"
+#include "system/System.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <limits>
 
 namespace kel::tool {
 
@@ -41,7 +41,7 @@ void JsonRecordBuilder::pack() {
     packRoots();
     // Only the last of the containers that are records in part can have got values since then.
     for (size_t i = packedFrames_ - std::min<size_t>(packedFrames_, 1); i < stack().size(); ++i) {
-        if (stack()[i].mayBeShape && !stack()[i].packed) {
+        if (stack()[i].shape != nullptr && !stack()[i].packed) {
             return;
         }
         packContents(i);
@@ -137,15 +137,15 @@ void JsonRecordBuilder::completeWritten() {
     written_.pop_back();
     char length[payloadLengthSize];
     setPayloadLength(length, fileSize_ - begin - recordHeaderSize);
-    const uint64_t place = begin + payloadLengthOffset;
-    if (place > uint64_t{std::numeric_limits<long>::max()} ||
-        std::fseek(file_, static_cast<long>(place), SEEK_SET) != 0) {
-        throw Failure{Trouble::unwritten, std::strerror(errno)};
-    }
+    const auto moveTo = [this](uint64_t offset) {
+        errno = 0;
+        if (!seekTo(file_, offset)) {
+            throw Failure{Trouble::unwritten, systemReason()};
+        }
+    };
+    moveTo(begin + payloadLengthOffset);
     writeBytes({length, sizeof length}, file_);
-    if (std::fseek(file_, 0, SEEK_END) != 0) {
-        throw Failure{Trouble::unwritten, std::strerror(errno)};
-    }
+    moveTo(fileSize_);
 }
 
 /// Appends records to the output, of which nothing else is kept.

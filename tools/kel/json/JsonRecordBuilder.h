@@ -7,9 +7,6 @@
 
 namespace kel::tool {
 
-/// Thrown when a document cannot be converted part by part.
-struct NotInParts {};
-
 /// Builds values, and replaces them by their records as soon as there are many. Containers that are
 /// still open keep the records of their earlier values, so a large document takes little more
 /// memory than its binary form. If there is a file, arrays that are in nothing but arrays are

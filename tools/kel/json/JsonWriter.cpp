@@ -15,10 +15,6 @@ namespace kel::tool {
 
 namespace {
 
-/// Deeper levels are written on one line. Otherwise a deep tree would be mostly indentation.
-constexpr size_t indentedLevels = 40;
-constexpr size_t indentWidth = 4;
-
 // What the characters of a text are to JSON strings.
 constexpr unsigned isEscaped = 1;  ///< strings cannot hold it as it is
 constexpr unsigned isNotAscii = 2; ///< it is a part of a sequence, or not UTF-8 at all
@@ -116,7 +112,7 @@ void JsonWriter::beginValue(const char* name) {
     }
     beginLine(open_.size());
     if (name != nullptr) {
-        isExact_ = isExact_ && !isReservedName(name);
+        isExact_ = isExact_ && reservedName(name) == nullptr;
         writeString(name);
         out_.put(isIndented_ ? ": " : ":");
     }

@@ -18,6 +18,10 @@ namespace kel::tool {
 /// are not finite by null. The values must not contain themselves or values without any plain form.
 class JsonWriter {
 public:
+    /// Deeper levels are written on one line. Otherwise a deep tree would be mostly indentation.
+    static constexpr size_t indentedLevels = 40;
+    static constexpr size_t indentWidth = 4;
+
     /// \param isIndented whether values are indented by four spaces, otherwise they are compact
     JsonWriter(TextBuffer& out, bool isIndented) : out_(out), isIndented_(isIndented) {}
 

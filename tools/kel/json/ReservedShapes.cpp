@@ -21,9 +21,13 @@ const char* onlyText(const KEL_Struct& structure, const char* name) {
 
 } // namespace
 
-bool isReservedName(const char* name) {
-    return *name == '$' &&
-           (std::strcmp(name, guidShape) == 0 || std::strcmp(name, memBlockShape) == 0);
+const char* reservedName(const char* name) {
+    if (*name != '$') {
+        return nullptr;
+    }
+    return std::strcmp(name, guidShape) == 0       ? guidShape
+           : std::strcmp(name, memBlockShape) == 0 ? memBlockShape
+                                                   : nullptr;
 }
 
 Value valueOfShape(const KEL_Struct& structure) {

@@ -9,8 +9,9 @@ namespace kel::tool {
 constexpr const char* guidShape = "$guid";
 constexpr const char* memBlockShape = "$memblock";
 
-/// Returns whether the name, as the only one of a struct, can make it stand for another value.
-bool isReservedName(const char* name);
+/// Returns the literal that the name equals if, as the only one of a struct, it can make the struct
+/// stand for another value. Returns null for any other name.
+const char* reservedName(const char* name);
 
 /// Returns the guid or memory block that the struct stands for in JSON: its one variable is "$guid"
 /// with a String in GUID layout or "$memblock" with a String in base64. Returns null for any other

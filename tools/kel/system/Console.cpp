@@ -2,7 +2,9 @@
 
 #include "system/System.h"
 
+#include <charconv>
 #include <cstdio>
+#include <new>
 #include <system_error>
 
 namespace kel::tool {
@@ -12,21 +14,35 @@ namespace {
 constexpr auto patience = std::chrono::seconds(1);
 constexpr auto redrawAfter = std::chrono::milliseconds(250);
 
-void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
+/// Returns the work in words that the name of a file can follow.
+std::string_view wordsFor(Work work) {
+    switch (work) {
+    case Work::starting:
+        return "";
+    case Work::reading:
+        return "reading ";
+    case Work::checking:
+        return "checking ";
+    case Work::writing:
+        break;
+    }
+    return "writing ";
 }
 
 } // namespace
 
 Console::Console() {
+    // A message reaches the system in one piece, so that the lines of several processes do not mix.
+    static char pieces[BUFSIZ];
+    std::setvbuf(stderr, pieces, _IOFBF, sizeof pieces);
     if (!isTerminal(stderr)) {
         return;
     }
+    // If the system gives no thread or no memory now, the work continues without progress.
     try {
         drawer_ = std::thread([this] { drawUntilEnd(); });
     } catch (const std::system_error&) {
-        // The system gives no thread now: the work continues, but without progress.
+    } catch (const std::bad_alloc&) {
     }
 }
 
@@ -43,21 +59,41 @@ Console::~Console() {
     drawer_.join();
 }
 
-void Console::say(const std::string& message) {
+void Console::say(std::string_view message) noexcept {
     const std::lock_guard lock(mutex_);
     erase();
-    print("kel: " + message + '\n');
+    print("kel: ");
+    endLine(message);
 }
 
-void Console::begin(const std::string& work) {
+Trouble Console::sayOfFile(std::string_view message) noexcept {
     const std::lock_guard lock(mutex_);
+    erase();
+    print("kel: ");
+    if (work_ != Work::starting) {
+        print(file_);
+        print(work_ == Work::writing ? ": cannot be written: " : ": ");
+    }
+    endLine(message);
+    const bool isOfInput = work_ == Work::reading || work_ == Work::checking;
+    return isOfInput ? Trouble::unreadable : Trouble::unwritten;
+}
+
+Trouble Console::sayOutOfMemory() noexcept {
+    return sayOfFile(isMemoryLimited_ ? "more memory is needed than --max-memory allows"
+                                      : "out of memory");
+}
+
+void Console::begin(Work work, const std::string& file) {
+    const std::lock_guard lock(mutex_);
+    file_ = file;
     work_ = work;
 }
 
 void Console::hush() {
     const std::lock_guard lock(mutex_);
     erase();
-    work_.clear();
+    isHushed_ = true;
 }
 
 void Console::drawUntilEnd() {
@@ -65,13 +101,21 @@ void Console::drawUntilEnd() {
     auto wait = Clock::duration(patience);
     while (!changed_.wait_for(lock, wait, [this] { return isOver_; })) {
         wait = redrawAfter;
-        if (work_.empty()) {
+        if (isHushed_ || work_ == Work::starting) {
             continue;
         }
         const auto seconds =
             std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start_).count();
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, seconds);
         erase();
-        print("kel: " + work_ + ", " + std::to_string(seconds) + " s");
+        print("kel: ");
+        print(wordsFor(work_));
+        print(file_);
+        print(", ");
+        print({digits, end.ptr});
+        print(" s");
+        std::fflush(stderr);
         isDrawn_ = true;
     }
 }
@@ -79,8 +123,19 @@ void Console::drawUntilEnd() {
 void Console::erase() {
     if (isDrawn_) {
         print("\r\x1b[K");
+        std::fflush(stderr);
         isDrawn_ = false;
     }
+}
+
+void Console::endLine(std::string_view message) {
+    print(message);
+    print("\n");
+    hasSaidAll_ = std::fflush(stderr) == 0 && std::ferror(stderr) == 0 && hasSaidAll_;
+}
+
+void Console::print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
 } // namespace kel::tool

@@ -2,18 +2,24 @@
 /// Console: messages and progress on stderr.
 #pragma once
 
+#include "Failure.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 
 namespace kel::tool {
 
+/// The stages of a command's work on a file.
+enum class Work { starting, reading, checking, writing };
+
 /// Writes everything that people read to stderr. If stderr is a terminal and the work has taken
 /// more than a second, a line at the bottom shows the current work and its duration. It disappears
 /// before a message and at the end. A separate thread draws the line, because the library reads and
-/// writes a value in one call.
+/// writes a value in one call. Printing allocates nothing.
 class Console {
 public:
     Console();
@@ -23,26 +29,45 @@ public:
     ~Console();
 
     /// Prints "kel: " and the message on a line.
-    void say(const std::string& message);
+    void say(std::string_view message) noexcept;
 
-    /// Sets the current work, such as "reading FILE".
-    void begin(const std::string& work);
+    /// Prints "kel: ", the current file, and the message on a line.
+    /// \return the trouble that the failure is, by the current work
+    Trouble sayOfFile(std::string_view message) noexcept;
+
+    /// Reports that memory ran out. \return the trouble
+    Trouble sayOutOfMemory() noexcept;
+
+    /// States that the user limits the memory, which the report then mentions.
+    void knowMemoryLimit() { isMemoryLimited_ = true; }
+
+    /// Sets the current work.
+    void begin(Work work, const std::string& file);
 
     /// Ends the progress line for good: later output may be written to the terminal itself.
     void hush();
+
+    /// Returns whether the system took every message.
+    bool hasSaidAll() const { return hasSaidAll_; }
 
 private:
     using Clock = std::chrono::steady_clock;
 
     void drawUntilEnd();
     void erase();
+    void endLine(std::string_view message);
+    void print(std::string_view text);
 
     const Clock::time_point start_ = Clock::now();
     std::mutex mutex_; ///< guards all below
     std::condition_variable changed_;
-    std::string work_;
+    Work work_ = Work::starting;
+    std::string file_; ///< the name of the file that is worked on
+    bool isMemoryLimited_ = false;
+    bool isHushed_ = false;
     bool isDrawn_ = false;
     bool isOver_ = false;
+    bool hasSaidAll_ = true;
     std::thread drawer_; ///< runs only for a terminal
 };
 

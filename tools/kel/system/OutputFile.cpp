@@ -1,10 +1,9 @@
 #include "system/OutputFile.h"
 
-#include "Failure.h"
 #include "system/System.h"
 
 #include <cerrno>
-#include <cstring>
+#include <utility>
 
 namespace kel::tool {
 
@@ -35,15 +34,24 @@ bool OutputFile::canTakeBack(const std::string& name) {
     return name != "-" && !isDevice(behindLinks(pathOf(name)));
 }
 
-OutputFile::OutputFile(const std::string& name) : name_(name) {
-    if (name == "-") {
+OutputFile::OutputFile(std::string name) : name_(std::move(name)) {
+    try {
+        open();
+    } catch (...) {
+        discard();
+        throw;
+    }
+}
+
+void OutputFile::open() {
+    if (name_ == "-") {
         file_ = stdout;
         return;
     }
-    const fs::path target = behindLinks(pathOf(name));
+    const fs::path target = behindLinks(pathOf(name_));
     if (isDevice(target)) {
         errno = 0;
-        file_ = openToWrite(name);
+        file_ = openToWrite(name_);
         if (file_ == nullptr) {
             failWithSystemReason();
         }
@@ -54,6 +62,10 @@ OutputFile::OutputFile(const std::string& name) : name_(name) {
 }
 
 OutputFile::~OutputFile() {
+    discard();
+}
+
+void OutputFile::discard() {
     if (file_ != nullptr && file_ != stdout) {
         std::fclose(file_);
     }
@@ -69,11 +81,12 @@ void OutputFile::openTemporary() {
     if (!mayWrite(target_)) {
         failWithSystemReason(); // replacing the file would circumvent its protection
     }
-    file_ = createTemporary(target_.parent_path(), temporary_);
+    fs::path temporary;
+    file_ = createTemporary(target_.parent_path(), temporary);
     if (file_ == nullptr) {
-        temporary_.clear();
         failWithSystemReason();
     }
+    temporary_ = std::move(temporary); // only now is it this process's own
     copyPermissions(file_, target_);
 }
 
@@ -85,11 +98,10 @@ void OutputFile::commit() {
         failWithSystemReason();
     }
     if (target_.empty()) {
-        if (file_ != stdout) {
-            closeFile();
-        }
+        closeFile(); // stdout too: a network file system reports lost bytes only here
         return;
     }
+    const fs::path folder = target_.parent_path();
     if (!synchronise(file_)) {
         failWithSystemReason();
     }
@@ -99,7 +111,11 @@ void OutputFile::commit() {
     }
     temporary_.clear();
     keepTemporary();
-    synchroniseFolder(target_.parent_path());
+    if (const std::error_code failure = synchroniseFolder(folder)) {
+        throw Failure{Trouble::unwritten,
+                      name_ +
+                          ": was written, but a power failure can undo it: " + failure.message()};
+    }
 }
 
 void OutputFile::closeFile() {
@@ -112,10 +128,6 @@ void OutputFile::closeFile() {
 
 void OutputFile::fail(const std::string& reason) const {
     throw Failure{Trouble::unwritten, name_ + ": cannot be written: " + reason};
-}
-
-void OutputFile::failWithSystemReason() const {
-    fail(errno != 0 ? std::strerror(errno) : "unknown reason");
 }
 
 } // namespace kel::tool

@@ -2,6 +2,8 @@
 /// OutputFile: a file that appears whole or not at all.
 #pragma once
 
+#include "Failure.h"
+
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -15,7 +17,7 @@ namespace kel::tool {
 class OutputFile {
 public:
     /// \throws Failure unwritten, "NAME: cannot be written: the reason"
-    explicit OutputFile(const std::string& name);
+    explicit OutputFile(std::string name);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
     /// Removes the written file unless it was committed.
@@ -33,10 +35,12 @@ public:
     void commit();
 
 private:
+    void open();
+    void discard();
     void openTemporary();
     void closeFile();
     [[noreturn]] void fail(const std::string& reason) const;
-    [[noreturn]] void failWithSystemReason() const;
+    [[noreturn]] void failWithSystemReason() const { fail(systemReason()); }
 
     std::string name_;             ///< as the user gave it
     std::filesystem::path target_; ///< the file to be replaced; empty when written directly

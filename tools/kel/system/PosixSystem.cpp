@@ -6,6 +6,8 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <limits>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -56,6 +58,13 @@ void handleEndingSignals() {
     }
 }
 
+/// Opens a standard descriptor that is closed, in a mode that makes its use fail.
+void occupyClosed(int descriptor, int mode) {
+    if (fcntl(descriptor, F_GETFD) < 0) {
+        open("/dev/null", mode); // takes the lowest number, since those below are open
+    }
+}
+
 } // namespace
 
 std::vector<std::string> argumentsOf(int argc, const char* const* argv) {
@@ -64,6 +73,21 @@ std::vector<std::string> argumentsOf(int argc, const char* const* argv) {
 
 void prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
+    occupyClosed(STDIN_FILENO, O_WRONLY);
+    occupyClosed(STDOUT_FILENO, O_RDONLY);
+    occupyClosed(STDERR_FILENO, O_RDONLY);
+}
+
+bool limitMemory(uint64_t bytes) {
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_DATA, &limit) != 0) {
+        return false;
+    }
+    // Another limit, which the process was started with, remains in force.
+    if (bytes < limit.rlim_cur) {
+        limit.rlim_cur = static_cast<rlim_t>(bytes);
+    }
+    return setrlimit(RLIMIT_DATA, &limit) == 0;
 }
 
 bool isTerminal(std::FILE* file) {
@@ -80,6 +104,18 @@ std::FILE* openToRead(const std::string& name) {
 
 std::FILE* openToWrite(const std::string& name) {
     return std::fopen(name.c_str(), "wb");
+}
+
+bool seekTo(std::FILE* file, uint64_t offset) {
+    if (offset > static_cast<uint64_t>(std::numeric_limits<off_t>::max())) {
+        errno = EFBIG;
+        return false;
+    }
+    return fseeko(file, static_cast<off_t>(offset), SEEK_SET) == 0;
+}
+
+int64_t offsetIn(std::FILE* file) {
+    return ftello(file);
 }
 
 bool mayWrite(const std::filesystem::path& path) {
@@ -123,7 +159,7 @@ std::FILE* MemoryToWrite::file() {
 
 std::optional<std::string> MemoryToWrite::take() {
     const bool isWritten = std::fflush(storage_->file) == 0 && std::ferror(storage_->file) == 0;
-    const long size = std::ftell(storage_->file);
+    const int64_t size = offsetIn(storage_->file);
     const bool isClosed = std::fclose(storage_->file) == 0;
     storage_->file = nullptr;
     if (!isWritten || !isClosed || size < 0) {
@@ -198,12 +234,15 @@ std::error_code replaceFile(const std::filesystem::path& from, const std::filesy
     return failure;
 }
 
-void synchroniseFolder(const std::filesystem::path& folder) {
+std::error_code synchroniseFolder(const std::filesystem::path& folder) {
     const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        fsync(descriptor); // not every file system supports this; the file itself is safe already
-        close(descriptor);
+    if (descriptor < 0) {
+        return {}; // a folder that may not be read can still be written in
     }
+    const bool isSafe = fsync(descriptor) == 0 || errno == EINVAL; // EINVAL: it cannot be requested
+    const int reason = errno;
+    close(descriptor);
+    return isSafe ? std::error_code() : std::error_code(reason, std::generic_category());
 }
 
 } // namespace kel::tool

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -21,9 +22,14 @@ namespace kel::tool {
 /// they are read as wide text from the process, whatever main was given.
 std::vector<std::string> argumentsOf(int argc, const char* const* argv);
 
-/// Prepares the process: stdin and stdout pass bytes unchanged, and a write to a closed pipe fails
-/// like any other write instead of ending the process.
+/// Prepares the process. stdin and stdout pass bytes unchanged. A write to a closed pipe fails like
+/// any other write instead of ending the process. If stdin, stdout or stderr is closed, its use
+/// fails, and no file that is opened later takes its place.
 void prepareProcess();
+
+/// Makes every allocation fail that would give the process more than this number of bytes in all.
+/// \return false if the system cannot do so
+bool limitMemory(uint64_t bytes);
 
 /// Returns whether the file is a terminal that understands control sequences.
 bool isTerminal(std::FILE* file);
@@ -36,6 +42,12 @@ std::FILE* openToRead(const std::string& name);
 
 /// Opens a file or a device to write to, emptied. \return null with errno set
 std::FILE* openToWrite(const std::string& name);
+
+/// Moves to a byte of a file, also beyond 2 GiB. \return false with errno set on failure
+bool seekTo(std::FILE* file, uint64_t offset);
+
+/// Returns the byte of a file that is next, also beyond 2 GiB, or -1 with errno set.
+int64_t offsetIn(std::FILE* file);
 
 /// Returns whether the file that the path leads to can be written or does not exist. If not, sets
 /// errno to the reason.
@@ -98,7 +110,7 @@ bool synchronise(std::FILE* file);
 /// Puts a closed file in the place of another, which can exist. There is a file at every moment.
 std::error_code replaceFile(const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// Waits until the folder's entries are on the medium, if the system can.
-void synchroniseFolder(const std::filesystem::path& folder);
+/// Waits until the folder's entries are on the medium, if the system can. \return why it failed
+std::error_code synchroniseFolder(const std::filesystem::path& folder);
 
 } // namespace kel::tool

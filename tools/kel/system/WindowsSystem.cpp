@@ -24,7 +24,7 @@ constexpr UINT interrupted = 0xC000013A; // STATUS_CONTROL_C_EXIT
 
 std::wstring wide(const std::string& utf8) {
     // A name that is not valid UTF-8 names no file; the replacement keeps it from naming another.
-    const int size = static_cast<int>(utf8.size());
+    const int size = static_cast<int>(utf8.size()); // from a command line, so it is short
     std::wstring text(utf8.size(), L'\0');
     const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, text.data(), size);
     text.resize(static_cast<size_t>(length));
@@ -177,6 +177,11 @@ void prepareProcess() {
     }
 }
 
+bool limitMemory(uint64_t /*bytes*/) {
+    // A job object could, but not under Wine, where this could not be tested.
+    return false;
+}
+
 bool isTerminal(std::FILE* file) {
     // GetConsoleMode fails for anything but a console, and old consoles refuse the mode.
     DWORD mode = 0;
@@ -194,6 +199,14 @@ std::FILE* openToRead(const std::string& name) {
 
 std::FILE* openToWrite(const std::string& name) {
     return openNamed(name, L"wb");
+}
+
+bool seekTo(std::FILE* file, uint64_t offset) {
+    return _fseeki64(file, static_cast<int64_t>(offset), SEEK_SET) == 0; // refuses negative numbers
+}
+
+int64_t offsetIn(std::FILE* file) {
+    return _ftelli64(file);
 }
 
 bool mayWrite(const fs::path& path) {
@@ -299,6 +312,7 @@ std::FILE* createTemporary(const fs::path& folder, fs::path& path) {
     const std::wstring prefix = L".kel-" + std::to_wstring(GetCurrentProcessId()) + L'-';
     for (int attempt = 0; attempt < attempts; ++attempt) {
         path = folder / (prefix + std::to_wstring(attempt) + L".tmp");
+        std::wstring name = path.native(); // no memory is needed once the file exists
         const std::lock_guard lock(temporaryMutex);
         // Sharing the deletion lets the handler of interruptions remove the open file. The right to
         // write permissions lets the file get those of the file that it replaces.
@@ -309,8 +323,13 @@ std::FILE* createTemporary(const fs::path& folder, fs::path& path) {
             if (temporaryName.empty()) {
                 SetConsoleCtrlHandler(endByInterruption, TRUE);
             }
-            temporaryName = path.native();
-            return fileOf(handle, "wb");
+            std::FILE* file = fileOf(handle, "wb");
+            if (file == nullptr) {
+                DeleteFileW(name.c_str());
+            } else {
+                temporaryName.swap(name);
+            }
+            return file;
         }
         if (lastReason() != EEXIST) {
             errno = lastReason();
@@ -353,8 +372,8 @@ std::error_code replaceFile(const fs::path& from, const fs::path& to) {
     return {lastReason(), std::generic_category()};
 }
 
-void synchroniseFolder(const fs::path& /*folder*/) {
-    // Replacing a file already waits for the folder.
+std::error_code synchroniseFolder(const fs::path& /*folder*/) {
+    return {}; // replacing a file already waits for the folder
 }
 
 } // namespace kel::tool
