@@ -60,6 +60,15 @@ TEST(Value, CopyIsAnotherTree) {
     EXPECT_FALSE(kel::same(room["tags"], other["tags"]));
 }
 
+TEST(Value, CopyKeepsEveryNull) {
+    const kel::value source = kel::from_text("{ n = NULL inner = { n = NULL } list = [ { n = NULL } ] }");
+    const kel::value other = source.copy();
+    EXPECT_TRUE(source == other);
+    EXPECT_FALSE(other.at_path("list[0]").find("n"));
+    EXPECT_TRUE(other.at_path("list[0]").contains("n"));
+    EXPECT_FALSE(kel::value().copy());
+}
+
 TEST(Value, ComparesContents) {
     EXPECT_TRUE(kel::value(1) == kel::value(1.0));
     EXPECT_TRUE(kel::value("1") != kel::value(1));

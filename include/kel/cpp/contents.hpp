@@ -248,6 +248,25 @@ void value::assign_value(KEL* object, const T& content, const Path& path) {
     }
 }
 
+inline value value::copy() const {
+    const auto filled = [this](value made) {
+        detail::call([&] { made.raw()->assign(object_.get()); }); // keeps every null
+        return made;
+    };
+    switch (kind()) {
+    case kind::null:
+        return value();
+    case kind::structure:
+        return filled(value(adopt_made(CreateKELStruct())));
+    case kind::array:
+        return filled(value(adopt_made(CreateKELArray())));
+    case kind::index_list:
+        return filled(value(adopt_made(CreateKELIndexList())));
+    default:
+        return value(detail::call([this] { return adopt(object_->copy()); }));
+    }
+}
+
 inline value object(std::initializer_list<field> fields) {
     const ref<KEL_Struct> made = adopt_made(CreateKELStruct());
     for (const field& each : fields) {

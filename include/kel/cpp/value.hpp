@@ -138,10 +138,9 @@ public:
         detail::call([&] { object_->assignConverted(content.raw(), true); });
     }
 
-    /// Returns a deep copy with an identity of its own. Null gives null.
-    value copy() const {
-        return object_ ? value(detail::call([this] { return adopt(object_->copy()); })) : value();
-    }
+    /// Returns a deep copy with an identity of its own. Null gives null, also inside structs, arrays
+    /// and index lists: there the library's own copy makes Ints of variables without a value.
+    value copy() const;
     /// Returns the identity. A handle without a value has none: all zero.
     guid identity() const {
         guid out;
