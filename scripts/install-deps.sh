@@ -13,6 +13,7 @@
 #   demo    the documents that scripts/demo.sh works on
 #   bench   the benchmarks
 #   linux32 building for 32-bit Linux, and its tests
+#   fuzz    the fuzz targets, in 64 and in 32 bits
 #   windows building KEL.dll and its tests, and Wine to run them
 #
 # Ends with status 10 if only Wine is missing; build/no-wine then contains the reason.
@@ -32,6 +33,7 @@ packages_for() {
         demo) echo "iso-codes python3" ;;
         bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3 jq time" ;;
         linux32) echo "g++-multilib googletest" ;;
+        fuzz) echo "clang libclang-rt-14-dev nlohmann-json3-dev g++-multilib" ;;
         windows) echo "g++-mingw-w64-i686-posix googletest" ;;
         *)
             echo "install-deps.sh: unknown purpose '$1'" >&2
@@ -66,7 +68,7 @@ has_comma_locale() {
 
 purposes="$*"
 if [ -z "$purposes" ]; then
-    echo "usage: $0 {build|tool|test|package|docs|browser|demo|bench|linux32|windows}..." >&2
+    echo "usage: $0 {build|tool|test|package|docs|browser|demo|bench|linux32|fuzz|windows}..." >&2
     exit 2
 fi
 
