@@ -7,6 +7,7 @@
 #   build   compiler and build system: all that the library needs
 #   tool    the command-line tool
 #   test    the tests, and a locale that writes numbers with a decimal comma
+#   analyze the static analysis
 #   package making the packages that are shipped
 #   docs    the reference and all pages as a site
 #   browser the tests of that site in a browser
@@ -27,6 +28,7 @@ packages_for() {
         build) echo "g++ cmake ninja-build" ;;
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
         test) echo "libgtest-dev python3 pkg-config binutils locales clang" ;;
+        analyze) echo "clang clang-tidy-14" ;;
         package) echo "dpkg-dev debhelper chrpath help2man lintian fakeroot python3" ;;
         docs) echo "doxygen python3" ;;
         browser) echo "chromium chromium-driver python3-selenium" ;;

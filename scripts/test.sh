@@ -2,6 +2,7 @@
 # Builds and runs every test.
 #
 #   scripts/test.sh            on this machine: once optimized and once sanitized
+#   scripts/test.sh threads    on this machine: the tests of threads, with the thread sanitizer
 #   scripts/test.sh linux32    for 32-bit Linux
 #   scripts/test.sh windows    KEL.dll for 32-bit Windows, run under Wine
 #
@@ -42,6 +43,12 @@ case ${1:-} in
         build asan -DKEL_BUILD_BENCH=OFF
         run asan
         ;;
+    threads)
+        scripts/install-deps.sh build test
+        cmake --preset tsan -DKEL_BUILD_TOOL=OFF -DKEL_BUILD_EXAMPLES=OFF -DKEL_BUILD_TESTS=ON
+        cmake --build --preset tsan
+        ctest --preset tsan
+        ;;
     linux32)
         scripts/install-deps.sh build tool test linux32 package
         # The packages of both processors are installed side by side.
@@ -63,7 +70,7 @@ case ${1:-} in
         run windows
         ;;
     *)
-        echo "usage: $0 [linux32|windows]" >&2
+        echo "usage: $0 [threads|linux32|windows]" >&2
         exit 2
         ;;
 esac

@@ -31,7 +31,7 @@ public:
     void replaceDescriptor(MetaKelDescriptor* descriptor) override;
     MetaKelDescriptor* getDescriptor() const override { return descriptor(); }
     void removeDescriptor() override;
-    void createVar(const char* name, KEL* value, MetaKelVarDescriptor* descriptor) override;
+    void createVar(const char* name, KEL* value, MetaKelVarDescriptor* rules) override;
 
     // MetaKel
     KEL* getVar(const char* name, bool storeDefault) override;

@@ -40,7 +40,7 @@ constinit Slab::Word noFreeBlock = 0;
 constinit Slab noSlab{&noFreeBlock};
 
 struct NoHeap : Heap {
-    constexpr NoHeap() : Heap() {
+    constexpr NoHeap() noexcept : Heap() {
         for (Slab*& slab : current) {
             slab = &noSlab;
         }
@@ -186,7 +186,8 @@ void adopt(Heap& heap, Heap& orphan) {
     orphan.isOrphan.store(false, std::memory_order_relaxed);
     while (Region* region = orphan.regions.first) {
         orphan.regions.remove(region);
-        region->heap.store(&heap, std::memory_order_relaxed);
+        // A thread that frees a block here can reach the heap, which may be new, without the lock.
+        region->heap.store(&heap, std::memory_order_release);
         heap.regions.push(region);
     }
     heap.regionCount += orphan.regionCount;
@@ -249,7 +250,7 @@ constinit std::atomic<bool> hasEndKey{false};
 /// Makes the key whose destructor ends a thread's heap. Unlike the destructors of thread-local
 /// variables it also works for a thread that makes values while it ends.
 struct EndKey {
-    EndKey() { hasEndKey = pthread_key_create(&endKey, leaveHeap) == 0; }
+    EndKey() noexcept { hasEndKey = pthread_key_create(&endKey, leaveHeap) == 0; }
     EndKey(const EndKey&) = delete;
     EndKey& operator=(const EndKey&) = delete;
     ~EndKey() {
@@ -260,6 +261,7 @@ struct EndKey {
 };
 const EndKey endKeyOfLibrary;
 
+// NOLINTNEXTLINE(cert-err58-cpp): C functions, which throw nothing
 [[maybe_unused]] const int forkHandlers =
     pthread_atfork([] { lock.beginFork(); }, [] { lock.endFork(); }, [] { lock.endFork(); });
 
@@ -337,8 +339,9 @@ KEL_NEVER_INLINE void* takeFromNextWord(std::size_t sizeClass) {
 }
 
 /// Frees a block of another thread's slab, or of an ended thread's.
+// NOLINTNEXTLINE(misc-no-recursion): the block belongs to this thread in the inner giveBlock
 KEL_NEVER_INLINE void giveRemote(Region* region, void* block) {
-    Heap* owner = region->heap.load(std::memory_order_relaxed);
+    Heap* owner = region->heap.load(std::memory_order_acquire);
     if (owner->isOrphan.load(std::memory_order_relaxed)) {
         if (threadHeap == &noHeap) {
             makeHeap();
@@ -386,7 +389,7 @@ void* takeBlock(std::size_t size) {
                                   : takeFromNextWord(sizeClass);
 }
 
-void giveBlock(void* block) noexcept {
+void giveBlock(void* block) noexcept { // NOLINT(misc-no-recursion): see giveRemote
     Region* region = Region::of(block);
     Heap* heap = threadHeap;
     if (region->heap.load(std::memory_order_relaxed) != heap) {

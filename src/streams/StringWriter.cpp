@@ -32,7 +32,7 @@ const char* StringWriter::getString() {
         if (snapshot_ == nullptr) {
             throw JOutOfMemoryException("StringWriter out of memory.");
         }
-        if (size_ > 0) {
+        if (text_ != nullptr) {
             std::memcpy(snapshot_, text_, size_);
         }
     }

@@ -33,7 +33,7 @@ public:
         ValueWriter writer(format, file.file());
         writer.write(value_.get());
         writer.close();
-        const std::string written = file.take().value();
+        std::string written = file.take().value();
         if (format == Format::binary) {
             return written;
         }

@@ -217,7 +217,7 @@ private:
     }
     /// Returns the variable, or its default if it is missing or null.
     value current(const detail::text& name) const {
-        const value used = value_or_default(name);
+        value used = value_or_default(name);
         if (!used) {
             throw not_found(std::string(name.c_str()) + ": has neither a value nor a default.");
         }

@@ -262,6 +262,7 @@ KEL_SELDOM reading read_integer_of_another_kind(KEL& object, Integer& out) {
         return reading::wrong_kind;
     }
     const double number = object.toDouble();
+    // NOLINTNEXTLINE(bugprone-integer-division): rounds down, so that a double holds it
     constexpr double beyond = static_cast<double>((limits::max)() / 2 + 1) * 2; // exact
     const bool fits = number >= static_cast<double>((limits::min)()) && number < beyond;
     if (!fits || std::trunc(number) != number) {

@@ -121,7 +121,7 @@ namespace detail {
     struct owner {
         KELException* failure;
         ~owner() { DeleteKELException(failure); }
-    } const owned{caught};
+    } const owned{caught}; // NOLINT(clang-analyzer-deadcode.DeadStores): its destructor acts
     const char* said = caught->getMessage();
     const std::string message = said == nullptr ? "" : said;
     if (dynamic_cast<KELOutOfMemoryException*>(caught) != nullptr) {

@@ -47,6 +47,7 @@ struct location {
     location copy() const { return {container, name, outer, index, is_default}; }
 };
 
+// NOLINTNEXTLINE(misc-no-recursion): as deep as the expression has places
 inline std::string path_of(location at) {
     std::string path = at.outer == nullptr ? std::string() : path_of(*at.outer);
     if (at.name != nullptr) {

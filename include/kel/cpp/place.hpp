@@ -189,6 +189,7 @@ public:
     }
     /// Shares the value of another place.
     void operator=(const_place&& other) && { std::move(*this) = value(std::move(other)); }
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor): it stores the other value
     void operator=(place&& other) && {
         std::move(*this) = value(std::move(static_cast<const_place&>(other)));
     }
@@ -308,6 +309,7 @@ public:
     template <class Container>
     named(Container* container, std::string_view name)
         : own_name{text(name).c_str()}, Place(container, characters.c_str()) {}
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor): it stores the other value
     void operator=(named&& other) && { static_cast<Place&&>(*this) = static_cast<Place&&>(other); }
 };
 

@@ -11,6 +11,7 @@ namespace detail {
 /// Watches a tree for a function.
 template <class Call> class tree_watcher_of final : public tree_watcher {
 public:
+    // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): it is not copied
     template <class From> explicit tree_watcher_of(From&& call) : call_(std::forward<From>(call)) {}
 
 private:

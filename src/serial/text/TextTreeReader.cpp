@@ -121,6 +121,8 @@ void TextTreeReader::readKey(int32_t type, std::string& key) {
 
 // ---- The beginning of a value ------------------------------------------------------------------
 
+// NOLINTBEGIN(misc-no-recursion): a hash code begins a value once, and a second one is the value.
+
 void TextTreeReader::readValue() {
     while (!beginValue(source_.skip())) {
         // A definition preceded the value.
@@ -224,6 +226,8 @@ void TextTreeReader::beginAfterHashCode(const JHashCode& hashCode) {
         readValue();
     }
 }
+
+// NOLINTEND(misc-no-recursion)
 
 bool TextTreeReader::beginRaw() {
     StreamTokenizer& tokens = source_.tokens();
@@ -354,7 +358,7 @@ void TextTreeReader::deliver(JPointer<KEL_Impl>&& value) {
         levels_.pop_back();
     }
     if (levels_.empty()) {
-        root_ = std::move(value);
+        root_ = value;
         return;
     }
     Level& level = levels_.back();
