@@ -6,8 +6,8 @@
 #include <kel/KEL_Observable.h>
 
 /// Operations of a manager. It shares its elements and keeps them in the order in which they were
-/// added. No two elements have the same identity. Lookup is a linear scan: managers are meant for
-/// tens to hundreds of values.
+/// added. No two elements have the same identity. A lookup takes constant time, except for the
+/// first ones in a long manager, which are linear.
 ///
 /// \par Ownership
 /// The manager shares its elements: it adds a reference of its own to each.

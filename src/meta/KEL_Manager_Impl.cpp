@@ -5,11 +5,12 @@
 #include "values/KELException_Impl.h"
 #include "values/KeepAlive.h"
 
-#include <utility>
-
-int32_t KEL_Manager_Impl::indexOf(const JHashCode& hashCode) const {
-    const JObject key(hashCode);
-    return elements_->indexOf(&key);
+int32_t KEL_Manager_Impl::found(const JHashCode& hashCode, const char* message) const {
+    const int32_t index = elements_.indexOf(hashCode);
+    if (index == -1) {
+        throw new KELNoSuchElementException_Impl(message);
+    }
+    return index;
 }
 
 void KEL_Manager_Impl::addKel(KEL* value) {
@@ -17,45 +18,37 @@ void KEL_Manager_Impl::addKel(KEL* value) {
     if (element == nullptr) {
         return;
     }
-    JHashCode identity;
-    const int32_t index = indexOf(element->getHashCode(identity));
+    const int32_t index = elements_.indexOf(element);
     const auto self = kel::keepAlive(this); // a dropped value can be its last holder
     if (index == -1) {
-        elements_->addElement(element);
+        elements_.append(element);
     } else {
-        elements_->setElementAt(element, index);
+        elements_.set(element, index);
     }
     notifyChanged();
 }
 
 KEL_Impl* KEL_Manager_Impl::getKelBase(JHashCode hashCode) const {
-    const int32_t index = indexOf(hashCode);
-    if (index == -1) {
-        throw new KELNoSuchElementException_Impl("getKel: no such element");
-    }
-    return elements_->elementAtRef(index);
+    return elements_[found(hashCode, "getKel: no such element")];
 }
 
 void KEL_Manager_Impl::removeKel(JHashCode hashCode) {
-    const int32_t index = indexOf(hashCode);
-    if (index == -1) {
-        throw new KELNoSuchElementException_Impl("removeKel: KEL not found.");
-    }
+    const int32_t index = found(hashCode, "removeKel: KEL not found.");
     const auto self = kel::keepAlive(this);
-    elements_->removeElementAt(index);
+    elements_.remove(index);
     notifyChanged();
 }
 
 void KEL_Manager_Impl::removeAllKels() {
     const auto self = kel::keepAlive(this);
-    elements_->removeAllElements();
+    elements_.clear();
 }
 
 KEL* KEL_Manager_Impl::getKelAt(int32_t index) const {
     if (index < 0 || index >= size()) {
         throw new KELNoSuchElementException_Impl("getKel: no such element");
     }
-    return elements_->elementAtRef(index);
+    return elements_[index];
 }
 
 KEL* KEL_Manager_Impl::createKel(int32_t kind) {
@@ -67,17 +60,18 @@ KEL* KEL_Manager_Impl::createKel(int32_t kind, JHashCode hashCode) {
 }
 
 bool KEL_Manager_Impl::nextChild(kel::ChildCursor& cursor) const {
-    if (++cursor.index >= elements_->size()) {
+    if (++cursor.index >= size()) {
         return false;
     }
-    cursor.value = elements_->data()[cursor.index];
+    cursor.value = elements_[cursor.index];
     return true;
 }
 
 KEL_Impl* KEL_Manager_Impl::copyWithoutChildren() const {
     JPointer<KEL_Manager_Impl> made(new KEL_Manager_Impl());
+    made->elements_.makeRoom(size());
     for (int32_t i = 0; i < size(); ++i) {
-        made->elements_->addElement(elements_->elementAtRef(i));
+        made->elements_.append(elements_[i]);
     }
     return made.detach();
 }
@@ -88,5 +82,5 @@ bool KEL_Manager_Impl::equalsWithoutChildren(const KEL_Impl& other) const {
 }
 
 void KEL_Manager_Impl::swapContents(KEL_Impl& prepared) noexcept {
-    std::swap(elements_, dynamic_cast<KEL_Manager_Impl&>(prepared).elements_);
+    elements_.swap(dynamic_cast<KEL_Manager_Impl&>(prepared).elements_);
 }

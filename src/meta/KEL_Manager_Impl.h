@@ -2,29 +2,30 @@
 /// KEL_Manager_Impl: a Manager value.
 #pragma once
 
-#include "values/KEL_Impl.h"
+#include "values/ValueList.h"
 
 #include <kel/KEL_Manager.h>
 
-/// Implements KEL_Manager over a vector of shared elements.
+/// Implements KEL_Manager over a list of shared elements.
 class KEL_Manager_Impl final : public KEL_Impl, public KEL_Manager {
 public:
-    KEL_Manager_Impl() : JObject(IdentityLater()), elements_(new JVector<KEL_Impl>(10, 10)) {}
+    KEL_Manager_Impl() : JObject(IdentityLater()) {}
 
     /// Makes the same value with a given identity.
-    explicit KEL_Manager_Impl(const JHashCode& identity)
-        : JObject(identity), elements_(new JVector<KEL_Impl>(10, 10)) {}
+    explicit KEL_Manager_Impl(const JHashCode& identity) : JObject(identity) {}
 
     int32_t getType() const override { return KELKind_Manager; }
 
     // KELInterface_Manager_V1
-    bool containsKel(JHashCode hashCode) const override { return indexOf(hashCode) != -1; }
+    bool containsKel(JHashCode hashCode) const override {
+        return elements_.indexOf(hashCode) != -1;
+    }
     void addKel(KEL* value) override;
     KEL_Impl* getKelBase(JHashCode hashCode) const override;
     KEL* getKel(JHashCode hashCode) const override { return getKelBase(hashCode); }
     void removeKel(JHashCode hashCode) override;
     void removeAllKels() override;
-    int32_t size() const override { return elements_->size(); }
+    int32_t size() const override { return elements_.size(); }
     KEL* createKel(int32_t kind) override;
     KEL* createKel(int32_t kind, JHashCode hashCode) override;
 
@@ -36,21 +37,25 @@ public:
     /// it to fill a new manager.
     void adoptElementAt(int32_t place, JPointer<KEL_Impl>&& value) {
         if (place < size()) {
-            elements_->setElementAt(value.get(), place);
+            elements_.set(value.get(), place);
         } else {
-            elements_->addElement(value.get());
+            elements_.append(value.get());
         }
     }
 
     // KEL_Impl
+    bool giveContentsBack() noexcept override {
+        elements_.giveBack();
+        return true;
+    }
     bool nextChild(kel::ChildCursor& cursor) const override;
     KEL_Impl* copyWithoutChildren() const override;
     bool equalsWithoutChildren(const KEL_Impl& other) const override;
     void swapContents(KEL_Impl& prepared) noexcept override;
 
 private:
-    /// Returns the index of the element with this identity, or -1.
-    int32_t indexOf(const JHashCode& hashCode) const;
+    /// Returns the index of the element with this identity. Throws the message if none has it.
+    int32_t found(const JHashCode& hashCode, const char* message) const;
 
-    JPointer<JVector<KEL_Impl>> elements_;
+    kel::ValueList elements_;
 };

@@ -2,23 +2,56 @@
 
 #include "runtime/RunToEnd.h"
 
+#include <kel/JPointer.h>
+
+namespace {
+
+template <class Observers, class Wanted>
+bool contains(const Observers& list, const Wanted& wanted) {
+    return list != nullptr && list->indexOf(wanted) != -1;
+}
+
+template <class Observers, class Wanted> void remove(const Observers& list, const Wanted& wanted) {
+    const int32_t index = list == nullptr ? -1 : list->indexOf(wanted);
+    if (index != -1) {
+        list->remove(index);
+    }
+}
+
+} // namespace
+
+void JObservable::DeleteObservers::operator()(Observers* observers) const noexcept {
+    delete observers;
+}
+
 void JObservable::addObserver(JObserver* observer) {
-    if (observers_ == nullptr) {
-        observers_.reset(new JVector<JObserver>(5, 5));
+    if (observer == nullptr || containsObserver(observer)) {
+        return;
     }
-    if (!observers_->contains(observer)) {
-        observers_->addElement(observer);
+    if (observers_ != nullptr) {
+        observers_->append(observer);
+        return;
     }
+    auto made = std::unique_ptr<Observers>(new Observers()); // a list without observers is a change
+    made->makeRoom(2);                                       // most values have one or two
+    made->append(observer);
+    observers_.reset(made.release());
 }
 
 void JObservable::deleteObserver(JObserver* observer) {
-    if (observers_ != nullptr) {
-        observers_->removeElement(observer);
-    }
+    remove(observers_, observer);
+}
+
+void JObservable::deleteObserverWith(const JHashCode& identity) {
+    remove(observers_, identity);
 }
 
 bool JObservable::containsObserver(const JObserver* observer) const {
-    return observers_ != nullptr && observers_->contains(observer);
+    return contains(observers_, observer);
+}
+
+bool JObservable::containsObserverWith(const JHashCode& identity) const {
+    return contains(observers_, identity);
 }
 
 void JObservable::notifyObservers() {
@@ -33,7 +66,7 @@ void JObservable::notifyObservers() {
             clearChanged();
             return false;
         }
-        const JPointer<JObserver> observer(observers_->elementAt(next++));
+        const auto observer = JPointer<JObserver>::share((*observers_)[next++]);
         observer->update(this);
         return true;
     });

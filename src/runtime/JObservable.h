@@ -4,8 +4,9 @@
 
 #include "platform/Inline.h"
 #include "runtime/JObserver.h"
-#include "runtime/JVector.h"
-#include "runtime/Reference.h"
+#include "runtime/ObjectList.h"
+
+#include <memory>
 
 /// Keeps a list of observers and a changed flag. If the flag is set, notifyObservers notifies every
 /// observer in the order of registration.
@@ -53,9 +54,22 @@ public:
     virtual int32_t countObservers() const;
 
 protected:
-    /// Returns the observers in order; null when none was added since deleteObservers.
-    const JVector<JObserver>* observers() const { return observers_.get(); }
+    /// The observers in order.
+    using Observers = kel::ObjectList<JObserver>;
+
+    /// Returns the observers; null when none was added since deleteObservers.
+    const Observers* observers() const { return observers_.get(); }
+
+    /// Returns whether an observer with this identity is registered.
+    bool containsObserverWith(const JHashCode& identity) const;
+
+    /// Removes the observer with this identity if it is registered.
+    void deleteObserverWith(const JHashCode& identity);
 
 private:
-    kel::Reference<JVector<JObserver>> observers_;
+    struct DeleteObservers {
+        void operator()(Observers* observers) const noexcept;
+    };
+
+    std::unique_ptr<Observers, DeleteObservers> observers_;
 };

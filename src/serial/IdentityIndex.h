@@ -2,8 +2,8 @@
 /// IdentityIndex: numbers for identities, found in constant time.
 #pragma once
 
+#include "runtime/IdentityKey.h"
 #include "serial/BlockList.h"
-#include "serial/IdentityKey.h"
 
 #include <vector>
 

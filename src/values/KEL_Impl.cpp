@@ -178,7 +178,7 @@ void KEL_Impl::addObserver(JObserver* observer) {
 }
 
 void KEL_Impl::addObserver(KEL_Observer* observer) {
-    if (observer != nullptr && KEL_Observer_Impl::find(observers(), observer) == nullptr) {
+    if (observer != nullptr && !containsObserverWith(KEL_Observer_Impl::identityFor(observer))) {
         const JPointer<KEL_Observer_Impl> wrapper(new KEL_Observer_Impl(observer));
         JObservable::addObserver(wrapper.get());
     }
@@ -186,7 +186,7 @@ void KEL_Impl::addObserver(KEL_Observer* observer) {
 
 void KEL_Impl::removeObserver(KEL_Observer* observer) {
     if (observer != nullptr) {
-        JObservable::deleteObserver(KEL_Observer_Impl::find(observers(), observer));
+        deleteObserverWith(KEL_Observer_Impl::identityFor(observer));
     }
 }
 

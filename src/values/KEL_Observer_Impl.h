@@ -5,31 +5,26 @@
 #include "runtime/JObservable.h"
 #include "runtime/Storage.h"
 
+#include <cstdint>
 #include <kel/KEL_Observable.h>
 
-/// Wraps a host's observer, which it does not own.
+/// Wraps a host's observer, which it does not own. The identity of the wrapper is the address of
+/// that observer, so observers are searched for as all other objects are.
 class KEL_Observer_Impl final : public JObserver, public kel::Stored {
 public:
-    explicit KEL_Observer_Impl(KEL_Observer* observer) : observer_(observer) {}
+    explicit KEL_Observer_Impl(KEL_Observer* observer)
+        : JObject(identityFor(observer)), observer_(observer) {}
+
+    /// Returns the identity of the wrapper of an observer. It differs from every drawn identity,
+    /// whose version is 4.
+    static JHashCode identityFor(const KEL_Observer* observer) {
+        const auto address = uint64_t{reinterpret_cast<std::uintptr_t>(observer)};
+        return {static_cast<uint32_t>(address), 0, static_cast<uint32_t>(address >> 32), 0};
+    }
 
     /// Calls the host's observer with the observable as a value.
     void update(JObservable* observable) override {
         observer_->update(dynamic_cast<KEL*>(observable));
-    }
-
-    /// Returns whether this wraps the given observer, that is, the same pointer.
-    bool wraps(const KEL_Observer* observer) const { return observer_ == observer; }
-
-    /// Returns the wrapper of observer in a list that can be null, borrowed; null when there is
-    /// none.
-    static KEL_Observer_Impl* find(const JVector<JObserver>* list, const KEL_Observer* observer) {
-        for (int32_t i = 0; list != nullptr && i < list->size(); ++i) {
-            auto* wrapper = dynamic_cast<KEL_Observer_Impl*>(list->elementAtRef(i));
-            if (wrapper != nullptr && wrapper->wraps(observer)) {
-                return wrapper;
-            }
-        }
-        return nullptr;
     }
 
 private:

@@ -269,7 +269,7 @@ StringEnumeration* KEL_Struct_Impl::getVarNames() const {
         bytes += walk.variable->name.view().size() + 1;
     }
     if (bytes > 0) { // an enumeration without room was never used
-        names->makeRoom(variables_.size(), bytes);
+        names->makeRoom(getCount(), bytes);
     }
     for (kel::VariableTable::Walk walk; variables_.next(walk);) {
         names->addUnique(walk.variable->name.view());

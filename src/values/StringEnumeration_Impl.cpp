@@ -1,6 +1,5 @@
 #include "values/StringEnumeration_Impl.h"
 
-#include "runtime/Clamp.h"
 #include "values/KELException_Impl.h"
 
 #include <kel/JString.h>
@@ -13,7 +12,7 @@ const char* StringEnumeration_Impl::current() const {
     if (!blocks_.wasUsed()) {
         throw new KELNoSuchElementException_Impl("Enumeration is empty.");
     }
-    return hasMoreElements() ? texts_[static_cast<std::size_t>(cursor_)] : nullptr;
+    return hasMoreElements() ? texts_[cursor_] : nullptr;
 }
 
 const char* StringEnumeration_Impl::nextElement() {
@@ -33,17 +32,11 @@ JObject* StringEnumeration_Impl::nextElement() const {
 }
 
 int32_t StringEnumeration_Impl::getCount() const {
-    return kel::clampTo<int32_t>(texts_.size());
+    return texts_.size();
 }
 
 int32_t StringEnumeration_Impl::indexOf(const char* text) const {
-    const int32_t count = text == nullptr ? 0 : getCount();
-    for (int32_t i = 0; i < count; ++i) {
-        if (std::strcmp(texts_[static_cast<std::size_t>(i)], text) == 0) {
-            return i;
-        }
-    }
-    return -1;
+    return text == nullptr ? -1 : texts_.indexOf(text);
 }
 
 bool StringEnumeration_Impl::contains(const char* text) const {
@@ -66,8 +59,8 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
         }
     };
     if (const auto* own = dynamic_cast<StringEnumeration_Impl*>(other)) {
-        for (const char* text : own->texts_) {
-            collect(text);
+        for (int32_t i = 0; i < own->getCount(); ++i) {
+            collect(own->texts_[i]);
         }
     } else {
         other->reset();
@@ -75,11 +68,11 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
             collect(other->nextElement());
         }
     }
-    if (!added.texts_.empty()) {
-        makeRoom(added.texts_.size(), bytes);
+    if (added.getCount() > 0) {
+        makeRoom(added.getCount(), bytes);
     }
-    for (const char* text : added.texts_) {
-        addUnique(text);
+    for (int32_t i = 0; i < added.getCount(); ++i) {
+        addUnique(added.texts_[i]);
     }
     other->reset();
 }
@@ -92,22 +85,17 @@ void StringEnumeration_Impl::add(const char* text) {
 
 void StringEnumeration_Impl::addUnique(std::string_view text) {
     makeRoom(1, text.size() + 1);
-    texts_.push_back(blocks_.add(text));
+    texts_.append(blocks_.add(text));
 }
 
-void StringEnumeration_Impl::makeRoom(std::size_t count, std::size_t bytes) {
-    const std::size_t room = texts_.capacity();
-    if (count > room - texts_.size()) {
-        texts_.reserve(std::max(texts_.size() + count, 2 * room));
-    }
+void StringEnumeration_Impl::makeRoom(int32_t count, std::size_t bytes) {
+    texts_.makeRoom(count);
     blocks_.makeRoom(bytes); // last: it also records that the list was used
 }
 
 void StringEnumeration_Impl::remove(const char* text) {
     const int32_t index = indexOf(text);
     if (index != -1) {
-        const auto place = texts_.begin() + index;
-        blocks_.remove(*place);
-        texts_.erase(place);
+        blocks_.remove(texts_.take(index));
     }
 }

@@ -3,8 +3,10 @@
 #pragma once
 
 #include "runtime/JEnumeration.h"
+#include "runtime/SearchedList.h"
 #include "values/TextBlocks.h"
 
+#include <cstring>
 #include <kel/StringEnumeration.h>
 
 /// Implements StringEnumeration; inside the library it also is an enumeration of JStrings.
@@ -35,16 +37,26 @@ public:
     /// Makes room for this many texts that take this many bytes together, each with its null byte.
     /// Adding them then needs no memory.
     /// \throws JOutOfMemoryException "Out of memory!"
-    void makeRoom(std::size_t count, std::size_t bytes);
+    void makeRoom(int32_t count, std::size_t bytes);
 
 private:
+    /// Compares texts byte by byte.
+    struct TextKeys {
+        static bool matches(const char* element, const char* wanted) {
+            return std::strcmp(element, wanted) == 0;
+        }
+        static JHashCode keyOf(const char* text, const kel::IdentityKey& key) {
+            return key.identityOf(text);
+        }
+    };
+
     /// Returns the index of text, or -1.
     int32_t indexOf(const char* text) const;
 
     /// Returns the text at the cursor; null past the last.
     const char* current() const;
 
-    kel::Vector<const char*> texts_; ///< in order
-    kel::TextBlocks blocks_;         ///< their characters
+    kel::SearchedList<const char, TextKeys> texts_; ///< in order
+    kel::TextBlocks blocks_;                        ///< their characters
     mutable int32_t cursor_ = 0;
 };

@@ -79,13 +79,13 @@ TEST(CostOfValues, AnEmptyValueOfEachKind) {
     EXPECT_EQ(costOfKind(KELKind_String), (Cost{128, 1}));
     EXPECT_EQ(costOfKind(KELKind_Array), (Cost{120, 1}));
     EXPECT_EQ(costOfKind(KELKind_Struct), (Cost{128, 1}));
-    EXPECT_EQ(costOfKind(KELKind_Manager), (Cost{264, 3}));
+    EXPECT_EQ(costOfKind(KELKind_Manager), (Cost{120, 1}));
     EXPECT_EQ(costOfKind(KELKind_Selector), (Cost{512, 4}));
     EXPECT_EQ(costOfKind(KELKind_MultiSelector), (Cost{632, 5}));
     EXPECT_EQ(costOfKind(KELKind_IndexList), (Cost{376, 3}));
-    EXPECT_EQ(costOfKind(KELKind_MetaKel), (Cost{440, 5}));
-    EXPECT_EQ(costOfKind(KELKind_MetaKelDescriptor), (Cost{440, 5}));
-    EXPECT_EQ(costOfKind(KELKind_MetaKelVarDescriptor), (Cost{440, 5}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKel), (Cost{368, 5}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKelDescriptor), (Cost{368, 5}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKelVarDescriptor), (Cost{368, 5}));
 }
 
 TEST(CostOfValues, TextsAndContainers) {

@@ -3,8 +3,10 @@
 #include "support/Thrown.h"
 #include "values/StringEnumeration_Impl.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <kel/KELException.h>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -248,6 +250,34 @@ TEST(StringEnumeration, AnAddedTextCanBelongToTheList) {
     names->add("b");
     EXPECT_TRUE(names->contains("b"));
     EXPECT_FALSE(names->contains("a"));
+}
+
+TEST(StringEnumeration, ALongListDoesWhatAShortOneDoes) {
+    std::mt19937 random(5);
+    const Names names = listOf({});
+    Texts expected;
+    for (int32_t step = 0; step < 20000; ++step) {
+        const std::string text = "name " + std::to_string(random() % 400);
+        const auto place = std::find(expected.begin(), expected.end(), text);
+        ASSERT_EQ(names->contains(text.c_str()), place != expected.end());
+        if (step % 3 == 0) {
+            names->remove(text.c_str());
+            if (place != expected.end()) {
+                expected.erase(place);
+            }
+        } else {
+            names->add(text.c_str());
+            if (place == expected.end()) {
+                expected.push_back(text);
+            }
+        }
+    }
+    const Names all = listOf({"name 7"});
+    all->addAll(names.get());
+    expected.erase(std::remove(expected.begin(), expected.end(), "name 7"), expected.end());
+    expected.insert(expected.begin(), "name 7");
+    EXPECT_GT(expected.size(), 100U);
+    EXPECT_EQ(rest(*all), expected);
 }
 
 } // namespace

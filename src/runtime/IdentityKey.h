@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <kel/JHashCode.h>
+#include <string_view>
 
 namespace kel {
 
@@ -26,6 +27,11 @@ public:
                              identity.w2 * factors_[2] + identity.w3 * factors_[3] + addend_;
         return scatter(static_cast<uint32_t>(sum >> 32));
     }
+
+    /// Returns an identity that stands for a text in a table with this key. Equal texts have equal
+    /// ones. Different texts can have equal ones too, although nobody can choose such texts, so a
+    /// search compares the texts as well.
+    JHashCode identityOf(std::string_view text) const;
 
 private:
     /// Maps the numbers of 32 bits to one another. Identities that count up give sums in equal
