@@ -4,7 +4,7 @@
 //
 // FILE holds a checked struct that any program can have made: the panel knows none of its
 // variables. It draws a slider for each range, a list for each choice and a switch for each truth
-// value, moves the named controls, and draws again.
+// value, moves the named controls, and draws again. A name without a number moves by one step.
 #include <kel/kel.hpp>
 
 #include <cmath>
@@ -19,11 +19,10 @@ std::string slider(double place) {
     return bar;
 }
 
-std::string choices(const std::vector<kel::value>& allowed, const std::string& chosen) {
+std::string choices(const std::vector<std::string>& allowed, const std::string& chosen) {
     std::string list;
-    for (const kel::value& each : allowed) {
-        const std::string name = each.get<std::string>();
-        list += (list.empty() ? "" : " ") + (name == chosen ? "(" + name + ")" : name);
+    for (const std::string& each : allowed) {
+        list += (list.empty() ? "" : " ") + (each == chosen ? "(" + each + ")" : each);
     }
     return list;
 }
@@ -34,10 +33,10 @@ void draw(const kel::checked& panel) {
         std::string control = panel.text(name);
         if (rules.least()) {
             control = slider(panel.normalised(name)) + ' ' + control;
-        } else if (!rules.choices().empty()) {
-            control = choices(rules.choices(), panel.get<std::string>(name));
         } else if (rules.kind() == kel::kind::boolean) {
-            control = panel.get<bool>(name) ? "[x]" : "[ ]";
+            control = panel.normalised(name) > 0 ? "[x]" : "[ ]";
+        } else if (panel.has_scale(name)) {
+            control = choices(panel.choice_texts(name), control);
         }
         std::printf("%8s  %s\n", name.c_str(), control.c_str());
     }
@@ -47,11 +46,7 @@ void move(kel::checked& panel, const std::string& command) {
     const std::size_t sign = command.find_first_of("+-");
     const std::string name = command.substr(0, sign);
     const int steps = sign == std::string::npos ? 1 : std::atoi(command.c_str() + sign);
-    if (panel.description(name).kind() == kel::kind::boolean) {
-        panel.set(name, !panel.get<bool>(name));
-    } else {
-        panel.step_by(name, steps);
-    }
+    panel.step_by(name, steps);
 }
 
 void run(const char* file, char** command, char** end) {

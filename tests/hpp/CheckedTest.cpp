@@ -44,7 +44,7 @@ TEST(Checked, SaysWhatIsAllowed) {
     EXPECT_EQ(refusal(panel, "gain", std::nan("")),
               "gain: nan is not allowed; allowed is from -60 to 6.");
     EXPECT_EQ(refusal(panel, "voices", 3e9), "voices: 3e+09 is not a whole number of 32 bits.");
-    EXPECT_EQ(refusal(panel, "volume", 1), "volume is not described.");
+    EXPECT_EQ(refusal(panel, "volume", 1), "volume: no such variable.");
     EXPECT_THROW(panel.set("gain", 9.0), kel::not_allowed);
     EXPECT_EQ(kel::value(panel).size(), 1U) << "only the description";
 }
@@ -148,7 +148,6 @@ TEST(Checked, NormalisesChoices) {
     EXPECT_EQ(panel.normalised("mode"), 0.5);
     panel.set_normalised("mode", 0.8);
     EXPECT_EQ(panel.get<std::string>("mode"), "surround");
-    EXPECT_THROW(panel.normalised("free"), kel::error);
 }
 
 TEST(Checked, WrapsAround) {

@@ -74,7 +74,7 @@ TEST(Merge, ACheckedStructAsksItsDescriptions) {
             kel::object({{"gain", -7}, {"mode", "quad"}, {"odd name", "x"}, {"pan", 1}}))),
         (Lines{"[mode] mode: \"quad\" is not allowed; allowed is one of \"mono\", \"stereo\".",
                "[[\"odd name\"]] [\"odd name\"]: wanted an int, found a string.",
-               "[pan] pan is not described."}));
+               "[pan] pan: no such variable."}));
     EXPECT_EQ(panel.get<double>("gain"), -7.0);
 
     kel::value mixer = kel::object({{"left", panel}, {"right", makePanel()}});
@@ -91,8 +91,56 @@ TEST(Merge, TakesOverAnotherCheckedStruct) {
     EXPECT_EQ(messages(other.merge(panel)), Lines());
     EXPECT_EQ(other.get<double>("gain"), 3.0);
     kel::value plain = kel::object({{"gain", 0}});
-    EXPECT_EQ(messages(plain.merge(panel)), Lines());
+    EXPECT_EQ(messages(plain.merge(panel)),
+              Lines{"[[\"odd name\"]] [\"odd name\"]: no such variable."})
+        << "its default counts";
     EXPECT_EQ(plain["gain"].get<int>(), 3);
+
+    other.set("odd name", 8);
+    panel["gain"] = nullptr;
+    EXPECT_EQ(messages(other.merge(panel)), Lines());
+    EXPECT_EQ(other.values(), kel::object({{"gain", 0.0}, {"odd name", 7}}))
+        << "the defaults of panel";
+}
+
+TEST(Merge, WhatAPresetLacksGetsItsDefaultInOneStep) {
+    kel::checked panel = makePanel();
+    panel.set("gain", 3);
+    panel.set("odd name", 8);
+    panel.set("mode", "mono");
+    std::vector<double> gains;
+    std::vector<int> odds;
+    const kel::subscription gain = kel::watch(
+        panel["gain"], [&](const kel::value& now) { gains.push_back(now.get<double>()); });
+    const kel::subscription odd = kel::watch(
+        panel["odd name"], [&](const kel::value& now) { odds.push_back(now.get<int>()); });
+    EXPECT_EQ(messages(panel.merge(kel::object({{"gain", 4}}), kel::missing::reset)), Lines());
+    EXPECT_EQ(gains, std::vector<double>{4}) << "not the default before";
+    EXPECT_EQ(odds, std::vector<int>{7});
+    EXPECT_FALSE(kel::value(panel).contains("mode")) << "it has no default";
+    EXPECT_EQ(panel.merge(kel::object({{"gain", 99}}), kel::missing::reset).size(), 1U);
+    EXPECT_EQ(panel.get<double>("gain"), 0.0) << "what is refused counts as missing";
+    EXPECT_EQ(odds.size(), 1U) << "nothing to change";
+}
+
+TEST(Merge, SectionsThatAPresetLacksGetTheirDefaults) {
+    kel::checked left = makePanel();
+    kel::checked right = makePanel();
+    left.set("gain", 3);
+    right.set("gain", 4);
+    kel::value mixer = kel::object({{"left", left},
+                                    {"more", kel::object({{"right", right}, {"note", "kept"}})},
+                                    {"same", left}});
+    mixer["self"] = mixer;
+    const kel::value preset = kel::object({{"left", kel::object({{"gain", 5}})}});
+    EXPECT_EQ(messages(mixer.merge(preset, kel::missing::reset)), Lines());
+    EXPECT_EQ(left.get<double>("gain"), 5.0) << "the document has it under another name";
+    EXPECT_EQ(right.get<double>("gain"), 0.0);
+    EXPECT_EQ(mixer.at_path("more.note"), "kept");
+    EXPECT_EQ(messages(mixer.merge(kel::object({{"left", 7}}), kel::missing::reset)),
+              Lines{"[left] left: wanted a checked struct, found an int."});
+    EXPECT_EQ(left.get<double>("gain"), 0.0);
+    mixer.clear();
 }
 
 TEST(Merge, ValuesAreAPreset) {
@@ -108,6 +156,26 @@ TEST(Merge, ValuesAreAPreset) {
     EXPECT_EQ(panel.values(), preset);
     panel["gain"] = nullptr;
     EXPECT_EQ(panel.values()["gain"].get<double>(), 0.0);
+}
+
+TEST(Merge, ValuesOfATreeArePlain) {
+    kel::checked panel = makePanel();
+    panel.set("gain", 3);
+    panel["note"] = "not described";
+    const kel::value list = kel::array({panel, 1});
+    const kel::value tree =
+        kel::object({{"list", list}, {"again", list}, {"later", nullptr}, {"name", "x"}});
+    const kel::value plain = tree.values();
+    EXPECT_EQ(plain.at_path("list[0]"), kel::object({{"gain", 3.0}, {"odd name", 7}}));
+    EXPECT_EQ(plain["list"][1].get<int>(), 1);
+    EXPECT_EQ(plain["name"].get<std::string>(), "x");
+    EXPECT_TRUE(plain.contains("later"));
+    EXPECT_TRUE(kel::same(plain["list"], plain["again"])) << "sharing remains";
+    panel.set("gain", 4);
+    EXPECT_EQ(plain.at_path("list[0].gain").get<double>(), 3.0) << "a copy";
+    EXPECT_EQ(tree["list"].values(), tree["list"].values());
+    EXPECT_EQ(kel::value(7).values(), 7);
+    EXPECT_FALSE(kel::value().values());
 }
 
 TEST(Merge, EndsInStructsThatContainThemselves) {

@@ -14,7 +14,7 @@ kel::checked makePanel() {
          {"mode", kel::describe<std::string>().one_of({"mono", "two"}).prefix("in ")},
          {"rate", kel::describe<int>().one_of({44, 48}).unit(" kHz")},
          {"name", kel::describe<std::string>().prefix("Mr ")},
-         {"on", kel::describe<bool>()}});
+         {"on", kel::describe<bool>().prefix("is ")}});
 }
 
 /// Returns what the variable then is, or the refusal.
@@ -43,7 +43,7 @@ TEST(TypedText, TheDescriptionDecides) {
     EXPECT_EQ(typed("voices", "1.5"), "voices: 1.5 is not a whole number of 32 bits.");
     EXPECT_EQ(typed("voices", "5000000000"), "voices: 5e+09 is not a whole number of 32 bits.");
     EXPECT_EQ(typed("rate", "45"), "rate: 45 is not allowed; allowed is one of 44, 48.");
-    EXPECT_EQ(typed("pan", "1"), "pan is not described.");
+    EXPECT_EQ(typed("pan", "1"), "pan: no such variable.");
 }
 
 TEST(TypedText, ChoicesAreTypedAsTheyAreShown) {
@@ -66,6 +66,13 @@ TEST(TypedText, WhatIsShownCanBeTyped) {
 TEST(TypedText, OtherKinds) {
     EXPECT_EQ(typed("on", " true"), "true");
     EXPECT_EQ(typed("on", "false"), "false");
+    for (const char* word : {"true", "on", " yes ", "is on"}) {
+        EXPECT_EQ(typed("on", word), "true");
+    }
+    for (const char* word : {"false", "off", "no", "is no"}) {
+        EXPECT_EQ(typed("on", word), "false");
+    }
+    EXPECT_EQ(typed("on", "On"), "on: \"On\" is neither true nor false.");
     EXPECT_EQ(typed("on", "1"), "on: \"1\" is neither true nor false.");
     EXPECT_EQ(typed("name", " Mr X "), "\" Mr X \"") << "free text is taken as it is";
     EXPECT_EQ(typed("name", std::string_view("a\0b", 3)),

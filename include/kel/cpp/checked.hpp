@@ -15,6 +15,15 @@ struct described {
     variable_description rules; ///< what it allows; shared
 };
 
+namespace detail {
+
+/// Whether an element has a name and a description: it is a kel::described or a pair.
+template <class T, class = void> constexpr bool names_a_variable = std::is_same_v<T, described>;
+template <class T>
+constexpr bool names_a_variable<T, std::void_t<decltype(std::declval<T>().second)>> = true;
+
+} // namespace detail
+
 /// Whether a value was stored, and if not, why.
 class [[nodiscard]] outcome {
 public:
@@ -52,10 +61,10 @@ public:
         }
         raw_ = adopt_made(CreateMetaKel(all.get()));
     }
-    /// Makes one from a container of pairs of names and descriptions, such as a
-    /// std::map<std::string, kel::variable_description>.
+    /// Makes one from a container of kel::described, or of pairs of names and descriptions, such
+    /// as a std::map<std::string, kel::variable_description>. It fails in the same way.
     template <class Container,
-              class = decltype(std::declval<detail::element_of<Container>>().second)>
+              class = std::enable_if_t<detail::names_a_variable<detail::element_of<Container>>>>
     explicit checked(const Container& variables, const guid& identity = {}) {
         const ref<MetaKelDescriptor> all = descriptor(identity);
         for (const auto& [name, rules] : variables) {
@@ -71,6 +80,18 @@ public:
         }
     }
 
+    /// Takes the checked struct at a place, as kel::value does: kel::checked one = root["1"];
+    /// \throws type_error, with the path, for another kind
+    /// \throws not_found, with the path, if there is no such variable or element
+    checked(const_place&& source) {
+        const value found = detail::find(source.at_).handle();
+        raw_ = found.as<MetaKel>();
+        if (!raw_) {
+            detail::raise_wrong_kind(detail::path_of(source.at_), words(kel::kind::checked),
+                                     found.raw());
+        }
+    }
+
     /// Returns the struct as its public class, borrowed, or as a handle.
     MetaKel* raw() const noexcept { return raw_.get(); }
     operator value() const { return value(raw_); }
@@ -82,6 +103,16 @@ public:
         return self[name];
     }
 
+    /// Return the place at a path, as value does.
+    auto at_path(std::string_view path) { return value(*this).at_path(path); }
+    auto at_path(std::string_view path) const {
+        const value self = *this;
+        return self.at_path(path);
+    }
+
+    /// Returns another checked struct with copies of the values. They share the description.
+    checked copy() const { return checked(value(*this).copy()); }
+
     /// Returns the variable or its default as a C++ type.
     /// \throws not_found if the variable has neither, type_error, range_error
     template <class T> T get(const detail::text& name) const {
@@ -91,12 +122,13 @@ public:
 
     /// Stores a value if the variable is described and allows it.
     outcome try_set(const detail::text& name, const value& content) {
-        return outcome(detail::try_store(target(), name.c_str(), name.c_str(), content.raw()));
+        const std::string path = detail::path_to(name.c_str());
+        return outcome(detail::try_store(target(), name.c_str(), path, content.raw()));
     }
     /// An integer of more than 32 bits is stored as a Double if the description allows that.
     template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
     outcome try_set(const detail::text& name, Integer number) {
-        const auto path = [&name] { return std::string(name.c_str()); };
+        const auto path = [&name] { return detail::path_to(name.c_str()); };
         return try_set(name, detail::value_for(number, true, path));
     }
     /// Does the same, but throws the reason.
@@ -107,34 +139,41 @@ public:
         require(try_set(name, number));
     }
     /// Stores the value that a person typed, as text returns and shows it: a number with or without
-    /// its unit, a choice, true or false. The whole text must be a value: "12x" is refused. Numbers
-    /// have a decimal point in every locale.
+    /// its unit, a choice, or true, on, yes, false, off or no for a truth value, in lower case. The
+    /// whole text must be a value: "12x" is refused. Numbers have a decimal point in every locale.
     outcome try_set_text(const detail::text& name, std::string_view typed) {
         const MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
         std::string reason;
         const value content =
-            rules == nullptr ? value() : detail::read_typed(*rules, name.c_str(), typed, reason);
+            rules == nullptr
+                ? value()
+                : detail::read_typed(*rules, detail::path_to(name.c_str()), typed, reason);
         return reason.empty() ? try_set(name, content) : outcome(reason);
     }
-    /// Stores what fits of a document, and returns what does not, as value::merge does.
-    [[nodiscard]] std::vector<mismatch> merge(const value& source);
-    /// Returns a plain struct of copies of all described variables, defaults included, for instance
-    /// as a preset that merge takes over again. Variables that have neither a value nor a default
-    /// are left out.
-    value values() const {
-        value plain = object();
-        for (const std::string& name : names()) {
-            if (const value content = value_or_default(name)) {
-                plain.set(name, content.copy());
-            }
-        }
-        return plain;
-    }
+    /// Stores what fits of a document, and returns what does not, as value::merge does. With
+    /// missing::reset, the values depend on the document alone, as when a preset is loaded.
+    [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep);
+    /// Returns a plain struct of copies of all described variables, as value::values does.
+    value values() const { return value(*this).values(); }
     /// Removes the variable, so that it has its default again.
     void reset(const detail::text& name) { value(*this).erase(name); }
+    /// Removes all described variables, so that they have their defaults again.
+    void reset() {
+        for (const std::string& name : names()) {
+            reset(name);
+        }
+    }
 
-    /// Returns where the variable is between its ends: 0 for the least number or first choice, 1
-    /// for the greatest or last one.
+    /// Returns whether normalised, set_normalised and step_by can be used: for a range, for choices
+    /// and for a truth value. Returns false for a variable that is not described.
+    bool has_scale(const detail::text& name) const {
+        const MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
+        return rules != nullptr && (rules->isRanged() || rules->isEnumerated() ||
+                                    rules->getVariableType() == KELKind_Boolean);
+    }
+    /// Returns where the variable is between its ends: 0 for the least number, the first choice or
+    /// false, 1 for the greatest number, the last choice or true. A value that is not allowed, such
+    /// as one of a file, gives the nearer end; one that is not a number or choice gives 0.
     /// \throws error for a variable that has neither a range nor choices
     double normalised(const detail::text& name) const {
         const detail::scale ends(rules_of(name), name);
@@ -167,19 +206,24 @@ public:
     std::string text(const detail::text& name) const {
         const MetaKelVarDescriptor& rules = rules_of(name);
         const value content = current(name);
-        return detail::text_of(rules.getPreadorn()) + detail::plain_text(content.raw()) +
-               detail::text_of(rules.getPostadorn());
+        return detail::adorned_text(rules, content.raw());
     }
-    /// Returns the names of the described variables in ascending order.
-    std::vector<std::string> names() const {
+    /// Returns all choices as text returns each of them while it is chosen. A truth value has the
+    /// choices false and true. Empty for a variable without such a list.
+    /// \throws not_found for a variable that is not described
+    /// \throws type_error if the description has something else than an array
+    std::vector<std::string> choice_texts(const detail::text& name) const {
+        const MetaKelVarDescriptor& rules = rules_of(name);
         std::vector<std::string> found;
-        if (MetaKelDescriptor* all = target().getDescriptor()) {
-            for (const item& each : value(share(all)).items()) {
-                found.push_back(each.name);
+        if (const value choices = detail::list_of_choices(rules)) {
+            for (const value& each : choices.elements()) {
+                found.push_back(detail::adorned_text(rules, each.raw()));
             }
         }
         return found;
     }
+    /// Returns the names of the described variables in ascending order.
+    std::vector<std::string> names() const { return detail::described_names(target()); }
     /// Returns the description of a variable.
     /// \throws not_found for a variable that is not described
     variable_description description(const detail::text& name) const {
@@ -199,7 +243,8 @@ private:
                     const variable_description& described) {
         const MetaKelVarDescriptor& rules = *described.raw();
         if (KEL* fallback = rules.getDefault()) {
-            const std::string reason = detail::why_not(rules, name.c_str(), fallback);
+            const std::string reason =
+                detail::why_not(rules, detail::path_to(name.c_str()), fallback);
             if (!reason.empty()) {
                 throw not_allowed("The default of " + reason);
             }
@@ -211,7 +256,8 @@ private:
     MetaKelVarDescriptor& rules_of(const detail::text& name) const {
         MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
         if (rules == nullptr) {
-            throw not_found(std::string(name.c_str()) + " is not described.");
+            throw not_found(
+                detail::unknown_in(target(), name.c_str(), detail::path_to(name.c_str())));
         }
         return *rules;
     }
@@ -219,7 +265,7 @@ private:
     value current(const detail::text& name) const {
         value used = value_or_default(name);
         if (!used) {
-            throw not_found(std::string(name.c_str()) + ": has neither a value nor a default.");
+            throw not_found(detail::path_to(name.c_str()) + ": has neither a value nor a default.");
         }
         return used;
     }

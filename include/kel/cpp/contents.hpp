@@ -59,7 +59,9 @@ inline KEL_Struct& value::as_struct() const {
 
 inline void value::set(const detail::text& name, const value& content) {
     as_struct();
-    detail::store(object_.get(), detail::checked_name(name), content.raw());
+    const char* stored = detail::checked_name(name);
+    detail::store(object_.get(), stored, content.raw(),
+                  [stored] { return detail::path_to(stored); });
 }
 
 template <class Number, std::enable_if_t<detail::is_number<Number>, int>>
@@ -113,7 +115,7 @@ inline void value::rename(const detail::text& from, const detail::text& to) {
     if (const MetaKel* checked = detail::checked_of(raw())) {
         detail::refuse_reserved(from.c_str());
         detail::refuse_reserved(name);
-        detail::require_allowed(*checked, name, find(from).raw());
+        detail::require_allowed(*checked, name, detail::path_to(name), find(from).raw());
     }
     detail::call([&] { fields.renameVar(from.c_str(), name); });
 }
@@ -270,7 +272,10 @@ inline value value::copy() const {
 inline value object(std::initializer_list<field> fields) {
     const ref<KEL_Struct> made = adopt_made(CreateKELStruct());
     for (const field& each : fields) {
-        detail::store(made.get(), detail::checked_name(each.name), each.content.raw());
+        const detail::text held(each.name);
+        const char* name = detail::checked_name(held);
+        detail::store(made.get(), name, each.content.raw(),
+                      [name] { return detail::path_to(name); });
     }
     return value(made);
 }

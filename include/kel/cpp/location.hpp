@@ -40,8 +40,12 @@ struct location {
     KEL* container = nullptr;
     const char* name = nullptr;      ///< of the variable; null for an element
     const location* outer = nullptr; ///< of the container; null if a handle has it
-    std::int32_t index = 0;          ///< of the element
+    std::int32_t index = 0;          ///< of the element, or itself
     bool is_default = false;         ///< the container is a copy of a default
+
+    /// The index of the location that is the container itself, whose path is then the name or that
+    /// of the outer location.
+    static constexpr std::int32_t itself = -2;
 
     /// Returns a copy, member by member. The copy of the whole would need this one in memory.
     location copy() const { return {container, name, outer, index, is_default}; }
@@ -50,6 +54,9 @@ struct location {
 // NOLINTNEXTLINE(misc-no-recursion): as deep as the expression has places
 inline std::string path_of(location at) {
     std::string path = at.outer == nullptr ? std::string() : path_of(*at.outer);
+    if (at.index == location::itself) {
+        return at.name != nullptr ? at.name : path;
+    }
     if (at.name != nullptr) {
         add_name(path, at.name);
     } else {
@@ -71,6 +78,9 @@ inline KEL* find_element(KEL* container, std::int32_t index) {
 
 /// Looks the value up. A container without such places has none.
 inline finding look(location at) {
+    if (at.index == location::itself) {
+        return {true, at.container, false};
+    }
     if (at.name != nullptr) {
         const KELInterface_Struct_V2* fields = walk_of(at.container);
         return fields == nullptr ? finding() : find_variable(*fields, at.container, at.name);

@@ -2,8 +2,9 @@
 /// merge: takes over what fits from a document.
 #pragma once
 
-#include <kel/cpp/checked.hpp>
+#include <kel/cpp/values.hpp>
 
+#include <map>
 #include <set>
 
 namespace kel {
@@ -13,11 +14,17 @@ namespace detail {
 /// Takes over the variables of one struct into another, and notes those that do not fit.
 class merger {
 public:
+    explicit merger(missing rest) : rest_(rest) {}
+
     std::vector<mismatch> merge(const value& target, const value& source) {
         add(target, source, {});
-        // Adding can move the parts.
-        for (std::size_t at = 0; at < parts_.size(); ++at) {
-            merge_part(part(parts_[at]));
+        merge_parts();
+        for (std::size_t at = 0; at < lacking_.size(); ++at) { // merging adds to them
+            const value lacking = lacking_[at];
+            if (reached_.count(lacking.raw()) == 0) {
+                add(lacking, nothing_, {});
+                merge_parts();
+            }
         }
         return std::move(found_);
     }
@@ -33,7 +40,13 @@ private:
     /// Adds two structs, unless they were added before: structs can contain themselves.
     void add(const value& target, const value& source, const std::string& path) {
         if (seen_.insert({target.raw(), source.raw()}).second) {
+            reached_.insert(target.raw());
             parts_.push_back({target, source, path});
+        }
+    }
+    void merge_parts() {
+        for (; next_ < parts_.size(); ++next_) {
+            merge_part(part(parts_[next_])); // adding can move the parts
         }
     }
     void note(const std::string& path, std::string reason) {
@@ -47,62 +60,126 @@ private:
             note(at.path, why_not_kind(KELKind_Struct, at.path, at.source.raw()));
             return;
         }
-        const bool is_checked = checked_of(at.source.raw()) != nullptr;
-        for (const item& each : at.source.items()) {
-            if (is_checked && each.name.front() == '@') {
-                continue; // its description
-            }
+        std::set<std::string> taken;
+        for (const auto& [name, content] : contents_of(at.source)) {
             std::string path = at.path;
-            add_name(path, each.name);
+            add_name(path, name);
+            bool is_taken = false;
             if (MetaKel* target = checked_of(at.target.raw())) {
-                note(path, try_store(*target, each.name.c_str(), path, each.value.raw()));
+                std::string reason = try_store(*target, name.c_str(), path, content.raw());
+                is_taken = reason.empty() && content;
+                note(path, std::move(reason));
             } else {
-                merge_variable(at.target, each.name.c_str(), each.value, path);
+                is_taken = merge_variable(at.target, name.c_str(), content, path);
             }
+            if (is_taken && rest_ == missing::reset) {
+                taken.insert(name);
+            }
+        }
+        if (rest_ == missing::reset) {
+            reset_others(at.target, taken);
+        }
+    }
+
+    /// Returns the variables of a struct. A checked one has its defaults too, but not its
+    /// description.
+    static std::map<std::string, value> contents_of(const value& source) {
+        std::map<std::string, value> found;
+        const MetaKel* checked = checked_of(source.raw());
+        for (const item& each : source.items()) {
+            if (checked == nullptr || each.name.front() != '@') {
+                found[each.name] = each.value;
+            }
+        }
+        if (checked != nullptr) {
+            for (const std::string& name : described_names(*checked)) {
+                const value fallback(share(default_of(*checked, name.c_str())));
+                if (fallback && !found[name]) {
+                    found[name] = fallback;
+                }
+            }
+        }
+        return found;
+    }
+
+    /// Gives the described variables their defaults, and remembers the structs inside.
+    void reset_others(const value& target, const std::set<std::string>& taken) {
+        MetaKel* checked = checked_of(target.raw());
+        if (checked == nullptr) {
+            for (const item& each : target.items()) {
+                if (has_variables(each.value) && taken.count(each.name) == 0) {
+                    lacking_.push_back(each.value);
+                }
+            }
+            return;
+        }
+        for (const std::string& name : described_names(*checked)) {
+            if (taken.count(name) == 0 && checked->containsVar(name.c_str())) {
+                reset_variable(*checked, name.c_str());
+            }
+        }
+    }
+    /// Changes the variable in place, for those who watch it.
+    static void reset_variable(MetaKel& target, const char* name) {
+        KEL* fallback = default_of(target, name);
+        const value now = value(share(&target)).find(name);
+        if (fallback == nullptr || !now) {
+            call([&] { target.removeVar(name); });
+        } else if (now != value(share(fallback))) {
+            call([&] { store_allowed(target, name, *description_of(target, name), fallback); });
         }
     }
 
     /// Takes over a variable of a struct without descriptions.
-    void merge_variable(const value& target, const char* name, const value& content,
+    /// \return whether something was taken over, or will be
+    bool merge_variable(const value& target, const char* name, const value& content,
                         const std::string& path) {
         KELVarCursor at;
         if (!walk_of(target.raw())->findVar(at, name)) {
             note(path, path + ": no such variable.");
-            return;
+            return false;
         }
         value known(share(at.value));
         if (has_variables(known) && has_variables(content)) {
             add(known, content, path);
         } else if (!known) {
-            store(target.raw(), name, content.copy().raw());
+            store(target.raw(), name, content.copy().raw(), [&] { return path; });
         } else {
             std::string reason = why_not_kind(type_of(known.raw()), path, content.raw());
             if (reason.empty()) {
                 known.assign(content);
             }
+            const bool is_taken = reason.empty();
             note(path, std::move(reason));
+            return is_taken;
         }
+        return true;
     }
     static bool has_variables(const value& which) {
         return which.kind() == kind::structure || which.kind() == kind::checked;
     }
 
-    std::vector<part> parts_; ///< which keep the seen values alive
+    missing rest_;
+    value nothing_ = object();
+    std::vector<part> parts_;    ///< which keep the seen values alive
+    std::size_t next_ = 0;       ///< of the parts, to be merged
+    std::vector<value> lacking_; ///< structs of the target that the source lacks
+    std::set<KEL*> reached_;     ///< structs of the target that were merged
     std::set<std::pair<KEL*, KEL*>> seen_;
     std::vector<mismatch> found_;
 };
 
 } // namespace detail
 
-inline std::vector<mismatch> value::merge(const value& source) {
+inline std::vector<mismatch> value::merge(const value& source, missing rest) {
     as_struct();
-    return detail::merger().merge(*this, source);
+    return detail::merger(rest).merge(*this, source);
 }
-inline std::vector<mismatch> place::merge(const value& source) && {
-    return to_change().merge(source);
+inline std::vector<mismatch> place::merge(const value& source, missing rest) && {
+    return to_change().merge(source, rest);
 }
-inline std::vector<mismatch> checked::merge(const value& source) {
-    return value(*this).merge(source);
+inline std::vector<mismatch> checked::merge(const value& source, missing rest) {
+    return value(*this).merge(source, rest);
 }
 
 } // namespace v1

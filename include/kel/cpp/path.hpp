@@ -37,6 +37,13 @@ inline void add_name(std::string& path, std::string_view name) {
     path += "\"]";
 }
 
+/// Returns the path to a variable of the value from which it begins.
+inline std::string path_to(std::string_view name) {
+    std::string path;
+    add_name(path, name);
+    return path;
+}
+
 /// Appends the step to an element.
 template <class Index> void add_index(std::string& path, Index index) {
     path += '[' + std::to_string(index) + ']';

@@ -9,13 +9,16 @@ inline namespace v1 {
 namespace detail {
 
 /// Stores a value in a checked struct, or throws the reason why it is not allowed. Null clears.
-void store_checked(MetaKel& target, const char* name, KEL* content);
+/// \param path of the variable, for the reason
+void store_checked(MetaKel& target, const char* name, const std::string& path, KEL* content);
 /// Refuses the names that begin with @, which belong to checked structs.
 void refuse_reserved(const char* name);
 /// Removes all variables of a checked struct, but not its description.
 void clear_checked(value& target);
 /// Throws the reason why a checked struct does not allow a value for a variable, if there is one.
-void require_allowed(const MetaKel& target, const char* name, KEL* content);
+/// \param path of the variable, for the reason
+void require_allowed(const MetaKel& target, const char* name, const std::string& path,
+                     KEL* content);
 /// Returns whether a checked struct describes a variable.
 bool is_described(const MetaKel& target, const char* name);
 /// Returns a new value of the kind for the type of a number. Where a description decides the kind,
@@ -31,10 +34,11 @@ value value_for(Number number, bool is_described, const Path& path) {
 }
 
 /// Stores a new variable, or another value in place of one.
-inline void store(KEL* container, const char* name, KEL* content) {
+/// \param path a function that returns the path of the variable
+template <class Path> void store(KEL* container, const char* name, KEL* content, const Path& path) {
     call([&] {
         if (MetaKel* checked = checked_of(container)) {
-            store_checked(*checked, name, content);
+            store_checked(*checked, name, path(), content);
         } else {
             struct_of(container)->addVar(name, content);
         }
@@ -102,8 +106,9 @@ public:
     bool exists() && { return detail::look(at_).exists; }
     bool contains(const detail::text& name) && { return value(std::move(*this)).contains(name); }
     value find(const detail::text& name) && { return value(std::move(*this)).find(name); }
-    value at_path(std::string_view path) && { return value(std::move(*this)).at_path(path); }
+    detail::reached<const_place> at_path(std::string_view path) &&;
     value copy() && { return value(std::move(*this)).copy(); }
+    value values() && { return value(std::move(*this)).values(); }
 
     /// Returns the place of a variable or element inside this one.
     const_place operator[](const char* name) && { return const_place(this, name); }
@@ -123,8 +128,11 @@ public:
 
 protected:
     friend class value;
+    friend class checked;
     template <class Place> friend class detail::named;
+    template <class Place> friend class detail::reached;
 
+    explicit const_place(const detail::location& at) : at_(at) {}
     const_place(KEL* container, const char* name) : at_{container, known(name)} {}
     const_place(KEL* container, std::int32_t index) : at_{container, nullptr, nullptr, index} {}
     const_place(const const_place* outer, const char* name) : const_place(outer, known(name), 0) {}
@@ -154,6 +162,10 @@ public:
     void operator=(const value& content) && {
         refuse_default();
         if (at_.name == nullptr) {
+            if (at_.index == detail::location::itself) {
+                throw type_error(detail::lead(detail::path_of(at_)) +
+                                 "only a variable or an element can be replaced. Use assign.");
+            }
             if (!detail::look(at_).exists) {
                 detail::raise_missing(at_);
             }
@@ -163,7 +175,8 @@ public:
             return;
         }
         const char* name = name_to_store();
-        detail::store(at_.container, name, content.raw());
+        detail::store(at_.container, name, content.raw(),
+                      [at = at_] { return detail::path_of(at); });
     }
     /// Stores a number without a handle in between.
     template <class Number, std::enable_if_t<detail::is_number<Number>, int> = 0>
@@ -189,8 +202,7 @@ public:
     }
     /// Shares the value of another place.
     void operator=(const_place&& other) && { std::move(*this) = value(std::move(other)); }
-    // NOLINTNEXTLINE(performance-noexcept-move-constructor): it stores the other value
-    void operator=(place&& other) && {
+    void operator=(place&& other) && { // NOLINT(performance-noexcept-move-constructor): it stores
         std::move(*this) = value(std::move(static_cast<const_place&>(other)));
     }
     void operator=(const place&) = delete;
@@ -222,14 +234,17 @@ public:
     void push_back(const value& content) && { to_change().push_back(content); }
     void insert(std::size_t index, const value& content) && { to_change().insert(index, content); }
     void erase_at(std::size_t index) && { to_change().erase_at(index); }
-    void set(const detail::text& name, const value& content) && { to_change().set(name, content); }
+    void set(const detail::text& name, const value& content) && {
+        std::move(*this)[name.c_str()] = content;
+    }
     template <class Number, std::enable_if_t<detail::is_number<Number>, int> = 0>
     void set(const detail::text& name, Number number) && {
         std::move(*this)[name.c_str()] = number;
     }
-    [[nodiscard]] std::vector<mismatch> merge(const value& source) &&;
+    [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep) &&;
     bool erase(const detail::text& name) && { return to_change().erase(name); }
     void clear() && { to_change().clear(); }
+    detail::reached<place> at_path(std::string_view path) &&;
 
     /// Returns the place of a variable or element inside this one.
     place operator[](const char* name) && { return place(this, name); }
@@ -253,6 +268,7 @@ public:
 private:
     friend class value;
     template <class Place> friend class detail::named;
+    template <class Place> friend class detail::reached;
 
     using const_place::const_place;
 
@@ -285,11 +301,13 @@ private:
         value changed = value(share(found.object)).copy();
         value::assign_value(changed.raw(), content, [this] { return detail::path_of(at_); });
         if (found.is_default) {
-            detail::store(at_.container, at_.name, changed.raw());
+            detail::store(at_.container, at_.name, changed.raw(),
+                          [at = at_] { return detail::path_of(at); });
             return;
         }
         detail::call([&] {
-            detail::require_allowed(*detail::checked_of(at_.container), at_.name, changed.raw());
+            detail::require_allowed(*detail::checked_of(at_.container), at_.name,
+                                    detail::path_of(at_), changed.raw());
             detail::checked_of(at_.container)->setVarValue(at_.name, changed.raw());
         });
     }

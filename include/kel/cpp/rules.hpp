@@ -2,7 +2,7 @@
 /// What the description of a variable allows, and storing what it allows.
 #pragma once
 
-#include <kel/cpp/range.hpp>
+#include <kel/cpp/reached.hpp>
 
 namespace kel {
 inline namespace v1 {
@@ -61,6 +61,11 @@ inline std::string text_of(const char* characters) {
     return characters == nullptr ? "" : characters;
 }
 
+/// Returns a value with the texts before and after it.
+inline std::string adorned_text(const MetaKelVarDescriptor& rules, KEL* object) {
+    return text_of(rules.getPreadorn()) + plain_text(object) + text_of(rules.getPostadorn());
+}
+
 /// Returns the description of a variable, borrowed, or null.
 inline MetaKelVarDescriptor* description_of(const MetaKel& target, const char* name) {
     MetaKelDescriptor* all = target.getDescriptor();
@@ -72,6 +77,22 @@ inline MetaKelVarDescriptor* description_of(const MetaKel& target, const char* n
 
 inline bool is_described(const MetaKel& target, const char* name) {
     return description_of(target, name) != nullptr;
+}
+
+/// Returns the names of the described variables in ascending order.
+inline std::vector<std::string> described_names(const MetaKel& target) {
+    std::vector<std::string> found;
+    if (MetaKelDescriptor* all = target.getDescriptor()) {
+        for (const item& each : value(share(all)).items()) {
+            found.push_back(each.name);
+        }
+    }
+    return found;
+}
+
+/// Returns why a variable without a description cannot be used.
+inline std::string unknown_in(const MetaKel& target, const char* name, const std::string& path) {
+    return path + (target.containsVar(name) ? ": is not described." : ": no such variable.");
 }
 
 inline KEL* default_of(const MetaKel& source, const char* name) {
@@ -120,10 +141,11 @@ inline std::string why_not(const MetaKelVarDescriptor& rules, const std::string&
     return reason;
 }
 
-inline void require_allowed(const MetaKel& target, const char* name, KEL* content) {
+inline void require_allowed(const MetaKel& target, const char* name, const std::string& path,
+                            KEL* content) {
     const MetaKelVarDescriptor* rules = description_of(target, name);
     const std::string reason =
-        rules == nullptr || content == nullptr ? std::string() : why_not(*rules, name, content);
+        rules == nullptr || content == nullptr ? std::string() : why_not(*rules, path, content);
     if (!reason.empty()) {
         throw not_allowed(reason);
     }
@@ -185,7 +207,7 @@ inline std::string try_store(MetaKel& target, const char* name, const std::strin
                              KEL* content) {
     const MetaKelVarDescriptor* rules = description_of(target, name);
     if (rules == nullptr) {
-        return path + " is not described.";
+        return unknown_in(target, name, path);
     }
     std::string reason = why_not(*rules, path, content);
     if (reason.empty()) {
@@ -197,12 +219,13 @@ inline std::string try_store(MetaKel& target, const char* name, const std::strin
     return reason;
 }
 
-inline void store_checked(MetaKel& target, const char* name, KEL* content) {
+inline void store_checked(MetaKel& target, const char* name, const std::string& path,
+                          KEL* content) {
     refuse_reserved(name);
     if (content == nullptr) {
         clear_variable(target, name);
     } else if (const MetaKelVarDescriptor* rules = description_of(target, name)) {
-        const std::string reason = why_not(*rules, name, content);
+        const std::string reason = why_not(*rules, path, content);
         if (!reason.empty()) {
             throw not_allowed(reason);
         }

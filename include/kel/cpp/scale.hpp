@@ -24,6 +24,15 @@ inline double without_noise(double number, double greatest) {
     return rounded;
 }
 
+/// Returns the list of the values that a variable can have, false and true for a truth value.
+/// Returns null for a variable without such a list.
+/// \throws type_error if the description has something else than an array
+inline value list_of_choices(const MetaKelVarDescriptor& rules) {
+    return rules.isEnumerated()                         ? choices_of(rules)
+           : rules.getVariableType() == KELKind_Boolean ? array({false, true})
+                                                        : value();
+}
+
 /// The ends of a described variable, and what lies between.
 class scale {
 public:
@@ -38,16 +47,19 @@ public:
                         : 0;
             unit_ = rules.getStepsize();
             is_whole_ = rules.getVariableType() == KELKind_Int;
-        } else if (rules.isEnumerated()) {
-            choices_ = choices_of(rules);
         } else {
-            throw error(std::string(name.c_str()) + " has neither a range nor choices.");
+            choices_ = list_of_choices(rules);
+        }
+        if (!rules.isRanged() && !choices_) {
+            throw error(path_to(name.c_str()) + ": has neither a range nor choices.");
         }
     }
 
+    /// Returns where the content is: from 0 to 1, also for a content that is not allowed.
     double from(const value& content) const {
         if (!choices_) {
-            return width_ > 0 ? (content.raw()->toDouble() - least_) / width_ : 0;
+            const double place = (content.raw()->toDouble() - least_) / width_;
+            return place > 0 ? (std::min)(place, 1.0) : 0; // which NaN is not
         }
         const double last = last_choice();
         return last > 0 ? static_cast<double>(index_of(content)) / last : 0;

@@ -76,10 +76,16 @@ inline value read_typed(const MetaKelVarDescriptor& rules, const std::string& pa
                                                           : refuse("is not a number.");
     }
     if (wanted == KELKind_Boolean) {
-        const std::string_view word = trimmed(text);
-        return word == "true"    ? value(true)
-               : word == "false" ? value(false)
-                                 : refuse("is neither true nor false.");
+        const std::string_view whole = trimmed(text);
+        for (const std::string_view word : {whole, without_adornments(whole, before, after)}) {
+            if (word == "true" || word == "on" || word == "yes") {
+                return value(true);
+            }
+            if (word == "false" || word == "off" || word == "no") {
+                return value(false);
+            }
+        }
+        return refuse("is neither true nor false.");
     }
     return text.find('\0') == std::string_view::npos ? value(text) : refuse("contains a NUL.");
 }

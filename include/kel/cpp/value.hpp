@@ -19,7 +19,14 @@ class pair_range;
 struct item;
 namespace detail {
 template <class Place> class named;
-}
+template <class Place> class reached;
+} // namespace detail
+
+/// What merge does with the variables that the document lacks.
+enum class missing {
+    keep, ///< they remain as they are
+    reset ///< those that a checked struct describes get their default
+};
 
 /// A part of a document that was not taken over.
 struct mismatch {
@@ -44,7 +51,7 @@ public:
     value(value&&) noexcept = default;
     ~value() = default;
     /// Make this handle refer to another value. The value before is not changed: assign does that.
-    /// So the result of find or at_path cannot be assigned to.
+    /// So the result of find cannot be assigned to.
     value& operator=(const value&) & noexcept = default;
     value& operator=(value&&) & noexcept = default;
 
@@ -138,8 +145,9 @@ public:
         detail::call([&] { object_->assignConverted(content.raw(), true); });
     }
 
-    /// Returns a deep copy with an identity of its own. Null gives null, also inside structs, arrays
-    /// and index lists: there the library's own copy makes Ints of variables without a value.
+    /// Returns a deep copy with an identity of its own. Null gives null, also inside structs,
+    /// arrays and index lists: there the library's own copy makes Ints of variables without a
+    /// value.
     value copy() const;
     /// Returns the identity. A handle without a value has none: all zero.
     guid identity() const {
@@ -182,15 +190,22 @@ public:
     bool contains(const detail::text& name) const;
     /// Takes over the variables of another struct that this one has too, in place and as copies.
     /// Structs inside are merged in turn. A checked struct takes over what its descriptions allow.
-    /// For anything else, the kinds must agree; numbers convert if nothing is lost. Returns what
-    /// was not taken over, unknown names included. If it throws, what came before remains taken
-    /// over.
+    /// For anything else, the kinds must agree; numbers convert if nothing is lost. A source that
+    /// is a checked struct has its defaults too. Returns what was not taken over, unknown names
+    /// included. If it throws, what came before remains taken over.
     ///
     ///     for (const kel::mismatch& each : settings.merge(kel::load("app.kel"))) {
     ///         std::cerr << each.message << '\n';
     ///     }
+    /// With missing::reset, the described variables of checked structs that the source lacks, or
+    /// has with a value that is refused, get their default. Each variable changes at most once.
     /// \throws type_error unless this is a struct
-    [[nodiscard]] std::vector<mismatch> merge(const value& source);
+    [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep);
+    /// Returns a plain copy, in which every checked struct has become a plain struct of its
+    /// described variables, defaults included: a preset, which merge takes over again. Variables
+    /// that have neither a value nor a default are left out. A container in several places is one
+    /// container of the copy too. Managers, index lists and selectors are copied as copy does.
+    value values() const;
     /// Removes a variable. \return false if there was none
     bool erase(const detail::text& name);
     /// Renames a variable, which keeps its value.
@@ -232,9 +247,13 @@ public:
     template <class Loop = value> void begin() const { detail::refuse_loop<Loop>(); }
     template <class Loop = value> void end() const {}
 
-    /// Returns the value at a path such as window.size[0] or ["odd name"][2].key.
+    /// Returns the place at a path such as window.size[0] or ["odd name"][2].key, for one
+    /// expression, as [] does. The place holds its container. Everything up to the container must
+    /// exist, and so must an element; a variable need not, until it is read.
     /// \throws not_found, type_error with the path up to the step that leads nowhere
-    value at_path(std::string_view path) const;
+    detail::reached<place> at_path(std::string_view path) &;
+    detail::reached<const_place> at_path(std::string_view path) const&;
+    detail::reached<place> at_path(std::string_view path) &&;
 
 private:
     friend class const_place;
