@@ -9,3 +9,4 @@
 #include <kel/cpp/merge.hpp>
 #include <kel/cpp/visit.hpp>
 #include <kel/cpp/watch_tree.hpp>
+#include <kel/cpp/watch_values.hpp>

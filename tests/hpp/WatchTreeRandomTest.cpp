@@ -1,5 +1,5 @@
-// kel::watch_tree against a model: after each change of a random graph, exactly what a full search
-// of the tree predicts is reported.
+// kel::watch_tree and kel::watch_values against models: after each change of a random graph,
+// exactly what a full search of the tree predicts is reported.
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -275,6 +275,36 @@ TEST(HppWatchTreeRandom, StaysRightWhenTheFunctionChangesTheTree) {
                 const auto count = std::count(reported.begin(), reported.end(), each.raw());
                 ASSERT_EQ(count, expected.count(each.raw()) != 0 ? 1 : 0)
                     << "seed " << seed << ", step " << step;
+            }
+        }
+    }
+}
+
+TEST(HppWatchTreeRandom, WatchValuesReportsExactlyTheScalarsThatCanBeReached) {
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        Graph graph(seed);
+        std::vector<KEL*> reported;
+        const auto note = [&](std::string_view path, const kel::value& changed) {
+            EXPECT_TRUE(same(graph.root.at_path(path), changed)) << path;
+            reported.push_back(changed.raw());
+        };
+        int number = 1000;
+        kel::subscription all;
+        for (int step = 0; step < 300; ++step) {
+            if (step % 100 == 0) {
+                all = kel::watch_values(graph.root, note);
+            }
+            graph.change();
+            const std::set<KEL*> expected = reachable(graph.root);
+            for (const kel::value& each : graph.values) {
+                if (each.kind() == kel::kind::integer) {
+                    reported.clear();
+                    kel::value(each).assign(++number);
+                    ASSERT_EQ(reported.empty(), expected.count(each.raw()) == 0)
+                        << "seed " << seed << ", step " << step;
+                    ASSERT_EQ(std::count(reported.begin(), reported.end(), each.raw()),
+                              static_cast<std::ptrdiff_t>(reported.size()));
+                }
             }
         }
     }

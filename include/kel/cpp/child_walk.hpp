@@ -8,6 +8,16 @@ namespace kel {
 inline namespace v1 {
 namespace detail {
 
+/// Appends the step to a child: the index of an element or pair, and the name in a struct or pair.
+inline void add_step(std::string& path, std::int32_t index, std::string_view name) {
+    if (index >= 0) {
+        add_index(path, index);
+    }
+    if (index < 0 || !name.empty()) {
+        add_name(path, name);
+    }
+}
+
 /// The children of a container one after the other, each with the step of a path that leads to it.
 /// Any other value has none. The container must not change meanwhile.
 class child_walk {
@@ -63,18 +73,18 @@ public:
     }
 
     KEL* child() const { return child_; }
+    /// Returns the index of the element or pair, or -1 for a variable.
     std::int32_t index() const { return index_; }
-
-    void append_step(std::string& path) const {
-        if (fields_ != nullptr) {
-            add_name(path, {variable_.name, static_cast<std::size_t>(variable_.length)});
-            return;
-        }
-        add_index(path, index_);
-        if (list_ != nullptr) {
-            add_name(path, is_item_ ? "item" : "key");
-        }
+    /// Returns the name of the variable, "key" or "item" in a pair, or nothing for an element.
+    std::string_view name() const {
+        return fields_ != nullptr
+                   ? std::string_view(variable_.name, static_cast<std::size_t>(variable_.length))
+               : list_ == nullptr ? std::string_view()
+               : is_item_         ? "item"
+                                  : "key";
     }
+
+    void append_step(std::string& path) const { add_step(path, index(), name()); }
 
 private:
     const KELInterface_Struct_V2* fields_;

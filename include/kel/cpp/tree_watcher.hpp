@@ -3,6 +3,7 @@
 #pragma once
 
 #include <kel/cpp/child_walk.hpp>
+#include <kel/cpp/linked_queue.hpp>
 #include <kel/cpp/watch.hpp>
 
 #include <unordered_map>
@@ -44,6 +45,11 @@ protected:
 
     /// Calls the function.
     virtual void report(std::string_view path, value changed) = 0;
+    /// Called after a change of one of the two arrays of an index list, which has no path. If the
+    /// list itself has changed it, report follows.
+    virtual void array_changed(const value& /*list*/) {}
+    /// Returns whether the calls have ended. The object remains until the running ones return.
+    bool has_ended() const noexcept { return has_ended_; }
 
 private:
     class node;
@@ -98,28 +104,7 @@ private:
         void on_change() override { owner.changed(*this); }
     };
 
-    /// Nodes in the order in which they were added. Adding needs no memory.
-    template <node* node::*next> class queue {
-    public:
-        void add(node& last) noexcept {
-            last.*next = nullptr;
-            *end_ = &last;
-            end_ = &(last.*next);
-        }
-        node* take() noexcept {
-            node* taken = first_;
-            if (taken != nullptr) {
-                first_ = taken->*next;
-                end_ = first_ == nullptr ? &first_ : end_;
-            }
-            return taken;
-        }
-        node* first() const noexcept { return first_; }
-
-    private:
-        node* first_ = nullptr;
-        node** end_ = &first_;
-    };
+    template <node* node::*next> using queue = linked_queue<node, next>;
 
     // ---- Changes -------------------------------------------------------------------------------
 
@@ -140,8 +125,11 @@ private:
 
     /// Looks at an index list again after a change of one of its arrays.
     void look_again(node& list) {
+        const value changed(share(list.observed()));
         wait(list);
         catch_up();
+        const run running(*this);
+        array_changed(changed);
     }
 
     /// Ends the watcher after its running calls.

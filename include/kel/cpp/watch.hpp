@@ -21,7 +21,8 @@ protected:
 
 } // namespace detail
 
-/// Calls a function after each change, as long as it lives. watch and watch_tree make one. It keeps
+/// Calls a function after each change, as long as it lives. watch, watch_tree and watch_values make
+/// one. It keeps
 /// the value alive.
 ///
 /// It can end, be destroyed and be moved inside its own call, and end others there. One that has
@@ -31,7 +32,7 @@ class [[nodiscard]] subscription {
 public:
     /// Makes one that watches nothing.
     subscription() noexcept = default;
-    /// For watch and watch_tree.
+    /// For watch, watch_tree and watch_values.
     explicit subscription(detail::watching* owned) noexcept : watching_(owned) {}
     subscription(subscription&& other) noexcept
         : watching_(std::exchange(other.watching_, nullptr)) {}
@@ -114,11 +115,12 @@ inline ref<KEL> watchable(place&& watched) {
 
 } // namespace detail
 
-/// Calls a function with the value after each change of the value itself. The changes that count
-/// are those that notify the library's observers: a container does not report changes inside its
-/// elements (watch_tree does). The function runs inside the call that made the change, on its
-/// thread. If it throws, the exception reaches whoever made the change, after all others have been
-/// called.
+/// Calls a function with the value after each change of the value itself, also if it remains equal.
+/// If another object takes its place (by =, reset, or assign of the struct around it), the function
+/// is not called any more: watch_values follows the place. The changes that count are those that
+/// notify the library's observers: a container does not report changes inside its elements
+/// (watch_tree does). The function runs inside the call that made the change, on its thread. If it
+/// throws, the exception reaches whoever made the change, after all others have been called.
 ///
 ///     kel::subscription volume = kel::watch(cfg["volume"], [](kel::value v) { show(v); });
 ///

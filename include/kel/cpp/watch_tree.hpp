@@ -38,16 +38,15 @@ private:
 ///
 /// What counts as a change is what notifies the library's observers. Note these cases:
 ///
+/// - Setting the same value is a change too. watch_values reports only values that become others.
 /// - A new value in a container is a change of the container. Storing under an existing name is two
 ///   changes of a struct: the removal, then the addition.
 /// - A change of an index list is reported once, for the list. The list's two arrays have no path.
-/// A
-///   program that changes them directly (getKeys, getItems) is followed but not reported. An array
-///   that is also an element or a variable of the tree is reported there.
+///   A program that changes them directly (getKeys, getItems) is followed but not reported. An
+///   array that is also an element or a variable of the tree is reported there.
 /// - A struct's setVar and a manager's removeAllKels notify nobody. Their changes are found at the
-/// next
-///   change of the same container. Until then new values are not reported, and the values before
-///   them stay alive, but a change of theirs is not reported.
+///   next change of the same container. Until then new values are not reported, and the values
+///   before them stay alive, but a change of theirs is not reported.
 ///
 /// All values of the tree are kept alive. The function can change the tree, throw and end the
 /// subscription, as for watch. A value that enters the tree inside the calls for a change of its
