@@ -61,7 +61,8 @@ TEST(Value, CopyIsAnotherTree) {
 }
 
 TEST(Value, CopyKeepsEveryNull) {
-    const kel::value source = kel::from_text("{ n = NULL inner = { n = NULL } list = [ { n = NULL } ] }");
+    const kel::value source =
+        kel::from_text("{ n = NULL inner = { n = NULL } list = [ { n = NULL } ] }");
     const kel::value other = source.copy();
     EXPECT_TRUE(source == other);
     EXPECT_FALSE(other.at_path("list[0]").find("n"));
