@@ -38,7 +38,7 @@ if [ $# -gt 0 ]; then
 else
     # Files of the tool take longest, so they are first.
     sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' $folder/compile_commands.json |
-        grep -v '/build/' | sort -ru
+        grep -v "^$PWD/build/" | sort -ru
     echo $folder/kel_hpp.cpp
 fi | xargs -P "$(nproc)" -n 1 sh $folder/analyze-one.sh || {
     echo "analyze.sh: findings above" >&2

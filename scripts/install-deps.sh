@@ -70,7 +70,7 @@ has_comma_locale() {
 
 purposes="$*"
 if [ -z "$purposes" ]; then
-    echo "usage: $0 {build|tool|test|package|docs|browser|demo|bench|linux32|fuzz|windows}..." >&2
+    echo "usage: $0 {build|tool|test|analyze|package|docs|browser|demo|bench|linux32|fuzz|windows}..." >&2
     exit 2
 fi
 

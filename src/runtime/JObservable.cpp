@@ -32,8 +32,8 @@ void JObservable::addObserver(JObserver* observer) {
         observers_->append(observer);
         return;
     }
-    auto made = std::unique_ptr<Observers>(new Observers()); // a list without observers is a change
-    made->makeRoom(2);                                       // most values have one or two
+    auto made = std::make_unique<Observers>(); // a list without observers is a change
+    made->makeRoom(2);                         // most values have one or two
     made->append(observer);
     observers_.reset(made.release());
 }

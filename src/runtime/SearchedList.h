@@ -118,7 +118,8 @@ private:
             from = entry == nullptr ? size_ : table().leastIndexOf(*entry);
         }
         const int32_t index = scan(wanted, from);
-        if (entry != nullptr && index != -1) {
+        // Of several elements with one key, an earlier one may not have matched.
+        if (entry != nullptr && index != -1 && entry->count == 1) {
             table().setLeastIndex(*entry, index);
         }
         recordSearch((index == -1 ? size_ : index) - from);
@@ -147,6 +148,19 @@ private:
 
     KEL_NEVER_INLINE void swapRecorded(int32_t a, int32_t b) {
         exchange(exchange((*this)[a], b), a);
+        for (const int32_t index : {a, b}) {
+            correctIndex(index);
+        }
+    }
+
+    /// Records where an element is, if it is the only one with its key.
+    void correctIndex(int32_t index) {
+        if (hasTable() && index < table().size()) {
+            IdentityTable::Entry* entry = table().find(keyOf((*this)[index]));
+            if (entry->count == 1) {
+                table().setLeastIndex(*entry, index);
+            }
+        }
     }
 
     KEL_NEVER_INLINE void recordExchange(const T* element, int32_t index) {

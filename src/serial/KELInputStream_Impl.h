@@ -41,7 +41,8 @@ protected:
     /// Reads the next root value, which the caller owns. Returns null for the word null in a text.
     virtual KEL_Impl* readTree() = 0;
 
-    /// Runs an operation on the medium. All operations of hosts do so.
+    /// Runs an operation on the medium. All operations of hosts do so, except
+    /// JTell.
     template <class Operation> decltype(auto) use(const Operation& operation) {
         const kel::StreamUse alone(*this, inUse_);
         return kel::withMediumErrors(operation);

@@ -72,7 +72,7 @@ void StringEnumeration_Impl::addAll(StringEnumeration* other) {
         makeRoom(added.getCount(), bytes);
     }
     for (int32_t i = 0; i < added.getCount(); ++i) {
-        addUnique(added.texts_[i]);
+        add(added.texts_[i]); // a host's enumeration may have added it meanwhile
     }
     other->reset();
 }

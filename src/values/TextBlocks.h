@@ -34,11 +34,11 @@ public:
         if (newest_ != nullptr && bytes <= newest_->size - newest_->used) {
             return;
         }
-        // Each block is twice as large as the one before, within limits.
+        // Each block is twice as large as the one before, so there are few, and remove finds the
+        // one of a text in a short time.
+        constexpr std::size_t least = 64;
         const std::size_t size =
-            newest_ == nullptr
-                ? bytes
-                : std::max(bytes, std::clamp<std::size_t>(2 * newest_->size, 64, 4096));
+            newest_ == nullptr ? bytes : std::max({bytes, 2 * newest_->size, least});
         char* storage = Allocator<char>().allocate(sizeof(Block) + size);
         if (newest_ != nullptr && newest_->count == 0) { // its last text was removed
             free(std::exchange(newest_, newest_->older));

@@ -344,6 +344,45 @@ TEST(ObjectList, AReplacedOrExchangedElementIsFoundInFewSteps) {
     });
 }
 
+TEST(ObjectList, AnElementThatIsExchangedWithTheLastIsFoundInFewSteps) {
+    expectSteps(12, [](ManyThings& many) {
+        const int32_t last = many.list.size() - 1;
+        for (std::size_t i = 0; i < many.things.size(); ++i) {
+            const Thing* first = many.list[0];
+            many.list.swap(0, last);
+            ASSERT_EQ(many.list.indexOf(first), last);
+            many.list.swap(last, 1);
+            ASSERT_EQ(many.list.indexOf(first), 1);
+        }
+    });
+}
+
+/// Finds texts of which all have the same key.
+struct OneKey {
+    static bool matches(const char* element, const char* wanted) {
+        return std::string_view(element) == wanted;
+    }
+    static JHashCode keyOf(const char*, const kel::IdentityKey&) { return {1, 2, 3, 4}; }
+};
+
+TEST(SearchedList, FindsEveryElementOfOneKey) {
+    std::vector<std::string> texts;
+    for (int i = 0; i < 300; ++i) {
+        texts.push_back(std::to_string(i));
+    }
+    kel::SearchedList<const char, OneKey> list;
+    for (const std::string& text : texts) {
+        list.append(text.c_str());
+    }
+    for (int32_t i = 299; i >= 0; --i) {
+        EXPECT_EQ(list.indexOf(texts[static_cast<std::size_t>(i)].c_str()), i);
+    }
+    EXPECT_EQ(list.indexOf("none"), -1);
+    EXPECT_EQ(list.indexOf(texts[5].c_str()), 5);
+    list.takeAll([](const char*) {});
+    list.freeBlock();
+}
+
 TEST(ObjectList, AFewSearchesNeedNoMemory) {
     ManyThings many(1000);
     const kel::test::AllocationBudget budget(1 << 20);

@@ -3,6 +3,7 @@
 #include "support/ValueStreams.h"
 #include "support/Values.h"
 #include "values/KEL_IndexList_Impl.h"
+#include "values/KEL_Selector_Impl.h"
 
 #include <algorithm>
 #include <functional>
@@ -191,6 +192,59 @@ TEST(CallingSink, CanWriteTheSameValuesToAnotherStreamAsRecords) {
     output.stream->write(value.get());
     EXPECT_EQ(output.sink->bytes, whole);
     EXPECT_EQ(binaryOf(value), records);
+    output.stream->destroy();
+}
+
+/// Returns an array with more text than the writer keeps before it calls the sink.
+HeldValue longArray() {
+    auto array = arrayOf();
+    for (int i = 0; i < 40; ++i) {
+        asArray(array).addString(std::string(1000, 's').c_str());
+    }
+    return array;
+}
+
+TEST(CallingSink, CanReleaseATreeWhoseRestIsRefused) {
+    auto root = longArray();
+    asArray(root).addVar(arrayOf(arrayOf(HeldValue(new KEL_Selector_Impl(nullptr)))).get());
+    CallingText output;
+    output.sink->call = [&] { root.clear(); };
+    KEL* value = root.get();
+    EXPECT_THROW(output.stream->write(value), KELException*);
+    EXPECT_EQ(root.get(), nullptr);
+    output.stream->destroy();
+}
+
+TEST(CallingSink, CanReadARecordThatRefersToTheValue) {
+    const auto source = longArray();
+    const auto around = arrayOf(source);
+    const std::string records = BinaryOutput().write(source).write(source).write(around).bytes();
+    BinaryInput input(records);
+    const auto value = input.read();
+    std::vector<Held<KEL_Impl>> others;
+    CallingText output;
+    output.sink->call = [&] {
+        if (others.size() < 2) {
+            others.push_back(input.read());
+        }
+    };
+    output.stream->write(value.get());
+    output.stream->write(value.get());
+    ASSERT_EQ(others.size(), 2U);
+    EXPECT_EQ(others[0].get(), value.get());
+    EXPECT_EQ(textOf(others[1]), textOf(around));
+    output.stream->destroy();
+}
+
+TEST(CallingSink, CanWriteALoopAsRecordsAndTheTextIsStillRefused) {
+    const auto loop = longArray();
+    asArray(loop).addVar(loop.get());
+    CallingText output;
+    output.sink->call = [&] { binaryOf(loop); };
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { output.stream->write(loop.get()); }),
+              "Cannot write a value that contains itself.");
+    EXPECT_LT(output.sink->bytes.size(), 50000U);
+    asArray(loop).removeAllVars();
     output.stream->destroy();
 }
 

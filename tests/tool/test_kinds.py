@@ -255,7 +255,7 @@ class Check(Kinds):
             *(f'{name} = "{count - 1:019}"' for name in names)))
         start = time.monotonic()
         self.ok("check", "a.kel")
-        self.assertLess(time.monotonic() - start, 5)
+        self.assertLess(time.monotonic() - start, 30)
 
     def test_a_long_enumeration_of_containers_takes_linear_time(self):
         count = 20000
@@ -267,7 +267,7 @@ class Check(Kinds):
             *(f"{name} = [ {{ a = [ {count - 1} ] }} ]" for name in names)))
         start = time.monotonic()
         self.ok("check", "a.kel")
-        self.assertLess(time.monotonic() - start, 5)
+        self.assertLess(time.monotonic() - start, 30)
 
     def test_allowed_containers_are_compared_by_all_that_they_hold(self):
         allowed = ("[]", "[[]]", "[1 2]", "[[1] 2]", "{ a = 1 b = [2.0] }", "{ a = null }", MODE,

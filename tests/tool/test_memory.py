@@ -57,18 +57,22 @@ class Limit(ToolTest):
     LIMIT = ("--max-memory", "60M")
     MORE = "more memory is needed than --max-memory allows"
 
+    def setUp(self):
+        super().setUp()
+        self.write("small.kel", "1")
+        if not WINDOWS and self.kel("check", *self.LIMIT, "small.kel").status != 0:
+            self.skipTest("the tool itself takes more memory than that")
+        os.remove(self.path("small.kel"))
+
     @posix_only("kel cannot limit its memory there")
     def test_a_run_that_needs_more_memory_fails(self):
-        self.write("small.kel", "1")
-        if self.kel("check", *self.LIMIT, "small.kel").status != 0:
-            self.skipTest("the tool itself takes more memory than that")
         self.write("a.kel", "[\n" + "1\n" * 3000000 + "]\n")
         for command, rest in (("check", ["a.kel"]), ("show", ["a.kel"]),
                               ("convert", ["a.kel", "out.json"])):
             self.fails(3, f"kel: a.kel: {self.MORE}\n", command, *self.LIMIT, *rest)
             self.ok(command, "--max-memory", "2G", *rest)
         os.remove(self.path("out.json"))
-        self.assertEqual(self.files(), ["a.kel", "small.kel"])
+        self.assertEqual(self.files(), ["a.kel"])
 
     @posix_only("kel cannot limit its memory there")
     def test_other_files_are_still_checked(self):

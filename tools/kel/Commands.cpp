@@ -30,7 +30,8 @@ void write(const std::string& name, Console& console, const Action& action) {
     try {
         action(output.file());
     } catch (Failure& failure) {
-        failure.message = name + ": cannot be written: " + failure.message;
+        const bool isUnwritten = failure.trouble == Trouble::unwritten;
+        failure.message = name + (isUnwritten ? ": cannot be written: " : ": ") + failure.message;
         throw;
     }
     output.commit();

@@ -72,7 +72,7 @@ Content readContent(const std::string& name, std::optional<Format> from) {
     return {format, std::move(bytes)};
 }
 
-Input readInput(Content content, const std::string& name, std::optional<Format> target,
+Input readInput(Content&& content, const std::string& name, std::optional<Format> target,
                 Losses& losses) {
     auto& [format, bytes] = content;
     if (format == Format::json) {

@@ -39,7 +39,7 @@ struct Input {
 /// \param losses gets the losses in reading: parts of JSON that values or the target cannot carry,
 ///        and the repeated names of binary
 /// \throws Failure unreadable or malformed
-Input readInput(Content content, const std::string& name, std::optional<Format> target,
+Input readInput(Content&& content, const std::string& name, std::optional<Format> target,
                 Losses& losses);
 
 } // namespace kel::tool

@@ -13,6 +13,9 @@ namespace kel::tool {
 
 namespace {
 
+/// The library's limit on texts, which no option raises.
+constexpr std::string_view tooLongText = "Cannot write a text that repeats so much.";
+
 /// Runs the action and turns exceptions of the library into a Failure. The system's own reason, if
 /// there is one, helps a user more than the name of the library's operation.
 /// \throws std::bad_alloc if memory ran out
@@ -23,6 +26,11 @@ template <class Action> void translated(const Action& action) {
     } catch (KELException* failure) {
         const int reason = errno;
         const std::string message = takeMessage(failure);
+        if (message == tooLongText) {
+            throw Failure{Trouble::refused,
+                          "the text of a value would be too long, because of deep nesting or of "
+                          "values that are shared many times; write binary or JSON"};
+        }
         throw Failure{Trouble::unwritten, reason != 0 ? std::strerror(reason) : message};
     } catch (const JException& failure) {
         const int reason = errno;

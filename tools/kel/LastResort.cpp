@@ -27,7 +27,7 @@ std::atomic<bool> memoryRanOut{false};
 
 } // namespace
 
-bool setLastResort() {
+bool setLastResort() noexcept {
     std::set_new_handler(refuseMemory);
     std::set_terminate(end);
     return true;

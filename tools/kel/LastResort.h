@@ -7,7 +7,7 @@ namespace kel::tool {
 
 /// Makes a failure that nothing catches end the process with a message and a documented status, and
 /// makes hasMemoryRunOut work. \return true
-bool setLastResort();
+bool setLastResort() noexcept;
 
 /// Returns whether an allocation has failed. Streams of the C++ library swallow the exception and
 /// drop the rest of their text, so whoever uses them has to ask.

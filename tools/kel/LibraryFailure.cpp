@@ -23,8 +23,9 @@ std::string required(const char* text) {
 
 std::string takeMessage(KELException* failure) {
     const std::unique_ptr<KELException, FailureDeleter> owner(failure);
-    const bool isOutOfMemory = dynamic_cast<KELOutOfMemoryException*>(failure) != nullptr;
-    return required(isOutOfMemory ? nullptr : failure->getMessage());
+    KELException& held = *failure;
+    const bool isOutOfMemory = dynamic_cast<KELOutOfMemoryException*>(&held) != nullptr;
+    return required(isOutOfMemory ? nullptr : held.getMessage());
 }
 
 std::string messageOf(const JException& failure) {

@@ -10,8 +10,8 @@ namespace kel::tool {
 constexpr size_t partSize = 256 * 1024;
 
 /// Containers nested deeper than this are converted as a whole. Each open container costs a stream
-/// for every part, about 7 microseconds. Of a deeper container all values are in memory, which takes
-/// about six times its binary form, so the time is better spent.
+/// for every part, about 7 microseconds. Of a deeper container all values are in memory, which
+/// takes about six times its binary form, so the time is better spent.
 constexpr size_t mostOpen = 1000;
 
 } // namespace kel::tool

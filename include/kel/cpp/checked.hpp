@@ -18,9 +18,10 @@ struct described {
 namespace detail {
 
 /// Whether an element has a name and a description: it is a kel::described or a pair.
-template <class T, class = void> constexpr bool names_a_variable = std::is_same_v<T, described>;
+template <class T, class = void>
+inline constexpr bool names_a_variable = std::is_same_v<T, described>;
 template <class T>
-constexpr bool names_a_variable<T, std::void_t<decltype(std::declval<T>().second)>> = true;
+inline constexpr bool names_a_variable<T, std::void_t<decltype(std::declval<T>().second)>> = true;
 
 } // namespace detail
 

@@ -14,7 +14,7 @@ namespace detail {
 class plain_copier {
 public:
     value copy(const value& source) {
-        const value made = made_for(source);
+        value made = made_for(source);
         for (; next_ < parts_.size(); ++next_) {
             const auto [from, to] = parts_[next_]; // adding can move the parts
             fill(from, to);

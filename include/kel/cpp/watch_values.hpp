@@ -14,7 +14,8 @@ namespace detail {
 /// Watches the scalars of a tree for a function.
 template <class Call> class values_watcher final : public tree_watcher {
 public:
-    template <class From> explicit values_watcher(From&& call) : call_(std::forward<From>(call)) {}
+    /// Calls call.
+    explicit values_watcher(Call call) : call_(std::move(call)) {}
 
     /// Begins to watch.
     /// \throws std::bad_alloc, JOutOfMemoryException

@@ -260,7 +260,7 @@ private:
 
         at.inner.swap(inner);
         for (std::unique_ptr<place>& each : made) {
-            each.release();
+            static_cast<void>(each.release()); // the place around it owns it now
         }
         for (place* each : forgotten) {
             drop(*each);

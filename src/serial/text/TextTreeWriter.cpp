@@ -37,9 +37,10 @@ bool isBareKey(std::string_view name) {
 } // namespace
 
 TextTreeWriter::~TextTreeWriter() {
-    // An interrupted walk leaves no marks.
-    for (const Level& level : levels_) {
-        release(level);
+    // An interrupted walk leaves no marks. The innermost level is the first: a host may have
+    // released the tree meanwhile, and then only the containers around it keep it alive.
+    for (auto level = levels_.rbegin(); level != levels_.rend(); ++level) {
+        release(*level);
     }
 }
 
@@ -69,7 +70,7 @@ void TextTreeWriter::noticeRepetition() {
 
 /// Refuses a text that is too long.
 void TextTreeWriter::measure() {
-    if (UnfoldedText(*root_, rootTabs_).isTooLong()) {
+    if (UnfoldedText(*root_, rootTabs_, memBlockComment_).isTooLong()) {
         if (!hasWritten_) {
             out_.drop();
         }
@@ -78,7 +79,8 @@ void TextTreeWriter::measure() {
     isMeasured_ = true;
 }
 
-/// Hands the text so far to the sink.
+/// Hands the text so far to the sink. A sink of a host may read and write the same values through
+/// other streams, so they have no marks meanwhile.
 void TextTreeWriter::handOver() {
     if (mayRepeat_ && !isMeasured_) {
         measure();
@@ -87,7 +89,16 @@ void TextTreeWriter::handOver() {
     for (auto level = levels_.rbegin(); level != levels_.rend() && !level->isParked; ++level) {
         park(*level);
     }
+    mark(false);
     out_.flush();
+    mark(true);
+}
+
+/// Sets or removes the marks of all containers on the way down.
+void TextTreeWriter::mark(bool isOnPath) {
+    for (const Level& level : levels_) {
+        level.cursor.container->setOnPath(isOnPath);
+    }
 }
 
 /// Makes a level independent of what a host does to its container.
@@ -359,6 +370,9 @@ void TextTreeWriter::writeMemBlock(const KEL_Impl& value) {
     out_.append(8 - length, '0');
     out_.append(std::string_view(digits, length));
     if (memBlockComment_) {
+        if (value.isShared() && static_cast<std::size_t>(block.getSize()) > plainLength) {
+            noticeRepetition();
+        }
         const std::string_view all(reinterpret_cast<const char*>(bytes),
                                    static_cast<std::size_t>(block.getSize()));
         out_.appendBetween(" // \"", all.substr(0, all.find('\0')), "\"");

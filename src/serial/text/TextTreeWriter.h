@@ -58,6 +58,7 @@ private:
     void noticeRepetition();
     void measure();
     void handOver();
+    void mark(bool isOnPath);
     static void park(Level& level);
     static void resume(Level& level);
     void nextOfIndexList(Level& list);

@@ -40,8 +40,8 @@ uint64_t sizeOfDouble(double value) {
     return std::fabs(value) < largeDouble ? shortDoubleSize : longDoubleSize;
 }
 
-/// Returns the length of a value that is no container.
-uint64_t sizeOfScalar(const KEL_Impl& value, KELKind kind) {
+/// Returns the length of a value that contains no others.
+uint64_t sizeOfScalar(const KEL_Impl& value, KELKind kind, bool showsBlocks) {
     switch (kind) {
     case KELKind_Int:
     case KELKind_Boolean:
@@ -50,8 +50,10 @@ uint64_t sizeOfScalar(const KEL_Impl& value, KELKind kind) {
         return sizeOfDouble(static_cast<const KEL_Double_Impl&>(value).getValue());
     case KELKind_String:
         return static_cast<const KEL_String_Impl&>(value).view().size() + 3;
-    case KELKind_MemBlock: // the comment shows at most all bytes
-        return 40 + static_cast<uint64_t>(dynamic_cast<const KEL_MemBlock_Impl&>(value).getSize());
+    case KELKind_MemBlock: { // the comment shows at most all bytes
+        const int32_t size = dynamic_cast<const KEL_MemBlock_Impl&>(value).getSize();
+        return 40 + (showsBlocks ? static_cast<uint64_t>(size) : 0);
+    }
     default:
         return 40;
     }
@@ -86,7 +88,7 @@ struct Level {
 class Walk {
 public:
     /// Measures the text of root.
-    explicit Walk(const KEL_Impl& root) : root_(root) {
+    Walk(const KEL_Impl& root, bool showsBlocks) : root_(root), showsBlocks_(showsBlocks) {
         measure(root);
         while (!levels_.empty()) {
             step();
@@ -131,7 +133,7 @@ private:
     void measure(const KEL_Impl& value) {
         const KELKind kind = value.kind();
         if (!isContainer(kind)) {
-            const uint64_t size = sizeOfScalar(value, kind);
+            const uint64_t size = sizeOfScalar(value, kind, showsBlocks_);
             const bool counted = size > longText && value.isShared() &&
                                  !known_.try_emplace(&value, TextSize{size, 1}).second;
             folded_ += counted ? 8 : size;
@@ -156,6 +158,7 @@ private:
     }
 
     const KEL_Impl& root_;
+    const bool showsBlocks_;
     Vector<Level> levels_;
     HashMap<const KEL_Impl*, TextSize> known_;
     TextSize whole_ = {0, 0};
@@ -164,8 +167,8 @@ private:
 
 } // namespace
 
-UnfoldedText::UnfoldedText(const KEL_Impl& root, std::size_t tabs) {
-    const Walk walk(root);
+UnfoldedText::UnfoldedText(const KEL_Impl& root, std::size_t tabs, bool showsBlocks) {
+    const Walk walk(root, showsBlocks);
     TextSize whole = walk.whole();
     const uint64_t indentation =
         tabs == 0 || whole.lines < sizeLimit / tabs ? whole.lines * tabs : sizeLimit;

@@ -18,10 +18,11 @@ public:
     /// and no indentation.
     static constexpr uint64_t perByte = 64;
 
-    /// Measures the text of a value at an indentation of so many tabs. The time is linear in the
+    /// Measures the text of a value at an indentation of so many tabs. With showsBlocks, a comment
+    /// shows the bytes of each memory block. The time is linear in the
     /// number of distinct values and references. A value inside itself is not counted again.
     /// \throws JOutOfMemoryException "Out of memory!"
-    UnfoldedText(const KEL_Impl& root, std::size_t tabs);
+    UnfoldedText(const KEL_Impl& root, std::size_t tabs, bool showsBlocks);
 
     /// Returns whether the text is longer than the limit.
     bool isTooLong() const {

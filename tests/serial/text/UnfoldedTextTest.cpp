@@ -16,7 +16,7 @@ namespace {
 const std::string tooLong = "Cannot write a text that repeats so much.";
 
 UnfoldedText measured(const HeldValue& value, std::size_t tabs = 0) {
-    return UnfoldedText(*value, tabs);
+    return UnfoldedText(*value, tabs, true);
 }
 
 TEST(UnfoldedText, IsAtLeastAsLongAsTheText) {
@@ -59,6 +59,13 @@ TEST(UnfoldedText, CountsEveryPlaceOfALongString) {
     EXPECT_LT(measured(value).folded(), 110000U);
 }
 
+TEST(UnfoldedText, CountsTheBytesOfABlockOnlyIfTheyAreShown) {
+    const auto block = memBlockOf(std::string(100000, 'b'));
+    const auto value = arrayOf(block, block, block);
+    EXPECT_GT(UnfoldedText(*value, 0, true).whole(), 300000U);
+    EXPECT_LT(UnfoldedText(*value, 0, false).whole(), 300U);
+}
+
 TEST(UnfoldedText, IsIndentedAsAWhole) {
     const auto value = arrayOf(intOf(1), intOf(2));
     EXPECT_EQ(measured(value, 1000).whole(), measured(value).whole() + 4000);
@@ -75,7 +82,7 @@ TEST(UnfoldedText, ItsSizeHasALimitAndItsTimeIsLinear) {
 TEST(UnfoldedText, AValueInsideItselfIsNotCountedAgain) {
     const auto rings = ring(3);
     const TakeApart end(rings[0].get());
-    EXPECT_FALSE(UnfoldedText(*rings[0], 0).isTooLong());
+    EXPECT_FALSE(UnfoldedText(*rings[0], 0, false).isTooLong());
 }
 
 TEST(UnfoldedText, TheAllowanceGrowsWithTheValues) {
