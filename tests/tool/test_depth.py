@@ -151,6 +151,13 @@ class SharingBombs(ToolTest):
                                  (status, status == 1))
         self.assertEqual(self.kel("show", "--max-output", "9216", "a.kelb").status, 1)
 
+    def test_no_option_raises_the_limit_of_the_library(self):
+        self.write("a.kelb", self.bomb(28, int_record(7, 1)))
+        self.fails(1, "kel: b.kel: the text of a value would be too long, because of deep nesting or "
+                      "of values that are shared many times; write binary or JSON\n",
+                   "convert", "--max-output", "100000G", "a.kelb", "b.kel")
+        self.assertEqual(self.files(), ["a.kelb"])
+
     def test_the_size_includes_the_indentation(self):
         self.write("a.kelb", self.bomb(12, int_record(7, 1)))
         for name in ("b.kel", "b.json"):
