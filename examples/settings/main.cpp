@@ -26,10 +26,9 @@ kel::checked make_settings() {
 }
 
 void show(const kel::checked& settings) {
-    const kel::value stored = settings;
     for (const std::string& name : settings.names()) {
         std::printf("  %-7s%s%s\n", name.c_str(), settings.text(name).c_str(),
-                    stored.contains(name) ? "" : "   (default)");
+                    settings.is_default(name) ? "   (default)" : "");
     }
 }
 

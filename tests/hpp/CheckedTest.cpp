@@ -271,6 +271,31 @@ TEST(Checked, ADescriptionIsReadBack) {
     EXPECT_EQ(own.fallback().get<int>(), 4);
 }
 
+TEST(Checked, ItsNamesCanBeMadeAtRunTime) {
+    std::vector<kel::described> all;
+    for (int i = 1; i <= 3; ++i) {
+        all.push_back({"a name that is not short " + std::to_string(i),
+                       kel::describe<int>().range(0, 9).fallback(0)});
+    }
+    EXPECT_EQ(kel::checked(all).names().at(1), "a name that is not short 2");
+}
+
+TEST(Checked, KnowsWhichVariablesHaveTheirDefaults) {
+    kel::checked panel({{"gain", kel::describe<int>().fallback(0)}});
+    EXPECT_TRUE(panel.is_default("gain"));
+    panel.set("gain", 0);
+    EXPECT_FALSE(panel.is_default("gain"));
+    panel.reset("gain");
+    EXPECT_TRUE(panel.is_default("gain"));
+    EXPECT_THROW(panel.reset("gian"), kel::not_found);
+    EXPECT_THROW(panel.is_default("gian"), kel::not_found);
+}
+
+TEST(Checked, WholeNumbersHaveWholeSteps) {
+    EXPECT_THROW(kel::describe<int>().range(0, 10).step(0.5), kel::error);
+    EXPECT_EQ(kel::describe<int>().step(2).step(), 2.0);
+}
+
 TEST(Checked, KeepsWhatADescriptionSaidWhenItWasMade) {
     auto gain = kel::describe<double>().range(-60, 6).fallback(0);
     const kel::variable_description before = gain;

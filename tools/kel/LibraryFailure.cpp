@@ -23,9 +23,9 @@ std::string required(const char* text) {
 
 std::string takeMessage(KELException* failure) {
     const std::unique_ptr<KELException, FailureDeleter> owner(failure);
-    KELException& held = *failure;
-    const bool isOutOfMemory = dynamic_cast<KELOutOfMemoryException*>(&held) != nullptr;
-    return required(isOutOfMemory ? nullptr : held.getMessage());
+    const bool isOutOfMemory = dynamic_cast<KELOutOfMemoryException*>(failure) != nullptr;
+    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): a failure that was thrown is not null
+    return required(isOutOfMemory ? nullptr : failure->getMessage());
 }
 
 std::string messageOf(const JException& failure) {

@@ -11,7 +11,7 @@ inline namespace v1 {
 
 /// A variable for kel::checked.
 struct described {
-    std::string_view name;      ///< of the variable
+    std::string name;           ///< of the variable
     variable_description rules; ///< what it allows; shared
 };
 
@@ -111,7 +111,7 @@ public:
         return self.at_path(path);
     }
 
-    /// Returns another checked struct with copies of the values. They share the description.
+    /// Returns another checked struct with copies of the values and of the description.
     checked copy() const { return checked(value(*this).copy()); }
 
     /// Returns the variable or its default as a C++ type.
@@ -157,7 +157,17 @@ public:
     /// Returns a plain struct of copies of all described variables, as value::values does.
     value values() const { return value(*this).values(); }
     /// Removes the variable, so that it has its default again.
-    void reset(const detail::text& name) { value(*this).erase(name); }
+    /// \throws not_found for a variable that is not described
+    void reset(const detail::text& name) {
+        static_cast<void>(description(name.c_str()));
+        value(*this).erase(name);
+    }
+    /// Returns whether the variable has its default because nothing is stored.
+    /// \throws not_found for a variable that is not described
+    bool is_default(const detail::text& name) const {
+        static_cast<void>(description(name.c_str()));
+        return !value(*this).contains(name);
+    }
     /// Removes all described variables, so that they have their defaults again.
     void reset() {
         for (const std::string& name : names()) {

@@ -128,6 +128,13 @@ public:
     }
     /// Allows these values only: those in braces, or those of a container.
     typed_description& one_of(std::initializer_list<T> allowed) & { return allow(allowed); }
+    /// Does not compile: values without braces are a mistake.
+    template <class First, class Second, class... More>
+    typed_description one_of(const First&, const Second&, const More&...) const {
+        static_assert(!std::is_same_v<First, First>,
+                      "kel: one_of takes values in braces: one_of({1, 2}).");
+        return *this;
+    }
     template <class Container> typed_description& one_of(const Container& allowed) & {
         return allow(allowed);
     }
@@ -143,6 +150,9 @@ public:
         static_assert(detail::is_number<T>, "kel: only numbers have a step.");
         if (!(distance > 0)) {
             throw error("A step is greater than 0.");
+        }
+        if (std::is_integral_v<T> && distance != std::floor(distance)) {
+            throw error("A step between whole numbers is a whole number.");
         }
         detail::call([&] { own().setStepsize(distance); });
         return *this;
