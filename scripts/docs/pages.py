@@ -40,8 +40,8 @@ class Site:
         self.root, self.out = root, out
         self.texts = [pathlib.PurePosixPath("README.md"), *(
             pathlib.PurePosixPath(path.relative_to(root).as_posix())
-            for folder in ("docs", "docs/cookbook")
-            for path in sorted((root / folder).glob("*.md"))), pathlib.PurePosixPath("CHANGELOG.md")]
+            for folder in ("docs", "docs/cookbook", ".")
+            for path in sorted((root / folder).glob("*.md")) if path != root / "README.md")]
         self.titles = {path: self.title(path) for path in self.texts}
         self.listings = {}
         self.index = [] # a row [name, where, address] for each page and heading

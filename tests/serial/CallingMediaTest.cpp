@@ -195,6 +195,18 @@ TEST(CallingSink, CanWriteTheSameValuesToAnotherStreamAsRecords) {
     output.stream->destroy();
 }
 
+TEST(CallingSink, CanWriteTheSameValuesToAnotherStreamAsText) {
+    const auto value = largeStruct();
+    const std::string whole = textOf(value);
+    CallingText output;
+    std::string again;
+    output.sink->call = [&] { again = textOf(value); };
+    output.stream->write(value.get());
+    EXPECT_EQ(output.sink->bytes, whole);
+    EXPECT_EQ(again, whole);
+    output.stream->destroy();
+}
+
 /// Returns an array with more text than the writer keeps before it calls the sink.
 HeldValue longArray() {
     auto array = arrayOf();
