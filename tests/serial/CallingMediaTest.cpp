@@ -222,7 +222,8 @@ TEST(CallingSink, CanReleaseATreeWhoseRestIsRefused) {
     CallingText output;
     output.sink->call = [&] { root.clear(); };
     KEL* value = root.get();
-    EXPECT_THROW(output.stream->write(value), KELException*);
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { output.stream->write(value); }),
+              "General KEL exception.");
     EXPECT_EQ(root.get(), nullptr);
     output.stream->destroy();
 }
