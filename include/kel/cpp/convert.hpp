@@ -165,21 +165,33 @@ std::int32_t whole_of(Number number, const Path& path = {}) {
     }
 }
 
+/// Returns whether a double holds the number exactly. For an integer its digits decide, because
+/// some processors keep more of them in a register than a double has.
+template <class Number> bool is_exact_double(Number number) {
+    if constexpr (std::is_integral_v<Number>) {
+        constexpr std::uint64_t most = std::uint64_t{1} << 53;
+        const auto bits = static_cast<std::uint64_t>(number);
+        std::uint64_t digits = number < Number{} ? 0 - bits : bits;
+        while (digits > most && digits % 2 == 0) {
+            digits /= 2;
+        }
+        return digits <= most;
+    } else {
+        return number != number || static_cast<Number>(static_cast<double>(number)) == number;
+    }
+}
+
 /// Returns the number as a Double holds it.
 /// \throws std::out_of_range for a number with more digits than a double has
 template <class Number, class Path = no_path>
 double double_of(Number number, const Path& path = {}) {
-    const auto stored = static_cast<double>(number);
     if constexpr (!std::is_same_v<Number, double> && !std::is_same_v<Number, float>) {
-        constexpr double beyond = 18446744073709551616.0; // 2 to the 64; no integer type reaches it
-        const bool is_beyond =
-            std::is_integral_v<Number> && (stored == beyond || stored == beyond / 2);
-        if (is_beyond || (number == number && static_cast<Number>(stored) != number)) {
+        if (!is_exact_double(number)) {
             throw std::out_of_range(lead(path()) + digits_of(number) +
                                     " does not fit a Double exactly.");
         }
     }
-    return stored;
+    return static_cast<double>(number);
 }
 
 /// A text that ends with a NUL, as the library takes it. It lasts for one expression.
