@@ -1,5 +1,5 @@
 // Runs the files and folders on the command line through a fuzz target once, in place of a fuzzer.
-// Ends with status 0 after the last one, and with 2 if there are none.
+// Ends with status 0 after the last one, and with 2 if it was given no inputs.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>

@@ -83,7 +83,7 @@ public:
 
     /// Takes the checked struct at a place, as kel::value does: kel::checked one = root["1"];
     /// \throws type_error, with the path, for another kind
-    /// \throws not_found, with the path, if there is no such variable or element
+    /// \throws not_found, with the path, for an unknown variable or element
     checked(const_place&& source) {
         const value found = detail::find(source.at_).handle();
         raw_ = found.as<MetaKel>();

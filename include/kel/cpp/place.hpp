@@ -60,7 +60,7 @@ public:
     const_place& operator=(const const_place&) = delete;
 
     /// Return the same as the operations of value.
-    /// \throws not_found, with the path, if there is no such variable or element
+    /// \throws not_found, with the path, for an unknown variable or element
     template <class T> inline T get() && { // inline is a hint for clang
         if constexpr (std::is_same_v<T, value>) {
             return value(std::move(*this));
@@ -212,7 +212,7 @@ public:
     }
 
     /// Changes the value in place, as value::assign does.
-    /// \throws not_found, with the path, if there is no such variable or element
+    /// \throws not_found, with the path, for an unknown variable or element
     template <class T> void assign(const T& content) && {
         refuse_default();
         const detail::finding found = detail::find(at_);
@@ -230,7 +230,7 @@ public:
     }
 
     /// Do the same as the operations of value.
-    /// \throws not_found, with the path, if there is no such variable or element
+    /// \throws not_found, with the path, for an unknown variable or element
     void push_back(const value& content) && { to_change().push_back(content); }
     void insert(std::size_t index, const value& content) && { to_change().insert(index, content); }
     void erase_at(std::size_t index) && { to_change().erase_at(index); }

@@ -101,8 +101,10 @@ private:
 ///
 /// A copy of each scalar is kept. A change of a scalar costs a comparison and a copy, in addition
 /// to watch_tree. A change of a container costs a look at each of its own children, and at the
-/// contents of those that are other objects than before. \param root a value, or a place with one.
-/// A default is treated as by watch \throws type_error for null
+/// contents of those that are other objects than before.
+///
+/// \param root a value, or a place with one; a default is treated as by watch
+/// \throws type_error for null
 template <class Root, class Call>
 [[nodiscard]] subscription watch_values(Root&& root, Call&& call) {
     static_assert(std::is_invocable_v<std::decay_t<Call>&, std::string_view, value>,
