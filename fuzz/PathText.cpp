@@ -1,14 +1,15 @@
 // The paths of the tool. The first bytes are the steps of a path. Every path is one line of
 // printable UTF-8 of a limited length, and the steps can be read from it.
-#include "PathText.h"
+#include "path/PathText.h"
 
+#include "Failure.h"
 #include "GuidText.h"
 #include "Property.h"
 #include "Script.h"
 #include "Utf8.h"
+#include "path/Path.h"
 
 #include <algorithm>
-#include <charconv>
 #include <vector>
 
 using namespace kel::fuzz;
@@ -22,79 +23,18 @@ bool isPrintable(std::string_view text) {
                                         [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F; });
 }
 
-/// Reads the steps of a path: indices as "[N]", names as they are, identities as "(GUID)".
-class PathReader {
-public:
-    explicit PathReader(std::string_view path) : rest_(path) {}
-
-    bool isAtEnd() const { return rest_.empty(); }
-
-    /// Returns the next step in the form in which the script notes it.
-    std::string step() {
-        if (skip("[\"")) {
-            return "name " + quoted();
-        }
-        if (skip("[")) {
-            return "index " + upTo(']');
-        }
-        if (skip("(")) {
-            return "identity " + upTo(')');
-        }
-        skip(".");
-        const auto end = std::min(rest_.find_first_of(".[("), rest_.size());
-        require(end > 0, "a bare name has characters");
-        return "name " + take(end);
+/// Returns the step in the form in which the script notes it.
+std::string noted(const Step& step) {
+    switch (step.kind) {
+    case Step::Kind::index:
+        return "index " + std::to_string(step.index);
+    case Step::Kind::identity:
+        return "identity " + step.text;
+    case Step::Kind::name:
+        break;
     }
-
-private:
-    bool skip(std::string_view lead) {
-        const bool isThere = rest_.starts_with(lead);
-        rest_.remove_prefix(isThere ? lead.size() : 0);
-        return isThere;
-    }
-
-    std::string take(std::size_t count) {
-        const std::string taken(rest_.substr(0, count));
-        rest_.remove_prefix(count);
-        return taken;
-    }
-
-    std::string upTo(char end) {
-        const std::size_t count = rest_.find(end);
-        require(count != std::string_view::npos, "a bracket is closed");
-        const std::string taken = take(count);
-        rest_.remove_prefix(1);
-        return taken;
-    }
-
-    char hex(std::size_t digits) {
-        unsigned value = 0;
-        const std::string spelled = take(digits);
-        const auto parsed =
-            std::from_chars(spelled.data(), spelled.data() + spelled.size(), value, 16);
-        require(spelled.size() == digits && parsed.ptr == spelled.data() + digits && value < 256,
-                "an escape is whole");
-        return static_cast<char>(value);
-    }
-
-    std::string quoted() {
-        std::string name;
-        while (!skip("\"]")) {
-            if (skip("\\u")) {
-                name += hex(4);
-            } else if (skip("\\x")) {
-                name += hex(2);
-            } else {
-                skip("\\");
-                require(!rest_.empty(), "a quoted name is closed");
-                name += take(1);
-            }
-        }
-        return name;
-    }
-
-    std::string_view rest_;
-};
+    return "name " + step.text;
+}
 
 void addStep(Script& script, PathText& path, std::vector<std::string>& steps) {
     const int choice = script.byte();
@@ -116,12 +56,22 @@ void addStep(Script& script, PathText& path, std::vector<std::string>& steps) {
     }
 }
 
-void readBack(const std::string& path, const std::vector<std::string>& steps) {
-    PathReader reader(path);
-    for (const std::string& step : steps) {
-        requireSame(reader.step(), step, "the steps can be read from the path");
+void readBack(const std::string& text, const std::vector<std::string>& steps) {
+    const Path path = Path::of(text);
+    require(path.steps.size() == steps.size(), "the path has as many steps", text);
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        requireSame(noted(path.steps[i]), steps[i], "the steps can be read from the path");
     }
-    require(reader.isAtEnd(), "the path has no other steps", path);
+}
+
+/// Reads any text as a path, which is refused or written again as itself.
+void readAny(std::string_view text) {
+    try {
+        const std::string again = Path::of(text).text();
+        requireSame(Path::of(again).text(), again, "a path is written as it is read");
+    } catch (const Failure& failure) {
+        require(isPrintable(failure.message), "the reason is printable", failure.message);
+    }
 }
 
 } // namespace
@@ -140,6 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
     }
     const std::string_view all(reinterpret_cast<const char*>(data), size);
+    readAny(all);
     const std::string safe = withoutControls(all);
     require(isPrintable(safe) && safe.size() <= 6 * size, "text without controls is printable");
     require(!isPrintable(all) || safe == all, "printable text stays as it is");

@@ -28,14 +28,30 @@ class CommandLine(ToolTest):
     def test_an_unknown_command_is_a_usage_error(self):
         self.fails(2, 'kel: unknown command "frobnicate"\n' + HINT, "frobnicate", "a.kel")
 
+    def test_a_mistyped_command_is_recognised(self):
+        for typed, meant in (("covnert", "convert"), ("chek", "check"), ("SHOW", "show")):
+            self.fails(2, f'kel: unknown command "{typed}" (did you mean "{meant}"?)\n' + HINT,
+                       typed, "a.kel")
+
     def test_an_unknown_option_is_a_usage_error(self):
         self.fails(2, "kel: The following argument was not expected: --frobnicate\n" + HINT,
                    "show", "--frobnicate", "a.kel")
 
     def test_a_missing_file_name_is_a_usage_error(self):
         self.assertEqual(self.kel("convert", "a.json").status, 2)
-        self.assertEqual(self.kel("show").status, 2)
-        self.assertEqual(self.kel("check").status, 2)
+
+    def test_stdin_is_read_without_a_file_name(self):
+        self.assertEqual(self.ok("show", input="{ a = 1 }").out, b"{\n\ta = 1\n}\n")
+        self.fails(1, "kel: -:1: syntax error\n", "check", input="}")
+
+    @posix_only("needs a terminal")
+    def test_a_terminal_is_not_read_without_a_file_name(self):
+        for command in ("show", "check"):
+            main, terminal = os.openpty()
+            self.addCleanup(os.close, main)
+            self.addCleanup(os.close, terminal)
+            self.fails(2, "kel: IN is required: the name of a file, or - for stdin\n", command,
+                       stdin=terminal)
 
     def test_force_belongs_to_convert_alone(self):
         self.assertEqual(self.kel("show", "--force", "a.kel").status, 2)

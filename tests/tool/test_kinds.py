@@ -139,9 +139,9 @@ class PlainData(Kinds):
     def test_managers_become_arrays_and_what_is_inside_is_exchanged_too(self):
         self.becomes([[[[1, [[2, {"level": 4}]]]]]],
                      f"[ ( {GUID}1 = <[1] [<[2] [{checked(SETTINGS, 'level = 4')}]>]> ) ]",
-                     "[0]: a manager", f"[0]({GUID}1): an index list",
-                     f"[0]({GUID}1)[0].item: an index list",
-                     f"[0]({GUID}1)[0].item[0].item: a checked struct")
+                     "[0]: a manager", f"[0]#{GUID}1: an index list",
+                     f"[0]#{GUID}1[0].item: an index list",
+                     f"[0]#{GUID}1[0].item[0].item: a checked struct")
 
     def test_wide_and_deep_managers_become_arrays_in_linear_time(self):
         entries = 100000
@@ -196,8 +196,8 @@ class PlainData(Kinds):
         result = self.kel("convert", "--force", "a.kel", "b.json")
         self.assertEqual((result.status, self.read("b.json")), (0, b"[[1,2]]\n1\n[[3,4]]\n"))
         self.assertEqual(result.err.splitlines()[1:],
-                         ["  value 1: (the value itself): an index list",
-                          "  value 3: (the value itself): an index list"])
+                         ["  1:(the value itself): an index list",
+                          "  3:(the value itself): an index list"])
 
 
 class Check(Kinds):
@@ -304,8 +304,8 @@ class Check(Kinds):
     def test_every_violation_in_every_checked_struct_of_every_root_is_told(self):
         bad = checked(SETTINGS, "level = 11", 'mode = ""')
         self.violations(f"[ {bad} <[{bad}][( {GUID}1 = {bad} )]> ]\n{bad}", *(
-            line for path in ("value 1: [0].", "value 1: [1][0].key.",
-                              f"value 1: [1][0].item({GUID}1).", "value 2: ")
+            line for path in ("1:[0].", "1:[1][0].key.",
+                              f"1:[1][0].item#{GUID}1.", "2:")
             for line in (f"{path}level: 11 is not allowed (allowed: 0 to 10)",
                          f'{path}mode: "" is not allowed (allowed: "low", "high")')))
 

@@ -72,8 +72,8 @@ std::string wordsForAllowed(Rules& rules) {
 /// One pass over a document.
 class Checker {
 public:
-    Checker(const ViolationReport& report, bool tellsRoot)
-        : report_(report), tellsRoot_(tellsRoot) {}
+    Checker(const ViolationReport& report, size_t rootCount)
+        : report_(report), rootCount_(rootCount) {}
 
     /// Visits everything below a root.
     void visit(KEL* root, size_t rootNumber);
@@ -86,7 +86,7 @@ private:
     void report(const TreeCursor& cursor, const std::string& violation);
 
     const ViolationReport& report_;
-    bool tellsRoot_;
+    size_t rootCount_;
     size_t rootNumber_ = 0;
     std::unordered_set<const KEL*> met_;
     AllowedValues allowed_;
@@ -173,15 +173,13 @@ void Checker::checkRange(const TreeCursor& cursor, Rules& rules) {
 }
 
 void Checker::report(const TreeCursor& cursor, const std::string& violation) {
-    const std::string root =
-        tellsRoot_ ? "value " + std::to_string(rootNumber_ + 1) + ": " : std::string();
-    report_(root + cursor.path() + ": " + violation);
+    report_(withRoot(cursor.path(), rootNumber_, rootCount_) + ": " + violation);
 }
 
 } // namespace
 
 void checkDescriptors(const Document& document, const ViolationReport& report) {
-    Checker checker(report, document.roots().size() > 1);
+    Checker checker(report, document.roots().size());
     for (size_t i = 0; i < document.roots().size(); ++i) {
         checker.visit(document.roots()[i].get(), i);
     }

@@ -1,15 +1,13 @@
 #include "Losses.h"
 
+#include "path/PathText.h"
+
 namespace kel::tool {
 
 std::string describe(const Losses& losses, const std::string& heading, size_t rootCount) {
     std::string text = heading;
     for (const Loss& loss : losses.first()) {
-        text += "\n  ";
-        if (rootCount > 1) {
-            text += "value " + std::to_string(loss.root + 1) + ": ";
-        }
-        text += loss.path + ": " + loss.reason;
+        text += "\n  " + withRoot(loss.path, loss.root, rootCount) + ": " + loss.reason;
     }
     if (losses.count() > losses.first().size()) {
         text += "\n  and " + std::to_string(losses.count() - losses.first().size()) + " more";

@@ -1,6 +1,6 @@
 #include "RecordCursor.h"
 
-#include "PathText.h"
+#include "path/PathText.h"
 
 #include <algorithm>
 #include <cstring>

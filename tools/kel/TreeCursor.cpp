@@ -131,6 +131,14 @@ std::string TreeCursor::path() const {
     return path.take();
 }
 
+std::string TreeCursor::wholePath() const {
+    PathText path;
+    for (size_t i = 0; i < depth_; ++i) {
+        addStep(path, stack_[i]);
+    }
+    return path.whole();
+}
+
 void TreeCursor::addStep(PathText& path, const Frame& frame) {
     const auto number = static_cast<size_t>(frame.next) - 1;
     if (frame.variables != nullptr) {

@@ -2,8 +2,8 @@
 /// TreeCursor: visits every value below a root, in order, without recursion.
 #pragma once
 
-#include "PathText.h"
 #include "Values.h"
+#include "path/PathText.h"
 
 #include <string>
 #include <vector>
@@ -52,8 +52,11 @@ public:
     /// Returns whether the value is the first one of its container.
     bool isFirst() const { return depth_ == 0 || stack_[depth_ - 1].next == 1; }
 
-    /// Returns the path from the root to the value.
+    /// Returns the path from the root to the value, for a message.
     std::string path() const;
+
+    /// Returns the path from the root to the value, for programs: whole, however long it is.
+    std::string wholePath() const;
 
 private:
     /// A container on the way to the current value, and how far it has been visited.

@@ -1,9 +1,9 @@
 #include "ValueText.h"
 
 #include "GuidText.h"
-#include "PathText.h"
 #include "Utf8.h"
 #include "Values.h"
+#include "path/PathText.h"
 
 #include <charconv>
 

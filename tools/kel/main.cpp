@@ -1,8 +1,9 @@
 // kel: converts, shows and checks files of KEL values.
 
-#include "Commands.h"
 #include "Failure.h"
 #include "FailureReport.h"
+#include "Saving.h"
+#include "command/Request.h"
 #include "system/System.h"
 
 #include <string>
@@ -12,14 +13,26 @@ namespace {
 
 using namespace kel::tool;
 
+/// Runs the command. \return the exit status
+int run(const Request& request, Console& console) {
+    if (request.maxMemory) {
+        if (!limitMemory(*request.maxMemory)) {
+            throw Failure{Trouble::usage,
+                          "--max-memory: kel cannot limit its memory on this system"};
+        }
+        console.knowMemoryLimit();
+    }
+    return request.command->run(console);
+}
+
 int runTool(int argc, const char* const* argv, Console& console) {
     try {
-        const std::variant<Options, Answer> asked = parseOptions(argumentsOf(argc, argv));
+        const std::variant<Request, Answer> asked = parseRequest(argumentsOf(argc, argv));
         if (const Answer* answer = std::get_if<Answer>(&asked)) {
             print(*answer);
             return 0;
         }
-        return run(std::get<Options>(asked), console);
+        return run(std::get<Request>(asked), console);
     } catch (...) {
         return exitStatus(reportFailure(console));
     }

@@ -1,7 +1,7 @@
 #include "json/JsonBuilder.h"
 
 #include "FormatLimits.h"
-#include "PathText.h"
+#include "path/PathText.h"
 #include "json/ReservedShapes.h"
 
 #include <algorithm>

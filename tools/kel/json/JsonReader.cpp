@@ -1,7 +1,7 @@
 #include "json/JsonReader.h"
 
 #include "Failure.h"
-#include "PathText.h"
+#include "path/PathText.h"
 #include "json/JsonBuilder.h"
 #include "json/JsonRecordBuilder.h"
 

@@ -1,5 +1,5 @@
 /// \file
-/// PathText: the path from a root value to one inside it, for people: `statuses[3].id`.
+/// PathText: the path from a root value to one inside it: `statuses[3].id`. Path reads it.
 #pragma once
 
 #include <cstddef>
@@ -18,6 +18,9 @@ public:
     /// fill the screen, and its two ends are enough.
     static constexpr size_t longest = 160;
 
+    /// The words for a root value in messages.
+    static constexpr std::string_view ofRoot = "(the value itself)";
+
     /// Adds the step to an element of an array.
     void addIndex(uint64_t index);
     /// Adds the step to a member of a struct.
@@ -25,13 +28,24 @@ public:
     /// Adds the step to an element of a manager, named by its identity in GUID layout.
     void addIdentity(std::string_view guid);
 
-    /// Returns the path, or "(the value itself)" if there are no steps. A path longer than longest
-    /// loses its middle.
+    /// Returns the path for a message, or PathText::ofRoot if there are no steps. A path longer
+    /// than longest loses its middle.
     std::string take() const;
+
+    /// Returns the whole path for programs, or "." if there are no steps.
+    std::string whole() const { return text_.empty() ? "." : text_; }
 
 private:
     std::string text_;
 };
+
+/// Returns whether a name of such characters is written in a path without quotes.
+bool isBareInPath(char c);
+
+/// Returns the path with the number of its root value before it, from 1, as in `2:statuses[3].id`,
+/// if there are several root values.
+/// \param root the number of the root value, from 0
+std::string withRoot(const std::string& path, size_t root, size_t rootCount);
 
 /// Returns the text in a form that is safe for every terminal: control characters as \u00HH, and
 /// bytes that are not valid UTF-8 as \xHH.

@@ -11,11 +11,6 @@ namespace {
 constexpr size_t shownEnd = 76;
 constexpr std::string_view gap = " ... ";
 
-bool isBareCharacter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '@';
-}
-
 void appendHex(std::string& out, const char* prefix, unsigned char byte) {
     constexpr char digits[] = "0123456789abcdef";
     out += prefix;
@@ -24,6 +19,11 @@ void appendHex(std::string& out, const char* prefix, unsigned char byte) {
 }
 
 } // namespace
+
+bool isBareInPath(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+           c == '@';
+}
 
 std::string withoutControls(std::string_view text) {
     std::string out;
@@ -47,7 +47,7 @@ void PathText::addIndex(uint64_t index) {
 }
 
 void PathText::addName(std::string_view name) {
-    if (!name.empty() && std::all_of(name.begin(), name.end(), isBareCharacter)) {
+    if (!name.empty() && std::all_of(name.begin(), name.end(), isBareInPath)) {
         if (!text_.empty()) {
             text_ += '.';
         }
@@ -62,14 +62,13 @@ void PathText::addName(std::string_view name) {
 }
 
 void PathText::addIdentity(std::string_view guid) {
-    text_ += '(';
+    text_ += '#';
     text_ += guid;
-    text_ += ')';
 }
 
 std::string PathText::take() const {
     if (text_.empty()) {
-        return "(the value itself)";
+        return std::string(ofRoot);
     }
     if (text_.size() <= longest) {
         return text_;
@@ -83,6 +82,10 @@ std::string PathText::take() const {
         ++tailBegin;
     }
     return text_.substr(0, headEnd).append(gap).append(text_, tailBegin);
+}
+
+std::string withRoot(const std::string& path, size_t root, size_t rootCount) {
+    return rootCount > 1 ? std::to_string(root + 1) + ':' + path : path;
 }
 
 } // namespace kel::tool

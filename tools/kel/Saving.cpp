@@ -1,0 +1,113 @@
+#include "Saving.h"
+
+#include "DocumentScan.h"
+#include "Failure.h"
+#include "KelWriter.h"
+#include "Representable.h"
+#include "system/OutputFile.h"
+#include "json/JsonWriter.h"
+
+#include <cerrno>
+
+namespace kel::tool {
+
+namespace {
+
+/// Writes the document in the format.
+void write(const Document& document, Format format, std::FILE* file) {
+    if (format == Format::json) {
+        writeJson(document, file);
+    } else {
+        writeKel(document, format, file);
+    }
+}
+
+/// Examines the document for its form in the target format.
+/// \param losses gets every place that the target cannot carry; null if the losses are known
+DocumentScan scan(Document& document, Format target, const std::string& inputName, Losses* losses) {
+    DocumentScan found;
+    try {
+        found = scanDocument(document, target, losses);
+    } catch (Failure& failure) {
+        failure.message = inputName + ": " + failure.message;
+        throw;
+    }
+    if (!found.cycle) {
+        document.knowAcyclic();
+    }
+    return found;
+}
+
+} // namespace
+
+void writeTo(const std::string& name, Console& console,
+             const std::function<void(std::FILE*)>& action) {
+    console.begin(Work::writing, name);
+    if (name == "-") {
+        console.hush();
+    }
+    OutputFile output(name);
+    try {
+        action(output.file());
+    } catch (Failure& failure) {
+        const bool isUnwritten = failure.trouble == Trouble::unwritten;
+        failure.message = name + (isUnwritten ? ": cannot be written: " : ": ") + failure.message;
+        throw;
+    }
+    output.commit();
+}
+
+void print(const std::string& text) {
+    OutputFile output("-");
+    errno = 0;
+    std::fwrite(text.data(), 1, text.size(), output.file());
+    output.commit();
+}
+
+std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
+                   const char* target) {
+    const std::string heading = inputName + ": " + std::to_string(losses.count()) +
+                                (losses.count() == 1 ? " place" : " places") +
+                                " cannot be converted from " + nameOf(input.format) + " to " +
+                                target + ':';
+    return describe(losses, heading, input.document.roots().size());
+}
+
+void save(Input& input, const std::string& inputName, size_t inputSize, Losses losses,
+          const Saving& saving, Console& console) {
+    const Format target = saving.format;
+    console.begin(Work::checking, inputName);
+    // The reader of JSON has already listed everything, under the paths of the JSON text.
+    Losses* rest = input.format == Format::json ? nullptr : &losses;
+    const DocumentScan found = scan(input.document, target, inputName, rest);
+    refuseHugeOutput(found, target, saving.maxOutput.value_or(usualOutputLimit(inputSize)),
+                     inputName);
+    if (losses.count() > 0) {
+        const std::string list = listOf(losses, inputName, input, nameOf(target));
+        if (!saving.isForced) {
+            const bool advisesText = found.hasTextOnly && target != Format::text;
+            throw Failure{Trouble::refused, list + "\nnothing was written; " +
+                                                (advisesText ? "text keeps every kind; " : "") +
+                                                "use --force to convert the rest"};
+        }
+        console.say("warning: " + list);
+        makeRepresentable(input.document, target, found.namesakes);
+        if (input.document.roots().empty()) {
+            throw Failure{Trouble::refused, inputName + ": nothing is left to write"};
+        }
+    }
+    writeTo(saving.output, console, [&](std::FILE* file) { write(input.document, target, file); });
+}
+
+void showDocument(Document& document, const std::string& inputName, uint64_t limit,
+                  Console& console) {
+    const DocumentScan found = scan(document, Format::text, inputName, nullptr);
+    if (found.cycle) {
+        throw Failure{Trouble::refused, inputName + ": " + *found.cycle +
+                                            ": Cannot write a value that contains itself."};
+    }
+    refuseHugeOutput(found, Format::text, limit, inputName);
+    writeTo("-", console, [&](std::FILE* file) { write(document, Format::text, file); });
+}
+
+} // namespace kel::tool

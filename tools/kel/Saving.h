@@ -1,0 +1,55 @@
+/// \file
+/// Writes documents and other results.
+#pragma once
+
+#include "Input.h"
+#include "Losses.h"
+#include "system/Console.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace kel::tool {
+
+/// Lets the action write to the named file, or to stdout for "-". The file appears whole or not at
+/// all.
+/// \throws Failure with the name before the message of the action's failure
+void writeTo(const std::string& name, Console& console,
+             const std::function<void(std::FILE*)>& action);
+
+/// Writes text to stdout. \throws Failure unwritten
+void print(const std::string& text);
+
+/// What is to be done with a document.
+struct Saving {
+    Format format;                     ///< of the output
+    std::string output;                ///< the name of the file, or "-"
+    bool isForced = false;             ///< whether what the format cannot hold is left out
+    std::optional<uint64_t> maxOutput; ///< the greatest number of bytes of text or JSON
+};
+
+/// Writes the document that was read from an input, possibly changed since then. If its format
+/// cannot hold everything, it is refused with the list of what would be lost, or, if that is
+/// forced, changed so that it fits, with a warning.
+/// \param input the document, which this function changes when it is forced
+/// \param inputName its name in messages
+/// \param inputSize the number of bytes that were read
+/// \param losses what was lost in reading; for JSON also what the output cannot hold
+/// \throws Failure refused or unwritten
+void save(Input& input, const std::string& inputName, size_t inputSize, Losses losses,
+          const Saving& saving, Console& console);
+
+/// Prints the text form of a document on stdout, even if it cannot be read back.
+/// \param limit the greatest number of bytes to print
+/// \throws Failure refused for a value that contains itself and beyond the limit
+void showDocument(Document& document, const std::string& inputName, uint64_t limit,
+                  Console& console);
+
+/// Returns the list of places that are lost on the way from the input to the target.
+std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
+                   const char* target);
+
+} // namespace kel::tool

@@ -1,0 +1,119 @@
+#include "CommandLine.h"
+
+#include "Failure.h"
+#include "LastResort.h"
+#include "SizeText.h"
+#include "system/System.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+namespace kel::tool {
+
+namespace {
+
+/// Returns the format of the name, or nothing for any other text.
+std::optional<Format> formatCalled(const std::string& name) {
+    for (const Format format : {Format::text, Format::binary, Format::json}) {
+        if (name == nameOf(format)) {
+            return format;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Adds an option whose text is translated.
+/// \param translate returns the value of a text, or nothing for a text that is none
+/// \param wanted completes the message `"TEXT" is not ...`
+template <class Value, class Translate>
+void addTranslated(CLI::App& app, const char* name, std::optional<Value>& value, const char* type,
+                   const char* description, const Translate& translate, const char* wanted) {
+    app.add_option_function<std::string>(
+           name, [&value, translate](const std::string& text) { value = translate(text); },
+           description)
+        ->type_name(type)
+        ->check(CLI::Validator(
+            [translate, wanted](const std::string& text) {
+                return translate(text) ? std::string() : '"' + text + "\" is not " + wanted;
+            },
+            ""));
+}
+
+} // namespace
+
+void CommandLine::argument(const char* name, std::string& value, const char* description) {
+    app_.add_option(name, value, description)->required()->type_name("");
+}
+
+void CommandLine::arguments(const char* name, std::vector<std::string>& values,
+                            const char* description) {
+    app_.add_option(name, values, description)->required()->type_name("");
+}
+
+void CommandLine::input(std::string& name) {
+    app_.add_option("IN", name, "File to read")->type_name("");
+    input_ = &name;
+}
+
+void CommandLine::inputs(std::vector<std::string>& names) {
+    app_.add_option("IN", names, "Files to read")->type_name("");
+    inputs_ = &names;
+}
+
+void CommandLine::flag(const char* name, bool& value, const char* description) {
+    app_.add_flag(name, value, description);
+}
+
+void CommandLine::text(const char* name, std::optional<std::string>& value, const char* type,
+                       const char* description) {
+    app_.add_option(name, value, description)->type_name(type);
+}
+
+void CommandLine::choice(const char* name, std::optional<std::string>& value,
+                         const std::vector<std::string>& words, const char* description) {
+    app_.add_option(name, value, description)
+        ->type_name(CLI::detail::join(words, "|"))
+        ->check(CLI::Validator(
+            [words](const std::string& text) {
+                return std::find(words.begin(), words.end(), text) != words.end()
+                           ? std::string()
+                           : '"' + text + "\" is not " + CLI::detail::join(words, " or ");
+            },
+            ""));
+}
+
+void CommandLine::format(const char* name, std::optional<Format>& value, const char* description) {
+    addTranslated(app_, name, value, "text|binary|json", description, formatCalled,
+                  "text, binary or json");
+}
+
+void CommandLine::size(const char* name, std::optional<uint64_t>& value, const char* description) {
+    addTranslated(app_, name, value, "SIZE", description, sizeOfText, "a size such as 512M or 2G");
+}
+
+void CommandLine::from(std::optional<Format>& value) {
+    format("--from", value, "Read the input as this format, whatever its content");
+}
+
+void CommandLine::maxOutput(std::optional<uint64_t>& value) {
+    size("--max-output", value,
+         "Refuse to write more text or JSON (default: 256M or, if more, 64 times the input)");
+}
+
+void CommandLine::finish() {
+    const bool isMissing =
+        (input_ != nullptr && input_->empty()) || (inputs_ != nullptr && inputs_->empty());
+    if (!isMissing) {
+        return;
+    }
+    if (isTerminal(stdin)) {
+        throw Failure{Trouble::usage, "IN is required: the name of a file, or - for stdin"};
+    }
+    if (input_ != nullptr) {
+        *input_ = "-";
+    } else {
+        inputs_->push_back("-");
+    }
+}
+
+} // namespace kel::tool

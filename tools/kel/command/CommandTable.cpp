@@ -1,0 +1,32 @@
+#include "CommandTable.h"
+
+#include <algorithm>
+
+namespace kel::tool {
+
+extern const CommandEntry convertCommand;
+extern const CommandEntry showCommand;
+extern const CommandEntry checkCommand;
+
+namespace {
+
+constexpr const CommandEntry* commands[] = {
+    &convertCommand,
+    &showCommand,
+    &checkCommand,
+};
+
+} // namespace
+
+std::span<const CommandEntry* const> allCommands() {
+    return commands;
+}
+
+const CommandEntry* findCommand(std::string_view name) {
+    const auto* found =
+        std::find_if(std::begin(commands), std::end(commands),
+                     [name](const CommandEntry* entry) { return name == entry->name; });
+    return found != std::end(commands) ? *found : nullptr;
+}
+
+} // namespace kel::tool

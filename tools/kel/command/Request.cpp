@@ -1,0 +1,139 @@
+#include "Request.h"
+
+#include "Failure.h"
+#include "LastResort.h"
+#include "SimilarWord.h"
+#include "command/CommandLine.h"
+#include "command/CommandTable.h"
+
+#include <CLI/CLI.hpp>
+#include <kel/config.h>
+#include <new>
+#include <sstream>
+
+namespace kel::tool {
+
+namespace {
+
+constexpr const char* generalNotes = R"(Formats:
+  text    KEL text, .kel          binary  KEL binary, .kelb          json  JSON, .json
+  The content of an input decides its format. If the content fits several formats, the name of
+  the file decides. A file can hold several root values, one after the other. All are kept.
+  The file name "-" means stdin or stdout. Data is written to stdout, messages to stderr.
+
+Paths:
+  window.size[0]    element 0 of the variable size of the variable window
+  ["odd name"]      a name of other characters than letters, digits, "_" and "@"
+  [3].key           the key of pair 3 of an index list; [3].item is its item
+  presets#3F2504E0  the value in a manager by its identity or the beginning of it; without a name
+                    before it: any value of the file
+  2:window          inside the second root value, if there are several
+  .                 the root value itself
+
+Exit status:
+  0  success
+  1  check found errors, or convert or show refused
+  2  wrong command line
+  3  an input cannot be read, is malformed, or does not fit in memory
+  4  an output or a message cannot be written, or memory ran out elsewhere
+
+Sizes:
+  A number of bytes, or of KiB, MiB, GiB or TiB with K, M, G or T after it, such as 512M.
+
+Examples:
+  kel convert settings.json settings.kel
+  kel show settings.kelb
+  kel check *.kel *.kelb
+
+"kel COMMAND --help" describes a command.)";
+
+constexpr const char* hint = "\nrun \"kel --help\" for help";
+
+/// Throws if memory ran out. The parser makes texts with streams of the C++ library, which then
+/// drop the rest of their text and report nothing.
+void refuseSwallowedText() {
+    if (hasMemoryRunOut()) {
+        throw std::bad_alloc();
+    }
+}
+
+/// Reports a command that does not exist, with the one that was probably meant.
+[[noreturn]] void refuseCommand(const std::string& name) {
+    SimilarWord similar(name);
+    for (const CommandEntry* entry : allCommands()) {
+        similar.offer(entry->name);
+    }
+    throw Failure{Trouble::usage, "unknown command \"" + name + '"' + similar.question() + hint};
+}
+
+/// The parser with the commands that it has to know.
+class Parser {
+public:
+    explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {
+        app_.allow_windows_style_options(false); // "/" begins a file name on every system
+        app_.footer(generalNotes);
+        app_.set_version_flag("--version", "kel " KEL_VERSION_STRING);
+        app_.require_subcommand(1);
+        describe();
+    }
+
+    std::variant<Request, Answer> parse() {
+        try {
+            // The parser takes the last argument first.
+            app_.parse(std::vector<std::string>(arguments_.rbegin(), arguments_.rend() - 1));
+        } catch (const CLI::ParseError& end) {
+            if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+                std::ostringstream answer;
+                app_.exit(end, answer, answer);
+                refuseSwallowedText();
+                return answer.str();
+            }
+            refuseSwallowedText();
+            throw Failure{Trouble::usage, end.what() + std::string(hint)};
+        }
+        refuseSwallowedText();
+        if (!line_) {
+            throw Failure{Trouble::usage, std::string("A subcommand is required") + hint};
+        }
+        line_->finish();
+        return std::move(request_);
+    }
+
+private:
+    /// Describes the command that the first argument names with all its options, and without one
+    /// all commands by their purpose alone.
+    void describe() {
+        const std::string first = arguments_.size() > 1 ? arguments_[1] : "-";
+        const CommandEntry* named = findCommand(first);
+        if (named == nullptr && !first.starts_with('-')) {
+            // The parser would report a missing command, which does not help after a typing error.
+            refuseCommand(first);
+        }
+        if (named == nullptr) {
+            for (const CommandEntry* entry : allCommands()) {
+                app_.add_subcommand(entry->name, entry->purpose);
+            }
+            return;
+        }
+        CLI::App* app = app_.add_subcommand(named->name, named->purpose);
+        app->footer(named->notes);
+        request_.command = named->make();
+        line_.emplace(*app);
+        request_.command->describe(*line_);
+        line_->size("--max-memory", request_.maxMemory,
+                    "Fail if more memory is needed, such as 512M or 2G");
+    }
+
+    const std::vector<std::string>& arguments_;
+    CLI::App app_{"Converts, shows and checks files of KEL values.", "kel"};
+    Request request_;
+    std::optional<CommandLine> line_;
+};
+
+} // namespace
+
+std::variant<Request, Answer> parseRequest(const std::vector<std::string>& arguments) {
+    return Parser(arguments).parse();
+}
+
+} // namespace kel::tool

@@ -1,0 +1,249 @@
+#include "Place.h"
+
+#include "Failure.h"
+#include "GuidText.h"
+#include "SimilarWord.h"
+#include "TreeCursor.h"
+#include "path/PathText.h"
+
+#include <optional>
+#include <unordered_set>
+
+namespace kel::tool {
+
+namespace {
+
+/// Follows a path through a document.
+class Walk {
+public:
+    Walk(const Document& document, const Path& path) : document_(document), path_(path) {}
+
+    /// Returns the place of the last step, which can be missing.
+    Place follow() {
+        if (!path_.steps.empty() && path_.steps.front().kind == Step::Kind::identity) {
+            replaceIdentity();
+        }
+        Place place = rootPlace();
+        for (; taken_ < path_.steps.size(); ++taken_) {
+            if (!place.isThere) {
+                fail(place);
+            }
+            place = next(place);
+        }
+        return place;
+    }
+
+    /// Reports that the place does not exist.
+    [[noreturn]] void fail(const Place& place) const {
+        const std::string where = path_.text(taken_ - 1);
+        const std::string missing = path_.text(taken_);
+        if (place.step.kind == Step::Kind::index) {
+            const KEL& container = *place.container;
+            const bool isArray = container.getType() == KELKind_Array;
+            const int32_t count = isArray
+                                      ? dynamic_cast<const KEL_Array&>(container).getCount()
+                                      : dynamic_cast<const KEL_IndexList&>(container).getCount();
+            refuse(missing, where + " has " + std::to_string(count) +
+                                (isArray ? (count == 1 ? " element" : " elements")
+                                         : (count == 1 ? " pair" : " pairs")));
+        }
+        refuse(missing, "not found" + hintFor(place));
+    }
+
+private:
+    [[noreturn]] void refuse(const std::string& path, const std::string& reason) const {
+        const std::string rooted =
+            path_.root ? withRoot(path, *path_.root, document_.roots().size()) : path;
+        throw Failure{Trouble::refused, rooted + ": " + reason};
+    }
+
+    /// Replaces the first step by the path to the value of its identity.
+    void replaceIdentity() {
+        const std::string digits = path_.steps.front().text;
+        std::optional<Path> found;
+        std::unordered_set<const KEL*> met;
+        for (size_t root = 0; root < document_.roots().size(); ++root) {
+            if (path_.root && root != *path_.root) {
+                continue;
+            }
+            TreeCursor cursor(document_.roots()[root].get());
+            for (auto event = cursor.next(); event != TreeCursor::Event::done;
+                 event = cursor.next()) {
+                const KEL* value = cursor.value();
+                if (event == TreeCursor::Event::leave || value == nullptr) {
+                    continue;
+                }
+                if (!met.insert(value).second) {
+                    if (event == TreeCursor::Event::enter) {
+                        cursor.skip();
+                    }
+                    continue;
+                }
+                if (!identityOf(*value).starts_with(digits)) {
+                    continue;
+                }
+                if (found) {
+                    refuse('#' + digits, "several values have an identity that begins so");
+                }
+                found = Path::of(cursor.wholePath());
+                found->root = root;
+            }
+        }
+        if (!found) {
+            refuse('#' + digits, "not found");
+        }
+        found->steps.insert(found->steps.end(), path_.steps.begin() + 1, path_.steps.end());
+        path_ = *std::move(found);
+    }
+
+    Place rootPlace() {
+        const size_t count = document_.roots().size();
+        if (!path_.root && count > 1) {
+            throw Failure{
+                Trouble::refused,
+                path_.text() + ": there are " + std::to_string(count) +
+                    " root values; begin the path with the number of one, as in 1:" + path_.text()};
+        }
+        const size_t root = path_.root.value_or(0);
+        if (root >= count) {
+            throw Failure{Trouble::refused,
+                          path_.text() + ": there " + (count == 1 ? "is " : "are ") +
+                              std::to_string(count) + " root value" + (count == 1 ? "" : "s")};
+        }
+        return {root, nullptr, {}, 0, true, document_.roots()[root].get()};
+    }
+
+    /// Returns the place that the next step leads to from a value that exists.
+    Place next(const Place& from) {
+        const Step& step = path_.steps[taken_];
+        KEL* container = from.value;
+        if (container == nullptr) {
+            refuse(path_.text(taken_), "null has no values inside");
+        }
+        switch (kindOf(*container).kind) {
+        case KELKind_Array:
+            return element(from, dynamic_cast<const KEL_Array&>(*container), step);
+        case KELKind_Struct:
+        case KELKind_MetaKel:
+        case KELKind_MetaKelDescriptor:
+        case KELKind_MetaKelVarDescriptor:
+            return variable(from, dynamic_cast<const KELInterface_Struct_V2&>(*container), step);
+        case KELKind_IndexList:
+            return partOfPair(from, dynamic_cast<KEL_IndexList&>(*container), step);
+        case KELKind_Manager:
+            return managed(from, dynamic_cast<const KEL_Manager&>(*container), step);
+        case KELKind_Int:
+        case KELKind_Boolean:
+        case KELKind_Double:
+        case KELKind_guid:
+        case KELKind_MemBlock:
+        case KELKind_String:
+        case KELKind_Selector:
+        case KELKind_MultiSelector:
+            break;
+        }
+        refuseStep(*container, "has no values inside");
+    }
+
+    [[noreturn]] void refuseStep(const KEL& container, const char* reason) const {
+        refuse(path_.text(taken_), std::string("is ") + kindOf(container).words + " and " + reason);
+    }
+
+    Place element(const Place& from, const KEL_Array& array, const Step& step) const {
+        if (step.kind != Step::Kind::index) {
+            refuseStep(*from.value, "has elements by number, such as [0]");
+        }
+        const bool isThere = step.index < static_cast<uint64_t>(array.getCount());
+        const auto index = static_cast<int32_t>(isThere ? step.index : 0);
+        return {from.root, from.value, step,
+                index,     isThere,    isThere ? array.getVar(index) : nullptr};
+    }
+
+    Place variable(const Place& from, const KELInterface_Struct_V2& structure,
+                   const Step& step) const {
+        if (step.kind != Step::Kind::name) {
+            refuseStep(*from.value, "has variables by name");
+        }
+        KELVarCursor cursor;
+        const bool isThere = step.text.find('\0') == std::string::npos &&
+                             structure.findVar(cursor, step.text.c_str());
+        return {from.root, from.value, step, 0, isThere, isThere ? cursor.value : nullptr};
+    }
+
+    /// Takes two steps: to the pair, and to its key or item.
+    Place partOfPair(const Place& from, KEL_IndexList& list, const Step& step) {
+        const bool isIndex = step.kind == Step::Kind::index;
+        const bool hasPart = isIndex && taken_ + 1 < path_.steps.size();
+        const Step* part = hasPart ? &path_.steps[taken_ + 1] : nullptr;
+        const bool isKey = part != nullptr && part->text == "key";
+        if (!isKey && (part == nullptr || part->text != "item")) {
+            refuseStep(*from.value, "has pairs by number, such as [0].key and [0].item");
+        }
+        const bool isThere = step.index < static_cast<uint64_t>(list.getCount());
+        const auto index = static_cast<int32_t>(isThere ? step.index : 0);
+        if (!isThere) {
+            ++taken_;
+            fail({from.root, from.value, step, 0, false, nullptr});
+        }
+        ++taken_;
+        return {from.root, from.value, *part,
+                index,     true,       isKey ? list.getKeyAt(index) : list.getItemAt(index)};
+    }
+
+    Place managed(const Place& from, const KEL_Manager& manager, const Step& step) const {
+        if (step.kind != Step::Kind::identity) {
+            refuseStep(*from.value, "has values by identity, such as #3F2504E0");
+        }
+        std::optional<int32_t> found;
+        for (int32_t i = 0; i < manager.size(); ++i) {
+            if (identityOf(*manager.getKelAt(i)).starts_with(step.text)) {
+                if (found) {
+                    refuse(path_.text(taken_ + 1),
+                           "several values have an identity that begins so");
+                }
+                found = i;
+            }
+        }
+        return {from.root,         from.value,        step,
+                found.value_or(0), found.has_value(), found ? manager.getKelAt(*found) : nullptr};
+    }
+
+    static std::string identityOf(const KEL& value) {
+        JHashCode identity;
+        return textOfGuid(value.getHashCode(identity));
+    }
+
+    /// Returns a question with the most similar name of the container, if one is similar.
+    static std::string hintFor(const Place& place) {
+        if (place.step.kind != Step::Kind::name) {
+            return {};
+        }
+        SimilarWord similar(place.step.text);
+        const auto& structure = dynamic_cast<const KELInterface_Struct_V2&>(*place.container);
+        for (KELVarCursor at; structure.nextVar(at);) {
+            similar.offer({at.name, static_cast<size_t>(at.length)});
+        }
+        return similar.question();
+    }
+
+    const Document& document_;
+    Path path_;
+    size_t taken_ = 0; ///< the number of steps behind the current place
+};
+
+} // namespace
+
+Place findPlace(const Document& document, const Path& path) {
+    return Walk(document, path).follow();
+}
+
+Place findValue(const Document& document, const Path& path) {
+    Walk walk(document, path);
+    Place place = walk.follow();
+    if (!place.isThere) {
+        walk.fail(place);
+    }
+    return place;
+}
+
+} // namespace kel::tool
