@@ -27,7 +27,7 @@ packages_for() {
     case $1 in
         build) echo "g++ cmake ninja-build" ;;
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
-        test) echo "libgtest-dev python3 pkg-config binutils locales clang" ;;
+        test) echo "libgtest-dev python3 pkg-config binutils locales clang zsh fish" ;;
         analyze) echo "clang clang-tidy-14" ;;
         package) echo "dpkg-dev debhelper chrpath help2man lintian fakeroot python3" ;;
         docs) echo "doxygen python3" ;;

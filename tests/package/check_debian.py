@@ -92,8 +92,13 @@ def check_contents(packages, library, options):
                           "cmake/kel/kelConfigVersion.cmake", "cmake/kel/kelTargets.cmake",
                           "cmake/kel/kelTargets-release.cmake"]},
         "kel": {"usr/bin/kel", "usr/share/man/man1/kel.1.gz",
+                "usr/share/bash-completion/completions/kel",
+                "usr/share/zsh/vendor-completions/_kel",
+                "usr/share/fish/vendor_completions.d/kel.fish",
                 "usr/share/doc/kel/licenses/CLI11.txt",
-                "usr/share/doc/kel/licenses/nlohmann-json.txt"},
+                "usr/share/doc/kel/licenses/nlohmann-json.txt"}
+               | {f"usr/share/man/man1/kel-{path.stem.lower()}.1.gz"
+                  for path in (ROOT / "tools/kel/commands").glob("*.cpp")},
         "kel-doc": {f"usr/share/doc/kel/{folder}/{name}" for folder in ("docs", "examples")
                     for name in files(ROOT / folder)}
                    | {f"usr/share/doc/kel/html/{name}" for name in files(pathlib.Path(options.build, "docs/html"))}

@@ -291,8 +291,7 @@ class Output(ToolTest):
         result = self.kel("convert", "--force", "a.json", "b.kel", preexec_fn=lambda: os.close(2))
         self.assertEqual((result.status, self.read("b.kel")), (4, b"[\n\t\"'\"\n\t1\n]\n"))
 
-    def test_a_closed_pipe_is_an_output_error(self):
-        reason = "Invalid argument" if WINDOWS else "Broken pipe"
+    def test_a_closed_pipe_is_an_output_error_without_a_message(self):
         self.write("a.json", json.dumps(list(range(100000))))
         self.write("b.json", "1")
         for name in ("a.json", "b.json"):
@@ -300,7 +299,7 @@ class Output(ToolTest):
                             ("convert", name, "-", "--to", "json")):
                 reading, writing = os.pipe()
                 os.close(reading)
-                self.fails(4, f"kel: -: cannot be written: {reason}\n", *command, stdout=writing)
+                self.fails(4, "", *command, stdout=writing)
                 os.close(writing)
 
     @posix_only("pipes stand in no folder")

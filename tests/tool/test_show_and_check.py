@@ -1,4 +1,5 @@
 import os
+import signal
 import subprocess
 import time
 import unittest
@@ -99,6 +100,26 @@ class Progress(ToolTest):
         shown = self.run_slowly(1.8)
         self.assertTrue(shown.startswith(b"kel: reading -, 1 s"), shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
+
+    @posix_only("the console draws in its own way")
+    def test_progress_says_how_much_has_been_read(self):
+        self.write("a.kel", "[" + "1234567 " * 3_000_000 + "]")
+        terminal, stderr = pty.openpty()
+        process = subprocess.Popen(command("check", "a.kel"), stderr=stderr, cwd=self.folder)
+        os.close(stderr)
+        time.sleep(0.05)
+        process.send_signal(signal.SIGSTOP)  # patience runs out before the file has been read
+        time.sleep(1)
+        process.send_signal(signal.SIGCONT)
+        shown = b""
+        try:
+            while piece := os.read(terminal, 4096):
+                shown += piece
+        except OSError:
+            pass  # Linux reports in this way that all writers are gone
+        os.close(terminal)
+        self.assertEqual(process.wait(), 0)
+        self.assertRegex(shown, rb"kel: reading a\.kel, \d+ s, \d+ %")
 
     @posix_only("Windows does not count a user's processes")
     @unittest.skipUnless(os.name == "posix" and os.geteuid() == 0,

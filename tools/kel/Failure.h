@@ -36,7 +36,7 @@ constexpr int exitStatus(Trouble trouble) {
 /// Thrown by value when the tool cannot continue.
 struct Failure {
     Trouble trouble;
-    /// The text to print after "kel: "; empty if everything has been printed already.
+    /// The text to print after "kel: ".
     std::string message;
 };
 

@@ -1,6 +1,7 @@
 #include "FailureReport.h"
 
 #include "LibraryFailure.h"
+#include "system/System.h"
 
 #include <new>
 #include <stdexcept>
@@ -16,7 +17,11 @@ Trouble reportReason(Console& console) {
     try {
         throw;
     } catch (const Failure& failure) {
-        console.say(failure.message);
+        // Whoever closes the pipe that stdout leads to has read enough, and needs no message.
+        const bool isUnwanted = failure.message.starts_with("-: cannot be written") && isUnread();
+        if (!isUnwanted) {
+            console.say(failure.message);
+        }
         return failure.trouble;
     } catch (KELException* failure) {
         return console.sayOfFile(takeMessage(failure));

@@ -96,6 +96,23 @@ std::string recordOf(KEL& value, size_t limit) {
     return std::move(*record);
 }
 
+std::string textOf(const Document& document) {
+    KELStringOutputStream* stream = CreateKELStringOutputStream();
+    if (stream == nullptr) {
+        throw std::bad_alloc();
+    }
+    ValueWriter writer(stream);
+    for (const Value& root : document.roots()) {
+        writer.write(root.get());
+    }
+    std::string text;
+    translated([&] {
+        const char* written = stream->getString();
+        text.assign(written != nullptr ? written : "");
+    });
+    return text;
+}
+
 void writeKel(const Document& document, Format format, std::FILE* file) {
     ValueWriter writer(format, file);
     for (const Value& root : document.roots()) {

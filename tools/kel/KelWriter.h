@@ -17,6 +17,8 @@ class ValueWriter {
 public:
     /// \param format text or binary
     ValueWriter(Format format, std::FILE* file);
+    /// Writes to a stream of the caller, which this object deletes.
+    explicit ValueWriter(KELOutputStream* stream) : stream_(stream) {}
     ValueWriter(const ValueWriter&) = delete;
     ValueWriter& operator=(const ValueWriter&) = delete;
     /// Ends the stream. A writer that was not closed has failed already, so a failure to flush is
@@ -37,6 +39,10 @@ private:
 /// \param limit a number of bytes that the record does not exceed
 /// \throws NotInParts if the value has no record of this size
 std::string recordOf(KEL& value, size_t limit);
+
+/// Returns the text form of all root values of the document.
+/// \throws Failure refused if the library refuses its length
+std::string textOf(const Document& document);
 
 /// Writes all root values of the document as text or binary.
 /// \throws Failure unwritten

@@ -90,7 +90,7 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
                                                 (advisesText ? "text keeps every kind; " : "") +
                                                 "use --force to convert the rest"};
         }
-        console.say("warning: " + list);
+        console.warn(list);
         makeRepresentable(input.document, target, found.namesakes);
         if (input.document.roots().empty()) {
             throw Failure{Trouble::refused, inputName + ": nothing is left to write"};
@@ -99,15 +99,13 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
     writeTo(saving.output, console, [&](std::FILE* file) { write(input.document, target, file); });
 }
 
-void showDocument(Document& document, const std::string& inputName, uint64_t limit,
-                  Console& console) {
+void refuseUnshowable(Document& document, const std::string& inputName, uint64_t limit) {
     const DocumentScan found = scan(document, Format::text, inputName, nullptr);
     if (found.cycle) {
         throw Failure{Trouble::refused, inputName + ": " + *found.cycle +
                                             ": Cannot write a value that contains itself."};
     }
     refuseHugeOutput(found, Format::text, limit, inputName);
-    writeTo("-", console, [&](std::FILE* file) { write(document, Format::text, file); });
 }
 
 } // namespace kel::tool

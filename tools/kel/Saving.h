@@ -42,11 +42,10 @@ struct Saving {
 void save(Input& input, const std::string& inputName, size_t inputSize, Losses losses,
           const Saving& saving, Console& console);
 
-/// Prints the text form of a document on stdout, even if it cannot be read back.
-/// \param limit the greatest number of bytes to print
+/// Refuses a document that cannot be shown as text.
+/// \param limit the greatest number of bytes to show
 /// \throws Failure refused for a value that contains itself and beyond the limit
-void showDocument(Document& document, const std::string& inputName, uint64_t limit,
-                  Console& console);
+void refuseUnshowable(Document& document, const std::string& inputName, uint64_t limit);
 
 /// Returns the list of places that are lost on the way from the input to the target.
 std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,

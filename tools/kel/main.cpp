@@ -4,6 +4,7 @@
 #include "FailureReport.h"
 #include "Saving.h"
 #include "command/Request.h"
+#include "system/OutputFile.h"
 #include "system/System.h"
 
 #include <string>
@@ -15,12 +16,16 @@ using namespace kel::tool;
 
 /// Runs the command. \return the exit status
 int run(const Request& request, Console& console) {
-    if (request.maxMemory) {
-        if (!limitMemory(*request.maxMemory)) {
+    if (request.common.maxMemory) {
+        if (!limitMemory(*request.common.maxMemory)) {
             throw Failure{Trouble::usage,
                           "--max-memory: kel cannot limit its memory on this system"};
         }
         console.knowMemoryLimit();
+    }
+    console.choose(request.common.colours);
+    if (request.common.isQuiet) {
+        console.beQuiet();
     }
     return request.command->run(console);
 }
@@ -30,9 +35,12 @@ int runTool(int argc, const char* const* argv, Console& console) {
         const std::variant<Request, Answer> asked = parseRequest(argumentsOf(argc, argv));
         if (const Answer* answer = std::get_if<Answer>(&asked)) {
             print(*answer);
+            OutputFile::closeStdout();
             return 0;
         }
-        return run(std::get<Request>(asked), console);
+        const int status = run(std::get<Request>(asked), console);
+        OutputFile::closeStdout();
+        return status;
     } catch (...) {
         return exitStatus(reportFailure(console));
     }

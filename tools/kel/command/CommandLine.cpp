@@ -45,6 +45,10 @@ void CommandLine::argument(const char* name, std::string& value, const char* des
     app_.add_option(name, value, description)->required()->type_name("");
 }
 
+void CommandLine::optionalArgument(const char* name, std::string& value, const char* description) {
+    app_.add_option(name, value, description)->type_name("");
+}
+
 void CommandLine::arguments(const char* name, std::vector<std::string>& values,
                             const char* description) {
     app_.add_option(name, values, description)->required()->type_name("");
@@ -69,9 +73,9 @@ void CommandLine::text(const char* name, std::optional<std::string>& value, cons
     app_.add_option(name, value, description)->type_name(type);
 }
 
-void CommandLine::choice(const char* name, std::optional<std::string>& value,
+void CommandLine::choice(const char* name, std::function<void(const std::string&)> choose,
                          const std::vector<std::string>& words, const char* description) {
-    app_.add_option(name, value, description)
+    app_.add_option_function<std::string>(name, std::move(choose), description)
         ->type_name(CLI::detail::join(words, "|"))
         ->check(CLI::Validator(
             [words](const std::string& text) {
@@ -98,6 +102,21 @@ void CommandLine::from(std::optional<Format>& value) {
 void CommandLine::maxOutput(std::optional<uint64_t>& value) {
     size("--max-output", value,
          "Refuse to write more text or JSON (default: 256M or, if more, 64 times the input)");
+}
+
+void describeCommon(CommandLine& line, CommonOptions& options) {
+    line.choice(
+        "--color",
+        [&options](const std::string& word) {
+            options.colours = word == "always"  ? ColourChoice::always
+                              : word == "never" ? ColourChoice::never
+                                                : ColourChoice::automatic;
+        },
+        {"auto", "always", "never"},
+        "Use colours (default: auto, on terminals unless NO_COLOR is set)");
+    line.flag("-q,--quiet", options.isQuiet, "Print errors, but no warnings and no progress");
+    line.size("--max-memory", options.maxMemory,
+              "Fail if more memory is needed, such as 512M or 2G");
 }
 
 void CommandLine::finish() {

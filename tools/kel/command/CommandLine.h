@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Format.h"
+#include "system/Console.h"
 
 #include <cstdint>
 #include <functional>
@@ -16,6 +17,13 @@ class App;
 
 namespace kel::tool {
 
+/// The options that every command has.
+struct CommonOptions {
+    std::optional<uint64_t> maxMemory; ///< in bytes
+    ColourChoice colours = ColourChoice::automatic;
+    bool isQuiet = false;
+};
+
 /// Collects what a command takes from the command line. Every description becomes a line of the
 /// command's help. The values are stored while the command line is read.
 class CommandLine {
@@ -25,6 +33,9 @@ public:
 
     /// Takes an argument that must be there.
     void argument(const char* name, std::string& value, const char* description);
+
+    /// Takes an argument that can be left out.
+    void optionalArgument(const char* name, std::string& value, const char* description);
 
     /// Takes one or more arguments, after all others.
     void arguments(const char* name, std::vector<std::string>& values, const char* description);
@@ -44,8 +55,8 @@ public:
     void text(const char* name, std::optional<std::string>& value, const char* type,
               const char* description);
 
-    /// Takes an option whose value is one of a few words.
-    void choice(const char* name, std::optional<std::string>& value,
+    /// Takes an option whose value is one of a few words. \param choose gets the word
+    void choice(const char* name, std::function<void(const std::string&)> choose,
                 const std::vector<std::string>& words, const char* description);
 
     /// Takes an option with the name of a format.
@@ -69,5 +80,8 @@ private:
     std::string* input_ = nullptr;
     std::vector<std::string>* inputs_ = nullptr;
 };
+
+/// Describes the options that every command has.
+void describeCommon(CommandLine& line, CommonOptions& options);
 
 } // namespace kel::tool

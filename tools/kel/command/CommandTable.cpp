@@ -7,13 +7,13 @@ namespace kel::tool {
 extern const CommandEntry convertCommand;
 extern const CommandEntry showCommand;
 extern const CommandEntry checkCommand;
+extern const CommandEntry completionCommand;
+extern const CommandEntry helpCommand;
 
 namespace {
 
 constexpr const CommandEntry* commands[] = {
-    &convertCommand,
-    &showCommand,
-    &checkCommand,
+    &convertCommand, &showCommand, &checkCommand, &completionCommand, &helpCommand,
 };
 
 } // namespace

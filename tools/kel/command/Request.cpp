@@ -35,7 +35,8 @@ Exit status:
   1  check found errors, or convert or show refused
   2  wrong command line
   3  an input cannot be read, is malformed, or does not fit in memory
-  4  an output or a message cannot be written, or memory ran out elsewhere
+  4  an output or a message cannot be written, or memory ran out elsewhere. If the reader of a
+     pipe has closed it, this is the status, without a message.
 
 Sizes:
   A number of bytes, or of KiB, MiB, GiB or TiB with K, M, G or T after it, such as 512M.
@@ -55,15 +56,6 @@ void refuseSwallowedText() {
     if (hasMemoryRunOut()) {
         throw std::bad_alloc();
     }
-}
-
-/// Reports a command that does not exist, with the one that was probably meant.
-[[noreturn]] void refuseCommand(const std::string& name) {
-    SimilarWord similar(name);
-    for (const CommandEntry* entry : allCommands()) {
-        similar.offer(entry->name);
-    }
-    throw Failure{Trouble::usage, "unknown command \"" + name + '"' + similar.question() + hint};
 }
 
 /// The parser with the commands that it has to know.
@@ -120,8 +112,7 @@ private:
         request_.command = named->make();
         line_.emplace(*app);
         request_.command->describe(*line_);
-        line_->size("--max-memory", request_.maxMemory,
-                    "Fail if more memory is needed, such as 512M or 2G");
+        describeCommon(*line_, request_.common);
     }
 
     const std::vector<std::string>& arguments_;
@@ -131,6 +122,22 @@ private:
 };
 
 } // namespace
+
+void refuseCommand(const std::string& name) {
+    SimilarWord similar(name);
+    for (const CommandEntry* entry : allCommands()) {
+        similar.offer(entry->name);
+    }
+    throw Failure{Trouble::usage, "unknown command \"" + name + '"' + similar.question() + hint};
+}
+
+Answer generalHelp() {
+    return std::get<Answer>(parseRequest({"kel", "--help"}));
+}
+
+Answer helpOf(const CommandEntry& entry) {
+    return std::get<Answer>(parseRequest({"kel", entry.name, "--help"}));
+}
 
 std::variant<Request, Answer> parseRequest(const std::vector<std::string>& arguments) {
     return Parser(arguments).parse();

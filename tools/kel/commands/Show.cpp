@@ -1,8 +1,14 @@
 #include "DocumentScan.h"
+#include "FailureReport.h"
 #include "Input.h"
+#include "KelWriter.h"
+#include "PaintedText.h"
 #include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "system/System.h"
+
+#include <algorithm>
 
 namespace kel::tool {
 
@@ -10,36 +16,73 @@ namespace {
 
 constexpr const char* notes =
     R"(Prints the text form, even if it cannot be read back: strings with double quotes are printed
-unchanged, and a memory block is printed as its size.
+unchanged, and a memory block is printed as its size. On a terminal the text is coloured and shown
+by the program that the environment variable PAGER names, or by less.
 
 Examples:
   kel show settings.kelb
-  kel show --from json - < settings.json)";
+  kel show *.kelb
+  kel show --from json < settings.json)";
 
 class Show : public Command {
 public:
     void describe(CommandLine& line) override {
-        line.input(input_);
+        line.inputs(inputs_);
         line.from(from_);
+        line.flag("--no-pager", isUnpaged_, "Print to a terminal without a pager");
         line.maxOutput(maxOutput_);
     }
 
     int run(Console& console) override {
-        console.begin(Work::reading, input_);
-        Content content = readContent(input_, from_);
-        const size_t size = content.bytes.size();
-        Losses losses;
-        Input input = readInput(std::move(content), input_, std::nullopt, losses);
-        if (losses.count() > 0) {
-            console.say("warning: " + listOf(losses, input_, input, "values"));
+        int worst = 0;
+        for (const std::string& name : inputs_) {
+            try {
+                showFile(name, console);
+            } catch (...) {
+                worst = std::max(worst, exitStatus(reportFailure(console)));
+            }
         }
-        showDocument(input.document, input_, maxOutput_.value_or(usualOutputLimit(size)), console);
-        return 0;
+        return worst;
     }
 
 private:
-    std::string input_;
+    void showFile(const std::string& name, Console& console) {
+        console.begin(Work::reading, name);
+        Content content = readContent(name, from_);
+        const size_t size = content.bytes.size();
+        Losses losses;
+        Input input = readInput(std::move(content), name, std::nullopt, losses);
+        if (losses.count() > 0) {
+            console.warn(listOf(losses, name, input, "values"));
+        }
+        refuseUnshowable(input.document, name, maxOutput_.value_or(usualOutputLimit(size)));
+        const bool isPaged = !isUnpaged_ && isTerminal(stdout);
+        const Painter painter = console.painterFor(stdout);
+        if (isPaged || painter.isOn()) {
+            put(painted(textOf(input.document), painter), isPaged, console);
+        } else {
+            writeTo("-", console,
+                    [&](std::FILE* file) { writeKel(input.document, Format::text, file); });
+        }
+    }
+
+    /// Prints the text, or lets the pager show it after what it shows already.
+    void put(const std::string& text, bool isPaged, Console& console) {
+        console.hush();
+        if (isPaged && !pager_) {
+            pager_.emplace();
+        }
+        if (!isPaged || pager_->file() == nullptr) {
+            print(text);
+            return;
+        }
+        std::fwrite(text.data(), 1, text.size(), pager_->file()); // the person can leave any time
+    }
+
+    std::vector<std::string> inputs_;
     std::optional<Format> from_;
+    bool isUnpaged_ = false;
+    std::optional<Pager> pager_;
     std::optional<uint64_t> maxOutput_;
 };
 

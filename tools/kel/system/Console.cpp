@@ -1,9 +1,10 @@
 #include "system/Console.h"
 
+#include "system/Progress.h"
 #include "system/System.h"
 
 #include <charconv>
-#include <cstdio>
+#include <cstdlib>
 #include <new>
 #include <system_error>
 
@@ -31,7 +32,7 @@ std::string_view wordsFor(Work work) {
 
 } // namespace
 
-Console::Console() {
+Console::Console() : painter_(painterFor(stderr)) {
     // A message reaches the system in one piece, so that the lines of several processes do not mix.
     static char pieces[BUFSIZ];
     std::setvbuf(stderr, pieces, _IOFBF, sizeof pieces);
@@ -59,17 +60,42 @@ Console::~Console() {
     drawer_.join();
 }
 
+void Console::beQuiet() {
+    const std::lock_guard lock(mutex_);
+    isQuiet_ = true;
+}
+
+void Console::choose(ColourChoice choice) {
+    const std::lock_guard lock(mutex_);
+    choice_ = choice;
+    painter_ = painterFor(stderr);
+}
+
+Painter Console::painterFor(std::FILE* file) const {
+    if (choice_ != ColourChoice::automatic) {
+        return Painter(choice_ == ColourChoice::always);
+    }
+    const char* refused = std::getenv("NO_COLOR");
+    return Painter((refused == nullptr || *refused == '\0') && isTerminal(file));
+}
+
 void Console::say(std::string_view message) noexcept {
     const std::lock_guard lock(mutex_);
-    erase();
-    print("kel: ");
+    beginLine(Paint::error, "kel: ");
     endLine(message);
+}
+
+void Console::warn(std::string_view message) noexcept {
+    const std::lock_guard lock(mutex_);
+    if (!isQuiet_) {
+        beginLine(Paint::warning, "kel: warning: ");
+        endLine(message);
+    }
 }
 
 Trouble Console::sayOfFile(std::string_view message) noexcept {
     const std::lock_guard lock(mutex_);
-    erase();
-    print("kel: ");
+    beginLine(Paint::error, "kel: ");
     if (work_ != Work::starting) {
         print(file_);
         print(work_ == Work::writing ? ": cannot be written: " : ": ");
@@ -101,7 +127,7 @@ void Console::drawUntilEnd() {
     auto wait = Clock::duration(patience);
     while (!changed_.wait_for(lock, wait, [this] { return isOver_; })) {
         wait = redrawAfter;
-        if (isHushed_ || work_ == Work::starting) {
+        if (isHushed_ || isQuiet_ || work_ == Work::starting) {
             continue;
         }
         const auto seconds =
@@ -115,6 +141,12 @@ void Console::drawUntilEnd() {
         print(", ");
         print({digits, end.ptr});
         print(" s");
+        if (const std::optional<unsigned> percentage = readingProgress.percentage()) {
+            const auto ends = std::to_chars(digits, digits + sizeof digits, *percentage);
+            print(", ");
+            print({digits, ends.ptr});
+            print(" %");
+        }
         std::fflush(stderr);
         isDrawn_ = true;
     }
@@ -126,6 +158,13 @@ void Console::erase() {
         std::fflush(stderr);
         isDrawn_ = false;
     }
+}
+
+void Console::beginLine(Paint paint, std::string_view lead) {
+    erase();
+    print(painter_.begin(paint));
+    print(lead);
+    print(painter_.end());
 }
 
 void Console::endLine(std::string_view message) {

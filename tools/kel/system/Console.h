@@ -3,15 +3,20 @@
 #pragma once
 
 #include "Failure.h"
+#include "Painter.h"
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
 
 namespace kel::tool {
+
+/// When output is coloured.
+enum class ColourChoice { automatic, always, never };
 
 /// The stages of a command's work on a file.
 enum class Work { starting, reading, checking, writing };
@@ -28,8 +33,23 @@ public:
     /// Removes the progress line.
     ~Console();
 
+    /// Makes the console print no warnings and no progress.
+    void beQuiet();
+
+    /// Returns whether only errors are wanted.
+    bool isQuiet() const { return isQuiet_; }
+
+    /// Chooses when output is coloured: by default on terminals unless NO_COLOR is set.
+    void choose(ColourChoice choice);
+
+    /// Returns what paints the output to stdout or stderr.
+    Painter painterFor(std::FILE* file) const;
+
     /// Prints "kel: " and the message on a line.
     void say(std::string_view message) noexcept;
+
+    /// Prints "kel: warning: " and the message on a line, unless the console is quiet.
+    void warn(std::string_view message) noexcept;
 
     /// Prints "kel: ", the current file, and the message on a line.
     /// \return the trouble that the failure is, by the current work
@@ -55,6 +75,7 @@ private:
 
     void drawUntilEnd();
     void erase();
+    void beginLine(Paint paint, std::string_view lead);
     void endLine(std::string_view message);
     void print(std::string_view text);
 
@@ -64,6 +85,9 @@ private:
     Work work_ = Work::starting;
     std::string file_; ///< the name of the file that is worked on
     bool isMemoryLimited_ = false;
+    bool isQuiet_ = false;
+    ColourChoice choice_ = ColourChoice::automatic;
+    Painter painter_; ///< of stderr
     bool isHushed_ = false;
     bool isDrawn_ = false;
     bool isOver_ = false;

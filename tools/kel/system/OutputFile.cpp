@@ -28,6 +28,10 @@ bool isDevice(const fs::path& target) {
     return fs::exists(status) && !fs::is_regular_file(status);
 }
 
+[[noreturn]] void failToWrite(const std::string& name, const std::string& reason) {
+    throw Failure{Trouble::unwritten, name + ": cannot be written: " + reason};
+}
+
 } // namespace
 
 bool OutputFile::canTakeBack(const std::string& name) {
@@ -97,8 +101,12 @@ void OutputFile::commit() {
     if (std::fflush(file_) != 0 || std::ferror(file_) != 0) {
         failWithSystemReason();
     }
+    if (file_ == stdout) {
+        file_ = nullptr; // other output can follow
+        return;
+    }
     if (target_.empty()) {
-        closeFile(); // stdout too: a network file system reports lost bytes only here
+        closeFile();
         return;
     }
     const fs::path folder = target_.parent_path();
@@ -118,6 +126,13 @@ void OutputFile::commit() {
     }
 }
 
+void OutputFile::closeStdout() {
+    errno = 0;
+    if (std::fclose(stdout) != 0) {
+        failToWrite("-", systemReason());
+    }
+}
+
 void OutputFile::closeFile() {
     std::FILE* file = file_;
     file_ = nullptr;
@@ -127,7 +142,7 @@ void OutputFile::closeFile() {
 }
 
 void OutputFile::fail(const std::string& reason) const {
-    throw Failure{Trouble::unwritten, name_ + ": cannot be written: " + reason};
+    failToWrite(name_, reason);
 }
 
 } // namespace kel::tool

@@ -34,6 +34,10 @@ public:
     /// \throws Failure unwritten
     void commit();
 
+    /// Closes stdout after all output. A network file system reports lost bytes only then.
+    /// \throws Failure unwritten
+    static void closeStdout();
+
 private:
     void open();
     void discard();

@@ -1,12 +1,16 @@
 // The tool's operating-system interface for POSIX systems.
 
+#include "system/Progress.h"
 #include "system/System.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <limits>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -65,6 +69,60 @@ void occupyClosed(int descriptor, int mode) {
     }
 }
 
+/// The bytes behind a file to read from. They are not copied.
+class ReadBytes {
+public:
+    explicit ReadBytes(std::string_view bytes) : bytes_(bytes) {
+        readingProgress.begin(bytes.size());
+    }
+    ReadBytes(const ReadBytes&) = delete;
+    ReadBytes& operator=(const ReadBytes&) = delete;
+    ~ReadBytes() { readingProgress.end(); }
+
+    static ssize_t read(void* cookie, char* buffer, size_t size) {
+        auto& self = *static_cast<ReadBytes*>(cookie);
+        const size_t count = std::min(size, self.bytes_.size() - self.at_);
+        std::memcpy(buffer, self.bytes_.data() + self.at_, count);
+        self.at_ += count;
+        readingProgress.reach(self.at_);
+        return static_cast<ssize_t>(count);
+    }
+
+    static int seek(void* cookie, off64_t* offset, int from) {
+        auto& self = *static_cast<ReadBytes*>(cookie);
+        const auto size = static_cast<off64_t>(self.bytes_.size());
+        const off64_t base = from == SEEK_SET   ? 0
+                             : from == SEEK_CUR ? static_cast<off64_t>(self.at_)
+                                                : size;
+        if (*offset < -base || *offset > size - base) {
+            errno = EINVAL;
+            return -1;
+        }
+        *offset += base;
+        self.at_ = static_cast<size_t>(*offset);
+        return 0;
+    }
+
+    static int close(void* cookie) {
+        delete static_cast<ReadBytes*>(cookie);
+        return 0;
+    }
+
+private:
+    std::string_view bytes_;
+    size_t at_ = 0;
+};
+
+/// Returns the command that shows pages, for the shell.
+const char* pagerCommand() {
+    const char* named = std::getenv("PAGER");
+    if (named != nullptr && *named != '\0') {
+        return named;
+    }
+    // Short output stays on the screen without a key, and colours are passed on.
+    return "if command -v less >/dev/null; then LESS=${LESS-FRX} exec less; else exec cat; fi";
+}
+
 } // namespace
 
 std::vector<std::string> argumentsOf(int argc, const char* const* argv) {
@@ -92,6 +150,23 @@ bool limitMemory(uint64_t bytes) {
 
 bool isTerminal(std::FILE* file) {
     return isatty(fileno(file)) == 1;
+}
+
+bool isUnread() {
+    pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+    return poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0;
+}
+
+Pager::Pager() : file_(popen(pagerCommand(), "we")) {
+    if (file_ != nullptr) {
+        std::signal(SIGINT, SIG_IGN); // the person interrupts the pager's search, not the output
+    }
+}
+
+Pager::~Pager() {
+    if (file_ != nullptr) {
+        pclose(file_);
+    }
 }
 
 std::filesystem::path pathOf(const std::string& name) {
@@ -122,12 +197,17 @@ bool mayWrite(const std::filesystem::path& path) {
     return access(path.c_str(), W_OK) == 0 || errno == ENOENT;
 }
 
-// The file is opened for reading only, so the bytes are not changed.
-MemoryToRead::MemoryToRead(std::string_view bytes)
-    : file_(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb")) {
+MemoryToRead::MemoryToRead(std::string_view bytes) : file_(nullptr) {
+    auto source = std::make_unique<ReadBytes>(bytes);
+    cookie_io_functions_t functions = {};
+    functions.read = &ReadBytes::read;
+    functions.seek = &ReadBytes::seek;
+    functions.close = &ReadBytes::close;
+    file_ = fopencookie(source.get(), "rb", functions);
     if (file_ == nullptr) {
         throw std::system_error(errno, std::generic_category());
     }
+    source.release(); // belongs to the file now
 }
 
 MemoryToRead::~MemoryToRead() {

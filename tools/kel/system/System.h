@@ -34,6 +34,9 @@ bool limitMemory(uint64_t bytes);
 /// Returns whether the file is a terminal that understands control sequences.
 bool isTerminal(std::FILE* file);
 
+/// Returns whether stdout is a pipe that its reader has closed.
+bool isUnread();
+
 /// Returns the name as a path of the C++ library.
 std::filesystem::path pathOf(const std::string& name);
 
@@ -53,8 +56,8 @@ int64_t offsetIn(std::FILE* file);
 /// errno to the reason.
 bool mayWrite(const std::filesystem::path& path);
 
-/// Bytes as a file to read from. The caller owns the bytes and must keep them alive as long as this
-/// object. Only one such object can exist at a time.
+/// Bytes as a file to read from, where the system can with readingProgress. The caller owns the
+/// bytes and must keep them alive as long as this object. Only one such object can exist at a time.
 class MemoryToRead {
 public:
     /// \throws std::system_error when there is no room
@@ -88,6 +91,23 @@ private:
     struct Storage;
 
     std::unique_ptr<Storage> storage_;
+};
+
+/// A program that shows the output to a person page by page, in place of stdout.
+class Pager {
+public:
+    /// Starts the program that the environment variable PAGER names, or else a usual one.
+    Pager();
+    Pager(const Pager&) = delete;
+    Pager& operator=(const Pager&) = delete;
+    /// Waits until the person has finished.
+    ~Pager();
+
+    /// Returns the file to write to, or null if the system has no such program.
+    std::FILE* file() { return file_; }
+
+private:
+    std::FILE* file_;
 };
 
 /// Creates a new, empty file in the folder (empty for the current one), open for writing, with the

@@ -189,6 +189,26 @@ bool isTerminal(std::FILE* file) {
            SetConsoleMode(handleOf(file), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
+bool isUnread() {
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD written = 0;
+    return GetFileType(output) == FILE_TYPE_PIPE &&
+           WriteFile(output, "", 0, &written, nullptr) == 0;
+}
+
+// The pager that comes with Windows shows neither UTF-8 nor colours.
+Pager::Pager() : file_(nullptr) {
+    if (const wchar_t* named = _wgetenv(L"PAGER"); named != nullptr && *named != L'\0') {
+        file_ = _wpopen(named, L"wb");
+    }
+}
+
+Pager::~Pager() {
+    if (file_ != nullptr) {
+        _pclose(file_);
+    }
+}
+
 fs::path pathOf(const std::string& name) {
     return wide(name);
 }

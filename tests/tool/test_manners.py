@@ -1,0 +1,90 @@
+import os
+import unittest
+
+from support import ToolTest, WINDOWS, command, posix_only
+
+import subprocess
+
+if not WINDOWS:
+    import pty
+
+SETTINGS = '{ name = "Kitchen" windows = 3 open = true }'
+PAINTED = ("{\n\t\x1b[34mname\x1b[0m = \x1b[32m\"Kitchen\"\x1b[0m\n"
+           "\t\x1b[34mopen\x1b[0m = \x1b[35mtrue\x1b[0m\n"
+           "\t\x1b[34mwindows\x1b[0m = \x1b[36m3\x1b[0m\n}\n").encode()
+
+
+class Manners(ToolTest):
+    def setUp(self):
+        super().setUp()
+        self.write("a.kel", SETTINGS)
+
+    def on_terminal(self, *arguments, **environment):
+        """Returns what the tool prints if stdout is a terminal."""
+        terminal, stdout = pty.openpty()
+        settings = {name: value for name, value in os.environ.items()
+                    if name not in ("NO_COLOR", "PAGER", "LESS")}
+        process = subprocess.Popen(command(*arguments), cwd=self.folder, stdout=stdout,
+                                   stdin=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                                   env={**settings, **environment})
+        os.close(stdout)
+        shown = b""
+        try:
+            while piece := os.read(terminal, 4096):
+                shown += piece
+        except OSError:
+            pass  # Linux reports in this way that all writers are gone
+        os.close(terminal)
+        self.assertEqual((process.stderr.read(), process.wait()), (b"", 0))
+        process.stderr.close()
+        return shown.replace(b"\r\n", b"\n")
+
+    def test_output_is_coloured_on_request(self):
+        self.assertEqual(self.ok("show", "--color", "always", "a.kel").out, PAINTED)
+        self.assertNotIn(b"\x1b", self.ok("show", "a.kel").out)
+
+    @posix_only("needs a terminal")
+    def test_terminals_have_colours_unless_they_are_refused(self):
+        self.assertEqual(self.on_terminal("show", "--no-pager", "a.kel"), PAINTED)
+        plain = self.ok("show", "a.kel").out
+        for refusal in ({"NO_COLOR": "1"}, {"PAGER": "cat", "NO_COLOR": "1"}):
+            self.assertEqual(self.on_terminal("show", "--no-pager", "a.kel", **refusal), plain)
+        self.assertEqual(self.on_terminal("show", "--no-pager", "--color", "never", "a.kel"), plain)
+        self.assertEqual(self.on_terminal("show", "--no-pager", "a.kel", NO_COLOR=""), PAINTED)
+
+    def test_messages_are_coloured_on_request(self):
+        self.fails(3, "\x1b[1;31mkel: \x1b[0mnone.kel: No such file or directory\n",
+                   "show", "--color", "always", "none.kel")
+
+    @posix_only("needs a terminal")
+    def test_a_pager_shows_all_files_on_a_terminal(self):
+        self.write("b.kel", "7")
+        shown = self.on_terminal("show", "--color", "never", "a.kel", "b.kel", PAGER="tr a-z A-Z")
+        self.assertEqual(shown, self.ok("show", "a.kel", "b.kel").out.upper())
+
+    @posix_only("needs a terminal")
+    def test_a_pager_can_be_left_at_any_time(self):
+        self.write("a.json", "[" + ",".join(["1234567"] * 100000) + "]")
+        self.assertEqual(self.on_terminal("show", "a.json", PAGER="true"), b"")
+
+    def test_show_prints_several_files_and_goes_on_after_an_error(self):
+        self.write("b.kel", "7")
+        result = self.kel("show", "b.kel", "none.kel", "b.kel")
+        self.assertEqual((result.status, result.out, result.err),
+                         (3, b"7\n7\n", "kel: none.kel: No such file or directory\n"))
+
+    def test_quiet_leaves_warnings_out_and_errors_in(self):
+        self.write("a.json", '[1, null]')
+        self.assertIn("warning", self.kel("convert", "--force", "a.json", "b.kel").err)
+        self.ok("convert", "-q", "--force", "a.json", "b.kel")
+        self.fails(3, "kel: none.kel: No such file or directory\n", "show", "--quiet", "none.kel")
+
+    def test_help_describes_a_command(self):
+        self.assertEqual(self.ok("help", "show").out, self.ok("show", "--help").out)
+        self.assertEqual(self.ok("help").out, self.ok("--help").out)
+        self.fails(2, 'kel: unknown command "sho" (did you mean "show"?)\n'
+                      'run "kel --help" for help\n', "help", "sho")
+
+
+if __name__ == "__main__":
+    unittest.main()

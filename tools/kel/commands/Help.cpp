@@ -1,0 +1,44 @@
+#include "Saving.h"
+#include "command/Command.h"
+#include "command/CommandLine.h"
+#include "command/CommandTable.h"
+#include "command/Request.h"
+
+namespace kel::tool {
+
+namespace {
+
+constexpr const char* notes = R"(Prints what "kel COMMAND --help" prints.
+
+Examples:
+  kel help
+  kel help convert)";
+
+class Help : public Command {
+public:
+    void describe(CommandLine& line) override {
+        line.optionalArgument("COMMAND", name_, "Command to describe (default: all, in short)");
+    }
+
+    int run(Console&) override {
+        if (name_.empty()) {
+            print(generalHelp());
+            return 0;
+        }
+        const CommandEntry* entry = findCommand(name_);
+        if (entry == nullptr) {
+            refuseCommand(name_);
+        }
+        print(helpOf(*entry));
+        return 0;
+    }
+
+private:
+    std::string name_;
+};
+
+} // namespace
+
+extern const CommandEntry helpCommand{"help", "Describe a command", notes, makeCommand<Help>};
+
+} // namespace kel::tool
