@@ -36,7 +36,7 @@ packages_for() {
         bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3 jq time" ;;
         linux32) echo "g++-multilib googletest" ;;
         fuzz) echo "clang libclang-rt-14-dev nlohmann-json3-dev g++-multilib" ;;
-        windows) echo "g++-mingw-w64-i686-posix googletest" ;;
+        windows) echo "g++-mingw-w64-i686-posix googletest python3 python3-pefile" ;;
         *)
             echo "install-deps.sh: unknown purpose '$1'" >&2
             exit 2

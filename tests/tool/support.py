@@ -20,7 +20,9 @@ LAUNCHER = [part for part in [os.environ.get("KEL_LAUNCHER")] if part]
 WINDOWS = TOOL.endswith(".exe")
 SMALL_STACK = 256 * 1024
 
-if not WINDOWS:
+if WINDOWS:
+    import pefile
+else:
     import resource
 
 
@@ -52,14 +54,10 @@ def tool_with_small_stack():
     atexit.register(shutil.rmtree, folder, ignore_errors=True)
     for library in pathlib.Path(TOOL).parent.glob("*.dll"):
         shutil.copy(library, folder)
-    image = bytearray(pathlib.Path(TOOL).read_bytes())
-    header = struct.unpack_from("<I", image, 0x3C)[0]
-    optional = header + 24
-    if image[header:header + 4] != b"PE\0\0" or image[optional:optional + 2] != b"\x0B\x01":
-        raise ValueError(f"{TOOL} is not a 32-bit Windows program")
-    struct.pack_into("<I", image, optional + 72, SMALL_STACK)
+    image = pefile.PE(TOOL)
+    image.OPTIONAL_HEADER.SizeOfStackReserve = SMALL_STACK
     copy = pathlib.Path(folder, "kel.exe")
-    copy.write_bytes(image)
+    image.write(str(copy))
     copy.chmod(0o755)
     return str(copy)
 

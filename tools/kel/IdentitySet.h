@@ -5,37 +5,43 @@
 #include "Values.h"
 
 #include <array>
-#include <vector>
+#include <cstdint>
+#include <unordered_map>
 
 namespace kel::tool {
 
-/// Finds values whose identity another value already has. It is an open hash table, because it gets
-/// every value of a document. Files choose identities, so the hash has a key that no file can know.
+/// Finds values whose identity another value already has. Files choose identities, so the hash has a
+/// key that no file can know.
 class IdentitySet {
 public:
-    IdentitySet();
+    IdentitySet() : values_(usualSize, KeyedHash()) {}
 
     /// Adds the value, which must stay alive. \return false if another value with its identity was
     /// added before; the zero identity never counts as added
     bool insert(const KEL& value);
 
 private:
-    struct Slot {
-        uint64_t hash = 0;
-        const KEL* value = nullptr; ///< null for a free slot
+    static constexpr size_t usualSize = 1024;
+
+    /// Places identities by unpredictable bits, drawn as the library draws the identities of new
+    /// values.
+    class KeyedHash {
+    public:
+        KeyedHash();
+
+        /// Returns the upper half of a sum of products with unknown factors. It makes any two
+        /// identities collide about as rarely as random numbers do.
+        size_t operator()(const JHashCode& identity) const {
+            const uint64_t sum = identity.w0 * key_[0] + identity.w1 * key_[1] +
+                                 identity.w2 * key_[2] + identity.w3 * key_[3];
+            return static_cast<size_t>(sum >> 32U);
+        }
+
+    private:
+        std::array<uint64_t, 4> key_;
     };
 
-    uint64_t hashOf(const JHashCode& identity) const;
-    Slot& slotOf(uint64_t hash, const JHashCode& identity);
-    size_t firstPlaceOf(uint64_t hash) const {
-        return static_cast<size_t>(hash >> 32U) & (slots_.size() - 1);
-    }
-    size_t nextPlace(size_t place) const { return (place + 1) & (slots_.size() - 1); }
-    void grow();
-
-    std::array<uint64_t, 4> key_;
-    std::vector<Slot> slots_; ///< their number is a power of two, and at most half of them are used
-    size_t count_ = 0;
+    std::unordered_map<JHashCode, const KEL*, KeyedHash> values_;
 };
 
 } // namespace kel::tool
