@@ -6,7 +6,7 @@
 #pragma once
 
 #include <kel/cpp/atomic.hpp>
-#include <kel/cpp/merge.hpp>
+#include <kel/cpp/load_into.hpp>
 #include <kel/cpp/visit.hpp>
 #include <kel/cpp/watch_tree.hpp>
 #include <kel/cpp/watch_values.hpp>

@@ -106,6 +106,56 @@ TEST(FileIo, AnEmptyFileHoldsNoValue) {
               kel::detail::name_of(folder / "a.kel") + ": holds no value");
 }
 
+TEST(FileIo, AMalformedFileIsNotAFailureOfTheSystem) {
+    const Folder folder;
+    const auto file = folder / "a.kel";
+    for (const char* content : {"", "{", "1 2", "}", "KEL"}) {
+        put(file, content);
+        EXPECT_THROW(kel::load(file), kel::malformed) << content;
+        EXPECT_THROW(kel::load_or(file, nullptr), kel::malformed) << content;
+        EXPECT_EQ(failure([&] { kel::load(file); }).reason(), std::error_code()) << content;
+    }
+    EXPECT_THROW(kel::from_text("["), kel::malformed);
+    EXPECT_THROW(kel::from_binary("x"), kel::malformed);
+    const auto is_malformed = [](const auto& action) {
+        try {
+            action();
+        } catch (const kel::malformed&) {
+            return true;
+        } catch (const kel::io_error&) {
+            return false;
+        }
+        return true;
+    };
+    EXPECT_FALSE(is_malformed([&] { kel::load(folder / "none.kel"); }));
+    EXPECT_FALSE(is_malformed([&] { kel::load(folder.path()); })) << "a folder";
+    EXPECT_FALSE(is_malformed([&] { kel::save(nullptr, folder / "a.kelb"); }));
+}
+
+TEST(FileIo, AFileIsLoadedIntoAStruct) {
+    const Folder folder;
+    const auto file = folder / "a.kel";
+    kel::checked panel({{"gain", kel::describe<int>().range(0, 9).fallback(5)}});
+    kel::value rack = kel::object({{"1", panel}});
+    EXPECT_THROW((void)kel::load_into(panel, file), kel::io_error) << "it does not exist";
+    EXPECT_TRUE(kel::load_into_if_exists(panel, file).empty());
+    put(file, "{ gain = 7 pan = 1 }");
+    EXPECT_EQ(kel::load_into(rack["1"], file).size(), 1U);
+    EXPECT_EQ(panel.get<int>("gain"), 7);
+    put(file, "{}");
+    EXPECT_TRUE(kel::load_into(panel, file, kel::missing::reset).empty());
+    EXPECT_EQ(panel.get<int>("gain"), 5);
+    put(file, "{ gain = 8 }");
+    EXPECT_TRUE(kel::load_into_if_exists(panel, file).empty());
+    EXPECT_EQ(panel.get<int>("gain"), 8);
+    EXPECT_THROW((void)kel::load_into(panel, file, kel::missing::keep, kel::format::binary),
+                 kel::malformed);
+    put(file, "[]");
+    EXPECT_EQ(said([&] { (void)kel::load_into_if_exists(panel, file); }),
+              kel::detail::name_of(file) + ": wanted a struct, found an array.");
+    EXPECT_THROW((void)kel::load_into(panel, file), kel::malformed);
+}
+
 TEST(FileIo, AMissingFileHasAReason) {
     const Folder folder;
     const kel::io_error thrown = failure([&] { kel::load(folder / "none.kel"); });
@@ -253,7 +303,7 @@ TEST(FileIo, TextThatWouldNotBeReadAgainIsRefused) {
         {kel::object({{"a", kel::bytes(3)}}), "a: text cannot hold the bytes of a memory block"},
     };
     for (const auto& [content, loss] : losses) {
-        EXPECT_EQ(kel::lost_in_text(content), loss);
+        EXPECT_EQ(kel::lost_in_text(content), std::vector<std::string>{loss});
         EXPECT_THROW(kel::save(content, file), kel::io_error);
         EXPECT_THROW(kel::save_atomically(content, file), kel::io_error);
         EXPECT_THROW(kel::append(content, file), kel::io_error);
@@ -261,8 +311,19 @@ TEST(FileIo, TextThatWouldNotBeReadAgainIsRefused) {
         kel::save(content, folder / "exact.kelb");
     }
     EXPECT_EQ(kel::load(file)["volume"].get<int>(), 7);
-    EXPECT_EQ(kel::lost_in_text(kel::object({{"a", 0.123456789}, {"b", kel::array({1})}})), "");
-    EXPECT_EQ(kel::lost_in_text(kel::value()), "");
+    const kel::value harmless = kel::object({{"a", 0.123456789}, {"b", kel::array({1})}});
+    EXPECT_TRUE(kel::lost_in_text(harmless).empty());
+    EXPECT_TRUE(kel::lost_in_text(kel::value()).empty());
+}
+
+TEST(FileIo, AllLossesInTextAreListed) {
+    const kel::value list = kel::array({"\"", 1, "\""});
+    EXPECT_EQ(kel::lost_in_text(kel::object({{"a", list}, {"b", 5e9}, {"c", list}})),
+              (std::vector<std::string>{
+                  "a[0]: text cannot hold a String with a double quote",
+                  "a[2]: text cannot hold a String with a double quote",
+                  "b: text cannot hold a Double of 2147483648 or more, or one that is no number"}))
+        << "a list in two places is looked at once";
 }
 
 TEST(FileIo, LossesInTextAreSoughtOnceInEachContainer) {
@@ -270,10 +331,10 @@ TEST(FileIo, LossesInTextAreSoughtOnceInEachContainer) {
     for (int i = 0; i < 60; ++i) {
         shared = kel::array({shared, shared});
     }
-    EXPECT_EQ(kel::lost_in_text(shared), "");
+    EXPECT_TRUE(kel::lost_in_text(shared).empty());
     kel::value cycle = kel::array();
     cycle.push_back(cycle);
-    EXPECT_EQ(kel::lost_in_text(cycle), "");
+    EXPECT_TRUE(kel::lost_in_text(cycle).empty());
     cycle.clear();
 }
 

@@ -60,11 +60,39 @@ TEST(Merge, ReturnsWhatDoesNotFit) {
                "[window.width] window.width: no such variable.",
                "[window[\"size of\"].x] window[\"size of\"].x: no such variable."}));
     EXPECT_EQ(settings, before);
-    EXPECT_EQ(messages(settings.merge(kel::array())),
-              (Lines{"[] wanted a struct, found an array."}));
-    EXPECT_EQ(messages(settings.merge(nullptr)), (Lines{"[] wanted a struct, found null."}));
-    EXPECT_THROW((void)kel::value(1).merge(saved), kel::type_error);
     EXPECT_EQ(settings["window"].merge(kel::object({{"a", 1}})).size(), 1U);
+}
+
+TEST(Merge, NeedsTwoStructs) {
+    kel::checked panel = makePanel();
+    const auto message = [&panel](const kel::value& document) -> std::string {
+        try {
+            return std::to_string(panel.merge(document, kel::missing::reset).size());
+        } catch (const kel::type_error& failure) {
+            return failure.what();
+        }
+    };
+    panel.set("gain", 3);
+    EXPECT_EQ(message(kel::array()), "the document: wanted a struct, found an array.");
+    EXPECT_EQ(message(nullptr), "the document: wanted a struct, found null.");
+    EXPECT_EQ(panel.get<double>("gain"), 3.0) << "nothing has changed";
+    EXPECT_THROW((void)kel::value(1).merge(panel), kel::type_error);
+}
+
+TEST(Merge, AMismatchIsAnUnknownNameOrARefusedValue) {
+    const kel::value document = kel::object({{"gain", 99}, {"note", "x"}, {"version", 2}});
+    const auto unknown = [&document](kel::value target) {
+        Lines names;
+        for (const kel::mismatch& each : target.merge(document)) {
+            names.push_back(each.path + (each.is_unknown ? " unknown" : " refused"));
+        }
+        return names;
+    };
+    kel::checked panel = makePanel();
+    panel["note"] = "not described";
+    EXPECT_EQ(unknown(panel), (Lines{"gain refused", "note unknown", "version unknown"}));
+    EXPECT_EQ(unknown(kel::object({{"gain", "x"}, {"note", 1}})),
+              (Lines{"gain refused", "note refused", "version unknown"}));
 }
 
 TEST(Merge, ACheckedStructAsksItsDescriptions) {

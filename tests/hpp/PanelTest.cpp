@@ -118,4 +118,53 @@ TEST(Panel, AllVariablesAreResetAtOnce) {
     EXPECT_EQ(panel.try_set("odd name", 2).message(), "[\"odd name\"]: no such variable.");
 }
 
+/// Returns what the type_error of the action says.
+template <class Action> std::string refused(const Action& action) {
+    try {
+        action();
+    } catch (const kel::type_error& failure) {
+        return failure.what();
+    }
+    return "(nothing thrown)";
+}
+
+TEST(Panel, APlaceHasTheControlsOfItsVariable) {
+    kel::value rack = kel::object({{"1", makePanel()}});
+    rack.at_path("1.pan").set_normalised(1);
+    EXPECT_EQ(rack["1"]["pan"].text(), "100 %");
+    rack["1"]["pan"].step_by(-1);
+    EXPECT_EQ(rack.at_path("1.pan").normalised(), 0.995);
+    EXPECT_TRUE(rack["1"]["pan"].try_set_text("7 %"));
+    EXPECT_TRUE(rack["1"]["level"].is_default());
+    EXPECT_TRUE(rack["1"]["level"].try_set(-3));
+    EXPECT_TRUE(rack["1"]["level"].try_set(std::int64_t{-4}));
+    EXPECT_FALSE(rack["1"]["level"].is_default());
+    rack["1"]["level"].reset();
+    EXPECT_TRUE(rack["1"]["level"].is_default());
+    const kel::value fixed = rack;
+    EXPECT_EQ(fixed["1"]["pan"].text(), "7 %");
+    EXPECT_EQ(fixed["1"]["rate"].choice_texts(), (Texts{"1 kHz", "2 kHz", "4 kHz"}));
+    EXPECT_EQ(fixed["1"]["rate"].allowed_text(), "one of 1, 2, 4");
+    EXPECT_EQ(fixed["1"]["rate"].description().unit(), " kHz");
+    EXPECT_TRUE(fixed["1"]["rate"].has_scale());
+    EXPECT_FALSE(fixed["1"]["name"].has_scale());
+}
+
+TEST(Panel, ARefusalOfAPlaceBeginsWithItsWholePath) {
+    kel::value rack = kel::object({{"1", makePanel()}, {"list", kel::array({makePanel()})}});
+    EXPECT_EQ(rack["1"]["pan"].try_set(101).message(),
+              "1.pan: 101 is not allowed; allowed is from -100 to 100.");
+    EXPECT_EQ(rack.at_path("1.level").try_set(5'000'000'000).message(),
+              "1.level: 5e+09 is not allowed; allowed is from -60 to 0.");
+    EXPECT_EQ(rack["list"][0]["pan"].try_set_text("x").message(),
+              "list[0].pan: \"x\" is not a number; allowed is from -100 to 100.");
+    EXPECT_EQ(rack["1"]["nope"].try_set(1).message(), "1.nope: no such variable.");
+    EXPECT_THROW(rack["1"]["nope"].reset(), kel::not_found);
+    EXPECT_THROW(rack["2"]["pan"].step_by(1), kel::not_found);
+    EXPECT_EQ(refused([&] { rack["1"].step_by(1); }), "1: not a variable of a checked struct.");
+    EXPECT_EQ(refused([&] { (void)rack["list"][0].text(); }),
+              "list[0]: not a variable of a checked struct.");
+    EXPECT_EQ(refused([&] { rack.at_path("").step_by(1); }), "not a variable of a checked struct.");
+}
+
 } // namespace

@@ -1,7 +1,7 @@
 // Places to which a path leads.
-#include <kel/kel.hpp>
+#include "ValueSupport.h"
 
-#include <gtest/gtest.h>
+using namespace value_test;
 
 namespace {
 
@@ -21,6 +21,44 @@ template <class Failure, class Action> std::string thrown(const Action& action) 
 
 int number(const kel::value& given) {
     return given.get<int>();
+}
+
+TEST(Path, LeadsToAValue) {
+    const kel::value tree =
+        kel::object({{"window", kel::object({{"size", kel::array({640, 480})}})},
+                     {"odd name", kel::object({{"a\\", 1}})}});
+    EXPECT_EQ(tree.at_path("window.size[0]").get<int>(), 640);
+    EXPECT_EQ(tree.at_path("[\"odd name\"][\"a\\\\\"]").get<int>(), 1);
+    EXPECT_TRUE(kel::same(tree.at_path(""), tree));
+    EXPECT_EQ(thrown<kel::not_found>([&] { tree.at_path("window.size[2]"); }),
+              "window.size[2]: the array has 2 elements.");
+    EXPECT_EQ(thrown<kel::not_found>([&] { tree.at_path("window.width.x"); }),
+              "window.width: no such variable.");
+    EXPECT_EQ(thrown<kel::type_error>([&] { tree.at_path("window.size.x"); }),
+              "window.size: wanted a struct, found an array.");
+}
+
+TEST(Path, OneThatCannotBeReadSaysWhere) {
+    const kel::value tree = kitchen();
+    for (const char* path : {".", "tags.", "tags..b", "[", "[]", "[x]", "[1", "[\"a", "[\"a\"",
+                             "tags[0]x", "[\"", "tags["}) {
+        const std::string message = thrown<kel::not_found>([&] { tree.at_path(path); });
+        EXPECT_NE(message.find(path), std::string::npos) << message;
+    }
+}
+
+TEST(Path, GoesThroughPairsAndManagers) {
+    const kel::ref<KEL_IndexList> list = kel::adopt(CreateKELIndexList());
+    list->addPair(kel::value("red").raw(), kel::value(7).raw());
+    const kel::ref<KEL_Manager> manager = kel::adopt(CreateKELManager());
+    manager->addKel(kel::value(3).raw());
+    const kel::value tree = kel::array({kel::value(list), kel::value(manager)});
+    EXPECT_EQ(tree.at_path("[0][0].key").get<std::string>(), "red");
+    EXPECT_EQ(tree.at_path("[0][0].item").get<int>(), 7);
+    EXPECT_EQ(tree.at_path("[1][0]").get<int>(), 3);
+    EXPECT_THROW(tree.at_path("[0][1].key"), kel::not_found);
+    EXPECT_THROW(tree.at_path("[0][0]"), kel::not_found);
+    EXPECT_THROW(tree.at_path("[0][0].value"), kel::not_found);
 }
 
 TEST(Path, StoresAndChangesAsABracketDoes) {

@@ -168,6 +168,29 @@ TEST_F(HppWatch, DestroysTheFunctionAtTheEnd) {
 
 // Inside a call
 
+TEST_F(HppWatch, ASubscriptionNeedNotBeTheLastMember) {
+    struct Owner {
+        explicit Owner(int& calls) {
+            all.push_back(kel::watch(tree, [&calls](const kel::value&) { ++calls; }));
+            const auto count = [&calls](std::string_view, const kel::value&) { ++calls; };
+            all.push_back(kel::watch_tree(tree, count));
+            all.push_back(kel::watch_values(tree, count));
+        }
+        std::vector<kel::subscription> all;
+        kel::value tree = kel::object({{"list", kel::array({1, 2})}}); // destroyed before
+        kel::value list = tree["list"];
+    };
+    int calls = 0;
+    {
+        Owner owner(calls);
+        owner.list.push_back(3);
+        EXPECT_EQ(calls, 2);
+        owner.tree.erase("list");
+        EXPECT_EQ(calls, 4);
+    }
+    EXPECT_EQ(calls, 4) << "releasing a value is not a change";
+}
+
 TEST_F(HppWatch, OneThatEndsItselfMakesNobodyMissACall) {
     a = kel::watch(number, writing('a', [this] { a.end(); }));
     b = kel::watch(number, writing('b'));

@@ -2,9 +2,7 @@
 /// checked: a handle to a checked struct, which stores only what its description allows.
 #pragma once
 
-#include <kel/cpp/describe.hpp>
-#include <kel/cpp/scale.hpp>
-#include <kel/cpp/typed_text.hpp>
+#include <kel/cpp/described_variable.hpp>
 
 namespace kel {
 inline namespace v1 {
@@ -24,22 +22,6 @@ template <class T>
 inline constexpr bool names_a_variable<T, std::void_t<decltype(std::declval<T>().second)>> = true;
 
 } // namespace detail
-
-/// Whether a value was stored, and if not, why.
-class [[nodiscard]] outcome {
-public:
-    outcome() = default;
-    /// Makes one that states why nothing was stored.
-    explicit outcome(std::string reason) : reason_(std::move(reason)) {}
-
-    /// Returns true if the value was stored.
-    explicit operator bool() const noexcept { return reason_.empty(); }
-    /// Returns the reason, which says what is allowed. Empty if the value was stored.
-    const std::string& message() const noexcept { return reason_; }
-
-private:
-    std::string reason_;
-};
 
 /// Holds one reference to a checked struct.
 ///
@@ -111,6 +93,12 @@ public:
         return self.at_path(path);
     }
 
+    /// Return the same as the operations of value. contains does not count defaults, find does, and
+    /// the items contain the description "@desc".
+    bool contains(const detail::text& name) const { return value(*this).contains(name); }
+    value find(const detail::text& name) const { return value(*this).find(name); }
+    item_range items() const { return value(*this).items(); }
+
     /// Returns another checked struct with copies of the values and of the description.
     checked copy() const { return checked(value(*this).copy()); }
 
@@ -123,33 +111,26 @@ public:
 
     /// Stores a value if the variable is described and allows it.
     outcome try_set(const detail::text& name, const value& content) {
-        const std::string path = detail::path_to(name.c_str());
-        return outcome(detail::try_store(target(), name.c_str(), path, content.raw()));
+        return variable(name).try_set(content);
     }
     /// An integer of more than 32 bits is stored as a Double if the description allows that.
     template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
     outcome try_set(const detail::text& name, Integer number) {
-        const auto path = [&name] { return detail::path_to(name.c_str()); };
-        return try_set(name, detail::value_for(number, true, path));
+        return variable(name).try_set(number);
     }
     /// Does the same, but throws the reason.
     /// \throws not_allowed with the reason
-    void set(const detail::text& name, const value& content) { require(try_set(name, content)); }
+    void set(const detail::text& name, const value& content) { variable(name).set(content); }
     template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
     void set(const detail::text& name, Integer number) {
-        require(try_set(name, number));
+        variable(name).set(number);
     }
     /// Stores the value that a person typed, as text returns and shows it: a number with or without
     /// its unit, a choice, or true, on, yes, false, off or no for a truth value, in lower case. The
-    /// whole text must be a value: "12x" is refused. Numbers have a decimal point in every locale.
+    /// whole text must be a value: "12x" is refused. Blanks at the ends do not count, except in a
+    /// free text. Numbers have a decimal point in every locale.
     outcome try_set_text(const detail::text& name, std::string_view typed) {
-        const MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
-        std::string reason;
-        const value content =
-            rules == nullptr
-                ? value()
-                : detail::read_typed(*rules, detail::path_to(name.c_str()), typed, reason);
-        return reason.empty() ? try_set(name, content) : outcome(reason);
+        return variable(name).try_set_text(typed);
     }
     /// Stores what fits of a document, and returns what does not, as value::merge does. With
     /// missing::reset, the values depend on the document alone, as when a preset is loaded.
@@ -158,16 +139,10 @@ public:
     value values() const { return value(*this).values(); }
     /// Removes the variable, so that it has its default again.
     /// \throws not_found for a variable that is not described
-    void reset(const detail::text& name) {
-        static_cast<void>(description(name.c_str()));
-        value(*this).erase(name);
-    }
+    void reset(const detail::text& name) { variable(name).reset(); }
     /// Returns whether the variable has its default because nothing is stored.
     /// \throws not_found for a variable that is not described
-    bool is_default(const detail::text& name) const {
-        static_cast<void>(description(name.c_str()));
-        return !value(*this).contains(name);
-    }
+    bool is_default(const detail::text& name) const { return variable(name).is_default(); }
     /// Removes all described variables, so that they have their defaults again.
     void reset() {
         for (const std::string& name : names()) {
@@ -177,76 +152,50 @@ public:
 
     /// Returns whether normalised, set_normalised and step_by can be used: for a range, for choices
     /// and for a truth value. Returns false for a variable that is not described.
-    bool has_scale(const detail::text& name) const {
-        const MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
-        return rules != nullptr && (rules->isRanged() || rules->isEnumerated() ||
-                                    rules->getVariableType() == KELKind_Boolean);
-    }
+    bool has_scale(const detail::text& name) const { return variable(name).has_scale(); }
     /// Returns where the variable is between its ends: 0 for the least number, the first choice or
     /// false, 1 for the greatest number, the last choice or true. A value that is not allowed, such
     /// as one of a file, gives the nearer end; one that is not a number or choice gives 0.
     /// \throws error for a variable that has neither a range nor choices
-    double normalised(const detail::text& name) const {
-        const detail::scale ends(rules_of(name), name);
-        return ends.from(current(name));
-    }
+    double normalised(const detail::text& name) const { return variable(name).normalised(); }
     /// Stores the number or choice at this place. A number is rounded to the nearest step, if the
     /// description states a step or forbids values in between. A place outside of 0 to 1 is moved
     /// to the nearer end or, if the variable wraps, by whole turns.
     /// \throws std::out_of_range for a place that is not a number
     void set_normalised(const detail::text& name, double place) {
-        if (std::isnan(place)) {
-            throw std::out_of_range("A place between two ends is a number.");
-        }
-        const MetaKelVarDescriptor& rules = rules_of(name);
-        const detail::scale ends(rules, name);
-        if (rules.getWrapped() && (place < 0 || place > 1)) {
-            place -= std::floor(place);
-        }
-        set(name, ends.at((std::min)(1.0, (std::max)(0.0, place))));
+        variable(name).set_normalised(place);
     }
     /// Moves the variable by a number of steps or choices, up or down. It stops at the ends or, if
     /// the variable wraps, goes on at the other end. One step beyond the greatest of whole numbers
     /// is the least one. Both ends of other numbers are the same place, like 0 and 360 degrees.
-    void step_by(const detail::text& name, int steps) {
-        const MetaKelVarDescriptor& rules = rules_of(name);
-        const detail::scale ends(rules, name);
-        set(name, ends.after(current(name), steps, rules.getWrapped()));
-    }
+    void step_by(const detail::text& name, int steps) { variable(name).step_by(steps); }
     /// Returns the value with the texts before and after it, to be shown: "-6.5 dB".
-    std::string text(const detail::text& name) const {
-        const MetaKelVarDescriptor& rules = rules_of(name);
-        const value content = current(name);
-        return detail::adorned_text(rules, content.raw());
-    }
+    std::string text(const detail::text& name) const { return variable(name).text(); }
     /// Returns all choices as text returns each of them while it is chosen. A truth value has the
     /// choices false and true. Empty for a variable without such a list.
     /// \throws not_found for a variable that is not described
     /// \throws type_error if the description has something else than an array
     std::vector<std::string> choice_texts(const detail::text& name) const {
-        const MetaKelVarDescriptor& rules = rules_of(name);
-        std::vector<std::string> found;
-        if (const value choices = detail::list_of_choices(rules)) {
-            for (const value& each : choices.elements()) {
-                found.push_back(detail::adorned_text(rules, each.raw()));
-            }
-        }
-        return found;
+        return variable(name).choice_texts();
+    }
+    /// Returns what is allowed, in the words of the refusals: "from -60 to 6".
+    /// \throws not_found for a variable that is not described
+    std::string allowed_text(const detail::text& name) const {
+        return description(name).allowed_text();
+    }
+    /// Returns whether a variable is described.
+    bool describes(const detail::text& name) const {
+        return detail::is_described(target(), name.c_str());
     }
     /// Returns the names of the described variables in ascending order.
     std::vector<std::string> names() const { return detail::described_names(target()); }
     /// Returns the description of a variable.
     /// \throws not_found for a variable that is not described
     variable_description description(const detail::text& name) const {
-        return variable_description(share(&rules_of(name)));
+        return variable(name).description();
     }
 
 private:
-    static void require(const outcome& done) {
-        if (!done) {
-            throw not_allowed(done.message());
-        }
-    }
     static ref<MetaKelDescriptor> descriptor(const guid& identity) {
         return detail::make(KELKind_MetaKelDescriptor, identity).as<MetaKelDescriptor>();
     }
@@ -264,25 +213,8 @@ private:
         detail::refuse_reserved(stored);
         detail::call([&] { all.addVar(stored, described.raw()); });
     }
-    MetaKelVarDescriptor& rules_of(const detail::text& name) const {
-        MetaKelVarDescriptor* rules = detail::description_of(target(), name.c_str());
-        if (rules == nullptr) {
-            throw not_found(
-                detail::unknown_in(target(), name.c_str(), detail::path_to(name.c_str())));
-        }
-        return *rules;
-    }
-    /// Returns the variable, or its default if it is missing or null.
-    value current(const detail::text& name) const {
-        value used = value_or_default(name);
-        if (!used) {
-            throw not_found(detail::path_to(name.c_str()) + ": has neither a value nor a default.");
-        }
-        return used;
-    }
-    value value_or_default(const detail::text& name) const {
-        const value stored = value(*this).find(name);
-        return stored ? stored : value(share(rules_of(name).getDefault()));
+    detail::described_variable variable(const detail::text& name) const {
+        return {target(), name.c_str(), detail::path_to(name.c_str())};
     }
     MetaKel& target() const {
         if (!raw_) {

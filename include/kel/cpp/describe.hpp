@@ -79,8 +79,11 @@ public:
     std::string prefix() const { return detail::text_of(raw_->getPreadorn()); }
     /// Returns whether stepping beyond one end goes on at the other.
     bool wrapped() const { return raw_->getWrapped(); }
-    /// Returns whether values between two steps make sense.
-    bool interpolated() const { return raw_->getInterpolated(); }
+    /// Returns whether kel.hpp refuses numbers between two steps.
+    bool stepped() const { return detail::has_only_steps(*raw_); }
+    /// Returns what is allowed, in the words of the refusals: "from -60 to 6", or
+    /// "one of "mono", "stereo"".
+    std::string allowed_text() const { return detail::allowed_by(*raw_); }
 
     /// Returns the descriptor as its public class, borrowed, or as a handle.
     MetaKelVarDescriptor* raw() const noexcept { return raw_.get(); }
@@ -102,7 +105,6 @@ template <class T> class typed_description : public variable_description {
 
 public:
     using variable_description::fallback;
-    using variable_description::interpolated;
     using variable_description::prefix;
     using variable_description::step;
     using variable_description::unit;
@@ -145,7 +147,7 @@ public:
         return *this;
     }
     /// Sets the distance between neighbours. It is used by set_normalised and step_by of
-    /// kel::checked; other values within the range remain allowed.
+    /// kel::checked; other values within the range remain allowed, unless there are only_steps.
     typed_description& step(double distance) & {
         static_assert(detail::is_number<T>, "kel: only numbers have a step.");
         if (!(distance > 0)) {
@@ -171,9 +173,15 @@ public:
         detail::call([&] { own().setWrapped(does); });
         return *this;
     }
-    /// Says whether values between two steps make sense.
-    typed_description& interpolated(bool is) & {
-        detail::call([&] { own().setInterpolated(is); });
+    /// Refuses numbers between two steps, which are counted from the least number, or from 0
+    /// without a range. The step is 1 if it is not stated. Only kel.hpp checks this. The library
+    /// and the tool look at the range alone.
+    typed_description& only_steps() & {
+        static_assert(detail::is_number<T>, "kel: only numbers have a step.");
+        detail::call([&] {
+            own().setStepsize(raw_->getStepsize());
+            own().setInterpolated(false);
+        });
         return *this;
     }
 
@@ -193,7 +201,7 @@ public:
     typed_description unit(const detail::text& a) && { return std::move(unit(a)); }
     typed_description prefix(const detail::text& a) && { return std::move(prefix(a)); }
     typed_description wraps(bool a = true) && { return std::move(wraps(a)); }
-    typed_description interpolated(bool a) && { return std::move(interpolated(a)); }
+    typed_description only_steps() && { return std::move(only_steps()); }
 
 private:
     static value stored(const T& content) { return value(content); }

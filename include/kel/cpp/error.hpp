@@ -74,7 +74,16 @@ public:
     using error::error;
 };
 
-/// Reading or writing failed.
+/// Reading or writing failed. A failure of the system has a reason. A content that cannot be read
+/// is malformed. All other failures are about values that cannot be written in a format.
+///
+///     try {
+///         settings = kel::load("app.kel");
+///     } catch (const kel::malformed& failure) {
+///         repair(failure.line());
+///     } catch (const kel::io_error& failure) {
+///         if (failure.reason() != std::errc::no_such_file_or_directory) { throw; }
+///     }
 class io_error : public error {
 public:
     /// \param file the name of the file; empty for text in memory
@@ -112,6 +121,14 @@ private:
     std::int64_t line_;
     std::int64_t column_;
     std::error_code reason_;
+};
+
+/// A content was read that is not a document: it is damaged, cut off, or not in this format, holds
+/// no value or several, or another kind of value than the caller needs. The system has not failed,
+/// so reading the same content again fails again.
+class malformed : public io_error {
+public:
+    using io_error::io_error;
 };
 
 namespace detail {

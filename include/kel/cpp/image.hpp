@@ -21,10 +21,11 @@ enum class format {
 namespace detail {
 
 /// Returns the length of a text as the library takes it.
-/// \throws io_error for 2 GiB or more
-inline std::int32_t length_of_text(std::uint64_t size, const std::string& name) {
+/// \throws io_error, or another one, for 2 GiB or more
+template <class Failure = io_error>
+std::int32_t length_of_text(std::uint64_t size, const std::string& name) {
     if (size > INT32_MAX) {
-        throw io_error(name, 0, "a text of 2 GiB or more is refused");
+        throw Failure(name, 0, "a text of 2 GiB or more is refused");
     }
     return static_cast<std::int32_t>(size);
 }

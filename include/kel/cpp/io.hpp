@@ -122,8 +122,8 @@ public:
     }
 
     /// Reads the next value, which can be null in text. Returns false after the last one.
-    /// \throws io_error if the content is damaged or ends inside a value. The values before it are
-    ///         valid. Nothing can be read after it, and next throws again.
+    /// \throws malformed if the content is damaged or ends inside a value. The values before it are
+    ///         valid. Nothing can be read after it: next then throws an io_error.
     bool next(value& root) { return roots_->next(root); }
 
     /// Begins a loop over the values that are left. The reader must outlive it.
@@ -138,7 +138,8 @@ private:
 };
 
 /// Returns the only value of a file. The word null in a text gives null.
-/// \throws io_error for a file with none or several, and for one that cannot be read
+/// \throws malformed for a file with none or several, and for a damaged one
+/// \throws io_error, with the reason of the system, for a file that cannot be opened or read
 inline value load(const file_name& file, format how = format::automatic) {
     return detail::only_root(detail::name_of(file), detail::content_of(file), how);
 }

@@ -49,17 +49,13 @@ private:
             merge_part(part(parts_[next_])); // adding can move the parts
         }
     }
-    void note(const std::string& path, std::string reason) {
+    void note(const std::string& path, std::string reason, bool is_unknown = false) {
         if (!reason.empty()) {
-            found_.push_back({path, std::move(reason)});
+            found_.push_back({path, std::move(reason), is_unknown});
         }
     }
 
     void merge_part(const part& at) {
-        if (struct_of(at.source.raw()) == nullptr) {
-            note(at.path, why_not_kind(KELKind_Struct, at.path, at.source.raw()));
-            return;
-        }
         std::set<std::string> taken;
         for (const auto& [name, content] : contents_of(at.source)) {
             std::string path = at.path;
@@ -68,7 +64,7 @@ private:
             if (MetaKel* target = checked_of(at.target.raw())) {
                 std::string reason = try_store(*target, name.c_str(), path, content.raw());
                 is_taken = reason.empty() && content;
-                note(path, std::move(reason));
+                note(path, std::move(reason), !is_described(*target, name.c_str()));
             } else {
                 is_taken = merge_variable(at.target, name.c_str(), content, path);
             }
@@ -136,7 +132,7 @@ private:
                         const std::string& path) {
         KELVarCursor at;
         if (!walk_of(target.raw())->findVar(at, name)) {
-            note(path, path + ": no such variable.");
+            note(path, path + ": no such variable.", true);
             return false;
         }
         value known(share(at.value));
@@ -173,6 +169,9 @@ private:
 
 inline std::vector<mismatch> value::merge(const value& source, missing rest) {
     as_struct();
+    if (detail::struct_of(source.raw()) == nullptr) {
+        detail::raise_wrong_kind("the document", words(kel::kind::structure), source.raw());
+    }
     return detail::merger(rest).merge(*this, source);
 }
 inline std::vector<mismatch> place::merge(const value& source, missing rest) && {

@@ -6,6 +6,10 @@
 
 namespace kel {
 inline namespace v1 {
+
+class outcome;
+class variable_description;
+
 namespace detail {
 
 /// Stores a value in a checked struct, or throws the reason why it is not allowed. Null clears.
@@ -109,6 +113,16 @@ public:
     detail::reached<const_place> at_path(std::string_view path) &&;
     value copy() && { return value(std::move(*this)).copy(); }
     value values() && { return value(std::move(*this)).values(); }
+
+    /// Return the same as the operations of kel::checked for its variable here.
+    /// \throws type_error, with the path, unless this is a variable of a checked struct
+    bool has_scale() &&;
+    double normalised() &&;
+    std::string text() &&;
+    std::vector<std::string> choice_texts() &&;
+    std::string allowed_text() &&;
+    variable_description description() &&;
+    bool is_default() &&;
 
     /// Returns the place of a variable or element inside this one.
     const_place operator[](const char* name) && { return const_place(this, name); }
@@ -245,6 +259,16 @@ public:
     bool erase(const detail::text& name) && { return to_change().erase(name); }
     void clear() && { to_change().clear(); }
     detail::reached<place> at_path(std::string_view path) &&;
+
+    /// Do the same as the operations of kel::checked for its variable here.
+    /// \throws type_error, with the path, unless this is a variable of a checked struct
+    outcome try_set(const value& content) &&;
+    template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
+    outcome try_set(Integer number) &&;
+    outcome try_set_text(std::string_view typed) &&;
+    void set_normalised(double where) &&;
+    void step_by(int steps) &&;
+    void reset() &&;
 
     /// Returns the place of a variable or element inside this one.
     place operator[](const char* name) && { return place(this, name); }

@@ -26,7 +26,7 @@ public:
     virtual ~roots() = default;
 
     /// Reads the next root. \return false at the end
-    /// \throws io_error for a content that cannot be read, then and at every later call
+    /// \throws malformed for a content that cannot be read, and io_error at every later call
     bool next(value& out) {
         if (has_failed_) {
             throw io_error(name_, 0, "cannot be read on after a failure");
@@ -38,12 +38,12 @@ public:
     }
 
     /// Reads the only root.
-    /// \throws io_error also for none and for several
+    /// \throws malformed also for none and for several
     value only() {
         value root;
         value another;
         if (!next(root)) {
-            throw io_error(name_, 0, "holds no value");
+            throw malformed(name_, 0, "holds no value");
         }
         if (next(another)) {
             refuse_more();
@@ -55,7 +55,7 @@ protected:
     virtual bool read(value& out) = 0;
 
     [[noreturn]] void refuse_more() const {
-        throw io_error(name_, 0, "holds more than one value (kel::reader reads several)");
+        throw malformed(name_, 0, "holds more than one value (kel::reader reads several)");
     }
 
     const std::string name_;
@@ -83,7 +83,7 @@ public:
 
 private:
     ref<KELInputStream> open(std::size_t size) const {
-        const std::int32_t length = length_of_text(size, name_);
+        const std::int32_t length = length_of_text<malformed>(size, name_);
         return adopt_made<KELInputStream>(CreateKELStringInputStream(content_.data(), length));
     }
 
@@ -125,7 +125,7 @@ private:
     }
 
     /// Moves the line from the end of the library's message into the failure.
-    io_error located(std::string message) const {
+    malformed located(std::string message) const {
         constexpr std::string_view lead = "Error reading KEL - ";
         constexpr std::string_view before_line = " at line: ";
         std::int64_t line = 0;
@@ -144,7 +144,7 @@ private:
         if (message.compare(0, lead.size(), lead) == 0) {
             message.erase(0, lead.size());
         }
-        return io_error(name_, line, message, {}, at == std::string::npos ? 0 : column_in(line));
+        return malformed(name_, line, message, {}, at == std::string::npos ? 0 : column_in(line));
     }
 
     /// Returns the column of the last byte that was read, or 0 if that is not in this line.
@@ -209,7 +209,7 @@ private:
     }
 
     [[noreturn]] void fail(std::size_t offset, const std::string& message) const {
-        throw io_error(name_, 0, "byte offset " + std::to_string(offset) + ": " + message);
+        throw malformed(name_, 0, "byte offset " + std::to_string(offset) + ": " + message);
     }
 
     /// Returns whether the magic, or what is left of it, is in the next place.
@@ -269,7 +269,7 @@ inline std::unique_ptr<roots> roots_of(std::string name, std::string content, fo
 }
 
 /// Returns the only root of this content.
-/// \throws io_error also for none and for several
+/// \throws malformed also for none and for several
 inline value only_root(std::string name, std::string content, format how) {
     if (is_binary(content, how)) {
         binary_roots input(std::move(name), std::move(content));
@@ -282,13 +282,13 @@ inline value only_root(std::string name, std::string content, format how) {
 } // namespace detail
 
 /// Returns the only value of a text.
-/// \throws io_error for a text with none or several, and for one that cannot be read
+/// \throws malformed for a text with none or several, and for one that cannot be read
 inline value from_text(std::string text) {
     return detail::only_root({}, std::move(text), format::text);
 }
 
 /// Returns the only value of a content in binary.
-/// \throws io_error as from_text
+/// \throws malformed as from_text
 inline value from_binary(std::string content) {
     return detail::only_root({}, std::move(content), format::binary);
 }

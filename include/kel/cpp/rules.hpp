@@ -26,17 +26,23 @@ inline double greatest_of(const MetaKelVarDescriptor& rules) {
     return bound_of(call([&] { return rules.getMax(); }));
 }
 
-/// Returns the list of allowed values.
-/// \throws type_error if it is none
-inline value choices_of(const MetaKelVarDescriptor& rules) {
+/// Returns the list of allowed values. Returns null if the description has none, or something else
+/// than an array.
+inline value find_choices(const MetaKelVarDescriptor& rules) {
     return call([&] {
-        KEL_Array* list =
-            array_of(find_variable(*walk_of(rules.getStruct()), rules.getStruct(), "enum").object);
-        if (list == nullptr) {
-            raise_wrong_kind("the allowed values", words(kind::array), nullptr);
-        }
-        return value(share(list));
+        return value(share(array_of(
+            find_variable(*walk_of(rules.getStruct()), rules.getStruct(), "enum").object)));
     });
+}
+
+/// Returns the list of allowed values.
+/// \throws type_error where find_choices returns null
+inline value choices_of(const MetaKelVarDescriptor& rules) {
+    value list = find_choices(rules);
+    if (!list) {
+        raise_wrong_kind("the allowed values", words(kind::array), nullptr);
+    }
+    return list;
 }
 
 /// Returns a value for a message: numbers in their shortest form, text in quotes.
@@ -100,17 +106,60 @@ inline KEL* default_of(const MetaKel& source, const char* name) {
     return rules == nullptr ? nullptr : rules->getDefault();
 }
 
+/// Returns whether a description allows only numbers at whole steps from the least one, or from 0.
+/// The library allows those in between too.
+inline bool has_only_steps(const MetaKelVarDescriptor& rules) {
+    return !rules.isEnumerated() && !rules.getInterpolated() && rules.hasStepsize() &&
+           rules.getStepsize() > 0;
+}
+
+/// Returns whether a number is at a step, or as near to one as the decimals of text leave it.
+inline bool is_at_step(const MetaKelVarDescriptor& rules, double number) {
+    constexpr double tolerance = 1e-3; // of a step
+    const double first = rules.isRanged() ? least_of(rules) : 0;
+    const double steps = (number - first) / rules.getStepsize();
+    return std::abs(steps - std::round(steps)) < tolerance;
+}
+
+/// Returns words for the values of a list of choices.
+inline std::string one_of_words(const value& choices) {
+    std::string list;
+    if (choices) {
+        for (const value& each : choices.elements()) {
+            list += (list.empty() ? "one of " : ", ") + shown(each.raw());
+        }
+    }
+    return list.empty() ? "nothing" : list;
+}
+
+/// Returns words for all values of a kind, which 0 leaves open.
+inline std::string any_words(std::int32_t type) {
+    return type == 0                 ? "any value"
+           : type == KELKind_Int     ? "any whole number of 32 bits"
+           : type == KELKind_Double  ? "any number"
+           : type == KELKind_Boolean ? "true or false"
+           : type == KELKind_String  ? "any text"
+                                     : words(static_cast<kind>(type));
+}
+
 /// Says what a description allows: "from -60 to 6", or "one of "mono", "stereo"".
 inline std::string allowed_by(const MetaKelVarDescriptor& rules) {
-    if (rules.isRanged()) {
-        return "from " + shown(call([&] { return rules.getMin(); })) + " to " +
-               shown(call([&] { return rules.getMax(); }));
+    if (!rules.isRanged() && rules.isEnumerated()) {
+        return one_of_words(find_choices(rules));
     }
-    std::string choices = "one of ";
-    for (const value& each : choices_of(rules).elements()) {
-        choices += (choices.size() > 7 ? ", " : "") + shown(each.raw());
+    const std::string numbers = rules.isRanged()
+                                    ? "from " + shown(call([&] { return rules.getMin(); })) +
+                                          " to " + shown(call([&] { return rules.getMax(); }))
+                                    : any_words(rules.getVariableType());
+    return numbers + (has_only_steps(rules) ? " in steps of " + shortest(rules.getStepsize()) : "");
+}
+
+/// Adds what the description allows to a reason, unless it allows every value of its kind.
+inline std::string with_allowed(const MetaKelVarDescriptor& rules, std::string reason) {
+    if (rules.isRanged() || rules.isEnumerated() || has_only_steps(rules)) {
+        reason.replace(reason.size() - 1, 1, "; allowed is " + allowed_by(rules) + '.');
     }
-    return choices;
+    return reason;
 }
 
 /// Returns why a variable of a kind cannot have a value, or nothing if it can. Int and Double
@@ -134,11 +183,14 @@ inline std::string why_not(const MetaKelVarDescriptor& rules, const std::string&
                            KEL* content) {
     const std::int32_t wanted = rules.getVariableType();
     std::string reason = wanted == 0 ? std::string() : why_not_kind(wanted, path, content);
-    if (reason.empty() && !call([&] { return rules.isValid(content); })) {
-        reason =
-            path + ": " + shown(content) + " is not allowed; allowed is " + allowed_by(rules) + '.';
+    double number = 0;
+    if (reason.empty() && (!call([&] {
+            return rules.isValid(content);
+        }) || (has_only_steps(rules) && content != nullptr &&
+               read(*content, number) == reading::done && !is_at_step(rules, number)))) {
+        reason = path + ": " + shown(content) + " is not allowed.";
     }
-    return reason;
+    return reason.empty() ? reason : with_allowed(rules, std::move(reason));
 }
 
 inline void require_allowed(const MetaKel& target, const char* name, const std::string& path,

@@ -36,7 +36,8 @@ inline value list_of_choices(const MetaKelVarDescriptor& rules) {
 /// The ends of a described variable, and what lies between.
 class scale {
 public:
-    scale(const MetaKelVarDescriptor& rules, const text& name) {
+    /// \throws error for a variable that has neither a range nor choices, with its path
+    scale(const MetaKelVarDescriptor& rules, const std::string& path) {
         if (rules.isRanged()) {
             least_ = least_of(rules);
             greatest_ = greatest_of(rules);
@@ -51,7 +52,7 @@ public:
             choices_ = list_of_choices(rules);
         }
         if (!rules.isRanged() && !choices_) {
-            throw error(path_to(name.c_str()) + ": has neither a range nor choices.");
+            throw error(path + ": has neither a range nor choices.");
         }
     }
 

@@ -35,23 +35,24 @@ inline const char* loss_of(KEL& object) {
 
 } // namespace detail
 
-/// Says what a text file would not give back: the path of the first such value, and the reason.
-/// Returns an empty text if there is none. Doubles are rounded to six decimals, which does not
-/// count. save, save_atomically and append refuse such values in text; to_text and << show them.
-inline std::string lost_in_text(const value& root) {
-    std::vector<detail::child_walk> open;
+namespace detail {
+
+/// Returns the first losses of a tree in text, at most so many.
+inline std::vector<std::string> losses_of(const value& root, std::size_t most) {
+    std::vector<std::string> found;
+    std::vector<child_walk> open;
     std::unordered_set<KEL*> seen; // containers can be shared, and contain themselves
     KEL* at = root.raw();
-    for (;;) {
+    while (found.size() < most) {
         if (at != nullptr) {
-            if (const char* loss = detail::loss_of(*at)) {
+            if (const char* loss = loss_of(*at)) {
                 std::string path;
-                for (const detail::child_walk& each : open) {
+                for (const child_walk& each : open) {
                     each.append_step(path);
                 }
-                return detail::lead(path) + loss;
+                found.push_back(lead(path) + loss);
             }
-            detail::child_walk inside(at);
+            child_walk inside(at);
             if (inside.is_container() && seen.insert(at).second) {
                 open.push_back(inside);
             }
@@ -60,10 +61,21 @@ inline std::string lost_in_text(const value& root) {
             open.pop_back();
         }
         if (open.empty()) {
-            return {};
+            break;
         }
         at = open.back().child();
     }
+    return found;
+}
+
+} // namespace detail
+
+/// Returns all that a text file would not give back: the path of each such value, and the reason.
+/// Doubles are rounded to six decimals, which does not count. A container in several places is
+/// looked at once. save, save_atomically and append refuse such values in text. to_text and << show
+/// them.
+inline std::vector<std::string> lost_in_text(const value& root) {
+    return detail::losses_of(root, SIZE_MAX);
 }
 
 namespace detail {
@@ -72,9 +84,9 @@ namespace detail {
 /// \throws io_error for a value that cannot be written, or not be read again
 inline std::string file_image(const value& content, format chosen, const std::string& name) {
     if (chosen == format::text) {
-        const std::string loss = lost_in_text(content);
-        if (!loss.empty()) {
-            throw io_error(name, 0, loss + "; binary can");
+        const std::vector<std::string> losses = losses_of(content, 1);
+        if (!losses.empty()) {
+            throw io_error(name, 0, losses.front() + "; binary can");
         }
     }
     return image(content, chosen, name);

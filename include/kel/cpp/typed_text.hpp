@@ -46,6 +46,23 @@ inline std::errc read_number(std::string_view text, double& number) {
     return is_number ? read.ec : std::errc::invalid_argument;
 }
 
+/// Returns the choice that a person typed, with or without the texts before and after it, or null.
+/// Blanks at the ends do not count, unless two choices differ only in them.
+inline value typed_choice(const MetaKelVarDescriptor& rules, std::string_view text) {
+    value like;
+    for (const value& each : choices_of(rules).elements()) {
+        for (const std::string& shown : {plain_text(each.raw()), adorned_text(rules, each.raw())}) {
+            if (text == shown) {
+                return each;
+            }
+            if (!like && trimmed(text) == trimmed(shown)) {
+                like = each;
+            }
+        }
+    }
+    return like;
+}
+
 /// Reads what a person typed for a described variable. Whether the description allows the value is
 /// not checked. \param reason set to why the text cannot be such a value
 inline value read_typed(const MetaKelVarDescriptor& rules, const std::string& path,
@@ -53,15 +70,12 @@ inline value read_typed(const MetaKelVarDescriptor& rules, const std::string& pa
     const std::string before = text_of(rules.getPreadorn());
     const std::string after = text_of(rules.getPostadorn());
     const auto refuse = [&](const char* why) {
-        reason = path + ": \"" + std::string(text) + "\" " + why;
+        reason = with_allowed(rules, path + ": \"" + std::string(text) + "\" " + why);
         return value();
     };
     if (rules.isEnumerated()) {
-        for (const value& each : choices_of(rules).elements()) {
-            const std::string plain = plain_text(each.raw());
-            if (text == plain || text == before + plain + after) {
-                return each;
-            }
+        if (value choice = typed_choice(rules, text)) {
+            return choice;
         }
     }
     const std::int32_t wanted = rules.getVariableType();

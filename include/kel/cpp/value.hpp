@@ -30,8 +30,9 @@ enum class missing {
 
 /// A part of a document that was not taken over.
 struct mismatch {
-    std::string path;    ///< of the value in the document
-    std::string message; ///< why, with the path: "gain: wanted a double, found a string."
+    std::string path;        ///< of the value in the document
+    std::string message;     ///< why, with the path: "gain: wanted a double, found a string."
+    bool is_unknown = false; ///< the target has no such variable, or does not describe it
 };
 
 /// Holds one reference to a value of any kind, or nothing (null). Copying a handle adds a reference
@@ -191,15 +192,15 @@ public:
     /// Takes over the variables of another struct that this one has too, in place and as copies.
     /// Structs inside are merged in turn. A checked struct takes over what its descriptions allow.
     /// For anything else, the kinds must agree; numbers convert if nothing is lost. A source that
-    /// is a checked struct has its defaults too. Returns what was not taken over, unknown names
-    /// included. If it throws, what came before remains taken over.
+    /// is a checked struct has its defaults too. Returns what was not taken over: refused values
+    /// and unknown names. If it throws, what came before remains taken over.
     ///
     ///     for (const kel::mismatch& each : settings.merge(kel::load("app.kel"))) {
     ///         std::cerr << each.message << '\n';
     ///     }
     /// With missing::reset, the described variables of checked structs that the source lacks, or
     /// has with a value that is refused, get their default. Each variable changes at most once.
-    /// \throws type_error unless this is a struct
+    /// \throws type_error unless both are structs
     [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep);
     /// Returns a plain copy, in which every checked struct has become a plain struct of its
     /// described variables, defaults included: a preset, which merge takes over again. Variables

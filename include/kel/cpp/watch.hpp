@@ -22,8 +22,11 @@ protected:
 } // namespace detail
 
 /// Calls a function after each change, as long as it lives. watch, watch_tree and watch_values make
-/// one. It keeps
-/// the value alive.
+/// one. It keeps the value alive.
+///
+/// The function is called only inside calls that change the value. Releasing handles changes
+/// nothing. So a subscription whose function captures this can be any member, unless the destructor
+/// of a member that is declared after it changes the value.
 ///
 /// It can end, be destroyed and be moved inside its own call, and end others there. One that has
 /// ended is not called any more, even if it has not been called yet for the present change. Nobody

@@ -1,0 +1,194 @@
+/// \file
+/// described_variable: what can be done with a variable by its description, for kel::checked and
+/// for places.
+#pragma once
+
+#include <kel/cpp/describe.hpp>
+#include <kel/cpp/scale.hpp>
+#include <kel/cpp/typed_text.hpp>
+
+namespace kel {
+inline namespace v1 {
+
+/// Whether a value was stored, and if not, why.
+class [[nodiscard]] outcome {
+public:
+    outcome() = default;
+    /// Makes one that states why nothing was stored.
+    explicit outcome(std::string reason) : reason_(std::move(reason)) {}
+
+    /// Returns true if the value was stored.
+    explicit operator bool() const noexcept { return reason_.empty(); }
+    /// Returns the reason, which says what is allowed. Empty if the value was stored.
+    const std::string& message() const noexcept { return reason_; }
+
+private:
+    std::string reason_;
+};
+
+namespace detail {
+
+/// A variable of a checked struct, for one call. The struct and the name are borrowed. The
+/// operations are those of kel::checked. Their failures begin with the path.
+class described_variable {
+public:
+    described_variable(MetaKel& target, const char* name, std::string path)
+        : target_(target), name_(name), path_(std::move(path)),
+          rules_(description_of(target, name)) {}
+
+    outcome try_set(const value& content) const {
+        return outcome(try_store(target_, name_, path_, content.raw()));
+    }
+    template <class Integer, std::enable_if_t<is_integer<Integer>, int> = 0>
+    outcome try_set(Integer number) const {
+        return try_set(value_for(number, true, [this] { return path_; }));
+    }
+    outcome try_set_text(std::string_view typed) const {
+        std::string reason;
+        const value content =
+            rules_ == nullptr ? value() : read_typed(*rules_, path_, typed, reason);
+        return reason.empty() ? try_set(content) : outcome(reason);
+    }
+    template <class Content> void set(const Content& content) const {
+        const outcome done = try_set(content);
+        if (!done) {
+            throw not_allowed(done.message());
+        }
+    }
+    void reset() const {
+        require_rules();
+        value(share(&target_)).erase(name_);
+    }
+    bool is_default() const {
+        require_rules();
+        return !target_.containsVar(name_);
+    }
+
+    bool has_scale() const {
+        return rules_ != nullptr && (rules_->isRanged() || rules_->isEnumerated() ||
+                                     rules_->getVariableType() == KELKind_Boolean);
+    }
+    double normalised() const { return ends().from(current()); }
+    void set_normalised(double place) const {
+        if (std::isnan(place)) {
+            throw std::out_of_range(path_ + ": a place between two ends is a number.");
+        }
+        const scale between = ends();
+        if (rules_->getWrapped() && (place < 0 || place > 1)) {
+            place -= std::floor(place);
+        }
+        set(between.at((std::min)(1.0, (std::max)(0.0, place))));
+    }
+    void step_by(int steps) const {
+        const scale between = ends();
+        set(between.after(current(), steps, rules_->getWrapped()));
+    }
+
+    std::string text() const {
+        const MetaKelVarDescriptor& rules = require_rules();
+        return adorned_text(rules, current().raw());
+    }
+    std::vector<std::string> choice_texts() const {
+        const MetaKelVarDescriptor& rules = require_rules();
+        std::vector<std::string> found;
+        if (const value choices = list_of_choices(rules)) {
+            for (const value& each : choices.elements()) {
+                found.push_back(adorned_text(rules, each.raw()));
+            }
+        }
+        return found;
+    }
+    variable_description description() const {
+        return variable_description(share(&require_rules()));
+    }
+
+private:
+    MetaKelVarDescriptor& require_rules() const {
+        if (rules_ == nullptr) {
+            throw not_found(unknown_in(target_, name_, path_));
+        }
+        return *rules_;
+    }
+    scale ends() const { return scale(require_rules(), path_); }
+    /// Returns the variable, or its default if it is missing or null.
+    value current() const {
+        const value stored = value(share(&target_)).find(name_);
+        value used = stored ? stored : value(share(require_rules().getDefault()));
+        if (!used) {
+            throw not_found(path_ + ": has neither a value nor a default.");
+        }
+        return used;
+    }
+
+    MetaKel& target_;
+    const char* name_;
+    std::string path_;
+    MetaKelVarDescriptor* rules_; ///< null if the variable is not described
+};
+
+/// Returns the variable at a location.
+/// \throws type_error if it is not a variable of a checked struct
+inline described_variable described_at(const location& at) {
+    if (lacks_container(at)) {
+        raise_missing(at);
+    }
+    MetaKel* target = at.name == nullptr ? nullptr : checked_of(at.container);
+    if (target == nullptr) {
+        throw type_error(lead(path_of(at)) + "not a variable of a checked struct.");
+    }
+    return {*target, at.name, path_of(at)};
+}
+
+} // namespace detail
+
+// ---- Places ------------------------------------------------------------------------------------
+
+inline bool const_place::has_scale() && {
+    return detail::described_at(at_).has_scale();
+}
+inline double const_place::normalised() && {
+    return detail::described_at(at_).normalised();
+}
+inline std::string const_place::text() && {
+    return detail::described_at(at_).text();
+}
+inline std::vector<std::string> const_place::choice_texts() && {
+    return detail::described_at(at_).choice_texts();
+}
+inline std::string const_place::allowed_text() && {
+    return detail::described_at(at_).description().allowed_text();
+}
+inline variable_description const_place::description() && {
+    return detail::described_at(at_).description();
+}
+inline bool const_place::is_default() && {
+    return detail::described_at(at_).is_default();
+}
+inline outcome place::try_set(const value& content) && {
+    refuse_default();
+    return detail::described_at(at_).try_set(content);
+}
+template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int>>
+outcome place::try_set(Integer number) && {
+    refuse_default();
+    return detail::described_at(at_).try_set(number);
+}
+inline outcome place::try_set_text(std::string_view typed) && {
+    refuse_default();
+    return detail::described_at(at_).try_set_text(typed);
+}
+inline void place::set_normalised(double where) && {
+    refuse_default();
+    detail::described_at(at_).set_normalised(where);
+}
+inline void place::step_by(int steps) && {
+    refuse_default();
+    detail::described_at(at_).step_by(steps);
+}
+inline void place::reset() && {
+    refuse_default();
+    detail::described_at(at_).reset();
+}
+
+} // namespace v1
+} // namespace kel
