@@ -15,7 +15,6 @@ namespace {
 
 constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
 constexpr const char* badHeader = "Error reading KEL header.";
-constexpr const char* badCode = "Error in KEL hash code.";
 
 std::string refusal(const std::string& records) {
     return thrownMessage<KELIOException>([&] { readBinary(records); });
