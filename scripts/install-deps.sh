@@ -10,7 +10,7 @@
 #   analyze the static analysis
 #   package making the packages that are shipped
 #   docs    the reference and all pages as a site
-#   browser the tests of that site in a browser
+#   browser the tests of that site, and of the pages that kel makes, in a browser
 #   demo    the documents that scripts/demo.sh works on
 #   bench   the benchmarks
 #   linux32 building for 32-bit Linux, and its tests

@@ -62,6 +62,7 @@ class Browser:
         options = webdriver.ChromeOptions()
         for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage"):
             options.add_argument(argument)
+        options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
         options.binary_location = "/usr/bin/chromium"
         self.driver = webdriver.Chrome(
             service=webdriver.chrome.service.Service("/usr/bin/chromedriver"), options=options)

@@ -147,6 +147,7 @@ class Faults(ToolTest):
                   Case(["convert", "lossy.json", "out.kelb"], "out.kelb"),
                   Case(["convert", "broken.json", "out.kelb"], "out.kelb"),
                   Case(["show", "cycle.kelb"]), Case(["check", "broken.json", "a.kel"]),
+                  Case(["html", "a.kel", "-o", "out.html"], "out.html"), Case(["html", "a.kelb"]),
                   Case(["--version"]), Case(["--help"]), Case(["convert", "--help"]),
                   Case(["show", "--frobnicate"])]
         return cases

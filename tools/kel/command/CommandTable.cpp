@@ -4,16 +4,18 @@
 
 namespace kel::tool {
 
-extern const CommandEntry convertCommand;
-extern const CommandEntry showCommand;
 extern const CommandEntry checkCommand;
 extern const CommandEntry completionCommand;
+extern const CommandEntry convertCommand;
 extern const CommandEntry helpCommand;
+extern const CommandEntry htmlCommand;
+extern const CommandEntry showCommand;
 
 namespace {
 
 constexpr const CommandEntry* commands[] = {
-    &convertCommand, &showCommand, &checkCommand, &completionCommand, &helpCommand,
+    // What people look for first comes first.
+    &convertCommand, &showCommand, &htmlCommand, &checkCommand, &completionCommand, &helpCommand,
 };
 
 } // namespace
