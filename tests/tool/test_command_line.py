@@ -13,11 +13,12 @@ class CommandLine(ToolTest):
 
     def test_help_lists_the_commands_and_the_exit_statuses(self):
         text = self.ok("--help").out.decode()
-        for word in ("convert", "show", "check", "Exit status:", "Examples:"):
+        for word in ("convert", "show", "check", "get", "set", "rm", "mv", "Exit status:",
+                     "Examples:"):
             self.assertIn(word, text)
 
     def test_every_command_has_help_with_examples(self):
-        for command in ("convert", "show", "check"):
+        for command in ("convert", "show", "check", "get", "set", "rm", "mv"):
             text = self.ok(command, "--help").out.decode()
             self.assertIn("Usage: kel " + command, text)
             self.assertIn("Examples:\n  kel " + command, text)

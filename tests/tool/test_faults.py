@@ -45,6 +45,7 @@ class Case:
 
     arguments: list
     output: str = None  # the file that the run writes
+    old: bytes = OLD  # its content before the run
     stdin: str = None  # the file that the run reads from stdin
     status: int = 0
     out: bytes = b""
@@ -85,7 +86,7 @@ def run(folder, case, fault):
         environment["KEL_FAULT_COUNTS"] = os.path.join(folder, "counts")
     output = pathlib.Path(folder, case.output) if case.output else None
     if output:
-        output.write_bytes(OLD)
+        output.write_bytes(case.old)
     before = set(os.listdir(folder))
     stdin = open(os.path.join(folder, case.stdin), "rb") if case.stdin else subprocess.DEVNULL
     result = subprocess.run([TOOL, *case.arguments], cwd=folder, env=environment, stdin=stdin,
@@ -148,9 +149,24 @@ class Faults(ToolTest):
                   Case(["convert", "broken.json", "out.kelb"], "out.kelb"),
                   Case(["show", "cycle.kelb"]), Case(["check", "broken.json", "a.kel"]),
                   Case(["html", "a.kel", "-o", "out.html"], "out.html"), Case(["html", "a.kelb"]),
+                  Case(["get", "a.kel", "b", "a", "--to", "json"]),
+                  Case(["get", "a.kelb", "--raw", "a"]), Case(["get", "a.json", "c"]),
+                  Case(["set", "-", "a", "[ 1 ]"], stdin="a.kelb"), Case(["set", "a.kel", "a", "2"]),
+                  *self.in_place_cases(),
                   Case(["--version"]), Case(["--help"]), Case(["convert", "--help"]),
                   Case(["show", "--frobnicate"])]
         return cases
+
+    def in_place_cases(self):
+        text = b"{ a = 1 b = [ 2 ] }"
+        binary = self.read("a.kelb")
+        return [Case(["set", "-i", "edit.kel", "b[1]", '"x"'], "edit.kel", text),
+                Case(["set", "-i", "--json", "edit.json", "c", '{"d": [1.5]}'], "edit.json",
+                     b'{"a": [1, 2]}'),
+                Case(["set", "-i", "edit.kelb", "b", "7"], "edit.kelb", binary),
+                Case(["rm", "-i", "edit.kelb", "b"], "edit.kelb", binary),
+                Case(["mv", "-i", "edit.kel", "a", "c"], "edit.kel", text),
+                Case(["set", "-i", "edit.kel", "a", "1"], "edit.kel", b"// x\n" + text)]
 
     def large_cases(self):
         return [Case(["convert", "large.json", "out.kelb"], "out.kelb"),
@@ -180,7 +196,7 @@ class Faults(ToolTest):
                         self.judge(case, fault, outcome)
 
     def judge(self, case, fault, outcome):
-        self.assertIn(outcome.written, (OLD, case.written))
+        self.assertIn(outcome.written, (comparable(case.old), case.written))
         if fault.endswith(":kill"):
             self.assertIn(outcome.status, (case.status, -signal.SIGKILL))
             return
@@ -215,11 +231,11 @@ class Faults(ToolTest):
         for case in cases:
             for kind, ways in (("read", [errno.EIO, errno.EINTR, "short", "kill"]),
                                ("write", [errno.EIO, errno.ENOSPC, errno.EINTR, "short", "kill"]),
-                               ("open", [errno.EIO, errno.EINTR]),
+                               ("open", [errno.EIO, errno.EINTR, "kill"]),
                                ("fsync", [errno.EIO, errno.ENOSPC, "kill"]),
                                ("rename", [errno.EIO, errno.ENOSPC, "kill"]),
                                ("close", [errno.EIO, errno.ENOSPC, errno.EINTR, "kill"]),
-                               ("getrandom", [errno.EIO, errno.EINTR, "short"])):
+                               ("getrandom", [errno.EIO, errno.EINTR, "short", "kill"])):
                 faults += [(case, f"{kind}:{number}:{how}")
                            for number in range(1, case.counts[kind] + 1) for how in ways]
         self.inject(faults)

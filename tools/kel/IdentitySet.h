@@ -10,8 +10,8 @@
 
 namespace kel::tool {
 
-/// Finds values whose identity another value already has. Files choose identities, so the hash has a
-/// key that no file can know.
+/// Finds values whose identity another value already has. Files choose identities, so the hash has
+/// a key that no file can know.
 class IdentitySet {
 public:
     IdentitySet() : values_(usualSize, KeyedHash()) {}

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
+#include <new>
 
 namespace kel::tool {
 
@@ -37,6 +39,22 @@ template <class Action> void translated(const Action& action) {
         const std::string message = messageOf(failure);
         throw Failure{Trouble::unwritten, reason != 0 ? std::strerror(reason) : message};
     }
+}
+
+/// Returns the text form of what the action writes.
+template <class Action> std::string textWrittenBy(const Action& action) {
+    KELStringOutputStream* stream = CreateKELStringOutputStream();
+    if (stream == nullptr) {
+        throw std::bad_alloc();
+    }
+    ValueWriter writer(stream);
+    action(writer);
+    std::string text;
+    translated([&] {
+        const char* written = stream->getString();
+        text.assign(written != nullptr ? written : "");
+    });
+    return text;
 }
 
 } // namespace
@@ -96,21 +114,16 @@ std::string recordOf(KEL& value, size_t limit) {
     return std::move(*record);
 }
 
+std::string textOf(KEL& value) {
+    return textWrittenBy([&value](ValueWriter& writer) { writer.write(&value); });
+}
+
 std::string textOf(const Document& document) {
-    KELStringOutputStream* stream = CreateKELStringOutputStream();
-    if (stream == nullptr) {
-        throw std::bad_alloc();
-    }
-    ValueWriter writer(stream);
-    for (const Value& root : document.roots()) {
-        writer.write(root.get());
-    }
-    std::string text;
-    translated([&] {
-        const char* written = stream->getString();
-        text.assign(written != nullptr ? written : "");
+    return textWrittenBy([&document](ValueWriter& writer) {
+        for (const Value& root : document.roots()) {
+            writer.write(root.get());
+        }
     });
-    return text;
 }
 
 void writeKel(const Document& document, Format format, std::FILE* file) {

@@ -35,6 +35,10 @@ private:
     KELOutputStream* stream_;
 };
 
+/// Returns the text form of a value that contains itself nowhere, also if it cannot be read back.
+/// \throws Failure refused if the text is too long for the library
+std::string textOf(KEL& value);
+
 /// Returns the binary record of a value that contains itself nowhere.
 /// \param limit a number of bytes that the record does not exceed
 /// \throws NotInParts if the value has no record of this size

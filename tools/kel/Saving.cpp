@@ -38,6 +38,15 @@ DocumentScan scan(Document& document, Format target, const std::string& inputNam
     return found;
 }
 
+/// Returns the list of places that cannot be what the verb says.
+std::string describeLosses(const Losses& losses, const std::string& inputName, const Input& input,
+                           const std::string& verb) {
+    const std::string heading = inputName + ": " + std::to_string(losses.count()) +
+                                (losses.count() == 1 ? " place" : " places") + " cannot be " +
+                                verb + ':';
+    return describe(losses, heading, input.document.roots().size());
+}
+
 } // namespace
 
 void writeTo(const std::string& name, Console& console,
@@ -66,11 +75,8 @@ void print(const std::string& text) {
 
 std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
                    const char* target) {
-    const std::string heading = inputName + ": " + std::to_string(losses.count()) +
-                                (losses.count() == 1 ? " place" : " places") +
-                                " cannot be converted from " + nameOf(input.format) + " to " +
-                                target + ':';
-    return describe(losses, heading, input.document.roots().size());
+    return describeLosses(losses, inputName, input,
+                          std::string("converted from ") + nameOf(input.format) + " to " + target);
 }
 
 void save(Input& input, const std::string& inputName, size_t inputSize, Losses losses,
@@ -78,12 +84,17 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
     const Format target = saving.format;
     console.begin(Work::checking, inputName);
     // The reader of JSON has already listed everything, under the paths of the JSON text.
-    Losses* rest = input.format == Format::json ? nullptr : &losses;
+    const bool isListed = input.format == Format::json && !saving.isEdited;
+    Losses* rest = isListed ? nullptr : &losses;
     const DocumentScan found = scan(input.document, target, inputName, rest);
     refuseHugeOutput(found, target, saving.maxOutput.value_or(usualOutputLimit(inputSize)),
                      inputName);
     if (losses.count() > 0) {
-        const std::string list = listOf(losses, inputName, input, nameOf(target));
+        const bool isConverted = !saving.isEdited || target != input.format;
+        const std::string list = isConverted
+                                     ? listOf(losses, inputName, input, nameOf(target))
+                                     : describeLosses(losses, inputName, input,
+                                                      std::string("written as ") + nameOf(target));
         if (!saving.isForced) {
             const bool advisesText = found.hasTextOnly && target != Format::text;
             throw Failure{Trouble::refused, list + "\nnothing was written; " +

@@ -25,10 +25,13 @@ void print(const std::string& text);
 
 /// What is to be done with a document.
 struct Saving {
-    Format format;                     ///< of the output
-    std::string output;                ///< the name of the file, or "-"
-    bool isForced = false;             ///< whether what the format cannot hold is left out
-    std::optional<uint64_t> maxOutput; ///< the greatest number of bytes of text or JSON
+    Format format;                          ///< of the output
+    std::string output;                     ///< the name of the file, or "-"
+    bool isForced = false;                  ///< whether what the format cannot hold is left out
+    std::optional<uint64_t> maxOutput = {}; ///< the greatest number of bytes of text or JSON
+    /// Whether the document is not exactly what was read, so that the reader's list for the output
+    /// format is not enough.
+    bool isEdited = false;
 };
 
 /// Writes the document that was read from an input, possibly changed since then. If its format
@@ -37,7 +40,9 @@ struct Saving {
 /// \param input the document, which this function changes when it is forced
 /// \param inputName its name in messages
 /// \param inputSize the number of bytes that were read
-/// \param losses what was lost in reading; for JSON also what the output cannot hold
+/// \param losses what was lost in reading; for JSON that was not edited, also what the output
+/// cannot
+///        hold
 /// \throws Failure refused or unwritten
 void save(Input& input, const std::string& inputName, size_t inputSize, Losses losses,
           const Saving& saving, Console& console);

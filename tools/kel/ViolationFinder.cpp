@@ -43,7 +43,7 @@ bool hasSoundRange(Rules& rules) {
            boundOf(rules, "min") <= boundOf(rules, "max");
 }
 
-std::string wordsForAllowed(const KEL_Array& allowed) {
+std::string listOfAllowed(const KEL_Array& allowed) {
     constexpr int32_t listed = 10;
     std::string words;
     for (int32_t i = 0; i < std::min(allowed.getCount(), listed); ++i) {
@@ -55,7 +55,8 @@ std::string wordsForAllowed(const KEL_Array& allowed) {
     return words;
 }
 
-/// Returns the values that a variable can hold, in words.
+} // namespace
+
 std::string wordsForAllowed(Rules& rules) {
     if (rules.isRanged()) {
         return hasSoundRange(rules)
@@ -63,8 +64,10 @@ std::string wordsForAllowed(Rules& rules) {
                    : "nothing";
     }
     const KEL_Array* allowed = allowedValuesOf(rules);
-    return allowed == nullptr || allowed->getCount() == 0 ? "nothing" : wordsForAllowed(*allowed);
+    return allowed == nullptr || allowed->getCount() == 0 ? "nothing" : listOfAllowed(*allowed);
 }
+
+namespace {
 
 /// Reports why the bounds of a range allow nothing.
 void checkRange(Rules& rules, const ViolationFinder::Report& report) {

@@ -9,6 +9,9 @@
 
 namespace kel::tool {
 
+/// Returns the values that a variable can hold, in words, such as "0 to 10".
+std::string wordsForAllowed(MetaKelVarDescriptor& rules);
+
 /// Compares single values with the descriptors that apply to them. Who walks over the document asks
 /// for every place and for every variable descriptor. The values must stay alive and unchanged.
 class ViolationFinder {

@@ -39,10 +39,44 @@ void addTranslated(CLI::App& app, const char* name, std::optional<Value>& value,
             ""));
 }
 
+/// Returns whether the parser splits texts of this kind, or gets them with a blank before.
+bool isBracketed(std::string_view text) {
+    return !text.empty() && (text.front() == '[' || text.front() == ' ') && text.back() == ']';
+}
+
+/// Returns the argument as the user typed it, from what the parser got.
+std::string asTyped(const std::string& text) {
+    const std::string_view typed = std::string_view(text).substr(text.starts_with(' ') ? 1 : 0);
+    return isBracketed(typed) ? std::string(typed) : text;
+}
+
+/// Adds an option that takes several texts.
+CLI::Option* addTexts(CLI::App& app, const char* name, std::vector<std::string>& values,
+                      const char* description) {
+    return app
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&values](const std::vector<std::string>& texts) {
+                values.clear();
+                for (const std::string& text : texts) {
+                    values.push_back(asTyped(text));
+                }
+            },
+            description)
+        ->type_name("");
+}
+
 } // namespace
 
+std::string CommandLine::forParser(const std::string& argument) {
+    return isBracketed(argument) ? ' ' + argument : argument;
+}
+
 void CommandLine::argument(const char* name, std::string& value, const char* description) {
-    app_.add_option(name, value, description)->required()->type_name("");
+    app_.add_option_function<std::string>(
+            name, [&value](const std::string& text) { value = asTyped(text); }, description)
+        ->required()
+        ->type_name("");
 }
 
 void CommandLine::optionalArgument(const char* name, std::string& value, const char* description) {
@@ -51,16 +85,18 @@ void CommandLine::optionalArgument(const char* name, std::string& value, const c
 
 void CommandLine::arguments(const char* name, std::vector<std::string>& values,
                             const char* description) {
-    app_.add_option(name, values, description)->required()->type_name("");
+    addTexts(app_, name, values, description)->required();
 }
 
 void CommandLine::input(std::string& name) {
-    app_.add_option("IN", name, "File to read")->type_name("");
+    app_.add_option_function<std::string>(
+            "IN", [&name](const std::string& text) { name = asTyped(text); }, "File to read")
+        ->type_name("");
     input_ = &name;
 }
 
 void CommandLine::inputs(std::vector<std::string>& names) {
-    app_.add_option("IN", names, "Files to read")->type_name("");
+    addTexts(app_, "IN", names, "Files to read");
     inputs_ = &names;
 }
 
@@ -70,7 +106,9 @@ void CommandLine::flag(const char* name, bool& value, const char* description) {
 
 void CommandLine::text(const char* name, std::optional<std::string>& value, const char* type,
                        const char* description) {
-    app_.add_option(name, value, description)->type_name(type);
+    app_.add_option_function<std::string>(
+            name, [&value](const std::string& text) { value = asTyped(text); }, description)
+        ->type_name(type);
 }
 
 void CommandLine::choice(const char* name, std::function<void(const std::string&)> choose,

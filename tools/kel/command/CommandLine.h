@@ -31,6 +31,10 @@ public:
     /// \param app the parser's part for the command, which must outlive this object
     explicit CommandLine(CLI::App& app) : app_(app) {}
 
+    /// Returns an argument in the form in which the parser must get it. The parser splits texts in
+    /// brackets at commas, so such a text gets a blank before it, which is removed again.
+    static std::string forParser(const std::string& argument);
+
     /// Takes an argument that must be there.
     void argument(const char* name, std::string& value, const char* description);
 

@@ -7,15 +7,22 @@ namespace kel::tool {
 extern const CommandEntry checkCommand;
 extern const CommandEntry completionCommand;
 extern const CommandEntry convertCommand;
+extern const CommandEntry getCommand;
 extern const CommandEntry helpCommand;
 extern const CommandEntry htmlCommand;
+extern const CommandEntry mvCommand;
+extern const CommandEntry rmCommand;
+extern const CommandEntry setCommand;
 extern const CommandEntry showCommand;
 
 namespace {
 
 constexpr const CommandEntry* commands[] = {
     // What people look for first comes first.
-    &convertCommand, &showCommand, &htmlCommand, &checkCommand, &completionCommand, &helpCommand,
+    &convertCommand, &showCommand, &htmlCommand,
+    &getCommand, &setCommand, &rmCommand, &mvCommand,
+    &checkCommand,
+    &completionCommand, &helpCommand,
 };
 
 } // namespace

@@ -7,6 +7,8 @@
 #include "command/CommandTable.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
 #include <kel/config.h>
 #include <new>
 #include <sstream>
@@ -32,7 +34,7 @@ Paths:
 
 Exit status:
   0  success
-  1  check found errors, or convert or show refused
+  1  check found errors, or a command refused, such as for a path that leads nowhere
   2  wrong command line
   3  an input cannot be read, is malformed, or does not fit in memory
   4  an output or a message cannot be written, or memory ran out elsewhere. If the reader of a
@@ -45,6 +47,8 @@ Examples:
   kel convert settings.json settings.kel
   kel show settings.kelb
   kel check *.kel *.kelb
+  kel get settings.kel window.size[0]
+  kel set -i settings.kel window.width 800
 
 "kel COMMAND --help" describes a command.)";
 
@@ -71,8 +75,10 @@ public:
 
     std::variant<Request, Answer> parse() {
         try {
-            // The parser takes the last argument first.
-            app_.parse(std::vector<std::string>(arguments_.rbegin(), arguments_.rend() - 1));
+            std::vector<std::string> arguments; // the parser takes the last one first
+            std::transform(arguments_.rbegin(), arguments_.rend() - 1,
+                           std::back_inserter(arguments), CommandLine::forParser);
+            app_.parse(std::move(arguments));
         } catch (const CLI::ParseError& end) {
             if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
                 std::ostringstream answer;

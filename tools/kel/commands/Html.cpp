@@ -86,7 +86,7 @@ public:
         Losses losses;
         const Input input = readInput(std::move(content), input_, std::nullopt, losses);
         if (losses.count() > 0) {
-            console.say("warning: " + listOf(losses, input_, input, "values"));
+            console.warn(listOf(losses, input_, input, "values"));
         }
         console.begin(Work::checking, input_);
         const bool isText = input.format == Format::text;

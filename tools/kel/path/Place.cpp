@@ -16,7 +16,9 @@ namespace {
 /// Follows a path through a document.
 class Walk {
 public:
-    Walk(const Document& document, const Path& path) : document_(document), path_(path) {}
+    /// \param givesDefaults whether a missing variable of a checked struct has its default
+    Walk(const Document& document, const Path& path, bool givesDefaults)
+        : document_(document), path_(path), givesDefaults_(givesDefaults) {}
 
     /// Returns the place of the last step, which can be missing.
     Place follow() {
@@ -28,14 +30,33 @@ public:
             if (!place.isThere) {
                 fail(place);
             }
+            const bool isDefault = place.isDefault;
+            stops_.push_back({place.value, taken_});
             place = next(place);
+            place.isDefault = place.isDefault || isDefault;
+        }
+        return place;
+    }
+
+    /// Returns the way that was followed.
+    Way way(const Place& place) const {
+        Way way{path_, stops_};
+        way.path.root = place.root;
+        return way;
+    }
+
+    /// Returns the place of the last step, which must exist.
+    Place followToValue() {
+        Place place = follow();
+        if (!place.isThere) {
+            fail(place);
         }
         return place;
     }
 
     /// Reports that the place does not exist.
     [[noreturn]] void fail(const Place& place) const {
-        const std::string where = path_.text(taken_ - 1);
+        const std::string where = taken_ > 1 ? path_.text(taken_ - 1) : "the root value";
         const std::string missing = path_.text(taken_);
         if (place.step.kind == Step::Kind::index) {
             const KEL& container = *place.container;
@@ -54,7 +75,12 @@ private:
     [[noreturn]] void refuse(const std::string& path, const std::string& reason) const {
         const std::string rooted =
             path_.root ? withRoot(path, *path_.root, document_.roots().size()) : path;
-        throw Failure{Trouble::refused, rooted + ": " + reason};
+        throw NotFound{{Trouble::refused, rooted + ": " + reason}};
+    }
+
+    /// Reports an identity whose digits fit several values.
+    [[noreturn]] static void refuseAmbiguity(const std::string& path) {
+        throw Failure{Trouble::refused, path + ": several values have an identity that begins so"};
     }
 
     /// Replaces the first step by the path to the value of its identity.
@@ -83,7 +109,7 @@ private:
                     continue;
                 }
                 if (found) {
-                    refuse('#' + digits, "several values have an identity that begins so");
+                    refuseAmbiguity('#' + digits);
                 }
                 found = Path::of(cursor.wholePath());
                 found->root = root;
@@ -106,16 +132,16 @@ private:
         }
         const size_t root = path_.root.value_or(0);
         if (root >= count) {
-            throw Failure{Trouble::refused,
-                          path_.text() + ": there " + (count == 1 ? "is " : "are ") +
-                              std::to_string(count) + " root value" + (count == 1 ? "" : "s")};
+            throw NotFound{{Trouble::refused,
+                            path_.text() + ": there " + (count == 1 ? "is " : "are ") +
+                                std::to_string(count) + " root value" + (count == 1 ? "" : "s")}};
         }
         return {root, nullptr, {}, 0, true, document_.roots()[root].get()};
     }
 
     /// Returns the place that the next step leads to from a value that exists.
     Place next(const Place& from) {
-        const Step& step = path_.steps[taken_];
+        Step& step = path_.steps[taken_];
         KEL* container = from.value;
         if (container == nullptr) {
             refuse(path_.text(taken_), "null has no values inside");
@@ -167,7 +193,25 @@ private:
         KELVarCursor cursor;
         const bool isThere = step.text.find('\0') == std::string::npos &&
                              structure.findVar(cursor, step.text.c_str());
+        if (!isThere && givesDefaults_) {
+            if (KEL* standard = defaultOf(*from.value, step.text)) {
+                return {from.root, from.value, step, 0, true, standard, true};
+            }
+        }
         return {from.root, from.value, step, 0, isThere, isThere ? cursor.value : nullptr};
+    }
+
+    /// Returns the default that the descriptor of a checked struct has for a variable, or null.
+    static KEL* defaultOf(const KEL& container, const std::string& name) {
+        const auto* checked = dynamic_cast<const MetaKel*>(&container);
+        const MetaKelDescriptor* descriptor =
+            checked != nullptr ? checked->getDescriptor() : nullptr;
+        if (descriptor == nullptr || !descriptor->containsVar(name.c_str())) {
+            return nullptr;
+        }
+        const auto* rules =
+            dynamic_cast<const MetaKelVarDescriptor*>(memberOf(*descriptor, name.c_str()));
+        return rules != nullptr ? rules->getDefault() : nullptr;
     }
 
     /// Takes two steps: to the pair, and to its key or item.
@@ -190,7 +234,7 @@ private:
                 index,     true,       isKey ? list.getKeyAt(index) : list.getItemAt(index)};
     }
 
-    Place managed(const Place& from, const KEL_Manager& manager, const Step& step) const {
+    Place managed(const Place& from, const KEL_Manager& manager, Step& step) const {
         if (step.kind != Step::Kind::identity) {
             refuseStep(*from.value, "has values by identity, such as #3F2504E0");
         }
@@ -198,11 +242,13 @@ private:
         for (int32_t i = 0; i < manager.size(); ++i) {
             if (identityOf(*manager.getKelAt(i)).starts_with(step.text)) {
                 if (found) {
-                    refuse(path_.text(taken_ + 1),
-                           "several values have an identity that begins so");
+                    refuseAmbiguity(path_.text(taken_ + 1));
                 }
                 found = i;
             }
+        }
+        if (found) {
+            step.text = identityOf(*manager.getKelAt(*found));
         }
         return {from.root,         from.value,        step,
                 found.value_or(0), found.has_value(), found ? manager.getKelAt(*found) : nullptr};
@@ -228,22 +274,28 @@ private:
 
     const Document& document_;
     Path path_;
+    bool givesDefaults_;
     size_t taken_ = 0; ///< the number of steps behind the current place
+    std::vector<Way::Stop> stops_;
 };
 
 } // namespace
 
-Place findPlace(const Document& document, const Path& path) {
-    return Walk(document, path).follow();
+Place findPlace(const Document& document, const Path& path, Way* way) {
+    Walk walk(document, path, false);
+    Place place = walk.follow();
+    if (way != nullptr) {
+        *way = walk.way(place);
+    }
+    return place;
 }
 
 Place findValue(const Document& document, const Path& path) {
-    Walk walk(document, path);
-    Place place = walk.follow();
-    if (!place.isThere) {
-        walk.fail(place);
-    }
-    return place;
+    return Walk(document, path, false).followToValue();
+}
+
+Place findValueOrDefault(const Document& document, const Path& path) {
+    return Walk(document, path, true).followToValue();
 }
 
 } // namespace kel::tool

@@ -1,0 +1,227 @@
+#include "ContainerChange.h"
+
+#include "AllowedValues.h"
+#include "GuidText.h"
+#include "ValueText.h"
+#include "ViolationFinder.h"
+
+#include <optional>
+
+namespace kel::tool {
+
+namespace {
+
+/// Refuses null where only values can be.
+void refuseNull(const KEL* value, const char* container) {
+    if (value == nullptr) {
+        throw Refusal{std::string(container) + " cannot hold null"};
+    }
+}
+
+/// Returns what the descriptor of a checked struct has for a variable, or null.
+MetaKelVarDescriptor* rulesFor(const MetaKel& checked, const std::string& name) {
+    const MetaKelDescriptor* descriptor = checked.getDescriptor();
+    if (descriptor == nullptr || !descriptor->containsVar(name.c_str())) {
+        return nullptr;
+    }
+    return dynamic_cast<MetaKelVarDescriptor*>(memberOf(*descriptor, name.c_str()));
+}
+
+void refuseForDescriptor(const MetaKel& checked, const std::string& name, KEL* value) {
+    if (name == descriptorName) {
+        if (value == nullptr || value->getType() != KELKind_MetaKelDescriptor) {
+            throw Refusal{wordsFor(value) + " is not a struct descriptor"};
+        }
+        return;
+    }
+    if (name.starts_with('@')) {
+        throw Refusal{"names that begin with \"@\" are reserved in a checked struct"};
+    }
+    MetaKelVarDescriptor* rules = rulesFor(checked, name);
+    if (value != nullptr && rules != nullptr && !AllowedValues().isValid(*rules, *value)) {
+        throw Refusal{wordsFor(value) + " is not allowed (allowed: " + wordsForAllowed(*rules) +
+                      ')'};
+    }
+}
+
+/// Stores a value, which the struct takes, under a name.
+void store(KEL_Struct& variables, const char* name, KEL* value, bool isThere) {
+    auto* checked = dynamic_cast<MetaKel*>(&variables);
+    if (checked == nullptr) {
+        if (isThere) {
+            variables.setVar(name, value);
+        } else {
+            variables.addVar(name, value);
+        }
+    } else if (value != nullptr) {
+        checked->setVar(name, value);
+    } else if (isThere) {
+        checked->clearVar(name);
+    } else {
+        throw Refusal{"a checked struct takes no new variable without a value"};
+    }
+}
+
+void setVariable(KEL_Struct& variables, const std::string& name, KEL* value, bool isThere) {
+    refuseVariable(variables, name, value);
+    store(variables, name.c_str(), value, isThere);
+    KELVarCursor stored;
+    if (!walkOver(variables).findVar(stored, name.c_str()) || stored.value != value) {
+        throw Refusal{wordsFor(value) + " is not taken by " + kindOf(variables).words};
+    }
+}
+
+void setElement(KEL_Array& array, const Place& place, KEL* value) {
+    refuseNull(value, "an array");
+    if (place.isThere) {
+        array.setVar(value, place.index);
+    } else {
+        array.addVar(value);
+    }
+}
+
+void setHalfOfPair(KEL_IndexList& list, const Place& place, KEL* value) {
+    refuseNull(value, "an index list");
+    if (place.step.text == "item") {
+        list.setItemAt(place.index, value);
+        return;
+    }
+    const Value item = share(list.getItemAt(place.index));
+    list.removePair(place.index);
+    list.insertPair(value, item.get(), place.index);
+}
+
+/// Puts the contents of a value in a manager, under the identity of the place.
+void setManaged(KEL_Manager& manager, const Place& place, KEL* value) {
+    refuseNull(value, "a manager");
+    if (value->getType() == KELKind_MemBlock) {
+        throw Refusal{"a memory block cannot be put in a manager"};
+    }
+    const std::optional<JHashCode> identity = guidOfText(place.step.text);
+    Value element = made(manager.createKel(value->getType(), identity.value()));
+    element->assign(value);
+    manager.addKel(element.get());
+}
+
+} // namespace
+
+void refuseVariable(const KEL_Struct& variables, const std::string& name, KEL* value) {
+    if (name.empty()) {
+        throw Refusal{"the name of a variable cannot be empty"};
+    }
+    if (name.find('"') != std::string::npos || name.find('\0') != std::string::npos) {
+        throw Refusal{"the name of a variable cannot contain a double quote or a NUL"};
+    }
+    if (const auto* checked = dynamic_cast<const MetaKel*>(&variables)) {
+        refuseForDescriptor(*checked, name, value);
+    } else if (variables.getType() == KELKind_MetaKelDescriptor &&
+               (value == nullptr || value->getType() != KELKind_MetaKelVarDescriptor)) {
+        throw Refusal{wordsFor(value) + " is not a variable descriptor"};
+    }
+}
+
+bool canAdd(const Place& place) {
+    switch (kindOf(*place.container).kind) {
+    case KELKind_Struct:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        return true;
+    case KELKind_Array:
+        return place.step.index ==
+               static_cast<uint64_t>(dynamic_cast<KEL_Array&>(*place.container).getCount());
+    case KELKind_Manager:
+        return guidOfText(place.step.text).has_value();
+    case KELKind_IndexList:
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_Double:
+    case KELKind_guid:
+    case KELKind_MemBlock:
+    case KELKind_String:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+        break;
+    }
+    return false;
+}
+
+void setAt(const Place& place, KEL* value) {
+    KEL& container = *place.container;
+    switch (kindOf(container).kind) {
+    case KELKind_Struct:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        setVariable(dynamic_cast<KEL_Struct&>(container), place.step.text, value, place.isThere);
+        return;
+    case KELKind_Array:
+        setElement(dynamic_cast<KEL_Array&>(container), place, value);
+        return;
+    case KELKind_IndexList:
+        setHalfOfPair(dynamic_cast<KEL_IndexList&>(container), place, value);
+        return;
+    case KELKind_Manager:
+        setManaged(dynamic_cast<KEL_Manager&>(container), place, value);
+        return;
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_Double:
+    case KELKind_guid:
+    case KELKind_MemBlock:
+    case KELKind_String:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+        return;
+    }
+}
+
+void setPair(KEL_IndexList& list, uint64_t index, KEL* keyAndItem) {
+    const auto* pair = dynamic_cast<const KEL_Array*>(keyAndItem);
+    if (pair == nullptr || pair->getCount() != 2) {
+        throw Refusal{"a pair is set by an array of its key and its item"};
+    }
+    const auto count = static_cast<uint64_t>(list.getCount());
+    if (index > count) {
+        throw Refusal{"the list has " + std::to_string(count) + (count == 1 ? " pair" : " pairs")};
+    }
+    const auto place = static_cast<int32_t>(index);
+    if (index < count) {
+        list.removePair(place);
+    }
+    list.insertPair(pair->getVar(0), pair->getVar(1), place);
+}
+
+void removeAt(const Place& place) {
+    KEL& container = *place.container;
+    switch (kindOf(container).kind) {
+    case KELKind_Struct:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor:
+        dynamic_cast<KEL_Struct&>(container).removeVar(place.step.text.c_str());
+        return;
+    case KELKind_Array:
+        dynamic_cast<KEL_Array&>(container).removeVar(place.index);
+        return;
+    case KELKind_IndexList:
+        dynamic_cast<KEL_IndexList&>(container).removePair(place.index);
+        return;
+    case KELKind_Manager: {
+        JHashCode identity;
+        dynamic_cast<KEL_Manager&>(container).removeKel(place.value->getHashCode(identity));
+        return;
+    }
+    case KELKind_Int:
+    case KELKind_Boolean:
+    case KELKind_Double:
+    case KELKind_guid:
+    case KELKind_MemBlock:
+    case KELKind_String:
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
+        return;
+    }
+}
+
+} // namespace kel::tool
