@@ -147,6 +147,8 @@ class Faults(ToolTest):
                   Case(["convert", "--force", "lossy.json", "out.kelb"], "out.kelb"),
                   Case(["convert", "lossy.json", "out.kelb"], "out.kelb"),
                   Case(["convert", "broken.json", "out.kelb"], "out.kelb"),
+                  Case(["diff", "a.json", "plain.json"]),
+                  Case(["diff", "--json", "--sharing", "a.kel", "a.kelb"]),
                   Case(["show", "cycle.kelb"]), Case(["check", "broken.json", "a.kel"]),
                   Case(["html", "a.kel", "-o", "out.html"], "out.html"), Case(["html", "a.kelb"]),
                   Case(["get", "a.kel", "b", "a", "--to", "json"]),

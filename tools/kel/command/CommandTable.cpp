@@ -7,6 +7,7 @@ namespace kel::tool {
 extern const CommandEntry checkCommand;
 extern const CommandEntry completionCommand;
 extern const CommandEntry convertCommand;
+extern const CommandEntry diffCommand;
 extern const CommandEntry getCommand;
 extern const CommandEntry helpCommand;
 extern const CommandEntry htmlCommand;
@@ -17,13 +18,22 @@ extern const CommandEntry showCommand;
 
 namespace {
 
+// clang-format off
 constexpr const CommandEntry* commands[] = {
     // What people look for first comes first.
-    &convertCommand, &showCommand, &htmlCommand,
-    &getCommand, &setCommand, &rmCommand, &mvCommand,
+    &convertCommand,
+    &showCommand,
+    &htmlCommand,
+    &getCommand,
+    &setCommand,
+    &rmCommand,
+    &mvCommand,
+    &diffCommand,
     &checkCommand,
-    &completionCommand, &helpCommand,
+    &completionCommand,
+    &helpCommand,
 };
+// clang-format on
 
 } // namespace
 

@@ -34,7 +34,8 @@ Paths:
 
 Exit status:
   0  success
-  1  check found errors, or a command refused, such as for a path that leads nowhere
+  1  check found errors, diff found differences, or a command refused, such as for a path that
+     leads nowhere
   2  wrong command line
   3  an input cannot be read, is malformed, or does not fit in memory
   4  an output or a message cannot be written, or memory ran out elsewhere. If the reader of a
