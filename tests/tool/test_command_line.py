@@ -28,7 +28,7 @@ class CommandLine(ToolTest):
         for command in self.commands():
             text = self.ok(command, "--help").out.decode()
             self.assertIn("Usage: kel " + command, text)
-            self.assertIn("Examples:\n  kel " + command, text)
+            self.assertRegex(text, "Examples:\n  .*kel " + command)
 
     def test_no_command_is_a_usage_error(self):
         self.fails(2, "kel: A subcommand is required\n" + HINT)
@@ -50,7 +50,9 @@ class CommandLine(ToolTest):
 
     def test_stdin_is_read_without_a_file_name(self):
         self.assertEqual(self.ok("show", input="{ a = 1 }").out, b"{\n\ta = 1\n}\n")
-        self.fails(1, "kel: -:1: syntax error\n", "check", input="}")
+        self.fails(1, 'kel: -:1:1: found "}" without an open "{"\n'
+                      "    1 | }\n"
+                      "      | ^\n", "check", input="}")
 
     @posix_only("needs a terminal")
     def test_a_terminal_is_not_read_without_a_file_name(self):
@@ -134,7 +136,8 @@ class InputFormat(ToolTest):
 
     def test_a_damaged_binary_file_is_not_taken_for_text(self):
         self.write("a.kelb", b"KEM\0\1\2\3")
-        self.fails(3, "kel: a.kelb: offset 4: Error reading KEL header.\n", "show", "a.kelb")
+        self.fails(3, "kel: a.kelb: offset 0: (the value itself): expected a record, which "
+                      'begins with "KEL\\u0000", found "KEM\\u0000"\n', "show", "a.kelb")
 
 
 if __name__ == "__main__":

@@ -121,6 +121,8 @@ class Faults(ToolTest):
         self.write("a.json", JSON)
         self.write("plain.json", '{"a": [1, 2.5, "x"]}')
         self.write("broken.json", "[1,")
+        self.write("broken.kel", "#define A [ B ]\n{ a = A }")
+        self.write("broken.kelb", record(ARRAY, int_record(1, 2) + reference(3)))
         self.write("lossy.json", '[null, "a\\"b"]')
         self.write("a.kelb", struct_record([(b"a", int_record(1, 2)), (b"b", reference(2))]))
         self.write("cycle.kelb", record(ARRAY, reference(1)))
@@ -155,6 +157,7 @@ class Faults(ToolTest):
                   Case(["get", "a.kelb", "--raw", "a"]), Case(["get", "a.json", "c"]),
                   Case(["set", "-", "a", "[ 1 ]"], stdin="a.kelb"), Case(["set", "a.kel", "a", "2"]),
                   *self.in_place_cases(),
+                  Case(["check", "broken.kel", "broken.kelb"]),
                   Case(["--version"]), Case(["--help"]), Case(["convert", "--help"]),
                   Case(["show", "--frobnicate"])]
         return cases

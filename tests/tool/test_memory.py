@@ -80,7 +80,8 @@ class Limit(ToolTest):
         self.write("b.kel", "[")
         result = self.kel("check", *self.LIMIT, "a.kel", "b.kel")
         self.assertEqual((result.status, result.err),
-                         (3, f"kel: a.kel: {self.MORE}\nkel: b.kel:1: unexpected end of input\n"))
+                         (3, f"kel: a.kel: {self.MORE}\nkel: b.kel:1:1: \"[\" is not closed before the "
+                             "end of the input at 1:2\n    1 | [\n      | ^\n"))
 
     @unittest.skipUnless(WINDOWS, "kel can limit its memory here")
     def test_a_system_without_limits_refuses_the_option(self):

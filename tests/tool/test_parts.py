@@ -212,10 +212,11 @@ class Parts(ToolTest):
         self.write("a.json", "[\n" + "1,\n" * 50000 + "}")
         result = self.kel("convert", "a.json", "out.kelb")
         self.assertEqual(result.status, 3)
-        self.assertIn("kel: a.json:50002: syntax error while parsing value", result.err)
+        self.assertIn('kel: a.json:50001:2: expected a value after ",", found "}"', result.err)
         content = record(ARRAY, int_record(1) * 50000)
         self.write("b.kelb", content[:-1])
-        self.fails(3, f"kel: b.kelb: offset {len(content) - 1}: unexpected end of input\n",
+        self.fails(3, f"kel: b.kelb: offset {len(content) - 1}: [49999]: the payload needs 4 bytes, "
+                      "but the input has only 3 left\n",
                    "convert", "b.kelb", "out.json")
         self.assertEqual(self.files(), ["a.json", "b.kelb"])
 
@@ -224,10 +225,11 @@ class Parts(ToolTest):
         bad_version = large[:24] + b"\2" + large[25:]
         for content, message in (
                 (struct_record([(b'a"b', large)]),
-                 "offset 38: KEL_Struct key can't contain a \""),
-                (struct_record([(b"", large)]), "offset 35: Error reading KEL header."),
-                (record(ARRAY, bad_version), "offset 68: Error reading KEL header."),
-                (record(ARRAY, b"X" + large[1:]), "offset 38: Error reading KEL header.")):
+                 'offset 35: ["a\\"b"]: a name cannot contain a double quote'),
+                (struct_record([(b"", large)]), "offset 34: (the value itself): a name cannot be empty"),
+                (record(ARRAY, bad_version), "offset 58: [0]: expected version 1, found 2"),
+                (record(ARRAY, b"X" + large[1:]), 'offset 34: [0]: expected a record, which begins with "KEL\\u0000", '
+                 'found "XEL\\u0000"')):
             with self.subTest(message=message):
                 self.write("a.kelb", content)
                 self.fails(3, f"kel: a.kelb: {message}\n", "convert", "a.kelb", "out.json")

@@ -44,13 +44,19 @@ class Check(ToolTest):
         self.write("a.kel", "{ a = ? }")
         self.write("b.kel", "1")
         self.write("c.json", "[1,\n2")
-        self.fails(1, "kel: a.kel:1: syntax error\n"
-                      "kel: c.json:2: syntax error while parsing array - unexpected end of input; "
-                      "expected ']'\n", "check", "a.kel", "b.kel", "c.json")
+        self.fails(1, 'kel: a.kel:1:7: expected a value for "a", found "?"\n'
+                      "    1 | { a = ? }\n"
+                      "      |       ^\n"
+                      'kel: c.json:1:1: "[" is not closed before the end of the input at 2:2\n'
+                      "    1 | [1,\n"
+                      "      | ^\n", "check", "a.kel", "b.kel", "c.json")
 
     def test_an_unreadable_file_weighs_more_than_a_malformed_one(self):
         self.write("a.kel", "{ a = ? }")
-        self.fails(3, "kel: none.kel: No such file or directory\nkel: a.kel:1: syntax error\n",
+        self.fails(3, "kel: none.kel: No such file or directory\n"
+                      'kel: a.kel:1:7: expected a value for "a", found "?"\n'
+                      "    1 | { a = ? }\n"
+                      "      |       ^\n",
                    "check", "none.kel", "a.kel")
 
     def test_a_repeated_name_in_a_binary_file_is_told_with_its_path(self):
@@ -67,11 +73,14 @@ class Check(ToolTest):
 
     def test_stdin_is_checked_too(self):
         self.ok("check", "-", input="[ 1 2 ]")
-        self.fails(1, "kel: -:1: unexpected end of input\n", "check", "-", input="[ 1 2 ")
+        self.fails(1, 'kel: -:1:1: "[" is not closed before the end of the input at 1:6\n'
+                      "    1 | [ 1 2 \n"
+                      "      | ^\n", "check", "-", input="[ 1 2 ")
 
     def test_from_holds_for_all_files(self):
         self.write("a.kel", "1")
-        self.fails(1, "kel: a.kel: offset 1: Error reading KEL header.\n",
+        self.fails(1, "kel: a.kel: offset 0: (the value itself): expected a record, which begins "
+                      'with "KEL\\u0000", found "1"\n',
                    "check", "--from", "binary", "a.kel")
 
 

@@ -69,12 +69,12 @@ Content readContent(const std::string& name, std::optional<Format> from) {
     if (format == Format::json) {
         bytes += '\n';
     }
-    return {format, std::move(bytes)};
+    return {format, std::move(bytes), from ? std::nullopt : formatOfName(name)};
 }
 
 Input readInput(Content&& content, const std::string& name, std::optional<Format> target,
                 Losses& losses) {
-    auto& [format, bytes] = content;
+    auto& [format, bytes, named] = content;
     if (format == Format::json) {
         return {format, readJson(bytes, name, target, losses)};
     }
@@ -83,7 +83,7 @@ Input readInput(Content&& content, const std::string& name, std::optional<Format
     }
     const bool hasKinds =
         format == Format::text && bytes.find("@type") != std::string::npos; // in a header
-    return {format, readKel(std::move(bytes), format, name), hasKinds};
+    return {format, readKel(std::move(bytes), format, name, named), hasKinds};
 }
 
 } // namespace kel::tool

@@ -17,6 +17,8 @@ struct Content {
     /// All bytes of the input. Those of JSON are followed by a line end, so that the parser finds
     /// white space after every number.
     std::string bytes;
+    /// The format by the input's name, unless the user gave the format.
+    std::optional<Format> named = std::nullopt;
 };
 
 /// Reads the bytes of the named file, or of stdin for "-".

@@ -4,11 +4,10 @@
 #include "GuidText.h"
 #include "KelWriter.h"
 #include "LibraryFailure.h"
+#include "explain/Refusal.h"
 #include "system/System.h"
 
-#include <algorithm>
 #include <new>
-#include <optional>
 #include <utility>
 
 namespace kel::tool {
@@ -118,37 +117,19 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
     return ending;
 }
 
-/// Cuts off the line that a message of the text reader ends with, and the lead of the message.
-/// Returns the line, or nothing for other messages.
-std::optional<std::string> takeLine(std::string& message) {
+/// Returns the library's message without its lead and its line, which the tool finds itself.
+std::string withoutLine(const std::string& message) {
     constexpr std::string_view lead = "Error reading KEL - ";
-    constexpr std::string_view beforeLine = " at line:";
-    const size_t at = message.rfind(beforeLine);
-    if (!message.starts_with(lead) || at == std::string::npos) {
-        return std::nullopt;
-    }
-    const size_t digits = message.find_first_not_of(' ', at + beforeLine.size());
-    if (digits == std::string::npos) {
-        return std::nullopt;
-    }
-    std::string line = message.substr(digits);
-    message = message.substr(lead.size(), at - lead.size());
-    return line;
-}
-
-std::string textFailure(std::string message, std::string_view content) {
-    if (const std::optional<std::string> line = takeLine(message)) {
-        return *line + ": " + message;
-    }
-    // Only a quoted word without an end, which reaches to the end of the input, is reported without
-    // a line. Content in memory has no medium that could fail.
-    const std::string_view body = content.substr(0, content.find_last_not_of('\n') + 1);
-    return std::to_string(std::count(body.begin(), body.end(), '\n') + 1) + ": " + message;
+    const size_t at = message.rfind(" at line:");
+    return message.starts_with(lead) && at != std::string::npos
+               ? message.substr(lead.size(), at - lead.size())
+               : message;
 }
 
 } // namespace
 
-Document readKel(std::string content, Format format, const std::string& inputName) {
+Document readKel(std::string content, Format format, const std::string& inputName,
+                 std::optional<Format> named) {
     const size_t size = content.size();
     const EndMark mark;
     content += mark.writtenAs(format);
@@ -170,12 +151,9 @@ Document readKel(std::string content, Format format, const std::string& inputNam
     std::vector<Value> roots;
     const Ending ending = readUntilFailure(content, format, roots);
     const Document released(std::move(roots), format == Format::binary);
-    if (format == Format::text) {
-        throw Failure{Trouble::malformed, inputName + ':' + textFailure(ending.message, content)};
-    }
-    throw Failure{Trouble::malformed,
-                  inputName + ": offset " + std::to_string(ending.offset) + ": " +
-                      (ending.isEndOfInput ? "unexpected end of input" : ending.message)};
+    throw failureOf({format, content, inputName, 0, static_cast<size_t>(ending.offset),
+                     ending.isEndOfInput ? "unexpected end of input" : withoutLine(ending.message),
+                     named});
 }
 
 Value valueOfRecord(std::string_view record) {

@@ -5,6 +5,7 @@
 #include "Document.h"
 #include "Format.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,9 +13,10 @@ namespace kel::tool {
 
 /// Reads all root values of KEL text or binary.
 /// \param inputName the name of the input in messages
-/// \throws Failure malformed: "INPUT:LINE: what is wrong" for text, "INPUT: offset N: what is
-///         wrong" for binary; also for content without any value
-Document readKel(std::string content, Format format, const std::string& inputName);
+/// \param named the format by the input's name, if the content decided on the format
+/// \throws Failure malformed, as failureOf describes it; also for content without any value
+Document readKel(std::string content, Format format, const std::string& inputName,
+                 std::optional<Format> named = std::nullopt);
 
 /// Returns the value of a binary record, or null if the library does not read it.
 Value valueOfRecord(std::string_view record);

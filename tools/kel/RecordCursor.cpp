@@ -10,11 +10,6 @@ namespace kel::tool {
 
 namespace {
 
-// The fields of a record that matter here.
-constexpr size_t identityOffset = 4;
-constexpr size_t kindOffset = 20;
-constexpr uint32_t backReference = 0x7FFFFFFF;
-
 /// Returns little-endian bytes as a number.
 template <class Number> Number numberAt(const char* bytes) {
     Number value = 0;

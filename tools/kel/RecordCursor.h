@@ -16,6 +16,14 @@ constexpr size_t recordHeaderSize = 34;
 /// The number of bytes of a reference.
 constexpr size_t referenceSize = 24;
 
+/// The places of the identity, the kind and the version in a record.
+constexpr size_t identityOffset = 4;
+constexpr size_t kindOffset = 20;
+constexpr size_t versionOffset = 24;
+
+/// The kind of a reference.
+constexpr uint32_t backReference = 0x7FFFFFFF;
+
 /// The place of the payload's length in the header of a record, and its size.
 constexpr size_t payloadLengthOffset = 26;
 constexpr size_t payloadLengthSize = 8;

@@ -12,14 +12,17 @@ namespace kel::tool {
 namespace {
 
 constexpr const char* notes =
-    R"(Prints nothing for files without errors. An error names the file and the line, or for a
-binary file the offset where reading stopped. Checked structs are compared with their descriptors.
+    R"(Prints nothing for files without errors. An error in text or JSON names the file, the line
+and the column and shows the line. An error in a binary file names the offset of the wrong field and
+the path to the value. Only the first error of each file is reported, because what follows it depends
+on what was meant. Checked structs are compared with their descriptors.
 Each value that its descriptor does not allow is listed with its path and the allowed values, and
 so is each variable descriptor that contradicts itself. The exit status is 1 if a file is malformed
 or holds such a value, and 3 if a file cannot be read.
 
 Examples:
   kel check settings.kel backup.kelb
+  kel check settings.kel && kel convert settings.kel settings.kelb
   kel check --from text -)";
 
 /// Reports where the document departs from the descriptors in it. \return whether it never does

@@ -1,6 +1,8 @@
 #include "json/JsonReader.h"
 
 #include "Failure.h"
+#include "explain/Refusal.h"
+#include "explain/SourceExcerpt.h"
 #include "path/PathText.h"
 #include "json/JsonBuilder.h"
 #include "json/JsonRecordBuilder.h"
@@ -95,7 +97,7 @@ public:
     void readAll() {
         do {
             const char* first = at_;
-            readOne();
+            readOne(first);
             stepBackBehindNumber(first);
             requireSeparator();
         } while (at_ != end_);
@@ -104,11 +106,11 @@ public:
 private:
     static bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-    void readOne() {
+    void readOne(const char* first) {
         const char* end = end_;
         if (!nlohmann::json::sax_parse(Reader(&at_), Reader(&end), &handler_,
                                        nlohmann::json::input_format_t::json, false)) {
-            fail(at_ - 1, reasonOf(handler_.failure()));
+            fail(first, at_, reasonOf(handler_.failure()));
         }
     }
 
@@ -127,13 +129,28 @@ private:
         at_ = std::find_if_not(at_, end_, isSpace);
         if (at_ != end_ && at_ == behind && last != '}' && last != ']' && *at_ != '{' &&
             *at_ != '[') {
-            fail(at_, "white space is missing between two values");
+            failBetweenRoots();
         }
     }
 
-    [[noreturn]] void fail(const char* where, const std::string& reason) const {
-        const auto line = std::count(begin_, where, '\n') + 1;
-        throw Failure{Trouble::malformed, inputName_ + ':' + std::to_string(line) + ": " + reason};
+    [[noreturn]] void fail(const char* first, const char* stop, const std::string& reason) const {
+        throw failureOf(
+            {Format::json, content(), inputName_, offsetOf(first), offsetOf(stop), reason});
+    }
+
+    [[noreturn]] void failBetweenRoots() const {
+        const bool isAfterZero = at_[-1] == '0' && *at_ >= '0' && *at_ <= '9';
+        throw Failure{Trouble::malformed,
+                      describeFault(content(), inputName_,
+                                    {offsetOf(at_), 1, "white space is missing between two values",
+                                     isAfterZero ? "numbers have no leading zeros" : ""})};
+    }
+
+    /// Returns the content of the input, without the line end that follows it here.
+    std::string_view content() const { return {begin_, end_ - 1}; }
+
+    size_t offsetOf(const char* at) const {
+        return std::min(static_cast<size_t>(at - begin_), content().size());
     }
 
     const char* begin_;

@@ -21,7 +21,7 @@ namespace kel::tool {
 /// \param inputName the name of the input in messages
 /// \param target the format that the values will be written in, if there is one
 /// \param losses gets the places that the values or the target cannot carry
-/// \throws Failure malformed, "INPUT:LINE: what is wrong"
+/// \throws Failure malformed, as failureOf describes it
 Document readJson(const std::string& content, const std::string& inputName,
                   std::optional<Format> target, Losses& losses);
 
@@ -30,7 +30,7 @@ Document readJson(const std::string& content, const std::string& inputName,
 /// \param file the file to write to, which can seek; null if all binary is to be returned
 /// \return the binary that was not written
 /// \throws NotInParts if binary cannot carry everything; readJson then also finds the reasons
-/// \throws Failure malformed, "INPUT:LINE: what is wrong"
+/// \throws Failure malformed, as failureOf describes it
 /// \throws Failure unwritten
 OutputBytes recordsOfJson(const std::string& content, const std::string& inputName,
                           std::FILE* file);

@@ -1,0 +1,34 @@
+/// \file
+/// The failures for inputs that cannot be read, with the place and the reason.
+#pragma once
+
+#include "Failure.h"
+#include "Format.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kel::tool {
+
+/// An input that the library or the JSON parser has refused. They decide what is valid; the input
+/// is scanned again only to find words for a person. If the scan finds nothing, the original
+/// message stands.
+struct Refusal {
+    Format format;
+    std::string_view content;
+    const std::string& inputName;
+    size_t begin;        ///< of the part that was refused: of JSON, the current root value
+    size_t stop;         ///< the offset just after the last byte that was consumed
+    std::string message; ///< of the library or the parser, without a place
+    /// The format by the name of the input, if only the content decided on the format. A broken
+    /// JSON file can look like text.
+    std::optional<Format> named = std::nullopt;
+};
+
+/// Returns the failure, which is malformed: "INPUT:LINE:COLUMN: what is wrong" with the line and a
+/// mark for text and JSON, "INPUT: offset N: PATH: what is wrong" for binary.
+Failure failureOf(const Refusal& refusal);
+
+} // namespace kel::tool

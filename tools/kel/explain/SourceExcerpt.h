@@ -1,0 +1,34 @@
+/// \file
+/// Messages about a place in a text: file, line, column, and the line itself with a mark.
+#pragma once
+
+#include "explain/Fault.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kel::tool {
+
+/// Returns "LINE:COLUMN" for an offset of the content. Both count from 1. Lines end with LF, and
+/// columns count characters of UTF-8. Every byte that is not UTF-8 counts as one character.
+std::string sourcePlace(std::string_view content, size_t at);
+
+/// Returns the offset just after the last character that is not white space.
+size_t endOfInk(std::string_view content);
+
+/// Returns the whole message about a fault:
+///
+///     settings.kel:3:13: expected a value, found "}"
+///         3 |     width = }
+///           |             ^
+///           = hint: ...
+///
+/// Tabs of the line are kept, control characters become escapes, and of a long line only the part
+/// around the culprit is shown.
+/// \param content the text that the fault is in
+/// \param inputName the name of the input
+std::string describeFault(std::string_view content, const std::string& inputName,
+                          const Fault& fault);
+
+} // namespace kel::tool
