@@ -143,6 +143,11 @@ class Faults(ToolTest):
         for name, target in (("a.kel", "json"), ("plain.json", "kel"), ("plain.json", "kelb"),
                              ("a.kelb", "kel"), ("a.kelb", "json"), ("a.json", "kel")):
             cases.append(Case(["convert", "--force", name, "out." + target], "out." + target))
+        cases += [Case(["find", name, "a"]) for name in files]
+        cases += [Case(["find", "a.kelb", "--kind", "int", "--all", "--count"]),
+                  Case(["stats", *files]), Case(["stats", "--json", "cycle.kelb"]),
+                  Case(["dump", "a.kelb"]), Case(["fmt", "a.kel", "plain.json"]),
+                  Case(["fmt", "--check", "a.kel", "plain.json"]), Case(["fmt", "lossy.json"])]
         cases += [Case(["convert", "--to", "binary", "plain.json", "-"]),
                   Case(["convert", "--to", "json", "-", "-"], stdin="a.kelb"),
                   Case(["convert", "--to", "text", "-", "-"], stdin="a.json"),
@@ -177,7 +182,9 @@ class Faults(ToolTest):
         return [Case(["convert", "large.json", "out.kelb"], "out.kelb"),
                 Case(["convert", "large.kelb", "out.json"], "out.json"),
                 Case(["convert", "large.kelb", "out.kel"], "out.kel"),
-                Case(["show", "large.json"])]
+                Case(["show", "large.json"]), Case(["find", "large.json", "7"]),
+                Case(["stats", "large.kelb"]), Case(["dump", "large.kelb"]),
+                Case(["fmt", "large.json"])]
 
     def prepare(self, cases):
         """Runs the cases without a fault, for their results and the numbers of their calls."""

@@ -19,6 +19,9 @@ struct Content {
     std::string bytes;
     /// The format by the input's name, unless the user gave the format.
     std::optional<Format> named = std::nullopt;
+
+    /// Returns the number of bytes of the input.
+    size_t size() const { return bytes.size() - (format == Format::json ? 1 : 0); }
 };
 
 /// Reads the bytes of the named file, or of stdin for "-".

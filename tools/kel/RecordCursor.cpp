@@ -27,13 +27,29 @@ void setPayloadLength(char* field, uint64_t length) {
     }
 }
 
-RecordCursor::RecordCursor(std::string_view content) : at_(content.data()) {
+RecordFields fieldsOf(std::string_view record) {
+    RecordFields fields{record.substr(0, identityOffset),
+                        record.substr(identityOffset, kindOffset - identityOffset),
+                        numberAt<uint32_t>(record.data() + kindOffset)};
+    if (fields.kind != backReference) {
+        fields.version = numberAt<uint16_t>(record.data() + versionOffset);
+        fields.length = numberAt<uint64_t>(record.data() + payloadLengthOffset);
+        fields.payload = record.substr(recordHeaderSize);
+    }
+    return fields;
+}
+
+RecordCursor::RecordCursor(std::string_view content, Cut cut) : at_(content.data()), cut_(cut) {
     levels_.push_back({false, content.data() + content.size()});
 }
 
 RecordCursor::Event RecordCursor::next() {
     Level& level = levels_.back();
     if (at_ == level.end) {
+        if (level.isCut) {
+            element_ = at_;
+            return Event::broken;
+        }
         if (levels_.size() == 1) {
             return Event::done;
         }
@@ -68,13 +84,15 @@ RecordCursor::Event RecordCursor::next() {
     }
     at_ = record_ + recordHeaderSize;
     const auto length = numberAt<uint64_t>(record_ + payloadLengthOffset);
-    if (length > left()) {
+    const bool isContainer = kind == KELKind_Array || kind == KELKind_Struct;
+    const bool isCut = length > left();
+    if (isCut && !(isContainer && cut_ == Cut::isEntered)) {
         return Event::broken;
     }
-    end_ = at_ + length;
-    if (kind == KELKind_Array || kind == KELKind_Struct) {
+    end_ = isCut ? level.end : at_ + length;
+    if (isContainer) {
         level.name = name_;
-        levels_.push_back({kind == KELKind_Struct, end_});
+        levels_.push_back({kind == KELKind_Struct, end_, 0, {}, isCut});
         return Event::enter;
     }
     at_ = end_;

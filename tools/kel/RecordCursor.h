@@ -31,6 +31,20 @@ constexpr size_t payloadLengthSize = 8;
 /// Stores the length of a payload in its field.
 void setPayloadLength(char* field, uint64_t length);
 
+/// The fields of a record. A reference has only the first three.
+struct RecordFields {
+    std::string_view magic;
+    std::string_view identity; ///< its 16 bytes
+    uint32_t kind;
+    uint16_t version = 0;
+    uint64_t length = 0;           ///< of the payload, as the record states it
+    std::string_view payload = {}; ///< its bytes as far as they are there
+};
+
+/// Returns the fields of the record that the bytes begin with. They must hold at least a reference,
+/// or the header of a record of another kind.
+RecordFields fieldsOf(std::string_view record);
+
 /// Walks the records of a file, and the records in those of arrays and structs, with a stack of its
 /// own. It examines only the fields that lead from one record to the next. The caller must keep the
 /// content alive.
@@ -46,7 +60,13 @@ public:
         broken     ///< what comes next is not a whole record
     };
 
-    explicit RecordCursor(std::string_view content);
+    /// What happens at an array or struct that is longer than the bytes around it.
+    enum class Cut {
+        isBroken, ///< the event is broken
+        isEntered ///< it is entered, and the event after its last whole element is broken
+    };
+
+    explicit RecordCursor(std::string_view content, Cut cut = Cut::isBroken);
 
     /// Moves to the next event. After done and broken there is none.
     Event next();
@@ -60,6 +80,10 @@ public:
 
     /// Returns the bytes of the current element's record.
     std::string_view record() const { return {record_, end_}; }
+
+    /// Returns, after broken, the bytes up to the end of the innermost container or of the content,
+    /// with which no whole element begins.
+    std::string_view rest() const { return {element_, levels_.back().end}; }
 
     /// Returns the current variable's name, which a NUL follows. Returns null data outside structs.
     std::string_view name() const { return name_; }
@@ -83,12 +107,14 @@ private:
         const char* end;
         size_t count = 0;           ///< of the elements so far
         std::string_view name = {}; ///< of the variable that holds the next level
+        bool isCut = false;         ///< whether it would go on after its end
     };
 
     /// Returns the number of bytes that the innermost container has left.
     size_t left() const { return static_cast<size_t>(levels_.back().end - at_); }
 
     const char* at_;
+    Cut cut_;
     const char* element_ = nullptr; ///< the beginning of the current element,
     const char* record_ = nullptr;  ///< of its record,
     const char* end_ = nullptr;     ///< and the end of both

@@ -39,12 +39,12 @@ DocumentScan scan(Document& document, Format target, const std::string& inputNam
 }
 
 /// Returns the list of places that cannot be what the verb says.
-std::string describeLosses(const Losses& losses, const std::string& inputName, const Input& input,
+std::string describeLosses(const Losses& losses, const std::string& inputName, size_t rootCount,
                            const std::string& verb) {
     const std::string heading = inputName + ": " + std::to_string(losses.count()) +
                                 (losses.count() == 1 ? " place" : " places") + " cannot be " +
                                 verb + ':';
-    return describe(losses, heading, input.document.roots().size());
+    return describe(losses, heading, rootCount);
 }
 
 } // namespace
@@ -73,10 +73,22 @@ void print(const std::string& text) {
     output.commit();
 }
 
+std::string listOf(const Losses& losses, const std::string& inputName, Format format,
+                   size_t rootCount, const char* target) {
+    return describeLosses(losses, inputName, rootCount,
+                          std::string("converted from ") + nameOf(format) + " to " + target);
+}
+
 std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
                    const char* target) {
-    return describeLosses(losses, inputName, input,
-                          std::string("converted from ") + nameOf(input.format) + " to " + target);
+    return listOf(losses, inputName, input.format, input.document.roots().size(), target);
+}
+
+void warnOfLosses(const Losses& losses, const std::string& inputName, Format format,
+                  bool hasSeveralRoots, Console& console) {
+    if (losses.count() > 0) {
+        console.warn(listOf(losses, inputName, format, hasSeveralRoots ? 2 : 1, "values"));
+    }
 }
 
 void save(Input& input, const std::string& inputName, size_t inputSize, Losses losses,
@@ -91,10 +103,10 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
                      inputName);
     if (losses.count() > 0) {
         const bool isConverted = !saving.isEdited || target != input.format;
-        const std::string list = isConverted
-                                     ? listOf(losses, inputName, input, nameOf(target))
-                                     : describeLosses(losses, inputName, input,
-                                                      std::string("written as ") + nameOf(target));
+        const std::string list =
+            isConverted ? listOf(losses, inputName, input, nameOf(target))
+                        : describeLosses(losses, inputName, input.document.roots().size(),
+                                         std::string("written as ") + nameOf(target));
         if (!saving.isForced) {
             const bool advisesText = found.hasTextOnly && target != Format::text;
             throw Failure{Trouble::refused, list + "\nnothing was written; " +

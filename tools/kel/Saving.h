@@ -56,4 +56,12 @@ void refuseUnshowable(Document& document, const std::string& inputName, uint64_t
 std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
                    const char* target);
 
+/// Returns the same for an input of the format with this number of root values.
+std::string listOf(const Losses& losses, const std::string& inputName, Format format,
+                   size_t rootCount, const char* target);
+
+/// Warns of what was lost in reading an input, if anything was.
+void warnOfLosses(const Losses& losses, const std::string& inputName, Format format,
+                  bool hasSeveralRoots, Console& console);
+
 } // namespace kel::tool

@@ -139,12 +139,12 @@ std::string TreeCursor::wholePath() const {
     return path.whole();
 }
 
-void TreeCursor::addStep(PathText& path, const Frame& frame) {
+void TreeCursor::addStep(PathText& path, const Frame& frame) const {
     const auto number = static_cast<size_t>(frame.next) - 1;
     if (frame.variables != nullptr) {
         path.addName(frame.variable.name);
     } else if (frame.array != nullptr) {
-        path.addIndex(number);
+        path.addIndex(number + (&frame == stack_.data() ? firstElement_ : 0));
     } else if (frame.list != nullptr) {
         path.addIndex(number / 2);
         path.addName(number % 2 == 0 ? "key" : "item");

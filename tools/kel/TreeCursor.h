@@ -30,6 +30,10 @@ public:
     explicit TreeCursor(KEL* root, Descriptors descriptors = Descriptors::visited)
         : root_(root), descriptors_(descriptors) {}
 
+    /// Makes paths count the elements of the root from another number than 0, for a root that holds
+    /// only a part of an array.
+    void countFrom(uint64_t first) { firstElement_ = first; }
+
     /// Moves to the next event.
     Event next();
 
@@ -78,10 +82,11 @@ private:
     void open(Frame& frame);
     static bool nextChild(Frame& frame, KEL*& child);
     static bool nextVariable(Frame& frame);
-    static void addStep(PathText& path, const Frame& frame);
+    void addStep(PathText& path, const Frame& frame) const;
 
     KEL* root_;
     Descriptors descriptors_;
+    uint64_t firstElement_ = 0;
     KEL* value_ = nullptr;
     size_t depth_ = 0;
     bool isStarted_ = false;

@@ -9,9 +9,7 @@
 
 namespace kel::tool {
 
-namespace {
-
-std::string quoted(std::string_view text) {
+std::string wordsFor(std::string_view text) {
     constexpr size_t longest = 60;
     if (text.size() <= longest) {
         return '"' + withoutControls(text) + '"';
@@ -22,8 +20,6 @@ std::string quoted(std::string_view text) {
     }
     return '"' + withoutControls(text.substr(0, end)) + "...\"";
 }
-
-} // namespace
 
 std::string wordsFor(double value) {
     char digits[32];
@@ -48,7 +44,7 @@ std::string wordsFor(const KEL* value) {
         return textOfGuid(value->toGuid(guid));
     }
     case KELKind_String:
-        return quoted(value->toString());
+        return wordsFor(std::string_view(value->toString()));
     case KELKind_MemBlock:
     case KELKind_Array:
     case KELKind_Struct:

@@ -4,12 +4,16 @@
 
 #include <kel/KEL.h>
 #include <string>
+#include <string_view>
 
 namespace kel::tool {
 
 /// Returns the value on one line of printable text: numbers in their shortest exact form, strings
 /// in quotes and cut off if they are long, and all other values as the name of their kind.
 std::string wordsFor(const KEL* value);
+
+/// Returns the text in quotes, cut off if it is long.
+std::string wordsFor(std::string_view text);
 
 /// Returns the double in its shortest exact form.
 std::string wordsFor(double value);

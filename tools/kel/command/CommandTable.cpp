@@ -8,6 +8,9 @@ extern const CommandEntry checkCommand;
 extern const CommandEntry completionCommand;
 extern const CommandEntry convertCommand;
 extern const CommandEntry diffCommand;
+extern const CommandEntry dumpCommand;
+extern const CommandEntry findCommand;
+extern const CommandEntry fmtCommand;
 extern const CommandEntry getCommand;
 extern const CommandEntry helpCommand;
 extern const CommandEntry htmlCommand;
@@ -15,6 +18,7 @@ extern const CommandEntry mvCommand;
 extern const CommandEntry rmCommand;
 extern const CommandEntry setCommand;
 extern const CommandEntry showCommand;
+extern const CommandEntry statsCommand;
 
 namespace {
 
@@ -28,8 +32,12 @@ constexpr const CommandEntry* commands[] = {
     &setCommand,
     &rmCommand,
     &mvCommand,
+    &findCommand,
     &diffCommand,
     &checkCommand,
+    &fmtCommand,
+    &statsCommand,
+    &dumpCommand,
     &completionCommand,
     &helpCommand,
 };
@@ -41,7 +49,7 @@ std::span<const CommandEntry* const> allCommands() {
     return commands;
 }
 
-const CommandEntry* findCommand(std::string_view name) {
+const CommandEntry* commandNamed(std::string_view name) {
     const auto* found =
         std::find_if(std::begin(commands), std::end(commands),
                      [name](const CommandEntry* entry) { return name == entry->name; });

@@ -13,6 +13,6 @@ namespace kel::tool {
 std::span<const CommandEntry* const> allCommands();
 
 /// Returns the command of the name, or null if no command has it.
-const CommandEntry* findCommand(std::string_view name);
+const CommandEntry* commandNamed(std::string_view name);
 
 } // namespace kel::tool

@@ -34,8 +34,8 @@ Paths:
 
 Exit status:
   0  success
-  1  check found errors, diff found differences, or a command refused, such as for a path that
-     leads nowhere
+  1  check found errors, diff differences, fmt --check another layout, or find nothing; or a
+     command refused, such as for a path that leads nowhere
   2  wrong command line
   3  an input cannot be read, is malformed, or does not fit in memory
   4  an output or a message cannot be written, or memory ran out elsewhere. If the reader of a
@@ -103,7 +103,7 @@ private:
     /// all commands by their purpose alone.
     void describe() {
         const std::string first = arguments_.size() > 1 ? arguments_[1] : "-";
-        const CommandEntry* named = findCommand(first);
+        const CommandEntry* named = commandNamed(first);
         if (named == nullptr && !first.starts_with('-')) {
             // The parser would report a missing command, which does not help after a typing error.
             refuseCommand(first);

@@ -25,7 +25,7 @@ public:
             print(generalHelp());
             return 0;
         }
-        const CommandEntry* entry = findCommand(name_);
+        const CommandEntry* entry = commandNamed(name_);
         if (entry == nullptr) {
             refuseCommand(name_);
         }

@@ -219,18 +219,23 @@ bool JsonBuilder::endsLeftOut() {
 void JsonBuilder::add(Value value, size_t size) {
     if (stack_.empty()) {
         roots_.push_back(std::move(value));
+        ++rootCount_;
     } else if (Frame& top = stack_.back(); top.array != nullptr) {
         top.array->addVar(value.get());
         ++top.index;
     } else {
+        const int32_t count = top.structure->getCount();
         top.structure->addVar(top.name.c_str(), value.get());
+        if (top.structure->getCount() == count) {
+            hasReplaced();
+        }
     }
     hasAdded(size);
 }
 
 void JsonBuilder::list(const char* reason) {
     if (reason != nullptr) {
-        losses_.add(roots_.size(), reason, [this] { return path(); });
+        losses_.add(rootCount_, reason, [this] { return path(); });
     }
 }
 

@@ -44,7 +44,7 @@ public:
     void endArray();
 
     /// Returns the number of complete root values.
-    size_t rootCount() const { return roots_.size(); }
+    size_t rootCount() const { return rootCount_; }
 
     /// Returns all root values and gives up their ownership.
     std::vector<Value> takeRoots() { return std::move(roots_); }
@@ -67,6 +67,9 @@ protected:
     /// does not exceed, without the values in it
     virtual void hasAdded(size_t size) { static_cast<void>(size); }
 
+    /// Is called when a member has replaced an earlier one of its name.
+    virtual void hasReplaced() {}
+
     /// Is called before the innermost container joins the one around it. \return whether it has
     /// been completed here
     virtual bool completesContainer() { return false; }
@@ -74,18 +77,21 @@ protected:
     std::vector<Value>& roots() { return roots_; }
     std::vector<Frame>& stack() { return stack_; }
 
+    /// Lists the current place as a loss, unless the reason is null.
+    void list(const char* reason);
+
 private:
     bool isLeftOut();
     void beginContainer(Frame frame);
     bool endsLeftOut();
     void add(Value value, size_t size);
     void addNumber(double value, const char* obstacle);
-    void list(const char* reason);
     std::string path() const;
 
     std::optional<Format> target_;
     Losses& losses_;
     std::vector<Value> roots_;
+    size_t rootCount_ = 0;
     std::vector<Frame> stack_;
     uint64_t leftOutDepth_ = 0; ///< open containers inside a member that is left out
     bool leaveNextOut_ = false; ///< the next value belongs to a member that is left out

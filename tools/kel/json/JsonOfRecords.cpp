@@ -1,5 +1,6 @@
 #include "json/JsonOfRecords.h"
 
+#include "BinaryParts.h"
 #include "KelReader.h"
 #include "KelWriter.h"
 #include "PartLimits.h"
@@ -14,33 +15,6 @@ namespace kel::tool {
 namespace {
 
 using Event = RecordCursor::Event;
-
-/// Returns the number of root records if the content consists of whole records without references,
-/// and the names of every struct ascend. Returns 0 otherwise.
-size_t countPlainRoots(std::string_view content) {
-    RecordCursor cursor(content);
-    std::vector<std::string_view> names; // the last one of every open container
-    for (Event event = cursor.next(); event != Event::done; event = cursor.next()) {
-        if (event == Event::broken || event == Event::reference) {
-            return 0;
-        }
-        if (event == Event::leave) {
-            names.pop_back();
-            continue;
-        }
-        const std::string_view name = cursor.name();
-        if (name.data() != nullptr) {
-            if (name <= names.back()) {
-                return 0;
-            }
-            names.back() = name;
-        }
-        if (event == Event::enter) {
-            names.emplace_back();
-        }
-    }
-    return cursor.roots();
-}
 
 /// Converts the records of one file. Large containers are opened, and their elements are read in
 /// parts. The library reads each part as a record of its own: the header of the container followed
@@ -130,8 +104,8 @@ bool Converter::writePart() {
 } // namespace
 
 bool convertToJson(std::string_view records, const TextBuffer::PassOn& passOn) {
-    const size_t roots = countPlainRoots(records);
-    return roots > 0 && Converter(records, roots, passOn).run();
+    const std::optional<size_t> roots = countPlainRoots(records);
+    return roots && Converter(records, *roots, passOn).run();
 }
 
 } // namespace kel::tool

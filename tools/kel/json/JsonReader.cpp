@@ -5,6 +5,7 @@
 #include "explain/SourceExcerpt.h"
 #include "path/PathText.h"
 #include "json/JsonBuilder.h"
+#include "json/JsonParts.h"
 #include "json/JsonRecordBuilder.h"
 
 #include <algorithm>
@@ -174,6 +175,13 @@ OutputBytes recordsOfJson(const std::string& content, const std::string& inputNa
     JsonRecordBuilder builder(file);
     JsonReader(content, inputName, builder).readAll();
     return builder.takeRecords();
+}
+
+void visitJson(const std::string& content, const std::string& inputName,
+               std::optional<Format> target, RootVisitor& visitor, Losses& losses) {
+    visitor.begin(hasSeveralTexts(content), true);
+    JsonParts builder(target, visitor, losses);
+    JsonReader(content, inputName, builder).readAll();
 }
 
 } // namespace kel::tool

@@ -1,0 +1,85 @@
+#include "Formatting.h"
+
+#include "DocumentScan.h"
+#include "Failure.h"
+#include "KelWriter.h"
+#include "RootVisitor.h"
+#include "system/System.h"
+#include "json/JsonParts.h"
+#include "json/JsonWriter.h"
+
+#include <optional>
+#include <string_view>
+
+namespace kel::tool {
+
+namespace {
+
+/// Writes the root values that it visits as JSON.
+class JsonOfRoots : public RootVisitor {
+public:
+    explicit JsonOfRoots(const TextBuffer::PassOn& passOn) : buffer_(passOn) {}
+
+    void begin(bool hasSeveralRoots, bool) override {
+        hasSeveralRoots_ = hasSeveralRoots;
+        writer_.emplace(buffer_, !hasSeveralRoots);
+    }
+
+    void visit(const RootPart& part) override {
+        if (part.isFirst && part.isLast) {
+            writer_->write(part.value);
+            return;
+        }
+        if (part.isFirst) {
+            writer_->open(false, nullptr);
+        }
+        writer_->writeContents(*part.value);
+        if (part.isLast) {
+            writer_->close();
+        }
+    }
+
+    void finish() { buffer_.flush(); }
+    bool hasSeveralRoots() const { return hasSeveralRoots_; }
+
+private:
+    TextBuffer buffer_;
+    std::optional<JsonWriter> writer_;
+    bool hasSeveralRoots_ = false;
+};
+
+} // namespace
+
+JsonLayout layOutJson(const Content& content, const std::string& name, uint64_t limit,
+                      const TextBuffer::PassOn& passOn) {
+    JsonLayout layout;
+    std::string_view rest(content.bytes.data(), content.size());
+    uint64_t size = 0;
+    bool isSame = true;
+    JsonOfRoots writer([&](std::string_view text) {
+        size += text.size();
+        refuseHugeOutput({size, std::nullopt, false, {}}, Format::json, limit, name);
+        isSame = isSame && rest.starts_with(text);
+        rest.remove_prefix(isSame ? text.size() : 0);
+        if (passOn) {
+            passOn(text);
+        }
+    });
+    visitJson(content.bytes, name, Format::json, writer, layout.losses);
+    writer.finish();
+    layout.isSame = isSame && rest.empty();
+    layout.hasSeveralRoots = writer.hasSeveralRoots();
+    return layout;
+}
+
+bool isFormattedText(const Document& document, const std::string& text) {
+    MemoryToWrite memory(text.size() + 1);
+    try {
+        writeKel(document, Format::text, memory.file());
+    } catch (const Failure&) {
+        return false; // the other text is longer
+    }
+    return memory.take() == text;
+}
+
+} // namespace kel::tool

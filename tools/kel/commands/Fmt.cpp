@@ -1,0 +1,155 @@
+#include "DocumentScan.h"
+#include "Failure.h"
+#include "FailureReport.h"
+#include "Formatting.h"
+#include "Input.h"
+#include "OutputBytes.h"
+#include "Saving.h"
+#include "TextExtras.h"
+#include "command/Command.h"
+#include "command/CommandLine.h"
+
+#include <algorithm>
+
+namespace kel::tool {
+
+namespace {
+
+constexpr const char* notes =
+    R"(Prints text and JSON in the layout in which kel writes them: a value on each line, names in
+order, numbers in one spelling. With -i, the files are changed instead, each whole or not at all.
+A file that has the layout already is not written. With --check, nothing is written: the names of
+the files that -i would change or refuse are printed, and the exit status is 1 if there are any.
+
+Values do not hold everything. A text with comments, "#define", identities or "REF" is refused, and
+so is JSON with repeated names, null in arrays, or other parts that kel convert lists as losses.
+--force formats what the values hold. Binary has no layout.
+
+Examples:
+  kel fmt settings.kel                   print it
+  kel fmt -i *.kel *.json                change files
+  kel fmt --check *.kel *.json           for a commit hook
+  kel fmt settings.json | diff settings.json -
+  curl -s https://example.org/data.json | kel fmt --from json)";
+
+class Fmt : public Command {
+public:
+    void describe(CommandLine& line) override {
+        line.inputs(inputs_);
+        line.flag("-i,--in-place", isInPlace_, "Change the files instead of printing them");
+        line.flag("--check", isCheck_, "Print the names of the files that are laid out otherwise");
+        line.flag("--force", isForced_, "Format what the values hold and leave out the rest");
+        line.from(from_);
+        line.maxOutput(maxOutput_);
+    }
+
+    int run(Console& console) override {
+        if (isInPlace_ && isCheck_) {
+            throw Failure{Trouble::usage, "--check writes nothing, so it excludes --in-place"};
+        }
+        if (isInPlace_ && std::find(inputs_.begin(), inputs_.end(), "-") != inputs_.end()) {
+            throw Failure{Trouble::usage, "--in-place: stdin cannot be changed"};
+        }
+        int worst = 0;
+        for (const std::string& name : inputs_) {
+            try {
+                worst = std::max(worst, formatFile(name, console));
+            } catch (...) {
+                worst = std::max(worst, exitStatus(reportFailure(console)));
+            }
+        }
+        return worst;
+    }
+
+private:
+    int formatFile(const std::string& name, Console& console) const {
+        console.begin(Work::reading, name);
+        Content content = readContent(name, from_);
+        switch (content.format) {
+        case Format::text:
+            return formatText(std::move(content), name, console);
+        case Format::json:
+            return formatJson(content, name, console);
+        case Format::binary:
+            break;
+        }
+        throw Failure{Trouble::refused,
+                      name + ": binary has no layout; use kel show to print it as text"};
+    }
+
+    int formatText(Content&& content, const std::string& name, Console& console) const {
+        const std::string text = content.bytes;
+        Losses losses;
+        Input input = readInput(std::move(content), name, Format::text, losses);
+        const std::optional<TextExtra> extra = firstTextExtra(text);
+        const bool isSame =
+            (isInPlace_ || isCheck_) && !extra && isFormattedText(input.document, text);
+        if (isSame) {
+            return 0;
+        }
+        if (isCheck_) {
+            print(name + '\n');
+            return exitStatus(Trouble::refused);
+        }
+        if (extra && !isForced_) {
+            throw Failure{Trouble::refused, name + ':' + std::to_string(extra->line) + ": " +
+                                                extra->words +
+                                                " would be lost; nothing was written; use "
+                                                "--force to format the rest"};
+        }
+        save(input, name, text.size(), losses, {Format::text, output(name), isForced_, maxOutput_},
+             console);
+        return 0;
+    }
+
+    /// Lays the JSON out twice: what would be lost is known only at its end, and the output takes
+    /// more memory than reading takes time.
+    int formatJson(const Content& content, const std::string& name, Console& console) const {
+        const uint64_t limit = maxOutput_.value_or(usualOutputLimit(content.size()));
+        const JsonLayout layout = layOutJson(content, name, limit, nullptr);
+        const bool isSame = layout.isSame && layout.losses.count() == 0;
+        if (isSame && (isInPlace_ || isCheck_)) {
+            return 0;
+        }
+        if (isCheck_) {
+            print(name + '\n');
+            return exitStatus(Trouble::refused);
+        }
+        reportLosses(layout, name, console);
+        writeTo(output(name), console, [&](std::FILE* file) {
+            layOutJson(content, name, limit,
+                       [file](std::string_view text) { writeBytes(text, file); });
+        });
+        return 0;
+    }
+
+    /// Refuses to lose anything, or warns of it.
+    void reportLosses(const JsonLayout& layout, const std::string& name, Console& console) const {
+        if (layout.losses.count() == 0) {
+            return;
+        }
+        const std::string list = listOf(layout.losses, name, Format::json,
+                                        layout.hasSeveralRoots ? 2 : 1, nameOf(Format::json));
+        if (!isForced_) {
+            throw Failure{Trouble::refused,
+                          list + "\nnothing was written; use --force to format the rest"};
+        }
+        console.warn(list);
+    }
+
+    std::string output(const std::string& name) const { return isInPlace_ ? name : "-"; }
+
+    std::vector<std::string> inputs_;
+    bool isInPlace_ = false;
+    bool isCheck_ = false;
+    bool isForced_ = false;
+    std::optional<Format> from_;
+    std::optional<uint64_t> maxOutput_;
+};
+
+} // namespace
+
+extern const CommandEntry fmtCommand{"fmt", "Print or change files in the usual layout", notes,
+                                     makeCommand<Fmt>};
+
+} // namespace kel::tool
