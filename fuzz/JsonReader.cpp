@@ -44,7 +44,7 @@ Reading read(const std::string& json, std::optional<Format> target) {
 std::optional<std::string> jsonOf(const Document& document) {
     std::string json;
     TextBuffer buffer([&json](std::string_view text) { json += text; });
-    JsonWriter writer(buffer, document.roots().size() == 1);
+    JsonWriter writer(buffer, JsonLayout(), document.roots().size());
     for (const Value& root : document.roots()) {
         writer.write(root.get());
     }
@@ -92,7 +92,7 @@ void throughRecords(const std::string& json, const Reading& whole) {
     const Document back = readKel(records, Format::binary, "records");
     require(areEqual(back, *whole.document), "both ways make the same values");
     std::string again;
-    if (convertToJson(records, [&again](std::string_view text) { again += text; })) {
+    if (convertToJson(records, JsonLayout(), [&again](std::string_view text) { again += text; })) {
         requireSame(again, jsonOf(back).value_or(""), "both ways make the same JSON");
     }
 }

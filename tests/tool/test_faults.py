@@ -148,6 +148,9 @@ class Faults(ToolTest):
                   Case(["stats", *files]), Case(["stats", "--json", "cycle.kelb"]),
                   Case(["dump", "a.kelb"]), Case(["fmt", "a.kel", "plain.json"]),
                   Case(["fmt", "--check", "a.kel", "plain.json"]), Case(["fmt", "lossy.json"])]
+        for name in files[::2]:
+            cases.append(Case(["convert", "--force", "--identities", "stable", name, "out.kelb"],
+                              "out.kelb"))
         cases += [Case(["convert", "--to", "binary", "plain.json", "-"]),
                   Case(["convert", "--to", "json", "-", "-"], stdin="a.kelb"),
                   Case(["convert", "--to", "text", "-", "-"], stdin="a.json"),
@@ -184,7 +187,8 @@ class Faults(ToolTest):
                 Case(["convert", "large.kelb", "out.kel"], "out.kel"),
                 Case(["show", "large.json"]), Case(["find", "large.json", "7"]),
                 Case(["stats", "large.kelb"]), Case(["dump", "large.kelb"]),
-                Case(["fmt", "large.json"])]
+                Case(["fmt", "large.json"]),
+                Case(["convert", "--identities", "stable", "large.json", "out.kelb"], "out.kelb")]
 
     def prepare(self, cases):
         """Runs the cases without a fault, for their results and the numbers of their calls."""

@@ -3,11 +3,10 @@
 #include "Failure.h"
 #include "FormatLimits.h"
 #include "IdentitySet.h"
+#include "OutputSize.h"
 #include "TreeCursor.h"
-#include "json/JsonWriter.h"
 
 #include <algorithm>
-#include <cstring>
 #include <unordered_map>
 
 namespace kel::tool {
@@ -20,21 +19,22 @@ uint64_t sum(uint64_t a, uint64_t b) {
     return std::min(a + b, ceiling);
 }
 
-/// The deepest level that JSON indents, and the blanks for each level.
-constexpr uint64_t indentedLevels = JsonWriter::indentedLevels;
-constexpr uint64_t indentWidth = JsonWriter::indentWidth;
+uint64_t product(uint64_t a, uint64_t b) {
+    return b > 0 && a > ceiling / b ? ceiling : a * b;
+}
 
 /// The size of a value with everything in it.
 struct Extent {
     uint64_t lines = 0;
-    uint64_t bytes = 0; ///< without indentation
-    uint64_t indent =
-        0; ///< the indentation: of text from the left margin, of JSON at its first place
+    uint64_t bytes = 0;  ///< without indentation
+    uint64_t indent = 0; ///< of text from the left margin, of JSON with line ends at its place
+    uint64_t height = 0; ///< the number of levels in it
 
     void add(const Extent& other) {
         lines = sum(lines, other.lines);
         bytes = sum(bytes, other.bytes);
         indent = sum(indent, other.indent);
+        height = std::max(height, other.height);
     }
 };
 
@@ -42,30 +42,43 @@ struct Extent {
 class Scanner {
 public:
     /// \param isIndented whether JSON is indented
-    Scanner(Format target, Losses* losses, bool isIndented)
-        : target_(target), losses_(losses), isIndentedJson_(isIndented && target == Format::json) {}
+    Scanner(Format target, Losses* losses, const JsonLayout& layout, bool isIndented)
+        : target_(target), losses_(losses), isIndentedJson_(isIndented && target == Format::json),
+          indentWidth_(isIndentedJson_ ? layout.width : 0) {}
 
     /// Visits everything below a root.
     void visit(KEL* root, size_t rootNumber);
 
     DocumentScan result() {
-        return {sum(total_.bytes, total_.indent), std::move(cycle_), hasTextOnly_,
+        return {sum(total_.bytes, total_.indent),
+                total_.bytes,
+                once_,
+                std::move(cycle_),
+                hasTextOnly_,
                 std::move(namesakes_)};
     }
 
 private:
     /// A container that was entered, and its extent once it has been left.
     struct Met {
+        size_t depth; ///< of the first place, as jsonDepth counts it
         bool isOpen = true;
-        Extent extent;
+        Extent extent = {};
     };
 
     void arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNumber);
     void enter(TreeCursor& cursor, size_t rootNumber);
     void leave(const KEL& container, size_t depth);
-    void addAgain(const Extent& extent, size_t depth);
-    uint64_t jsonIndentAt(size_t depth) const {
-        return isIndentedJson_ && depth <= indentedLevels ? depth * indentWidth : 0;
+    void addAgain(const Met& met, size_t depth);
+    void addPairs(const KEL_IndexList& list, size_t depth, Extent& extent);
+    uint64_t sizeAround(const TreeCursor& cursor) const;
+    void addScalar(const KEL* scalar, size_t depth);
+    void addPlainly(uint64_t bytes);
+    /// Returns the level of a value in JSON, where the pairs of index lists are arrays.
+    size_t jsonDepth(size_t depth) const { return depth + openLists_; }
+    /// Returns the size of a line end of JSON with the indentation after it.
+    uint64_t jsonLineAt(uint64_t depth) const {
+        return isIndentedJson_ && depth <= JsonLayout::levels ? 1 + depth * indentWidth_ : 0;
     }
     const char* obstacleOfValue(const KEL& value);
     void list(const TreeCursor& cursor, size_t rootNumber, const char* reason);
@@ -74,7 +87,11 @@ private:
     Format target_;
     Losses* losses_;
     bool isIndentedJson_;
+    uint64_t indentWidth_; ///< of indented JSON, 0 otherwise
     Extent total_;
+    uint64_t once_ = 0;    ///< the bytes of all containers and long scalars once
+    size_t openLists_ = 0; ///< the number of open index lists
+    std::unordered_set<const KEL*> longScalars_;
     std::optional<std::string> cycle_;
     bool hasTextOnly_ = false;
     std::vector<Extent> open_; ///< the contents of the open containers so far
@@ -82,39 +99,6 @@ private:
     IdentitySet identities_; ///< of the values that binary carries, if losses are listed
     std::unordered_set<const KEL*> namesakes_;
 };
-
-constexpr uint64_t bytesOfWord = 4;     ///< of null and true
-constexpr uint64_t bytesAroundName = 3; ///< an equals sign between blanks, or quotes and a colon
-
-/// Returns about the number of bytes that a scalar takes.
-uint64_t bytesOf(const KEL& scalar) {
-    constexpr uint64_t bytesOfInt = 6;
-    constexpr uint64_t bytesOfDouble = 10;
-    switch (kindOf(scalar).kind) {
-    case KELKind_String:
-        return std::strlen(scalar.toString()) + 2;
-    case KELKind_MemBlock:
-        return static_cast<uint64_t>(dynamic_cast<const KEL_MemBlock&>(scalar).getSize()) / 3 * 4;
-    case KELKind_Int:
-        return bytesOfInt;
-    case KELKind_Double:
-        return bytesOfDouble;
-    case KELKind_guid:
-        return JHashCode::guidTextLength;
-    case KELKind_Boolean:
-    case KELKind_Array:
-    case KELKind_Struct:
-    case KELKind_Manager:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
-    case KELKind_IndexList:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
-        break;
-    }
-    return bytesOfWord;
-}
 
 void Scanner::visit(KEL* root, size_t rootNumber) {
     TreeCursor cursor(root, target_ == Format::text ? TreeCursor::Descriptors::visited
@@ -131,9 +115,7 @@ void Scanner::visit(KEL* root, size_t rootNumber) {
 void Scanner::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNumber) {
     const char* name = cursor.name();
     const char* obstacle = name != nullptr ? obstacleOfName(name, target_) : nullptr;
-    if (name != nullptr) {
-        add({0, std::strlen(name) + bytesAroundName, 0});
-    }
+    addPlainly(sizeAround(cursor));
     if (obstacle == nullptr && event == TreeCursor::Event::scalar) {
         obstacle = obstacleOfValue(*cursor.value());
     } else if (obstacle == nullptr && event == TreeCursor::Event::null && cursor.depth() == 0) {
@@ -145,9 +127,34 @@ void Scanner::arrive(TreeCursor& cursor, TreeCursor::Event event, size_t rootNum
     } else {
         const KEL* value = cursor.value();
         hasTextOnly_ = hasTextOnly_ || (value != nullptr && isTextOnly(*value));
-        add({1, 1 + (value != nullptr ? bytesOf(*value) : bytesOfWord),
-             jsonIndentAt(cursor.depth())});
+        addScalar(value, cursor.depth());
     }
+}
+
+/// Returns the size of what precedes a value in its container.
+uint64_t Scanner::sizeAround(const TreeCursor& cursor) const {
+    if (target_ == Format::binary || cursor.depth() == 0) {
+        return 0;
+    }
+    return cursor.name() != nullptr ? sizeOfName(cursor.name(), target_)
+                                    : sizeAroundElement(*cursor.container(), target_);
+}
+
+/// Adds a scalar, or null for a place without a value.
+void Scanner::addScalar(const KEL* scalar, size_t depth) {
+    constexpr uint64_t longSize = 256; // shorter ones count in each of their places
+    const uint64_t size = target_ == Format::binary ? 0 : sizeOfScalar(scalar, target_);
+    constexpr uint64_t end = 1; // a line end or a comma
+    add({1, size + end, jsonLineAt(jsonDepth(depth))});
+    if (size <= longSize || longScalars_.insert(scalar).second) {
+        once_ = sum(once_, size + end);
+    }
+}
+
+/// Adds bytes that belong to no line of their own.
+void Scanner::addPlainly(uint64_t bytes) {
+    add({0, bytes});
+    once_ = sum(once_, bytes);
 }
 
 /// Returns why the target cannot carry the value at this place, for its kind or for its identity.
@@ -163,8 +170,10 @@ const char* Scanner::obstacleOfValue(const KEL& value) {
 }
 
 void Scanner::enter(TreeCursor& cursor, size_t rootNumber) {
-    const auto [place, isNew] = met_.try_emplace(cursor.value());
+    const size_t depth = jsonDepth(cursor.depth());
+    const auto [place, isNew] = met_.try_emplace(cursor.value(), Met{depth});
     if (isNew) {
+        openLists_ += cursor.value()->getType() == KELKind_IndexList ? 1 : 0;
         hasTextOnly_ = hasTextOnly_ || isTextOnly(*cursor.value());
         list(cursor, rootNumber, obstacleOfValue(*cursor.value()));
         open_.emplace_back();
@@ -177,44 +186,74 @@ void Scanner::enter(TreeCursor& cursor, size_t rootNumber) {
         if (target_ != Format::binary) {
             list(cursor, rootNumber, "a value that contains itself");
         }
-        add({1, 1 + bytesOfWord, jsonIndentAt(cursor.depth())});
+        addScalar(nullptr, cursor.depth());
     } else {
-        addAgain(place->second.extent, cursor.depth());
+        addAgain(place->second, depth);
     }
     cursor.skip();
 }
 
-/// Returns the extent of a container with the given extent inside.
-Extent extentAround(const Extent& inside, const KEL& container, Format target) {
-    // An index list is written as two arrays, each with a comment, so its values stand one level
-    // deeper than those of other containers.
-    const bool isList = container.getType() == KELKind_IndexList;
-    const uint64_t ownLines = isList ? 6 : 0;
-    const uint64_t lines = sum(inside.lines, ownLines);
-    const uint64_t tabs = isList ? sum(inside.lines, lines) : lines;
-    return {sum(lines, 2), sum(inside.bytes, 2 * (ownLines + 2)),
-            sum(inside.indent, target == Format::text ? tabs : 0)};
-}
-
 /// Adds a container that was visited at another place before.
-void Scanner::addAgain(const Extent& extent, size_t depth) {
-    Extent again = extent;
+void Scanner::addAgain(const Met& met, size_t depth) {
+    Extent again = met.extent;
     if (isIndentedJson_) {
-        // The lines in it are indented at least as far as its own, and at most as far as any line.
-        const uint64_t most = depth <= indentedLevels ? indentedLevels * indentWidth : 0;
-        again.indent = extent.lines > ceiling / (most + 1) ? ceiling : extent.lines * most;
+        const uint64_t deepest = std::min<uint64_t>(depth + again.height, JsonLayout::levels);
+        const uint64_t most = product(again.lines, jsonLineAt(deepest));
+        const uint64_t steps = depth > met.depth ? depth - met.depth : met.depth - depth;
+        const uint64_t change = product(again.lines, steps * indentWidth_);
+        if (depth > JsonLayout::levels) {
+            again.indent = 0;
+        } else if (depth >= met.depth) {
+            again.indent = std::min(most, sum(again.indent, change));
+        } else if (met.depth + again.height <= JsonLayout::levels) {
+            again.indent -= std::min(again.indent, change);
+        } else {
+            again.indent = most; // values that were too deep for lines of their own can have them
+        }
     }
     add(again);
 }
 
 void Scanner::leave(const KEL& container, size_t depth) {
-    const Extent inside = open_.back();
+    Extent extent = open_.back();
     open_.pop_back();
+    const bool isList = container.getType() == KELKind_IndexList;
+    openLists_ -= isList ? 1 : 0;
+    const uint64_t own = sizeOfContainer(container, target_);
+    if (target_ == Format::text) {
+        // An index list is written as two arrays, each with a comment, so its values stand one
+        // level deeper than those of other containers. The first line of a value built on a struct
+        // can be indented twice.
+        constexpr uint64_t linesOfArrays = 6;
+        const uint64_t innerLines = extent.lines;
+        extent.lines = sum(extent.lines, isList ? linesOfArrays : 0);
+        extent.indent = sum(extent.indent, sum(extent.lines, isList ? innerLines : 0));
+        extent.lines = sum(extent.lines, isTextOnly(container) ? 3 : 2);
+    } else {
+        if (isList) { // becomes an array of pairs
+            addPairs(dynamic_cast<const KEL_IndexList&>(container), jsonDepth(depth) + 1, extent);
+        }
+        extent.lines = sum(extent.lines, 2);
+        extent.indent = sum(extent.indent, 2 * jsonLineAt(jsonDepth(depth)));
+    }
+    extent.bytes = sum(extent.bytes, own);
+    once_ = sum(once_, own);
+    extent.height += isList ? 2 : 1;
     Met& met = met_[&container];
     met.isOpen = false;
-    met.extent = extentAround(inside, container, target_);
-    met.extent.indent = sum(met.extent.indent, 2 * jsonIndentAt(depth)); // of its two brackets
-    add(met.extent);
+    met.extent = extent;
+    add(extent);
+}
+
+/// Adds the brackets of an index list's pairs in JSON.
+/// \param depth of the pairs
+void Scanner::addPairs(const KEL_IndexList& list, size_t depth, Extent& extent) {
+    const auto pairs = static_cast<uint64_t>(list.getCount());
+    const uint64_t bytes = 3 * pairs;
+    extent.lines = sum(extent.lines, 2 * pairs);
+    extent.bytes = sum(extent.bytes, bytes);
+    extent.indent = sum(extent.indent, product(2 * pairs, jsonLineAt(depth)));
+    once_ = sum(once_, bytes);
 }
 
 void Scanner::list(const TreeCursor& cursor, size_t rootNumber, const char* reason) {
@@ -225,8 +264,9 @@ void Scanner::list(const TreeCursor& cursor, size_t rootNumber, const char* reas
 
 } // namespace
 
-DocumentScan scanDocument(const Document& document, Format target, Losses* losses) {
-    Scanner scanner(target, losses, document.roots().size() == 1);
+DocumentScan scanDocument(const Document& document, Format target, Losses* losses,
+                          const JsonLayout& layout) {
+    Scanner scanner(target, losses, layout, layout.indents(document.roots().size()));
     for (size_t i = 0; i < document.roots().size(); ++i) {
         scanner.visit(document.roots()[i].get(), i);
     }
@@ -238,11 +278,14 @@ void refuseHugeOutput(const DocumentScan& scan, Format target, uint64_t limit,
     if (target == Format::binary || scan.bytes <= limit) {
         return; // binary writes every value once
     }
-    throw Failure{Trouble::refused,
-                  inputName + ": as " + nameOf(target) + " the output would exceed " +
-                      std::to_string(limit) +
-                      " bytes, because of deep nesting or of values that are shared many times; "
-                      "use --max-output to allow more"};
+    const char* const reason = scan.bytesOnce > limit ? ""
+                               : scan.bytesUnindented > limit
+                                   ? ", because of values that are shared"
+                                     " many times"
+                                   : ", because of deep nesting";
+    throw Failure{Trouble::refused, inputName + ": as " + nameOf(target) +
+                                        " the output would exceed " + std::to_string(limit) +
+                                        " bytes" + reason + "; use --max-output to allow more"};
 }
 
 } // namespace kel::tool

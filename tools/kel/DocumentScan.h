@@ -5,6 +5,7 @@
 #include "Document.h"
 #include "Format.h"
 #include "Losses.h"
+#include "json/JsonLayout.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -17,8 +18,13 @@ namespace kel::tool {
 /// small binary file can unfold to more than any disk holds. Both indent, so a deep tree can be
 /// mostly indentation.
 struct DocumentScan {
-    /// About the number of bytes that text or JSON takes, saturated.
+    /// A number of bytes that text or JSON does not exceed, and that is usually less than twice as
+    /// large as the output. All three numbers are saturated, and 0 for binary.
     uint64_t bytes = 0;
+    /// The same without indentation.
+    uint64_t bytesUnindented = 0;
+    /// The same without indentation and with each container and each long scalar only once.
+    uint64_t bytesOnce = 0;
     /// The path to the first value that is one of its own containers.
     std::optional<std::string> cycle;
     /// Whether there is a value that only text has a form for.
@@ -33,7 +39,9 @@ struct DocumentScan {
 /// \param target the format that the document is to be written in
 /// \param losses gets every place that target cannot carry; a value in several places is listed at
 ///        its first place. Null if the losses are known already.
-DocumentScan scanDocument(const Document& document, Format target, Losses* losses);
+/// \param layout of the output, if it is JSON
+DocumentScan scanDocument(const Document& document, Format target, Losses* losses,
+                          const JsonLayout& layout = {});
 
 /// Returns the greatest number of bytes that is written as text or JSON unless the user sets
 /// another one. Only deep nesting and shared values need more than a multiple of the input.

@@ -18,11 +18,12 @@ namespace {
 /// Writes the root values that it visits as JSON.
 class JsonOfRoots : public RootVisitor {
 public:
-    explicit JsonOfRoots(const TextBuffer::PassOn& passOn) : buffer_(passOn) {}
+    JsonOfRoots(const JsonLayout& layout, const TextBuffer::PassOn& passOn)
+        : layout_(layout), buffer_(passOn) {}
 
     void begin(bool hasSeveralRoots, bool) override {
         hasSeveralRoots_ = hasSeveralRoots;
-        writer_.emplace(buffer_, !hasSeveralRoots);
+        writer_.emplace(buffer_, layout_, hasSeveralRoots ? 2 : 1);
     }
 
     void visit(const RootPart& part) override {
@@ -43,6 +44,7 @@ public:
     bool hasSeveralRoots() const { return hasSeveralRoots_; }
 
 private:
+    JsonLayout layout_;
     TextBuffer buffer_;
     std::optional<JsonWriter> writer_;
     bool hasSeveralRoots_ = false;
@@ -50,26 +52,26 @@ private:
 
 } // namespace
 
-JsonLayout layOutJson(const Content& content, const std::string& name, uint64_t limit,
-                      const TextBuffer::PassOn& passOn) {
-    JsonLayout layout;
+LaidOut layOutJson(const Content& content, const std::string& name, const JsonLayout& layout,
+                   uint64_t limit, const TextBuffer::PassOn& passOn) {
+    LaidOut laidOut;
     std::string_view rest(content.bytes.data(), content.size());
     uint64_t size = 0;
     bool isSame = true;
-    JsonOfRoots writer([&](std::string_view text) {
+    JsonOfRoots writer(layout, [&](std::string_view text) {
         size += text.size();
-        refuseHugeOutput({size, std::nullopt, false, {}}, Format::json, limit, name);
+        refuseHugeOutput({size, size, size, std::nullopt, false, {}}, Format::json, limit, name);
         isSame = isSame && rest.starts_with(text);
         rest.remove_prefix(isSame ? text.size() : 0);
         if (passOn) {
             passOn(text);
         }
     });
-    visitJson(content.bytes, name, Format::json, writer, layout.losses);
+    visitJson(content.bytes, name, Format::json, writer, laidOut.losses);
     writer.finish();
-    layout.isSame = isSame && rest.empty();
-    layout.hasSeveralRoots = writer.hasSeveralRoots();
-    return layout;
+    laidOut.isSame = isSame && rest.empty();
+    laidOut.hasSeveralRoots = writer.hasSeveralRoots();
+    return laidOut;
 }
 
 bool isFormattedText(const Document& document, const std::string& text) {

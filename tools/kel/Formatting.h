@@ -5,6 +5,7 @@
 #include "Document.h"
 #include "Input.h"
 #include "Losses.h"
+#include "json/JsonLayout.h"
 #include "json/TextBuffer.h"
 
 #include <cstdint>
@@ -13,17 +14,19 @@
 namespace kel::tool {
 
 /// What is known about JSON after it has been laid out.
-struct JsonLayout {
-    bool isSame = false; ///< whether the input has the tool's layout already
+struct LaidOut {
+    bool isSame = false; ///< whether the input has the layout already
     Losses losses;       ///< what the output does not hold, repeated names included
     bool hasSeveralRoots = false;
 };
 
 /// Lays JSON out as kel convert does, with one root value in memory at a time, or a part of an
-/// array at the root. \param limit the greatest number of bytes \param passOn gets the output piece
-/// by piece, and can be null \throws Failure malformed; refused beyond the limit
-JsonLayout layOutJson(const Content& content, const std::string& name, uint64_t limit,
-                      const TextBuffer::PassOn& passOn);
+/// array at the root.
+/// \param limit the greatest number of bytes
+/// \param passOn gets the output piece by piece, and can be null
+/// \throws Failure malformed; refused beyond the limit
+LaidOut layOutJson(const Content& content, const std::string& name, const JsonLayout& layout,
+                   uint64_t limit, const TextBuffer::PassOn& passOn);
 
 /// Returns whether the text is the one that kel convert writes for the values that were read from
 /// it.

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "LibraryFailure.h"
 #include "NotInParts.h"
+#include "RecordSize.h"
 #include "system/System.h"
 
 #include <algorithm>
@@ -116,6 +117,16 @@ std::string recordOf(KEL& value, size_t limit) {
 
 std::string textOf(KEL& value) {
     return textWrittenBy([&value](ValueWriter& writer) { writer.write(&value); });
+}
+
+std::string recordsOf(const Document& document) {
+    MemoryToWrite memory(mostRecordBytes(document) + 1);
+    writeKel(document, Format::binary, memory.file());
+    std::optional<std::string> records = memory.take();
+    if (!records) {
+        throw std::bad_alloc(); // there was room for all of them
+    }
+    return std::move(*records);
 }
 
 std::string textOf(const Document& document) {

@@ -44,6 +44,10 @@ std::string textOf(KEL& value);
 /// \throws NotInParts if the value has no record of this size
 std::string recordOf(KEL& value, size_t limit);
 
+/// Returns the binary records of all root values of the document.
+/// \throws Failure unwritten
+std::string recordsOf(const Document& document);
+
 /// Returns the text form of all root values of the document.
 /// \throws Failure refused if the library refuses its length
 std::string textOf(const Document& document);

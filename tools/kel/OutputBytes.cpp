@@ -27,6 +27,15 @@ void OutputBytes::append(std::string bytes) {
     append(std::move(pieces));
 }
 
+std::string OutputBytes::joined() const {
+    std::string whole;
+    whole.reserve(static_cast<size_t>(output_.size()));
+    for (const std::string_view piece : output_.list()) {
+        whole += piece;
+    }
+    return whole;
+}
+
 void OutputBytes::writeTo(std::FILE* file) const {
     for (const std::string_view piece : output_.list()) {
         writeBytes(piece, file);

@@ -44,6 +44,9 @@ public:
     /// Keeps bytes and appends them to the output.
     void append(std::string bytes);
 
+    /// Returns a copy of the whole output in one piece.
+    std::string joined() const;
+
     /// Writes the output to the file.
     /// \throws Failure unwritten with the system's reason as its message
     void writeTo(std::FILE* file) const;

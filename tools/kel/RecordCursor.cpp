@@ -39,6 +39,12 @@ RecordFields fieldsOf(std::string_view record) {
     return fields;
 }
 
+Identity identityIn(std::string_view record) {
+    Identity identity;
+    std::memcpy(identity.data(), record.data() + identityOffset, identity.size());
+    return identity;
+}
+
 RecordCursor::RecordCursor(std::string_view content, Cut cut) : at_(content.data()), cut_(cut) {
     levels_.push_back({false, content.data() + content.size()});
 }

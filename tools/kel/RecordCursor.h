@@ -2,6 +2,8 @@
 /// RecordCursor: visits the records of a binary file without reading their values.
 #pragma once
 
+#include "identities/Identity.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -44,6 +46,9 @@ struct RecordFields {
 /// Returns the fields of the record that the bytes begin with. They must hold at least a reference,
 /// or the header of a record of another kind.
 RecordFields fieldsOf(std::string_view record);
+
+/// Returns the identity in the record or reference that begins with the bytes.
+Identity identityIn(std::string_view record);
 
 /// Walks the records of a file, and the records in those of arrays and structs, with a stack of its
 /// own. It examines only the fields that lead from one record to the next. The caller must keep the

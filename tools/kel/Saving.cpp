@@ -3,6 +3,7 @@
 #include "DocumentScan.h"
 #include "Failure.h"
 #include "KelWriter.h"
+#include "OutputBytes.h"
 #include "Representable.h"
 #include "system/OutputFile.h"
 #include "json/JsonWriter.h"
@@ -13,21 +14,26 @@ namespace kel::tool {
 
 namespace {
 
-/// Writes the document in the format.
-void write(const Document& document, Format format, std::FILE* file) {
-    if (format == Format::json) {
-        writeJson(document, file);
+/// Writes the document in its form.
+void write(const Document& document, const Saving& saving, std::FILE* file) {
+    if (saving.format == Format::json) {
+        writeJson(document, saving.layout, file);
+    } else if (saving.identities != nullptr) {
+        std::string records = recordsOf(document);
+        saving.identities->replaceIn(records);
+        writeBytes(records, file);
     } else {
-        writeKel(document, format, file);
+        writeKel(document, saving.format, file);
     }
 }
 
 /// Examines the document for its form in the target format.
 /// \param losses gets every place that the target cannot carry; null if the losses are known
-DocumentScan scan(Document& document, Format target, const std::string& inputName, Losses* losses) {
+DocumentScan scan(Document& document, Format target, const std::string& inputName, Losses* losses,
+                  const JsonLayout& layout = {}) {
     DocumentScan found;
     try {
-        found = scanDocument(document, target, losses);
+        found = scanDocument(document, target, losses, layout);
     } catch (Failure& failure) {
         failure.message = inputName + ": " + failure.message;
         throw;
@@ -98,7 +104,7 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
     // The reader of JSON has already listed everything, under the paths of the JSON text.
     const bool isListed = input.format == Format::json && !saving.isEdited;
     Losses* rest = isListed ? nullptr : &losses;
-    const DocumentScan found = scan(input.document, target, inputName, rest);
+    const DocumentScan found = scan(input.document, target, inputName, rest, saving.layout);
     refuseHugeOutput(found, target, saving.maxOutput.value_or(usualOutputLimit(inputSize)),
                      inputName);
     if (losses.count() > 0) {
@@ -119,7 +125,7 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
             throw Failure{Trouble::refused, inputName + ": nothing is left to write"};
         }
     }
-    writeTo(saving.output, console, [&](std::FILE* file) { write(input.document, target, file); });
+    writeTo(saving.output, console, [&](std::FILE* file) { write(input.document, saving, file); });
 }
 
 void refuseUnshowable(Document& document, const std::string& inputName, uint64_t limit) {

@@ -4,7 +4,9 @@
 
 #include "Input.h"
 #include "Losses.h"
+#include "identities/StableIdentities.h"
 #include "system/Console.h"
+#include "json/JsonLayout.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -32,6 +34,8 @@ struct Saving {
     /// Whether the document is not exactly what was read, so that the reader's list for the output
     /// format is not enough.
     bool isEdited = false;
+    JsonLayout layout = {};                       ///< of JSON
+    const StableIdentities* identities = nullptr; ///< of binary; null for drawn ones
 };
 
 /// Writes the document that was read from an input, possibly changed since then. If its format

@@ -142,6 +142,22 @@ void CommandLine::maxOutput(std::optional<uint64_t>& value) {
          "Refuse to write more text or JSON (default: 256M or, if more, 64 times the input)");
 }
 
+void CommandLine::layout(std::optional<JsonLayout>& value) {
+    using Indented = JsonLayout::Indented;
+    CLI::Option* compact = app_.add_flag_callback(
+        "--compact", [&value] { value = JsonLayout{Indented::none}; },
+        "Write each root value of JSON on one line");
+    choice(
+        "--indent",
+        [&value](const std::string& word) {
+            value = word == "tab" ? JsonLayout{Indented::all, '\t', 1}
+                                  : JsonLayout{Indented::all, ' ', size_t(word.front() - '0')};
+        },
+        {"0", "1", "2", "3", "4", "5", "6", "7", "8", "tab"},
+        "Indent JSON by so many spaces, or by tabs (default: a single root value by 4)");
+    compact->excludes("--indent");
+}
+
 void describeCommon(CommandLine& line, CommonOptions& options) {
     line.choice(
         "--color",

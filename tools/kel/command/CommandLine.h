@@ -4,6 +4,7 @@
 
 #include "Format.h"
 #include "system/Console.h"
+#include "json/JsonLayout.h"
 
 #include <cstdint>
 #include <functional>
@@ -74,6 +75,9 @@ public:
 
     /// Takes --max-output, the limit for text and JSON.
     void maxOutput(std::optional<uint64_t>& value);
+
+    /// Takes --compact and --indent, the layout of JSON. They exclude each other.
+    void layout(std::optional<JsonLayout>& value);
 
     /// Completes the values after all were stored.
     /// \throws Failure usage if a file to read is missing

@@ -14,7 +14,18 @@ constexpr const char* notes = R"(JSON:
   Objects become structs and arrays stay arrays. Integers of 32 bits become Ints, and other
   numbers Doubles. A null member becomes a variable without a value. {"$guid": "..."} is a guid,
   and {"$memblock": "..."} a memory block in base64. If two names are equal, the last one wins.
-  A single root value is written indented. Several root values are written one per line.
+  A single root value is written indented. Several root values are written one per line. --compact
+  and --indent choose the same layout for any number of root values. Levels beyond 40 are always
+  on one line.
+
+Identities:
+  Every value in binary has an identity. Those in binary, and those that text gives, are kept. All
+  other values get random ones, so binary differs each time. With --identities stable they depend
+  on the contents and the place of the value alone, and one input always becomes the same bytes.
+  Values at the same place of two such files then have the same identity if their contents are
+  equal, and programs take the two for one value. A manager holds only one of them. If both are
+  written to one binary file, the second becomes a reference to the first, even if one of them was
+  changed meanwhile. Use random identities for documents that a program holds together.
 
 Losses:
   If the output format cannot hold everything, convert writes nothing and lists the first ten
@@ -53,6 +64,8 @@ Examples:
   kel convert settings.kel settings.kelb
   kel convert --to json settings.kelb - | less
   kel convert --force --from json --to binary - tweets.kelb < tweets.json
+  kel convert --identities stable settings.json settings.kelb
+  kel convert --compact settings.kel settings.json
 
 The output appears whole or not at all. An existing file is replaced and keeps its permissions.)";
 
@@ -64,6 +77,11 @@ public:
         line.from(from_);
         line.format("--to", to_, "Write this format, whatever the name of OUT");
         line.flag("--force", isForced_, "Convert what the format can hold and warn about the rest");
+        line.layout(layout_);
+        line.choice(
+            "--identities", [this](const std::string& word) { isStable_ = word == "stable"; },
+            {"random", "stable"},
+            "Identities in binary of values that have none in IN (default: random)");
         line.maxOutput(maxOutput_);
     }
 
@@ -73,13 +91,25 @@ public:
         Content content = readContent(input_, from_);
         const size_t size = content.bytes.size();
         const uint64_t limit = maxOutput_.value_or(usualOutputLimit(size));
-        if (const auto converted = convertInParts(content, target, limit, input_, output_)) {
+        std::optional<StableIdentities> stable;
+        if (isStable_) {
+            stable.emplace(content);
+        }
+        const OutputForm form{target, layout_.value_or(JsonLayout()), stable ? &*stable : nullptr};
+        if (const auto converted = convertInParts(content, form, limit, input_, output_)) {
             keep(*converted, console);
             return 0;
         }
         Losses losses;
         Input input = readInput(std::move(content), input_, target, losses);
-        save(input, input_, size, losses, {target, output_, isForced_, maxOutput_}, console);
+        save(input, input_, size, losses,
+             {.format = form.format,
+              .output = output_,
+              .isForced = isForced_,
+              .maxOutput = maxOutput_,
+              .layout = form.layout,
+              .identities = form.identities},
+             console);
         return 0;
     }
 
@@ -91,7 +121,18 @@ private:
             throw Failure{Trouble::usage, output_ + ": the name does not show the format; use "
                                                     "--to text, --to binary or --to json"};
         }
+        refuseForOthers(layout_.has_value(), "--compact and --indent are", Format::json, *target);
+        refuseForOthers(isStable_, "--identities stable is", Format::binary, *target);
         return *target;
+    }
+
+    /// Refuses options that are for another format.
+    /// \param subject of the message, with its verb
+    static void refuseForOthers(bool isGiven, const char* subject, Format wanted, Format target) {
+        if (isGiven && target != wanted) {
+            throw Failure{Trouble::usage, std::string(subject) + " for " + nameOf(wanted) +
+                                              " only, and the output is " + nameOf(target)};
+        }
     }
 
     void keep(const Converted& converted, Console& console) const {
@@ -108,6 +149,8 @@ private:
     std::optional<Format> from_;
     std::optional<Format> to_;
     bool isForced_ = false;
+    bool isStable_ = false;
+    std::optional<JsonLayout> layout_;
     std::optional<uint64_t> maxOutput_;
 };
 

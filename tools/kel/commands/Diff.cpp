@@ -192,7 +192,7 @@ private:
             console.warn(tool::describe(losses, heading, report.roots().size()));
             makeRepresentable(report, Format::json, scan.namesakes);
         }
-        writeTo("-", console, [&](std::FILE* file) { writeJson(report, file); });
+        writeTo("-", console, [&](std::FILE* file) { writeJson(report, JsonLayout(), file); });
     }
 
     std::string before_;

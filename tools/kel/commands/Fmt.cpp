@@ -23,7 +23,8 @@ the files that -i would change or refuse are printed, and the exit status is 1 i
 
 Values do not hold everything. A text with comments, "#define", identities or "REF" is refused, and
 so is JSON with repeated names, null in arrays, or other parts that kel convert lists as losses.
---force formats what the values hold. Binary has no layout.
+--force formats what the values hold. Binary has no layout. --compact and --indent choose another
+layout of JSON; text has one.
 
 Examples:
   kel fmt settings.kel                   print it
@@ -39,6 +40,7 @@ public:
         line.flag("-i,--in-place", isInPlace_, "Change the files instead of printing them");
         line.flag("--check", isCheck_, "Print the names of the files that are laid out otherwise");
         line.flag("--force", isForced_, "Format what the values hold and leave out the rest");
+        line.layout(layout_);
         line.from(from_);
         line.maxOutput(maxOutput_);
     }
@@ -106,8 +108,9 @@ private:
     /// more memory than reading takes time.
     int formatJson(const Content& content, const std::string& name, Console& console) const {
         const uint64_t limit = maxOutput_.value_or(usualOutputLimit(content.size()));
-        const JsonLayout layout = layOutJson(content, name, limit, nullptr);
-        const bool isSame = layout.isSame && layout.losses.count() == 0;
+        const JsonLayout layout = layout_.value_or(JsonLayout());
+        const LaidOut laidOut = layOutJson(content, name, layout, limit, nullptr);
+        const bool isSame = laidOut.isSame && laidOut.losses.count() == 0;
         if (isSame && (isInPlace_ || isCheck_)) {
             return 0;
         }
@@ -115,21 +118,21 @@ private:
             print(name + '\n');
             return exitStatus(Trouble::refused);
         }
-        reportLosses(layout, name, console);
+        reportLosses(laidOut, name, console);
         writeTo(output(name), console, [&](std::FILE* file) {
-            layOutJson(content, name, limit,
+            layOutJson(content, name, layout, limit,
                        [file](std::string_view text) { writeBytes(text, file); });
         });
         return 0;
     }
 
     /// Refuses to lose anything, or warns of it.
-    void reportLosses(const JsonLayout& layout, const std::string& name, Console& console) const {
-        if (layout.losses.count() == 0) {
+    void reportLosses(const LaidOut& laidOut, const std::string& name, Console& console) const {
+        if (laidOut.losses.count() == 0) {
             return;
         }
-        const std::string list = listOf(layout.losses, name, Format::json,
-                                        layout.hasSeveralRoots ? 2 : 1, nameOf(Format::json));
+        const std::string list = listOf(laidOut.losses, name, Format::json,
+                                        laidOut.hasSeveralRoots ? 2 : 1, nameOf(Format::json));
         if (!isForced_) {
             throw Failure{Trouble::refused,
                           list + "\nnothing was written; use --force to format the rest"};
@@ -143,6 +146,7 @@ private:
     bool isInPlace_ = false;
     bool isCheck_ = false;
     bool isForced_ = false;
+    std::optional<JsonLayout> layout_;
     std::optional<Format> from_;
     std::optional<uint64_t> maxOutput_;
 };

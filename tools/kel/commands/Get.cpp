@@ -3,9 +3,9 @@
 #include "Input.h"
 #include "Saving.h"
 #include "ShownValues.h"
-#include "edit/ValueArgument.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "edit/ValueArgument.h"
 #include "path/Place.h"
 #include "system/System.h"
 

@@ -1,6 +1,5 @@
 #include "DocumentScan.h"
 #include "Input.h"
-#include "KelReader.h"
 #include "OutputBytes.h"
 #include "Saving.h"
 #include "command/Command.h"
@@ -82,15 +81,13 @@ public:
         console.begin(Work::reading, input_);
         Content content = readContent(input_, from_);
         const uint64_t limit = maxOutput_.value_or(usualOutputLimit(content.bytes.size()));
-        Document again = readAgain(content);
+        const GivenIdentities given(content);
         Losses losses;
         const Input input = readInput(std::move(content), input_, std::nullopt, losses);
         if (losses.count() > 0) {
             console.warn(listOf(losses, input_, input, "values"));
         }
         console.begin(Work::checking, input_);
-        const bool isText = input.format == Format::text;
-        const GivenIdentities given(input.document, input.format, isText ? &again : nullptr);
         const PageData data(input.document);
         LimitedPage page(limit, input_);
         TextBuffer buffer([&page](std::string_view text) { page.append(text); });
@@ -102,12 +99,6 @@ public:
     }
 
 private:
-    /// Returns the values of a text, read once more than usual, and nothing for other formats.
-    Document readAgain(const Content& content) const {
-        return content.format == Format::text ? readKel(content.bytes, Format::text, input_)
-                                              : Document();
-    }
-
     std::string input_;
     std::optional<std::string> output_;
     std::optional<Format> from_;

@@ -1,5 +1,5 @@
-#include "edit/EditCommand.h"
 #include "command/CommandLine.h"
+#include "edit/EditCommand.h"
 
 namespace kel::tool {
 

@@ -1,7 +1,7 @@
-#include "edit/EditCommand.h"
 #include "Failure.h"
-#include "edit/ValueArgument.h"
 #include "command/CommandLine.h"
+#include "edit/EditCommand.h"
+#include "edit/ValueArgument.h"
 
 namespace kel::tool {
 

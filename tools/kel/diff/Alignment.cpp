@@ -198,8 +198,9 @@ private:
 };
 
 /// Returns the numbers of those elements that the other sequence has too. The others need no time.
-Reduced reduce(const std::vector<Digest>& sequence, size_t first, size_t end,
-               const std::unordered_map<Digest, std::pair<Index, unsigned>, DigestHash>& numbers) {
+Reduced reduce(
+    const std::vector<KeyedDigest>& sequence, size_t first, size_t end,
+    const std::unordered_map<KeyedDigest, std::pair<Index, unsigned>, KeyedDigestHash>& numbers) {
     constexpr unsigned both = 3;
     Reduced reduced;
     for (size_t i = first; i < end; ++i) {
@@ -214,7 +215,8 @@ Reduced reduce(const std::vector<Digest>& sequence, size_t first, size_t end,
 
 } // namespace
 
-Alignment commonSubsequence(const std::vector<Digest>& before, const std::vector<Digest>& after) {
+Alignment commonSubsequence(const std::vector<KeyedDigest>& before,
+                            const std::vector<KeyedDigest>& after) {
     size_t head = 0;
     while (head < before.size() && head < after.size() && before[head] == after[head]) {
         ++head;
@@ -226,8 +228,8 @@ Alignment commonSubsequence(const std::vector<Digest>& before, const std::vector
     }
     const size_t endBefore = before.size() - tail;
     const size_t endAfter = after.size() - tail;
-    std::unordered_map<Digest, std::pair<Index, unsigned>, DigestHash> numbers;
-    const auto number = [&numbers](const Digest& digest, unsigned side) {
+    std::unordered_map<KeyedDigest, std::pair<Index, unsigned>, KeyedDigestHash> numbers;
+    const auto number = [&numbers](const KeyedDigest& digest, unsigned side) {
         const auto place = numbers.try_emplace(digest, static_cast<Index>(numbers.size()), 0U);
         place.first->second.second |= side;
     };

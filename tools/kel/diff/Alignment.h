@@ -18,6 +18,7 @@ using Alignment = std::vector<std::pair<size_t, size_t>>;
 /// of differences. If a part needs more than a few hundred differences, it is divided where most
 /// was found in common so far. The result is then a common subsequence that can be shorter than
 /// the longest one, and the time stays in proportion to the length.
-Alignment commonSubsequence(const std::vector<Digest>& before, const std::vector<Digest>& after);
+Alignment commonSubsequence(const std::vector<KeyedDigest>& before,
+                            const std::vector<KeyedDigest>& after);
 
 } // namespace kel::tool

@@ -119,8 +119,8 @@ private:
             report(Kind::changed, place, &before, &after);
             return;
         }
-        const Digest digest = digests_.of(&before);
-        const Digest other = digests_.of(&after);
+        const KeyedDigest digest = digests_.of(&before);
+        const KeyedDigest other = digests_.of(&after);
         const bool isExact = ContentDigests::isExact(digest) && ContentDigests::isExact(other);
         const bool areEqual = isExact && digest == other;
         const bool isContainer = kindOf(before).isContainer;

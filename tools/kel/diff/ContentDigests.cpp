@@ -50,7 +50,7 @@ void ContentDigests::visit(KEL* root) {
     for (Event event = cursor.next(); event != Event::done; event = cursor.next()) {
         KEL* value = cursor.value();
         if (event == Event::leave) {
-            const Digest digest = marked(open.back().hash.digest(), open.back().hasCycle);
+            const KeyedDigest digest = marked(open.back().hash.digest(), open.back().hasCycle);
             open.pop_back();
             slotOf(*value).digest = digest;
             addKnown(open.back().hash, *value, digest);
@@ -89,7 +89,7 @@ void ContentDigests::visit(KEL* root) {
 
 /// Adds a container inside another one. Nothing but the kind counts if there is a cycle in it,
 /// because the digest of a cycle would depend on where the visit began.
-void ContentDigests::addKnown(KeyedHash& hash, const KEL& container, const Digest& digest) {
+void ContentDigests::addKnown(KeyedHash& hash, const KEL& container, const KeyedDigest& digest) {
     if (!isExact(digest)) {
         hash.add(inCycle + kindCodeOf(container));
     } else {
@@ -141,7 +141,7 @@ void ContentDigests::addScalar(KeyedHash& hash, KEL& scalar) {
     }
 }
 
-Digest ContentDigests::of(KEL* value) const {
+KeyedDigest ContentDigests::of(KEL* value) const {
     if (value != nullptr && kindOf(*value).isContainer) {
         return slotOf(*value).digest;
     }
@@ -155,7 +155,7 @@ Digest ContentDigests::of(KEL* value) const {
 }
 
 /// Returns the digest with or without the mark.
-Digest ContentDigests::marked(Digest digest, bool hasCycle) {
+KeyedDigest ContentDigests::marked(KeyedDigest digest, bool hasCycle) {
     digest.low = (digest.low & ~cycleMark) | (hasCycle ? cycleMark : 0);
     return digest;
 }

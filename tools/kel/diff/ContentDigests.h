@@ -25,11 +25,11 @@ public:
 
     /// Returns the digest of a value of an added document, or of null. Of a container with a cycle
     /// in it, only the values without cycles count, and the kinds of the others.
-    Digest of(KEL* value) const;
+    KeyedDigest of(KEL* value) const;
 
     /// Returns whether the digest stands for the whole contents of its value. It does not for a
     /// container with a cycle in it.
-    static bool isExact(const Digest& digest) { return (digest.low & cycleMark) == 0; }
+    static bool isExact(const KeyedDigest& digest) { return (digest.low & cycleMark) == 0; }
 
 private:
     /// The bit that the digest of a container with a cycle in it has, and no other digest.
@@ -38,13 +38,13 @@ private:
     /// A container and its digest.
     struct Slot {
         const KEL* container = nullptr; ///< null for a free slot
-        Digest digest;
+        KeyedDigest digest;
     };
 
     void visit(KEL* root);
-    static Digest marked(Digest digest, bool hasCycle);
+    static KeyedDigest marked(KeyedDigest digest, bool hasCycle);
     static void addScalar(KeyedHash& hash, KEL& scalar);
-    static void addKnown(KeyedHash& hash, const KEL& container, const Digest& digest);
+    static void addKnown(KeyedHash& hash, const KEL& container, const KeyedDigest& digest);
     const Slot& slotOf(const KEL& container) const;
     Slot& slotOf(const KEL& container);
     void grow();

@@ -49,9 +49,9 @@ void KeyedHash::add(std::string_view bytes) {
     }
 }
 
-Digest KeyedHash::digest() const {
+KeyedDigest KeyedHash::digest() const {
     KeyedHash last = *this;
-    Digest digest;
+    KeyedDigest digest;
     last.c_ ^= 0xeeU;
     for (int round = 0; round < 3; ++round) {
         last.mix();

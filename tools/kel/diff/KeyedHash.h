@@ -10,19 +10,19 @@
 namespace kel::tool {
 
 /// 128 bits that stand for contents.
-struct Digest {
+struct KeyedDigest {
     uint64_t low = 0;
     uint64_t high = 0;
 
-    friend bool operator==(const Digest& a, const Digest& b) {
+    friend bool operator==(const KeyedDigest& a, const KeyedDigest& b) {
         return a.low == b.low && a.high == b.high;
     }
-    friend bool operator!=(const Digest& a, const Digest& b) { return !(a == b); }
+    friend bool operator!=(const KeyedDigest& a, const KeyedDigest& b) { return !(a == b); }
 };
 
 /// Hashes a digest for the standard containers. Digests are random to whoever wrote the file.
-struct DigestHash {
-    size_t operator()(const Digest& digest) const { return static_cast<size_t>(digest.low); }
+struct KeyedDigestHash {
+    size_t operator()(const KeyedDigest& digest) const { return static_cast<size_t>(digest.low); }
 };
 
 /// A key that nobody outside the process can know.
@@ -46,13 +46,13 @@ public:
     /// Adds bytes and their number, so that no two sequences of calls add the same.
     void add(std::string_view bytes);
 
-    void add(const Digest& digest) {
+    void add(const KeyedDigest& digest) {
         add(digest.low);
         add(digest.high);
     }
 
     /// Returns the digest of all that was added.
-    Digest digest() const;
+    KeyedDigest digest() const;
 
 private:
     void mix();

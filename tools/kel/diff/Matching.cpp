@@ -15,7 +15,7 @@ namespace kel::tool {
 namespace {
 
 using Kind = PairedStep::Kind;
-using DigestSet = std::unordered_set<Digest, DigestHash>;
+using DigestSet = std::unordered_set<KeyedDigest, KeyedDigestHash>;
 
 Match removed(const PairedStep& step, KEL* value) {
     return {step, value, nullptr, true, false};
@@ -78,8 +78,8 @@ public:
     }
 
 private:
-    std::vector<Digest> digestsOf(const std::vector<KEL*>& values) const {
-        std::vector<Digest> all;
+    std::vector<KeyedDigest> digestsOf(const std::vector<KEL*>& values) const {
+        std::vector<KeyedDigest> all;
         all.reserve(values.size());
         for (KEL* value : values) {
             all.push_back(digests_.of(value));
@@ -131,7 +131,7 @@ private:
         }
     }
 
-    std::vector<size_t> staying(const std::vector<Digest>& digests, size_t begin,
+    std::vector<size_t> staying(const std::vector<KeyedDigest>& digests, size_t begin,
                                 size_t end) const {
         std::vector<size_t> places;
         for (size_t i = begin; i < end; ++i) {
@@ -145,8 +145,8 @@ private:
     const ContentDigests& digests_;
     const std::vector<KEL*>& before_;
     const std::vector<KEL*>& after_;
-    std::vector<Digest> digestsBefore_;
-    std::vector<Digest> digestsAfter_;
+    std::vector<KeyedDigest> digestsBefore_;
+    std::vector<KeyedDigest> digestsAfter_;
     DigestSet wanderers_;
 };
 
@@ -211,7 +211,7 @@ Matches Matching::match(const Document& before, const Document& after) const {
 /// Adds a pair unless it is equal and such pairs are left out.
 void Matching::addPair(Matches& matches, const Match& match) const {
     if (!includesEqual_) {
-        const Digest digest = digests_.of(match.before);
+        const KeyedDigest digest = digests_.of(match.before);
         if (ContentDigests::isExact(digest) && digest == digests_.of(match.after)) {
             return;
         }
@@ -264,7 +264,7 @@ void Matching::matchSequences(Matches& matches, Kind kind, const std::vector<KEL
 void Matching::matchPairs(Matches& matches, const KEL_IndexList& before,
                           const KEL_IndexList& after) const {
     // Several pairs can have equal keys. Then the first ones belong together, and so on.
-    std::unordered_map<Digest, std::deque<int32_t>, DigestHash> places;
+    std::unordered_map<KeyedDigest, std::deque<int32_t>, KeyedDigestHash> places;
     for (int32_t j = 0; j < after.getCount(); ++j) {
         places[digests_.of(after.getKeyAt(j))].push_back(j);
     }

@@ -18,7 +18,7 @@ struct Ends {
 } // namespace
 
 void findMoves(Changes& changes, const ContentDigests& digests) {
-    std::unordered_map<Digest, Ends, DigestHash> ends;
+    std::unordered_map<KeyedDigest, Ends, KeyedDigestHash> ends;
     for (size_t i = 0; i < changes.list.size(); ++i) {
         const Change& change = changes.list[i];
         const bool isRemoved = change.kind == Change::Kind::removed;
@@ -27,7 +27,7 @@ void findMoves(Changes& changes, const ContentDigests& digests) {
             !isDistinctive(value)) {
             continue;
         }
-        if (const Digest digest = digests.of(value); ContentDigests::isExact(digest)) {
+        if (const KeyedDigest digest = digests.of(value); ContentDigests::isExact(digest)) {
             Ends& both = ends[digest];
             (isRemoved ? both.removed : both.added).push_back(i);
         }

@@ -34,7 +34,7 @@ std::vector<std::string> namesIn(const std::vector<KEL*>& values) {
 
 /// The values of a variable in a sequence of structs.
 struct Keys {
-    std::vector<Digest> digests;
+    std::vector<KeyedDigest> digests;
     std::vector<size_t> positions; ///< of the structs that have the variable
 };
 
@@ -53,10 +53,10 @@ Keys keysOf(const ContentDigests& digests, const std::vector<KEL*>& values, cons
 
 /// Returns how many different values are in both.
 size_t commonCountOf(const Keys& a, const Keys& b) {
-    std::unordered_set<Digest, DigestHash> rest(a.digests.begin(), a.digests.end());
+    std::unordered_set<KeyedDigest, KeyedDigestHash> rest(a.digests.begin(), a.digests.end());
     return static_cast<size_t>(
         std::count_if(b.digests.begin(), b.digests.end(),
-                      [&rest](const Digest& digest) { return rest.erase(digest) != 0; }));
+                      [&rest](const KeyedDigest& digest) { return rest.erase(digest) != 0; }));
 }
 
 } // namespace

@@ -2,8 +2,8 @@
 /// Writes a document as a page for browsers.
 #pragma once
 
-#include "html/GivenIdentities.h"
 #include "html/PageData.h"
+#include "identities/GivenIdentities.h"
 #include "json/TextBuffer.h"
 
 #include <string>

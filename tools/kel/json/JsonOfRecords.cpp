@@ -21,10 +21,11 @@ using Event = RecordCursor::Event;
 /// by some of the elements.
 class Converter {
 public:
-    Converter(std::string_view content, size_t roots, const TextBuffer::PassOn& passOn)
+    Converter(std::string_view content, size_t roots, const JsonLayout& layout,
+              const TextBuffer::PassOn& passOn)
         : cursor_(content), buffer_(passOn),
-          writer_(buffer_, roots == 1), headers_{
-                                            recordOf(*made(CreateKELArray()), recordHeaderSize)} {}
+          writer_(buffer_, layout, roots), headers_{recordOf(*made(CreateKELArray()),
+                                                             recordHeaderSize)} {}
 
     /// Returns false if the file cannot be converted in parts.
     bool run();
@@ -103,9 +104,10 @@ bool Converter::writePart() {
 
 } // namespace
 
-bool convertToJson(std::string_view records, const TextBuffer::PassOn& passOn) {
+bool convertToJson(std::string_view records, const JsonLayout& layout,
+                   const TextBuffer::PassOn& passOn) {
     const std::optional<size_t> roots = countPlainRoots(records);
-    return roots && Converter(records, *roots, passOn).run();
+    return roots && Converter(records, *roots, layout, passOn).run();
 }
 
 } // namespace kel::tool

@@ -2,6 +2,7 @@
 /// Converts binary to JSON part by part.
 #pragma once
 
+#include "json/JsonLayout.h"
 #include "json/TextBuffer.h"
 
 #include <string_view>
@@ -14,6 +15,7 @@ namespace kel::tool {
 /// which also finds the reasons.
 /// \param passOn gets the JSON piece by piece
 /// \return whether the JSON is complete
-bool convertToJson(std::string_view records, const TextBuffer::PassOn& passOn);
+bool convertToJson(std::string_view records, const JsonLayout& layout,
+                   const TextBuffer::PassOn& passOn);
 
 } // namespace kel::tool

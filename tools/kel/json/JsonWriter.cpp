@@ -4,6 +4,7 @@
 #include "OutputBytes.h"
 #include "Utf8.h"
 #include "json/Base64.h"
+#include "json/JsonText.h"
 #include "json/ReservedShapes.h"
 
 #include <array>
@@ -46,6 +47,10 @@ std::vector<uint8_t> bytesOf(const KEL& value) {
 }
 
 } // namespace
+
+JsonWriter::JsonWriter(TextBuffer& out, const JsonLayout& layout, size_t roots)
+    : out_(out), isIndented_(layout.indents(roots)), indentWidth_(layout.width),
+      longestLine_('\n' + std::string(JsonLayout::levels * layout.width, layout.blank)) {}
 
 void JsonWriter::write(KEL* root) {
     TreeCursor cursor(root);
@@ -96,7 +101,7 @@ void JsonWriter::open(bool isStruct, const char* name) {
 void JsonWriter::close() {
     const bool isStruct = open_.back();
     open_.pop_back();
-    if (!isEmpty_ && open_.size() < indentedLevels) {
+    if (!isEmpty_ && open_.size() < JsonLayout::levels) {
         beginLine(open_.size());
     }
     out_.put(isStruct ? '}' : ']');
@@ -126,9 +131,8 @@ void JsonWriter::endValue() {
 }
 
 void JsonWriter::beginLine(size_t depth) {
-    if (isIndented_ && depth <= indentedLevels) {
-        static const std::string longest = '\n' + std::string(indentedLevels * indentWidth, ' ');
-        out_.put(std::string_view(longest).substr(0, 1 + depth * indentWidth));
+    if (isIndented_ && depth <= JsonLayout::levels) {
+        out_.put(std::string_view(longestLine_).substr(0, 1 + depth * indentWidth_));
     }
 }
 
@@ -172,22 +176,8 @@ void JsonWriter::writeScalar(const KEL& value) {
 }
 
 void JsonWriter::writeDouble(double value) {
-    if (!std::isfinite(value)) {
-        isExact_ = false;
-        out_.put("null");
-        return;
-    }
-    constexpr double plainDigits = 1e15; // smaller integers are easier to read without exponent
-    char digits[32];
-    const bool isWhole = std::trunc(value) == value && std::fabs(value) < plainDigits;
-    const auto end =
-        isWhole ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed)
-                : std::to_chars(digits, digits + sizeof digits, value);
-    const std::string_view text(digits, end.ptr);
-    out_.put(text);
-    if (text.find_first_of(".e") == std::string_view::npos) {
-        out_.put(".0"); // without it the number would be read as an Int
-    }
+    isExact_ = isExact_ && std::isfinite(value);
+    out_.put(JsonDouble(value).text());
 }
 
 void JsonWriter::writeString(std::string_view text) {
@@ -210,9 +200,9 @@ void JsonWriter::writeShape(const char* name, std::string_view text) {
     out_.put(isIndented_ ? "\" }" : "\"}");
 }
 
-void writeJson(const Document& document, std::FILE* file) {
+void writeJson(const Document& document, const JsonLayout& layout, std::FILE* file) {
     TextBuffer buffer([file](std::string_view text) { writeBytes(text, file); });
-    JsonWriter writer(buffer, document.roots().size() == 1);
+    JsonWriter writer(buffer, layout, document.roots().size());
     for (const Value& root : document.roots()) {
         writer.write(root.get());
     }

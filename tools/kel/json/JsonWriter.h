@@ -4,9 +4,11 @@
 
 #include "Document.h"
 #include "TreeCursor.h"
+#include "json/JsonLayout.h"
 #include "json/TextBuffer.h"
 
 #include <cstdio>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,12 +20,8 @@ namespace kel::tool {
 /// are not finite by null. The values must not contain themselves or values without any plain form.
 class JsonWriter {
 public:
-    /// Deeper levels are written on one line. Otherwise a deep tree would be mostly indentation.
-    static constexpr size_t indentedLevels = 40;
-    static constexpr size_t indentWidth = 4;
-
-    /// \param isIndented whether values are indented by four spaces, otherwise they are compact
-    JsonWriter(TextBuffer& out, bool isIndented) : out_(out), isIndented_(isIndented) {}
+    /// \param roots the number of all root values
+    JsonWriter(TextBuffer& out, const JsonLayout& layout, size_t roots);
 
     /// Writes a root value.
     void write(KEL* root);
@@ -55,14 +53,16 @@ private:
 
     TextBuffer& out_;
     bool isIndented_;
+    size_t indentWidth_;
+    std::string longestLine_; ///< a line end and the indentation of the deepest level
     bool isExact_ = true;
     std::vector<bool> open_; ///< the open containers: whether each is a struct
     bool isEmpty_ = false;   ///< whether the innermost container has no value yet
 };
 
-/// Writes all root values as JSON: a single one indented, several ones compactly, one on each line.
+/// Writes all root values as JSON.
 /// Values without any plain form must have been replaced by makeRepresentable before.
 /// \throws Failure unwritten with the system's reason as its message
-void writeJson(const Document& document, std::FILE* file);
+void writeJson(const Document& document, const JsonLayout& layout, std::FILE* file);
 
 } // namespace kel::tool

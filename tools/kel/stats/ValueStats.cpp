@@ -61,7 +61,7 @@ bool isBuiltOnStruct(const KEL* value) {
 } // namespace
 
 ValueStats::ValueStats()
-    : buffer_([this](std::string_view text) { written_ += text.size(); }), writer_(buffer_, false) {
+    : buffer_([this](std::string_view text) { written_ += text.size(); }), writer_(buffer_, {JsonLayout::Indented::none}, 1) {
 }
 
 void ValueStats::begin(bool hasSeveralRoots, bool isTree) {
@@ -213,7 +213,7 @@ void ValueStats::countLayout(const TreeCursor& cursor, FormatBytes& row, FormatB
         names[Format::text] += JHashCode::guidTextLength + std::strlen(" = ");
     }
     row[Format::json] += around->count > 0 ? 1 : 0; // a comma
-    row[Format::json] += jsonIndent(frames_.size(), JsonWriter::indentedLevels);
+    row[Format::json] += jsonIndent(frames_.size(), JsonLayout::levels);
 }
 
 /// Returns the bytes of the value itself: all of a scalar, and the brackets of a container with
@@ -311,13 +311,13 @@ void ValueStats::leave(const KEL& container, bool isLast) {
     // The six lines in an index list are one level deeper than the list, whose end is not indented.
     row[Format::text] += container.getType() == KELKind_IndexList ? 6 * (tabs + 1) : tabs;
     if (frame.count > 0) {
-        row[Format::json] += jsonIndent(frames_.size(), JsonWriter::indentedLevels - 1);
+        row[Format::json] += jsonIndent(frames_.size(), JsonLayout::levels - 1);
     }
 }
 
 /// Returns the bytes of a line end and the indentation of a line in JSON.
 uint64_t ValueStats::jsonIndent(uint64_t depth, uint64_t deepest) const {
-    return !hasSeveralRoots_ && depth <= deepest ? 1 + depth * JsonWriter::indentWidth : 0;
+    return !hasSeveralRoots_ && depth <= deepest ? 1 + depth * JsonLayout().width : 0;
 }
 
 /// Returns the bytes that compact JSON has for a scalar.
