@@ -123,6 +123,9 @@ class Faults(ToolTest):
         self.write("broken.json", "[1,")
         self.write("broken.kel", "#define A [ B ]\n{ a = A }")
         self.write("broken.kelb", record(ARRAY, int_record(1, 2) + reference(3)))
+        self.write("schema.kel", "{ @type = 51\nb = { @type = 52\ntype = 1 } }")
+        self.write("twice.json", '{"b": 1, "\\u0062": 2}')
+        self.write("doubtful.kel", "#define A 1\n{ a = 99999999999 \"a\" = ( ) }")
         self.write("lossy.json", '[null, "a\\"b"]')
         self.write("a.kelb", struct_record([(b"a", int_record(1, 2)), (b"b", reference(2))]))
         self.write("cycle.kelb", record(ARRAY, reference(1)))
@@ -139,7 +142,10 @@ class Faults(ToolTest):
     def small_cases(self):
         files = ("a.kel", "a.kelb", "plain.json")
         cases = [Case(["show", name]) for name in files]
-        cases += [Case(["check", *files]), Case(["check", "-"], stdin="a.kelb")]
+        cases += [Case(["check", *files]), Case(["check", "-"], stdin="a.kelb"),
+                  Case(["check", "--strict", "--schema", "schema.kel", *files]),
+                  Case(["check", "--strict", "--json", "doubtful.kel", "twice.json",
+                        "broken.json"])]
         for name, target in (("a.kel", "json"), ("plain.json", "kel"), ("plain.json", "kelb"),
                              ("a.kelb", "kel"), ("a.kelb", "json"), ("a.json", "kel")):
             cases.append(Case(["convert", "--force", name, "out." + target], "out." + target))

@@ -3,14 +3,9 @@
 #pragma once
 
 #include "Document.h"
-
-#include <functional>
-#include <string>
+#include "findings/Finding.h"
 
 namespace kel::tool {
-
-/// Takes one violation, "PATH: what is wrong", on one line.
-using ViolationReport = std::function<void(const std::string&)>;
 
 /// Visits every value of the document once, in the order of its text form, and reports
 ///
@@ -18,7 +13,15 @@ using ViolationReport = std::function<void(const std::string&)>;
 ///   null and missing variables are not violations
 /// - every variable descriptor that no variable could keep to, or that contradicts itself
 ///
+/// A strict check also reports
+///
+/// - every variable of a checked struct, and every default, whose kind is not the described one,
+///   unless it is a number that can be converted without loss
+/// - every variable of a checked struct that its descriptor does not know
+/// - a "@desc" that is not a struct descriptor
+///
 /// A value in several places is checked at its first place.
-void checkDescriptors(const Document& document, const ViolationReport& report);
+/// \param found gets the findings
+void checkDescriptors(const Document& document, bool isStrict, Findings& found);
 
 } // namespace kel::tool

@@ -8,9 +8,6 @@
 
 namespace kel::tool {
 
-namespace {
-
-/// Returns the number that the text reader makes of an optional sign, digits, a point and digits.
 double asReadFromText(std::string_view text) {
     const bool isNegative = text.starts_with('-');
     if (isNegative) {
@@ -29,8 +26,6 @@ double asReadFromText(std::string_view text) {
     }
     return isNegative ? -number : number;
 }
-
-} // namespace
 
 bool isCarriedByText(double value) {
     if (!(std::fabs(value) < 4294967296.0)) {

@@ -18,13 +18,19 @@ struct Loss {
 /// Counts losses and remembers the first ones in full. The paths of the others are never built.
 class Losses {
 public:
-    /// The number of losses that are remembered.
+    /// The number of losses that messages list.
     static constexpr size_t listed = 10;
+
+    /// Remembers as many losses as messages list.
+    Losses() = default;
+
+    /// \param remembered the number of losses to remember
+    explicit Losses(size_t remembered) : remembered_(remembered) {}
 
     /// Adds a loss. pathOf() builds its path and is called only for the first ones. The reason must
     /// be a literal.
     template <class PathOf> void add(size_t root, const char* reason, const PathOf& pathOf) {
-        if (first_.size() < listed) {
+        if (first_.size() < remembered_) {
             first_.push_back({root, pathOf(), reason});
         }
         ++count_;
@@ -34,6 +40,7 @@ public:
     const std::vector<Loss>& first() const { return first_; }
 
 private:
+    size_t remembered_ = listed;
     std::vector<Loss> first_;
     uint64_t count_ = 0;
 };

@@ -104,8 +104,14 @@ void ViolationFinder::checkVariable(const MetaKel& owner, const char* name, KEL&
         return;
     }
     auto* rules = dynamic_cast<Rules*>(memberOf(*descriptor, name));
-    if (rules != nullptr && !allowed_.isValid(*rules, value)) {
-        report(wordsFor(&value) + " is not allowed (allowed: " + wordsForAllowed(*rules) + ')');
+    if (rules != nullptr) {
+        checkValue(*rules, value, report);
+    }
+}
+
+void ViolationFinder::checkValue(Rules& rules, KEL& value, const Report& report) {
+    if (!allowed_.isValid(rules, value)) {
+        report(wordsFor(&value) + " is not allowed (allowed: " + wordsForAllowed(rules) + ')');
     }
 }
 

@@ -25,6 +25,9 @@ public:
     /// \param name the name in a struct, null elsewhere
     void checkPlace(const KEL* container, const char* name, KEL& value, const Report& report);
 
+    /// Reports a value that the descriptor does not allow, with what is allowed.
+    void checkValue(MetaKelVarDescriptor& rules, KEL& value, const Report& report);
+
     /// Reports why no variable could keep to the descriptor, or how it contradicts itself.
     void checkRules(MetaKelVarDescriptor& rules, const Report& report);
 

@@ -2,10 +2,18 @@
 #include "Failure.h"
 #include "FailureReport.h"
 #include "Input.h"
+#include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "findings/FindingText.h"
+#include "findings/JsonScan.h"
+#include "findings/Schema.h"
+#include "findings/SourceLines.h"
+#include "findings/TextScan.h"
+#include "path/PathText.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace kel::tool {
 
@@ -20,70 +28,235 @@ Each value that its descriptor does not allow is listed with its path and the al
 so is each variable descriptor that contradicts itself. The exit status is 1 if a file is malformed
 or holds such a value, and 3 if a file cannot be read.
 
+--strict also reports what the rules allow but a person would call wrong:
+  a described value or a default of another kind, unless it is a number that converts without loss
+  a variable of a checked struct that its descriptor does not know
+  a name that a struct, or an identity that a manager, has more than once: only the last is kept
+  in text: a number that does not fit in 32 bits and wraps around, more than six decimals, and a
+  definition that is never used
+  in JSON: what values cannot hold, such as null in an array
+
+--schema checks plain structs as if they were checked ones. FILE holds one struct descriptor, as
+checked structs have under "@desc", or a struct of descriptors: then each describes the variable of
+its name. Every root value is compared, or with --at the value at that path alone: the kinds, the
+ranges and the allowed values. A number of the other kind is right if it converts without loss. A
+variable whose descriptor has a struct descriptor under "@desc", or a checked struct as its default,
+is compared with that one. A missing variable or null is not wrong. A name that the descriptor does
+not know is reported with --strict.
+
+--json prints one array for editors, and no other messages about the contents of files. Its members
+are objects with "file", "severity" ("error", or "warning" for what only --strict reports) and
+"message", and where they are known "line", "column" (in characters), "offset" (in bytes) and "path".
+
+With one of these options, findings in text and JSON have the number of their line.
+
 Examples:
   kel check settings.kel backup.kelb
   kel check settings.kel && kel convert settings.kel settings.kelb
-  kel check --from text -)";
-
-/// Reports where the document departs from the descriptors in it. \return whether it never does
-bool areDescriptorsKept(const Document& document, const std::string& inputName, Console& console) {
-    bool areKept = true;
-    console.begin(Work::checking, inputName);
-    try {
-        checkDescriptors(document, [&](const std::string& violation) {
-            areKept = false;
-            console.say(inputName + ": " + violation);
-        });
-    } catch (Failure& failure) {
-        failure.message = inputName + ": " + failure.message;
-        throw;
-    }
-    return areKept;
-}
+  kel check --from text -
+  kel check --strict *.kel
+  kel check --schema window.desc.kel --at ui.window settings.json
+  kel check --strict --schema settings.desc.kel settings.kel
+  kel check --strict --json settings.kel)";
 
 class Check : public Command {
 public:
     void describe(CommandLine& line) override {
         line.inputs(inputs_);
         line.from(from_);
+        line.flag("--strict", isStrict_, "Report what is allowed but probably wrong, too");
+        line.text("--schema", schemaName_, "FILE",
+                  "Check structs against the descriptor in a file");
+        line.text("--at", at_, "PATH", "Check only the value at the path against the schema");
+        line.flag("--json", isJson_, "Print what is found as JSON to stdout");
     }
 
     int run(Console& console) override {
-        int worst = 0;
-        for (const std::string& name : inputs_) {
-            worst = std::max(worst, checkFile(name, console));
+        if (at_ && !schemaName_) {
+            throw Failure{Trouble::usage, "--at requires --schema"};
+        }
+        if (at_) {
+            path_ = Path::of(*at_);
+        }
+        int worst = schemaName_ ? readSchema(console) : 0;
+        if (schema_ || !schemaName_) {
+            for (const std::string& name : inputs_) {
+                worst = std::max(worst, checkFile(name, console));
+            }
+        }
+        if (isJson_) {
+            console.begin(Work::writing, "-");
+            console.hush();
+            print(array_.empty() ? "[]\n" : '[' + array_ + "\n]\n");
         }
         return worst;
     }
 
 private:
-    /// Reports the errors in a file. \return the exit status for it
-    int checkFile(const std::string& name, Console& console) const {
-        int status = 0;
+    bool findsLines() const { return isStrict_ || isJson_ || schemaName_; }
+
+    /// Reads the schema, and reports the errors in it. \return the exit status for it
+    int readSchema(Console& console) {
         try {
-            console.begin(Work::reading, name);
+            console.begin(Work::reading, *schemaName_);
             Losses lostInReading;
-            const Input input =
-                readInput(readContent(name, from_), name, std::nullopt, lostInReading);
-            // Losses between JSON and values concern conversion, not the file itself.
-            if (input.format == Format::binary && lostInReading.count() > 0) {
-                console.say(tool::describe(
-                    lostInReading, name + ": names are repeated:", input.document.roots().size()));
-                status = exitStatus(Trouble::refused);
-            }
-            if (input.mayHoldDescriptors && !areDescriptorsKept(input.document, name, console)) {
-                status = exitStatus(Trouble::refused);
-            }
+            Content content = readContent(*schemaName_, std::nullopt);
+            const Content copy = content;
+            schema_.emplace(
+                readInput(std::move(content), *schemaName_, std::nullopt, lostInReading).document,
+                *schemaName_);
+            Findings found;
+            console.begin(Work::checking, *schemaName_);
+            checkDescriptors(schema_->document(), false, found);
+            locate(found, copy, schema_->document());
+            return deliver(*schemaName_, found, console);
         } catch (...) {
-            const Trouble trouble = reportFailure(console);
-            const bool isWrong = trouble == Trouble::malformed;
-            status = exitStatus(isWrong ? Trouble::refused : trouble);
+            return exitStatus(reportTrouble(*schemaName_, console));
         }
-        return status;
+    }
+
+    /// Reports the errors in a file. \return the exit status for it
+    int checkFile(const std::string& name, Console& console) {
+        try {
+            Findings found;
+            const bool hasRepeatedNames = examine(name, found, console);
+            const int status = deliver(name, found, console);
+            return hasRepeatedNames ? exitStatus(Trouble::refused) : status;
+        } catch (...) {
+            const Trouble trouble = reportTrouble(name, console);
+            const bool isWrong = trouble == Trouble::malformed;
+            return exitStatus(isWrong ? Trouble::refused : trouble);
+        }
+    }
+
+    /// Collects the errors in a file. \return whether it printed repeated names as one message
+    bool examine(const std::string& name, Findings& found, Console& console) const {
+        console.begin(Work::reading, name);
+        constexpr size_t mostListed = 1000;
+        const bool isDetailed = isStrict_ || isJson_;
+        Losses losses(isDetailed ? mostListed : Losses::listed);
+        Content content = readContent(name, from_);
+        const Content copy = findsLines() && content.format != Format::binary
+                                 ? content
+                                 : Content{content.format, {}, {}};
+        const Input input = readInput(std::move(content), name, std::nullopt, losses);
+        const Document& document = input.document;
+        const bool hasRepeatedNames = input.format == Format::binary && losses.count() > 0;
+        if (hasRepeatedNames && !isDetailed) {
+            console.say(
+                tool::describe(losses, name + ": names are repeated:", document.roots().size()));
+        } else if (hasRepeatedNames || isStrict_) {
+            // Losses between JSON and values concern conversion, not the file itself.
+            addLosses(losses, document, hasRepeatedNames ? Severity::error : Severity::warning,
+                      found);
+        }
+        if (input.mayHoldDescriptors || findsLines()) {
+            console.begin(Work::checking, name);
+        }
+        if (input.mayHoldDescriptors) {
+            try {
+                checkDescriptors(document, isStrict_, found);
+            } catch (Failure& failure) {
+                failure.message = name + ": " + failure.message;
+                throw;
+            }
+        }
+        if (schema_) {
+            checkSchema(document, found);
+        }
+        locate(found, copy, document);
+        return hasRepeatedNames && !isDetailed;
+    }
+
+    static void addLosses(const Losses& losses, const Document& document, Severity severity,
+                          Findings& found) {
+        for (const Loss& loss : losses.first()) {
+            found.push_back(
+                {severity, withRoot(loss.path, loss.root, document.roots().size()), loss.reason});
+        }
+        if (losses.count() > losses.first().size()) {
+            found.push_back(
+                {severity,
+                 {},
+                 std::to_string(losses.count() - losses.first().size()) + " more such places"});
+        }
+    }
+
+    /// Compares the document with the schema. A path that leads nowhere is a finding.
+    void checkSchema(const Document& document, Findings& found) const {
+        try {
+            schema_->check(document, path_, isStrict_, found);
+        } catch (const Failure& failure) {
+            if (failure.trouble != Trouble::refused) {
+                throw;
+            }
+            found.push_back({Severity::error, {}, failure.message});
+        }
+    }
+
+    /// Scans text or JSON for the lines of what was found and, if the check is strict, for more.
+    void locate(Findings& found, const Content& content, const Document& document) const {
+        if (!findsLines() || content.format == Format::binary || (found.empty() && !isStrict_)) {
+            return;
+        }
+        ValueOffsets wanted;
+        for (const Finding& finding : found) {
+            wanted.want(finding);
+        }
+        Findings more;
+        if (content.format == Format::text) {
+            scanText(content.bytes, document, wanted, more);
+        } else {
+            scanJson(content.bytes, document, wanted, more);
+        }
+        for (Finding& finding : found) {
+            finding.offset = wanted.of(finding);
+        }
+        if (isStrict_) {
+            std::move(more.begin(), more.end(), std::back_inserter(found));
+        }
+        findLines(found, content.bytes);
+    }
+
+    /// Reports what was found in a file. \return the exit status for it
+    int deliver(const std::string& name, const Findings& found, Console& console) {
+        for (const Finding& finding : found) {
+            if (isJson_) {
+                array_ += (array_.empty() ? "\n  " : ",\n  ") + jsonFor(finding, name);
+            } else {
+                console.say(lineFor(finding, name));
+            }
+        }
+        return found.empty() ? 0 : exitStatus(Trouble::refused);
+    }
+
+    /// Reports the failure that is being handled: a fault of the file in the form that is wanted,
+    /// any other as a message.
+    Trouble reportTrouble(const std::string& name, Console& console) {
+        if (isJson_) {
+            try {
+                throw;
+            } catch (const Failure& failure) {
+                if (failure.trouble == Trouble::malformed) {
+                    deliver(name, {findingOf(failure, name)}, console);
+                    return failure.trouble;
+                }
+            } catch (...) {
+                // reported below
+            }
+        }
+        return reportFailure(console);
     }
 
     std::vector<std::string> inputs_;
     std::optional<Format> from_;
+    bool isStrict_ = false;
+    bool isJson_ = false;
+    std::optional<std::string> schemaName_;
+    std::optional<std::string> at_;
+    std::optional<Path> path_;
+    std::optional<Schema> schema_;
+    std::string array_; ///< the members of the JSON array
 };
 
 } // namespace

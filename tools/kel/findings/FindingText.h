@@ -1,0 +1,24 @@
+/// \file
+/// Findings as lines for people and as JSON for editors.
+#pragma once
+
+#include "Failure.h"
+#include "findings/Finding.h"
+
+#include <string>
+
+namespace kel::tool {
+
+/// Returns "FILE:LINE: PATH: message", without the parts that are unknown.
+std::string lineFor(const Finding& finding, const std::string& file);
+
+/// Returns a JSON object on one line: {"file": ..., "line": ..., "column": ..., "offset": ...,
+/// "path": ..., "severity": "error" or "warning", "message": ...}, without the members that are
+/// unknown. What is not UTF-8 becomes U+FFFD.
+std::string jsonFor(const Finding& finding, const std::string& file);
+
+/// Returns the finding that a failure to read a file is. The place at the beginning of its message
+/// becomes the place of the finding, and of several lines only the first one counts.
+Finding findingOf(const Failure& failure, const std::string& file);
+
+} // namespace kel::tool

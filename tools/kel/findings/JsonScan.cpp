@@ -1,0 +1,106 @@
+#include "findings/JsonScan.h"
+
+#include <nlohmann/json.hpp>
+
+namespace kel::tool {
+
+namespace {
+
+using Shape = PlaceTracker::Shape;
+
+/// Returns the offset just after the string that begins at the offset.
+size_t endOfString(std::string_view content, size_t at) {
+    for (++at; at < content.size() && content[at] != '"'; ++at) {
+        at += content[at] == '\\' ? 1 : 0;
+    }
+    return std::min(at + 1, content.size());
+}
+
+/// Returns the offset just after the number or word that begins at the offset.
+size_t endOfWord(std::string_view content, size_t at) {
+    return std::min(content.find_first_of(" \t\r\n,:]}[{\"", at), content.size());
+}
+
+/// Takes one string from the parser.
+class StringHandler : public nlohmann::json_sax<nlohmann::json> {
+public:
+    bool null() override { return false; }
+    bool boolean(bool) override { return false; }
+    bool number_integer(number_integer_t) override { return false; }
+    bool number_unsigned(number_unsigned_t) override { return false; }
+    bool number_float(number_float_t, const string_t&) override { return false; }
+    bool string(string_t& text) override {
+        text_.swap(text);
+        return true;
+    }
+    bool binary(binary_t&) override { return false; }
+    bool start_object(size_t) override { return false; }
+    bool key(string_t&) override { return false; }
+    bool end_object() override { return false; }
+    bool start_array(size_t) override { return false; }
+    bool end_array() override { return false; }
+    bool parse_error(size_t, const std::string&, const nlohmann::json::exception&) override {
+        return false;
+    }
+
+    const std::string& text() const { return text_; }
+
+private:
+    std::string text_;
+};
+
+/// Returns the name that a string in quotes spells.
+std::string nameOf(std::string_view quoted) {
+    if (quoted.find('\\') == std::string_view::npos) {
+        return std::string(quoted.substr(1, quoted.size() - 2));
+    }
+    StringHandler handler;
+    nlohmann::json::sax_parse(quoted, &handler);
+    return handler.text();
+}
+
+} // namespace
+
+void scanJson(std::string_view content, const Document& document, ValueOffsets& wanted,
+              Findings& found) {
+    PlaceTracker places(&document, wanted, found);
+    bool isNamed = false; // whether the name of the next value has been read
+    for (size_t at = 0; at < content.size();) {
+        const char c = content[at];
+        const std::string_view separators = " \t\r\n,:";
+        if (separators.find(c) != std::string_view::npos) {
+            ++at;
+            continue;
+        }
+        if (c == ']' || c == '}') {
+            places.close();
+            isNamed = false;
+            ++at;
+            continue;
+        }
+        const bool isString = c == '"';
+        const bool isContainer = c == '[' || c == '{';
+        const size_t end = isString      ? endOfString(content, at)
+                           : isContainer ? at + 1
+                                         : endOfWord(content, at);
+        const std::string_view token = content.substr(at, end - at);
+        if (isString && !isNamed && places.isInContainer() && places.shape() == Shape::structure) {
+            places.beginVariable(nameOf(token), at);
+            isNamed = true;
+        } else if (token == "null") {
+            places.passNull(true);
+            isNamed = false;
+        } else {
+            places.beginValue(at);
+            if (isContainer) {
+                places.open(c == '{' ? Shape::structure : Shape::array);
+            } else {
+                places.complete();
+            }
+            isNamed = false;
+        }
+        at = end;
+    }
+}
+
+} // namespace kel::tool
