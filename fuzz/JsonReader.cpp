@@ -2,12 +2,12 @@
 // alike. What it lost nothing of survives binary and JSON.
 #include "json/JsonReader.h"
 
-#include "DocumentScan.h"
-#include "Failure.h"
-#include "KelReader.h"
-#include "KelWriter.h"
-#include "NotInParts.h"
 #include "Property.h"
+#include "document/KelReader.h"
+#include "document/KelWriter.h"
+#include "failures/Failure.h"
+#include "losses/DocumentScan.h"
+#include "parts/NotInParts.h"
 #include "system/System.h"
 #include "json/Base64.h"
 #include "json/JsonOfRecords.h"

@@ -2,12 +2,12 @@
 // printable UTF-8 of a limited length, and the steps can be read from it.
 #include "path/PathText.h"
 
-#include "Failure.h"
-#include "GuidText.h"
 #include "Property.h"
 #include "Script.h"
-#include "Utf8.h"
+#include "failures/Failure.h"
 #include "path/Path.h"
+#include "words/GuidText.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 #include <vector>

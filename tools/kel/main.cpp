@@ -1,9 +1,9 @@
 // kel: converts, shows and checks files of KEL values.
 
-#include "Failure.h"
-#include "FailureReport.h"
-#include "Saving.h"
 #include "command/Request.h"
+#include "document/Saving.h"
+#include "failures/Failure.h"
+#include "failures/FailureReport.h"
 #include "system/OutputFile.h"
 #include "system/System.h"
 

@@ -1,9 +1,9 @@
-#include "CommandLine.h"
+#include "command/CommandLine.h"
 
-#include "Failure.h"
-#include "LastResort.h"
-#include "SizeText.h"
+#include "failures/Failure.h"
+#include "failures/LastResort.h"
 #include "system/System.h"
+#include "words/SizeText.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -2,7 +2,7 @@
 /// CommandLine: the arguments and options of a command.
 #pragma once
 
-#include "Format.h"
+#include "document/Format.h"
 #include "system/Console.h"
 #include "json/JsonLayout.h"
 

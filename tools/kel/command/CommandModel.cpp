@@ -1,7 +1,7 @@
-#include "CommandModel.h"
+#include "command/CommandModel.h"
 
-#include "LastResort.h"
 #include "command/CommandLine.h"
+#include "failures/LastResort.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,4 +1,4 @@
-#include "CommandTable.h"
+#include "command/CommandTable.h"
 
 #include <algorithm>
 

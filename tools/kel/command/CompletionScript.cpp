@@ -1,8 +1,8 @@
-#include "CompletionScript.h"
+#include "command/CompletionScript.h"
 
-#include "Failure.h"
 #include "command/CommandModel.h"
 #include "command/CommandTable.h"
+#include "failures/Failure.h"
 
 namespace kel::tool {
 

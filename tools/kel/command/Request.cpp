@@ -1,10 +1,10 @@
-#include "Request.h"
+#include "command/Request.h"
 
-#include "Failure.h"
-#include "LastResort.h"
-#include "SimilarWord.h"
 #include "command/CommandLine.h"
 #include "command/CommandTable.h"
+#include "failures/Failure.h"
+#include "failures/LastResort.h"
+#include "words/SimilarWord.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

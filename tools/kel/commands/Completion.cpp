@@ -1,7 +1,7 @@
-#include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
 #include "command/CompletionScript.h"
+#include "document/Saving.h"
 
 namespace kel::tool {
 

@@ -1,10 +1,10 @@
-#include "DocumentScan.h"
-#include "Failure.h"
-#include "Input.h"
-#include "PartwiseConversion.h"
-#include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "document/Input.h"
+#include "document/Saving.h"
+#include "failures/Failure.h"
+#include "losses/DocumentScan.h"
+#include "parts/PartwiseConversion.h"
 
 namespace kel::tool {
 

@@ -1,9 +1,9 @@
-#include "Failure.h"
-#include "Input.h"
-#include "Printer.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "document/Input.h"
 #include "dump/RecordDump.h"
+#include "failures/Failure.h"
+#include "words/Printer.h"
 
 namespace kel::tool {
 

@@ -1,12 +1,12 @@
-#include "Failure.h"
-#include "Input.h"
-#include "Printer.h"
-#include "Saving.h"
-#include "ValueText.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "document/Input.h"
+#include "document/Saving.h"
+#include "failures/Failure.h"
 #include "find/Finder.h"
 #include "find/KindWord.h"
+#include "words/Printer.h"
+#include "words/ValueText.h"
 
 namespace kel::tool {
 

@@ -1,13 +1,13 @@
-#include "DocumentScan.h"
-#include "Failure.h"
-#include "FailureReport.h"
-#include "Formatting.h"
-#include "Input.h"
-#include "OutputBytes.h"
-#include "Saving.h"
-#include "TextExtras.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "document/Formatting.h"
+#include "document/Input.h"
+#include "document/OutputBytes.h"
+#include "document/Saving.h"
+#include "document/TextExtras.h"
+#include "failures/Failure.h"
+#include "failures/FailureReport.h"
+#include "losses/DocumentScan.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
-#include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
 #include "command/CommandTable.h"
 #include "command/Request.h"
+#include "document/Saving.h"
 
 namespace kel::tool {
 

@@ -1,10 +1,10 @@
-#include "DocumentScan.h"
-#include "Input.h"
-#include "OutputBytes.h"
-#include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "document/Input.h"
+#include "document/OutputBytes.h"
+#include "document/Saving.h"
 #include "html/PageWriter.h"
+#include "losses/DocumentScan.h"
 
 #include <filesystem>
 

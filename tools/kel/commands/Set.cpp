@@ -1,7 +1,7 @@
-#include "Failure.h"
 #include "command/CommandLine.h"
 #include "edit/EditCommand.h"
 #include "edit/ValueArgument.h"
+#include "failures/Failure.h"
 
 namespace kel::tool {
 

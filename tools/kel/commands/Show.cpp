@@ -1,12 +1,12 @@
-#include "DocumentScan.h"
-#include "FailureReport.h"
-#include "Input.h"
-#include "KelWriter.h"
-#include "PaintedText.h"
-#include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "document/Input.h"
+#include "document/KelWriter.h"
+#include "document/Saving.h"
+#include "failures/FailureReport.h"
+#include "losses/DocumentScan.h"
 #include "system/System.h"
+#include "words/PaintedText.h"
 
 #include <algorithm>
 

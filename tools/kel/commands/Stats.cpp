@@ -1,9 +1,9 @@
-#include "Failure.h"
-#include "FailureReport.h"
-#include "Input.h"
-#include "Saving.h"
 #include "command/Command.h"
 #include "command/CommandLine.h"
+#include "document/Input.h"
+#include "document/Saving.h"
+#include "failures/Failure.h"
+#include "failures/FailureReport.h"
 #include "stats/RecordBytes.h"
 #include "stats/StatsText.h"
 

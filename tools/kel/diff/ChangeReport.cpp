@@ -1,6 +1,6 @@
 #include "diff/ChangeReport.h"
 
-#include "GuidText.h"
+#include "words/GuidText.h"
 
 namespace kel::tool {
 

@@ -2,8 +2,8 @@
 /// Makes a document of changes.
 #pragma once
 
-#include "Document.h"
 #include "diff/Changes.h"
+#include "document/Document.h"
 
 namespace kel::tool {
 

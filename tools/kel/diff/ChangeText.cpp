@@ -1,9 +1,9 @@
 #include "diff/ChangeText.h"
 
-#include "GuidText.h"
-#include "Utf8.h"
-#include "ValueText.h"
 #include "diff/ChildCount.h"
+#include "words/GuidText.h"
+#include "words/Utf8.h"
+#include "words/ValueText.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,8 +2,8 @@
 /// Describes changes on one line each.
 #pragma once
 
-#include "Painter.h"
 #include "diff/Changes.h"
+#include "words/Painter.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 /// Changes: what is different between two documents.
 #pragma once
 
-#include "Values.h"
+#include "document/Values.h"
 
 #include <cstdint>
 #include <optional>

@@ -2,7 +2,7 @@
 /// Counts the values in a container.
 #pragma once
 
-#include "Values.h"
+#include "document/Values.h"
 
 namespace kel::tool {
 

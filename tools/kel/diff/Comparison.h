@@ -2,8 +2,8 @@
 /// Comparison: finds all differences between two documents.
 #pragma once
 
-#include "Document.h"
 #include "diff/Changes.h"
+#include "document/Document.h"
 
 namespace kel::tool {
 

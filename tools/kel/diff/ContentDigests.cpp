@@ -1,6 +1,6 @@
 #include "diff/ContentDigests.h"
 
-#include "TreeCursor.h"
+#include "document/TreeCursor.h"
 
 #include <bit>
 #include <cmath>

@@ -2,8 +2,8 @@
 /// ContentDigests: digests of the contents of values.
 #pragma once
 
-#include "Document.h"
 #include "diff/KeyedHash.h"
+#include "document/Document.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 #include "diff/KeyedHash.h"
 
-#include "Values.h"
+#include "document/Values.h"
 
 #include <bit>
 

@@ -2,9 +2,9 @@
 /// Matching: which values of two containers belong together.
 #pragma once
 
-#include "Document.h"
 #include "diff/Changes.h"
 #include "diff/ContentDigests.h"
+#include "document/Document.h"
 
 #include <vector>
 

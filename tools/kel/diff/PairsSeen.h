@@ -2,7 +2,7 @@
 /// The pairs of containers that a comparison has seen, which makes it end.
 #pragma once
 
-#include "Values.h"
+#include "document/Values.h"
 
 #include <cstddef>
 #include <map>

@@ -1,7 +1,7 @@
 #include "diff/Similarity.h"
 
-#include "TreeCursor.h"
 #include "diff/RecordKey.h"
+#include "document/TreeCursor.h"
 
 #include <algorithm>
 

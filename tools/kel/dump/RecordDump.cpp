@@ -1,9 +1,9 @@
 #include "dump/RecordDump.h"
 
-#include "GuidText.h"
-#include "ValueText.h"
 #include "find/KindWord.h"
 #include "path/PathText.h"
+#include "words/GuidText.h"
+#include "words/ValueText.h"
 
 #include <algorithm>
 #include <bit>

@@ -2,7 +2,7 @@
 /// Finds what is wrong with a record of a binary file.
 #pragma once
 
-#include "RecordCursor.h"
+#include "parts/RecordCursor.h"
 
 #include <optional>
 #include <string>

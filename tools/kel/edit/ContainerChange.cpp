@@ -1,9 +1,9 @@
-#include "ContainerChange.h"
+#include "edit/ContainerChange.h"
 
-#include "AllowedValues.h"
-#include "GuidText.h"
-#include "ValueText.h"
-#include "ViolationFinder.h"
+#include "check/AllowedValues.h"
+#include "check/ViolationFinder.h"
+#include "words/GuidText.h"
+#include "words/ValueText.h"
 
 #include <optional>
 

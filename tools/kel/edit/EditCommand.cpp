@@ -1,8 +1,8 @@
-#include "EditCommand.h"
+#include "edit/EditCommand.h"
 
-#include "Saving.h"
-#include "TextExtras.h"
 #include "command/CommandLine.h"
+#include "document/Saving.h"
+#include "document/TextExtras.h"
 #include "system/OutputFile.h"
 #include "system/System.h"
 

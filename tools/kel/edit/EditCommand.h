@@ -2,10 +2,10 @@
 /// EditCommand: the part that all commands which change a file share.
 #pragma once
 
-#include "Format.h"
-#include "Input.h"
-#include "TextExtras.h"
 #include "command/Command.h"
+#include "document/Format.h"
+#include "document/Input.h"
+#include "document/TextExtras.h"
 #include "edit/Editor.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "Editor.h"
+#include "edit/Editor.h"
 
 #include "edit/ContainerChange.h"
 #include "edit/SharedPlaces.h"

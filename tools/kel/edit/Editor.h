@@ -2,7 +2,7 @@
 /// Editor: changes of a document at paths.
 #pragma once
 
-#include "Document.h"
+#include "document/Document.h"
 #include "path/Place.h"
 
 #include <string>

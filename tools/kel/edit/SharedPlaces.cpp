@@ -1,6 +1,6 @@
-#include "SharedPlaces.h"
+#include "edit/SharedPlaces.h"
 
-#include "TreeCursor.h"
+#include "document/TreeCursor.h"
 
 #include <algorithm>
 #include <set>

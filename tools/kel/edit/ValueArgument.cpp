@@ -1,7 +1,7 @@
-#include "ValueArgument.h"
+#include "edit/ValueArgument.h"
 
-#include "Failure.h"
-#include "KelReader.h"
+#include "document/KelReader.h"
+#include "failures/Failure.h"
 #include "path/PathText.h"
 #include "json/JsonReader.h"
 

@@ -2,8 +2,8 @@
 /// Makes a value of an argument of the command line.
 #pragma once
 
-#include "Format.h"
-#include "Values.h"
+#include "document/Format.h"
+#include "document/Values.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "explain/BinaryExplainer.h"
 
-#include "RecordCursor.h"
 #include "explain/ShownText.h"
+#include "parts/RecordCursor.h"
 #include "path/PathText.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 /// Recognises files that are not what they were read as.
 #pragma once
 
-#include "Format.h"
+#include "document/Format.h"
 
 #include <optional>
 #include <string>

@@ -1,10 +1,10 @@
 // The messages of JsonWalk.
-#include "SimilarWord.h"
 #include "explain/JsonWalk.h"
 #include "explain/ShownText.h"
 #include "explain/SourceExcerpt.h"
 #include "explain/TextHints.h"
 #include "explain/TextScanner.h"
+#include "words/SimilarWord.h"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 /// The failures for inputs that cannot be read, with the place and the reason.
 #pragma once
 
-#include "Failure.h"
-#include "Format.h"
+#include "document/Format.h"
+#include "failures/Failure.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "explain/ShownText.h"
 
-#include "Utf8.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "explain/SourceExcerpt.h"
 
-#include "Utf8.h"
 #include "explain/ShownText.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 

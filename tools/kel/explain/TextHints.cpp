@@ -1,8 +1,8 @@
 #include "explain/TextHints.h"
 
-#include "Utf8.h"
 #include "explain/ShownText.h"
 #include "explain/TextScanner.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 

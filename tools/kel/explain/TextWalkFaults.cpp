@@ -1,9 +1,9 @@
 // The messages of TextWalk.
-#include "SimilarWord.h"
 #include "explain/ShownText.h"
 #include "explain/SourceExcerpt.h"
 #include "explain/TextHints.h"
 #include "explain/TextWalk.h"
+#include "words/SimilarWord.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "find/Finder.h"
 
-#include "ValueText.h"
 #include "find/KindWord.h"
+#include "words/ValueText.h"
 
 #include <limits>
 

@@ -2,9 +2,9 @@
 /// Finder: finds values by their names, contents and kinds.
 #pragma once
 
-#include "RootVisitor.h"
-#include "TreeCursor.h"
+#include "document/TreeCursor.h"
 #include "find/Pattern.h"
+#include "parts/RootVisitor.h"
 
 #include <cstdint>
 #include <functional>

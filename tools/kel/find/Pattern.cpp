@@ -1,6 +1,6 @@
 #include "find/Pattern.h"
 
-#include "Utf8.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "findings/FindingText.h"
 
-#include "Utf8.h"
 #include "path/PathText.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 #include <charconv>

@@ -2,7 +2,7 @@
 /// Findings as lines for people and as JSON for editors.
 #pragma once
 
-#include "Failure.h"
+#include "failures/Failure.h"
 #include "findings/Finding.h"
 
 #include <string>

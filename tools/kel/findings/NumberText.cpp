@@ -1,7 +1,7 @@
 #include "findings/NumberText.h"
 
-#include "DoubleText.h"
-#include "ValueText.h"
+#include "words/DoubleText.h"
+#include "words/ValueText.h"
 
 #include <cstdint>
 

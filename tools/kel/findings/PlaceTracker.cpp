@@ -1,7 +1,7 @@
 #include "findings/PlaceTracker.h"
 
-#include "GuidText.h"
 #include "path/PathText.h"
+#include "words/GuidText.h"
 
 namespace kel::tool {
 

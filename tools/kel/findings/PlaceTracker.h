@@ -2,7 +2,7 @@
 /// PlaceTracker: the place in a document that a scan of its text has reached.
 #pragma once
 
-#include "Document.h"
+#include "document/Document.h"
 #include "findings/ValueOffsets.h"
 
 #include <functional>

@@ -1,11 +1,11 @@
 #include "findings/Schema.h"
 
-#include "Failure.h"
-#include "ValueText.h"
-#include "VariableRules.h"
-#include "ViolationFinder.h"
+#include "check/VariableRules.h"
+#include "check/ViolationFinder.h"
+#include "failures/Failure.h"
 #include "path/PathText.h"
 #include "path/Place.h"
+#include "words/ValueText.h"
 
 #include <cstring>
 #include <set>

@@ -2,7 +2,7 @@
 /// Schema: descriptors in a file of their own, which describe the structs of other files.
 #pragma once
 
-#include "Document.h"
+#include "document/Document.h"
 #include "findings/Finding.h"
 #include "path/Path.h"
 

@@ -1,6 +1,6 @@
 #include "findings/SourceLines.h"
 
-#include "Utf8.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 

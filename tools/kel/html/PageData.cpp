@@ -1,6 +1,6 @@
 #include "html/PageData.h"
 
-#include "TreeCursor.h"
+#include "document/TreeCursor.h"
 
 namespace kel::tool {
 

@@ -2,8 +2,8 @@
 /// PageData: a document as a graph of numbered values.
 #pragma once
 
-#include "Document.h"
-#include "ViolationFinder.h"
+#include "check/ViolationFinder.h"
+#include "document/Document.h"
 
 #include <cstdint>
 #include <map>

@@ -1,9 +1,9 @@
 #include "html/PageWriter.h"
 
-#include "GuidText.h"
-#include "Utf8.h"
-#include "ValueText.h"
 #include "html/PageParts.h"
+#include "words/GuidText.h"
+#include "words/Utf8.h"
+#include "words/ValueText.h"
 #include "json/Base64.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "identities/GivenIdentities.h"
 
-#include "RecordCursor.h"
+#include "parts/RecordCursor.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 /// GivenIdentities: the identities that an input gives to its values.
 #pragma once
 
-#include "Input.h"
+#include "document/Input.h"
 #include "identities/Identity.h"
 
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "identities/StableIdentities.h"
 
-#include "RecordCursor.h"
 #include "identities/Digest.h"
+#include "parts/RecordCursor.h"
 
 #include <algorithm>
 #include <map>

@@ -1,6 +1,6 @@
 #include "json/JsonBuilder.h"
 
-#include "FormatLimits.h"
+#include "losses/FormatLimits.h"
 #include "path/PathText.h"
 #include "json/ReservedShapes.h"
 

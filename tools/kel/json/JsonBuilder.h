@@ -2,10 +2,10 @@
 /// JsonBuilder: makes values from the events of a JSON parser.
 #pragma once
 
-#include "Format.h"
-#include "Losses.h"
-#include "PackedContainer.h"
-#include "Values.h"
+#include "document/Format.h"
+#include "document/Values.h"
+#include "losses/Losses.h"
+#include "parts/PackedContainer.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,10 +1,10 @@
 #include "json/JsonOfRecords.h"
 
-#include "BinaryParts.h"
-#include "KelReader.h"
-#include "KelWriter.h"
-#include "PartLimits.h"
-#include "RecordCursor.h"
+#include "document/KelReader.h"
+#include "document/KelWriter.h"
+#include "parts/BinaryParts.h"
+#include "parts/PartLimits.h"
+#include "parts/RecordCursor.h"
 #include "json/JsonWriter.h"
 
 #include <string>

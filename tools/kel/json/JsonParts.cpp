@@ -1,7 +1,7 @@
 #include "json/JsonParts.h"
 
-#include "PartLimits.h"
-#include "RecordCursor.h"
+#include "parts/PartLimits.h"
+#include "parts/RecordCursor.h"
 
 namespace kel::tool {
 

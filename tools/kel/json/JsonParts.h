@@ -2,7 +2,7 @@
 /// Visits the root values of JSON part by part.
 #pragma once
 
-#include "RootVisitor.h"
+#include "parts/RootVisitor.h"
 #include "json/JsonBuilder.h"
 
 #include <string_view>

@@ -1,8 +1,8 @@
 #include "json/JsonReader.h"
 
-#include "Failure.h"
 #include "explain/Refusal.h"
 #include "explain/SourceExcerpt.h"
+#include "failures/Failure.h"
 #include "path/PathText.h"
 #include "json/JsonBuilder.h"
 #include "json/JsonParts.h"

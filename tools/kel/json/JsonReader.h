@@ -2,10 +2,10 @@
 /// Reads JSON.
 #pragma once
 
-#include "Document.h"
-#include "Format.h"
-#include "Losses.h"
-#include "OutputBytes.h"
+#include "document/Document.h"
+#include "document/Format.h"
+#include "document/OutputBytes.h"
+#include "losses/Losses.h"
 
 #include <optional>
 #include <string>

@@ -1,10 +1,10 @@
 #include "json/JsonRecordBuilder.h"
 
-#include "Failure.h"
-#include "KelWriter.h"
-#include "NotInParts.h"
-#include "PartLimits.h"
-#include "RecordCursor.h"
+#include "document/KelWriter.h"
+#include "failures/Failure.h"
+#include "parts/NotInParts.h"
+#include "parts/PartLimits.h"
+#include "parts/RecordCursor.h"
 #include "system/System.h"
 
 #include <algorithm>

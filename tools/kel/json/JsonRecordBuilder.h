@@ -2,7 +2,7 @@
 /// JsonRecordBuilder: makes binary records from the events of a JSON parser.
 #pragma once
 
-#include "OutputBytes.h"
+#include "document/OutputBytes.h"
 #include "json/JsonBuilder.h"
 
 namespace kel::tool {

@@ -1,6 +1,6 @@
 #include "json/JsonText.h"
 
-#include "Utf8.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 #include <charconv>

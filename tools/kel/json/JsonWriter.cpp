@@ -1,8 +1,8 @@
 #include "json/JsonWriter.h"
 
-#include "GuidText.h"
-#include "OutputBytes.h"
-#include "Utf8.h"
+#include "document/OutputBytes.h"
+#include "words/GuidText.h"
+#include "words/Utf8.h"
 #include "json/Base64.h"
 #include "json/JsonText.h"
 #include "json/ReservedShapes.h"

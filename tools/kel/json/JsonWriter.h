@@ -2,8 +2,8 @@
 /// Writes JSON.
 #pragma once
 
-#include "Document.h"
-#include "TreeCursor.h"
+#include "document/Document.h"
+#include "document/TreeCursor.h"
 #include "json/JsonLayout.h"
 #include "json/TextBuffer.h"
 

@@ -1,6 +1,6 @@
 #include "json/ReservedShapes.h"
 
-#include "GuidText.h"
+#include "words/GuidText.h"
 #include "json/Base64.h"
 
 #include <cstring>

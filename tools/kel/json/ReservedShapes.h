@@ -2,7 +2,7 @@
 /// The JSON spelling of guids and memory blocks: {"$guid": "..."} and {"$memblock": "..."}.
 #pragma once
 
-#include "Values.h"
+#include "document/Values.h"
 
 namespace kel::tool {
 

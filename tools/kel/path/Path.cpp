@@ -1,7 +1,7 @@
-#include "Path.h"
+#include "path/Path.h"
 
-#include "Failure.h"
 #include "PathText.h"
+#include "failures/Failure.h"
 
 #include <charconv>
 

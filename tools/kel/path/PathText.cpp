@@ -1,6 +1,6 @@
-#include "PathText.h"
+#include "path/PathText.h"
 
-#include "Utf8.h"
+#include "words/Utf8.h"
 
 #include <algorithm>
 

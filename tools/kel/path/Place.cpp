@@ -1,10 +1,10 @@
-#include "Place.h"
+#include "path/Place.h"
 
-#include "Failure.h"
-#include "GuidText.h"
-#include "SimilarWord.h"
-#include "TreeCursor.h"
+#include "document/TreeCursor.h"
+#include "failures/Failure.h"
 #include "path/PathText.h"
+#include "words/GuidText.h"
+#include "words/SimilarWord.h"
 
 #include <optional>
 #include <unordered_set>

@@ -2,8 +2,8 @@
 /// Place: where a path leads in a document.
 #pragma once
 
-#include "Document.h"
-#include "Failure.h"
+#include "document/Document.h"
+#include "failures/Failure.h"
 #include "path/Path.h"
 
 #include <vector>

@@ -2,7 +2,7 @@
 /// KindBytes: how many values of each kind there are, and the bytes that they take.
 #pragma once
 
-#include "Format.h"
+#include "document/Format.h"
 
 #include <array>
 #include <cstdint>

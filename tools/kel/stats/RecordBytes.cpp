@@ -1,6 +1,6 @@
 #include "stats/RecordBytes.h"
 
-#include "RecordCursor.h"
+#include "parts/RecordCursor.h"
 
 namespace kel::tool {
 

@@ -1,7 +1,7 @@
 #include "stats/ValueStats.h"
 
-#include "FormatLimits.h"
-#include "RecordCursor.h"
+#include "losses/FormatLimits.h"
+#include "parts/RecordCursor.h"
 #include "path/PathText.h"
 
 #include <algorithm>
@@ -61,8 +61,8 @@ bool isBuiltOnStruct(const KEL* value) {
 } // namespace
 
 ValueStats::ValueStats()
-    : buffer_([this](std::string_view text) { written_ += text.size(); }), writer_(buffer_, {JsonLayout::Indented::none}, 1) {
-}
+    : buffer_([this](std::string_view text) { written_ += text.size(); }),
+      writer_(buffer_, {JsonLayout::Indented::none}, 1) {}
 
 void ValueStats::begin(bool hasSeveralRoots, bool isTree) {
     hasSeveralRoots_ = hasSeveralRoots;

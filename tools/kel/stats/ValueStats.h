@@ -2,9 +2,9 @@
 /// ValueStats: counts the values of an input and the bytes that they take in each format.
 #pragma once
 
-#include "IdentitySet.h"
-#include "RootVisitor.h"
-#include "TreeCursor.h"
+#include "document/TreeCursor.h"
+#include "losses/IdentitySet.h"
+#include "parts/RootVisitor.h"
 #include "stats/KindBytes.h"
 #include "json/JsonWriter.h"
 #include "json/TextBuffer.h"

@@ -2,8 +2,8 @@
 /// Console: messages and progress on stderr.
 #pragma once
 
-#include "Failure.h"
-#include "Painter.h"
+#include "failures/Failure.h"
+#include "words/Painter.h"
 
 #include <chrono>
 #include <condition_variable>

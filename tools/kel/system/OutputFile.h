@@ -2,7 +2,7 @@
 /// OutputFile: a file that appears whole or not at all.
 #pragma once
 
-#include "Failure.h"
+#include "failures/Failure.h"
 
 #include <cstdio>
 #include <filesystem>

@@ -1,0 +1,50 @@
+/// \file
+/// Reads a whole input.
+#pragma once
+
+#include "document/Document.h"
+#include "document/Format.h"
+#include "losses/Losses.h"
+
+#include <optional>
+#include <string>
+
+namespace kel::tool {
+
+/// The bytes of an input.
+struct Content {
+    Format format;
+    /// All bytes of the input. Those of JSON are followed by a line end, so that the parser finds
+    /// white space after every number.
+    std::string bytes;
+    /// The format by the input's name, unless the user gave the format.
+    std::optional<Format> named = std::nullopt;
+
+    /// Returns the number of bytes of the input.
+    size_t size() const { return bytes.size() - (format == Format::json ? 1 : 0); }
+};
+
+/// Reads the bytes of the named file, or of stdin for "-".
+/// \param from the format to assume; if there is none, the format is found by the content, then by
+///        the name
+/// \throws Failure unreadable, "NAME: the system's reason"
+Content readContent(const std::string& name, std::optional<Format> from);
+
+/// The contents of an input.
+struct Input {
+    Format format;
+    Document document;
+    /// Whether there may be checked structs and descriptors, for which only text has a form.
+    bool mayHoldDescriptors = false;
+};
+
+/// Reads the root values of an input.
+/// \param name the name of the input in messages
+/// \param target the format that the values will be written in, if there is one
+/// \param losses gets the losses in reading: parts of JSON that values or the target cannot carry,
+///        and the repeated names of binary
+/// \throws Failure unreadable or malformed
+Input readInput(Content&& content, const std::string& name, std::optional<Format> target,
+                Losses& losses);
+
+} // namespace kel::tool
