@@ -8,7 +8,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 
 namespace {
 
@@ -28,10 +27,10 @@ public:
     bool redo() { return present_ + 1 < states_.size() && go_to(present_ + 1); }
 
 private:
-    // assign keeps the document the same object, so whoever watches it sees the change.
+    // restore changes the document in place, so whoever watches a part of it sees the change.
     bool go_to(std::size_t state) {
         present_ = state;
-        document_.assign(states_[state]);
+        document_.restore(states_[state]);
         return true;
     }
 
@@ -41,9 +40,7 @@ private:
 };
 
 void run(const char* file, char** command, char** end) {
-    kel::value settings = std::filesystem::exists(file)
-                              ? kel::load(file)
-                              : kel::object({{"volume", 5}, {"width", 640}});
+    kel::value settings = kel::load_struct_or(file, kel::object({{"volume", 5}, {"width", 640}}));
     history changes(settings);
     for (; command != end; ++command) {
         const std::string text = *command;

@@ -7,6 +7,8 @@
 
 #include <kel/cpp/atomic.hpp>
 #include <kel/cpp/load_into.hpp>
+#include <kel/cpp/restore.hpp>
+#include <kel/cpp/rings.hpp>
 #include <kel/cpp/visit.hpp>
 #include <kel/cpp/watch_tree.hpp>
 #include <kel/cpp/watch_values.hpp>

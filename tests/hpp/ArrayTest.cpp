@@ -64,4 +64,15 @@ TEST(Array, AnArrayIsReadAsAVector) {
               "grid[0]: wanted a string, found an array.");
 }
 
+TEST(Array, IsAssignedTheElementsOfAContainer) {
+    kel::value room = kel::object({{"sizes", kel::array({1})}, {"name", "x"}});
+    const kel::value sizes = room["sizes"];
+    room["sizes"].assign(std::vector<int>{3, 4});
+    EXPECT_EQ(sizes, kel::array({3, 4})) << "in place";
+    kel::value same = sizes;
+    same.assign(std::vector<std::vector<std::string>>{{"a"}, {}});
+    EXPECT_EQ(sizes, kel::array({kel::array({"a"}), kel::array()}));
+    EXPECT_THROW(room["name"].assign(std::vector<int>{3}), kel::type_error);
+}
+
 } // namespace

@@ -17,7 +17,7 @@ TEST(Checked, StoresWhatIsAllowed) {
 
 TEST(Checked, SaysWhatIsAllowed) {
     kel::checked panel = makePanel();
-    EXPECT_EQ(refusal(panel, "gain", 9.0), "gain: 9 is not allowed; allowed is from -60 to 6.");
+    EXPECT_EQ(refusal(panel, "gain", 9.0), "gain: 9 is not allowed; allowed is from -60 to 6 dB.");
     EXPECT_EQ(
         refusal(panel, "mode", "quad"),
         "mode: \"quad\" is not allowed; allowed is one of \"mono\", \"stereo\", \"surround\".");
@@ -28,9 +28,9 @@ TEST(Checked, SaysWhatIsAllowed) {
     EXPECT_EQ(refusal(panel, "voices", nullptr),
               "voices: wanted an int, found null; allowed is from 1 to 16.");
     EXPECT_EQ(refusal(panel, "gain", std::nan("")),
-              "gain: nan is not allowed; allowed is from -60 to 6.");
+              "gain: nan is not allowed; allowed is from -60 to 6 dB.");
     EXPECT_EQ(refusal(panel, "voices", 3e9),
-              "voices: 3e+09 is not a whole number of 32 bits; allowed is from 1 to 16.");
+              "voices: 3000000000 is not a whole number of 32 bits; allowed is from 1 to 16.");
     EXPECT_EQ(refusal(panel, "volume", 1), "volume: no such variable.");
     EXPECT_THROW(panel.set("gain", 9.0), kel::not_allowed);
     EXPECT_EQ(kel::value(panel).size(), 1U) << "only the description";
@@ -69,7 +69,7 @@ TEST(Checked, AnIntegerOfMoreThan32BitsIsADouble) {
     EXPECT_EQ(panel.get<double>("size"), 6e9);
     EXPECT_EQ(refusal(panel, "size", 7), "(stored)");
     EXPECT_EQ(panel.try_set("count", 5'000'000'000).message(),
-              "count: 5e+09 is not a whole number of 32 bits.");
+              "count: 5000000000 is not a whole number of 32 bits.");
     EXPECT_THROW(panel["count"] = 5'000'000'000, kel::not_allowed);
     EXPECT_THROW(panel["note"] = 5'000'000'000, std::out_of_range) << "not described";
     EXPECT_THROW(panel.set("size", INT64_MAX), std::out_of_range);

@@ -24,21 +24,21 @@ TEST(Describe, ADamagedDescriptionIsAFailureAndNoCrash) {
 }
 
 TEST(Describe, NumbersOfADescriptionAreNeverTruncated) {
-    EXPECT_THROW(kel::describe<int>().range(0, 5000000000), std::out_of_range);
-    EXPECT_THROW(kel::describe<int>().fallback(4.9), std::out_of_range);
-    EXPECT_THROW(kel::describe<std::uint8_t>().range(0, 256), std::out_of_range);
-    EXPECT_THROW(kel::describe<unsigned>().fallback(-1), std::out_of_range);
+    EXPECT_THROW((void)kel::describe<int>().range(0, 5000000000), std::out_of_range);
+    EXPECT_THROW((void)kel::describe<int>().fallback(4.9), std::out_of_range);
+    EXPECT_THROW((void)kel::describe<std::uint8_t>().range(0, 256), std::out_of_range);
+    EXPECT_THROW((void)kel::describe<unsigned>().fallback(-1), std::out_of_range);
 }
 
-TEST(Describe, ACopiedDescriptionIsChangedOnItsOwn) {
+TEST(Describe, AnOperationReturnsAChangedCopyOfADescriptionThatHasAName) {
     const auto level = kel::describe<double>().range(0, 1);
-    auto left = level;
-    auto right = level;
-    left.fallback(0.2);
-    right.fallback(0.8);
-    const kel::checked panel({{"left", left}, {"right", right}});
+    const kel::checked panel({{"left", level.fallback(0.2)},
+                              {"right", level.fallback(0.8).unit(" %")},
+                              {"none", level}});
     EXPECT_EQ(panel.get<double>("left"), 0.2);
     EXPECT_EQ(panel.get<double>("right"), 0.8);
+    EXPECT_FALSE(panel.find("none"));
+    EXPECT_EQ(level.unit(), "");
 }
 
 TEST(Describe, ADescriptionIsReadBack) {
@@ -85,22 +85,42 @@ TEST(Describe, ItsNamesCanBeMadeAtRunTime) {
 }
 
 TEST(Describe, WholeNumbersHaveWholeSteps) {
-    EXPECT_THROW(kel::describe<int>().range(0, 10).step(0.5), kel::error);
+    EXPECT_THROW((void)kel::describe<int>().range(0, 10).step(0.5), kel::error);
     EXPECT_EQ(kel::describe<int>().step(2).step(), 2.0);
 }
 
 TEST(Describe, KeepsWhatADescriptionSaidWhenItWasMade) {
     auto gain = kel::describe<double>().range(-60, 6).fallback(0);
     const kel::variable_description before = gain;
-    const auto other = gain;
     kel::checked panel({{"gain", gain}});
-    gain.range(-1, 1).step(0.5).fallback(1);
+    gain = std::move(gain).range(-1, 1).step(0.5).fallback(1);
     panel.set("gain", -60);
     EXPECT_EQ(before.least(), -60.0);
-    EXPECT_EQ(other.least(), -60.0);
-    EXPECT_EQ(other.step(), std::nullopt);
+    EXPECT_EQ(before.step(), std::nullopt);
     EXPECT_EQ(gain.least(), -1.0);
     EXPECT_EQ(gain.fallback().get<double>(), 1.0);
+}
+
+TEST(Describe, EveryOperationLeavesTheDescriptionAsItWas) {
+    const auto plain = kel::describe<int>();
+    EXPECT_EQ(plain.range(1, 2).least(), 1.0);
+    EXPECT_EQ(plain.one_of({1, 2}).choices().size(), 2U);
+    EXPECT_EQ(plain.one_of(std::vector<int>{3}).choices().size(), 1U);
+    EXPECT_EQ(plain.fallback(5).fallback().get<int>(), 5);
+    EXPECT_EQ(plain.step(3).step(), 3.0);
+    EXPECT_EQ(plain.unit(" m").unit(), " m");
+    EXPECT_EQ(plain.prefix("no. ").prefix(), "no. ");
+    EXPECT_TRUE(plain.wraps().wrapped());
+    EXPECT_TRUE(plain.only_steps().stepped());
+    EXPECT_EQ(static_cast<kel::value>(plain), static_cast<kel::value>(kel::describe<int>()));
+}
+
+TEST(Describe, AFloatKeepsTheDoublesThatWereGiven) {
+    const auto level = kel::describe<float>().range(0.02, 20).fallback(0.1);
+    const kel::checked panel({{"level", level}});
+    EXPECT_EQ(panel.text("level"), "0.1");
+    EXPECT_EQ(panel.allowed_text("level"), "from 0.02 to 20");
+    EXPECT_EQ(panel.get<float>("level"), 0.1F);
 }
 
 TEST(Describe, IsMadeOfContainersFilledAtRunTime) {
@@ -117,13 +137,13 @@ TEST(Describe, IsMadeOfContainersFilledAtRunTime) {
     const std::vector<std::pair<const char*, kel::typed_description<bool>>> switches{
         {"a", kel::describe<bool>()}, {"b", kel::describe<bool>()}};
     EXPECT_EQ(kel::checked(switches, kel::guid(1)).names().size(), 2U);
-    EXPECT_THROW(kel::describe<int>().one_of(std::vector<double>{0.5}), std::out_of_range);
+    EXPECT_THROW((void)kel::describe<int>().one_of(std::vector<double>{0.5}), std::out_of_range);
 }
 
 TEST(Describe, WrongDescriptionsAreRefused) {
-    EXPECT_THROW(kel::describe<int>().range(2, 1), kel::error);
-    EXPECT_THROW(kel::describe<double>().range(0, std::nan("")), kel::error);
-    EXPECT_THROW(kel::describe<double>().step(0), kel::error);
+    EXPECT_THROW((void)kel::describe<int>().range(2, 1), kel::error);
+    EXPECT_THROW((void)kel::describe<double>().range(0, std::nan("")), kel::error);
+    EXPECT_THROW((void)kel::describe<double>().step(0), kel::error);
     EXPECT_THROW(kel::checked({{"a", kel::describe<int>().range(1, 2).fallback(3)}}),
                  kel::not_allowed);
     EXPECT_THROW(kel::checked({{"a\"b", kel::describe<int>()}}), kel::name_error);
@@ -155,6 +175,40 @@ TEST(Describe, StatesWhatIsAllowedInTheWordsOfItsRefusals) {
     EXPECT_EQ(kel::variable_description(kel::adopt(CreateMetaKelVarDescriptor())).allowed_text(),
               "any value");
     EXPECT_THROW(panel.allowed_text("gian"), kel::not_found);
+}
+
+TEST(Describe, ShowsNumbersPlainlyAndWithTheirUnit) {
+    const auto rate = kel::describe<double>().range(0.02, 20).unit(" Hz");
+    EXPECT_EQ(rate.allowed_text(), "from 0.02 to 20 Hz");
+    EXPECT_EQ(rate.step(0.01).only_steps().allowed_text(),
+              "from 0.02 to 20 Hz in steps of 0.01 Hz");
+    EXPECT_EQ(kel::describe<int>().range(1, 5).prefix("no. ").allowed_text(), "from 1 to 5");
+    EXPECT_EQ(kel::describe<double>().range(-1e5, 1e14).allowed_text(),
+              "from -100000 to 100000000000000");
+    EXPECT_EQ(kel::describe<double>().range(1e-5, 1e15).allowed_text(), "from 0.00001 to 1e+15");
+    EXPECT_EQ(kel::describe<double>().range(-0.0, 1e-9).allowed_text(), "from 0 to 1e-09");
+}
+
+TEST(Describe, ANumberAtAStepHasTheDecimalsOfTheSteps) {
+    kel::checked panel({{"a", kel::describe<double>().range(-1, 1).step(0.05)},
+                        {"b", kel::describe<double>().range(0.125, 9).step(1)},
+                        {"third", kel::describe<double>().step(1.0 / 3)},
+                        {"free", kel::describe<double>()}});
+    const auto text = [&](const char* name, double number) {
+        panel.set(name, number);
+        return panel.text(name);
+    };
+    EXPECT_EQ(text("a", 0.05000000000000001), "0.05");
+    EXPECT_EQ(text("a", -0.0), "0");
+    EXPECT_EQ(text("a", -1e-17), "0");
+    EXPECT_EQ(text("a", 0.5), "0.5");
+    EXPECT_EQ(text("a", 0.07), "0.07") << "between two steps";
+    EXPECT_EQ(text("b", 2.1250000000000004), "2.125");
+    EXPECT_EQ(text("third", 2.0 / 3), "0.6666666666666666");
+    EXPECT_EQ(text("free", 0.1 + 0.2), "0.30000000000000004");
+    kel::value damaged = panel.description("a");
+    damaged["min"] = nullptr;
+    EXPECT_EQ(panel.text("a"), "0.07");
 }
 
 TEST(Describe, OnlyStepsRefusesWhatIsBetweenThem) {

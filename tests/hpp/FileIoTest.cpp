@@ -156,6 +156,32 @@ TEST(FileIo, AFileIsLoadedIntoAStruct) {
     EXPECT_THROW((void)kel::load_into(panel, file), kel::malformed);
 }
 
+TEST(FileIo, AStructIsLoadedOrTheContentIsMalformed) {
+    const Folder folder;
+    const auto file = folder / "a.kel";
+    const kel::value fallback = kel::object({{"a", 1}});
+    EXPECT_EQ(failure([&] { kel::load_struct(file); }).reason(),
+              std::errc::no_such_file_or_directory);
+    EXPECT_TRUE(kel::same(kel::load_struct_or(file, fallback), fallback));
+    put(file, "{ a = 2 }");
+    EXPECT_EQ(kel::load_struct(file), kel::object({{"a", 2}}));
+    EXPECT_EQ(kel::load_struct_or(file, fallback), kel::object({{"a", 2}}));
+    for (const auto& [content, found] :
+         {std::pair("NULL", "null"), std::pair("[ 1 ]", "an array"), std::pair("7", "an int")}) {
+        put(file, content);
+        const std::string reason =
+            file.string() + ": wanted a struct, found " + std::string(found) + '.';
+        EXPECT_EQ(said([&] { kel::load_struct(file); }), reason);
+        EXPECT_EQ(said([&] { kel::load_struct_or(file, fallback); }), reason);
+        EXPECT_THROW(kel::load_struct(file), kel::malformed);
+    }
+    put(file, "NULL");
+    EXPECT_FALSE(kel::load(file));
+    put(file, "{ a = ");
+    EXPECT_THROW(kel::load_struct_or(file, fallback), kel::malformed);
+    EXPECT_THROW(kel::load_struct_or(folder.path(), fallback), kel::io_error) << "a folder";
+}
+
 TEST(FileIo, AMissingFileHasAReason) {
     const Folder folder;
     const kel::io_error thrown = failure([&] { kel::load(folder / "none.kel"); });

@@ -85,8 +85,25 @@ TEST(Io, TheLocaleDoesNotMatter) {
 
 TEST(Io, AKindWithoutAFormIsRefused) {
     EXPECT_EQ(said([] { kel::to_text(made(KELKind_Selector)); }), "a selector has no text form");
-    const std::string message = said([] { kel::to_binary(kel::array({readable()["guid"]})); });
-    EXPECT_EQ(message.substr(0, 46), "one of these has no binary form: a guid, a man");
+    EXPECT_EQ(said([] {
+                  kel::to_text(kel::object({{"a", kel::array({1, made(KELKind_Selector)})}}));
+              }),
+              "a[1]: a selector has no text form");
+    EXPECT_EQ(said([] { kel::to_binary(readable()["guid"]); }), "a guid has no binary form");
+    EXPECT_EQ(said([] {
+                  kel::to_binary(kel::array({5, readable()}));
+              }),
+              "[1].checked: a checked struct has no binary form");
+}
+
+TEST(Io, ADocumentInTheOtherFormatIsNamed) {
+    const std::string text = kel::to_text(simple()["array"]);
+    EXPECT_EQ(said([&] { kel::from_binary(text); }), "wanted a binary document, found text");
+    EXPECT_EQ(said([&] { kel::from_text(kel::to_binary(5)); }),
+              "wanted text, found a binary document");
+    kel::value root;
+    auto reader = kel::reader::from_memory("7", kel::format::binary);
+    EXPECT_THROW(reader.next(root), kel::malformed);
 }
 
 TEST(Io, AValueThatContainsItselfIsNotText) {

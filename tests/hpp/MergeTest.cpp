@@ -151,6 +151,18 @@ TEST(Merge, WhatAPresetLacksGetsItsDefaultInOneStep) {
     EXPECT_EQ(odds.size(), 1U) << "nothing to change";
 }
 
+TEST(Merge, WhatACheckedSourceHasAsDefaultIsDefaultAgain) {
+    kel::checked panel = makePanel();
+    const kel::checked state = panel.copy();
+    panel.set("gain", 3);
+    EXPECT_EQ(messages(panel.merge(state, kel::missing::reset)), Lines());
+    EXPECT_TRUE(panel.is_default("gain"));
+    EXPECT_TRUE(panel.is_default("odd name"));
+    const kel::checked other({{"gain", kel::describe<double>().fallback(-6)}});
+    EXPECT_EQ(messages(panel.merge(other, kel::missing::reset)), Lines());
+    EXPECT_EQ(panel.get<double>("gain"), -6.0) << "another default";
+}
+
 TEST(Merge, SectionsThatAPresetLacksGetTheirDefaults) {
     kel::checked left = makePanel();
     kel::checked right = makePanel();

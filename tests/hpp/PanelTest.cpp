@@ -144,7 +144,12 @@ TEST(Panel, APlaceHasTheControlsOfItsVariable) {
     const kel::value fixed = rack;
     EXPECT_EQ(fixed["1"]["pan"].text(), "7 %");
     EXPECT_EQ(fixed["1"]["rate"].choice_texts(), (Texts{"1 kHz", "2 kHz", "4 kHz"}));
-    EXPECT_EQ(fixed["1"]["rate"].allowed_text(), "one of 1, 2, 4");
+    EXPECT_TRUE(fixed["1"]["rate"].is_described());
+    EXPECT_FALSE(fixed["1"]["none"].is_described());
+    EXPECT_FALSE(fixed["1"]["rate"]["x"].is_described());
+    EXPECT_FALSE(fixed["none"]["rate"].is_described());
+    EXPECT_FALSE(fixed["1"].is_described());
+    EXPECT_EQ(fixed["1"]["rate"].allowed_text(), "one of 1, 2, 4 kHz");
     EXPECT_EQ(fixed["1"]["rate"].description().unit(), " kHz");
     EXPECT_TRUE(fixed["1"]["rate"].has_scale());
     EXPECT_FALSE(fixed["1"]["name"].has_scale());
@@ -153,14 +158,24 @@ TEST(Panel, APlaceHasTheControlsOfItsVariable) {
 TEST(Panel, ARefusalOfAPlaceBeginsWithItsWholePath) {
     kel::value rack = kel::object({{"1", makePanel()}, {"list", kel::array({makePanel()})}});
     EXPECT_EQ(rack["1"]["pan"].try_set(101).message(),
-              "1.pan: 101 is not allowed; allowed is from -100 to 100.");
+              "1.pan: 101 is not allowed; allowed is from -100 to 100 %.");
     EXPECT_EQ(rack.at_path("1.level").try_set(5'000'000'000).message(),
-              "1.level: 5e+09 is not allowed; allowed is from -60 to 0.");
+              "1.level: 5000000000 is not allowed; allowed is from -60 to 0.");
     EXPECT_EQ(rack["list"][0]["pan"].try_set_text("x").message(),
-              "list[0].pan: \"x\" is not a number; allowed is from -100 to 100.");
+              "list[0].pan: \"x\" is not a number; allowed is from -100 to 100 %.");
     EXPECT_EQ(rack["1"]["nope"].try_set(1).message(), "1.nope: no such variable.");
     EXPECT_THROW(rack["1"]["nope"].reset(), kel::not_found);
     EXPECT_THROW(rack["2"]["pan"].step_by(1), kel::not_found);
+    const auto missing = [](const auto& action) -> std::string {
+        try {
+            action();
+        } catch (const kel::not_found& failure) {
+            return failure.what();
+        }
+        return "(stored)";
+    };
+    EXPECT_EQ(missing([&] { (void)rack["nope"].try_set_text("1"); }), "nope: no such variable.");
+    EXPECT_EQ(missing([&] { rack["list"][7].step_by(1); }), "list[7]: the array has 1 element.");
     EXPECT_EQ(refused([&] { rack["1"].step_by(1); }), "1: not a variable of a checked struct.");
     EXPECT_EQ(refused([&] { (void)rack["list"][0].text(); }),
               "list[0]: not a variable of a checked struct.");

@@ -33,19 +33,19 @@ TEST(TypedText, NumbersAreReadAsAWhole) {
     for (const char* wrong : {"", " ", "abc", "12x", "1,5", "1 2", "0x10", "+-1", "--1", "+", "inf",
                               "nan", "1.2.3", "dB"}) {
         EXPECT_EQ(typed("gain", wrong), std::string("gain: \"") + wrong +
-                                            "\" is not a number; allowed is from -60 to 6.");
+                                            "\" is not a number; allowed is from -60 to 6 dB.");
         EXPECT_EQ(typed("free", wrong), std::string("free: \"") + wrong + "\" is not a number.");
     }
     EXPECT_EQ(typed("free", "1e400"), "free: \"1e400\" does not fit a Double.");
 }
 
 TEST(TypedText, TheDescriptionDecides) {
-    EXPECT_EQ(typed("gain", "9"), "gain: 9 is not allowed; allowed is from -60 to 6.");
+    EXPECT_EQ(typed("gain", "9"), "gain: 9 is not allowed; allowed is from -60 to 6 dB.");
     EXPECT_EQ(typed("voices", "1.5"),
               "voices: 1.5 is not a whole number of 32 bits; allowed is from 1 to 16.");
     EXPECT_EQ(typed("voices", "5000000000"),
-              "voices: 5e+09 is not a whole number of 32 bits; allowed is from 1 to 16.");
-    EXPECT_EQ(typed("rate", "45"), "rate: 45 is not allowed; allowed is one of 44, 48.");
+              "voices: 5000000000 is not a whole number of 32 bits; allowed is from 1 to 16.");
+    EXPECT_EQ(typed("rate", "45"), "rate: 45 is not allowed; allowed is one of 44, 48 kHz.");
     EXPECT_EQ(typed("pan", "1"), "pan: no such variable.");
 }
 
@@ -78,7 +78,7 @@ TEST(TypedText, WhatIsShownCanBeTyped) {
     EXPECT_EQ(typed("gain", "-6.5dB"), "-6.500000");
     EXPECT_EQ(typed("voices", "x 7"), "7");
     EXPECT_EQ(typed("gain", "-6.5 dB dB"),
-              "gain: \"-6.5 dB dB\" is not a number; allowed is from -60 to 6.");
+              "gain: \"-6.5 dB dB\" is not a number; allowed is from -60 to 6 dB.");
 }
 
 TEST(TypedText, OtherKinds) {
@@ -100,7 +100,8 @@ TEST(TypedText, OtherKinds) {
 TEST(TypedText, NoLocaleChangesIt) {
     const char* old = std::setlocale(LC_ALL, "de_DE.UTF-8");
     EXPECT_EQ(typed("gain", "-6.5"), "-6.500000");
-    EXPECT_EQ(typed("gain", "-6,5"), "gain: \"-6,5\" is not a number; allowed is from -60 to 6.");
+    EXPECT_EQ(typed("gain", "-6,5"),
+              "gain: \"-6,5\" is not a number; allowed is from -60 to 6 dB.");
     if (old != nullptr) {
         std::setlocale(LC_ALL, "C");
     }

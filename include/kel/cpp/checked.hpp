@@ -135,6 +135,9 @@ public:
     /// Stores what fits of a document, and returns what does not, as value::merge does. With
     /// missing::reset, the values depend on the document alone, as when a preset is loaded.
     [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep);
+    /// Makes everything as it was when copy gave the state, as value::restore does. Variables that
+    /// had their default have it again, also if only that: is_default returns true.
+    void restore(const value& state);
     /// Returns a plain struct of copies of all described variables, as value::values does.
     value values() const { return value(*this).values(); }
     /// Removes the variable, so that it has its default again.
@@ -169,7 +172,8 @@ public:
     /// the variable wraps, goes on at the other end. One step beyond the greatest of whole numbers
     /// is the least one. Both ends of other numbers are the same place, like 0 and 360 degrees.
     void step_by(const detail::text& name, int steps) { variable(name).step_by(steps); }
-    /// Returns the value with the texts before and after it, to be shown: "-6.5 dB".
+    /// Returns the value with the texts before and after it, to be shown: "-6.5 dB". A number at a
+    /// step has no more decimals than the steps have.
     std::string text(const detail::text& name) const { return variable(name).text(); }
     /// Returns all choices as text returns each of them while it is chosen. A truth value has the
     /// choices false and true. Empty for a variable without such a list.
@@ -178,7 +182,7 @@ public:
     std::vector<std::string> choice_texts(const detail::text& name) const {
         return variable(name).choice_texts();
     }
-    /// Returns what is allowed, in the words of the refusals: "from -60 to 6".
+    /// Returns what is allowed, in the words of the refusals: "from -60 to 6 dB".
     /// \throws not_found for a variable that is not described
     std::string allowed_text(const detail::text& name) const {
         return description(name).allowed_text();

@@ -232,6 +232,11 @@ void value::assign_value(KEL* object, const T& content, const Path& path) {
         const detail::text stored(content);
         detail::call(
             [&] { detail::cast<KEL_String, KELKind_String>(object)->setValue(stored.c_str()); });
+    } else if constexpr (!std::is_constructible_v<value, const T&>) {
+        static_assert(!std::is_void_v<detail::element_of<T>>,
+                      "kel: a value takes a bool, a number, a text, a kel::guid, kel::bytes, a "
+                      "kel::value, or a container of these. Make a struct with kel::object.");
+        assign_value(object, array(content), path);
     } else {
         const value source(content);
         const bool is_number = type == KELKind_Int || type == KELKind_Double;

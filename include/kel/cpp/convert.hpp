@@ -92,11 +92,25 @@ template <class T> using element_of = typename element_traits<T>::type;
 
 // ---- Storing -----------------------------------------------------------------------------------
 
-/// Returns a number in the shortest form that reads as the same number. No locale changes it.
+/// Returns a number with the fewest digits that read as the same number, without an exponent unless
+/// it is very large or small: 100000, 0.0001, 1e+15. No locale changes it.
 inline std::string shortest(double number) {
-    char digits[32];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number);
-    return std::string(digits, end.ptr);
+    char digits[64];
+    const double size = number < 0 ? -number : number;
+    const bool is_plain = size >= 1e-6 && size < 1e15;
+    const auto end =
+        is_plain ? std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed)
+                 : std::to_chars(digits, digits + sizeof digits, number);
+    return number == 0 ? "0" : std::string(digits, end.ptr); // also for the negative zero
+}
+
+/// Returns the number of at most so many decimals that is nearest to a number below 1e15.
+inline double rounded(double number, int decimals) {
+    char digits[64];
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, decimals);
+    std::from_chars(digits, end.ptr, number);
+    return number;
 }
 
 /// Returns the digits of a number for a message.

@@ -7,11 +7,14 @@
 namespace kel {
 inline namespace v1 {
 
+class checked;
+
 namespace detail {
 
-/// Returns the content as the described type, if that is the same.
+/// Returns a new value of the described type with this content, if it is the same. A described
+/// float keeps the double that was given, so that 0.1 is shown as 0.1.
 /// \throws std::out_of_range for a number that the type does not hold
-template <class T, class Content> T exactly(const Content& content) {
+template <class T, class Content> value described_value(const Content& content) {
     if constexpr (is_number<T>) {
         static_assert(is_number<Content>, "kel: a described number takes numbers.");
         if constexpr (std::is_integral_v<T>) {
@@ -19,17 +22,17 @@ template <class T, class Content> T exactly(const Content& content) {
             if (static_cast<std::int64_t>(static_cast<T>(number)) != number) {
                 throw std::out_of_range(digits_of(content) + " does not fit the described type.");
             }
-            return static_cast<T>(number);
+            return value(number);
         } else {
-            return static_cast<T>(double_of(content));
+            return value(double_of(content));
         }
     } else if constexpr (std::is_same_v<T, bool>) {
         static_assert(std::is_same_v<Content, bool>, "kel: a described bool takes a bool.");
-        return content;
+        return value(content);
     } else {
         static_assert(std::is_constructible_v<std::string, const Content&>,
                       "kel: a described text takes a text.");
-        return std::string(content);
+        return value(std::string(content));
     }
 }
 
@@ -45,6 +48,15 @@ public:
         if (!raw_) {
             detail::raise_wrong_kind({}, words(kel::kind::variable_descriptor), nullptr);
         }
+    }
+
+    /// Does not compile: values inside a checked struct are not described one by one.
+    template <class T,
+              std::enable_if_t<std::is_same_v<T, value> || std::is_same_v<T, checked>, int> = 0>
+    variable_description(const T&) {
+        static_assert(detail::never<T>,
+                      "kel: a checked struct describes scalars. Put checked structs side by side "
+                      "into kel::object({{\"left\", kel::checked(...)}, ...}).");
     }
 
     /// Returns the kind of the variable, or null if the description does not state it.
@@ -81,7 +93,7 @@ public:
     bool wrapped() const { return raw_->getWrapped(); }
     /// Returns whether kel.hpp refuses numbers between two steps.
     bool stepped() const { return detail::has_only_steps(*raw_); }
-    /// Returns what is allowed, in the words of the refusals: "from -60 to 6", or
+    /// Returns what is allowed, in the words of the refusals: "from -60 to 6 dB", or
     /// "one of "mono", "stereo"".
     std::string allowed_text() const { return detail::allowed_by(*raw_); }
 
@@ -96,10 +108,12 @@ protected:
 
 /// Builds the description of a variable of a C++ type:
 ///
-///     auto gain = kel::describe<double>().range(-60, 6).fallback(0).step(0.5).unit(" dB");
+///     const auto percent = kel::describe<int>().range(0, 100).unit(" %");
+///     kel::checked lamp({{"red", percent.fallback(20)}, {"blue", percent}});
 ///
-/// Copies and checked structs that were made from it keep what it said then.
-template <class T> class typed_description : public variable_description {
+/// Nothing changes a description that has a name: each operation returns a changed copy. Copies and
+/// checked structs that were made from a description keep what it said then.
+template <class T> class [[nodiscard]] typed_description : public variable_description {
     static_assert(std::is_same_v<T, bool> || detail::is_number<T> || std::is_same_v<T, std::string>,
                   "kel: describe<bool>, describe of a number type, or describe<std::string>.");
 
@@ -111,25 +125,28 @@ public:
 
     /// Makes a description that states only the kind.
     typed_description() : variable_description(adopt_made(CreateMetaKelVarDescriptor())) {
-        detail::call([this] { own().setType(stored(T()).raw()->getType()); });
+        detail::call([this] { own().setType(value(T()).raw()->getType()); });
     }
     /// Allows the numbers from least to greatest, both included.
     /// \throws error if least is greater than greatest, or one is not a number
     /// \throws std::out_of_range for a number that the type does not hold
     template <class Least, class Greatest>
-    typed_description& range(const Least& least, const Greatest& greatest) & {
+    typed_description range(const Least& least, const Greatest& greatest) && {
         static_assert(detail::is_number<T>, "kel: only numbers have a range.");
-        const T from = detail::exactly<T>(least);
-        const T to = detail::exactly<T>(greatest);
-        if (!(from <= to)) {
+        const value from = detail::described_value<T>(least);
+        const value to = detail::described_value<T>(greatest);
+        if (!(from.raw()->toDouble() <= to.raw()->toDouble())) {
             throw error("A range begins with its least number.");
         }
-        put("min", stored(from));
-        put("max", stored(to));
-        return *this;
+        put("min", from);
+        put("max", to);
+        return std::move(*this);
     }
     /// Allows these values only: those in braces, or those of a container.
-    typed_description& one_of(std::initializer_list<T> allowed) & { return allow(allowed); }
+    typed_description one_of(std::initializer_list<T> allowed) && { return allow(allowed); }
+    template <class Container> typed_description one_of(const Container& allowed) && {
+        return allow(allowed);
+    }
     /// Does not compile: values without braces are a mistake.
     template <class First, class Second, class... More>
     typed_description one_of(const First&, const Second&, const More&...) const {
@@ -137,18 +154,15 @@ public:
                       "kel: one_of takes values in braces: one_of({1, 2}).");
         return *this;
     }
-    template <class Container> typed_description& one_of(const Container& allowed) & {
-        return allow(allowed);
-    }
     /// Sets the value of the variable while it has none. Whether it is allowed is checked when the
     /// description is used.
-    template <class Content> typed_description& fallback(const Content& content) & {
-        put("default", stored(detail::exactly<T>(content)));
-        return *this;
+    template <class Content> typed_description fallback(const Content& content) && {
+        put("default", detail::described_value<T>(content));
+        return std::move(*this);
     }
     /// Sets the distance between neighbours. It is used by set_normalised and step_by of
     /// kel::checked; other values within the range remain allowed, unless there are only_steps.
-    typed_description& step(double distance) & {
+    typed_description step(double distance) && {
         static_assert(detail::is_number<T>, "kel: only numbers have a step.");
         if (!(distance > 0)) {
             throw error("A step is greater than 0.");
@@ -157,55 +171,55 @@ public:
             throw error("A step between whole numbers is a whole number.");
         }
         detail::call([&] { own().setStepsize(distance); });
-        return *this;
+        return std::move(*this);
     }
     /// Sets the text after the value, such as " dB", or before it.
-    typed_description& unit(const detail::text& after) & {
+    typed_description unit(const detail::text& after) && {
         put("postadorn", value(after.c_str()));
-        return *this;
+        return std::move(*this);
     }
-    typed_description& prefix(const detail::text& before) & {
+    typed_description prefix(const detail::text& before) && {
         put("preadorn", value(before.c_str()));
-        return *this;
+        return std::move(*this);
     }
     /// Says that stepping beyond one end goes on at the other.
-    typed_description& wraps(bool does = true) & {
+    typed_description wraps(bool does = true) && {
         detail::call([&] { own().setWrapped(does); });
-        return *this;
+        return std::move(*this);
     }
     /// Refuses numbers between two steps, which are counted from the least number, or from 0
     /// without a range. The step is 1 if it is not stated. Only kel.hpp checks this. The library
     /// and the tool look at the range alone.
-    typed_description& only_steps() & {
+    typed_description only_steps() && {
         static_assert(detail::is_number<T>, "kel: only numbers have a step.");
         detail::call([&] {
             own().setStepsize(raw_->getStepsize());
             own().setInterpolated(false);
         });
-        return *this;
+        return std::move(*this);
     }
 
-    /// Do the same for a temporary one, which they return by value. They fail in the same way.
+    /// Return a changed copy, and leave this description as it is. They fail in the same way.
     template <class Least, class Greatest>
-    typed_description range(const Least& least, const Greatest& greatest) && {
-        return std::move(range(least, greatest));
+    typed_description range(const Least& least, const Greatest& greatest) const& {
+        return copied().range(least, greatest);
     }
-    template <class Content> typed_description fallback(const Content& content) && {
-        return std::move(fallback(content));
+    typed_description one_of(std::initializer_list<T> a) const& { return copied().one_of(a); }
+    template <class Container> typed_description one_of(const Container& a) const& {
+        return copied().one_of(a);
     }
-    typed_description one_of(std::initializer_list<T> a) && { return std::move(allow(a)); }
-    template <class Container> typed_description one_of(const Container& a) && {
-        return std::move(allow(a));
+    template <class Content> typed_description fallback(const Content& a) const& {
+        return copied().fallback(a);
     }
-    typed_description step(double a) && { return std::move(step(a)); }
-    typed_description unit(const detail::text& a) && { return std::move(unit(a)); }
-    typed_description prefix(const detail::text& a) && { return std::move(prefix(a)); }
-    typed_description wraps(bool a = true) && { return std::move(wraps(a)); }
-    typed_description only_steps() && { return std::move(only_steps()); }
+    typed_description step(double a) const& { return copied().step(a); }
+    typed_description unit(const detail::text& a) const& { return copied().unit(a); }
+    typed_description prefix(const detail::text& a) const& { return copied().prefix(a); }
+    typed_description wraps(bool a = true) const& { return copied().wraps(a); }
+    typed_description only_steps() const& { return copied().only_steps(); }
 
 private:
-    static value stored(const T& content) { return value(content); }
-
+    /// Returns a description that shares the descriptor until it is changed.
+    typed_description copied() const { return *this; }
     /// Returns the descriptor for a change. If others share it, this description gets a copy first.
     MetaKelVarDescriptor& own() {
         raw_->addRef();
@@ -218,16 +232,16 @@ private:
     void put(const char* property, const value& content) {
         detail::call([&] { own().addVar(property, content.raw()); });
     }
-    template <class Container> typed_description& allow(const Container& allowed) {
+    template <class Container> typed_description allow(const Container& allowed) {
         using Element = detail::element_of<Container>;
         static_assert(!std::is_void_v<Element>,
                       "kel: one_of takes values in braces or a container.");
         value list = array();
         for (auto&& each : allowed) {
-            list.push_back(stored(detail::exactly<T>(static_cast<const Element&>(each))));
+            list.push_back(detail::described_value<T>(static_cast<const Element&>(each)));
         }
         put("enum", list);
-        return *this;
+        return std::move(*this);
     }
 };
 

@@ -127,6 +127,7 @@ private:
 };
 
 /// Returns the variable at a location.
+/// \throws not_found for a missing variable or element of anything else than a checked struct
 /// \throws type_error if it is not a variable of a checked struct
 inline described_variable described_at(const location& at) {
     if (lacks_container(at)) {
@@ -134,6 +135,7 @@ inline described_variable described_at(const location& at) {
     }
     MetaKel* target = at.name == nullptr ? nullptr : checked_of(at.container);
     if (target == nullptr) {
+        look_or_throw(at); // a missing variable is one, whatever its struct is
         throw type_error(lead(path_of(at)) + "not a variable of a checked struct.");
     }
     return {*target, at.name, path_of(at)};
@@ -143,6 +145,10 @@ inline described_variable described_at(const location& at) {
 
 // ---- Places ------------------------------------------------------------------------------------
 
+inline bool const_place::is_described() && {
+    const MetaKel* target = at_.name == nullptr ? nullptr : detail::checked_of(at_.container);
+    return target != nullptr && detail::is_described(*target, at_.name);
+}
 inline bool const_place::has_scale() && {
     return detail::described_at(at_).has_scale();
 }

@@ -78,11 +78,11 @@ public:
 /// is malformed. All other failures are about values that cannot be written in a format.
 ///
 ///     try {
-///         settings = kel::load("app.kel");
+///         settings = kel::load_struct_or("app.kel", kel::object());
 ///     } catch (const kel::malformed& failure) {
 ///         repair(failure.line());
 ///     } catch (const kel::io_error& failure) {
-///         if (failure.reason() != std::errc::no_such_file_or_directory) { throw; }
+///         puts(failure.what()); // the file can be sound
 ///     }
 class io_error : public error {
 public:

@@ -2,7 +2,7 @@
 /// Values as text and binary in memory.
 #pragma once
 
-#include <kel/cpp/range.hpp>
+#include <kel/cpp/complaints.hpp>
 #include <kel/cpp/system.hpp>
 
 namespace kel {
@@ -30,15 +30,18 @@ std::int32_t length_of_text(std::uint64_t size, const std::string& name) {
     return static_cast<std::int32_t>(size);
 }
 
-/// Returns words for the kinds without a binary form: "a guid, a manager, ...".
-inline std::string kinds_without_binary_form() {
-    std::string list;
-    for (const KELKindFacts& facts : KELKinds) {
-        if (!facts.hasBinaryForm) {
-            list += (list.empty() ? "" : ", ") + std::string(facts.words);
-        }
-    }
-    return list;
+/// Returns why a value cannot be written in a format, with the path of the first one inside.
+inline std::string unwritten(const value& root, format how) {
+    const bool is_text = how == format::text;
+    const auto has_no_form = [is_text](KEL& each) -> const char* {
+        const KELKindFacts* facts = findKELKind(each.getType());
+        return facts == nullptr || (is_text ? facts->hasTextForm : facts->hasBinaryForm)
+                   ? nullptr
+                   : facts->words;
+    };
+    const std::vector<std::string> found = complaints_about(root, 1, has_no_form);
+    return (found.empty() ? "a value" : found.front()) +
+           (is_text ? " has no text form" : " has no binary form");
 }
 
 /// Returns the text of a value as the library writes it.
@@ -80,9 +83,7 @@ inline std::string image(const value& root, format how, const std::string& name)
     } catch (const io_error& failure) {
         std::string message = failure.what();
         if (message == "General KEL exception.") { // the library's word for such kinds
-            message = how == format::text
-                          ? "a selector has no text form"
-                          : "one of these has no binary form: " + kinds_without_binary_form();
+            message = unwritten(root, how);
         }
         throw io_error(name, 0, message);
     }

@@ -1,7 +1,7 @@
 /// \file
-/// Files: load, load_or, save, append, and a reader of several roots.
+/// Files: load, load_or, load_struct, save, append, and a reader of several roots.
 ///
-///     kel::value settings = kel::load_or("app.kel", kel::object());
+///     kel::value settings = kel::load_struct_or("app.kel", kel::object());
 ///     settings["runs"] = settings.get_or("runs", 0) + 1;
 ///     kel::save_atomically(settings, "app.kel");
 ///     for (const kel::value& entry : kel::reader("log.kelb")) { ... }
@@ -12,6 +12,8 @@
 
 #include <kel/cpp/roots.hpp>
 #include <kel/cpp/text_losses.hpp>
+
+#include <optional>
 
 namespace kel {
 inline namespace v1 {
@@ -45,6 +47,18 @@ inline std::string content_of(const std::filesystem::path& file) {
     std::error_code no_size; // such as for a pipe
     const std::uintmax_t size = std::filesystem::file_size(file, no_size);
     return read_all(opened.get(), name, no_size ? 0 : size + mark_size);
+}
+
+/// Returns the content of a file, or nothing if the file does not exist.
+inline std::optional<std::string> content_if_exists(const std::filesystem::path& file) {
+    try {
+        return content_of(file);
+    } catch (const io_error& failure) {
+        if (failure.reason() != std::errc::no_such_file_or_directory) {
+            throw;
+        }
+        return std::nullopt;
+    }
 }
 
 /// Opens a file to write to.
@@ -147,16 +161,36 @@ inline value load(const file_name& file, format how = format::automatic) {
 /// Returns the only value of a file, or the fallback if the file does not exist. A file that exists
 /// and cannot be read is a failure, as for load.
 inline value load_or(const file_name& file, value fallback, format how = format::automatic) {
-    std::string content;
-    try {
-        content = detail::content_of(file);
-    } catch (const io_error& failure) {
-        if (failure.reason() != std::errc::no_such_file_or_directory) {
-            throw;
-        }
-        return fallback;
+    std::optional<std::string> content = detail::content_if_exists(file);
+    return content ? detail::only_root(detail::name_of(file), *std::move(content), how) : fallback;
+}
+
+namespace detail {
+
+/// Returns the only value of a content, which is a struct.
+/// \throws malformed as only_root, and for any other value
+inline value only_struct(const std::string& name, std::string content, format how) {
+    value root = only_root(name, std::move(content), how);
+    if (struct_of(root.raw()) == nullptr) {
+        throw malformed(name, 0, std::string("wanted a struct, found ") + words(root.kind()) + '.');
     }
-    return detail::only_root(detail::name_of(file), std::move(content), how);
+    return root;
+}
+
+} // namespace detail
+
+/// Returns the only value of a file, which is a struct, checked or not.
+/// \throws malformed also for a file that holds any other value, such as null
+/// \throws io_error as load
+inline value load_struct(const file_name& file, format how = format::automatic) {
+    return detail::only_struct(detail::name_of(file), detail::content_of(file), how);
+}
+
+/// Returns the same, or the fallback if the file does not exist. The fallback is not examined.
+inline value load_struct_or(const file_name& file, value fallback, format how = format::automatic) {
+    std::optional<std::string> content = detail::content_if_exists(file);
+    return content ? detail::only_struct(detail::name_of(file), *std::move(content), how)
+                   : fallback;
 }
 
 /// Writes a value to a file and replaces its content. The file is untouched if the value cannot be

@@ -7,20 +7,6 @@
 
 namespace kel {
 inline namespace v1 {
-namespace detail {
-
-/// Merges a document that was loaded. \param file its name, for the failure
-template <class Target>
-std::vector<mismatch> merge_loaded(Target&& target, const value& document, const file_name& file,
-                                   missing rest) {
-    if (struct_of(document.raw()) == nullptr) {
-        throw malformed(name_of(file), 0, why_not_kind(KELKind_Struct, {}, document.raw()));
-    }
-    return std::forward<Target>(target).merge(document, rest);
-}
-
-} // namespace detail
-
 /// Takes over what fits of a file, as merge does, and returns what does not.
 ///
 ///     for (const kel::mismatch& each : kel::load_into(panel, "preset.kelb", kel::missing::reset))
@@ -28,13 +14,13 @@ std::vector<mismatch> merge_loaded(Target&& target, const value& document, const
 ///         std::cerr << each.message << '\n';
 ///     }
 /// \param target a value, a place or a kel::checked that is a struct
-/// \throws malformed also for a file that holds another value than a struct
-/// \throws io_error as load, type_error unless the target is a struct
+/// \throws malformed, io_error as load_struct
+/// \throws type_error unless the target is a struct
 template <class Target>
 [[nodiscard]] std::vector<mismatch> load_into(Target&& target, const file_name& file,
                                               missing rest = missing::keep,
                                               format how = format::automatic) {
-    return detail::merge_loaded(std::forward<Target>(target), load(file, how), file, rest);
+    return std::forward<Target>(target).merge(load_struct(file, how), rest);
 }
 
 /// Does the same, but a file that does not exist is a struct without variables: with missing::keep
@@ -43,8 +29,7 @@ template <class Target>
 [[nodiscard]] std::vector<mismatch> load_into_if_exists(Target&& target, const file_name& file,
                                                         missing rest = missing::keep,
                                                         format how = format::automatic) {
-    return detail::merge_loaded(std::forward<Target>(target), load_or(file, object(), how), file,
-                                rest);
+    return std::forward<Target>(target).merge(load_struct_or(file, object(), how), rest);
 }
 
 } // namespace v1

@@ -57,7 +57,7 @@ private:
 
     void merge_part(const part& at) {
         std::set<std::string> taken;
-        for (const auto& [name, content] : contents_of(at.source)) {
+        for (const auto& [name, content] : contents_of(at.source, at.target)) {
             std::string path = at.path;
             add_name(path, name);
             bool is_taken = false;
@@ -78,10 +78,11 @@ private:
     }
 
     /// Returns the variables of a struct. A checked one has its defaults too, but not its
-    /// description.
-    static std::map<std::string, value> contents_of(const value& source) {
+    /// description. Defaults that the target is to have again anyway are left out.
+    std::map<std::string, value> contents_of(const value& source, const value& target) const {
         std::map<std::string, value> found;
         const MetaKel* checked = checked_of(source.raw());
+        const MetaKel* to_reset = rest_ == missing::reset ? checked_of(target.raw()) : nullptr;
         for (const item& each : source.items()) {
             if (checked == nullptr || each.name.front() != '@') {
                 found[each.name] = each.value;
@@ -90,7 +91,13 @@ private:
         if (checked != nullptr) {
             for (const std::string& name : described_names(*checked)) {
                 const value fallback(share(default_of(*checked, name.c_str())));
-                if (fallback && !found[name]) {
+                if (!fallback || found[name]) {
+                    continue;
+                }
+                KEL* other = to_reset == nullptr ? nullptr : default_of(*to_reset, name.c_str());
+                if (other != nullptr && value(share(other)) == fallback) {
+                    found.erase(name);
+                } else {
                     found[name] = fallback;
                 }
             }
@@ -111,21 +118,10 @@ private:
         }
         for (const std::string& name : described_names(*checked)) {
             if (taken.count(name) == 0 && checked->containsVar(name.c_str())) {
-                reset_variable(*checked, name.c_str());
+                return_to_default(*checked, name.c_str());
             }
         }
     }
-    /// Changes the variable in place, for those who watch it.
-    static void reset_variable(MetaKel& target, const char* name) {
-        KEL* fallback = default_of(target, name);
-        const value now = value(share(&target)).find(name);
-        if (fallback == nullptr || !now) {
-            call([&] { target.removeVar(name); });
-        } else if (now != value(share(fallback))) {
-            call([&] { store_allowed(target, name, *description_of(target, name), fallback); });
-        }
-    }
-
     /// Takes over a variable of a struct without descriptions.
     /// \return whether something was taken over, or will be
     bool merge_variable(const value& target, const char* name, const value& content,

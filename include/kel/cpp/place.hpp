@@ -114,7 +114,11 @@ public:
     value copy() && { return value(std::move(*this)).copy(); }
     value values() && { return value(std::move(*this)).values(); }
 
+    /// Returns whether this is a variable that a checked struct describes, and has the operations
+    /// below. Never throws.
+    bool is_described() &&;
     /// Return the same as the operations of kel::checked for its variable here.
+    /// \throws not_found, with the path, if nothing is here
     /// \throws type_error, with the path, unless this is a variable of a checked struct
     bool has_scale() &&;
     double normalised() &&;
@@ -256,6 +260,7 @@ public:
         std::move(*this)[name.c_str()] = number;
     }
     [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep) &&;
+    void restore(const value& state) &&;
     bool erase(const detail::text& name) && { return to_change().erase(name); }
     void clear() && { to_change().clear(); }
     detail::reached<place> at_path(std::string_view path) &&;

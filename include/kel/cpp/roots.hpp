@@ -114,6 +114,9 @@ private:
 
     /// Reads again without the mark, which may have changed the failure, and throws that.
     [[noreturn]] void fail() {
+        if (content_.compare(0, magic.size(), magic) == 0) {
+            throw malformed(name_, 0, "wanted text, found a binary document");
+        }
         stream_ = open(size_);
         try {
             for (;;) {
@@ -191,6 +194,9 @@ private:
         if (at_ == content_.size()) {
             return false;
         }
+        if (at_ == 0 && looks_like_text()) {
+            throw malformed(name_, 0, "wanted a binary document, found text");
+        }
         const std::size_t size = record_size();
         if (begins_with_magic() && size == too_large) {
             fail(content_.size(), "unexpected end of input");
@@ -221,6 +227,13 @@ private:
             }
         }
         return true;
+    }
+
+    /// Returns whether the content begins with other characters than a binary document.
+    bool looks_like_text() const {
+        constexpr std::size_t enough = 64; // a header of a record contains a NUL
+        return !begins_with_magic() &&
+               std::string_view(content_).substr(0, enough).find('\0') == std::string_view::npos;
     }
 
     std::uint64_t number_at(std::size_t offset, std::size_t size) const {

@@ -4,6 +4,8 @@
 
 #include <kel/cpp/reached.hpp>
 
+#include <climits>
+
 namespace kel {
 inline namespace v1 {
 namespace detail {
@@ -67,11 +69,6 @@ inline std::string text_of(const char* characters) {
     return characters == nullptr ? "" : characters;
 }
 
-/// Returns a value with the texts before and after it.
-inline std::string adorned_text(const MetaKelVarDescriptor& rules, KEL* object) {
-    return text_of(rules.getPreadorn()) + plain_text(object) + text_of(rules.getPostadorn());
-}
-
 /// Returns the description of a variable, borrowed, or null.
 inline MetaKelVarDescriptor* description_of(const MetaKel& target, const char* name) {
     MetaKelDescriptor* all = target.getDescriptor();
@@ -121,6 +118,40 @@ inline bool is_at_step(const MetaKelVarDescriptor& rules, double number) {
     return std::abs(steps - std::round(steps)) < tolerance;
 }
 
+/// Returns the number of digits after the point, or more than any step needs for a tiny number.
+inline int decimals_of(double number) {
+    const std::string text = shortest(number);
+    const std::size_t point = text.find('.');
+    return text.find('e') != std::string::npos ? INT_MAX
+           : point == std::string::npos        ? 0
+                                               : static_cast<int>(text.size() - point - 1);
+}
+
+/// Returns a number as a person reads it. One at a step has no more decimals than the steps have:
+/// 0.05 and not 0.05000000000000001.
+inline std::string number_text(const MetaKelVarDescriptor& rules, double number) {
+    constexpr int most = 9; // more are those of a fraction such as 1/3
+    constexpr double beyond = 1e15;
+    double first = 0;
+    KEL* least = rules.isRanged() ? call([&] { return rules.getMin(); }) : nullptr;
+    const bool has_steps =
+        rules.hasStepsize() && rules.getStepsize() > 0 &&
+        (!rules.isRanged() || (least != nullptr && read(*least, first) == reading::done));
+    if (!has_steps || !(std::abs(number) < beyond) || !is_at_step(rules, number)) {
+        return shortest(number);
+    }
+    const int decimals = (std::max)(decimals_of(rules.getStepsize()), decimals_of(first));
+    return shortest(decimals > most ? number : rounded(number, decimals));
+}
+
+/// Returns a value with the texts before and after it.
+inline std::string adorned_text(const MetaKelVarDescriptor& rules, KEL* object) {
+    return text_of(rules.getPreadorn()) +
+           (type_of(object) == KELKind_Double ? number_text(rules, object->toDouble())
+                                              : plain_text(object)) +
+           text_of(rules.getPostadorn());
+}
+
 /// Returns words for the values of a list of choices.
 inline std::string one_of_words(const value& choices) {
     std::string list;
@@ -142,16 +173,21 @@ inline std::string any_words(std::int32_t type) {
                                      : words(static_cast<kind>(type));
 }
 
-/// Says what a description allows: "from -60 to 6", or "one of "mono", "stereo"".
+/// Says what a description allows, with the unit of numbers: "from -60 to 6 dB", or
+/// "one of "mono", "stereo"".
 inline std::string allowed_by(const MetaKelVarDescriptor& rules) {
+    const std::int32_t type = rules.getVariableType();
+    const bool is_numeric = type == KELKind_Int || type == KELKind_Double;
+    const std::string after = is_numeric ? text_of(rules.getPostadorn()) : "";
     if (!rules.isRanged() && rules.isEnumerated()) {
-        return one_of_words(find_choices(rules));
+        return one_of_words(find_choices(rules)) + after;
     }
-    const std::string numbers = rules.isRanged()
-                                    ? "from " + shown(call([&] { return rules.getMin(); })) +
-                                          " to " + shown(call([&] { return rules.getMax(); }))
-                                    : any_words(rules.getVariableType());
-    return numbers + (has_only_steps(rules) ? " in steps of " + shortest(rules.getStepsize()) : "");
+    const std::string numbers =
+        rules.isRanged() ? "from " + shown(call([&] { return rules.getMin(); })) + " to " +
+                               shown(call([&] { return rules.getMax(); })) + after
+                         : any_words(type);
+    return numbers +
+           (has_only_steps(rules) ? " in steps of " + shortest(rules.getStepsize()) + after : "");
 }
 
 /// Adds what the description allows to a reason, unless it allows every value of its kind.
@@ -250,6 +286,20 @@ inline void store_allowed(MetaKel& target, const char* name, const MetaKelVarDes
 inline void clear_variable(MetaKel& target, const char* name) {
     if (target.containsVar(name)) {
         target.clearVar(name);
+    }
+}
+
+/// Removes a described variable, so that its default is in effect. The variable gets the default
+/// in place before that, for those who watch it.
+inline void return_to_default(MetaKel& target, const char* name) {
+    KEL* fallback = default_of(target, name);
+    KELVarCursor at;
+    const bool is_stored = walk_of(&target)->findVar(at, name) && at.value != nullptr;
+    if (is_stored && fallback != nullptr && value(share(at.value)) != value(share(fallback))) {
+        call([&] { store_allowed(target, name, *description_of(target, name), fallback); });
+    }
+    if (target.containsVar(name)) { // which observers can have removed
+        call([&] { target.removeVar(name); });
     }
 }
 

@@ -16,12 +16,7 @@ inline double without_noise(double number, double greatest) {
         return number;
     }
     const int decimals = 14 - static_cast<int>(std::ceil(std::log10((std::max)(greatest, 1e-3))));
-    char digits[64];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed,
-                                   (std::max)(decimals, 0));
-    double rounded = number;
-    std::from_chars(digits, end.ptr, rounded);
-    return rounded;
+    return rounded(number, (std::max)(decimals, 0));
 }
 
 /// Returns the list of the values that a variable can have, false and true for a truth value.

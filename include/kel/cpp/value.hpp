@@ -128,7 +128,7 @@ public:
 
     /// Changes the value in place: it remains the same object, and its observers are notified.
     /// Numbers convert if nothing is lost. A container takes a deep copy of a container of its
-    /// kind.
+    /// kind, and an array also the elements of a container of C++.
     /// \throws type_error for another kind
     /// \throws std::out_of_range for a number that the value cannot hold
     template <class T> void assign(const T& content) {
@@ -150,6 +150,11 @@ public:
     /// arrays and index lists: there the library's own copy makes Ints of variables without a
     /// value.
     value copy() const;
+    /// Makes everything as it was when copy gave the state, for undo. What is still there is
+    /// changed in place, so subscriptions and handles remain valid. Variables that a checked struct
+    /// lacked have their defaults again. If it throws, what came before remains restored. \throws
+    /// type_error for a state of another kind
+    void restore(const value& state);
     /// Returns the identity. A handle without a value has none: all zero.
     guid identity() const {
         guid out;
