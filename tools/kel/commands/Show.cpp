@@ -39,7 +39,11 @@ public:
             try {
                 showFile(name, console);
             } catch (...) {
-                worst = std::max(worst, exitStatus(reportFailure(console)));
+                const Trouble trouble = reportFailure(console);
+                worst = std::max(worst, exitStatus(trouble));
+                if (trouble == Trouble::unwritten) {
+                    break; // the other files would not be seen either
+                }
             }
         }
         return worst;

@@ -127,8 +127,9 @@ void OutputFile::commit() {
 }
 
 void OutputFile::closeStdout() {
+    const bool isReported = std::ferror(stdout) != 0;
     errno = 0;
-    if (std::fclose(stdout) != 0) {
+    if (std::fclose(stdout) != 0 && !isReported) {
         failToWrite("-", systemReason());
     }
 }

@@ -34,7 +34,8 @@ bool limitMemory(uint64_t bytes);
 /// Returns whether the file is a terminal that understands control sequences.
 bool isTerminal(std::FILE* file);
 
-/// Returns whether stdout is a pipe that its reader has closed.
+/// Returns whether stdout is a pipe that its reader has closed. Call it only after a failure to
+/// write to stdout.
 bool isUnread();
 
 /// Returns the name as a path of the C++ library.

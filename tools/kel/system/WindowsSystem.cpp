@@ -190,10 +190,8 @@ bool isTerminal(std::FILE* file) {
 }
 
 bool isUnread() {
-    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
-    DWORD written = 0;
-    return GetFileType(output) == FILE_TYPE_PIPE &&
-           WriteFile(output, "", 0, &written, nullptr) == 0;
+    // After a failure to write to a pipe: a pipe has no other one.
+    return GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_PIPE;
 }
 
 // The pager that comes with Windows shows neither UTF-8 nor colours.
