@@ -17,7 +17,7 @@ LIST = '< [ "k" "l" ] [ 1 2 ] >'
 FIRST = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
 SECOND = "4F2504E0-4F89-11D3-9A0C-0305E82C3301"
 MANAGER = f"( {FIRST} = 1 {SECOND} = [ 2 ] )"
-NOT_WRITTEN = "nothing was written; use --force to convert the rest\n"
+NOT_WRITTEN = "nothing was written; use --force to write the rest\n"
 
 
 class Edit(ToolTest):
@@ -319,7 +319,7 @@ class Losses(Edit):
         os.remove(self.path("a.kel"))
         self.refused("a.json: 1 place cannot be written as json:\n"
                      "  a: a manager\nnothing was written; text keeps every kind; use --force to "
-                     "convert the rest", '{"a": 1}', "set", "a", "( )", name="a.json")
+                     "write the rest", '{"a": 1}', "set", "a", "( )", name="a.json")
 
 
 class Sharing(Edit):
@@ -390,6 +390,20 @@ class Sharing(Edit):
         self.assertEqual(self.ok("get", "a.json", path + "[1]").out, b"2\n")
         self.ok("rm", "-i", "a.json", path + "[0]", small_stack=True)
         self.assertEqual(self.ok("get", "a.json", path + "[0]").out, b"2\n")
+
+    def test_what_values_do_not_keep_is_not_lost_silently(self):
+        for name, content, place in (("a.json", '{"a": 1, "a": 3}', "a.json:1: a: a repeated name"),
+                                     ("a.kel", "{ a = 1 a = 3 }", "a.kel:1: a: a repeated name"),
+                                     ("a.kel", "{ a = 4294967297 }", "a.kel:1: a: 4294967297 ")):
+            self.write(name, content)
+            for options in ([], ["-i"]):
+                result = self.kel("set", *options, name, "b", "1")
+                self.assertEqual((result.status, result.out), (1, b""))
+                self.assertTrue(result.err.startswith(f"kel: {place}"), result.err)
+            self.assertEqual(self.read(name).decode(), content)
+            result = self.kel("set", "--force", name, "b", "1")
+            self.assertEqual(result.status, 0)
+            self.assertTrue(result.err.startswith(f"kel: warning: {place}"), result.err)
 
 
 if __name__ == "__main__":

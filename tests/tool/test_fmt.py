@@ -71,10 +71,12 @@ class Fmt(ToolTest):
             self.ok("fmt", "--check", "b.kel")
 
     def test_numbers_that_text_would_change_are_refused(self):
-        self.write("b.kel", "[ 0.1234567 ]")
-        self.fails(1, "kel: b.kel: 1 place cannot be converted from text to text:\n"
-                      "  [0]: a double that six decimals cannot hold\n"
-                      "nothing was written; use --force to convert the rest\n", "fmt", "b.kel")
+        self.write("b.kel", "[ 0.1234567\n4294967297\n{ a = 1 a = 2 } ]")
+        self.fails(1, "kel: b.kel:1: [0]: 0.1234567 has more than the six decimals that are written\n"
+                      "  b.kel:2: [1]: 4294967297 does not fit in 32 bits and is read as 1\n"
+                      "  b.kel:3: [2].a: a repeated name; only its last value is kept (first at "
+                      "line 3)\n"
+                      "nothing was written; use --force to write the rest\n", "fmt", "b.kel")
 
     def test_json_that_values_do_not_hold_is_refused(self):
         self.write("b.json", '[null, {"a": 1, "a": [2]}, 12345678901234567890]')

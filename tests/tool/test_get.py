@@ -98,7 +98,7 @@ class Get(ToolTest):
             self.fails(1, f"kel: a.kel: {message}\n", "get", "a.kel", path)
 
     def test_a_text_that_is_not_a_path_is_a_usage_error(self):
-        self.fails(2, 'kel: "a..b" is not a path: a name is expected at character 3\n', "get",
+        self.fails(2, 'kel: "a..b" is not a path: at character 3: a name is expected\n', "get",
                    "a.kel", "a..b")
 
     def test_default_replaces_a_missing_value(self):

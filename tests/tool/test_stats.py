@@ -65,7 +65,7 @@ b.json: json, 44 bytes
 root values     1
 values          6, and 1 null
 depth           2
-shared          0 values, at 0 further places, 0 of them inside themselves
+shared          nothing
 longest string  2 bytes, at list[3]
 
                 values    text  binary    json

@@ -7,6 +7,7 @@
 #include "document/TextExtras.h"
 #include "failures/Failure.h"
 #include "failures/FailureReport.h"
+#include "findings/Unkept.h"
 #include "losses/DocumentScan.h"
 
 #include <algorithm>
@@ -80,7 +81,8 @@ private:
     }
 
     int formatText(Content&& content, const std::string& name, Console& console) const {
-        const std::string text = content.bytes;
+        const Content read = content;
+        const std::string& text = read.bytes;
         Losses losses;
         Input input = readInput(std::move(content), name, Format::text, losses);
         const std::optional<TextExtra> extra = firstTextExtra(text);
@@ -99,6 +101,7 @@ private:
                                                 " would be lost; nothing was written; use "
                                                 "--force to format the rest"};
         }
+        refuseUnkept(read, input.document, name, isForced_, console);
         save(input, name, text.size(), losses, {Format::text, output(name), isForced_, maxOutput_},
              console);
         return 0;

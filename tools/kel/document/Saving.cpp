@@ -117,7 +117,8 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
             const bool advisesText = found.hasTextOnly && target != Format::text;
             throw Failure{Trouble::refused, list + "\nnothing was written; " +
                                                 (advisesText ? "text keeps every kind; " : "") +
-                                                "use --force to convert the rest"};
+                                                (isConverted ? "use --force to convert the rest"
+                                                             : "use --force to write the rest")};
         }
         console.warn(list);
         makeRepresentable(input.document, target, found.namesakes);

@@ -3,6 +3,7 @@
 #include "command/CommandLine.h"
 #include "document/Saving.h"
 #include "document/TextExtras.h"
+#include "findings/Unkept.h"
 #include "system/OutputFile.h"
 #include "system/System.h"
 
@@ -32,11 +33,13 @@ int EditCommand::run(Console& console) {
                                       "send it to a file"};
     }
     const std::optional<TextExtra> extra = extraIn(content);
+    const Content read = content;
     Losses losses;
     Input input = readInput(std::move(content), input_, std::nullopt, losses);
     if (extra) {
         report(*extra, console);
     }
+    refuseUnkept(read, input.document, input_, isForced_, console);
     Editor editor(input.document, input.format == Format::binary);
     change(editor, target, console);
     save(input, input_, size, losses, {target, output, isForced_, maxOutput_, true}, console);

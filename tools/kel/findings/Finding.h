@@ -28,6 +28,7 @@ struct Finding {
     /// The struct of a variable without a value that the finding is about, otherwise null.
     const KEL* owner = nullptr;
     std::string name = {};                        ///< of that variable
+    bool isOfValues = true;                       ///< whether values are not what the file spells
     std::optional<size_t> offset = std::nullopt;  ///< in bytes from the beginning of the file
     std::optional<size_t> earlier = std::nullopt; ///< the offset of what the finding repeats
     uint64_t line = 0;                            ///< from 1; 0 if it is unknown

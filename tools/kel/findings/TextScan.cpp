@@ -332,6 +332,7 @@ void scanText(std::string_view content, const Document& document, ValueOffsets& 
                  {},
                  "the definition of \"" + withoutControls(definition.name) + "\" is never used"});
             found.back().offset = definition.at;
+            found.back().isOfValues = false;
         }
     }
 }

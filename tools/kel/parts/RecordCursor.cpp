@@ -14,7 +14,7 @@ namespace {
 template <class Number> Number numberAt(const char* bytes) {
     Number value = 0;
     for (size_t i = 0; i < sizeof value; ++i) {
-        value |= Number{static_cast<unsigned char>(bytes[i])} << 8 * i;
+        value = static_cast<Number>(value | Number{static_cast<unsigned char>(bytes[i])} << 8 * i);
     }
     return value;
 }

@@ -36,8 +36,9 @@ private:
     }
 
     [[noreturn]] void fail(const std::string& reason) const {
-        throw Failure{Trouble::usage, '"' + withoutControls(text_) + "\" is not a path: " + reason +
-                                          " at character " + std::to_string(at_ + 1)};
+        throw Failure{Trouble::usage, '"' + withoutControls(text_) +
+                                          "\" is not a path: at character " +
+                                          std::to_string(at_ + 1) + ": " + reason};
     }
 
     /// Takes the characters that belong to a bare word.
@@ -65,6 +66,7 @@ private:
         const std::optional<uint64_t> number = this->number();
         if (number && skip(":")) {
             if (*number == 0 || *number > SIZE_MAX) {
+                at_ = 0;
                 fail("root values are numbered from 1");
             }
             return static_cast<size_t>(*number - 1);

@@ -10,6 +10,10 @@ namespace kel::tool {
 
 namespace {
 
+std::string counted(uint64_t count, const char* noun) {
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
 constexpr std::array formats = {Format::text, Format::binary, Format::json};
 
 /// Returns the text on the right of a column.
@@ -86,9 +90,13 @@ std::string summaryOf(const Stats& stats) {
     line("values", std::to_string(stats.kinds.valueCount()) + ", and " +
                        std::to_string(stats.kinds.nulls.values) + " null");
     line("depth", std::to_string(stats.depth));
-    line("shared", std::to_string(stats.shared) + " values, at " +
-                       std::to_string(stats.references) + " further places, " +
-                       std::to_string(stats.cycles) + " of them inside themselves");
+    if (stats.shared == 0) {
+        line("shared", "nothing");
+    } else {
+        line("shared", counted(stats.shared, "value") + ", at " +
+                           counted(stats.references, "further place") + ", " +
+                           std::to_string(stats.cycles) + " of them inside themselves");
+    }
     if (stats.longestPath) {
         line("longest string", std::to_string(stats.longest) + " bytes, at " + *stats.longestPath);
     }
