@@ -1,6 +1,7 @@
 #include "edit/ContainerChange.h"
 
 #include "check/AllowedValues.h"
+#include "check/VariableRules.h"
 #include "check/ViolationFinder.h"
 #include "words/GuidText.h"
 #include "words/ValueText.h"
@@ -118,6 +119,19 @@ void refuseVariable(const KEL_Struct& variables, const std::string& name, KEL* v
                (value == nullptr || value->getType() != KELKind_MetaKelVarDescriptor)) {
         throw Refusal{wordsFor(value) + " is not a variable descriptor"};
     }
+}
+
+std::string doubtAbout(const KEL_Struct& variables, const std::string& name, const KEL* value) {
+    const auto* checked = dynamic_cast<const MetaKel*>(&variables);
+    const MetaKelDescriptor* descriptor = checked != nullptr ? checked->getDescriptor() : nullptr;
+    if (descriptor == nullptr || name == descriptorName) {
+        return {};
+    }
+    if (!descriptor->containsVar(name.c_str())) {
+        return UnknownNames().wordsFor(name.c_str(), walkOver(*descriptor));
+    }
+    const MetaKelVarDescriptor* rules = rulesFor(*checked, name);
+    return rules != nullptr && value != nullptr ? mistakeInKind(*rules, *value) : std::string();
 }
 
 bool canAdd(const Place& place) {

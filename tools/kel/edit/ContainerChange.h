@@ -31,6 +31,11 @@ void setPair(KEL_IndexList& list, uint64_t index, KEL* keyAndItem);
 /// the pair.
 void removeAt(const Place& place);
 
+/// Returns why a variable of a checked struct, which the struct takes, is probably a mistake: a
+/// value of another kind than described, or a name that the descriptor does not know. Returns
+/// nothing for all others.
+std::string doubtAbout(const KEL_Struct& variables, const std::string& name, const KEL* value);
+
 /// Refuses a variable that the struct does not take, for its name or for its value.
 /// \throws Refusal
 void refuseVariable(const KEL_Struct& variables, const std::string& name, KEL* value);

@@ -83,6 +83,9 @@ void Editor::set(const Path& path, const Value& value) {
     }
     keep(place.value);
     naming(path, [&] { setAt(place, value.get()); });
+    if (const auto* variables = dynamic_cast<const KEL_Struct*>(place.container)) {
+        remarkDoubt(*variables, path, place.step.text, value.get());
+    }
 }
 
 void Editor::setRoot(size_t root, const Value& value) {
@@ -176,6 +179,17 @@ void Editor::rename(const Path& path, const std::string& name, bool replaces) {
     }
     remark({way});
     variables->renameVar(place.step.text.c_str(), name.c_str());
+    Path renamed = path;
+    renamed.steps.back() = {Step::Kind::name, 0, name};
+    remarkDoubt(*variables, renamed, name, place.value);
+}
+
+void Editor::remarkDoubt(const KEL_Struct& variables, const Path& path, const std::string& name,
+                         const KEL* value) {
+    const std::string doubt = doubtAbout(variables, name, value);
+    if (!doubt.empty()) {
+        remarks_.push_back(path.text() + ": " + doubt);
+    }
 }
 
 void Editor::remark(const std::vector<Way>& ways) {

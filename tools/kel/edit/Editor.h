@@ -38,7 +38,8 @@ public:
     ///         not take, and if the name exists, unless that is replaced
     void rename(const Path& path, const std::string& name, bool replaces);
 
-    /// Returns a sentence for each change so far that also changed another place.
+    /// Returns a sentence for each change so far that also changed another place or that is
+    /// probably a mistake.
     const std::vector<std::string>& remarks() const { return remarks_; }
 
 private:
@@ -54,6 +55,8 @@ private:
     void removeFrom(const Removal& removal);
     void keep(KEL* value) { removed_.roots().push_back(share(value)); }
     void remark(const std::vector<Way>& ways);
+    void remarkDoubt(const KEL_Struct& variables, const Path& path, const std::string& name,
+                     const KEL* value);
 
     Document& document_;
     Document removed_;
