@@ -1,4 +1,4 @@
-// kel: converts, shows and checks files of KEL values.
+// kel: works with files of KEL values.
 
 #include "command/Request.h"
 #include "document/Saving.h"

@@ -123,7 +123,7 @@ private:
     }
 
     const std::vector<std::string>& arguments_;
-    CLI::App app_{"Converts, shows and checks files of KEL values.", "kel"};
+    CLI::App app_{"Works with files of KEL values: converts, shows, changes, compares and checks them.", "kel"};
     Request request_;
     std::optional<CommandLine> line_;
 };
