@@ -241,4 +241,60 @@ TEST(Describe, OnlyStepsRefusesWhatIsBetweenThem) {
         kel::not_allowed);
 }
 
+TEST(Describe, EndsAndChoicesAreWhatTheyWereBeforeTheyWereSavedAsText) {
+    for (int i = -1000; i <= 1000; ++i) {
+        const double number = i * 0.01;
+        const kel::value saved = kel::from_text(kel::to_text(kel::object({{"a", number}})));
+        const kel::value content = saved["a"];
+        for (const auto& rules :
+             {kel::describe<double>().range(number, 11), kel::describe<double>().range(-11, number),
+              kel::describe<double>().one_of({-20, number, 20})}) {
+            kel::checked panel({{"a", rules}});
+            EXPECT_TRUE(panel.merge(saved).empty());
+            EXPECT_EQ(panel.get<double>("a"), number);
+            EXPECT_EQ(refusal(panel, "a", content), "(stored)");
+            panel["a"] = content;
+            EXPECT_EQ(panel.get<double>("a"), number);
+            panel["a"].assign(content);
+            EXPECT_EQ(panel.get<double>("a"), number);
+            panel.set("a", content);
+            EXPECT_EQ(panel.get<double>("a"), number);
+        }
+    }
+    kel::checked thirds({{"least", kel::describe<double>().range(1.0 / 3, 1)},
+                         {"choice", kel::describe<double>().one_of({1.0 / 3, 2.0 / 3})}});
+    thirds.set("least", 0.333333);
+    thirds.set("choice", 0.666667);
+    EXPECT_EQ(thirds.get<double>("least"), 1.0 / 3);
+    EXPECT_EQ(thirds.get<double>("choice"), 2.0 / 3);
+}
+
+TEST(Describe, OtherNumbersNearAnEndRemainWhatTheyAre) {
+    kel::checked panel({{"a", kel::describe<double>().range(0, 1)},
+                        {"near", kel::describe<double>().one_of({0, 1e-7, 2e-7})},
+                        {"whole", kel::describe<int>().range(0, 9)},
+                        {"steps", kel::describe<double>().range(0, 1).step(0.3).only_steps()}});
+    for (const double number : {1e-7, 0.9999999}) {
+        panel.set("a", number);
+        EXPECT_EQ(panel.get<double>("a"), number);
+    }
+    EXPECT_EQ(refusal(panel, "a", -1e-6), "a: -0.000001 is not allowed; allowed is from 0 to 1.");
+    EXPECT_FALSE(panel.try_set("a", std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_FALSE(panel.try_set("a", std::numeric_limits<double>::infinity()));
+    panel.set("near", 1e-7);
+    EXPECT_EQ(panel.get<double>("near"), 1e-7);
+    EXPECT_FALSE(panel.try_set("whole", 9.0000001));
+    EXPECT_FALSE(panel.try_set("steps", 1.0000001));
+    kel::value rules = panel.description("a");
+    rules["max"] = "odd";
+    EXPECT_FALSE(panel.try_set("a", 1.0000001));
+}
+
+TEST(Describe, ARangeAndChoicesExcludeEachOther) {
+    const auto level = kel::describe<int>().range(0, 5);
+    EXPECT_THROW((void)level.one_of({7}), kel::error);
+    EXPECT_THROW((void)kel::describe<double>().one_of({7}).range(0, 5), kel::error);
+    EXPECT_EQ(level.range(0, 7).allowed_text(), "from 0 to 7") << "another one replaces it";
+}
+
 } // namespace

@@ -144,6 +144,9 @@ TEST(Panel, APlaceHasTheControlsOfItsVariable) {
     const kel::value fixed = rack;
     EXPECT_EQ(fixed["1"]["pan"].text(), "7 %");
     EXPECT_EQ(fixed["1"]["rate"].choice_texts(), (Texts{"1 kHz", "2 kHz", "4 kHz"}));
+    EXPECT_EQ(fixed["1"].names(), makePanel().names());
+    EXPECT_EQ(fixed.find("1").names(), makePanel().names());
+    EXPECT_THROW(fixed.names(), kel::type_error);
     EXPECT_TRUE(fixed["1"]["rate"].is_described());
     EXPECT_FALSE(fixed["1"]["none"].is_described());
     EXPECT_FALSE(fixed["1"]["rate"]["x"].is_described());

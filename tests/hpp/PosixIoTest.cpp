@@ -317,4 +317,56 @@ TEST(PosixIo, ThreadsCanSaveTheSameFileAtomically) {
     EXPECT_EQ(folder.count(), 1);
 }
 
+/// Returns how much memory this process has, in kilobytes. Returns 0 where that is not known, and
+/// with a sanitizer that keeps freed memory, which reports leaks itself.
+long resident_memory() {
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KEL_TEST_KEEPS_MEMORY
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(KEL_TEST_KEEPS_MEMORY)
+    return 0;
+#else
+    long pages = 0;
+    std::ifstream("/proc/self/statm") >> pages >> pages;
+    return pages * (sysconf(_SC_PAGESIZE) / 1024);
+#endif
+}
+
+TEST(PosixIo, DocumentsWithRingsThatNobodyGetsAreFreed) {
+    const Folder folder;
+    constexpr std::size_t size = 4'000'000;
+    const auto file = folder / "ring.kelb";
+    const auto list_file = folder / "list.kelb";
+    kel::value ring = kel::object({{"n", 5}, {"block", kel::bytes(size)}});
+    ring["self"] = ring;
+    kel::value list = kel::array({ring});
+    list.push_back(list);
+    kel::save(ring, file);
+    kel::save(list, list_file);
+    kel::value settings = kel::object({{"n", 1}});
+    kel::checked panel({{"n", kel::describe<int>()}});
+    kel::value none;
+
+    const auto load_all = [&] {
+        EXPECT_EQ(kel::load_into(settings, file).size(), 2U);
+        EXPECT_EQ(kel::load_into_if_exists(panel, file).size(), 2U);
+        EXPECT_THROW((void)kel::load_into(none, file), kel::type_error);
+        EXPECT_THROW((void)kel::load_into(settings, list_file), kel::malformed);
+        EXPECT_THROW((void)kel::load_struct(list_file), kel::malformed);
+        EXPECT_THROW((void)kel::load_struct_or(list_file, nullptr), kel::malformed);
+    };
+    load_all();
+    const long before = resident_memory();
+    constexpr int times = 5;
+    for (int i = 0; i < times; ++i) {
+        load_all();
+    }
+    EXPECT_LT(resident_memory() - before, static_cast<long>(size / 1000) * times);
+    EXPECT_EQ(settings["n"].get<int>(), 5);
+    EXPECT_EQ(panel.get<int>("n"), 5);
+    kel::cut_rings(list);
+}
+
 } // namespace

@@ -161,4 +161,19 @@ TEST(Visit, CallsTheFunctionOfTheKind) {
     EXPECT_STREQ(name(kel::adopt(CreateKELSelector(nullptr))), "value");
 }
 
+struct Final final {
+    template <class T> const char* operator()(const T&) const { return "any"; }
+};
+
+TEST(Visit, TakesEveryKindOfFunction) {
+    int calls = 0;
+    auto count = [&](auto&&) mutable { ++calls; };
+    kel::visit(count, "a");
+    kel::visit(kel::overloaded{[&](const std::string&) {}, [](const char*) {},
+                               [&](std::string_view) { ++calls; }, [](const auto&) {}},
+               "a"); // functions that serve others too
+    EXPECT_EQ(calls, 2);
+    EXPECT_STREQ(kel::visit(Final(), "a"), "any");
+}
+
 } // namespace

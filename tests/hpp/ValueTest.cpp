@@ -252,4 +252,33 @@ TEST(Value, OperationsOfAnotherKindSayWhatTheyWanted) {
               "wanted a struct, found null.");
 }
 
+TEST(Value, OperationsOfAPlaceOfAnotherKindSayWhereItIs) {
+    kel::value room = kel::object({{"a", kel::object({{"n", 1}, {"l", kel::array()}})}});
+    const auto said = [&room](auto action) {
+        return thrown<kel::type_error>([&] { action(room["a"]["n"]); });
+    };
+    const std::string no_struct = "a.n: wanted a struct, found an int.";
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).items(); }), no_struct);
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).contains("x"); }), no_struct);
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).find("x"); }), no_struct);
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).erase("x"); }), no_struct);
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).merge(kel::object()); }), no_struct);
+    const std::string no_array = "a.n: wanted an array, found an int.";
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).elements(); }), no_array);
+    EXPECT_EQ(said([](auto&& at) { std::move(at).push_back(1); }), no_array);
+    EXPECT_EQ(said([](auto&& at) { std::move(at).insert(0, 1); }), no_array);
+    EXPECT_EQ(said([](auto&& at) { std::move(at).erase_at(0); }), no_array);
+    const std::string no_container = "a.n: wanted a container, found an int.";
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).size(); }), no_container);
+    EXPECT_EQ(said([](auto&& at) { std::move(at).clear(); }), no_container);
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).pairs(); }),
+              "a.n: wanted an index list, found an int.");
+    EXPECT_EQ(said([](auto&& at) { (void)std::move(at).names(); }),
+              "a.n: wanted a checked struct, found an int.");
+    EXPECT_EQ(thrown<kel::type_error>([&] { (void)room.at_path("a.l").items(); }),
+              "a.l: wanted a struct, found an array.");
+    EXPECT_EQ(room["a"]["l"].size(), 0U);
+    EXPECT_EQ(room["a"].size(), 2U);
+}
+
 } // namespace

@@ -76,6 +76,18 @@ MISUSES = [
     ("make an array of a number", "kel::value list = kel::array(3);", "in braces or of a container"),
     ("loop over a value", "for (auto v : room) { (void)v; }", "loop over v.items()"),
     ("loop over a place", "for (auto v : room[\"tags\"]) { (void)v; }", "loop over v.items()"),
+    ("visit text as a string",
+     "kel::visit(kel::overloaded{[](const std::string&) {}, [](const auto&) {}}, room);",
+     "text as std::string_view"),
+    ("visit text as a changed copy",
+     "kel::visit(kel::overloaded{[](std::string) mutable {}, [](auto&&) mutable {}}, room);",
+     "text as std::string_view"),
+    ("visit text as a pointer",
+     "kel::visit(kel::overloaded{[](const char*) {}, [](const auto&) {}}, room);",
+     "text as std::string_view"),
+    ("visit only some kinds",
+     "kel::visit(kel::overloaded{[](double) {}, [](std::string_view) {}}, room);",
+     "needs a function for every type"),
     ("test a place as a condition", "if (room[\"n\"]) {}", ""),
 ]
 

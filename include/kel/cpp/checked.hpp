@@ -109,7 +109,9 @@ public:
         return self[name.c_str()].template get<T>();
     }
 
-    /// Stores a value if the variable is described and allows it.
+    /// Stores a value if the variable is described and allows it. A Double that text cannot
+    /// distinguish from an end of the range or from a choice is stored as that end or choice. A
+    /// number within the range is stored as it is, unless only its last digits differ from an end.
     outcome try_set(const detail::text& name, const value& content) {
         return variable(name).try_set(content);
     }
@@ -229,6 +231,13 @@ private:
 
     ref<MetaKel> raw_;
 };
+
+inline std::vector<std::string> value::names() const {
+    return checked(*this).names();
+}
+inline std::vector<std::string> const_place::names() && {
+    return checked(std::move(*this)).names();
+}
 
 } // namespace v1
 } // namespace kel

@@ -128,7 +128,8 @@ public:
         detail::call([this] { own().setType(value(T()).raw()->getType()); });
     }
     /// Allows the numbers from least to greatest, both included.
-    /// \throws error if least is greater than greatest, or one is not a number
+    /// \throws error if least is greater than greatest, one is not a number, or the description has
+    ///         choices
     /// \throws std::out_of_range for a number that the type does not hold
     template <class Least, class Greatest>
     typed_description range(const Least& least, const Greatest& greatest) && {
@@ -138,11 +139,13 @@ public:
         if (!(from.raw()->toDouble() <= to.raw()->toDouble())) {
             throw error("A range begins with its least number.");
         }
+        refuse_both(raw_->isEnumerated());
         put("min", from);
         put("max", to);
         return std::move(*this);
     }
     /// Allows these values only: those in braces, or those of a container.
+    /// \throws error if the description has a range
     typed_description one_of(std::initializer_list<T> allowed) && { return allow(allowed); }
     template <class Container> typed_description one_of(const Container& allowed) && {
         return allow(allowed);
@@ -228,6 +231,12 @@ private:
         }
         return *raw_;
     }
+    /// Refuses what the library would ignore: it looks at the range alone.
+    static void refuse_both(bool has_other) {
+        if (has_other) {
+            throw error("A description has either a range or choices.");
+        }
+    }
     /// Sets a property to a new value.
     void put(const char* property, const value& content) {
         detail::call([&] { own().addVar(property, content.raw()); });
@@ -236,6 +245,7 @@ private:
         using Element = detail::element_of<Container>;
         static_assert(!std::is_void_v<Element>,
                       "kel: one_of takes values in braces or a container.");
+        refuse_both(raw_->isRanged());
         value list = array();
         for (auto&& each : allowed) {
             list.push_back(detail::described_value<T>(static_cast<const Element&>(each)));

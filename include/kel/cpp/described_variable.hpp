@@ -5,6 +5,7 @@
 
 #include <kel/cpp/describe.hpp>
 #include <kel/cpp/scale.hpp>
+#include <kel/cpp/store_checked.hpp>
 #include <kel/cpp/typed_text.hpp>
 
 namespace kel {

@@ -125,7 +125,8 @@ private:
 
 /// A content was read that is not a document: it is damaged, cut off, or not in this format, holds
 /// no value or several, or another kind of value than the caller needs. The system has not failed,
-/// so reading the same content again fails again.
+/// so reading the same content again fails again. A program can throw it too, with the file and the
+/// text of another failure, which knows only the path of its value.
 class malformed : public io_error {
 public:
     using io_error::io_error;

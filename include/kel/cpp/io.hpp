@@ -10,6 +10,7 @@
 /// name of the file, except std::bad_alloc. Nothing here depends on the locale.
 #pragma once
 
+#include <kel/cpp/rings.hpp>
 #include <kel/cpp/roots.hpp>
 #include <kel/cpp/text_losses.hpp>
 
@@ -167,11 +168,12 @@ inline value load_or(const file_name& file, value fallback, format how = format:
 
 namespace detail {
 
-/// Returns the only value of a content, which is a struct.
+/// Returns the only value of a content, which is a struct. The rings of any other value are cut.
 /// \throws malformed as only_root, and for any other value
 inline value only_struct(const std::string& name, std::string content, format how) {
     value root = only_root(name, std::move(content), how);
     if (struct_of(root.raw()) == nullptr) {
+        const dropped_document refused(root);
         throw malformed(name, 0, std::string("wanted a struct, found ") + words(root.kind()) + '.');
     }
     return root;

@@ -7,7 +7,8 @@
 
 namespace kel {
 inline namespace v1 {
-/// Takes over what fits of a file, as merge does, and returns what does not.
+/// Takes over what fits of a file, as merge does, and returns what does not. The rings of the
+/// document are cut afterwards, so that it is freed. What was taken over is a copy, rings included.
 ///
 ///     for (const kel::mismatch& each : kel::load_into(panel, "preset.kelb", kel::missing::reset))
 ///     {
@@ -20,7 +21,8 @@ template <class Target>
 [[nodiscard]] std::vector<mismatch> load_into(Target&& target, const file_name& file,
                                               missing rest = missing::keep,
                                               format how = format::automatic) {
-    return std::forward<Target>(target).merge(load_struct(file, how), rest);
+    const detail::dropped_document document(load_struct(file, how));
+    return std::forward<Target>(target).merge(document.get(), rest);
 }
 
 /// Does the same, but a file that does not exist is a struct without variables: with missing::keep
@@ -29,7 +31,8 @@ template <class Target>
 [[nodiscard]] std::vector<mismatch> load_into_if_exists(Target&& target, const file_name& file,
                                                         missing rest = missing::keep,
                                                         format how = format::automatic) {
-    return std::forward<Target>(target).merge(load_struct_or(file, object(), how), rest);
+    const detail::dropped_document document(load_struct_or(file, object(), how));
+    return std::forward<Target>(target).merge(document.get(), rest);
 }
 
 } // namespace v1

@@ -165,6 +165,35 @@ inline finding find(const location& at) {
     return found != nullptr ? finding{true, found, false} : look_or_throw(at.copy());
 }
 
+/// Refuse a value that is not such a container.
+/// \throws type_error with the path
+inline void require_struct(KEL* found, location at) {
+    if (struct_of(found) == nullptr) {
+        raise_wrong_kind(path_of(at), words(kind::structure), found);
+    }
+}
+inline void require_array(KEL* found, location at) {
+    if (array_of(found) == nullptr) {
+        raise_wrong_kind(path_of(at), words(kind::array), found);
+    }
+}
+inline void require_elements(KEL* found, location at) {
+    if (manager_of(found) == nullptr) {
+        require_array(found, at);
+    }
+}
+inline void require_pairs(KEL* found, location at) {
+    if (list_of(found) == nullptr) {
+        raise_wrong_kind(path_of(at), words(kind::index_list), found);
+    }
+}
+inline void require_container(KEL* found, location at) {
+    if (struct_of(found) == nullptr && array_of(found) == nullptr && list_of(found) == nullptr &&
+        manager_of(found) == nullptr) {
+        raise_wrong_kind(path_of(at), "a container", found);
+    }
+}
+
 /// Reads the value, or throws why that fails.
 template <class T> KEL_SELDOM T read_at(location at) {
     KEL* found = look_or_throw(at).object;

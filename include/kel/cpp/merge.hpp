@@ -171,7 +171,7 @@ inline std::vector<mismatch> value::merge(const value& source, missing rest) {
     return detail::merger(rest).merge(*this, source);
 }
 inline std::vector<mismatch> place::merge(const value& source, missing rest) && {
-    return to_change().merge(source, rest);
+    return to_change(detail::require_struct).merge(source, rest);
 }
 inline std::vector<mismatch> checked::merge(const value& source, missing rest) {
     return value(*this).merge(source, rest);

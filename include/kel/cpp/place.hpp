@@ -23,6 +23,10 @@ void clear_checked(value& target);
 /// \param path of the variable, for the reason
 void require_allowed(const MetaKel& target, const char* name, const std::string& path,
                      KEL* content);
+/// Does the same, and returns the value to store: the content, or the end of a range or the choice
+/// that text has changed into it.
+value allowed_or_throw(const MetaKel& target, const char* name, const std::string& path,
+                       const value& content);
 /// Returns whether a checked struct describes a variable.
 bool is_described(const MetaKel& target, const char* name);
 /// Returns a new value of the kind for the type of a number. Where a description decides the kind,
@@ -65,6 +69,7 @@ public:
 
     /// Return the same as the operations of value.
     /// \throws not_found, with the path, for an unknown variable or element
+    /// \throws type_error, with the path, for a value of another kind
     template <class T> inline T get() && { // inline is a hint for clang
         if constexpr (std::is_same_v<T, value>) {
             return value(std::move(*this));
@@ -100,7 +105,7 @@ public:
         return found.handle();
     }
     kel::kind kind() && { return value(std::move(*this)).kind(); }
-    std::size_t size() && { return value(std::move(*this)).size(); }
+    std::size_t size() && { return that_is(detail::require_container).size(); }
     item_range items() &&;
     element_range elements() &&;
     pair_range pairs() &&;
@@ -108,11 +113,14 @@ public:
     template <class Loop = value> void end() const {}
     template <class T> ref<T> as() && { return value(std::move(*this)).template as<T>(); }
     bool exists() && { return detail::look(at_).exists; }
-    bool contains(const detail::text& name) && { return value(std::move(*this)).contains(name); }
-    value find(const detail::text& name) && { return value(std::move(*this)).find(name); }
+    bool contains(const detail::text& name) && {
+        return that_is(detail::require_struct).contains(name);
+    }
+    value find(const detail::text& name) && { return that_is(detail::require_struct).find(name); }
     detail::reached<const_place> at_path(std::string_view path) &&;
     value copy() && { return value(std::move(*this)).copy(); }
     value values() && { return value(std::move(*this)).values(); }
+    std::vector<std::string> names() &&;
 
     /// Returns whether this is a variable that a checked struct describes, and has the operations
     /// below. Never throws.
@@ -157,6 +165,12 @@ protected:
     const_place(const const_place* outer, std::int32_t index)
         : const_place(outer, nullptr, index) {}
 
+    /// Returns the value here, which the function accepts, for an operation of value.
+    value that_is(void (*require)(KEL*, detail::location)) const {
+        const detail::finding here = detail::find(at_);
+        require(here.object, at_.copy());
+        return here.handle();
+    }
     static const char* known(const char* name) { return name == nullptr ? "" : name; }
 
     value held_; ///< the container, unless the value that the expression begins with holds it
@@ -249,9 +263,12 @@ public:
 
     /// Do the same as the operations of value.
     /// \throws not_found, with the path, for an unknown variable or element
-    void push_back(const value& content) && { to_change().push_back(content); }
-    void insert(std::size_t index, const value& content) && { to_change().insert(index, content); }
-    void erase_at(std::size_t index) && { to_change().erase_at(index); }
+    /// \throws type_error, with the path, for a value of another kind
+    void push_back(const value& content) && { to_change(detail::require_array).push_back(content); }
+    void insert(std::size_t index, const value& content) && {
+        to_change(detail::require_array).insert(index, content);
+    }
+    void erase_at(std::size_t index) && { to_change(detail::require_array).erase_at(index); }
     void set(const detail::text& name, const value& content) && {
         std::move(*this)[name.c_str()] = content;
     }
@@ -261,8 +278,10 @@ public:
     }
     [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep) &&;
     void restore(const value& state) &&;
-    bool erase(const detail::text& name) && { return to_change().erase(name); }
-    void clear() && { to_change().clear(); }
+    bool erase(const detail::text& name) && {
+        return to_change(detail::require_struct).erase(name);
+    }
+    void clear() && { to_change(detail::require_container).clear(); }
     detail::reached<place> at_path(std::string_view path) &&;
 
     /// Do the same as the operations of kel::checked for its variable here.
@@ -314,6 +333,11 @@ private:
         }
         return found.handle();
     }
+    value to_change(void (*require)(KEL*, detail::location)) const {
+        value here = to_change();
+        require(here.raw(), at_.copy());
+        return here;
+    }
     const char* name_to_store() const {
         if (detail::lacks_container(at_)) {
             detail::raise_missing(at_);
@@ -335,9 +359,10 @@ private:
             return;
         }
         detail::call([&] {
-            detail::require_allowed(*detail::checked_of(at_.container), at_.name,
-                                    detail::path_of(at_), changed.raw());
-            detail::checked_of(at_.container)->setVarValue(at_.name, changed.raw());
+            MetaKel& target = *detail::checked_of(at_.container);
+            const value allowed =
+                detail::allowed_or_throw(target, at_.name, detail::path_of(at_), changed);
+            target.setVarValue(at_.name, allowed.raw());
         });
     }
 };

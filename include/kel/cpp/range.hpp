@@ -179,13 +179,13 @@ inline pair_range value::pairs() const {
 }
 
 inline item_range const_place::items() && {
-    return value(std::move(*this)).items();
+    return that_is(detail::require_struct).items();
 }
 inline element_range const_place::elements() && {
-    return value(std::move(*this)).elements();
+    return that_is(detail::require_elements).elements();
 }
 inline pair_range const_place::pairs() && {
-    return value(std::move(*this)).pairs();
+    return that_is(detail::require_pairs).pairs();
 }
 
 } // namespace v1

@@ -166,5 +166,27 @@ inline std::size_t cut_rings(value root) {
     return detail::ring_cutter().cut(root.raw());
 }
 
+namespace detail {
+
+/// A document that the caller does not get. Its rings are cut at the end, so that it is freed.
+class dropped_document {
+public:
+    explicit dropped_document(value document) : document_(std::move(document)) {}
+    dropped_document(const dropped_document&) = delete;
+    dropped_document& operator=(const dropped_document&) = delete;
+    ~dropped_document() {
+        try {
+            cut_rings(document_);
+        } catch (...) { // out of memory: what is left of the rings remains
+        }
+    }
+    const value& get() const noexcept { return document_; }
+
+private:
+    value document_;
+};
+
+} // namespace detail
+
 } // namespace v1
 } // namespace kel

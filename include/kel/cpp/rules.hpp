@@ -1,5 +1,5 @@
 /// \file
-/// What the description of a variable allows, and storing what it allows.
+/// What the description of a variable allows.
 #pragma once
 
 #include <kel/cpp/reached.hpp>
@@ -227,115 +227,6 @@ inline std::string why_not(const MetaKelVarDescriptor& rules, const std::string&
         reason = path + ": " + shown(content) + " is not allowed.";
     }
     return reason.empty() ? reason : with_allowed(rules, std::move(reason));
-}
-
-inline void require_allowed(const MetaKel& target, const char* name, const std::string& path,
-                            KEL* content) {
-    const MetaKelVarDescriptor* rules = description_of(target, name);
-    const std::string reason =
-        rules == nullptr || content == nullptr ? std::string() : why_not(*rules, path, content);
-    if (!reason.empty()) {
-        throw not_allowed(reason);
-    }
-}
-
-inline bool is_container(KEL* object) {
-    const KELKindFacts* facts = findKELKind(type_of(object));
-    return facts != nullptr && facts->isContainer;
-}
-
-/// Returns the value to store for a described variable: a new one of the described kind. The
-/// caller's can be the description's own, which serves other structs too.
-inline value made_for(const MetaKelVarDescriptor& rules, KEL* content) {
-    if (rules.getVariableType() == KELKind_Double) {
-        return value(content->toDouble());
-    }
-    if (rules.getVariableType() == KELKind_Int) {
-        return value(whole_of(content->toDouble()));
-    }
-    return value(share(content)).copy();
-}
-
-inline void refuse_reserved(const char* name) {
-    if (*name == '@') {
-        throw name_error("The names of a checked struct that begin with @ are reserved.");
-    }
-}
-
-inline void clear_checked(value& target) {
-    for (const item& each : target.items()) {
-        if (each.name.front() != '@') {
-            target.erase(each.name);
-        }
-    }
-}
-
-/// Makes a described variable hold an allowed value. One that exists is changed in place, so that
-/// whoever watches it is called.
-inline void store_allowed(MetaKel& target, const char* name, const MetaKelVarDescriptor& rules,
-                          KEL* content) {
-    const value stored = made_for(rules, content);
-    KELVarCursor at;
-    if (walk_of(&target)->findVar(at, name) && type_of(at.value) == type_of(stored.raw())) {
-        target.setVarValue(name, stored.raw());
-    } else {
-        target.setVar(name, stored.raw());
-    }
-}
-
-inline void clear_variable(MetaKel& target, const char* name) {
-    if (target.containsVar(name)) {
-        target.clearVar(name);
-    }
-}
-
-/// Removes a described variable, so that its default is in effect. The variable gets the default
-/// in place before that, for those who watch it.
-inline void return_to_default(MetaKel& target, const char* name) {
-    KEL* fallback = default_of(target, name);
-    KELVarCursor at;
-    const bool is_stored = walk_of(&target)->findVar(at, name) && at.value != nullptr;
-    if (is_stored && fallback != nullptr && value(share(at.value)) != value(share(fallback))) {
-        call([&] { store_allowed(target, name, *description_of(target, name), fallback); });
-    }
-    if (target.containsVar(name)) { // which observers can have removed
-        call([&] { target.removeVar(name); });
-    }
-}
-
-/// Stores a value if the variable is described and allows it. Returns why not, or nothing.
-/// \param path of the variable, for the reason
-inline std::string try_store(MetaKel& target, const char* name, const std::string& path,
-                             KEL* content) {
-    const MetaKelVarDescriptor* rules = description_of(target, name);
-    if (rules == nullptr) {
-        return unknown_in(target, name, path);
-    }
-    std::string reason = why_not(*rules, path, content);
-    if (reason.empty()) {
-        call([&] {
-            content == nullptr ? clear_variable(target, name)
-                               : store_allowed(target, name, *rules, content);
-        });
-    }
-    return reason;
-}
-
-inline void store_checked(MetaKel& target, const char* name, const std::string& path,
-                          KEL* content) {
-    refuse_reserved(name);
-    if (content == nullptr) {
-        clear_variable(target, name);
-    } else if (const MetaKelVarDescriptor* rules = description_of(target, name)) {
-        const std::string reason = why_not(*rules, path, content);
-        if (!reason.empty()) {
-            throw not_allowed(reason);
-        }
-        store_allowed(target, name, *rules, content);
-    } else {
-        const value stored(share(content));
-        target.setVar(name, is_container(content) ? content : stored.copy().raw());
-    }
 }
 
 } // namespace detail

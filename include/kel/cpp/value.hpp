@@ -209,9 +209,13 @@ public:
     [[nodiscard]] std::vector<mismatch> merge(const value& source, missing rest = missing::keep);
     /// Returns a plain copy, in which every checked struct has become a plain struct of its
     /// described variables, defaults included: a preset, which merge takes over again. Variables
-    /// that have neither a value nor a default are left out. A container in several places is one
-    /// container of the copy too. Managers, index lists and selectors are copied as copy does.
+    /// that are not described, or have neither a value nor a default, are left out. A container in
+    /// several places is one container of the copy too. Managers, index lists and selectors are
+    /// copied as copy does.
     value values() const;
+    /// Returns the names of the variables that a checked struct describes, in ascending order.
+    /// \throws type_error unless this is a checked struct
+    std::vector<std::string> names() const;
     /// Removes a variable. \return false if there was none
     bool erase(const detail::text& name);
     /// Renames a variable, which keeps its value.
