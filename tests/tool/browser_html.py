@@ -283,6 +283,14 @@ class Html(ToolTest):
         self.row("root").click()
         self.assertEqual(self.find("#details .places").text, "mute: default false")
 
+    def test_only_numbers_in_a_range_have_a_slider(self):
+        self.open("settings.kel", SETTINGS.replace("gain = -12.5", 'gain = "loud"'))
+        row = self.row("gain")
+        self.assertEqual(row.find_elements(By.CSS_SELECTOR, "[role=meter]"), [])
+        self.assertIn("text", [chip.text for chip in row.find_elements(By.CSS_SELECTOR, ".chip")])
+        self.open("settings.kel", SETTINGS.replace("min = -60.0", "min = 60.0"))
+        self.assertEqual(self.row("gain").find_elements(By.CSS_SELECTOR, "[role=meter]"), [])
+
     def test_what_is_not_valid_is_marked_and_explained(self):
         self.open("settings.kel", SETTINGS)
         self.assertEqual(len(self.find_all(".row .chip.bad")), 1)

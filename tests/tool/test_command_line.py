@@ -1,11 +1,19 @@
+import json
 import os
 import re
 import subprocess
 import unittest
 
-from support import ToolTest, posix_only
+from support import ToolTest, WINDOWS, posix_only
+
+if not WINDOWS:
+    import resource
 
 HINT = 'run "kel --help" for help\n'
+
+
+def hint(command):
+    return f'run "kel {command} --help" for help\n'
 
 
 class CommandLine(ToolTest):
@@ -42,8 +50,15 @@ class CommandLine(ToolTest):
                        typed, "a.kel")
 
     def test_an_unknown_option_is_a_usage_error(self):
-        self.fails(2, "kel: The following argument was not expected: --frobnicate\n" + HINT,
+        self.fails(2, "kel: The following argument was not expected: --frobnicate\n" + hint("show"),
                    "show", "--frobnicate", "a.kel")
+
+    def test_a_similar_option_is_proposed(self):
+        for command, typed, meant in (("show", "--no-pagr", "--no-pager"),
+                                      ("show", "--max-outptu=3", "--max-output"),
+                                      ("fmt", "--forec", "--force")):
+            self.fails(2, f"kel: The following argument was not expected: {typed} (did you mean "
+                          f"{meant}?)\n" + hint(command), command, typed, "a.kel")
 
     def test_a_missing_file_name_is_a_usage_error(self):
         self.assertEqual(self.kel("convert", "a.json").status, 2)
@@ -67,7 +82,7 @@ class CommandLine(ToolTest):
         self.assertEqual(self.kel("show", "--force", "a.kel").status, 2)
 
     def test_an_unknown_format_is_a_usage_error(self):
-        self.fails(2, "kel: --to: \"yaml\" is not text, binary or json\n" + HINT,
+        self.fails(2, "kel: --to: \"yaml\" is not text, binary or json\n" + hint("convert"),
                    "convert", "--to", "yaml", "a.json", "b")
 
     def test_sizes_are_numbers_of_bytes_with_an_optional_unit(self):
@@ -76,8 +91,8 @@ class CommandLine(ToolTest):
             self.ok("show", "--max-output", size, "a.kel")
         for size in ("", "M", "1X", "1.5G", "-1", "0", "0G", "1 G", "1GB", "16777216T",
                      "18446744073709551616"):
-            self.fails(2, f'kel: --max-output: "{size}" is not a size such as 512M or 2G\n' + HINT,
-                       "show", "--max-output", size, "a.kel")
+            self.fails(2, f'kel: --max-output: "{size}" is not a size such as 512M or 2G\n' +
+                       hint("show"), "show", "--max-output", size, "a.kel")
 
     def test_an_output_name_without_known_extension_needs_a_format(self):
         self.write("a.json", "1")
@@ -85,6 +100,17 @@ class CommandLine(ToolTest):
                       "--to binary or --to json\n", "convert", "a.json", "b.txt")
         self.fails(2, "kel: -: the name does not show the format; use --to text, "
                       "--to binary or --to json\n", "convert", "a.json", "-")
+
+    @posix_only("the size of files cannot be limited")
+    def test_a_file_beyond_the_limit_of_its_size_is_a_failure_to_write(self):
+        limit = (1 << 16, 1 << 16)
+        self.write("a.json", json.dumps(["x" * 100] * 2000))
+        self.write("b.kel", "1")
+        for name in ("b.kel", "b.kelb", "b.json"):
+            self.fails(4, f"kel: {name}: cannot be written: File too large\n", "convert", "a.json",
+                       name, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, limit))
+            self.assertEqual(self.files(), ["a.json", "b.kel"])
+        self.assertEqual(self.read("b.kel"), b"1")
 
     @unittest.skipUnless(os.path.exists("/dev/full"), "needs /dev/full")
     def test_help_that_cannot_be_printed_is_an_output_error(self):

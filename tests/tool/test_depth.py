@@ -72,8 +72,8 @@ class Cycles(ToolTest):
         self.assertEqual(self.read("b.kelb"), self.read("a.kelb"))
 
     def test_they_cannot_be_shown(self):
-        self.fails(1, "kel: a.kelb: [1].list: Cannot write a value that contains itself.\n",
-                   "show", "a.kelb")
+        self.fails(1, "kel: a.kelb: [1].list: Cannot write a value that contains itself.\n"
+                      "use kel dump or kel html, which show it\n", "show", "a.kelb")
 
     def test_text_and_json_cannot_carry_them(self):
         for name, form in (("b.kel", "text"), ("b.json", "json")):

@@ -57,6 +57,18 @@ class Set(Edit):
         self.assertEqual(self.edited("[ 1 ]", "set", "[1]", "2"), "[ 1 2 ]")
         self.assertEqual(self.edited("1", "set", "2:.", "[ 2 ]"), "1 [ 2 ]")
 
+    def test_an_element_is_added_to_a_manager_that_is_the_root_value(self):
+        second = "3F2504E0-4F89-11D3-9A0C-0305E82C3399"
+        manager = f"( {FIRST} = 1 )"
+        self.assertEqual(self.edited(manager, "set", "#" + second, "2"),
+                         f"( {FIRST} = 1 {second} = 2 )")
+        self.assertEqual(self.edited("5 " + manager, "set", "2:#" + second, "2"),
+                         f"5 ( {FIRST} = 1 {second} = 2 )")
+        self.refused(f"a.kel: #{second}: not found", "5 " + manager, "set", "#" + second, "2")
+        self.refused("a.kel: #77: not found", manager, "set", "#77", "2")
+        self.refused(f"a.kel: #{second}: not found", manager, "rm", "#" + second)
+        self.refused(f"a.kel: #{second}: not found", manager, "set", f"#{second}.x", "2")
+
     def test_no_other_step_is_created(self):
         self.refused("a.kel: a: not found", "{ }", "set", "a.b", "1")
         self.refused("a.kel: [2]: the root value has 1 element", "[ 1 ]", "set", "[2]", "1")
@@ -68,6 +80,20 @@ class Set(Edit):
         self.assertEqual(self.edited("{ a = 1 }", "set", "--string", "a", ""), '{ a = "" }')
         self.assertEqual(self.edited("{ a = 1 }", "set", "--string", "a", "[x,y]"),
                          '{ a = "[x,y]" }')
+
+    def test_the_way_to_write_strings_is_shown_where_one_may_be_meant(self):
+        advice = "a string has double quotes inside the argument, as in '\"dark\"'; "
+        self.write("a.kel", "{ a = 1 }")
+        for value in ("dark", "two words", "5x", "", "'x'"):
+            result = self.kel("set", "a.kel", "a", value)
+            self.assertTrue(result.err.endswith(
+                "\n" + advice + "--string takes the argument as it is\n"), result.err)
+            self.assertNotIn("hint", result.err)
+            result = self.kel("get", "a.kel", "--default", value, "b")
+            self.assertTrue(result.err.endswith(
+                "\n" + advice + "--raw prints the argument as it is\n"), result.err)
+        for value in ("[ 1", '"x', "{ a = dark }", "REF 1"):
+            self.assertNotIn(advice, self.kel("set", "a.kel", "a", value).err)
 
     def test_json_is_a_value_too(self):
         self.assertEqual(self.edited("{ a = 1 }", "set", "--json", "a", '{"b": [1, {"c": null}]}'),

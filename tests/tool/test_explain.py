@@ -8,8 +8,8 @@ import random
 import re
 import struct
 
-from support import (ARRAY, NO_IDENTITY, STRING, ToolTest, double_record, int_record, record,
-                     reference, string_record, struct_record)
+from support import (ARRAY, MEMBLOCK, NO_IDENTITY, STRING, ToolTest, double_record, int_record,
+                     record, reference, string_record, struct_record)
 
 BROKEN = pathlib.Path(__file__).parent / "broken"
 FILES = sorted(path for path in BROKEN.iterdir() if path.suffix != ".message")
@@ -140,6 +140,17 @@ class Binary(ToolTest):
         array, string = record(ARRAY, b"")[:26], record(STRING, b"")[:26]
         self.broken(array + struct.pack("<Q", 2 ** 33) + string + struct.pack("<Q", 2 ** 31),
                     "60: [0]: expected a length of at most 2147483647 bytes, found 2147483648")
+        self.broken(array + struct.pack("<Q", 2 ** 64 - 1) + b"abc",
+                    "26: (the value itself): expected a length of at most 3 bytes, found "
+                    "18446744073709551615")
+
+    def test_a_length_that_no_memory_holds_is_explained(self):
+        for kind in (STRING, MEMBLOCK):
+            for length in (2 ** 62, 2 ** 64 - 1):
+                lead = record(kind, b"")[:26] + struct.pack("<Q", length) + b"abc"
+                most = 2 ** 31 - 1 if length == 2 ** 62 else 3
+                self.broken(lead, f"26: (the value itself): expected a length of at most {most} "
+                                  f"bytes, found {length}")
 
     def test_wrong_names_are_explained(self):
         self.broken(struct_record([(b'a"b', int_record(1))]),

@@ -2,6 +2,7 @@
 
 import json
 
+from test_output_size import bomb
 from support import ARRAY, ToolTest, int_record, record, reference, string_record, struct_record
 
 SETTINGS = """{
@@ -36,6 +37,11 @@ class Find(ToolTest):
                          ["id: 12345678-4F89-11D3-9A0C-0305E82C3302"])
         self.nothing("a.kel", "Port")
 
+    def test_whole_numbers_in_doubles_are_found_by_all_their_digits(self):
+        self.write("b.json", "[3e9, 1.7e12, 2.0]")
+        self.assertEqual(self.found("b.json", "00000"), ["[0]: 3000000000", "[1]: 1700000000000"])
+        self.assertEqual(self.found("b.json", "1700000000000", "--glob"), ["[1]: 1700000000000"])
+
     def test_all_formats_have_the_same_paths(self):
         self.write("b.json", '{"a": [1, "x y"], "x": {"y": null}}')
         for name in ("b.kel", "b.kelb"):
@@ -55,14 +61,26 @@ class Find(ToolTest):
         self.write("b.kel", '[ "Ä" ]')
         self.nothing("b.kel", "ä", "--ignore-case")
 
+    def test_the_list_ends_where_it_would_be_too_large(self):
+        depth = 200000
+        self.write("deep.json", "[1," * depth + "1" + "]" * depth)
+        self.write("wide.kelb", bomb(60, int_record(1)))
+        for name, *options in (("deep.json", "1"), ("wide.kelb", "1", "--all")):
+            result = self.fails(1, f"kel: {name}: the list would exceed 1048576 bytes; use "
+                                   "--max-output to allow more\n", "find", "--max-output", "1M",
+                                name, *options)
+            self.assertLessEqual(len(result.out), 1 << 20)
+            self.assertTrue(result.out.endswith(b": 1\n"))
+        self.assertEqual(self.found("deep.json", "1", "--count", "--max-output", "1"),
+                         [str(depth + 1)])
+
     def test_globs_match_the_whole_text(self):
         for pattern, count in (("port*", 2), ("*port", 2), ("?ort", 1), ("p*r*t*", 2), ("ort", 0),
                                ("R?d", 1), ("R??d", 0), ("*", 10), ("8\\*", 0), ("", 0)):
             result = self.kel("find", "a.kel", "--glob", "--count", "--", pattern)
-            if pattern:
-                self.assertEqual(result.out, b"%d\n" % count, pattern)
-            else:
-                self.assertEqual(result.status, 2)
+            self.assertEqual(result.out, b"%d\n" % count, pattern)
+        self.write("empty.json", '["", "x", {"a": ""}]')
+        self.assertEqual(self.found("empty.json", "--glob", ""), ['[0]: ""', '[2].a: ""'])
         self.write("b.json", json.dumps(["a*b", "axb", "äöü"]))
         self.assertEqual(self.found("b.json", "a\\*b", "--glob"), ['[0]: "a*b"'])
         self.assertEqual(self.found("b.json", "???", "--glob", "-l"), ["[0]", "[1]", "[2]"])

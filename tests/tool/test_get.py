@@ -60,6 +60,26 @@ class Get(ToolTest):
         self.assertEqual(self.got("b.json", *paths),
                          "0.3\n1.0\n0.1234567\n1e+22\n-2.5\n100.0\n")
 
+    def test_paths_have_the_escapes_of_json(self):
+        self.write("b.json", '{"x\\ny": 1, "x\\ty": 2, "xny": 3, "a\\\\c": 4}')
+        self.assertEqual(self.got("b.json", '["x\\ny"]', '["x\\ty"]', '["x\\u000ay"]',
+                                  '["x\\x09y"]', '["a\\\\c"]'), "1\n2\n1\n2\n4\n")
+        self.assertEqual(self.ok("find", "b.json", "--names", "x", "-l").out,
+                         b'["x\\u0009y"]\n["x\\u000ay"]\nxny\n')
+        for escape in "rb/":
+            self.fails(2, f'kel: "["x\\{escape}y"]" is not a path: at character 5: one of the '
+                          'escapes \\", \\\\, \\n, \\t, \\uHHHH and \\xHH is expected\n',
+                       "get", "b.json", f'["x\\{escape}y"]')
+        self.fails(2, 'kel: "["x" is not a path: at character 4: the end of the quoted name, "], '
+                      'is expected\n', "get", "b.json", '["x')
+
+    def test_a_similar_name_is_spelled_as_in_a_path(self):
+        self.write("b.json", '{"back\\\\slash": 1, "width": 2}')
+        self.fails(1, 'kel: b.json: backslash: not found (did you mean ["back\\\\slash"]?)\n',
+                   "get", "b.json", "backslash")
+        self.fails(1, 'kel: b.json: widht: not found (did you mean "width"?)\n',
+                   "get", "b.json", "widht")
+
     def test_paths_in_brackets_are_not_taken_apart(self):
         self.assertEqual(self.got("a.kel", '["odd name"]["a\\\\b"]'), "1\n")
         self.write("b.kel", '{ "a,b" = 1 " [x]" = 2 }')
@@ -198,6 +218,16 @@ class Exactness(ToolTest):
     def test_json_is_exact(self):
         self.assertEqual(json.loads(self.ok("get", "--to", "json", "a.kelb", ".").out),
                          {"d": 0.1234567, "m": {"$memblock": "AP9hYmM="}, "q": 'say "x"'})
+
+    def test_whole_numbers_in_doubles_are_printed_with_all_digits(self):
+        self.write("b.json", "[3e9, 1234567890123.0, 9007199254740992.0, 1e17, 2.0, -3e9]")
+        paths = [f"[{index}]" for index in range(6)]
+        large = "3000000000\n1234567890123\n9007199254740992\n1e+17\n"
+        self.assertEqual(self.ok("get", "b.json", *paths).out.decode(), large +
+                         "2.0\n-3000000000\n")
+        self.assertEqual(self.ok("get", "--raw", "b.json", *paths).out.decode(),
+                         large + "2\n-3000000000\n")
+        self.assertEqual(self.ok("get", "--to", "json", "b.json", "[4]").out, b"2.0\n")
 
     def test_raw_values_have_no_quotes(self):
         self.assertEqual(self.ok("get", "--raw", "a.kelb", "q", "d").out, b'say "x"\n0.1234567\n')

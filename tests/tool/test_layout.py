@@ -98,6 +98,6 @@ class Layout(ToolTest):
         for indent in ("9", "-1", "10", "", "tabs", "\t"):
             result = self.kel("convert", "--indent", indent, "a.json", "b.json")
             self.assertEqual(result.status, 2)
-        self.fails(2, "kel: --compact excludes --indent\nrun \"kel --help\" for help\n",
+        self.fails(2, "kel: --compact excludes --indent\nrun \"kel convert --help\" for help\n",
                    "convert", "--indent", "2", "--compact", "a.json", "b.json")
         self.assertEqual(self.files(), ["a.json"])

@@ -19,8 +19,8 @@ class Manners(ToolTest):
         super().setUp()
         self.write("a.kel", SETTINGS)
 
-    def on_terminal(self, *arguments, **environment):
-        """Returns what the tool prints if stdout is a terminal."""
+    def on_terminal(self, *arguments, status=0, **environment):
+        """Returns what the tool prints if stdout is a terminal. It must end with the status."""
         terminal, stdout = pty.openpty()
         settings = {name: value for name, value in os.environ.items()
                     if name not in ("NO_COLOR", "PAGER", "LESS")}
@@ -35,7 +35,7 @@ class Manners(ToolTest):
         except OSError:
             pass  # Linux reports in this way that all writers are gone
         os.close(terminal)
-        self.assertEqual((process.stderr.read(), process.wait()), (b"", 0))
+        self.assertEqual((process.stderr.read(), process.wait()), (b"", status))
         process.stderr.close()
         return shown.replace(b"\r\n", b"\n")
 
@@ -61,6 +61,41 @@ class Manners(ToolTest):
         self.write("b.kel", "7")
         shown = self.on_terminal("show", "--color", "never", "a.kel", "b.kel", PAGER="tr a-z A-Z")
         self.assertEqual(shown, self.ok("show", "a.kel", "b.kel").out.upper())
+
+    @posix_only("needs a terminal")
+    def test_a_pager_that_cannot_be_started_is_left_out(self):
+        self.write("b.kel", "[ 1 ]")
+        self.write("no-program", "text")
+        plain = self.ok("show", "a.kel", "b.kel").out
+        for pager in ("no-such-pager", "./no-program"):
+            shown = self.on_terminal("show", "--color", "never", "a.kel", "b.kel",
+                                     PAGER=pager + " 2>/dev/null")
+            self.assertEqual(shown, plain, pager)
+
+    @posix_only("needs a terminal")
+    def test_a_terminal_gets_no_control_characters_of_values(self):
+        text = '{ a = "x\x1b[2J\x07y\tz"\n  "n\x1b" = 1 }'
+        self.write("c.kel", text)
+        for options in (["--no-pager"], ["--no-pager", "--color", "never"], []):
+            shown = self.on_terminal("show", *options, "c.kel", PAGER="cat")
+            self.assertIn(rb'"x\u001b[2J\u0007y' + b'\tz"', shown)
+            self.assertNotIn(b"\x1b[2J", shown)
+            self.assertIn(rb"n\u001b", shown)
+        self.assertIn(b"\x1b[2J\x07", self.ok("show", "c.kel").out)
+
+    @posix_only("needs a terminal, and names with control characters")
+    def test_names_of_files_are_shown_without_control_characters(self):
+        self.write("a\x1b[2J\n.json", "{}  ")
+        self.write("b\x1b[2J\n.json", "{ ]")
+        self.assertEqual(self.kel("fmt", "--check", "a\x1b[2J\n.json").out, b"a\x1b[2J\n.json\n")
+        self.assertEqual(self.on_terminal("fmt", "--check", "a\x1b[2J\n.json", status=1),
+                         b"a\\u001b[2J\\u000a.json\n")
+        for command in ("check", "show", "stats", "dump", "find", "get", "fmt"):
+            pattern = {"find": ["x"], "get": ["x"]}.get(command, [])
+            result = self.kel(command, "b\x1b[2J\n.json", *pattern)
+            self.assertIn("kel: b\\u001b[2J\\u000a.json:", result.err, command)
+            self.assertNotIn("\x1b", result.err)
+        self.fails(2, 'kel: unknown command "a\\u001b"\nrun "kel --help" for help\n', "a\x1b")
 
     @posix_only("needs a terminal")
     def test_a_pager_can_be_left_at_any_time(self):

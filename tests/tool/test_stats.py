@@ -58,6 +58,12 @@ class Stats(ToolTest):
                 self.assertEqual(stats["bytes"][form], len(self.read("out." + ending)),
                                  (source, form))
 
+    def test_one_byte_is_counted_as_one(self):
+        self.write("one.kel", "1")
+        self.assertTrue(self.ok("stats", "one.kel").out.startswith(b"one.kel: text, 1 byte\n"))
+        self.write("two.kel", '"x"')
+        self.assertIn(b"longest string  1 byte, at ", self.ok("stats", "two.kel").out)
+
     def test_the_table_has_a_row_for_each_kind(self):
         self.write("b.json", '{"list": [1, 2.5, true, "Hi"], "none": null}')
         self.assertEqual(self.ok("stats", "b.json").out.decode(), """\

@@ -79,8 +79,11 @@ void CommandLine::argument(const char* name, std::string& value, const char* des
         ->type_name("");
 }
 
-void CommandLine::optionalArgument(const char* name, std::string& value, const char* description) {
-    app_.add_option(name, value, description)->type_name("");
+void CommandLine::optionalArgument(const char* name, std::optional<std::string>& value,
+                                   const char* description) {
+    app_.add_option_function<std::string>(
+            name, [&value](const std::string& text) { value = asTyped(text); }, description)
+        ->type_name("");
 }
 
 void CommandLine::arguments(const char* name, std::vector<std::string>& values,

@@ -40,7 +40,8 @@ public:
     void argument(const char* name, std::string& value, const char* description);
 
     /// Takes an argument that can be left out.
-    void optionalArgument(const char* name, std::string& value, const char* description);
+    void optionalArgument(const char* name, std::optional<std::string>& value,
+                          const char* description);
 
     /// Takes one or more arguments, after all others.
     void arguments(const char* name, std::vector<std::string>& values, const char* description);

@@ -53,7 +53,7 @@ Examples:
 
 "kel COMMAND --help" describes a command.)";
 
-constexpr const char* hint = "\nrun \"kel --help\" for help";
+constexpr const char* generalHint = "\nrun \"kel --help\" for help";
 
 /// Throws if memory ran out. The parser makes texts with streams of the C++ library, which then
 /// drop the rest of their text and report nothing.
@@ -88,11 +88,11 @@ public:
                 return answer.str();
             }
             refuseSwallowedText();
-            throw Failure{Trouble::usage, end.what() + std::string(hint)};
+            throw Failure{Trouble::usage, end.what() + questionAfterTypo() + hint()};
         }
         refuseSwallowedText();
         if (!line_) {
-            throw Failure{Trouble::usage, std::string("A subcommand is required") + hint};
+            throw Failure{Trouble::usage, "A subcommand is required" + hint()};
         }
         line_->finish();
         return std::move(request_);
@@ -116,14 +116,47 @@ private:
         }
         CLI::App* app = app_.add_subcommand(named->name, named->purpose);
         app->footer(named->notes);
+        described_ = app;
         request_.command = named->make();
         line_.emplace(*app);
         request_.command->describe(*line_);
         describeCommon(*line_, request_.common);
     }
 
+    /// Returns where to find help for the command that is described, or for all.
+    std::string hint() const {
+        return described_ == nullptr
+                   ? generalHint
+                   : "\nrun \"kel " + described_->get_name() + " --help\" for help";
+    }
+
+    /// Returns ` (did you mean --OPTION?)` for the first option that the command does not have, or
+    /// nothing if no option is similar.
+    std::string questionAfterTypo() const {
+        if (described_ == nullptr) {
+            return {};
+        }
+        const std::vector<std::string> unknown = described_->remaining();
+        const auto typed = std::find_if(unknown.begin(), unknown.end(), [](const auto& argument) {
+            return argument.starts_with("--");
+        });
+        if (typed == unknown.end()) {
+            return {};
+        }
+        SimilarWord similar(typed->substr(0, typed->find('=')));
+        for (const CLI::Option* option : described_->get_options()) {
+            for (const std::string& name : option->get_lnames()) {
+                similar.offer("--" + name);
+            }
+        }
+        return similar.best().empty() ? "" : " (did you mean " + similar.best() + "?)";
+    }
+
     const std::vector<std::string>& arguments_;
-    CLI::App app_{"Works with files of KEL values: converts, shows, changes, compares and checks them.", "kel"};
+    CLI::App app_{
+        "Works with files of KEL values: converts, shows, changes, compares and checks them.",
+        "kel"};
+    const CLI::App* described_ = nullptr; ///< the command that the first argument names
     Request request_;
     std::optional<CommandLine> line_;
 };
@@ -135,7 +168,8 @@ void refuseCommand(const std::string& name) {
     for (const CommandEntry* entry : allCommands()) {
         similar.offer(entry->name);
     }
-    throw Failure{Trouble::usage, "unknown command \"" + name + '"' + similar.question() + hint};
+    throw Failure{Trouble::usage,
+                  "unknown command \"" + name + '"' + similar.question() + generalHint};
 }
 
 Answer generalHelp() {

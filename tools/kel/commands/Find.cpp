@@ -5,6 +5,7 @@
 #include "failures/Failure.h"
 #include "find/Finder.h"
 #include "find/KindWord.h"
+#include "losses/DocumentScan.h"
 #include "words/Printer.h"
 #include "words/ValueText.h"
 
@@ -21,7 +22,7 @@ where * stands for any characters and ? for one. --kind restricts what is found 
 without PATTERN it finds all values of the kind.
 
 A value in several places is found at the first one, and by its name at each. With --all, it is
-found at every place.
+found at every place. The list ends with an error where it would exceed --max-output.
 
 The exit status is 0 if something was found and 1 if nothing was. With --quiet, the exit status is
 the only result, and the search stops at the first match.
@@ -53,13 +54,15 @@ public:
         line.flag("-l,--paths-only", pathsOnly_, "Print the paths alone");
         line.flag("-c,--count", counts_, "Print the number of matches alone");
         line.from(from_);
+        line.maxOutput(maxOutput_);
     }
 
     int run(Console& console) override {
-        if (pattern_.empty() && !kind_) {
+        const bool hasPattern = pattern_.has_value() && (isGlob_ || !pattern_->empty());
+        if (!hasPattern && !kind_) {
             throw Failure{Trouble::usage, "PATTERN is required, or --kind"};
         }
-        if (pattern_.empty() && (names_ || values_ || isGlob_ || ignoresCase_)) {
+        if (!hasPattern && (names_ || values_ || isGlob_ || ignoresCase_)) {
             throw Failure{Trouble::usage, "PATTERN is required with --names, --values, --glob and "
                                           "--ignore-case"};
         }
@@ -74,8 +77,8 @@ public:
 private:
     Sought soughtValues() const {
         Sought sought;
-        if (!pattern_.empty()) {
-            sought.pattern.emplace(pattern_, isGlob_, ignoresCase_);
+        if (pattern_ && (isGlob_ || !pattern_->empty())) {
+            sought.pattern.emplace(*pattern_, isGlob_, ignoresCase_);
         }
         sought.inNames = names_ || !values_;
         sought.inValues = values_ || !names_;
@@ -103,14 +106,20 @@ private:
     }
 
     int list(Content&& content, const Sought& sought, Console& console) const {
+        const uint64_t limit = maxOutput_.value_or(usualOutputLimit(content.bytes.size()));
+        uint64_t size = 0; // of all lines so far
         Printer printer(console);
         const Painter painter = console.painterFor(stdout);
         Finder finder(sought, [&](const TreeCursor& cursor, const std::string& path) {
-            printer.put(painter(Paint::name, path));
-            if (!pathsOnly_) {
-                printer.put(": ");
-                printer.put(wordsFor(cursor.value()));
+            const std::string words = pathsOnly_ ? "" : ": " + wordsFor(cursor.value());
+            size += path.size() + words.size() + 1;
+            if (size > limit) {
+                throw Failure{Trouble::refused, input_ + ": the list would exceed " +
+                                                    std::to_string(limit) +
+                                                    " bytes; use --max-output to allow more"};
             }
+            printer.put(painter(Paint::name, path));
+            printer.put(words);
             printer.put("\n");
         });
         visit(std::move(content), finder, console);
@@ -128,7 +137,7 @@ private:
     static int statusOf(const Finder& finder) { return finder.count() > 0 ? 0 : 1; }
 
     std::string input_;
-    std::string pattern_; ///< empty if it was left out
+    std::optional<std::string> pattern_;
     bool names_ = false;
     bool values_ = false;
     std::optional<int32_t> kind_;
@@ -138,6 +147,7 @@ private:
     bool pathsOnly_ = false;
     bool counts_ = false;
     std::optional<Format> from_;
+    std::optional<uint64_t> maxOutput_;
 };
 
 } // namespace

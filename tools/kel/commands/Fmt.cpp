@@ -9,6 +9,8 @@
 #include "failures/FailureReport.h"
 #include "findings/Unkept.h"
 #include "losses/DocumentScan.h"
+#include "path/PathText.h"
+#include "system/System.h"
 
 #include <algorithm>
 
@@ -92,7 +94,7 @@ private:
             return 0;
         }
         if (isCheck_) {
-            print(name + '\n');
+            list(name);
             return exitStatus(Trouble::refused);
         }
         if (extra && !isForced_) {
@@ -118,7 +120,7 @@ private:
             return 0;
         }
         if (isCheck_) {
-            print(name + '\n');
+            list(name);
             return exitStatus(Trouble::refused);
         }
         reportLosses(laidOut, name, console);
@@ -141,6 +143,11 @@ private:
                           list + "\nnothing was written; use --force to format the rest"};
         }
         console.warn(list);
+    }
+
+    /// Prints the name of a file that would change. Scripts get it unchanged.
+    static void list(const std::string& name) {
+        print((isTerminal(stdout) ? withoutControls(name) : name) + '\n');
     }
 
     std::string output(const std::string& name) const { return isInPlace_ ? name : "-"; }

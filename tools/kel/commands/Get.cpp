@@ -93,9 +93,9 @@ private:
         std::vector<Value> values;
         for (const Path& path : paths_) {
             std::optional<Value> value = lookUp(input.document, path, console);
-            values.push_back(
-                value ? *std::move(value)
-                      : valueOfArgument(*default_, form, to_.value_or(Format::text), "--default"));
+            values.push_back(value ? *std::move(value)
+                                   : valueOfArgument(*default_, form, to_.value_or(Format::text),
+                                                     "--default", "--raw prints"));
         }
         // The values can contain themselves where those of the input can.
         Input found{input.format, Document(std::move(values), input.format == Format::binary)};

@@ -21,20 +21,20 @@ public:
     }
 
     int run(Console&) override {
-        if (name_.empty()) {
+        if (!name_) {
             print(generalHelp());
             return 0;
         }
-        const CommandEntry* entry = commandNamed(name_);
+        const CommandEntry* entry = commandNamed(*name_);
         if (entry == nullptr) {
-            refuseCommand(name_);
+            refuseCommand(*name_);
         }
         print(helpOf(*entry));
         return 0;
     }
 
 private:
-    std::string name_;
+    std::optional<std::string> name_;
 };
 
 } // namespace

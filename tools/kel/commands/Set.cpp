@@ -13,8 +13,9 @@ constexpr const char* notes =
 
 If the last step of PATH is missing, it is created: a variable, or the element of an array whose
 number is the number of elements. A pair of an index list is set by an array of its key and its
-item, and the element of a manager by its whole identity. An existing value is replaced, even by
-one of another kind. A checked struct refuses a value that its descriptor does not allow.
+item, and the element of a manager by its whole identity: presets#IDENTITY, or #IDENTITY if the root
+value is the manager. An existing value is replaced, even by one of another kind. A checked struct
+refuses a value that its descriptor does not allow.
 
 The whole file is written, to stdout in the format of FILE or with -i to FILE itself. There it
 appears whole or not at all, and FILE keeps its permissions. Text and JSON are written as "kel
@@ -55,7 +56,7 @@ protected:
         const ValueForm form = isString_ ? ValueForm::string
                                : isJson_ ? ValueForm::json
                                          : ValueForm::text;
-        editor.set(path_, valueOfArgument(valueText_, form, target, "VALUE"));
+        editor.set(path_, valueOfArgument(valueText_, form, target, "VALUE", "--string takes"));
     }
 
 private:

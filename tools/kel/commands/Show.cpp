@@ -7,6 +7,7 @@
 #include "losses/DocumentScan.h"
 #include "system/System.h"
 #include "words/PaintedText.h"
+#include "words/SafeText.h"
 
 #include <algorithm>
 
@@ -46,6 +47,11 @@ public:
                 }
             }
         }
+        try {
+            finishPager();
+        } catch (...) {
+            worst = std::max(worst, exitStatus(reportFailure(console)));
+        }
         return worst;
     }
 
@@ -62,7 +68,9 @@ private:
         refuseUnshowable(input.document, name, maxOutput_.value_or(usualOutputLimit(size)));
         const bool isPaged = !isUnpaged_ && isTerminal(stdout);
         const Painter painter = console.painterFor(stdout);
-        if (isPaged || painter.isOn()) {
+        if (isTerminal(stdout)) {
+            put(painted(forTerminal(textOf(input.document)), painter), isPaged, console);
+        } else if (painter.isOn()) {
             put(painted(textOf(input.document), painter), isPaged, console);
         } else {
             writeTo("-", console,
@@ -80,13 +88,22 @@ private:
             print(text);
             return;
         }
+        paged_ += text;
         std::fwrite(text.data(), 1, text.size(), pager_->file()); // the person can leave any time
+    }
+
+    /// Waits for the pager. If it could not be started, prints what it should have shown.
+    void finishPager() {
+        if (pager_ && pager_->file() != nullptr && !pager_->finish()) {
+            print(paged_);
+        }
     }
 
     std::vector<std::string> inputs_;
     std::optional<Format> from_;
     bool isUnpaged_ = false;
     std::optional<Pager> pager_;
+    std::string paged_; ///< all that the pager got
     std::optional<uint64_t> maxOutput_;
 };
 

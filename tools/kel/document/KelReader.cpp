@@ -1,12 +1,14 @@
 #include "document/KelReader.h"
 
 #include "document/KelWriter.h"
+#include "explain/BinaryExplainer.h"
 #include "explain/Refusal.h"
 #include "failures/Failure.h"
 #include "failures/LibraryFailure.h"
 #include "system/System.h"
 #include "words/GuidText.h"
 
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -117,6 +119,17 @@ Ending readUntilFailure(std::string_view content, Format format, std::vector<Val
     return ending;
 }
 
+/// Refuses records whose lengths are wrong. For a length that no memory holds, the library reports
+/// only a lack of memory.
+/// \throws Failure malformed
+void refuseWrongLengths(std::string_view content, const std::string& inputName) {
+    constexpr size_t nowhere = std::numeric_limits<size_t>::max();
+    const std::string noOtherReason;
+    if (!explainBinary(content, nowhere, noOtherReason).reason.empty()) {
+        throw failureOf({Format::binary, content, inputName, 0, nowhere, noOtherReason, {}});
+    }
+}
+
 /// Returns the library's message without its lead and its line, which the tool finds itself.
 std::string withoutLine(const std::string& message) {
     constexpr std::string_view lead = "Error reading KEL - ";
@@ -133,7 +146,7 @@ Document readKel(std::string content, Format format, const std::string& inputNam
     const size_t size = content.size();
     const EndMark mark;
     content += mark.writtenAs(format);
-    {
+    try {
         std::vector<Value> roots;
         const Ending ending = readUntilFailure(content, format, roots);
         const bool isWhole = ending.isEndOfInput && !roots.empty() && mark.isReadAs(roots.back());
@@ -145,6 +158,11 @@ Document readKel(std::string content, Format format, const std::string& inputNam
         if (isWhole && !document.roots().empty()) {
             return document;
         }
+    } catch (const std::bad_alloc&) {
+        if (format == Format::binary) {
+            refuseWrongLengths(std::string_view(content).substr(0, size), inputName);
+        }
+        throw;
     }
     // Read again without the mark, which may have changed the library's message.
     content.resize(size);

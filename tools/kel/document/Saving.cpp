@@ -133,7 +133,8 @@ void refuseUnshowable(Document& document, const std::string& inputName, uint64_t
     const DocumentScan found = scan(document, Format::text, inputName, nullptr);
     if (found.cycle) {
         throw Failure{Trouble::refused, inputName + ": " + *found.cycle +
-                                            ": Cannot write a value that contains itself."};
+                                            ": Cannot write a value that contains itself.\n"
+                                            "use kel dump or kel html, which show it"};
     }
     refuseHugeOutput(found, Format::text, limit, inputName);
 }

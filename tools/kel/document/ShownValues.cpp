@@ -8,9 +8,9 @@
 #include "losses/DocumentScan.h"
 #include "losses/FormatLimits.h"
 #include "losses/Losses.h"
-#include "path/PathText.h"
 #include "system/System.h"
 #include "words/DoubleText.h"
+#include "words/SafeText.h"
 #include "words/ValueText.h"
 
 #include <charconv>
@@ -68,31 +68,21 @@ Losses inexactPlaces(const Document& values) {
     return places;
 }
 
-/// Returns the text without the control characters that a terminal could obey.
-std::string forTerminal(std::string_view text) {
-    std::string safe;
-    while (!text.empty()) {
-        const size_t end = std::min(text.find_first_of("\n\t"), text.size());
-        safe += withoutControls(text.substr(0, end));
-        safe += text.substr(end, 1);
-        text.remove_prefix(std::min(end + 1, text.size()));
+/// Returns the text form of a double with as many digits as it needs, or its words if text cannot
+/// carry it.
+std::string textOfDouble(double value) {
+    if (!isCarriedByText(value)) {
+        return wordsFor(value);
     }
-    return safe;
+    std::string text = sixDecimalsOf(value);
+    const size_t last = text.find_last_not_of('0');
+    text.resize(text[last] == '.' ? last + 2 : last + 1);
+    return text;
 }
 
-/// Returns the text form of a double with as many digits as it needs.
-std::string textOfDouble(double value) {
-    if (isCarriedByText(value)) {
-        std::string text = sixDecimalsOf(value);
-        const size_t last = text.find_last_not_of('0');
-        text.resize(text[last] == '.' ? last + 2 : last + 1);
-        return text;
-    }
-    std::string text = wordsFor(value);
-    if (text.find_first_not_of("-0123456789") == std::string::npos) {
-        text += ".0"; // otherwise it would look like an Int
-    }
-    return text;
+/// Returns the double for scripts: like its text form, but a whole number without a point.
+std::string rawTextOfDouble(double value) {
+    return value == std::trunc(value) ? wordsFor(value) : textOfDouble(value);
 }
 
 /// Writes a value, on lines of its own.
@@ -140,7 +130,7 @@ std::optional<std::string> rawTextOf(const KEL* value) {
     case KELKind_String:
         return value->toString();
     case KELKind_Double:
-        return textOfDouble(value->toDouble());
+        return rawTextOfDouble(value->toDouble());
     case KELKind_Int:
     case KELKind_Boolean:
     case KELKind_guid:

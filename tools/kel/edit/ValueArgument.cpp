@@ -84,10 +84,27 @@ Value valueOfText(const std::string& argument, Format target, const std::string&
     return onlyValueOf(readKel(argument, Format::text, name), name);
 }
 
+/// Returns whether the whole text, which is not a value, can be meant as a string: it has no quotes
+/// of its own and is neither a container nor a reference.
+bool isMeantAsString(std::string_view text) {
+    return text.find('"') == std::string_view::npos && !text.starts_with("REF") &&
+           (text.empty() || std::string_view("[{(<").find(text.front()) == std::string_view::npos);
+}
+
+/// Adds how a string is written on a command line, in place of a hint at its quotes alone.
+void adviseQuotes(std::string& message, const char* verbatim) {
+    const size_t hint = message.rfind("\n");
+    if (hint != std::string::npos && message.find("= hint: ", hint) != std::string::npos) {
+        message.resize(hint);
+    }
+    message += std::string("\na string has double quotes inside the argument, as in '\"dark\"'; ") +
+               verbatim + " the argument as it is";
+}
+
 } // namespace
 
 Value valueOfArgument(const std::string& argument, ValueForm form, Format target,
-                      const std::string& name) {
+                      const std::string& name, const char* verbatim) {
     try {
         switch (form) {
         case ValueForm::string:
@@ -101,10 +118,9 @@ Value valueOfArgument(const std::string& argument, ValueForm form, Format target
     } catch (Failure& failure) {
         if (failure.trouble == Trouble::malformed) {
             failure.trouble = Trouble::usage;
-            failure.message += form == ValueForm::text
-                                   ? "\na string has double quotes inside the argument, as in "
-                                     "'\"dark\"'; --string takes the argument as it is"
-                                   : "";
+            if (form == ValueForm::text && isMeantAsString(argument)) {
+                adviseQuotes(failure.message, verbatim);
+            }
         }
         throw;
     }

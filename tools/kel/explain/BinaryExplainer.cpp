@@ -184,7 +184,7 @@ private:
         } else if (fixed && length != *fixed) {
             failLength("", *fixed, length);
         } else if (length > left) {
-            failLength("at most ", left, length);
+            failLength("at most ", rest().size() - recordHeaderSize, length);
         } else if (isBytes && length > longestPayload) {
             failLength("at most ", longestPayload, length);
         } else {

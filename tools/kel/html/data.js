@@ -279,6 +279,7 @@ function readRules(value) {
                   before: textOfString(memberOf(value, "preadorn")),
                   after: textOfString(memberOf(value, "postadorn")) };
   rules.isRanged = isNumber(rules.min) && isNumber(rules.max);
+  rules.isSlider = rules.isRanged && numberOf(rules.min) <= numberOf(rules.max);
   rules.isChoice = !rules.isRanged && kindOf(rules.allowed) === KIND.array;
   return rules;
 }

@@ -25,6 +25,15 @@ function makeRange(value, rules, isBad) {
   return range;
 }
 
+// Adds the range of a number, or the kind of another value, which has no place in the range.
+function addRange(element, value, rules, isBad) {
+  if (isNumber(value)) {
+    element.append(makeRange(value, rules, isBad));
+  } else if (value !== 0) {
+    element.append(make("span", "chip", kindOf(value) === KIND.string ? "text" : data.kindWords[kindOf(value)]));
+  }
+}
+
 // Returns the bytes of a memory block as lines of hexadecimal numbers and ASCII characters.
 function dumpOf(base64) {
   const bytes = Uint8Array.from(atob(base64), (c) => c.charCodeAt(0));
@@ -78,7 +87,7 @@ function makeLink(text, place, follow) {
 function addRules(panel, place, rules, follow) {
   const value = valueAt(place);
   panel.append(make("h3", "", "Descriptor"));
-  if (rules.isRanged) panel.append(makeRange(value, rules, violations.has(place)));
+  if (rules.isSlider) addRange(panel, value, rules, violations.has(place));
   const facts = make("dl");
   if (isNumber(rules.kind)) addFact(facts, "Type", wordOfCode(data.contents[rules.kind]));
   if (rules.standard !== 0) addFact(facts, "Default", contentOf(rules.standard));

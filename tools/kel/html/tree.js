@@ -146,7 +146,7 @@ class Tree {
     if (glance) cell.append(make("span", "glance", glance));
     element.append(cell);
     if (value !== 0) notes.push(content);
-    if (rules?.isRanged) element.append(makeRange(value, rules, violations.has(place)));
+    if (rules?.isSlider) addRange(element, value, rules, violations.has(place));
     if (rules?.isChoice) {
       element.append(make("span", "choices", choicesOf(rules.allowed)));
     }

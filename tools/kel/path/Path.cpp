@@ -123,21 +123,29 @@ private:
         std::string name;
         while (!skip("\"]")) {
             if (at_ >= text_.size()) {
-                fail("\"\\\"]\" is expected");
+                fail("the end of the quoted name, \"], is expected");
             }
-            if (skip("\\u")) {
-                name += byte(4);
-            } else if (skip("\\x")) {
-                name += byte(2);
-            } else {
-                skip("\\");
-                if (at_ >= text_.size()) {
-                    fail("a character is expected");
-                }
-                name += text_[at_++];
-            }
+            name += skip("\\") ? escaped() : text_[at_++];
         }
         return name;
+    }
+
+    /// Takes the rest of an escape, after its backslash.
+    char escaped() {
+        if (skip("u")) {
+            return byte(4);
+        }
+        if (skip("x")) {
+            return byte(2);
+        }
+        constexpr std::string_view letters = "\"\\nt";
+        constexpr std::string_view characters = "\"\\\n\t";
+        const size_t which = at_ < text_.size() ? letters.find(text_[at_]) : std::string_view::npos;
+        if (which == std::string_view::npos) {
+            fail("one of the escapes \\\", \\\\, \\n, \\t, \\uHHHH and \\xHH is expected");
+        }
+        ++at_;
+        return characters[which];
     }
 
     /// Takes the digits of a byte in an escape.

@@ -28,7 +28,8 @@ struct Step {
 ///
 /// - `window.size[0]`: the first element of the variable size of the variable window
 /// - `["odd name"].x`: names of other characters than letters, digits, "_" and "@" are quoted; in
-///   quotes `\"`, `\\`, `\u00HH` and `\xHH` stand for the characters that PathText writes so
+///   quotes `\"`, `\\`, `\u00HH` and `\xHH` stand for the characters that PathText writes so, and
+///   `\n` and `\t` for a line end and a tab; every other escape is refused
 /// - `[3].key`: the key of the fourth pair of an index list
 /// - `presets#3F2504E0-4F89-11D3-9A0C-0305E82C3301.name`: a manager's element by its identity; the
 ///   first digits suffice if they fit one value alone; at the beginning: any value of the document

@@ -1,5 +1,6 @@
 #include "path/PathText.h"
 
+#include "words/SafeText.h"
 #include "words/Utf8.h"
 
 #include <algorithm>
@@ -11,13 +12,6 @@ namespace {
 constexpr size_t shownEnd = 76;
 constexpr std::string_view gap = " ... ";
 
-void appendHex(std::string& out, const char* prefix, unsigned char byte) {
-    constexpr char digits[] = "0123456789abcdef";
-    out += prefix;
-    out += digits[byte >> 4U];
-    out += digits[byte & 0xFU];
-}
-
 } // namespace
 
 bool isBareInPath(char c) {
@@ -27,18 +21,7 @@ bool isBareInPath(char c) {
 
 std::string withoutControls(std::string_view text) {
     std::string out;
-    while (!text.empty()) {
-        const size_t length = utf8SequenceLength(text);
-        const auto byte = static_cast<unsigned char>(text[0]);
-        if (length == 0) {
-            appendHex(out, "\\x", byte);
-        } else if (byte < 0x20 || byte == 0x7F) {
-            appendHex(out, "\\u00", byte);
-        } else {
-            out += text.substr(0, length);
-        }
-        text.remove_prefix(std::max<size_t>(length, 1));
-    }
+    putWithoutControls(text, {}, [&out](std::string_view piece) { out += piece; });
     return out;
 }
 

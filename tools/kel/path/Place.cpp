@@ -6,6 +6,7 @@
 #include "words/GuidText.h"
 #include "words/SimilarWord.h"
 
+#include <algorithm>
 #include <optional>
 #include <unordered_set>
 
@@ -115,11 +116,22 @@ private:
                 found->root = root;
             }
         }
+        if (!found && isManager(path_.root)) {
+            return; // the step leads to an element that the root value itself can get
+        }
         if (!found) {
             refuse('#' + digits, "not found");
         }
         found->steps.insert(found->steps.end(), path_.steps.begin() + 1, path_.steps.end());
         path_ = *std::move(found);
+    }
+
+    /// Returns whether a root value, by default the only one, is a manager.
+    bool isManager(std::optional<size_t> root) const {
+        const auto& roots = document_.roots();
+        const size_t number = root.value_or(0);
+        const bool isClear = number < roots.size() && (root || roots.size() == 1);
+        return isClear && dynamic_cast<const KEL_Manager*>(roots[number].get()) != nullptr;
     }
 
     Place rootPlace() {
@@ -259,7 +271,8 @@ private:
         return textOfGuid(value.getHashCode(identity));
     }
 
-    /// Returns a question with the most similar name of the container, if one is similar.
+    /// Returns a question with the most similar name of the container, if one is similar. A name
+    /// that needs quotes in a path has them.
     static std::string hintFor(const Place& place) {
         if (place.step.kind != Step::Kind::name) {
             return {};
@@ -269,7 +282,12 @@ private:
         for (KELVarCursor at; structure.nextVar(at);) {
             similar.offer({at.name, static_cast<size_t>(at.length)});
         }
-        return similar.question();
+        if (std::all_of(similar.best().begin(), similar.best().end(), isBareInPath)) {
+            return similar.question();
+        }
+        PathText step;
+        step.addName(similar.best());
+        return " (did you mean " + step.whole() + "?)";
     }
 
     const Document& document_;

@@ -98,7 +98,7 @@ std::string summaryOf(const Stats& stats) {
                            std::to_string(stats.cycles) + " of them inside themselves");
     }
     if (stats.longestPath) {
-        line("longest string", std::to_string(stats.longest) + " bytes, at " + *stats.longestPath);
+        line("longest string", counted(stats.longest, "byte") + ", at " + *stats.longestPath);
     }
     return text;
 }
@@ -138,7 +138,7 @@ std::string tableOf(const FileStats& file) {
     table.add("bytes in all", cells);
     addRow(table, "cannot be held", "", stats.notHeld);
     return withoutControls(file.name) + ": " + nameOf(file.format) + ", " +
-           std::to_string(file.size) + " bytes\n" + summaryOf(stats) + '\n' + table.text();
+           counted(file.size, "byte") + '\n' + summaryOf(stats) + '\n' + table.text();
 }
 
 std::string jsonOf(const FileStats& file, bool isIndented) {

@@ -2,6 +2,7 @@
 
 #include "system/Progress.h"
 #include "system/System.h"
+#include "words/SafeText.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -97,7 +98,7 @@ Trouble Console::sayOfFile(std::string_view message) noexcept {
     const std::lock_guard lock(mutex_);
     beginLine(Paint::error, "kel: ");
     if (work_ != Work::starting) {
-        print(file_);
+        printName(file_);
         print(work_ == Work::writing ? ": cannot be written: " : ": ");
     }
     endLine(message);
@@ -137,7 +138,7 @@ void Console::drawUntilEnd() {
         erase();
         print("kel: ");
         print(wordsFor(work_));
-        print(file_);
+        printName(file_);
         print(", ");
         print({digits, end.ptr});
         print(" s");
@@ -168,13 +169,21 @@ void Console::beginLine(Paint paint, std::string_view lead) {
 }
 
 void Console::endLine(std::string_view message) {
-    print(message);
+    if (!file_.empty() && message.starts_with(file_)) {
+        printName(file_); // the line ends of a message are its own, but not those of a name
+        message.remove_prefix(file_.size());
+    }
+    putWithoutControls(message, "\n\t", [this](std::string_view piece) { print(piece); });
     print("\n");
     hasSaidAll_ = std::fflush(stderr) == 0 && std::ferror(stderr) == 0 && hasSaidAll_;
 }
 
 void Console::print(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void Console::printName(std::string_view name) {
+    putWithoutControls(name, {}, [this](std::string_view piece) { print(piece); });
 }
 
 } // namespace kel::tool

@@ -24,7 +24,8 @@ enum class Work { starting, reading, checking, writing };
 /// Writes everything that people read to stderr. If stderr is a terminal and the work has taken
 /// more than a second, a line at the bottom shows the current work and its duration. It disappears
 /// before a message and at the end. A separate thread draws the line, because the library reads and
-/// writes a value in one call. Printing allocates nothing.
+/// writes a value in one call. Control characters in messages and names are escaped. Printing
+/// allocates nothing.
 class Console {
 public:
     Console();
@@ -78,6 +79,7 @@ private:
     void beginLine(Paint paint, std::string_view lead);
     void endLine(std::string_view message);
     void print(std::string_view text);
+    void printName(std::string_view name);
 
     const Clock::time_point start_ = Clock::now();
     std::mutex mutex_; ///< guards all below

@@ -13,7 +13,9 @@
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kel::tool {
 
@@ -131,6 +133,7 @@ std::vector<std::string> argumentsOf(int argc, const char* const* argv) {
 
 void prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     occupyClosed(STDIN_FILENO, O_WRONLY);
     occupyClosed(STDOUT_FILENO, O_RDONLY);
     occupyClosed(STDERR_FILENO, O_RDONLY);
@@ -164,9 +167,18 @@ Pager::Pager() : file_(popen(pagerCommand(), "we")) {
 }
 
 Pager::~Pager() {
-    if (file_ != nullptr) {
-        pclose(file_);
+    finish();
+}
+
+bool Pager::finish() {
+    if (file_ == nullptr) {
+        return false;
     }
+    constexpr int cannotRun = 126; // of the shell, for a program that is not executable
+    constexpr int notFound = 127;
+    const int status = pclose(std::exchange(file_, nullptr));
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+    return status != -1 && code != cannotRun && code != notFound;
 }
 
 std::filesystem::path pathOf(const std::string& name) {

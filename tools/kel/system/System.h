@@ -22,9 +22,9 @@ namespace kel::tool {
 /// they are read as wide text from the process, whatever main was given.
 std::vector<std::string> argumentsOf(int argc, const char* const* argv);
 
-/// Prepares the process. stdin and stdout pass bytes unchanged. A write to a closed pipe fails like
-/// any other write instead of ending the process. If stdin, stdout or stderr is closed, its use
-/// fails, and no file that is opened later takes its place.
+/// Prepares the process. stdin and stdout pass bytes unchanged. A write to a closed pipe or beyond
+/// the limit of a file's size fails like any other write instead of ending the process. If stdin,
+/// stdout or stderr is closed, its use fails, and no file that is opened later takes its place.
 void prepareProcess();
 
 /// Makes every allocation fail that would give the process more than this number of bytes in all.
@@ -103,6 +103,10 @@ public:
     Pager& operator=(const Pager&) = delete;
     /// Waits until the person has finished.
     ~Pager();
+
+    /// Waits until the person has finished. Call it once.
+    /// \return whether the program could be started; if not, nothing was shown
+    bool finish();
 
     /// Returns the file to write to, or null if the system has no such program.
     std::FILE* file() { return file_; }

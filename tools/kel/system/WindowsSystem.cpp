@@ -8,6 +8,7 @@
 #include <mutex>
 #include <new>
 #include <thread>
+#include <utility>
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
@@ -202,9 +203,16 @@ Pager::Pager() : file_(nullptr) {
 }
 
 Pager::~Pager() {
-    if (file_ != nullptr) {
-        _pclose(file_);
+    finish();
+}
+
+bool Pager::finish() {
+    if (file_ == nullptr) {
+        return false;
     }
+    constexpr int notFound = 9009; // of the command interpreter, which also ends with 1 then
+    const int status = _pclose(std::exchange(file_, nullptr));
+    return status != -1 && status != 1 && status != notFound;
 }
 
 fs::path pathOf(const std::string& name) {

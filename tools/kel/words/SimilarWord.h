@@ -16,6 +16,9 @@ public:
     /// Compares a word. Words of more than 64 bytes are never similar.
     void offer(std::string_view word);
 
+    /// Returns the most similar word, or nothing if no word is similar.
+    const std::string& best() const { return best_; }
+
     /// Returns ` (did you mean "WORD"?)`, or nothing if no word is similar.
     std::string question() const;
 

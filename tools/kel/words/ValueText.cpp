@@ -6,6 +6,7 @@
 #include "words/Utf8.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace kel::tool {
 
@@ -22,8 +23,12 @@ std::string wordsFor(std::string_view text) {
 }
 
 std::string wordsFor(double value) {
+    constexpr double endOfAllWhole = 9007199254740992.0; // 2^53: from here some are left out
     char digits[32];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value);
+    const bool isWhole = std::fabs(value) <= endOfAllWhole && value == std::trunc(value);
+    const auto end =
+        isWhole ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed)
+                : std::to_chars(digits, digits + sizeof digits, value);
     return std::string(digits, end.ptr);
 }
 

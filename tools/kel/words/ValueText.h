@@ -15,7 +15,8 @@ std::string wordsFor(const KEL* value);
 /// Returns the text in quotes, cut off if it is long.
 std::string wordsFor(std::string_view text);
 
-/// Returns the double in its shortest exact form.
+/// Returns the double in its shortest exact form, but a whole number up to 2^53 with all its digits
+/// and nothing else.
 std::string wordsFor(double value);
 
 } // namespace kel::tool
