@@ -9,6 +9,7 @@ import functools
 import json
 import os
 import pathlib
+import re
 import shutil
 import struct
 import subprocess
@@ -124,6 +125,25 @@ class ToolTest(unittest.TestCase):
         result = self.kel(*arguments, **options)
         self.assertEqual((result.status, result.err), (status, message))
         return result
+
+    def headings(self, message):
+        """Returns the lines of a message without the excerpts. The first hundred lines that have a
+        place must have one, with the line's number, and with its mark at the column."""
+        found = []
+        count = 0
+        lines = iter(message.splitlines())
+        for line in lines:
+            found.append(line)
+            place = re.match(r"kel: [^:]+:(\d+):(\d+): ", line)
+            count += place is not None
+            if place and count <= 100:
+                number, text = next(lines).split(" | ", 1)
+                self.assertEqual(number, f"{place[1]:>5}")
+                margin, mark = next(lines).split(" | ", 1)
+                self.assertRegex(margin + mark, r"\A\s+\^+\Z")
+                if not text.startswith("...") and "\\" not in text:
+                    self.assertEqual(mark.index("^"), int(place[2]) - 1)
+        return found
 
 
 # Binary files, byte for byte.

@@ -418,9 +418,10 @@ class Sharing(Edit):
         self.assertEqual(self.ok("get", "a.json", path + "[0]").out, b"2\n")
 
     def test_what_values_do_not_keep_is_not_lost_silently(self):
-        for name, content, place in (("a.json", '{"a": 1, "a": 3}', "a.json:1: a: a repeated name"),
-                                     ("a.kel", "{ a = 1 a = 3 }", "a.kel:1: a: a repeated name"),
-                                     ("a.kel", "{ a = 4294967297 }", "a.kel:1: a: 4294967297 ")):
+        for name, content, place in (("a.json", '{"a": 1, "a": 3}',
+                                      "a.json:1:10: a: a repeated name"),
+                                     ("a.kel", "{ a = 1 a = 3 }", "a.kel:1:9: a: a repeated name"),
+                                     ("a.kel", "{ a = 4294967297 }", "a.kel:1:7: a: 4294967297 ")):
             self.write(name, content)
             for options in ([], ["-i"]):
                 result = self.kel("set", *options, name, "b", "1")

@@ -145,7 +145,8 @@ class Faults(ToolTest):
         cases += [Case(["check", *files]), Case(["check", "-"], stdin="a.kelb"),
                   Case(["check", "--strict", "--schema", "schema.kel", *files]),
                   Case(["check", "--strict", "--json", "doubtful.kel", "twice.json",
-                        "broken.json"])]
+                        "broken.json"]),
+                  Case(["check", "--strict", "doubtful.kel", "lossy.json"])]
         for name, target in (("a.kel", "json"), ("plain.json", "kel"), ("plain.json", "kelb"),
                              ("a.kelb", "kel"), ("a.kelb", "json"), ("a.json", "kel")):
             cases.append(Case(["convert", "--force", name, "out." + target], "out." + target))

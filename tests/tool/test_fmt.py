@@ -72,9 +72,10 @@ class Fmt(ToolTest):
 
     def test_numbers_that_text_would_change_are_refused(self):
         self.write("b.kel", "[ 0.1234567\n4294967297\n{ a = 1 a = 2 } ]")
-        self.fails(1, "kel: b.kel:1: [0]: 0.1234567 has more than the six decimals that are written\n"
-                      "  b.kel:2: [1]: 4294967297 does not fit in 32 bits and is read as 1\n"
-                      "  b.kel:3: [2].a: a repeated name; only its last value is kept (first at "
+        self.fails(1, "kel: b.kel:1:3: [0]: 0.1234567 has more than the six decimals that are "
+                      "written\n"
+                      "  b.kel:2:1: [1]: 4294967297 does not fit in 32 bits and is read as 1\n"
+                      "  b.kel:3:9: [2].a: a repeated name; only its last value is kept (first at "
                       "line 3)\n"
                       "nothing was written; use --force to write the rest\n", "fmt", "b.kel")
 

@@ -14,12 +14,12 @@ DEEP = 20_000
 class Schema(ToolTest):
     def finds(self, schema, content, *lines, name="a.kel", options=()):
         """Expects a check against the schema to print exactly these lines, each after the name of
-        the file."""
+        the file and with its excerpt."""
         self.write("schema.kel", schema)
         self.write(name, content)
-        message = "".join(f"kel: {name}{line}\n" for line in lines)
-        self.fails(1 if lines else 0, message,
-                   "check", "--schema", "schema.kel", *options, name)
+        result = self.kel("check", "--schema", "schema.kel", *options, name)
+        self.assertEqual((result.status, self.headings(result.err)),
+                         (1 if lines else 0, [f"kel: {name}{line}" for line in lines]))
 
 
 class Comparison(Schema):
@@ -29,11 +29,11 @@ class Comparison(Schema):
 
     def test_a_value_outside_its_range_or_choices_is_reported_with_its_line(self):
         self.finds(SETTINGS, '{ level = 11\nmode = "off" }',
-                   ":1: level: 11 is not allowed (allowed: 0 to 10)",
-                   ':2: mode: "off" is not allowed (allowed: "low", "high")')
+                   ":1:3: level: 11 is not allowed (allowed: 0 to 10)",
+                   ':2:1: mode: "off" is not allowed (allowed: "low", "high")')
         self.finds(SETTINGS, '{"level": 11,\n"mode": "off"}',
-                   ":1: level: 11 is not allowed (allowed: 0 to 10)",
-                   ':2: mode: "off" is not allowed (allowed: "low", "high")', name="a.json")
+                   ":1:2: level: 11 is not allowed (allowed: 0 to 10)",
+                   ':2:1: mode: "off" is not allowed (allowed: "low", "high")', name="a.json")
 
     def test_binary_is_compared_too(self):
         self.finds(SETTINGS, struct_record([(b"level", int_record(11, 2)),
@@ -42,8 +42,8 @@ class Comparison(Schema):
 
     def test_a_value_of_another_kind_is_reported(self):
         self.finds(SETTINGS, '{ level = "5"\nmode = 5 }',
-                   ':1: level: "5" is a string where an int is described',
-                   ":2: mode: 5 is an int where a string is described")
+                   ':1:3: level: "5" is a string where an int is described',
+                   ":2:1: mode: 5 is an int where a string is described")
 
     def test_numbers_convert_if_nothing_is_lost(self):
         numbers = described(("i", rules("type = 1")), ("d", rules("type = 3")))
@@ -61,45 +61,46 @@ class Comparison(Schema):
     def test_unknown_names_are_reported_by_a_strict_check_alone(self):
         text = "{ level = 1\nmod = 5\nother = NULL }"
         self.finds(SETTINGS, text)
-        self.finds(SETTINGS, text, ':2: mod: the descriptor does not know this name (did you mean "mode"?)',
-                   ":3: other: the descriptor does not know this name",
+        self.finds(SETTINGS, text, ':2:1: mod: the descriptor does not know this name '
+                   '(did you mean "mode"?)',
+                   ":3:1: other: the descriptor does not know this name",
                    options=["--strict"])
 
     def test_a_strict_check_scans_the_text_too(self):
         self.finds(SETTINGS, "{ level = 4294967301\nlevel = 5 }",
-                   ":1: level: 4294967301 does not fit in 32 bits and is read as 5",
-                   ":2: level: a repeated name; only its last value is kept (first at line 1)",
+                   ":1:11: level: 4294967301 does not fit in 32 bits and is read as 5",
+                   ":2:1: level: a repeated name; only its last value is kept (first at line 1)",
                    options=["--strict"])
 
     def test_a_value_that_is_not_a_struct_is_reported(self):
         self.finds(SETTINGS, "[ 1 ]",
-                   ":1: (the value itself): an array where a struct is described")
+                   ":1:1: (the value itself): an array where a struct is described")
         self.finds(SETTINGS, "NULL",
                    ": (the value itself): null where a struct is described")
 
     def test_every_root_value_is_compared(self):
         self.finds(SETTINGS, "{ level = 11 }\n{ level = 1 }\n{ level = 12 }",
-                   ":1: 1:level: 11 is not allowed (allowed: 0 to 10)",
-                   ":3: 3:level: 12 is not allowed (allowed: 0 to 10)")
+                   ":1:3: 1:level: 11 is not allowed (allowed: 0 to 10)",
+                   ":3:3: 3:level: 12 is not allowed (allowed: 0 to 10)")
 
     def test_a_checked_struct_keeps_to_both_descriptors(self):
         own = described(("level", rules("type = 1", "min = 5", "max = 20")))
         for level, allowed in ((1, "5 to 20"), (20, "0 to 10")):
             self.finds(SETTINGS, checked(own, f"level = {level}"),
-                       f":5: level: {level} is not allowed (allowed: {allowed})")
+                       f":5:1: level: {level} is not allowed (allowed: {allowed})")
 
 
 class Places(Schema):
     def test_at_compares_the_value_at_a_path_alone(self):
         text = '{ level = 11 list = [ 1 { level = 12 } ] }'
-        self.finds(SETTINGS, text, ":1: list[1].level: 12 is not allowed (allowed: 0 to 10)",
+        self.finds(SETTINGS, text, ":1:27: list[1].level: 12 is not allowed (allowed: 0 to 10)",
                    options=["--at", "list[1]"])
-        self.finds(SETTINGS, text, ":1: list: an array where a struct is described",
+        self.finds(SETTINGS, text, ":1:14: list: an array where a struct is described",
                    options=["--at", "list"])
 
     def test_at_finds_a_value_of_one_of_several_roots(self):
         self.finds(SETTINGS, "1\n{ a = { level = 11 } }",
-                   ":2: 2:a.level: 11 is not allowed (allowed: 0 to 10)", options=["--at", "2:a"])
+                   ":2:9: 2:a.level: 11 is not allowed (allowed: 0 to 10)", options=["--at", "2:a"])
 
     def test_a_path_that_leads_nowhere_is_reported(self):
         self.finds(SETTINGS, "{ window = {} }", ': windw: not found (did you mean "window"?)',
@@ -119,21 +120,21 @@ class Nested(Schema):
         schema = f"{{ audio = {SETTINGS}\nwindow = {{ main = {SETTINGS} }} }}"
         self.finds(schema, "{ audio = { level = 11 }\nwindow = { main = { level = 12 } other = 1 }\n"
                            "rest = { level = 13 } }",
-                   ":1: audio.level: 11 is not allowed (allowed: 0 to 10)",
-                   ":2: window.main.level: 12 is not allowed (allowed: 0 to 10)")
+                   ":1:13: audio.level: 11 is not allowed (allowed: 0 to 10)",
+                   ":2:21: window.main.level: 12 is not allowed (allowed: 0 to 10)")
         self.finds(schema, "{ audio = 5\nwindow = NULL\nrest = 1 }",
-                   ":1: audio: 5 where a struct is described",
-                   ":3: rest: the descriptor does not know this name", options=["--strict"])
+                   ":1:3: audio: 5 where a struct is described",
+                   ":3:1: rest: the descriptor does not know this name", options=["--strict"])
 
     def test_a_variable_can_have_a_descriptor_of_its_own(self):
         inner = f"@desc = {SETTINGS}"
         for schema in (described(("s", rules("type = 50", inner))),
                        described(("s", rules("type = 50", "default = " + checked(SETTINGS))))):
             self.finds(schema, "{ s = { level = 11 extra = 1 } }",
-                       ":1: s.level: 11 is not allowed (allowed: 0 to 10)")
-            self.finds(schema, "{ s = 5 }", ":1: s: 5 where a struct is described")
-            self.finds(schema, '{"s": {"level": 1, "levle": 2}}', ":1: s.levle: the descriptor does "
-                       'not know this name (did you mean "level"?)', name="a.json",
+                       ":1:9: s.level: 11 is not allowed (allowed: 0 to 10)")
+            self.finds(schema, "{ s = 5 }", ":1:3: s: 5 where a struct is described")
+            self.finds(schema, '{"s": {"level": 1, "levle": 2}}', ":1:20: s.levle: the descriptor "
+                       'does not know this name (did you mean "level"?)', name="a.json",
                        options=["--strict"])
 
     def test_a_checked_struct_without_a_descriptor_of_its_own_can_be_plain(self):
@@ -141,7 +142,7 @@ class Nested(Schema):
 
     def test_a_checked_struct_can_be_the_schema(self):
         self.finds(checked(SETTINGS, "level = 1"), "{ level = 11 }",
-                   ":1: level: 11 is not allowed (allowed: 0 to 10)")
+                   ":1:3: level: 11 is not allowed (allowed: 0 to 10)")
 
     def test_a_deep_schema_and_a_deep_document_take_no_recursion(self):
         inner = SETTINGS
@@ -150,8 +151,9 @@ class Nested(Schema):
         self.write("a.kel", "{ a = " * DEEP + "{ level = 11 }" + "}" * DEEP)
         result = self.kel("check", "--schema", "schema.kel", "a.kel", small_stack=True)
         self.assertEqual(result.status, 1)
-        self.assertRegex(result.err, r"\Akel: a\.kel:1: a\.a.*\.a\.level: 11 is not allowed "
-                                     r"\(allowed: 0 to 10\)\n\Z")
+        self.assertRegex("\n".join(self.headings(result.err)),
+                         rf"\Akel: a\.kel:1:{6 * DEEP + 3}: a\.a.*\.a\.level: 11 is not allowed "
+                         r"\(allowed: 0 to 10\)\Z")
 
 
 class Schemas(Schema):
@@ -159,9 +161,12 @@ class Schemas(Schema):
         self.write("schema.kel", described(("x", rules("type = 1", "min = 2", "max = 1")),
                                            ("y", rules("type = 1"))))
         self.write("a.kel", "{ y = true }")
-        self.fails(1, "kel: schema.kel:2: x: min 2 is above max 1\n"
-                      "kel: a.kel:1: y: true is a boolean where an int is described\n"
-                      "kel: a.kel:1: y: true is a boolean where an int is described\n",
+        self.fails(1, "kel: schema.kel:2:1: x: min 2 is above max 1\n"
+                      "    2 | x = { @type = 52\n"
+                      "      | ^\n" +
+                      "kel: a.kel:1:3: y: true is a boolean where an int is described\n"
+                      "    1 | { y = true }\n"
+                      "      |   ^\n" * 2,
                    "check", "--schema", "schema.kel", "a.kel", "a.kel")
 
     def test_other_files_are_no_schemas(self):

@@ -14,16 +14,18 @@ SETTINGS = described(("level", rules("type = 1")), ("gain", rules("type = 3")),
 
 class Strict(ToolTest):
     def finds(self, content, *lines, name="a.kel"):
-        """Expects a strict check to print exactly these lines, each after the name of the file."""
+        """Expects a strict check to print exactly these lines, each after the name of the file and
+        with its excerpt."""
         self.write(name, content)
-        message = "".join(f"kel: {name}{line}\n" for line in lines)
-        self.fails(1 if lines else 0, message, "check", "--strict", name)
+        result = self.kel("check", "--strict", name)
+        self.assertEqual((result.status, self.headings(result.err)),
+                         (1 if lines else 0, [f"kel: {name}{line}" for line in lines]))
 
 
 class Values(Strict):
     def test_a_described_number_that_holds_text_is_reported_with_its_line(self):
         self.finds("\n[ " + checked(SETTINGS, 'level = "loud"') + " ]",
-                   ':10: [0].level: "loud" is a string where an int is described')
+                   ':10:1: [0].level: "loud" is a string where an int is described')
 
     def test_numbers_that_convert_without_loss_are_fine(self):
         self.finds(checked(SETTINGS, "level = 3.0", "gain = 3"))
@@ -32,33 +34,33 @@ class Values(Strict):
         for number in ("3.5", "2147483647.5"):
             with self.subTest(number=number):
                 self.finds(checked(SETTINGS, f"level = {number}"),
-                           f":9: level: {number} is a double where an int is described")
+                           f":9:1: level: {number} is a double where an int is described")
 
     def test_a_container_is_named_once(self):
         self.finds(checked(SETTINGS, "level = []"),
-                   ":9: level: an array where an int is described")
+                   ":9:1: level: an array where an int is described")
 
     def test_what_every_check_reports_is_reported_once(self):
         ranged = described(("level", rules("type = 1", "min = 0", "max = 9")))
         self.finds(checked(ranged, "level = 10.5"),
-                   ":5: level: 10.5 is not allowed (allowed: 0 to 9)")
+                   ":5:1: level: 10.5 is not allowed (allowed: 0 to 9)")
 
     def test_a_default_of_another_kind_is_reported(self):
         self.finds(described(("x", rules("type = 6", "default = 5"))),
-                   ":2: x: the default 5 is an int where a string is described")
+                   ":2:1: x: the default 5 is an int where a string is described")
 
     def test_a_kind_that_no_value_has_is_not_compared(self):
         self.finds(checked(described(("x", rules("type = 13"))), "x = 1"),
-                   ":3: @desc.x: the type 13 is unknown")
+                   ":3:1: @desc.x: the type 13 is unknown")
 
     def test_names_that_no_descriptor_knows_are_reported_with_the_similar_one(self):
         self.finds(checked(SETTINGS, "levle = 3", "other = NULL"),
-                   ':9: levle: the descriptor does not know this name (did you mean "level"?)',
-                   ":10: other: the descriptor does not know this name")
+                   ':9:1: levle: the descriptor does not know this name (did you mean "level"?)',
+                   ":10:1: other: the descriptor does not know this name")
 
     def test_a_descriptor_of_another_kind_is_reported(self):
         self.finds(checked("{ level = 1 }", "level = 3"),
-                   ":2: @desc: a struct is not a struct descriptor")
+                   ":2:1: @desc: a struct is not a struct descriptor")
 
     def test_a_struct_without_a_descriptor_knows_every_name(self):
         self.finds("{ @type = 50\nlevel = 3 }")
@@ -67,7 +69,7 @@ class Values(Strict):
 class Names(Strict):
     def test_repeated_names_in_text_are_reported_with_both_lines(self):
         self.finds('[ { a = 1\n b = { c = 2 }\n "a" = 3 } ]',
-                   ":3: [0].a: a repeated name; only its last value is kept (first at line 1)")
+                   ":3:2: [0].a: a repeated name; only its last value is kept (first at line 1)")
 
     def test_a_name_can_occur_in_every_struct(self):
         self.finds("{ a = { a = { a = 1 } b = 2 } b = { a = 1 } }\n{ a = 1 }")
@@ -75,12 +77,12 @@ class Names(Strict):
     def test_repeated_identities_in_a_manager_are_reported(self):
         one, same = GUID + "a", (GUID + "a").lower().replace("-", "", 1)
         self.finds(f"( {one} = 1\n{same} = 2 )",
-                   f":2: #{GUID}A: a repeated identity; only its last value is kept "
+                   f":2:1: #{GUID}A: a repeated identity; only its last value is kept "
                    "(first at line 1)")
 
     def test_repeated_names_in_json_are_reported_however_they_are_spelt(self):
         self.finds('{"a": [{"b": 1,\n"\\u0062": 2, "c": "b"}]}',
-                   ":2: a[0].b: a repeated name; only its last value is kept (first at line 1)",
+                   ":2:1: a[0].b: a repeated name; only its last value is kept (first at line 1)",
                    name="a.json")
 
     def test_repeated_names_in_binary_are_each_reported_on_a_line(self):
@@ -89,10 +91,56 @@ class Names(Strict):
                    ": [0].a: a repeated name; only its last value is kept", name="a.kelb")
 
     def test_what_values_cannot_hold_of_json_is_reported(self):
-        self.finds('{"a": [1, null]}', ": a[1]: null in an array", name="a.json")
-        self.finds("[" + ",".join(["null"] * 1002) + "]",
-                   *(f": [{number}]: null in an array" for number in range(1000)),
-                   ": 2 more such places", name="a.json")
+        self.finds('{"a": [1, null], "": [null], "n": [9007199254740993, 9007199254740992],\n'
+                   '"x\\"y": {"": 1}, "s": "a\\u0000b", "t": 1e-999, "a": [[null, null]]}',
+                   ":1:11: a[1]: null in an array", ':1:18: [""]: an empty name',
+                   ":1:36: n[0]: an integer that no double holds exactly",
+                   ':2:1: ["x\\"y"]: a name with a double quote', ":2:23: s: a string with a NUL",
+                   ":2:40: t: a number too small for a double",
+                   ":2:48: a: a repeated name; only its last value is kept (first at line 1)",
+                   ":2:55: a[0][0]: null in an array", ":2:61: a[0][1]: null in an array",
+                   name="a.json")
+        self.finds('[null]\nnull {"\\u0000": 1}', ":1:2: 1:[0]: null in an array",
+                   ':2:7: 3:["\\u0000"]: a name with a NUL', name="a.json")
+
+    def test_findings_beyond_a_thousand_are_counted(self):
+        self.finds("[\n" + ",\n".join(["null"] * 1002) + "]",
+                   *(f":{number + 2}:1: [{number}]: null in an array" for number in range(1000)),
+                   ": and 2 more", name="a.json")
+        self.finds("{\n" + "a = 1\n" * 1003 + "}",
+                   *(f":{line}:1: a: a repeated name; only its last value is kept "
+                     f"(first at line 2)" for line in range(3, 1003)), ": and 2 more")
+        self.finds('{"a": 1,\n"a": [\n' + ",\n".join(["null"] * 1002) + "]}",
+                   ":2:1: a: a repeated name; only its last value is kept (first at line 1)",
+                   *(f":{number + 3}:1: a[{number}]: null in an array" for number in range(999)),
+                   ": and 3 more", name="a.json")
+        repeated = struct_record([(b"a", int_record(1, number)) for number in range(5, 1008)])
+        self.finds(repeated, *([": a: a repeated name; only its last value is kept"] * 1000),
+                   ": and 2 more", name="a.kelb")
+
+
+class Excerpts(Strict):
+    def shows(self, content, line, mark, name="a.kel"):
+        """Expects a strict check of the content to find one thing, and to show it so."""
+        self.write(name, content)
+        result = self.kel("check", "--strict", name)
+        self.assertEqual((result.status, result.err.splitlines()[1:]), (1, [line, mark]))
+
+    def test_the_whole_name_or_value_is_marked(self):
+        self.shows('{\t"a b" = 1 "a b" = 2 }', '    1 | {\t"a b" = 1 "a b" = 2 }',
+                   "      |  \t          ^^^^^")
+        self.shows("[ 0.1234567]", "    1 | [ 0.1234567]", "      |   ^^^^^^^^^")
+        self.shows('{"a": 1,\r\n"a\\"": 2}\r\n', '    2 | "a\\"": 2}', "      | ^^^^^",
+                   name="a.json")
+
+    def test_of_a_long_line_the_part_around_the_mark_is_shown(self):
+        blanks = " " * 10_000
+        self.shows(f"[{blanks}0.1234567{blanks}]",
+                   "    1 | ..." + " " * 60 + "0.1234567" + " " * 31 + "...",
+                   "      |    " + " " * 60 + "^" * 9)
+
+    def test_line_numbers_can_be_wide(self):
+        self.shows("\n" * 123_456 + "0.1234567", "123457 | 0.1234567", "       | ^^^^^^^^^")
 
 
 class Numbers(Strict):
@@ -102,7 +150,7 @@ class Numbers(Strict):
                               ("0xfFfFfFfFf", -1)):
             with self.subTest(number=number):
                 self.finds(f"{{ a = [ 1 {number} ] }}",
-                           f":1: a[1]: {number} does not fit in 32 bits and is read as {value}")
+                           f":1:11: a[1]: {number} does not fit in 32 bits and is read as {value}")
                 self.assertEqual(self.ok("show", "a.kel").out,
                                  f"{{\n\ta = [\n\t\t1\n\t\t{value}\n\t]\n}}\n".encode())
 
@@ -110,19 +158,19 @@ class Numbers(Strict):
         self.finds("2147483647 -2147483648 0xFFFFFFFF 0x00000000012345678 00000000000012 - . 0x")
 
     def test_decimals_with_a_whole_part_beyond_32_bits_are_reported(self):
-        self.finds("4294967301.5", ":1: (the value itself): the whole part of 4294967301.5 does "
-                                   "not fit in 32 bits and is read as 5.5")
-        self.finds("-2147483648.5", ":1: (the value itself): the whole part of -2147483648.5 does "
-                                    "not fit in 32 bits and is read as 2147483647.5")
+        self.finds("4294967301.5", ":1:1: (the value itself): the whole part of 4294967301.5 "
+                                   "does not fit in 32 bits and is read as 5.5")
+        self.finds("-2147483648.5", ":1:1: (the value itself): the whole part of -2147483648.5 "
+                                    "does not fit in 32 bits and is read as 2147483647.5")
         self.finds("-2147483647.5 2147483647. .5")
 
     def test_more_than_six_decimals_are_reported(self):
-        self.finds("0.1234567", ":1: (the value itself): 0.1234567 has more than the six decimals "
-                                "that are written")
+        self.finds("0.1234567", ":1:1: (the value itself): 0.1234567 has more than the six "
+                                "decimals that are written")
         self.finds("0.123456 0.12345600000")
 
     def test_a_long_number_is_cut(self):
-        self.finds("1" * 1000, ":1: (the value itself): " + "1" * 40 + "... does not fit in 32 "
+        self.finds("1" * 1000, ":1:1: (the value itself): " + "1" * 40 + "... does not fit in 32 "
                                "bits and is read as " +
                                str((int("1" * 1000) + 2**31) % 2**32 - 2**31))
 
@@ -134,30 +182,30 @@ class Numbers(Strict):
 class Definitions(Strict):
     def test_definitions_without_a_use_are_reported(self):
         self.finds("#define A 1\n[\n  #define B 2 ]\n A ]",
-                   ':3: the definition of "B" is never used')
+                   ':3:3: the definition of "B" is never used')
 
     def test_a_definition_that_is_replaced_before_a_use_is_reported(self):
-        self.finds("#define A 1\n#define A 2\n[ A ]", ':1: the definition of "A" is never used')
+        self.finds("#define A 1\n#define A 2\n[ A ]", ':1:1: the definition of "A" is never used')
 
     def test_a_use_in_a_definition_counts_if_that_is_used(self):
         self.finds("#define A [ B ]\n#define B 1\n[ A ]")
-        self.finds("#define A [ B ]\n#define B 1\n5", ':1: the definition of "A" is never used',
-                   ':2: the definition of "B" is never used')
+        self.finds("#define A [ B ]\n#define B 1\n5", ':1:1: the definition of "A" is never used',
+                   ':2:1: the definition of "B" is never used')
 
     def test_a_definition_without_a_use_can_be_anything(self):
         for text in (f"{WRAPPED} ] {{ B", "/* open", '"open', "[ B ] A", ""):
             self.finds(f"#define A {text}\n#define A 5\n#define B 6\n[ A B ]"
                        if text else "#define A\n\n 7\n#define A 5\nA",
-                       ':1: the definition of "A" is never used')
+                       ':1:1: the definition of "A" is never used')
 
     def test_mistakes_in_a_definition_are_reported_where_it_stands(self):
         self.finds(f"#define A [ {WRAPPED} {{ x = 1 x = 2 }} ]\n[ A A ]",
-                   f":1: {WRAPPED} does not fit in 32 bits and is read as 1215752191",
-                   ":1: a repeated name; only its last value is kept (first at line 1)")
+                   f":1:13: {WRAPPED} does not fit in 32 bits and is read as 1215752191",
+                   ":1:33: a repeated name; only its last value is kept (first at line 1)")
 
     def test_a_definition_of_null_is_not_an_element(self):
         self.finds(f"#define A B\n#define B null\n[ A {WRAPPED} ]",
-                   f":3: [0]: {WRAPPED} does not fit in 32 bits and is read as 1215752191")
+                   f":3:5: [0]: {WRAPPED} does not fit in 32 bits and is read as 1215752191")
 
 
 class RandomText:
@@ -191,10 +239,11 @@ class RandomText:
     def value(self, path, depth):
         """Adds a value. Returns whether it is one that an array keeps."""
         if self.mark is None and (self.random.random() < 0.05 or depth == 0):
+            column = 1 if self.is_checked else len(self.text) - self.text.rfind("\n")
             self.text += checked(self.RANGED, "x = 10") if self.is_checked else WRAPPED
             end = ".x: 10 is not allowed (allowed: 0 to 9)" if self.is_checked else (
                 f": {WRAPPED} does not fit in 32 bits and is read as 1215752191")
-            self.mark = f"{self.text.count(chr(10)) + 1}: {path}{end}"
+            self.mark = f"{self.text.count(chr(10)) + 1}:{column}: {path}{end}"
             return True
         shape = self.random.choice("[[[{{{(<sssnir" if depth > 0 else "sssnr")
         if shape == "n":
@@ -286,7 +335,8 @@ class Scan(Strict):
             with self.subTest(seed=seed):
                 result = self.kel("check", "--strict", "a.kel")
                 self.assertEqual(result.status, 1, result.err)
-                found = [text for text in result.err.splitlines() if "is never used" not in text]
+                found = [text for text in self.headings(result.err)
+                         if "is never used" not in text]
                 self.assertEqual(found, ["kel: a.kel:" + made.mark], made.text)
 
     def test_a_deep_text_is_scanned_without_recursion(self):
@@ -295,7 +345,7 @@ class Scan(Strict):
                               ('{"a":' * DEEP + '{"b": 1, "b": 2}' + "}" * DEEP, "a.json")):
             self.write(name, content)
             result = self.kel("check", "--strict", name, small_stack=True)
-            self.assertEqual((result.status, result.err.count("\n")), (1, 1))
+            self.assertEqual((result.status, len(self.headings(result.err))), (1, 1))
 
 
 class ForEditors(ToolTest):
@@ -328,6 +378,15 @@ class ForEditors(ToolTest):
     def test_a_root_value_is_a_point(self):
         self.write("a.kel", f"1\n{WRAPPED}")
         self.assertEqual(self.entries(1, "--strict", "a.kel")[0]["path"], "2:.")
+
+    def test_findings_beyond_a_thousand_are_entries_too(self):
+        self.write("a.kel", "{\n" + "a = 1\n" * 1003 + "}")
+        self.assertEqual(len(self.entries(1, "--strict", "a.kel")), 1002)
+        self.write("a.json", "[" + ",".join(["null"] * 1002) + "]")
+        entries = self.entries(1, "--strict", "a.json")
+        self.assertEqual(entries[999]["column"], 2 + 5 * 999)
+        self.assertEqual(entries[1000:], [{"file": "a.json", "severity": "warning",
+                                           "message": "2 more such places"}])
 
     def test_malformed_files_are_entries_with_their_place(self):
         self.write("a.kel", "{ a = 1\n b }")

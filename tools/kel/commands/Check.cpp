@@ -5,6 +5,7 @@
 #include "document/Saving.h"
 #include "failures/Failure.h"
 #include "failures/FailureReport.h"
+#include "findings/FindingExcerpts.h"
 #include "findings/FindingText.h"
 #include "findings/JsonScan.h"
 #include "findings/Schema.h"
@@ -48,7 +49,8 @@ not know is reported with --strict.
 are objects with "file", "severity" ("error", or "warning" for what only --strict reports) and
 "message", and where they are known "line", "column" (in characters), "offset" (in bytes) and "path".
 
-With one of these options, findings in text and JSON have the number of their line.
+Findings in text and JSON have their line and column, and the first 100 of a file show the line.
+Without --json, at most 1000 findings of a file are printed, and the others are counted.
 
 Examples:
   kel check settings.kel backup.kelb
@@ -93,7 +95,20 @@ public:
     }
 
 private:
-    bool findsLines() const { return isStrict_ || isJson_ || schemaName_; }
+    /// What was found in a file.
+    struct Report {
+        Findings findings = {};
+        uint64_t further = 0;                  ///< places that the findings leave out
+        Severity severity = Severity::warning; ///< of those places
+        bool hasPrinted = false; ///< whether repeated names were printed as one message
+    };
+
+    static constexpr size_t mostListed = 1000; // findings of a file
+
+    /// Returns whether anything can be found in text or JSON that has a line.
+    bool findsLines(const Content& content) const {
+        return isStrict_ || schemaName_ || content.mayHoldDescriptors();
+    }
 
     /// Reads the schema, and reports the errors in it. \return the exit status for it
     int readSchema(Console& console) {
@@ -105,11 +120,11 @@ private:
             schema_.emplace(
                 readInput(std::move(content), *schemaName_, std::nullopt, lostInReading).document,
                 *schemaName_);
-            Findings found;
+            Report report;
             console.begin(Work::checking, *schemaName_);
-            checkDescriptors(schema_->document(), false, found);
-            locate(found, copy, schema_->document());
-            return deliver(*schemaName_, found, console);
+            checkDescriptors(schema_->document(), false, report.findings);
+            locate(report.findings, copy, schema_->document());
+            return deliver(*schemaName_, report, console);
         } catch (...) {
             return exitStatus(reportTrouble(*schemaName_, console));
         }
@@ -118,10 +133,9 @@ private:
     /// Reports the errors in a file. \return the exit status for it
     int checkFile(const std::string& name, Console& console) {
         try {
-            Findings found;
-            const bool hasRepeatedNames = examine(name, found, console);
-            const int status = deliver(name, found, console);
-            return hasRepeatedNames ? exitStatus(Trouble::refused) : status;
+            const Report report = examine(name, console);
+            const int status = deliver(name, report, console);
+            return report.hasPrinted ? exitStatus(Trouble::refused) : status;
         } catch (...) {
             const Trouble trouble = reportTrouble(name, console);
             const bool isWrong = trouble == Trouble::malformed;
@@ -129,57 +143,52 @@ private:
         }
     }
 
-    /// Collects the errors in a file. \return whether it printed repeated names as one message
-    bool examine(const std::string& name, Findings& found, Console& console) const {
+    /// Collects the errors in a file.
+    Report examine(const std::string& name, Console& console) const {
+        Report report;
         console.begin(Work::reading, name);
-        constexpr size_t mostListed = 1000;
         const bool isDetailed = isStrict_ || isJson_;
         Losses losses(isDetailed ? mostListed : Losses::listed);
         Content content = readContent(name, from_);
-        const Content copy = findsLines() && content.format != Format::binary
-                                 ? content
-                                 : Content{content.format, {}, {}};
+        const bool needsBytes = content.format != Format::binary && findsLines(content);
+        const Content copy = needsBytes ? content : Content{content.format, {}, {}};
         const Input input = readInput(std::move(content), name, std::nullopt, losses);
         const Document& document = input.document;
         const bool hasRepeatedNames = input.format == Format::binary && losses.count() > 0;
+        report.severity = hasRepeatedNames ? Severity::error : Severity::warning;
         if (hasRepeatedNames && !isDetailed) {
+            report.hasPrinted = true;
             console.say(
                 tool::describe(losses, name + ": names are repeated:", document.roots().size()));
         } else if (hasRepeatedNames || isStrict_) {
             // Losses between JSON and values concern conversion, not the file itself.
-            addLosses(losses, document, hasRepeatedNames ? Severity::error : Severity::warning,
-                      found);
+            addLosses(losses, document, report);
         }
-        if (input.mayHoldDescriptors || findsLines()) {
+        if (input.mayHoldDescriptors || isStrict_ || schemaName_) {
             console.begin(Work::checking, name);
         }
         if (input.mayHoldDescriptors) {
             try {
-                checkDescriptors(document, isStrict_, found);
+                checkDescriptors(document, isStrict_, report.findings);
             } catch (Failure& failure) {
                 failure.message = name + ": " + failure.message;
                 throw;
             }
         }
         if (schema_) {
-            checkSchema(document, found);
+            checkSchema(document, report.findings);
         }
-        locate(found, copy, document);
-        return hasRepeatedNames && !isDetailed;
+        locate(report.findings, copy, document);
+        return report;
     }
 
-    static void addLosses(const Losses& losses, const Document& document, Severity severity,
-                          Findings& found) {
+    static void addLosses(const Losses& losses, const Document& document, Report& report) {
         for (const Loss& loss : losses.first()) {
-            found.push_back(
-                {severity, withRoot(loss.path, loss.root, document.roots().size()), loss.reason});
+            report.findings.push_back({report.severity,
+                                       withRoot(loss.path, loss.root, document.roots().size()),
+                                       loss.reason});
         }
-        if (losses.count() > losses.first().size()) {
-            found.push_back(
-                {severity,
-                 {},
-                 std::to_string(losses.count() - losses.first().size()) + " more such places"});
-        }
+        report.further = losses.count() - losses.first().size();
     }
 
     /// Compares the document with the schema. A path that leads nowhere is a finding.
@@ -196,7 +205,7 @@ private:
 
     /// Scans text or JSON for the lines of what was found and, if the check is strict, for more.
     void locate(Findings& found, const Content& content, const Document& document) const {
-        if (!findsLines() || content.format == Format::binary || (found.empty() && !isStrict_)) {
+        if (content.format == Format::binary || (found.empty() && !isStrict_)) {
             return;
         }
         ValueOffsets wanted;
@@ -216,18 +225,37 @@ private:
             std::move(more.begin(), more.end(), std::back_inserter(found));
         }
         findLines(found, content.bytes);
+        if (!isJson_) {
+            addExcerpts(found, content);
+        }
     }
 
     /// Reports what was found in a file. \return the exit status for it
-    int deliver(const std::string& name, const Findings& found, Console& console) {
-        for (const Finding& finding : found) {
-            if (isJson_) {
-                array_ += (array_.empty() ? "\n  " : ",\n  ") + jsonFor(finding, name);
-            } else {
-                console.say(lineFor(finding, name));
+    int deliver(const std::string& name, const Report& report, Console& console) {
+        const Findings& found = report.findings;
+        if (isJson_) {
+            for (const Finding& finding : found) {
+                addEntry(finding, name);
+            }
+            if (report.further > 0) {
+                addEntry(
+                    {report.severity, {}, std::to_string(report.further) + " more such places"},
+                    name);
+            }
+        } else {
+            const size_t listed = std::min(found.size(), mostListed);
+            for (size_t i = 0; i < listed; ++i) {
+                console.say(lineFor(found[i], name));
+            }
+            if (const uint64_t further = found.size() - listed + report.further; further > 0) {
+                console.say(name + ": and " + std::to_string(further) + " more");
             }
         }
         return found.empty() ? 0 : exitStatus(Trouble::refused);
+    }
+
+    void addEntry(const Finding& finding, const std::string& name) {
+        array_ += (array_.empty() ? "\n  " : ",\n  ") + jsonFor(finding, name);
     }
 
     /// Reports the failure that is being handled: a fault of the file in the form that is wanted,
@@ -238,7 +266,7 @@ private:
                 throw;
             } catch (const Failure& failure) {
                 if (failure.trouble == Trouble::malformed) {
-                    deliver(name, {findingOf(failure, name)}, console);
+                    addEntry(findingOf(failure, name), name);
                     return failure.trouble;
                 }
             } catch (...) {

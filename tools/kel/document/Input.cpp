@@ -81,8 +81,7 @@ Input readInput(Content&& content, const std::string& name, std::optional<Format
     if (format == Format::binary) {
         findRepeatedNames(bytes, losses);
     }
-    const bool hasKinds =
-        format == Format::text && bytes.find("@type") != std::string::npos; // in a header
+    const bool hasKinds = content.mayHoldDescriptors();
     return {format, readKel(std::move(bytes), format, name, named), hasKinds};
 }
 

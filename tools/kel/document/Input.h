@@ -22,6 +22,12 @@ struct Content {
 
     /// Returns the number of bytes of the input.
     size_t size() const { return bytes.size() - (format == Format::json ? 1 : 0); }
+
+    /// Returns whether there may be checked structs and descriptors, for which only text has a
+    /// form: a header.
+    bool mayHoldDescriptors() const {
+        return format == Format::text && bytes.find("@type") != std::string::npos;
+    }
 };
 
 /// Reads the bytes of the named file, or of stdin for "-".

@@ -13,6 +13,7 @@ constexpr size_t mostColumns = 100;   // of an excerpt, because the terminal's w
 constexpr size_t columnsBefore = 60;  // of them before the culprit
 constexpr size_t tabColumns = 8;      // that a tab takes at most
 constexpr size_t narrowestNumber = 5; // the columns of line numbers
+constexpr size_t reach = 4096;        // bytes around the culprit that are looked at
 constexpr std::string_view cut = "...";
 
 size_t beginOfLine(std::string_view content, size_t at) {
@@ -126,22 +127,31 @@ size_t endOfInk(std::string_view content) {
     return content.find_last_not_of(" \t\r\n\f") + 1; // 0 if nothing is found
 }
 
+std::string excerptOf(std::string_view content, const Fault& fault, std::string_view lineNumber) {
+    // A line can be as long as the content.
+    const size_t begin = fault.at - std::min(fault.at, reach);
+    Fault nearby = fault;
+    nearby.at -= begin;
+    const Excerpt excerpt(content.substr(begin, 2 * reach), nearby);
+    const std::string number(lineNumber);
+    const size_t width = std::max(narrowestNumber, number.size());
+    const std::string margin(width, ' ');
+    std::string text;
+    if (!excerpt.text().empty()) {
+        text += '\n' + std::string(width - number.size(), ' ') + number + " | " + excerpt.text() +
+                '\n' + margin + " | " + excerpt.marks();
+    }
+    if (!fault.hint.empty()) {
+        text += '\n' + margin + " = hint: " + fault.hint;
+    }
+    return text;
+}
+
 std::string describeFault(std::string_view content, const std::string& inputName,
                           const Fault& fault) {
     const std::string place = sourcePlace(content, fault.at);
-    std::string message = inputName + ':' + place + ": " + fault.reason;
-    const Excerpt excerpt(content, fault);
-    const std::string number = place.substr(0, place.find(':'));
-    const size_t width = std::max(narrowestNumber, number.size());
-    const std::string margin(width, ' ');
-    if (!excerpt.text().empty()) {
-        message += '\n' + std::string(width - number.size(), ' ') + number + " | " +
-                   excerpt.text() + '\n' + margin + " | " + excerpt.marks();
-    }
-    if (!fault.hint.empty()) {
-        message += '\n' + margin + " = hint: " + fault.hint;
-    }
-    return message;
+    return inputName + ':' + place + ": " + fault.reason +
+           excerptOf(content, fault, place.substr(0, place.find(':')));
 }
 
 } // namespace kel::tool

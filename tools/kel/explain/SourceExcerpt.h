@@ -17,6 +17,18 @@ std::string sourcePlace(std::string_view content, size_t at);
 /// Returns the offset just after the last character that is not white space.
 size_t endOfInk(std::string_view content);
 
+/// Returns the line around a fault, with its number and a mark below the culprit, and its hint.
+/// Each of these lines begins with a line end:
+///
+///         3 |     width = }
+///           |             ^
+///           = hint: ...
+///
+/// Tabs of the line are kept, control characters become escapes, and of a long line only the part
+/// around the culprit is shown. The time does not depend on the size of the content.
+/// \param lineNumber the number of the line, as it is shown
+std::string excerptOf(std::string_view content, const Fault& fault, std::string_view lineNumber);
+
 /// Returns the whole message about a fault:
 ///
 ///     settings.kel:3:13: expected a value, found "}"
@@ -24,8 +36,6 @@ size_t endOfInk(std::string_view content);
 ///           |             ^
 ///           = hint: ...
 ///
-/// Tabs of the line are kept, control characters become escapes, and of a long line only the part
-/// around the culprit is shown.
 /// \param content the text that the fault is in
 /// \param inputName the name of the input
 std::string describeFault(std::string_view content, const std::string& inputName,

@@ -62,12 +62,12 @@ std::string pathForPrograms(const std::string& path) {
 std::string lineFor(const Finding& finding, const std::string& file) {
     std::string text = file;
     if (finding.line != 0) {
-        text += ':' + std::to_string(finding.line);
+        text += ':' + std::to_string(finding.line) + ':' + std::to_string(finding.column);
     }
     if (!finding.path.empty()) {
         text += ": " + finding.path;
     }
-    return text + ": " + finding.message;
+    return text + ": " + finding.message + finding.excerpt;
 }
 
 std::string jsonFor(const Finding& finding, const std::string& file) {

@@ -9,7 +9,7 @@
 
 namespace kel::tool {
 
-/// Returns "FILE:LINE: PATH: message", without the parts that are unknown.
+/// Returns "FILE:LINE:COLUMN: PATH: message", without the parts that are unknown, and the excerpt.
 std::string lineFor(const Finding& finding, const std::string& file);
 
 /// Returns a JSON object on one line: {"file": ..., "line": ..., "column": ..., "offset": ...,

@@ -59,6 +59,21 @@ std::string nameOf(std::string_view quoted) {
     return handler.text();
 }
 
+/// Returns whether the value that was read from a scalar can be another one than it spells. The
+/// paths of all other scalars would only take time.
+bool isPerhapsLost(std::string_view token) {
+    constexpr size_t exactDigits = 15; // a double holds every integer of as many digits
+    return token.starts_with('"')
+               ? token.find("\\u0000") != std::string_view::npos
+               : token.size() > exactDigits || token.find_first_of("eE") != std::string_view::npos;
+}
+
+/// Returns whether no variable can have the name.
+bool isUnusable(std::string_view name) {
+    return name.empty() || name.find('"') != std::string_view::npos ||
+           name.find('\0') != std::string_view::npos;
+}
+
 } // namespace
 
 void scanJson(std::string_view content, const Document& document, ValueOffsets& wanted,
@@ -85,12 +100,22 @@ void scanJson(std::string_view content, const Document& document, ValueOffsets& 
                                          : endOfWord(content, at);
         const std::string_view token = content.substr(at, end - at);
         if (isString && !isNamed && places.isInContainer() && places.shape() == Shape::structure) {
-            places.beginVariable(nameOf(token), at);
+            const std::string name = nameOf(token);
+            places.beginVariable(name, at);
+            if (wanted.wantsPlace() && isUnusable(name)) {
+                wanted.notePlace(places.path(), at);
+            }
             isNamed = true;
         } else if (token == "null") {
+            if (wanted.wantsPlace() && places.isInContainer() && places.shape() == Shape::array) {
+                wanted.notePlace(places.path(), at);
+            }
             places.passNull(true);
             isNamed = false;
         } else {
+            if (wanted.wantsPlace() && !isContainer && isPerhapsLost(token)) {
+                wanted.notePlace(places.path(), at);
+            }
             places.beginValue(at);
             if (isContainer) {
                 places.open(c == '{' ? Shape::structure : Shape::array);
