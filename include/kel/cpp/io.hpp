@@ -163,7 +163,8 @@ inline value load(const file_name& file, format how = format::automatic) {
 /// and cannot be read is a failure, as for load.
 inline value load_or(const file_name& file, value fallback, format how = format::automatic) {
     std::optional<std::string> content = detail::content_if_exists(file);
-    return content ? detail::only_root(detail::name_of(file), *std::move(content), how) : fallback;
+    return content ? detail::only_root(detail::name_of(file), *std::move(content), how)
+                   : std::move(fallback);
 }
 
 namespace detail {
@@ -192,7 +193,7 @@ inline value load_struct(const file_name& file, format how = format::automatic) 
 inline value load_struct_or(const file_name& file, value fallback, format how = format::automatic) {
     std::optional<std::string> content = detail::content_if_exists(file);
     return content ? detail::only_struct(detail::name_of(file), *std::move(content), how)
-                   : fallback;
+                   : std::move(fallback);
 }
 
 /// Writes a value to a file and replaces its content. The file is untouched if the value cannot be

@@ -5,6 +5,7 @@
 #include <kel/cpp/child_walk.hpp>
 #include <kel/cpp/merge.hpp>
 
+#include <cstdint>
 #include <cstring>
 #include <unordered_map>
 
@@ -59,8 +60,13 @@ private:
         if (a.kind() != kind::real) {
             return a == b;
         }
-        const double numbers[] = {a.raw()->toDouble(), b.raw()->toDouble()};
-        return std::memcmp(&numbers[0], &numbers[1], sizeof(double)) == 0;
+        const auto bits_of = [](const value& each) {
+            const double number = each.raw()->toDouble();
+            std::uint64_t bits = 0;
+            std::memcpy(&bits, &number, sizeof bits);
+            return bits;
+        };
+        return bits_of(a) == bits_of(b);
     }
 
     void restore_variables(const value& now, const value& then) {

@@ -162,7 +162,7 @@ inline bool has_ring(const value& root) {
 ///
 ///     kel::value document = kel::load("stranger.kelb");
 ///     kel::cut_rings(document); // now it is freed with its last handle
-inline std::size_t cut_rings(value root) {
+inline std::size_t cut_rings(const value& root) {
     return detail::ring_cutter().cut(root.raw());
 }
 

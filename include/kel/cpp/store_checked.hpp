@@ -76,7 +76,7 @@ inline void require_allowed(const MetaKel& target, const char* name, const std::
 inline value allowed_or_throw(const MetaKel& target, const char* name, const std::string& path,
                               const value& content) {
     const MetaKelVarDescriptor* rules = description_of(target, name);
-    const value exact = rules == nullptr ? content : unchanged_by_text(*rules, content.raw());
+    value exact = rules == nullptr ? content : unchanged_by_text(*rules, content.raw());
     require_allowed(target, name, path, exact.raw());
     return exact;
 }

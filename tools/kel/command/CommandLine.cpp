@@ -114,9 +114,9 @@ void CommandLine::text(const char* name, std::optional<std::string>& value, cons
         ->type_name(type);
 }
 
-void CommandLine::choice(const char* name, std::function<void(const std::string&)> choose,
+void CommandLine::choice(const char* name, const std::function<void(const std::string&)>& choose,
                          const std::vector<std::string>& words, const char* description) {
-    app_.add_option_function<std::string>(name, std::move(choose), description)
+    app_.add_option_function<std::string>(name, choose, description)
         ->type_name(CLI::detail::join(words, "|"))
         ->check(CLI::Validator(
             [words](const std::string& text) {

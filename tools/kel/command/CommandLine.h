@@ -62,7 +62,7 @@ public:
               const char* description);
 
     /// Takes an option whose value is one of a few words. \param choose gets the word
-    void choice(const char* name, std::function<void(const std::string&)> choose,
+    void choice(const char* name, const std::function<void(const std::string&)>& choose,
                 const std::vector<std::string>& words, const char* description);
 
     /// Takes an option with the name of a format.

@@ -93,7 +93,7 @@ bool isMeantAsString(std::string_view text) {
 
 /// Adds how a string is written on a command line, in place of a hint at its quotes alone.
 void adviseQuotes(std::string& message, const char* verbatim) {
-    const size_t hint = message.rfind("\n");
+    const size_t hint = message.rfind('\n');
     if (hint != std::string::npos && message.find("= hint: ", hint) != std::string::npos) {
         message.resize(hint);
     }

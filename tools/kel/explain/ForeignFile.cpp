@@ -75,7 +75,7 @@ std::optional<ForeignFile> recogniseForeignFile(std::string_view content, Format
         return ForeignFile{"a binary file of KEL", "read it with \"--from binary\""};
     }
     const bool hasText = certain && *certain != Format::binary &&
-                         content.substr(0, content.find('\n')).find('\0') == content.npos;
+                         content.substr(0, content.find('\n')).find('\0') == std::string_view::npos;
     if (format == Format::binary && hasText) {
         const std::string name = nameOf(*certain);
         return ForeignFile{*certain == Format::json ? "JSON" : "text",

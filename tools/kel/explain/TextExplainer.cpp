@@ -50,7 +50,7 @@ private:
         try {
             walk.run();
         } catch (const Fault& inside) {
-            if (walk.definitions().count(name) != 0) {
+            if (walk.definitions().contains(name)) {
                 return fault("defines itself again", "");
             }
             return fault("is not one whole value",
@@ -60,7 +60,7 @@ private:
             if (used[i] == use_.name) {
                 return fault("uses itself", "the use is at " + placeOf(used[i]));
             }
-            if (definitions_.count(used[i]) == 0) {
+            if (!definitions_.contains(used[i])) {
                 return fault("uses " + quoted(used[i]) + ", which is not defined",
                              "the use is at " + placeOf(used[i]));
             }

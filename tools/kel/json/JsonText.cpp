@@ -12,7 +12,7 @@ JsonDouble::JsonDouble(double value) {
     constexpr std::string_view null = "null";
     constexpr double plainDigits = 1e15;
     char* const end = characters_ + sizeof characters_;
-    char* at = characters_;
+    char* at;
     if (!std::isfinite(value)) {
         at = std::copy(null.begin(), null.end(), characters_);
     } else if (std::trunc(value) == value && std::fabs(value) < plainDigits) {

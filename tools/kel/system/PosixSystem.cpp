@@ -160,6 +160,8 @@ bool isUnread() {
     return poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0;
 }
 
+// The user's own command for pages is one for the shell, as in other programs.
+// NOLINTNEXTLINE(cert-env33-c)
 Pager::Pager() : file_(popen(pagerCommand(), "we")) {
     if (file_ != nullptr) {
         std::signal(SIGINT, SIG_IGN); // the person interrupts the pager's search, not the output
@@ -219,7 +221,7 @@ MemoryToRead::MemoryToRead(std::string_view bytes) : file_(nullptr) {
     if (file_ == nullptr) {
         throw std::system_error(errno, std::generic_category());
     }
-    source.release(); // belongs to the file now
+    static_cast<void>(source.release()); // belongs to the file now
 }
 
 MemoryToRead::~MemoryToRead() {
