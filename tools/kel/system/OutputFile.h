@@ -35,8 +35,9 @@ public:
     void commit();
 
     /// Closes stdout after all output. A network file system reports lost bytes only then. A
-    /// failure that an operation on stdout has had before is not reported again. \throws Failure
-    /// unwritten
+    /// failure that an operation on stdout has had before is not reported again.
+    ///
+    /// \throws Failure unwritten
     static void closeStdout();
 
 private:
