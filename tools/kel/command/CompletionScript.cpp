@@ -100,7 +100,8 @@ complete -o default -F _kel kel
 )";
 }
 
-/// Returns the text without the characters that are special in a specification of zsh.
+/// Returns the text without the characters that zsh would not take as they are in the description
+/// of an option.
 std::string zshText(const std::string& text) {
     std::string out;
     for (const char c : text) {

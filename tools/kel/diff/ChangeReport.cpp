@@ -72,8 +72,8 @@ public:
             break;
         case Kind::identity:
             putPaths(change.place);
-            put("old", identityOf(*change.before));
-            put("new", identityOf(*change.after));
+            put("old", textOfGuid(identityOf(*change.before)));
+            put("new", textOfGuid(identityOf(*change.after)));
             break;
         }
         return std::move(value_);
@@ -129,11 +129,6 @@ private:
             order.addInt(static_cast<int32_t>(number));
         }
         variables_.addVar("order", value.get());
-    }
-
-    static std::string identityOf(const KEL& value) {
-        JHashCode identity;
-        return textOfGuid(value.getHashCode(identity));
     }
 
     const PlacePairs& places_;

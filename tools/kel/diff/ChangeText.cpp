@@ -1,6 +1,7 @@
 #include "diff/ChangeText.h"
 
 #include "diff/ChildCount.h"
+#include "words/Counted.h"
 #include "words/GuidText.h"
 #include "words/Utf8.h"
 #include "words/ValueText.h"
@@ -16,10 +17,6 @@ namespace {
 
 using Kind = Change::Kind;
 
-std::string counted(int32_t count, const char* noun) {
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
-
 /// Returns the value in a few words: a scalar as in messages, a container with its size.
 std::string shortWordsFor(KEL* value) {
     if (value == nullptr) {
@@ -29,20 +26,20 @@ std::string shortWordsFor(KEL* value) {
     const int32_t count = childCountOf(*value);
     switch (facts.kind) {
     case KELKind_Array:
-        return count == 0 ? "[ ]" : "[ " + counted(count, "element") + " ]";
+        return count == 0 ? "[ ]" : "[ " + counted(static_cast<uint64_t>(count), "element") + " ]";
     case KELKind_Struct:
-        return count == 0 ? "{ }" : "{ " + counted(count, "variable") + " }";
+        return count == 0 ? "{ }" : "{ " + counted(static_cast<uint64_t>(count), "variable") + " }";
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
-        return facts.words + (" of " + counted(count, "variable"));
+        return facts.words + (" of " + counted(static_cast<uint64_t>(count), "variable"));
     case KELKind_Manager:
-        return facts.words + (" of " + counted(count, "value"));
+        return facts.words + (" of " + counted(static_cast<uint64_t>(count), "value"));
     case KELKind_IndexList:
-        return facts.words + (" of " + counted(count, "pair"));
+        return facts.words + (" of " + counted(static_cast<uint64_t>(count), "pair"));
     case KELKind_MemBlock: {
         const int32_t size = dynamic_cast<const KEL_MemBlock&>(*value).getSize();
-        return facts.words + (" of " + counted(size, "byte"));
+        return facts.words + (" of " + counted(static_cast<uint64_t>(size), "byte"));
     }
     case KELKind_Int:
     case KELKind_Boolean:
@@ -99,11 +96,6 @@ std::string wordsForBoth(KEL* before, KEL* after) {
     return a + " -> " + b;
 }
 
-std::string identityOf(const KEL& value) {
-    JHashCode identity;
-    return textOfGuid(value.getHashCode(identity));
-}
-
 std::string wordsForKey(const Change& change) {
     return change.key != nullptr ? " (key " + shortWordsFor(change.key) + ')' : "";
 }
@@ -139,8 +131,8 @@ std::string lineFor(const Change& change, const PlacePairs& places) {
     case Kind::identity:
         break;
     }
-    return "# " + before(change.place) + ": " + identityOf(*change.before) + " -> " +
-           identityOf(*change.after);
+    return "# " + before(change.place) + ": " + textOfGuid(identityOf(*change.before)) + " -> " +
+           textOfGuid(identityOf(*change.after));
 }
 
 Paint paintOf(Change::Kind kind) {

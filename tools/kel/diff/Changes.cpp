@@ -22,11 +22,9 @@ void addStep(PathText& path, const PairedStep& step, size_t number) {
         path.addIndex(number);
         path.addName(step.kind == PairedStep::Kind::key ? "key" : "item");
         break;
-    case PairedStep::Kind::managed: {
-        JHashCode identity;
-        path.addIdentity(textOfGuid(step.managed->getHashCode(identity)));
+    case PairedStep::Kind::managed:
+        path.addIdentity(textOfGuid(identityOf(*step.managed)));
         break;
-    }
     }
 }
 

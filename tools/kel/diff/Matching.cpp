@@ -300,10 +300,6 @@ void Matching::matchPairs(Matches& matches, const KEL_IndexList& before,
 
 void Matching::matchManaged(Matches& matches, const KEL_Manager& before,
                             const KEL_Manager& after) const {
-    const auto identityOf = [](const KEL& value) {
-        JHashCode identity;
-        return value.getHashCode(identity);
-    };
     const auto stepTo = [](const KEL* value) { return PairedStep{Kind::managed, nullptr, value}; };
     for (int32_t i = 0; i < before.size(); ++i) {
         KEL* value = before.getKelAt(i);

@@ -16,11 +16,6 @@ namespace kel::tool {
 
 namespace {
 
-JHashCode identityOf(const KEL& value) {
-    JHashCode identity;
-    return value.getHashCode(identity);
-}
-
 /// A root value that is appended to the content of every input. A stream reports "end of input"
 /// both after the last value and in the middle of one. If the mark was read last, the input is
 /// whole. The mark is recognised by its identity, which is drawn afresh.

@@ -47,6 +47,12 @@ inline const KELKindFacts& kindOf(const KEL& value) {
     return *facts;
 }
 
+/// Returns the value's identity, which is drawn now if the value has none yet.
+inline JHashCode identityOf(const KEL& value) {
+    JHashCode identity;
+    return value.getHashCode(identity);
+}
+
 /// The name under which a checked struct holds its descriptor.
 constexpr const char* descriptorName = "@desc";
 

@@ -3,6 +3,7 @@
 #include "check/AllowedValues.h"
 #include "check/VariableRules.h"
 #include "check/ViolationFinder.h"
+#include "words/Counted.h"
 #include "words/GuidText.h"
 #include "words/ValueText.h"
 
@@ -197,7 +198,7 @@ void setPair(KEL_IndexList& list, uint64_t index, KEL* keyAndItem) {
     }
     const auto count = static_cast<uint64_t>(list.getCount());
     if (index > count) {
-        throw Refusal{"the list has " + std::to_string(count) + (count == 1 ? " pair" : " pairs")};
+        throw Refusal{"the list has " + counted(count, "pair")};
     }
     const auto place = static_cast<int32_t>(index);
     if (index < count) {

@@ -162,8 +162,7 @@ void putIdentities(TextBuffer& out, const PageData& data, const GivenIdentities&
             continue;
         }
         identified.push_back(number);
-        JHashCode identity;
-        std::string digits = textOfGuid(value.getHashCode(identity));
+        std::string digits = textOfGuid(identityOf(value));
         std::erase(digits, '-');
         out.put(digits);
     }

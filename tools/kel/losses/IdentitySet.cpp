@@ -2,15 +2,6 @@
 
 namespace kel::tool {
 
-namespace {
-
-JHashCode identityOf(const KEL& value) {
-    JHashCode identity;
-    return value.getHashCode(identity);
-}
-
-} // namespace
-
 IdentitySet::KeyedHash::KeyedHash() : key_{} {
     for (size_t i = 0; i < key_.size(); i += 2) {
         const JHashCode drawn = identityOf(*made(CreateKELInt(0)));

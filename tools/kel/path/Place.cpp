@@ -3,6 +3,7 @@
 #include "document/TreeCursor.h"
 #include "failures/Failure.h"
 #include "path/PathText.h"
+#include "words/Counted.h"
 #include "words/GuidText.h"
 #include "words/SimilarWord.h"
 
@@ -65,9 +66,9 @@ public:
             const int32_t count = isArray
                                       ? dynamic_cast<const KEL_Array&>(container).getCount()
                                       : dynamic_cast<const KEL_IndexList&>(container).getCount();
-            refuse(missing, where + " has " + std::to_string(count) +
-                                (isArray ? (count == 1 ? " element" : " elements")
-                                         : (count == 1 ? " pair" : " pairs")));
+            refuse(missing,
+                   where + " has " +
+                       counted(static_cast<uint64_t>(count), isArray ? "element" : "pair"));
         }
         refuse(missing, "not found" + hintFor(place));
     }
@@ -106,7 +107,7 @@ private:
                     }
                     continue;
                 }
-                if (!identityOf(*value).starts_with(digits)) {
+                if (!textOfGuid(identityOf(*value)).starts_with(digits)) {
                     continue;
                 }
                 if (found) {
@@ -144,9 +145,9 @@ private:
         }
         const size_t root = path_.root.value_or(0);
         if (root >= count) {
-            throw NotFound{{Trouble::refused,
-                            path_.text() + ": there " + (count == 1 ? "is " : "are ") +
-                                std::to_string(count) + " root value" + (count == 1 ? "" : "s")}};
+            throw NotFound{{Trouble::refused, path_.text() + ": there " +
+                                                  (count == 1 ? "is " : "are ") +
+                                                  counted(count, "root value")}};
         }
         return {root, nullptr, {}, 0, true, document_.roots()[root].get()};
     }
@@ -252,7 +253,7 @@ private:
         }
         std::optional<int32_t> found;
         for (int32_t i = 0; i < manager.size(); ++i) {
-            if (identityOf(*manager.getKelAt(i)).starts_with(step.text)) {
+            if (textOfGuid(identityOf(*manager.getKelAt(i))).starts_with(step.text)) {
                 if (found) {
                     refuseAmbiguity(path_.text(taken_ + 1));
                 }
@@ -260,15 +261,10 @@ private:
             }
         }
         if (found) {
-            step.text = identityOf(*manager.getKelAt(*found));
+            step.text = textOfGuid(identityOf(*manager.getKelAt(*found)));
         }
         return {from.root,         from.value,        step,
                 found.value_or(0), found.has_value(), found ? manager.getKelAt(*found) : nullptr};
-    }
-
-    static std::string identityOf(const KEL& value) {
-        JHashCode identity;
-        return textOfGuid(value.getHashCode(identity));
     }
 
     /// Returns a question with the most similar name of the container, if one is similar. A name
@@ -293,7 +289,7 @@ private:
     const Document& document_;
     Path path_;
     bool givesDefaults_;
-    size_t taken_ = 0; ///< the number of steps behind the current place
+    size_t taken_ = 0; ///< the number of steps that led to the current place
     std::vector<Way::Stop> stops_;
 };
 

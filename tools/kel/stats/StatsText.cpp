@@ -2,6 +2,7 @@
 
 #include "find/KindWord.h"
 #include "path/PathText.h"
+#include "words/Counted.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -9,10 +10,6 @@
 namespace kel::tool {
 
 namespace {
-
-std::string counted(uint64_t count, const char* noun) {
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
 
 constexpr std::array formats = {Format::text, Format::binary, Format::json};
 

@@ -71,7 +71,7 @@ void occupyClosed(int descriptor, int mode) {
     }
 }
 
-/// The bytes behind a file to read from. They are not copied.
+/// The bytes of a file to read from. They are not copied.
 class ReadBytes {
 public:
     explicit ReadBytes(std::string_view bytes) : bytes_(bytes) {
