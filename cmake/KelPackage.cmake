@@ -1,4 +1,4 @@
-# The archives that CPack makes: kel-<version>-win32.zip for Windows and
+# The archives that CPack makes: kel-<version>-win32.zip and kel-<version>-win64.zip for Windows and
 # kel-<version>-linux-<processor>.tar.gz for Linux. They contain the installed files. This file sets
 # their names and adds the texts that accompany them. Debian packages contain the same files; see
 # packaging/debian.
@@ -24,9 +24,19 @@ else()
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/linux/README.md DESTINATION ${kel_text_dir}
           COMPONENT kel-doc)
 endif()
+if(WIN32)
+  math(EXPR kel_bits "${CMAKE_SIZEOF_VOID_P} * 8")
+endif()
 if(MINGW)
-  install(FILES ${PROJECT_SOURCE_DIR}/packaging/windows/README.md DESTINATION .
-          COMPONENT tree)
+  set(kel_processor i686)
+  if(kel_bits EQUAL 64)
+    set(kel_processor x86_64)
+  endif()
+  string(REGEX REPLACE "^libgcc_s_(.*)-1[.]dll$" "\\1" kel_exceptions ${KEL_LIBGCC})
+  set(kel_archive kel-${PROJECT_VERSION})
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/README.md.in
+    ${PROJECT_BINARY_DIR}/packaging/README.md @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/packaging/README.md DESTINATION . COMPONENT tree)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/windows/host DESTINATION . COMPONENT tree)
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
@@ -50,9 +60,11 @@ if(TARGET kel_tool)
   kel_install_license(nlohmann-json /usr/share/doc/nlohmann-json3-dev/copyright)
 endif()
 if(MINGW)
-  kel_install_license(gcc-runtime /usr/share/doc/gcc-mingw-w64-i686-posix-runtime/copyright)
+  string(REPLACE _ - kel_debian_processor ${kel_processor})
+  kel_install_license(gcc-runtime
+    /usr/share/doc/gcc-mingw-w64-${kel_debian_processor}-posix-runtime/copyright)
   kel_install_license(GPL-3 /usr/share/common-licenses/GPL-3) # the first licence refers to it
-  kel_install_license(mingw-w64 /usr/share/doc/mingw-w64-i686-dev/copyright)
+  kel_install_license(mingw-w64 /usr/share/doc/mingw-w64-${kel_debian_processor}-dev/copyright)
 endif()
 
 set(CPACK_PACKAGE_NAME kel)
@@ -63,7 +75,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
-  set(CPACK_PACKAGE_FILE_NAME kel-${PROJECT_VERSION}-win32)
+  set(CPACK_PACKAGE_FILE_NAME kel-${PROJECT_VERSION}-win${kel_bits})
   if(NOT MINGW)
     string(APPEND CPACK_PACKAGE_FILE_NAME -${CMAKE_CXX_COMPILER_ID}) # its hosts differ
   endif()

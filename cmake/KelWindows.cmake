@@ -29,9 +29,15 @@ endfunction()
 # An exception that leaves KEL.dll is caught by the host's code, so both must use the one shared
 # libgcc. It needs the thread library, so that is shared as well. Every binary contains the C++
 # library by itself: nothing of it crosses the boundary.
+#
+# KEL_LIBGCC is the name of that libgcc, which says how it handles exceptions.
 if(MINGW)
+  set(KEL_LIBGCC libgcc_s_dw2-1.dll)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(KEL_LIBGCC libgcc_s_seh-1.dll)
+  endif()
   set(KEL_RUNTIME_FILES)
-  foreach(name IN ITEMS libgcc_s_dw2-1.dll libwinpthread-1.dll)
+  foreach(name IN ITEMS ${KEL_LIBGCC} libwinpthread-1.dll)
     execute_process(
       COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
       OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

@@ -5,9 +5,12 @@
 using namespace kel::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    constexpr int mostCalls = 80;
+    constexpr int mostCalls = 150;
     Script script(data, size);
     Calls calls(script);
+    if (script.below(4) != 0) {
+        calls.begin();
+    }
     for (int i = 0; i < mostCalls && !script.isAtEnd(); ++i) {
         calls.next();
     }

@@ -1,16 +1,19 @@
 #!/bin/sh
 # Builds and runs fuzz targets with the kept corpus.
 #
-#   scripts/fuzz.sh TARGET SECONDS    one target: text, binary, round_trip, failures, calls, json, path
-#   scripts/fuzz.sh all SECONDS       every target one after the other, and each once more in 32 bits
+#   scripts/fuzz.sh TARGET SECONDS    one target: text, binary, round_trip, failures, calls, json, path,
+#                                     text_parts, edit, diff
+#   scripts/fuzz.sh all SECONDS       every target in 64 bits and in 32 bits, as many at a time as the
+#                                     machine has processors
 #   scripts/fuzz.sh minimise TARGET   replaces the kept corpus by a smallest one of the same coverage
 #
-# New inputs are collected in build/fuzz/found/TARGET, and so is an input that fails. Stops at the
-# first target that fails.
+# New inputs are collected in build/fuzz/found/TARGET, and so is an input that fails. With "all", the
+# output of each target is in build/PRESET/found/TARGET.log. The whole output of the first target that
+# fails is shown, and no other target begins after it.
 set -eu
 cd "$(dirname "$0")/.."
 
-targets="text binary round_trip failures calls json path"
+targets="text binary round_trip failures calls json path text_parts edit diff"
 
 usage() {
     echo "usage: $0 {TARGET|all} SECONDS, or $0 minimise TARGET; targets: $targets" >&2
@@ -19,7 +22,7 @@ usage() {
 
 # build PRESET PROGRAM
 build() {
-    cmake --preset "$1" >/dev/null
+    cmake --preset "$1" -DKEL_UNITY_BUILD=ON >/dev/null
     cmake --build --preset "$1" --target "$2"
 }
 
@@ -39,6 +42,25 @@ fuzz() {
         -artifact_prefix="$found/" "$found" "fuzz/corpus/$name"
 }
 
+# apart PRESET TARGET SECONDS FAILURE: the same, with the output in a file. The first target that fails
+# makes the folder FAILURE and shows its output. Ends with the status that ends xargs.
+apart() {
+    log=build/$1/found/$2.log
+    mkdir -p "build/$1/found"
+    status=0
+    fuzz "$1" "$2" "$3" >"$log" 2>&1 || status=$?
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+    if [ $status = 0 ]; then
+        echo "$1: $2: ${runs:-no} inputs"
+    else
+        if mkdir "$4" 2>/dev/null; then
+            cat "$log"
+        fi
+        echo "$1: $2: failed with status $status" >&2
+        return 255
+    fi
+}
+
 # Inputs with a name stay. Those that the fuzzer found are named by a hash of 40 digits.
 minimise() {
     build fuzz "kel_fuzz_$1"
@@ -52,6 +74,13 @@ minimise() {
     rmdir "$small"
 }
 
+# For xargs, which calls this script again: apart PRESET TARGET SECONDS FAILURE
+if [ $# = 5 ] && [ "$1" = apart ]; then
+    shift
+    apart "$@"
+    exit
+fi
+
 [ $# = 2 ] || usage
 scripts/install-deps.sh build fuzz
 case $1 in
@@ -59,10 +88,14 @@ case $1 in
     all)
         for preset in fuzz fuzz32; do
             build "$preset" kel_fuzzers
-            for name in $targets; do
-                fuzz "$preset" "$name" "$2"
-            done
         done
+        work=$(mktemp -d)
+        trap 'rm -rf "$work"' EXIT
+        for preset in fuzz fuzz32; do
+            for name in $targets; do
+                echo "$preset $name $2 $work/failure"
+            done
+        done | xargs -L 1 -P "$(nproc)" scripts/fuzz.sh apart
         ;;
     *)
         case " $targets " in

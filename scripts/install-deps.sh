@@ -8,16 +8,21 @@
 #   tool    the command-line tool
 #   test    the tests, and a locale that writes numbers with a decimal comma
 #   analyze the static analysis
+#   mutate  planting mistakes that the tests must notice
 #   package making the packages that are shipped
 #   docs    the reference and all pages as a site
 #   browser the tests of that site, and of the pages that kel makes, in a browser
 #   demo    the documents that scripts/demo.sh works on
 #   bench   the benchmarks
+#   coverage counting the code that the tests reach
 #   linux32 building for 32-bit Linux, and its tests
 #   fuzz    the fuzz targets, in 64 and in 32 bits
-#   windows building KEL.dll and its tests, and Wine to run them
+#   windows building KEL.dll for 32-bit Windows and its tests, and Wine to run them
+#   windows64 the same for 64-bit Windows
+#   windows-msvc what else KEL.dll in Microsoft's ABI needs
 #
-# Ends with status 10 if only Wine is missing; build/no-wine then contains the reason.
+# Ends with status 10 if only Wine is missing and may not be installed; build/no-wine then contains the
+# reason.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -29,14 +34,18 @@ packages_for() {
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
         test) echo "libgtest-dev python3 pkg-config binutils locales clang zsh fish" ;;
         analyze) echo "clang clang-tidy-14" ;;
+        mutate) echo "python3-clang-14 ccache" ;;
         package) echo "dpkg-dev debhelper chrpath help2man lintian fakeroot python3" ;;
         docs) echo "doxygen python3" ;;
         browser) echo "chromium chromium-driver python3-selenium" ;;
         demo) echo "iso-codes python3" ;;
         bench) echo "libbenchmark-dev rapidjson-dev nlohmann-json3-dev python3 jq time" ;;
         linux32) echo "g++-multilib googletest" ;;
+        coverage) echo "clang llvm-14 libclang-rt-14-dev python3" ;;
         fuzz) echo "clang libclang-rt-14-dev nlohmann-json3-dev g++-multilib" ;;
         windows) echo "g++-mingw-w64-i686-posix googletest python3 python3-pefile" ;;
+        windows64) echo "g++-mingw-w64-x86-64-posix googletest python3 python3-pefile" ;;
+        windows-msvc) echo "clang-14 clang-tools-14 lld-14 llvm-14 libc++-14-dev xz-utils" ;;
         *)
             echo "install-deps.sh: unknown purpose '$1'" >&2
             exit 2
@@ -70,7 +79,7 @@ has_comma_locale() {
 
 purposes="$*"
 if [ -z "$purposes" ]; then
-    echo "usage: $0 {build|tool|test|analyze|package|docs|browser|demo|bench|linux32|fuzz|windows}..." >&2
+    echo "usage: $0 {build|tool|test|analyze|package|docs|browser|demo|bench|coverage|mutate|linux32|fuzz|windows|windows64|windows-msvc}..." >&2
     exit 2
 fi
 
@@ -106,5 +115,8 @@ case " $purposes " in
 esac
 
 case " $purposes " in
-    *" windows "*) scripts/install-wine.sh build/no-wine ;;
+    *" windows "*) scripts/install-wine.sh 32 build/no-wine ;;
+esac
+case " $purposes " in
+    *" windows64 "*) scripts/install-wine.sh 64 build/no-wine ;;
 esac

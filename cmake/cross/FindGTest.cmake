@@ -10,8 +10,14 @@ if(NOT TARGET GTest::gtest AND EXISTS ${KEL_GOOGLETEST_SOURCE}/CMakeLists.txt)
     set(BUILD_SHARED_LIBS OFF)
     set(CMAKE_COMPILE_WARNING_AS_ERROR OFF)
     set(CMAKE_WARN_DEPRECATED OFF)
+    if(MSVC)
+      set(gtest_disable_pthreads ON) # its probe for them is compiled but not linked, so it succeeds
+    endif()
     add_subdirectory(
       ${KEL_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+    if(MSVC)
+      target_compile_definitions(gtest PUBLIC GTEST_HAS_SEH=0) # it needs Microsoft's static objects
+    endif()
   endblock()
 endif()
 if(TARGET GTest::gtest)

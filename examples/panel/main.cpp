@@ -38,7 +38,7 @@ void draw(const kel::checked& panel) {
         } else if (panel.has_scale(name)) {
             control = choices(panel.choice_texts(name), control);
         }
-        std::printf("%8s  %s\n", name.c_str(), control.c_str());
+        std::printf("%8s  %s\n", kel::printable(name).c_str(), kel::printable(control).c_str());
     }
 }
 

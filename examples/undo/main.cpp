@@ -2,46 +2,39 @@
 //
 //     undo FILE COMMAND...
 //
-// Commands: NAME=NUMBER changes a setting, undo and redo go through the changes. The settings are
-// loaded from FILE if it exists, and saved there in the end.
+// Commands: NAME=TEXT changes a setting, undo and redo go through the changes. What fits of FILE is
+// loaded if it exists, and the settings are saved there in the end.
 #include <kel/kel.hpp>
 
 #include <cstdio>
-#include <cstdlib>
+#include <stdexcept>
 
 namespace {
 
-// Remembers every state of a document. A state is a copy, so nothing that happens to the document
-// later can change it.
-class history {
-public:
-    explicit history(kel::value document) : document_(std::move(document)) { remember(); }
+// The file is read and saved within the same limits.
+kel::limits allowed() {
+    return kel::limits::strangers(kel::format::text);
+}
 
-    // Keeps the present state, and forgets the states that were undone.
-    void remember() {
-        states_.resize(states_.empty() ? 0 : present_ + 1);
-        states_.push_back(document_.copy());
-        present_ = states_.size() - 1;
+void change(kel::checked& settings, const std::string& command) {
+    const std::size_t sign = command.find('=');
+    if (sign == std::string::npos) {
+        throw std::runtime_error(command + ": NAME=TEXT, undo or redo is needed.");
     }
-    bool undo() { return present_ > 0 && go_to(present_ - 1); }
-    bool redo() { return present_ + 1 < states_.size() && go_to(present_ + 1); }
-
-private:
-    // restore changes the document in place, so whoever watches a part of it sees the change.
-    bool go_to(std::size_t state) {
-        present_ = state;
-        document_.restore(states_[state]);
-        return true;
+    const kel::outcome done =
+        settings.try_set_text(command.substr(0, sign), command.substr(sign + 1));
+    if (!done) {
+        std::printf("  %s\n", done.message().c_str());
     }
-
-    kel::value document_;
-    std::vector<kel::value> states_;
-    std::size_t present_ = 0;
-};
+}
 
 void run(const char* file, char** command, char** end) {
-    kel::value settings = kel::load_struct_or(file, kel::object({{"volume", 5}, {"width", 640}}));
-    history changes(settings);
+    kel::checked settings({{"volume", kel::describe<int>().range(0, 10).fallback(5)},
+                           {"width", kel::describe<int>().range(100, 10'000).fallback(640)}});
+    for (const kel::mismatch& each : kel::load_into_if_exists(settings, file, allowed())) {
+        std::printf("%s: %s\n", file, each.message.c_str());
+    }
+    kel::history changes(settings);
     for (; command != end; ++command) {
         const std::string text = *command;
         std::printf("%s\n", text.c_str());
@@ -50,16 +43,14 @@ void run(const char* file, char** command, char** end) {
                 std::printf("  nothing to %s\n", text.c_str());
             }
         } else {
-            const std::size_t sign = text.find('=');
-            settings.set(text.substr(0, sign),
-                         sign == std::string::npos ? 0 : std::atoi(text.c_str() + sign + 1));
+            change(settings, text);
             changes.remember();
         }
-        for (const auto& [name, content] : settings.items()) {
-            std::printf("  %s = %d\n", name.c_str(), content.get<int>());
+        for (const std::string& name : settings.names()) {
+            std::printf("  %s = %s\n", name.c_str(), settings.text(name).c_str());
         }
     }
-    kel::save_atomically(settings, file);
+    kel::save_atomically(settings.stored_values(), file, allowed());
 }
 
 } // namespace

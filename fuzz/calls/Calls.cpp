@@ -1,6 +1,7 @@
 #include "calls/Calls.h"
 
 #include "Property.h"
+#include "calls/Nodes.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,8 +17,9 @@ bool isSmall(const Node& node, int& most) {
         return false;
     }
     const auto isSmallBelow = [&most](const Node* held) { return isSmall(*held, most); };
-    if (node.kind == KELKind_Manager) {
-        return true; // its copy has the same elements
+    if (node.kind == KELKind_Manager || node.kind == KELKind_Selector ||
+        node.kind == KELKind_MultiSelector) {
+        return true; // its copy shares what it holds
     }
     return std::all_of(node.elements.begin(), node.elements.end(), isSmallBelow) &&
            std::all_of(node.arrays.begin(), node.arrays.end(), isSmallBelow) &&
@@ -64,7 +66,7 @@ void Calls::finish() {
     model_.settle();
     // Only values that contain themselves are left, so emptying all containers frees them.
     const auto isFull = [](const Node& node) {
-        return !node.elements.empty() || !node.variables.empty();
+        return !node.elements.empty() || !node.variables.empty() || node.selection != nullptr;
     };
     auto& nodes = model_.nodes();
     for (auto full = std::find_if(nodes.begin(), nodes.end(), isFull); full != nodes.end();
@@ -98,44 +100,95 @@ void Calls::clear(Node*& place) {
 
 void Calls::create() {
     Node*& place = anyPlace();
-    Node* made = nullptr;
-    switch (script_.below(7)) {
+    Node* created = made();
+    if (created != nullptr) {
+        put(place, created);
+    }
+}
+
+/// Makes a value. \return null for a refused list
+Node* Calls::made() {
+    switch (script_.below(16)) {
     case 0: {
         const int32_t number = script_.byte() * 1000003;
-        made = model_.add(KELKind_Int, CreateKELInt(number));
-        made->number = number;
-        break;
+        Node* node = model_.add(KELKind_Int, CreateKELInt(number));
+        node->number = number;
+        return node;
     }
-    case 1:
-    case 2:
-        made = model_.add(KELKind_Array, CreateKELArray());
-        break;
-    case 3:
+    case 1: {
+        const double number = script_.byte() / 4.0;
+        Node* node = model_.add(KELKind_Double, CreateKELDouble(number));
+        node->number = number;
+        return node;
+    }
+    case 2: {
+        const bool isTrue = script_.below(2) == 1;
+        Node* node = model_.add(KELKind_Boolean, CreateKELBoolean(isTrue));
+        node->number = isTrue ? 1 : 0;
+        return node;
+    }
+    case 3: {
+        const std::string text = std::to_string(script_.byte());
+        Node* node = model_.add(KELKind_String, CreateKELString(text.c_str()));
+        node->text = text;
+        return node;
+    }
     case 4:
-        made = model_.add(KELKind_Struct, CreateKELStruct());
-        break;
     case 5:
-        made = model_.add(KELKind_Manager, CreateKELManager());
-        break;
-    default: {
-        Node* keys = anyOf(KELKind_Array);
-        Node* items = anyOf(KELKind_Array);
-        const bool isGiven = keys != nullptr && items != nullptr && script_.below(2) == 1;
-        KEL* list = isGiven ? CreateKELIndexList(&keys->as<KEL_Array>(), &items->as<KEL_Array>())
-                            : CreateKELIndexList();
-        const bool isRefused =
-            isGiven && (keys == items || keys->elements.size() != items->elements.size());
-        require((list == nullptr) == isRefused, "a list has two arrays of one length");
-        if (list == nullptr) {
-            return;
+        return model_.add(KELKind_Array, CreateKELArray());
+    case 6:
+    case 7:
+        return model_.add(KELKind_Struct, CreateKELStruct());
+    case 8:
+        return model_.add(KELKind_Manager, CreateKELManager());
+    case 9:
+        return model_.add(KELKind_MetaKelDescriptor, CreateMetaKelDescriptor());
+    case 10:
+        return model_.add(KELKind_MetaKelVarDescriptor, CreateMetaKelVarDescriptor());
+    case 11: {
+        Node* descriptor = anyOf(KELKind_MetaKelDescriptor);
+        Node* node = model_.add(
+            KELKind_MetaKel,
+            CreateMetaKel(descriptor == nullptr ? nullptr : &descriptor->as<MetaKelDescriptor>()));
+        if (descriptor != nullptr) {
+            node->variables["@desc"] = descriptor;
         }
-        made = model_.add(KELKind_IndexList, list);
-        made->arrays = isGiven ? std::vector<Node*>{keys, items}
-                               : std::vector<Node*>{model_.add(KELKind_Array, nullptr),
-                                                    model_.add(KELKind_Array, nullptr)};
+        return node;
     }
+    case 12: {
+        Node* list = anyOf(KELKind_IndexList);
+        Node* node =
+            model_.add(KELKind_Selector,
+                       CreateKELSelector(list == nullptr ? nullptr : &list->as<KEL_IndexList>()));
+        node->list = list == nullptr ? model_.addList(nullptr) : list;
+        return node;
     }
-    put(place, made);
+    case 13: {
+        Node* list = anyOf(KELKind_IndexList);
+        Node* node = model_.add(
+            KELKind_MultiSelector,
+            CreateKELMultiSelector(list == nullptr ? nullptr : &list->as<KEL_IndexList>()));
+        node->list = list == nullptr ? model_.addList(nullptr) : list;
+        node->arrays = {model_.add(KELKind_Array, nullptr)};
+        return node;
+    }
+    default:
+        break;
+    }
+    Node* keys = anyOf(KELKind_Array);
+    Node* items = anyOf(KELKind_Array);
+    if (keys == nullptr || items == nullptr || script_.below(2) == 0) {
+        return model_.addList(CreateKELIndexList());
+    }
+    KEL* list = CreateKELIndexList(&keys->as<KEL_Array>(), &items->as<KEL_Array>());
+    const bool isRefused = keys == items || keys->elements.size() != items->elements.size();
+    require((list == nullptr) == isRefused, "a list has two arrays of one length");
+    if (list == nullptr) {
+        return nullptr;
+    }
+    Node* node = model_.add(KELKind_IndexList, list);
+    node->arrays = {keys, items};
+    return node;
 }
 
 void Calls::share() {
@@ -160,6 +213,9 @@ void Calls::fetch() {
         child = variable->second;
         KEL* got = node->as<KEL_Struct>().getVar(variable->first.c_str());
         require(got == (child == nullptr ? nullptr : child->real), "a variable is found");
+    } else if (node->list != nullptr && script_.below(2) == 0) {
+        child = node->selection == nullptr ? node->list : node->selection;
+        child->real->addRef();
     } else if (!node->elements.empty() || !node->arrays.empty()) {
         const auto& held = node->arrays.empty() ? node->elements : node->arrays;
         child = held[static_cast<std::size_t>(script_.below(static_cast<int>(held.size())))];
@@ -198,9 +254,6 @@ void Calls::change() {
         return;
     }
     switch (node->kind) {
-    case KELKind_Int:
-        changeInt(*node);
-        break;
     case KELKind_Array:
         changeArray(*node);
         break;
@@ -208,21 +261,58 @@ void Calls::change() {
         changeManager(*node);
         break;
     case KELKind_Struct:
+    case KELKind_MetaKelDescriptor:
         changeStruct(*node);
         break;
-    default:
+    case KELKind_MetaKel:
+        changeChecked(*node);
+        break;
+    case KELKind_MetaKelVarDescriptor:
+        changeDescriptor(*node);
+        break;
+    case KELKind_IndexList:
         changeList(*node);
+        break;
+    case KELKind_Selector:
+        changeSelector(*node);
+        break;
+    case KELKind_MultiSelector:
+        changeMultiSelector(*node);
+        break;
+    default:
+        changeScalar(*node);
     }
 }
 
-void Calls::changeInt(Node& node) {
-    const Node* other = anyOf(KELKind_Int);
+void Calls::changeScalar(Node& node) {
+    const Node* other = anyOf(node.kind);
     if (other != nullptr && script_.below(2) == 0) {
         node.number = other->number;
+        node.text = other->text;
         rounds_.expect({&node}, true, [&] { node.real->assign(other->real); });
-    } else {
-        node.number = script_.byte();
-        rounds_.expect({&node}, true, [&] { node.as<KEL_Int>().setValue(node.number); });
+        return;
+    }
+    const int32_t number = node.kind == KELKind_Boolean ? script_.below(2) : script_.byte();
+    const std::string text = std::to_string(number);
+    node.number = number;
+    switch (node.kind) {
+    case KELKind_Int:
+        rounds_.expect({&node}, true, [&] { node.as<KEL_Int>().setValue(number); });
+        break;
+    case KELKind_Boolean:
+        rounds_.expect({&node}, true, [&] { node.as<KEL_Boolean>().setValue(number != 0); });
+        break;
+    case KELKind_Double:
+        rounds_.expect({&node}, true, [&] { node.as<KEL_Double>().setValue(number); });
+        break;
+    case KELKind_guid:
+        rounds_.expect({&node}, true, [&] {
+            node.as<KEL_guid>().setValue(JHashCode(static_cast<uint32_t>(number)));
+        });
+        break;
+    default:
+        node.text = text;
+        rounds_.expect({&node}, true, [&] { node.as<KEL_String>().setValue(text.c_str()); });
     }
 }
 
@@ -236,28 +326,59 @@ void Calls::empty(Node& node) {
         node.elements.clear();
         rounds_.expect({}, false, [&node] { node.as<KEL_Manager>().removeAllKels(); });
         break;
-    case KELKind_Struct:
-        node.variables.clear();
-        rounds_.expect({&node}, true, [&node] { node.as<KEL_Struct>().removeAllVars(); });
+    case KELKind_Selector:
+        node.selection = nullptr;
+        rounds_.expect({&node}, false, [&node] { node.as<KEL_Selector>().clearSelection(); });
         break;
-    default:
+    case KELKind_IndexList:
         for (Node* array : node.arrays) {
             array->elements.clear();
         }
         rounds_.expect({node.arrays[0], node.arrays[1], &node}, false,
                        [&node] { node.as<KEL_IndexList>().removeAllPairs(); });
+        break;
+    default:
+        node.variables.clear();
+        rounds_.expect({&node}, node.kind == KELKind_Struct,
+                       [&node] { node.as<KEL_Struct>().removeAllVars(); });
     }
 }
 
+/// Returns the first value that fits, from the place on that the script chooses. Some choices mean
+/// that place alone, so that null and other kinds are tried too.
+template <class Fits> Node* Calls::nextWhich(const Fits& fits) {
+    constexpr int alone = 224;
+    const int choice = script_.byte();
+    const std::size_t count = model_.places.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        Node* node = model_.places[(static_cast<std::size_t>(choice) + i) % count];
+        if ((node != nullptr && fits(*node)) || choice >= alone) {
+            return node;
+        }
+    }
+    return nullptr;
+}
+
+Node* Calls::any() {
+    return nextWhich([](const Node&) { return true; });
+}
+
 Node* Calls::anyOf(int32_t kind) {
-    Node* node = any();
+    Node* node = nextWhich([kind](const Node& candidate) { return candidate.kind == kind; });
     return node != nullptr && node->kind == kind ? node : nullptr;
 }
 
-std::string Calls::anyName() {
+std::string Calls::anyName(const Node& node) {
     constexpr const char* names[] = {
-        "a", "b", "c", "", "quo\"te", "A name with many letters in it", "\xFF", "ab"};
-    return names[script_.below(8)];
+        "a",       "b",       "c",        "",    "quo\"te",   "A name with many letters in it",
+        "\xFF",    "@desc",   "min",      "max", "enum",      "default",
+        "type",    "wrapped", "preadorn", "ab",  "postadorn", "interpolated",
+        "stepsize"};
+    constexpr int firstProperty = 8;
+    constexpr int all = 19;
+    const bool hasProperties = node.kind == KELKind_MetaKelVarDescriptor;
+    return names[hasProperties ? firstProperty + script_.below(all - firstProperty)
+                               : script_.below(firstProperty)];
 }
 
 } // namespace kel::fuzz

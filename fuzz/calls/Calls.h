@@ -6,7 +6,9 @@
 #include "calls/Model.h"
 #include "calls/Rounds.h"
 
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace kel::fuzz {
 
@@ -18,6 +20,10 @@ public:
     Calls(const Calls&) = delete;
     Calls& operator=(const Calls&) = delete;
 
+    /// Begins with values of every kind that are connected and observed, so that a short script
+    /// reaches what needs several of them.
+    void begin();
+
     /// Makes the next call.
     void next();
 
@@ -25,6 +31,12 @@ public:
     void finish();
 
 private:
+    Node* hold(int32_t kind, KEL* real);
+    Node* holdInt(int32_t number);
+    void addTo(Node& array, Node* element);
+    void storeIn(Node& structure, const char* name, Node* value);
+    Node* holdRules(int32_t type, std::size_t allowed);
+
     // Calls on values of every kind.
     void create();
     void put(Node*& place, Node* node);
@@ -34,31 +46,78 @@ private:
     void copy();
     void watch();
     void change();
-    void changeInt(Node& node);
+    void changeScalar(Node& node);
     void empty(Node& node);
+    Node* made();
 
     // Calls on containers.
     void changeArray(Node& node);
     void setElement(Node& array, int32_t index);
+    void setTypedElement(Node& array, int32_t index);
     void addAll(Node& array);
     void changeManager(Node& node);
+    void createManaged(Node& manager);
+
+    // Calls on structs, and on the kinds that are built on them.
     void changeStruct(Node& node);
     void addVariable(Node& structure, const std::string& name, Node* value);
+    void putTyped(Node& structure, const std::string& name);
     void setVariable(Node& structure, const std::string& name);
-    void setNumber(Node& structure, const std::string& name);
+    void setTyped(Node& structure, const std::string& name);
+    void removeVariable(Node& structure, const std::string& name);
     void renameVariable(Node& structure, const std::string& name);
     void addMissing(Node& structure);
+    std::vector<Node*> rounds(Node& structure, std::size_t changes) const;
+
+    // Calls on index lists.
     void changeList(Node& node);
     void insertPair(Node& list, int32_t index);
     void setItem(Node& list, int32_t index);
     void addPairs(Node& list);
+    void lookUp(Node& list);
+    void lookUpByValue(Node& list);
+    void removeByKey(Node& list);
+    void replaceByKey(Node& list);
+    void setKeys(Node& list);
+    void setTypedKeys(Node& list);
+    void addTypedPair(Node& list);
+    void removePairsWith(Node& list, KEL* keyValue, const std::function<void()>& call);
 
-    Node*& anyPlace() { return model_.places[static_cast<std::size_t>(script_.below(8))]; }
-    Node* any() { return anyPlace(); }
+    // Calls on selectors.
+    void changeSelector(Node& node);
+    /// Gives a selector another list if the value is one. Otherwise nothing changes.
+    template <class Selector> void setList(Selector& selector, Node& node, Node* value);
+    void lookAtSelection(Node& selector);
+    void changeMultiSelector(Node& node);
+    void select(Node& selector, Node* key, const std::function<void()>& call);
+    void deselect(Node& selector, Node* key, const std::function<void()>& call);
+    void lookAtSelectedKeys(Node& selector);
+
+    // Calls on checked structs and descriptors.
+    void changeChecked(Node& node);
+    void addChecked(Node& checked, const std::string& name, Node* value);
+    void setChecked(Node& checked, const std::string& name, Node* value);
+    void getChecked(Node& checked, const std::string& name, bool storesDefault);
+    void setDescriptor(Node& checked, bool replaces);
+    void describe(Node& checked, const std::string& name);
+    void changeDescriptor(Node& node);
+    void changeRange(Node& descriptor);
+    void changeEnumeration(Node& descriptor);
+    void convertEnumeration(Node& descriptor);
+    void changeProperty(Node& descriptor);
+    void lookAtDescriptor(Node& descriptor);
+    void replaceIfThere(Node& descriptor, const std::string& name, Node* value,
+                        const std::function<void()>& call);
+
+    Node*& anyPlace() { return model_.places[static_cast<std::size_t>(script_.below(16))]; }
+    /// Returns a value that the script holds, now and then null.
+    Node* any();
     /// Returns a value of the kind that the script holds, or null.
     Node* anyOf(int32_t kind);
+    template <class Fits> Node* nextWhich(const Fits& fits);
     int32_t anyIndex() { return script_.below(8) - 1; }
-    std::string anyName();
+    /// Returns a name of a variable, for a variable descriptor mostly one of its properties.
+    std::string anyName(const Node& node);
 
     Script& script_;
     Model model_;

@@ -1,38 +1,9 @@
-// The calls that change arrays, managers and index lists.
+// The calls that change arrays and managers.
 #include "Property.h"
 #include "calls/Calls.h"
-
-#include <algorithm>
+#include "calls/Nodes.h"
 
 namespace kel::fuzz {
-
-namespace {
-
-constexpr const char* badIndex = "Array index out of bounds.";
-
-template <class Held> auto at(Held& elements, int32_t index) {
-    return elements.begin() + index;
-}
-
-int32_t countOf(const Node& array) {
-    return static_cast<int32_t>(array.elements.size());
-}
-
-KEL* realOf(const Node* node) {
-    return node == nullptr ? nullptr : node->real;
-}
-
-bool contains(const Node& array, const Node* element) {
-    return std::find(array.elements.begin(), array.elements.end(), element) != array.elements.end();
-}
-
-int32_t indexOf(const Node& array, const Node* element) {
-    const auto found = std::find(array.elements.begin(), array.elements.end(), element);
-    return found == array.elements.end() ? -1
-                                         : static_cast<int32_t>(found - array.elements.begin());
-}
-
-} // namespace
 
 // ---- Arrays ------------------------------------------------------------------------------------
 
@@ -40,7 +11,7 @@ void Calls::changeArray(Node& node) {
     auto& array = node.as<KEL_Array>();
     const int32_t index = anyIndex();
     const bool isInside = index >= 0 && index < countOf(node);
-    switch (script_.below(9)) {
+    switch (script_.below(12)) {
     case 0:
     case 1: {
         Node* value = any();
@@ -101,6 +72,34 @@ void Calls::changeArray(Node& node) {
         const Node* value = any();
         require(array.indexOfVar(realOf(value)) == (value == nullptr ? -1 : indexOf(node, value)),
                 "an element is found by its identity");
+        require(array.containsVar(realOf(value)) == contains(node, value),
+                "an element is contained by its identity");
+        break;
+    }
+    case 8:
+        setTypedElement(node, index);
+        break;
+    case 9: {
+        const Typed typed(script_);
+        const int32_t place = countOf(node);
+        node.elements.push_back(model_.addMade(typed));
+        rounds_.expect({&node}, true, [&array, &typed, place] {
+#define KEL_VALUE(value) (value)
+            require(KEL_TYPED_CALL(typed, array, add, KEL_VALUE)() == place,
+                    "a typed addition returns the index");
+#undef KEL_VALUE
+        });
+        break;
+    }
+    case 10: {
+        const KEL* got = nullptr;
+        const auto get = [&array, &got, index] { got = array.getVar(index); };
+        if (isInside) {
+            rounds_.expect({}, false, get);
+            require(got == (*at(node.elements, index))->real, "an element has its index");
+        } else {
+            rounds_.expectRefusal(badIndex, get);
+        }
         break;
     }
     default:
@@ -108,27 +107,38 @@ void Calls::changeArray(Node& node) {
     }
 }
 
-/// Replaces the element, or changes it in place: then its own observers are notified.
+/// Replaces the element.
 void Calls::setElement(Node& array, int32_t index) {
     auto& real = array.as<KEL_Array>();
-    const bool isInPlace = script_.below(2) == 1;
-    Node* value = isInPlace ? nullptr : any();
-    const auto set = [&real, index, value, isInPlace] {
-        isInPlace ? real.setInt(index, int32_t{77}) : real.setVar(realOf(value), index);
-    };
+    Node* value = any();
+    const auto set = [&real, index, value] { real.setVar(realOf(value), index); };
+    if (index < 0 || index >= countOf(array)) {
+        rounds_.expectRefusal(badIndex, set);
+    } else if (value == nullptr) {
+        rounds_.expect({}, false, set);
+    } else {
+        *at(array.elements, index) = value;
+        rounds_.expect({&array}, true, set);
+    }
+}
+
+/// Changes an element in place: then its own observers are notified.
+void Calls::setTypedElement(Node& array, int32_t index) {
+    auto& real = array.as<KEL_Array>();
+    const Typed typed(script_);
+#define KEL_AT_INDEX(value) (index, value)
+    const auto set = KEL_TYPED_CALL(typed, real, set, KEL_AT_INDEX);
+#undef KEL_AT_INDEX
     if (index < 0 || index >= countOf(array)) {
         rounds_.expectRefusal(badIndex, set);
         return;
     }
-    Node*& element = *at(array.elements, index);
-    if (isInPlace && element->kind == KELKind_Int) {
-        element->number = 77;
-        rounds_.expect({element}, true, set);
-    } else if (value != nullptr) {
-        element = value;
-        rounds_.expect({&array}, true, set);
-    } else {
+    Node* element = *at(array.elements, index);
+    if (!element->isScalar()) {
         rounds_.expect({}, false, set);
+    } else if (element->knows(typed)) {
+        element->store(typed);
+        rounds_.expect({element}, true, set);
     }
 }
 
@@ -154,9 +164,26 @@ void Calls::addAll(Node& array) {
 void Calls::changeManager(Node& node) {
     auto& manager = node.as<KEL_Manager>();
     Node* value = any();
-    const int choice = script_.below(4);
+    const int choice = script_.below(6);
     if (choice == 3) {
         empty(node);
+        return;
+    }
+    if (choice == 4) {
+        createManaged(node);
+        return;
+    }
+    if (choice == 5) {
+        const int32_t place = anyIndex();
+        const auto get = [&] {
+            require(manager.getKelAt(place) == (*at(node.elements, place))->real,
+                    "an element has its index");
+        };
+        if (place < 0 || place >= countOf(node)) {
+            rounds_.expectRefusal("getKel: no such element", [&] { manager.getKelAt(place); });
+        } else {
+            rounds_.expect({}, false, get);
+        }
         return;
     }
     if (value == nullptr) {
@@ -167,6 +194,14 @@ void Calls::changeManager(Node& node) {
     value->real->getHashCode(identity);
     const int32_t index = indexOf(node, value);
     require(manager.containsKel(identity) == (index != -1), "an element is found");
+    if (index == -1) {
+        rounds_.expectRefusal("getKel: no such element", [&] { manager.getKel(identity); });
+        rounds_.expectRefusal("getKel: no such element", [&] { manager.getKelBase(identity); });
+    } else {
+        require(manager.getKel(identity) == value->real &&
+                    manager.getKelBase(identity) == value->real,
+                "an element is found by its identity");
+    }
     if (choice < 2) {
         if (index == -1) {
             node.elements.push_back(value);
@@ -180,119 +215,24 @@ void Calls::changeManager(Node& node) {
     }
 }
 
-// ---- Index lists -------------------------------------------------------------------------------
-
-void Calls::changeList(Node& node) {
-    auto& list = node.as<KEL_IndexList>();
-    auto& keys = node.arrays[0]->elements;
-    auto& items = node.arrays[1]->elements;
-    const std::vector<Node*> all{node.arrays[0], node.arrays[1], &node};
-    const int32_t index = anyIndex();
-    const bool isInside = index >= 0 && index < node.pairs();
-    switch (script_.below(7)) {
-    case 0:
-    case 1:
-        insertPair(node, index);
-        break;
-    case 2: {
-        const auto remove = [&list, index] { list.removePair(index); };
-        if (isInside) {
-            keys.erase(at(keys, index));
-            items.erase(at(items, index));
-            rounds_.expect(all, false, remove);
-        } else {
-            rounds_.expectRefusal(badIndex, remove);
-        }
-        break;
-    }
-    case 3: {
-        const int32_t other = anyIndex();
-        const auto swap = [&list, index, other] { list.swapPairs(index, other); };
-        if (isInside && other >= 0 && other < node.pairs()) {
-            std::swap(*at(keys, index), *at(keys, other));
-            std::swap(*at(items, index), *at(items, other));
-            rounds_.expect(all, false, swap);
-        } else {
-            rounds_.expectRefusal(badIndex, swap);
-        }
-        break;
-    }
-    case 4:
-        setItem(node, index);
-        break;
-    case 5:
-        addPairs(node);
-        break;
-    default:
-        empty(node);
-    }
-}
-
-void Calls::insertPair(Node& list, int32_t index) {
-    Node* key = any();
-    Node* item = any();
-    auto& real = list.as<KEL_IndexList>();
-    const auto insert = [&real, key, item, index] {
-        real.insertPair(realOf(key), realOf(item), index);
+/// Makes a value of any kind, which nobody else holds. The manager does not take it.
+void Calls::createManaged(Node& manager) {
+    auto& real = manager.as<KEL_Manager>();
+    const int32_t kind = script_.below(64);
+    const bool isGiven = script_.below(2) == 1;
+    const JHashCode identity(script_.byte(), 1, 2, 3);
+    const auto create = [&] {
+        KEL* created = isGiven ? real.createKel(kind, identity) : real.createKel(kind);
+        require(created->getType() == kind, "createKel makes a value of the kind");
+        JHashCode own;
+        require((created->getHashCode(own) == identity) == isGiven, "a value has its identity");
+        require(created->release() == 0, "nobody else holds the value");
     };
-    if (index < 0 || index > list.pairs()) {
-        rounds_.expectRefusal(badIndex, insert);
-    } else if (key == nullptr || item == nullptr) {
-        rounds_.expect({}, false, insert);
+    if (findKELKind(kind) == nullptr) {
+        rounds_.expectRefusal("createKel: Unknown type.", create);
     } else {
-        auto& keys = list.arrays[0]->elements;
-        auto& items = list.arrays[1]->elements;
-        keys.insert(at(keys, index), key);
-        items.insert(at(items, index), item);
-        rounds_.expect({list.arrays[0], list.arrays[1], &list}, false, insert);
+        rounds_.expect({}, false, create);
     }
-}
-
-void Calls::setItem(Node& list, int32_t index) {
-    Node* item = any();
-    auto& real = list.as<KEL_IndexList>();
-    const auto set = [&real, item, index] { real.setItemAt(index, realOf(item)); };
-    if (index < 0 || index >= list.pairs()) {
-        rounds_.expectRefusal(badIndex, set);
-    } else if (item == nullptr) {
-        rounds_.expect({}, false, set);
-    } else {
-        *at(list.arrays[1]->elements, index) = item;
-        rounds_.expect({list.arrays[1], &list}, false, set);
-    }
-}
-
-/// Adds the pairs of another list whose keys are missing. Each is a change of both arrays and of
-/// the list. The pairs are collected first.
-void Calls::addPairs(Node& list) {
-    const Node* other = anyOf(KELKind_IndexList);
-    if (other == nullptr) {
-        return;
-    }
-    std::vector<Node*> keys = other->arrays[0]->elements;
-    const std::vector<Node*> items = other->arrays[1]->elements;
-    keys.resize(static_cast<std::size_t>(other->pairs()));
-    const auto containsKey = [&list](const Node* key) {
-        const int32_t index = indexOf(*list.arrays[0], key);
-        return index != -1 && index < list.pairs();
-    };
-    std::vector<bool> isMissing;
-    for (const Node* key : keys) {
-        isMissing.push_back(!containsKey(key));
-    }
-    std::vector<Node*> rounds;
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (isMissing[i] && !containsKey(keys[i])) {
-            const int32_t end = list.pairs();
-            auto& ownKeys = list.arrays[0]->elements;
-            auto& ownItems = list.arrays[1]->elements;
-            ownKeys.insert(at(ownKeys, end), keys[i]);
-            ownItems.insert(at(ownItems, end), items[i]);
-            rounds.insert(rounds.end(), {list.arrays[0], list.arrays[1], &list});
-        }
-    }
-    rounds_.expect(rounds, false,
-                   [&] { list.as<KEL_IndexList>().addPairs(&other->as<KEL_IndexList>()); });
 }
 
 } // namespace kel::fuzz

@@ -1,6 +1,7 @@
-// The calls that change structs.
+// The calls that change structs, and what checked structs and descriptors have in common with them.
 #include "Property.h"
 #include "calls/Calls.h"
+#include "calls/Nodes.h"
 
 namespace kel::fuzz {
 
@@ -14,16 +15,18 @@ bool hasQuote(const std::string& name) {
     return name.find('"') != std::string::npos;
 }
 
-KEL* realOf(const Node* node) {
-    return node == nullptr ? nullptr : node->real;
-}
-
 } // namespace
 
+/// Returns the rounds of a call that changes the struct so often. A kind that is built on a struct
+/// notifies once.
+std::vector<Node*> Calls::rounds(Node& structure, std::size_t changes) const {
+    return std::vector<Node*>(
+        structure.isBuiltOnStruct() ? std::min<std::size_t>(changes, 1) : changes, &structure);
+}
+
 void Calls::changeStruct(Node& node) {
-    auto& structure = node.as<KEL_Struct>();
-    const std::string name = anyName();
-    switch (script_.below(9)) {
+    const std::string name = anyName(node);
+    switch (script_.below(10)) {
     case 0:
     case 1:
     case 2:
@@ -33,27 +36,33 @@ void Calls::changeStruct(Node& node) {
         setVariable(node, name);
         break;
     case 4:
-        setNumber(node, name);
+        setTyped(node, name);
         break;
     case 5:
         renameVariable(node, name);
         break;
-    case 6: {
-        const auto remove = [&] { structure.removeVar(name.c_str()); };
-        if (name.empty()) {
-            rounds_.expect({}, false, remove);
-        } else if (node.variables.erase(name) == 0) {
-            rounds_.expectRefusal(unknownToChange, remove);
-        } else {
-            rounds_.expect({&node}, true, remove);
-        }
+    case 6:
+        removeVariable(node, name);
         break;
-    }
     case 7:
         addMissing(node);
         break;
+    case 8:
+        putTyped(node, name);
+        break;
     default:
         empty(node);
+    }
+}
+
+void Calls::removeVariable(Node& structure, const std::string& name) {
+    const auto remove = [&] { structure.as<KEL_Struct>().removeVar(name.c_str()); };
+    if (name.empty()) {
+        rounds_.expect({}, false, remove);
+    } else if (structure.variables.erase(name) == 0) {
+        rounds_.expectRefusal(unknownToChange, remove);
+    } else {
+        rounds_.expect({&structure}, !structure.isBuiltOnStruct(), remove);
     }
 }
 
@@ -66,11 +75,29 @@ void Calls::addVariable(Node& structure, const std::string& name, Node* value) {
         rounds_.expectRefusal(quote, add);
     } else {
         const bool isNew = structure.variables.insert_or_assign(name, value).second;
-        rounds_.expect(std::vector<Node*>(isNew ? 1 : 2, &structure), isNew, add);
+        rounds_.expect(rounds(structure, isNew ? 1 : 2), isNew && !structure.isBuiltOnStruct(),
+                       add);
     }
 }
 
-/// Replaces a value, which notifies nobody.
+/// Stores a scalar that the call makes.
+void Calls::putTyped(Node& structure, const std::string& name) {
+    auto& real = structure.as<KEL_Struct>();
+    const Typed typed(script_);
+#define KEL_NAMED(value) (name.c_str(), value)
+    const auto put = KEL_TYPED_CALL(typed, real, put, KEL_NAMED);
+#undef KEL_NAMED
+    if (name.empty()) {
+        rounds_.expect({}, false, put);
+    } else if (hasQuote(name)) {
+        rounds_.expectRefusal(quote, put);
+    } else {
+        const bool isNew = structure.variables.insert_or_assign(name, model_.addMade(typed)).second;
+        rounds_.expect(rounds(structure, isNew ? 1 : 2), false, put);
+    }
+}
+
+/// Replaces a value. A plain struct notifies nobody.
 void Calls::setVariable(Node& structure, const std::string& name) {
     Node* value = any();
     const auto set = [&] { structure.as<KEL_Struct>().setVar(name.c_str(), realOf(value)); };
@@ -78,7 +105,7 @@ void Calls::setVariable(Node& structure, const std::string& name) {
         rounds_.expect({}, false, set);
     } else if (structure.variables.contains(name)) {
         structure.variables[name] = value;
-        rounds_.expect({}, false, set);
+        rounds_.expect(rounds(structure, structure.isBuiltOnStruct() ? 1 : 0), false, set);
     } else {
         rounds_.expectRefusal(unknownToChange, set);
     }
@@ -86,28 +113,32 @@ void Calls::setVariable(Node& structure, const std::string& name) {
 
 /// Changes a value in place, which notifies its own observers. A variable that holds null gets a
 /// new value instead.
-void Calls::setNumber(Node& structure, const std::string& name) {
-    const int32_t number = script_.byte();
-    const auto set = [&] { structure.as<KEL_Struct>().setInt(name.c_str(), number); };
+void Calls::setTyped(Node& structure, const std::string& name) {
+    auto& real = structure.as<KEL_Struct>();
+    const Typed typed(script_);
+#define KEL_NAMED(value) (name.c_str(), value)
+    const auto set = KEL_TYPED_CALL(typed, real, set, KEL_NAMED);
+#undef KEL_NAMED
     const auto found = structure.variables.find(name);
+    Node* value = found == structure.variables.end() ? nullptr : found->second;
     if (name.empty()) {
         rounds_.expect({}, false, set);
     } else if (found == structure.variables.end()) {
         rounds_.expectRefusal(unknownToChange, set);
-    } else if (found->second == nullptr) {
-        found->second = model_.add(KELKind_Int, nullptr);
-        found->second->number = number;
-        rounds_.expect({&structure, &structure}, false, set);
-    } else if (found->second->kind == KELKind_Int) {
-        found->second->number = number;
-        rounds_.expect({found->second}, true, set);
-    } else {
+    } else if (value == nullptr) {
+        found->second = model_.addMade(typed);
+        rounds_.expect(rounds(structure, 2), false, set);
+    } else if (!value->isScalar()) {
         rounds_.expect({}, false, set);
+    } else if (value->knows(typed)) {
+        value->store(typed);
+        structure.isBuiltOnStruct() ? rounds_.expect({value, &structure}, false, set)
+                                    : rounds_.expect({value}, true, set);
     }
 }
 
 void Calls::renameVariable(Node& structure, const std::string& name) {
-    const std::string newName = anyName();
+    const std::string newName = anyName(structure);
     const auto rename = [&] {
         structure.as<KEL_Struct>().renameVar(name.c_str(), newName.c_str());
     };
@@ -124,14 +155,14 @@ void Calls::renameVariable(Node& structure, const std::string& name) {
         auto variable = structure.variables.extract(name);
         variable.key() = newName;
         structure.variables.insert(std::move(variable));
-        rounds_.expect({&structure}, true, rename);
+        rounds_.expect({&structure}, !structure.isBuiltOnStruct(), rename);
     }
 }
 
 /// Adds the variables of another struct whose names are missing. Each is a change of its own.
 void Calls::addMissing(Node& structure) {
-    const Node* other = anyOf(KELKind_Struct);
-    if (other == nullptr) {
+    const Node* other = any();
+    if (other == nullptr || !other->isStruct()) {
         require(structure.as<KEL_Struct>().addVars(nullptr) == -1, "null is not added");
         return;
     }
@@ -139,7 +170,7 @@ void Calls::addMissing(Node& structure) {
     if (other != &structure) {
         structure.variables.insert(other->variables.begin(), other->variables.end());
     }
-    rounds_.expect(std::vector<Node*>(structure.variables.size() - before, &structure), false,
+    rounds_.expect(rounds(structure, structure.variables.size() - before), false,
                    [&] { structure.as<KEL_Struct>().addVars(&other->as<KEL_Struct>()); });
 }
 

@@ -21,6 +21,11 @@ template <class Visit> void forEachHeld(const Node& node, const Visit& visit) {
     for (Node* array : node.arrays) {
         visit(array);
     }
+    for (Node* other : {node.list, node.selection}) {
+        if (other != nullptr) {
+            visit(other);
+        }
+    }
 }
 
 /// Requires that a container shows the value of the node.
@@ -33,9 +38,21 @@ void requireShown(Node& node, KEL* shown) {
 
 /// Requires that the value has the contents of the node.
 void verifyContents(Node& node) {
+    require(node.real->getType() == node.kind, "a value has its kind");
     switch (node.kind) {
     case KELKind_Int:
-        require(node.real->toInt() == node.number, "an Int has its number");
+    case KELKind_Boolean:
+    case KELKind_Double:
+        require(node.real->toDouble() == node.number, "a number has its value");
+        break;
+    case KELKind_guid: {
+        JHashCode value;
+        require(node.real->toGuid(value) == JHashCode(static_cast<uint32_t>(node.number)),
+                "a guid has its value");
+        break;
+    }
+    case KELKind_String:
+        requireSame(node.as<KEL_String>().getValue(), node.text, "a String has its text");
         break;
     case KELKind_Array: {
         auto& array = node.as<KEL_Array>();
@@ -55,7 +72,10 @@ void verifyContents(Node& node) {
         }
         break;
     }
-    case KELKind_Struct: {
+    case KELKind_Struct:
+    case KELKind_MetaKel:
+    case KELKind_MetaKelDescriptor:
+    case KELKind_MetaKelVarDescriptor: {
         const auto& variables = node.as<KELInterface_Struct_V2>();
         require(variables.getCount() == static_cast<int32_t>(node.variables.size()),
                 "a struct has its count");
@@ -78,6 +98,20 @@ void verifyContents(Node& node) {
         require(list.getCount() == node.pairs(), "a list has its count");
         break;
     }
+    case KELKind_Selector: {
+        auto& selector = node.as<KEL_Selector>();
+        requireShown(*node.list, selector.getList());
+        require(selector.getSelectedKey() ==
+                    (node.selection == nullptr ? nullptr : node.selection->real),
+                "a selector has its key");
+        break;
+    }
+    case KELKind_MultiSelector: {
+        auto& selector = node.as<KEL_MultiSelector>();
+        requireShown(*node.list, selector.getList());
+        requireShown(*node.arrays[0], selector.getSelectedKeys());
+        break;
+    }
     default:
         fail("the model knows the kind");
     }
@@ -87,6 +121,45 @@ void verifyContents(Node& node) {
 
 int32_t Node::pairs() const {
     return static_cast<int32_t>(std::min(arrays[0]->elements.size(), arrays[1]->elements.size()));
+}
+
+bool Node::isScalar() const {
+    return kind == KELKind_Int || kind == KELKind_Boolean || kind == KELKind_Double ||
+           kind == KELKind_guid || kind == KELKind_String;
+}
+
+bool Node::knows(const Typed& typed) const {
+    return !isScalar() || typed.kind() == kind || typed.kind() == KELKind_Int;
+}
+
+void Node::store(const Typed& typed) {
+    if (kind == KELKind_String) {
+        text = typed.text;
+    } else if (isScalar()) {
+        number = kind == KELKind_Boolean ? (typed.number != 0 ? 1 : 0) : typed.number;
+    }
+}
+
+Node* Node::variable(const std::string& name) const {
+    const auto found = variables.find(name);
+    return found == variables.end() ? nullptr : found->second;
+}
+
+Node* Model::addMade(const Typed& typed) {
+    return addMade(typed.kind(), typed.number, typed.text);
+}
+
+Node* Model::addMade(int32_t kind, double number, const std::string& text) {
+    Node* made = add(kind, nullptr);
+    made->number = number;
+    made->text = text;
+    return made;
+}
+
+Node* Model::addList(KEL* real) {
+    Node* made = add(KELKind_IndexList, real);
+    made->arrays = {add(KELKind_Array, nullptr), add(KELKind_Array, nullptr)};
+    return made;
 }
 
 Node* Model::add(int32_t kind, KEL* real) {

@@ -146,22 +146,21 @@ void Rounds::changeAgain(Node& node) {
         node.elements.clear();
         expect({&node}, true, [&node] { node.as<KEL_Array>().removeAllVars(); });
     } else if (node.kind == KELKind_Array) {
-        Node* made = model_.add(KELKind_Int, nullptr);
-        made->number = 5;
-        node.elements.push_back(made);
+        node.elements.push_back(model_.addMade(KELKind_Int, 5));
         expect({&node}, true, [&node] { node.as<KEL_Array>().addInt(int32_t{5}); });
     } else if (node.kind == KELKind_Struct && !node.variables.empty()) {
         const std::string name = node.variables.begin()->first;
         node.variables.erase(name);
         expect({&node}, true, [&] { node.as<KEL_Struct>().removeVar(name.c_str()); });
     } else if (node.kind == KELKind_Int) {
-        node.number = -node.number / 2;
-        expect({&node}, true, [&node] { node.as<KEL_Int>().setValue(node.number); });
+        const int32_t number = -static_cast<int32_t>(node.number) / 2;
+        node.number = number;
+        expect({&node}, true, [&node, number] { node.as<KEL_Int>().setValue(number); });
     }
 }
 
 void Rounds::releaseSomething() {
-    Node*& place = model_.places[static_cast<std::size_t>(script_.below(8))];
+    Node*& place = model_.places[static_cast<std::size_t>(script_.below(16))];
     if (place != nullptr) {
         KEL* real = place->real;
         place = nullptr;
@@ -198,6 +197,10 @@ void Rounds::changeWatchers(Node& node) {
     const int choice = script_.byte();
     Watcher* watcher = watchers_[static_cast<std::size_t>(choice % 4)].get();
     choice < 128 ? add(node, watcher) : remove(node, watcher);
+}
+
+void Rounds::watch(Node& node) {
+    add(node, watchers_.front().get());
 }
 
 void Rounds::removeWatchers(Node& node) {

@@ -44,6 +44,9 @@ public:
     /// Adds or removes a watcher, as the script chooses.
     void changeWatchers(Node& node);
 
+    /// Adds the first watcher.
+    void watch(Node& node);
+
     /// Removes all watchers from the node.
     void removeWatchers(Node& node);
 

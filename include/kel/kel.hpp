@@ -6,9 +6,16 @@
 #pragma once
 
 #include <kel/cpp/atomic.hpp>
+#include <kel/cpp/differences.hpp>
+#include <kel/cpp/history.hpp>
+#include <kel/cpp/keep_unknown.hpp>
 #include <kel/cpp/load_into.hpp>
-#include <kel/cpp/restore.hpp>
+#include <kel/cpp/mixed.hpp>
 #include <kel/cpp/rings.hpp>
+#include <kel/cpp/room_for.hpp>
+#include <kel/cpp/set_aside.hpp>
+#include <kel/cpp/take.hpp>
 #include <kel/cpp/visit.hpp>
+#include <kel/cpp/watch_path.hpp>
 #include <kel/cpp/watch_tree.hpp>
 #include <kel/cpp/watch_values.hpp>

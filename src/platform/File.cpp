@@ -10,7 +10,6 @@
 
 #include <io.h>
 #else
-#include <limits>
 #include <sys/types.h>
 #endif
 
@@ -63,10 +62,8 @@ int64_t tell(std::FILE* file) {
 }
 
 bool seek(std::FILE* file, int64_t position) {
-    if (position > std::numeric_limits<off_t>::max()) {
-        return false;
-    }
-    return fseeko(file, static_cast<off_t>(position), SEEK_SET) == 0;
+    static_assert(sizeof(off_t) >= sizeof position);
+    return fseeko(file, position, SEEK_SET) == 0;
 }
 
 #endif

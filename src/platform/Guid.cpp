@@ -50,6 +50,7 @@ std::atomic<uint32_t> spareUses{0};
 
 void keepSpareKey(const RandomStream::Key& key) {
     SpareKey expected = SpareKey::none;
+    // reached by chance: else another thread keeps a key at the same moment
     if (spareKeyState.compare_exchange_strong(expected, SpareKey::beingKept)) {
         spareKey = key;
         spareKeyState.store(SpareKey::kept, std::memory_order_release);

@@ -54,12 +54,11 @@ Region* Region::map() {
         return nullptr;
     }
     const std::size_t before = (regionSize - reinterpret_cast<uintptr_t>(start)) & (regionSize - 1);
+    // reached by chance: the system seldom maps at a multiple of the size
     if (before > 0) {
         munmap(start, before);
     }
-    if (before < regionSize) {
-        munmap(start + before + regionSize, regionSize - before);
-    }
+    munmap(start + before + regionSize, regionSize - before); // always some bytes
     return new (start + before) Region();
 }
 

@@ -3,12 +3,12 @@
 #if !defined(_WIN32)
 
 #include "platform/Inline.h"
+#include "platform/Memory.h"
 #include "platform/RegionReserve.h"
 #include "platform/Slab.h"
 #include "platform/ThreadLocal.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <iterator>
 #include <mutex>
 #include <new>
@@ -39,6 +39,7 @@ namespace {
 constinit Slab::Word noFreeBlock = 0;
 constinit Slab noSlab{&noFreeBlock};
 
+// not reached: the compiler runs the constructor
 struct NoHeap : Heap {
     constexpr NoHeap() noexcept : Heap() {
         for (Slab*& slab : current) {
@@ -253,6 +254,7 @@ struct EndKey {
     EndKey() noexcept { hasEndKey = pthread_key_create(&endKey, leaveHeap) == 0; }
     EndKey(const EndKey&) = delete;
     EndKey& operator=(const EndKey&) = delete;
+    // not reached: it runs after the counts of the process are written
     ~EndKey() {
         if (hasEndKey.exchange(false)) {
             pthread_key_delete(endKey);
@@ -276,7 +278,7 @@ Heap* makeHeap() {
         }
     }
     if (made == nullptr) {
-        void* memory = std::malloc(sizeof(Heap));
+        void* memory = allocate(sizeof(Heap));
         if (memory == nullptr) {
             return nullptr;
         }
@@ -289,7 +291,7 @@ Heap* makeHeap() {
     }
     threadHeap = made;
     // Without the key, or room for its value, the slabs remain until the process ends.
-    if (hasEndKey) {
+    if (hasEndKey) { // not reached: false only while the process ends
         pthread_setspecific(endKey, made);
     }
     return made;
@@ -351,6 +353,7 @@ KEL_NEVER_INLINE void giveRemote(Region* region, void* block) {
         if (mine != &noHeap) {
             const std::lock_guard<ForkLock> guard(lock);
             owner = region->heap.load(std::memory_order_relaxed);
+            // reached by chance: another thread can have taken the slabs over meanwhile
             if (owner != mine && owner->isOrphan.load(std::memory_order_relaxed)) {
                 adopt(*mine, *owner);
                 owner = mine;
@@ -367,6 +370,7 @@ KEL_NEVER_INLINE void giveRemote(Region* region, void* block) {
     Block* first = slab->remote.load(std::memory_order_relaxed);
     do {
         freed->next = first;
+        // reached by chance: other threads free blocks of the slab at the same moment
     } while (!slab->remote.compare_exchange_weak(first, freed, std::memory_order_acq_rel,
                                                  std::memory_order_relaxed));
     if (first == nullptr) {

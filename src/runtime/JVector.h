@@ -294,10 +294,11 @@ private:
         int32_t room = std::max(count, size_);
         T** moved = nullptr;
         if (room > allocated_) {
-            const int64_t ahead = allocated_ + int64_t{allocated_} / 2;
-            if (ahead > room && ahead <= INT32_MAX) {
-                moved = tryAllocate(static_cast<int32_t>(ahead));
-                room = moved != nullptr ? static_cast<int32_t>(ahead) : room;
+            const auto ahead = static_cast<int32_t>(
+                std::min<int64_t>(allocated_ + int64_t{allocated_} / 2, INT32_MAX));
+            if (ahead > room) {
+                moved = tryAllocate(ahead);
+                room = moved != nullptr ? ahead : room;
             }
         }
         if (moved == nullptr) {

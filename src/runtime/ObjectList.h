@@ -85,6 +85,13 @@ public:
     /// Closes the gap, and then releases the removed element.
     void remove(int32_t index) { drop(elements_.take(index)); }
 
+    /// Closes the gaps at some places in one pass, and then releases the removed elements.
+    /// \param places from the least one to the greatest one, each once
+    /// \param count of the places
+    void removeEach(const int32_t* places, int32_t count) {
+        elements_.takeEach(places, count, [](T* object) { drop(object); });
+    }
+
     /// Removes every element, the last one first, and keeps the room. Elements that are added or
     /// removed while others are released do no harm: afterwards the list is empty.
     void clear() {

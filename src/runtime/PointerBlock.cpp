@@ -14,11 +14,18 @@ constexpr int32_t leastRoom = 2;
 /// Recording an element in a table takes about as long as comparing so many elements.
 constexpr std::size_t stepsToRecord = 8;
 
-uint64_t* stepCounter = nullptr;
+PointerBlock::Steps* stepCounter = nullptr;
+
+/// Counts elements that a removal moves.
+void recordMoves(int32_t count) {
+    if (stepCounter != nullptr) {
+        stepCounter->moved += static_cast<uint64_t>(count);
+    }
+}
 
 } // namespace
 
-uint64_t* PointerBlock::exchangeStepCounter(uint64_t* counter) {
+PointerBlock::Steps* PointerBlock::exchangeStepCounter(Steps* counter) {
     return std::exchange(stepCounter, counter);
 }
 
@@ -60,6 +67,7 @@ bool PointerBlock::tryResize(int32_t room) noexcept {
 }
 
 KEL_NEVER_INLINE bool PointerBlock::tryResizeWithHead(int32_t room) noexcept {
+    // not reached: 64-bit systems can express every room
     if (static_cast<uint64_t>(room) * sizeof(void*) + sizeof(Head) > SIZE_MAX) {
         return false;
     }
@@ -114,15 +122,30 @@ void PointerBlock::closeInLong(int32_t index) noexcept {
         return;
     }
     if (index >= size_ / 2 || room_ - 1 <= shortRoom) { // a long list remains one
+        recordMoves(size_ - index - 1);
         close(index);
         return;
     }
+    recordMoves(index);
     const Head moved = head();
     std::memmove(elements_ + 1, elements_, bytesOf(index));
     ++elements_;
     --size_;
     --room_;
     ::new (static_cast<void*>(&head())) Head{moved.table, moved.passed, moved.freed + 1};
+}
+
+void PointerBlock::moveToEnd(const int32_t* places, int32_t count) noexcept {
+    int32_t kept = places[0]; // the number of elements before this one that stay
+    recordMoves(size_ - kept);
+    const int32_t* next = places;
+    for (int32_t i = kept; i < size_; ++i) {
+        if (next != places + count && *next == i) {
+            ++next;
+        } else {
+            std::swap(elements_[kept++], elements_[i]);
+        }
+    }
 }
 
 void PointerBlock::swap(PointerBlock& other) noexcept {
@@ -139,7 +162,7 @@ void PointerBlock::dropTable() const noexcept {
 
 void PointerBlock::recordSearch(int32_t passed) const noexcept {
     if (stepCounter != nullptr) {
-        *stepCounter += static_cast<uint64_t>(passed) + 1;
+        stepCounter->searched += static_cast<uint64_t>(passed) + 1;
     }
     Head& state = head();
     state.passed += static_cast<std::size_t>(passed);

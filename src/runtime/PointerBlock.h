@@ -41,9 +41,15 @@ public:
         }
     }
 
-    /// Installs a counter to which every search of a long list adds the number of elements that it
-    /// looks at (null for none), and returns the previous one. For tests; not thread-safe.
-    static uint64_t* exchangeStepCounter(uint64_t* counter);
+    /// Counts of what long lists do.
+    struct Steps {
+        uint64_t searched = 0; ///< elements that searches look at
+        uint64_t moved = 0;    ///< elements that removals move
+    };
+
+    /// Installs counts to which every long list adds what it does (null for none), and returns the
+    /// previous ones. For tests; not thread-safe.
+    static Steps* exchangeStepCounter(Steps* counter);
 
 protected:
     /// Returns whether searches of this list have a table. The table can lack the last elements.
@@ -70,6 +76,11 @@ protected:
 
     /// Removes an element of a long list and closes the gap.
     void closeInLong(int32_t index) noexcept;
+
+    /// Moves the elements at some places to the end, in any order. The others keep their order.
+    /// \param places from the least one to the greatest one, each once
+    /// \param count of the places, at least 1
+    void moveToEnd(const int32_t* places, int32_t count) noexcept;
 
     /// Moves the elements of a long list to the beginning of the block.
     void moveToBeginning() noexcept;

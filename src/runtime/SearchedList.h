@@ -77,6 +77,26 @@ public:
         return taken;
     }
 
+    /// Removes the elements at some places in one pass, and then passes each to release.
+    /// \param places from the least one to the greatest one, each once
+    /// \param count of the places
+    template <class Release>
+    void takeEach(const int32_t* places, int32_t count, const Release& release) {
+        if (count == 1) {
+            release(take(*places)); // which keeps the table
+            return;
+        }
+        if (count > 0) {
+            if (hasTable()) {
+                dropTable();
+            }
+            moveToEnd(places, count);
+        }
+        for (; count > 0; --count) {
+            release(static_cast<T*>(elements_[--size_]));
+        }
+    }
+
     /// Removes every element, the last one first, passes each to release, and keeps the room. The
     /// list is empty afterwards, even if release changes it.
     template <class Release> void takeAll(const Release& release) {

@@ -30,6 +30,7 @@ public:
     /// Numbers an identity. It cannot be found until it is linked. \return its number
     /// \throws JOutOfMemoryException "Out of memory!", also when all numbers are in use
     uint32_t append(const JHashCode& identity) {
+        // not reached: so many identities take 64 GB
         if (identities_.size() >= none) {
             throwOutOfMemory();
         }

@@ -70,6 +70,7 @@ void BinaryDataOutput::JWriteString(const char* text) {
     // One write carries at most as many bytes as its 32-bit count can express.
     const auto* bytes = reinterpret_cast<const uint8_t*>(text);
     size_t left = std::strlen(text) + 1;
+    // not reached: a longer text takes 2 GB
     for (; left > INT32_MAX; left -= INT32_MAX, bytes += INT32_MAX) {
         stream_->JWrite(bytes, 0, INT32_MAX);
     }

@@ -4,7 +4,6 @@
 #include "values/KEL_String_Impl.h"
 #include "values/Kinds.h"
 
-#include <cfloat>
 #include <cmath>
 #include <cstring>
 
@@ -59,7 +58,7 @@ bool convertToBoolean(const KEL* value) {
         return value->toInt() != 0;
     case Scalar::number:
         // This looks inverted but is intended: files and hosts rely on it.
-        return std::fabs(std::trunc(value->toDouble())) <= double{FLT_MIN};
+        return std::fabs(value->toDouble()) < 1;
     case Scalar::boolean:
     case Scalar::guid:
     case Scalar::text:
@@ -105,7 +104,7 @@ bool formatScalar(char* text, const KEL& value) {
         return true;
     }
     case Scalar::text:
-    case Scalar::none:
+    case Scalar::none: // not reached: such a value is not converted
         break;
     }
     return false;

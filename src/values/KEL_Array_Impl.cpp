@@ -208,9 +208,7 @@ void KEL_Array_Impl::removeQuietly(int32_t index) {
 }
 
 void KEL_Array_Impl::removeQuietly(const Indices& indices) {
-    for (auto index = indices.rbegin(); index != indices.rend(); ++index) {
-        removeQuietly(*index);
-    }
+    elements_.removeEach(indices.data(), static_cast<int32_t>(indices.size()));
 }
 
 bool KEL_Array_Impl::containsVar(const KEL* value) const {

@@ -100,6 +100,7 @@ public:
     /// Does the same as removeVar.
     void removeQuietly(int32_t index);
     /// Does the same as removeVar at each of these indices, which are valid and in ascending order.
+    /// Takes linear time.
     void removeQuietly(const Indices& indices);
     /// Does the same as swapVars.
     void swapQuietly(int32_t a, int32_t b);

@@ -5,6 +5,8 @@
 #include "runtime/JDouble.h"
 #include "values/KEL_Impl.h"
 
+#include <bit>
+
 #include <kel/KEL_Double.h>
 
 /// Implements KEL_Double.
@@ -30,7 +32,9 @@ public:
     bool toBoolean() const override { return value_ == 1.0; }
     int32_t toInt() const override { return kel::truncateToInt32(value_); }
     double toDouble() const override { return value_; }
-    uint64_t toDoubleBits() const override { return std::bit_cast<uint64_t>(value_); }
+    /// Returns all the bits of the number. Machines that return doubles in x87 registers change the
+    /// bits of a signalling NaN on the way.
+    uint64_t toDoubleBits() const { return std::bit_cast<uint64_t>(value_); }
     const char* toString() const override;
     JHashCode& toGuid(JHashCode& out) const override;
 

@@ -198,4 +198,5 @@ bool KEL_Impl::nextChild(kel::ChildCursor&) const {
     return false;
 }
 
+// not reached: only containers are copied child by child
 void KEL_Impl::adoptCopiedChild(std::string_view, JPointer<KEL_Impl>&&) {}

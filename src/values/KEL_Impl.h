@@ -6,7 +6,6 @@
 #include "runtime/JObservable.h"
 #include "values/Kinds.h"
 
-#include <bit>
 #include <kel/KEL_Observable.h>
 #include <new>
 #include <string_view>
@@ -18,12 +17,13 @@ struct ChildCursor;
 /// The common base of all kinds. It has counting, identity, observers, the defaults of the
 /// conversions, and the operations that walks over trees consist of. There is one object per value:
 /// the implementation of a kind derives from its public class and from this one.
-class KEL_Impl : public virtual KEL, public virtual KEL_Observable, public virtual JObservable {
+class KEL_Impl : public virtual KEL, public virtual KEL_Observable, public JObservable {
 public:
     KEL_ALWAYS_INLINE KEL_Impl() {}
     KEL_Impl(const KEL_Impl&) = delete;
     KEL_Impl& operator=(const KEL_Impl&) = delete;
     KEL_ALWAYS_INLINE ~KEL_Impl() override {
+        // not reached: end has freed the text
         if (text_ != nullptr) {
             kel::platform::deallocate(text_);
         }
@@ -68,9 +68,6 @@ public:
     int64_t toInt64() const override { return toInt(); }
     uint64_t toUnsignedInt64() const override { return static_cast<uint64_t>(toInt()); }
     double toDouble() const override { return 0.0; }
-    /// Returns all the bits of toDouble. Machines that return doubles in x87 registers change the
-    /// bits of a signalling NaN on the way.
-    virtual uint64_t toDoubleBits() const { return std::bit_cast<uint64_t>(toDouble()); }
     float toFloat() const override { return static_cast<float>(toDouble()); }
     long double toLongDouble() const override { return toDouble(); }
     const char* toString() const override { return nullptr; }
@@ -143,6 +140,7 @@ public:
 
     /// Returns the value that a copy of this container holds in place of a null variable; null
     /// keeps it null.
+    // not reached: only structs have null variables
     virtual JPointer<KEL_Impl> copyOfNullVariable() const { return {}; }
 
     /// Drops the children and notifies nobody. It is for copies that are part of each other and

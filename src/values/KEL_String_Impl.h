@@ -68,6 +68,7 @@ public:
 private:
     /// \throws JOutOfMemoryException "Out of memory!" for a text that no length field can hold
     static std::string_view textOf(std::string_view text) {
+        // not reached: so long a text takes 4 GB
         if (text.size() > UINT32_MAX) {
             kel::throwOutOfMemory();
         }

@@ -139,10 +139,7 @@ void KEL_Struct_Impl::putQuietly(PreparedVariable&& variable) noexcept {
 }
 
 void KEL_Struct_Impl::removeQuietly(std::string_view name) noexcept {
-    const Place found = variables_.find(NameKey(name));
-    if (found.isFound) {
-        variables_.remove(found);
-    }
+    variables_.remove(variables_.find(NameKey(name)));
 }
 
 int32_t KEL_Struct_Impl::addVars(KEL_Struct* other) {
@@ -318,7 +315,10 @@ bool KEL_Struct_Impl::findVar(KELVarCursor& cursor, const char* name) const {
         return false;
     }
     const Place found = variables_.find(NameKey(name));
-    return found.isFound && show(cursor, variables_.positionOf(found));
+    if (!found.isFound) {
+        return false;
+    }
+    return show(cursor, variables_.positionOf(found));
 }
 
 bool KEL_Struct_Impl::show(KELVarCursor& cursor, kel::VariableTable::Position position) const {

@@ -99,7 +99,7 @@ public:
     /// Stores a prepared variable in place of one with the same name; an empty one changes nothing.
     void putQuietly(PreparedVariable&& variable) noexcept;
 
-    /// Removes a variable if it exists.
+    /// Removes a variable that exists.
     void removeQuietly(std::string_view name) noexcept;
 
     /// Stores a value in place of the variable with that name, if there is one. The name is not

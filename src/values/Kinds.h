@@ -30,7 +30,7 @@ constexpr bool isContainer(KELKind kind) {
         KEL_EVERY_KIND(KEL_CASE)
 #undef KEL_CASE
     }
-    return false;
+    return false; // not reached: every kind has a row
 }
 
 } // namespace kel

@@ -74,6 +74,7 @@ public:
             Level& level = levels_.back();
             if (!level.a.next()) {
                 levels_.pop_back();
+                // not reached: equal contents of their own include equal numbers of children
             } else if (!level.b.next() || !compareChildren(level)) {
                 return false;
             }

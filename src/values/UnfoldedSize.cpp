@@ -12,7 +12,7 @@ namespace {
 constexpr uint64_t countLimit = uint64_t{1} << 62; // two of them still fit into 64 bits
 
 /// A container on the way down.
-struct Level {
+struct OpenContainer {
     ChildCursor cursor;
     uint64_t* result;  ///< where its size is kept for the next time; null if it is not kept
     uint64_t size = 1; ///< the size of the part that the walk has finished, the container included
@@ -27,15 +27,15 @@ std::optional<uint64_t> unfoldedSize(const KEL_Impl& source) {
         return 1;
     }
     const KEL_Impl* root = &source.holderOfChildren();
-    Vector<Level> levels;
+    Vector<OpenContainer> levels;
     HashMap<const KEL_Impl*, uint64_t> sizes; // 0 while the walk is inside
     levels.push_back({ChildCursor(*root), &sizes[root]});
     for (;;) {
-        Level& level = levels.back();
-        if (!level.cursor.next()) {
-            const uint64_t size = level.size;
-            if (level.result != nullptr) {
-                *level.result = size;
+        OpenContainer& container = levels.back();
+        if (!container.cursor.next()) {
+            const uint64_t size = container.size;
+            if (container.result != nullptr) {
+                *container.result = size;
             }
             levels.pop_back();
             if (levels.empty()) {
@@ -44,9 +44,9 @@ std::optional<uint64_t> unfoldedSize(const KEL_Impl& source) {
             levels.back().add(size);
             continue;
         }
-        const KEL_Impl* child = level.cursor.value;
+        const KEL_Impl* child = container.cursor.value;
         if (child == nullptr || !child->copiesChildren()) {
-            level.add(1);
+            container.add(1);
             continue;
         }
         const KEL_Impl* holder = &child->holderOfChildren();
@@ -57,7 +57,7 @@ std::optional<uint64_t> unfoldedSize(const KEL_Impl& source) {
                 return std::nullopt;
             }
             if (!isNew) {
-                level.add(known->second);
+                container.add(known->second);
                 continue;
             }
             result = &known->second;

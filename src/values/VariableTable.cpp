@@ -142,11 +142,10 @@ VariableTable::Position VariableTable::positionAfter(const Walk& walk) const {
 VariableTable::Walk VariableTable::walkFrom(Position position) const {
     Walk walk;
     walk.nextRun = position.run;
-    if (position.index == 0 || position.run >= countRuns() || !nextRun(walk)) {
-        return walk;
+    if (position.index > 0 && nextRun(walk)) {
+        const VariableRun& run = runAt(position.run);
+        walk.variable = run.begin() + std::min(position.index, run.count()) - 1;
     }
-    const VariableRun& run = runAt(position.run);
-    walk.variable = run.begin() + std::min(position.index, run.count()) - 1;
     return walk;
 }
 

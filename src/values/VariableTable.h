@@ -2,6 +2,7 @@
 /// VariableTable: the variables of a struct, sorted by their names.
 #pragma once
 
+#include "platform/TailPadding.h"
 #include "values/VariableRun.h"
 
 #include <kel/JPointer.h>
@@ -248,7 +249,7 @@ private:
     /// Frees all storage but does not release the variables.
     void freeStorage() noexcept;
 
-    [[no_unique_address]] VariableRun flat_; ///< all variables while the table is small
+    KEL_SHARES_TAIL_PADDING VariableRun flat_; ///< all variables while the table is small
     uint32_t prepared_ = 0; ///< the number of prepared variables; a slot is free for each of them
     Chunks* chunks_ = nullptr; ///< all variables once the table is large
 };

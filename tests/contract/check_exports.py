@@ -26,7 +26,7 @@ import page
 
 # The name in a row that a target's compiler gives to the function.
 NAMES = {"x86_64-linux-gnu": exports.linux_name, "i686-linux-gnu": exports.linux_name,
-         "i686-w64-mingw32": lambda row: row.standard_call,
+         "i686-w64-mingw32": lambda row: row.standard_call, "x86_64-w64-mingw32": exports.plain_name,
          "i686-pc-windows-msvc": lambda row: row.microsoft}
 
 
@@ -51,6 +51,7 @@ def compare_page(rows, on_page):
 def compare_lists(rows, lists):
     """Yields the differences. lists: name of a list to its text."""
     expected = {"kel.def": [(row.ordinal, row.standard_call) for row in rows],
+                "kel64.def": [(row.ordinal, exports.plain_name(row)) for row in rows],
                 "kel_msvc.def": [(row.ordinal, row.microsoft) for row in rows],
                 "kel.map": [exports.linux_name(row) for row in rows]}
     for name, functions in expected.items():
@@ -108,7 +109,7 @@ def main(arguments):
         names = clang.names_of(compiler, target, include, declared)
         differences += compare_names(rows, target, names)
     print("\n".join(differences))
-    print(f"{len(rows)} functions, compared with the page, the headers, three lists and the names for "
+    print(f"{len(rows)} functions, compared with the page, the headers, four lists and the names for "
           f"{len(targets)} targets: {len(differences)} differences")
     if not differences and not targets:
         print("Not compared with any compiler's names: clang++ is not installed.")

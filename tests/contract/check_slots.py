@@ -4,7 +4,8 @@
     check_slots.py DOCS INCLUDE CLANG            compares
     check_slots.py --write DOCS INCLUDE CLANG    writes the contract from the headers
 
-DOCS holds the page abi.md and its twin for programs, abi/slots.txt and abi/layout.txt. A slot is
+DOCS holds the page abi.md and its twin for programs, abi/slots.txt, abi/layout.txt and
+abi/bases.txt. A slot is
 the index of an operation among those that its class itself introduces, counted from 0 and without
 the destructor. Hosts that were compiled long ago call operations by their slots, so a difference is
 a mistake in the header, not in the document.
@@ -25,10 +26,13 @@ import pathlib
 import shutil
 import sys
 
+import bases
 import clang
 import contract
 import headers
 import page
+
+MICROSOFT = "i686-pc-windows-msvc"
 
 
 def compare(ours, theirs, where):
@@ -87,6 +91,15 @@ def compare_target(tables, facts, target, made, numbers):
             yield f"{fact.kind} {fact.what}: {fact.numbers[column]} in layout.txt, {number} {where}"
 
 
+def compare_construction(tables, facts, compiler, include):
+    """Yields the public classes to which Microsoft's compiler adds fields for calls during construction
+    (vtordisp). The library is compiled without these fields, and hosts with them, so no public class
+    may have one."""
+    dump, _ = clang.ask(compiler, MICROSOFT, include, clang.probe(tables, facts))
+    for name in clang.records_with("(vtordisp for", dump):
+        yield f"{name}: its layout depends on the option /vd of Microsoft's compiler"
+
+
 def tables_from(classes, tables, version, order):
     """Returns the tables of the headers' operations, with the versions that the twin has for
     them."""
@@ -106,7 +119,7 @@ def facts_from(facts, found):
     found: target to (tables, numbers) from found_by.
     """
     def across(number_for):
-        numbers = [None, None, None]
+        numbers = [None] * len(contract.PLATFORMS)
         for target, (made, measured) in found.items():
             numbers[clang.TARGETS[target].column] = number_for(made, measured)
         return tuple(numbers)
@@ -138,6 +151,8 @@ def write(docs, include, compiler):
     for name, rows in tables.items():
         text = page.with_table(text, name, page.slot_rows(rows))
     page_file.write_text(page.with_table(text, page.LAYOUT_SECTION, page.layout_rows(facts)))
+    bases_file = twin / "bases.txt"
+    bases_file.write_text(bases.text_with(bases_file.read_text(), headers.bases_in(include)))
     slots, layout = twin / "slots.txt", twin / "layout.txt"
     slots.write_text(contract.slots_text(slots.read_text(), tables))
     layout.write_text(contract.layout_text(layout.read_text(), facts))
@@ -156,12 +171,16 @@ def main(arguments):
     offences += compare_page(tables, facts, (docs / "abi.md").read_text())
     operations = {name: [row.operation for row in rows] for name, rows in tables.items()}
     offences += compare(operations, headers.classes_in(include), "declared")
+    listed_bases, bad = bases.parse((docs / "abi" / "bases.txt").read_text())
+    offences += bad + list(bases.compare(listed_bases, headers.bases_in(include)))
 
     # Tables that differ from the headers do not compile.
     targets = clang.TARGETS if shutil.which(compiler) and not offences else {}
     for target in targets:
         made, numbers = found_by(compiler, target, include, tables, facts)
         offences += compare_target(tables, facts, target, made, numbers)
+    if MICROSOFT in targets:
+        offences += compare_construction(tables, facts, compiler, include)
     print("\n".join(offences))
     print(f"{len(tables)} tables, {sum(map(len, tables.values()))} slots, {len(facts)} other numbers,"
           f" compared with the page, the headers and {len(targets)} targets:"

@@ -12,10 +12,11 @@ import contract
 # column: the numbers of layout.txt that hold for the target; file: the tag of its FILE.
 Target = collections.namedtuple("Target", "column file")
 TARGETS = {"x86_64-linux-gnu": Target(0, "_IO_FILE"), "i686-linux-gnu": Target(1, "_IO_FILE"),
-           "i686-w64-mingw32": Target(1, "_iobuf"), "i686-pc-windows-msvc": Target(2, "_iobuf")}
+           "i686-w64-mingw32": Target(1, "_iobuf"), "i686-pc-windows-msvc": Target(2, "_iobuf"),
+           "x86_64-w64-mingw32": Target(3, "_iobuf")}
 
 ALONE = ["-std=c++17", "-ffreestanding", "-nostdlibinc"]
-DUMPS = ["-Xclang", "-fdump-vtable-layouts", "-Xclang", "-fdump-record-layouts"]
+DUMPS = ["-Xclang", "-fdump-vtable-layouts", "-Xclang", "-fdump-record-layouts-complete"]
 
 INDICES = re.compile(r"^VF?Table indices for '([^']*)' \(\d+ entr")
 OTHER_TABLE = re.compile(r"^ -- accessible via vbtable index")
@@ -103,6 +104,17 @@ def dumped_form(owner, entry):
     if owner in contract.TEMPLATES:
         text = re.sub(r"\bT\b", contract.ARGUMENT, re.sub(rf"\b{owner}<\w+>", owner, text))
     return None if re.match(r"~|.*\s~", text) else contract.normal(text)
+
+
+def records_with(text, dump):
+    """Returns the classes with a line that contains the text in clang's dump of layouts."""
+    found, name = set(), None
+    for line in dump.splitlines():
+        start = RECORD.match(line)
+        name = start.group(1) if start else name
+        if text in line:
+            found.add(name)
+    return sorted(found)
 
 
 def parse_tables(dump):

@@ -2,15 +2,17 @@
 same facts as the tables of docs/abi.md (see page.py).
 
 slots.txt has a row "Class slot operation since" for every operation. layout.txt has a row "what
-linux64 other32 microsoft32" for every number that is compiled into a host: sizes, alignments,
-offsets, and the index in its class's table where an interface's own operations begin.
+linux64 other32 microsoft32 mingw64" for every number that is compiled into a host: sizes,
+alignments, offsets, and the index in its class's table where an interface's own operations begin.
 """
 import collections
 import pathlib
 import re
 
 SLOT = re.compile(r"^(\w+) (\d+) (\S.*) (\d+\.\d+)$")
-LAYOUT = re.compile(r"^(\w+) (\S.*?) (\d+) (\d+) (\d+)$")
+# The platforms of the numbers in a row of layout.txt.
+PLATFORMS = ["linux64", "other32", "microsoft32", "mingw64"]
+LAYOUT = re.compile(r"^(\w+) (\S.*?)" + r" (\d+)" * len(PLATFORMS) + "$")
 SIGNATURE = re.compile(r"^(.*?)\s*\b(\w+|operator=)\s*\((.*)\)( const)?$")
 
 # The kinds of rows of layout.txt. A field is private, so only a compiler's dump shows it.
@@ -112,22 +114,16 @@ def expression(fact):
 
 
 def assertions(facts):
-    """Returns C++ that asserts the facts on the compiling platform. It asserts none on 64-bit
-    Windows."""
-    lines = ["#include <kel/kel.h>",
-             "#if !defined(_WIN64)",
-             "#if defined(_MSC_VER)",
-             "#define ON_THIS_PLATFORM(linux64, other32, microsoft32) microsoft32",
-             "#else",
-             "#define ON_THIS_PLATFORM(linux64, other32, microsoft32)"
-             " (sizeof(void*) == 8 ? linux64 : other32)",
-             "#endif"]
+    """Yields C++ that asserts the facts on the compiling platform."""
     for fact in facts:
         if fact.kind in EXPRESSIONS:
             found = expression(fact)
-            expected = f"ON_THIS_PLATFORM({', '.join(str(number) for number in fact.numbers)})"
-            lines.append(f'static_assert({found} == {expected}, "{found}");')
-    return "\n".join(lines + ["#undef ON_THIS_PLATFORM", "#endif", ""])
+            yield f'static_assert({found} == {on_this_platform(fact.numbers)}, "{found}");'
+
+
+def on_this_platform(numbers):
+    """Returns C++ for the number of the compiling platform."""
+    return f"onThisPlatform({', '.join(map(str, numbers))})"
 
 
 def slots_text(old, tables):

@@ -30,10 +30,14 @@ def line_of(row):
     return f"{row.ordinal:3} | {' | '.join(row[1:])}"
 
 
+def plain_name(row):
+    """Returns the name of mingw for 64 bits: the standard-call name without decoration."""
+    return re.sub(r"@\d+$", "", row.standard_call)
+
+
 def linux_name(row):
-    """Returns the name on Linux: the standard-call name without decoration, with the other tag of
-    FILE."""
-    return re.sub(r"@\d+$", "", row.standard_call).replace("6_iobuf", "8_IO_FILE")
+    """Returns the name on Linux: the plain name with the other tag of FILE."""
+    return plain_name(row).replace("6_iobuf", "8_IO_FILE")
 
 
 def parse_def(text):

@@ -6,6 +6,7 @@ import contract
 
 COMMENT = re.compile(r"//[^\n]*|/\*.*?\*/", re.DOTALL)
 CLASS = re.compile(r"^(?:template\s*<[^>]*>\s*)?class\s+(\w+)\b[^;{]*\{", re.MULTILINE)
+BASES = re.compile(r"^(?:template\s*<[^>]*>\s*)?class\s+(\w+)\s*(?:final\s*)?:([^{;]*)\{", re.MULTILINE)
 OPERATION = re.compile(r"\bvirtual\s+([^;{~]*?\))(\s*const)?\s*(?:=\s*0\s*)?[;{]", re.DOTALL)
 FUNCTION = re.compile(r"^KEL_API\s+([^;{]*?)\bKEL_CALL\s+(\w+\s*\([^)]*\))\s*;", re.MULTILINE)
 VERSION = re.compile(r"^#define KEL_VERSION_(?:MAJOR|MINOR) (\d+)$", re.MULTILINE)
@@ -35,6 +36,13 @@ def classes_of(header):
     return found
 
 
+def bases_of(header):
+    """Returns the direct bases of a header's classes that have any: name to bases in order, such as
+    "virtual KEL"."""
+    return {name: [" ".join(base.replace("public", "").split()) for base in bases.split(",")]
+            for name, bases in BASES.findall(COMMENT.sub("", header))}
+
+
 def functions_of(header):
     """Returns the declarations of a header's exported functions, without the macros."""
     return [contract.normal(result + function)
@@ -47,6 +55,10 @@ def _texts(include):
 
 def classes_in(include):
     return {name: rows for text in _texts(include) for name, rows in classes_of(text).items()}
+
+
+def bases_in(include):
+    return {name: bases for text in _texts(include) for name, bases in bases_of(text).items()}
 
 
 def functions_in(include):

@@ -30,8 +30,7 @@ BASES = {"KELInterface_Struct_V2": ["KELInterface_Struct_V1"],
 HEAD = """// Made by tests/contract/make_slot_tests.py from docs/abi. Do not edit.
 #include "SlotRecorder.h"
 
-{assertions}
-namespace {{
+namespace {
 using namespace host;
 """
 
@@ -49,7 +48,7 @@ def types(operation):
 
 
 def first_of(first, owner):
-    return f"onThisPlatform({', '.join(str(number) for number in first.get(owner, (0, 0, 0)))})"
+    return contract.on_this_platform(first.get(owner, (0,) * len(contract.PLATFORMS)))
 
 
 def recorder(tables, owner):
@@ -105,7 +104,8 @@ def contract_table(tables, first):
 
 def source(tables, facts):
     first = contract.first_slots(facts)
-    yield HEAD.format(assertions=contract.assertions(facts))
+    yield HEAD
+    yield from contract.assertions(facts)
     for owner in tables:
         if owner not in INSIDE:
             yield from recorder(tables, owner)

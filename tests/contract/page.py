@@ -5,12 +5,13 @@ import contract
 
 HEADING = re.compile(r"^#+ `?(\w[\w ]*?)`?\s*$")
 SLOT_ROW = re.compile(r"^\|\s*(\d+)\s*\|\s*`([^`]+)`\s*\|\s*(\d+\.\d+)\s*\|\s*$")
-LAYOUT_ROW = re.compile(r"^\|\s*`(\w+) ([^`]+)`\s*\|\s*(\d+)\s*\|\s*(\d+)\s*\|\s*(\d+)\s*\|\s*$")
+LAYOUT_ROW = re.compile(r"^\|\s*`(\w+) ([^`]+)`\s*\|" +
+                        r"\s*(\d+)\s*\|" * len(contract.PLATFORMS) + r"\s*$")
 FUNCTION_ROW = re.compile(r"^\|\s*(\d+)\s*\|\s*`([^`]+)`\s*\|\s*$")
 
 SLOT_HEAD = ["| Slot | Operation | Since |", "| ---: | --- | --- |"]
-LAYOUT_HEAD = ["| What | Linux, 64 bits | Linux, 32 bits; mingw | Microsoft, 32 bits |",
-               "| --- | ---: | ---: | ---: |"]
+LAYOUT_HEAD = ["| What | Linux, 64 bits | Linux and mingw, 32 bits | Microsoft, 32 bits | mingw, 64 bits |",
+               "| --- | ---: | ---: | ---: | ---: |"]
 FUNCTION_HEAD = ["| Ordinal | Function |", "| ---: | --- |"]
 
 LAYOUT_SECTION = "Sizes and offsets"

@@ -3,6 +3,7 @@
 import pathlib
 import unittest
 
+import bases
 import check_layers
 import check_slots
 import clang
@@ -116,9 +117,11 @@ class Contract(unittest.TestCase):
                                "not a row of slots.txt: A 1 void c()"])
 
     def test_layout_has_four_numbers_a_row_and_known_kinds(self):
-        facts, bad = contract.parse_layout("sizeof long double 16 12 8\nweight A 1 1 1\n")
-        self.assertEqual(facts, [("sizeof", "long double", (16, 12, 8))])
-        self.assertEqual(bad, ["not a row of layout.txt: weight A 1 1 1"])
+        facts, bad = contract.parse_layout("sizeof long double 16 12 8 16\nweight A 1 1 1 1\n"
+                                            "sizeof long 8 4 4\n")
+        self.assertEqual(facts, [("sizeof", "long double", (16, 12, 8, 16))])
+        self.assertEqual(bad, ["not a row of layout.txt: weight A 1 1 1 1",
+                               "not a row of layout.txt: sizeof long 8 4 4"])
 
     def test_an_operation_gives_an_exact_pointer_to_member(self):
         operation = contract.parse_operation("A", "KEL* get(const char* name, int32_t) const")
@@ -130,8 +133,9 @@ class Contract(unittest.TestCase):
         self.assertEqual(operation, ("JPointer<JObject>&", "operator=", ["JObject*"], ""))
 
     def test_sizes_are_asserted_for_each_platform(self):
-        text = contract.assertions([contract.Fact("offsetof", "A b", (8, 4, 2))])
-        self.assertIn("static_assert(offsetof(A, b) == ON_THIS_PLATFORM(8, 4, 2)", text)
+        self.assertEqual(list(contract.assertions([contract.Fact("offsetof", "A b", (8, 4, 2, 6))])),
+                         ['static_assert(offsetof(A, b) == onThisPlatform(8, 4, 2, 6),'
+                          ' "offsetof(A, b)");'])
 
 
 class Slots(unittest.TestCase):
@@ -148,8 +152,8 @@ class Slots(unittest.TestCase):
     rows = ["int get(const char* name)", "int get(const char* name) const", "void set(int x)"]
     twin = {"A": [contract.Slot("A", 0, "void a()", "1.0"),
                   contract.Slot("A", 1, "int b(const char* name) const", "1.0")]}
-    facts = [contract.Fact("first", "A", (2, 2, 1)), contract.Fact("field", "A x", (8, 4, 4)),
-             contract.Fact("sizeof", "A", (24, 12, 12))]
+    facts = [contract.Fact("first", "A", (2, 2, 1, 2)), contract.Fact("field", "A x", (8, 4, 4, 8)),
+             contract.Fact("sizeof", "A", (24, 12, 12, 24))]
 
     def dump(self, first, second):
         return ("VTable indices for 'A' (4 entries).\n"
@@ -184,12 +188,12 @@ class Slots(unittest.TestCase):
 
     def test_a_page_that_says_otherwise_is_found(self):
         page = "### `A`\n| 0 | `void a()` | 1.0 |\n| 1 | `int b(const char* name) const` | 1.1 |\n" \
-               "| `first A` | 2 | 2 | 1 |\n| `sizeof A` | 24 | 12 | 12 |\n"
+               "| `first A` | 2 | 2 | 1 | 2 |\n| `sizeof A` | 24 | 12 | 12 | 24 |\n"
         self.assertEqual(
             list(check_slots.compare_page(self.twin, self.facts, page)),
             ["A 1: `1 int b(const char* name) const since 1.0` in slots.txt,"
              " `1 int b(const char* name) const since 1.1` on the page",
-             "field A x 8 4 4: only in layout.txt"])
+             "field A x 8 4 4 8: only in layout.txt"])
 
     def test_the_tables_of_clang_are_read_without_names_and_destructors(self):
         self.assertEqual(self.compare_dump("void A::a()", "int A::b(const char *) const"), [])
@@ -202,8 +206,8 @@ class Slots(unittest.TestCase):
                           " for x86_64-linux-gnu"])
 
     def test_a_compiler_with_another_layout_is_found(self):
-        self.facts = [self.facts[0], contract.Fact("field", "A x", (16, 4, 4)),
-                      contract.Fact("sizeof", "A", (32, 12, 12))]
+        self.facts = [self.facts[0], contract.Fact("field", "A x", (16, 4, 4, 8)),
+                      contract.Fact("sizeof", "A", (32, 12, 12, 24))]
         self.assertEqual(self.compare_dump("void A::a()", "int A::b(const char *) const"),
                          ["field A x: 16 in layout.txt, 8 for x86_64-linux-gnu",
                           "sizeof A: 32 in layout.txt, 24 for x86_64-linux-gnu"])
@@ -213,6 +217,42 @@ class Slots(unittest.TestCase):
                 "   0 | void A::a()\n -- accessible via vbtable index 1, vfptr at offset 0 --\n"
                 "   0 | void A::c()\n\n")
         self.assertEqual(clang.parse_tables(dump), {"A": {0: "void a()"}})
+
+    def test_a_layout_that_depends_on_an_option_is_found(self):
+        dump = ("         0 | class A\n"
+                "         0 |   (A vftable pointer)\n"
+                "           | [sizeof=4, align=4,\n"
+                "         0 | class B\n"
+                "         8 |   (vtordisp for vbase A)\n")
+        self.assertEqual(clang.records_with("(vtordisp for", dump), ["B"])
+
+
+class Bases(unittest.TestCase):
+    HEADER = "class A {\n};\nclass B : public virtual A, // first\n          public C {\n};\n"
+
+    def differences(self, text):
+        listed, bad = bases.parse(text)
+        return bad + list(bases.compare(listed, headers.bases_of(self.HEADER)))
+
+    def test_the_same_bases_pass(self):
+        self.assertEqual(self.differences("# head\n\nB: virtual A, C\n"), [])
+        self.assertEqual(bases.text_with("# head\n\nD: E\n", headers.bases_of(self.HEADER)),
+                         "# head\n\nB: virtual A, C\n")
+
+    def test_another_order_kind_or_number_of_bases_is_found(self):
+        for other in ("C, virtual A", "A, C", "virtual A"):
+            self.assertEqual(self.differences(f"B: {other}\n"),
+                             [f"B: the bases {other} in bases.txt, virtual A, C declared"])
+
+    def test_a_class_that_got_or_lost_its_bases_is_found(self):
+        self.assertEqual(self.differences("A: D\nB: virtual A, C\n"),
+                         ["A: the bases D in bases.txt, none declared"])
+        self.assertEqual(self.differences(""),
+                         ["B: the bases none in bases.txt, virtual A, C declared"])
+
+    def test_a_line_that_is_not_a_row_is_found(self):
+        self.assertEqual(self.differences("B: virtual A, C\nB virtual A\n"),
+                         ["not a row of bases.txt: B virtual A"])
 
 
 class Writing(unittest.TestCase):
@@ -231,9 +271,9 @@ class Writing(unittest.TestCase):
     def test_numbers_are_written_for_each_platform_and_missing_first_slots_are_added(self):
         found = {target: ({"A": {column: "void a()"}}, [8 + column])
                  for target, (column, _) in clang.TARGETS.items()}
-        facts = check_slots.facts_from([contract.Fact("sizeof", "A", (0, 0, 0))], found)
-        self.assertEqual(contract.layout_text("# head\n\nsizeof A 0 0 0\n", facts),
-                         "# head\n\nsizeof A 8 9 10\nfirst A 0 1 2\n")
+        facts = check_slots.facts_from([contract.Fact("sizeof", "A", (0, 0, 0, 0))], found)
+        self.assertEqual(contract.layout_text("# head\n\nsizeof A 0 0 0 0\n", facts),
+                         "# head\n\nsizeof A 8 9 10 11\nfirst A 0 1 2 3\n")
 
     def test_a_table_of_the_page_is_replaced_where_it_stands(self):
         text = "## `A`\n\nWords.\n\n| x |\n| y |\n\nMore.\n\n## `B`\n\n| z |\n"

@@ -5,6 +5,7 @@ import unittest
 import check_dll
 import check_exports
 import check_library
+import check_microsoft_dll
 import clang
 import exports
 import headers
@@ -18,6 +19,7 @@ TABLE = """# head
 ROWS = exports.parse(TABLE)[0]
 DEF = "LIBRARY KEL.dll\nEXPORTS\n"
 LISTS = {"kel.def": DEF + "    _Z1av@0 @1\n    _Z1bP6_iobuf@4 @5\n",
+         "kel64.def": DEF + "    _Z1av @1\n    _Z1bP6_iobuf @5\n",
          "kel_msvc.def": DEF + "    ?a@@YGXXZ @1\n    ?b@@YGXPAU_iobuf@@@Z @5\n",
          "kel.map": "{\n  global:\n    _Z1av;\n    _Z1bP8_IO_FILE;\n  local:\n    *;\n};\n"}
 
@@ -62,6 +64,7 @@ class Lists(unittest.TestCase):
     def test_a_wrong_ordinal_a_wrong_name_and_a_wrong_head_are_found(self):
         self.assertEqual(self.differing("kel.def", "@5", "@6"), ["kel.def"])
         self.assertEqual(self.differing("kel.def", "EXPORTS", ""), ["kel.def"])
+        self.assertEqual(self.differing("kel64.def", "_Z1av ", "_Z1av@0 "), ["kel64.def"])
         self.assertEqual(self.differing("kel_msvc.def", "?a@@YGXXZ", "?a@@YGHXZ"), ["kel_msvc.def"])
         self.assertEqual(self.differing("kel.map", "_Z1av", "_Z1ai"), ["kel.map"])
 
@@ -74,6 +77,7 @@ class Names(unittest.TestCase):
     def test_names_of_the_compilers_pass(self):
         self.assertEqual(self.differences("x86_64-linux-gnu", a="_Z1av", b="_Z1bP8_IO_FILE"), [])
         self.assertEqual(self.differences("i686-w64-mingw32", a="_Z1av@0", b="_Z1bP6_iobuf@4"), [])
+        self.assertEqual(self.differences("x86_64-w64-mingw32", a="_Z1av", b="_Z1bP6_iobuf"), [])
         self.assertEqual(self.differences("i686-pc-windows-msvc",
                                           a="?a@@YGXXZ", b="?b@@YGXPAU_iobuf@@@Z"), [])
 
@@ -100,8 +104,9 @@ class LinuxLibrary(unittest.TestCase):
 
 
 class WindowsLibrary(unittest.TestCase):
+    LIBGCC = "libgcc_s_dw2-1.dll"
     IMPORTS = [("KERNEL32.dll", "DisableThreadLibraryCalls"), ("ole32.dll", "CoCreateGuid"),
-               ("libgcc_s_dw2-1.dll", "_Unwind_Resume")]
+               (LIBGCC, "_Unwind_Resume")]
 
     listed = {1: "_Z1av@0", 5: "_Z1bv@0"}
 
@@ -125,15 +130,42 @@ class WindowsLibrary(unittest.TestCase):
 
     def test_a_run_time_library_that_is_not_shipped_is_found(self):
         imports = self.IMPORTS + [("libstdc++-6.dll", "_Znwj")]
-        self.assertEqual(list(check_dll.compare_imports(imports)),
+        self.assertEqual(list(check_dll.compare_imports(self.LIBGCC, imports)),
                          ["imports from libstdc++-6.dll"])
 
     def test_what_the_library_is_built_on_is_missed(self):
-        self.assertEqual(list(check_dll.compare_imports(self.IMPORTS)), [])
-        self.assertEqual(list(check_dll.compare_imports(self.IMPORTS[1:])),
+        self.assertEqual(list(check_dll.compare_imports(self.LIBGCC, self.IMPORTS)), [])
+        self.assertEqual(list(check_dll.compare_imports(self.LIBGCC, self.IMPORTS[1:])),
                          ["does not import DisableThreadLibraryCalls from KERNEL32.dll"])
-        self.assertEqual(list(check_dll.compare_imports(self.IMPORTS[:2])),
+        self.assertEqual(list(check_dll.compare_imports(self.LIBGCC, self.IMPORTS[:2])),
                          ["has a libgcc of its own, so no host catches what it throws"])
+
+    def test_the_libgcc_of_the_other_width_is_found(self):
+        self.assertEqual(list(check_dll.compare_imports("libgcc_s_seh-1.dll", self.IMPORTS)),
+                         ["imports from libgcc_s_dw2-1.dll",
+                          "has a libgcc of its own, so no host catches what it throws"])
+
+
+class MicrosoftLibrary(unittest.TestCase):
+    IMPORTS = [("KERNEL32.dll", "DisableThreadLibraryCalls"), ("ole32.dll", "CoCreateGuid"),
+               ("VCRUNTIME140.dll", "_CxxThrowException"), ("VCRUNTIME140.dll", "__CxxFrameHandler3"),
+               ("api-ms-win-crt-heap-l1-1-0.dll", "malloc")]
+
+    def differences(self, imports):
+        return list(check_microsoft_dll.compare_imports(imports))
+
+    def test_the_system_and_the_run_time_pass(self):
+        self.assertEqual(self.differences(self.IMPORTS), [])
+        self.assertEqual(self.differences(self.IMPORTS + [("ucrtbase.dll", "free")]), [])
+
+    def test_a_library_that_hosts_do_not_have_is_found(self):
+        self.assertEqual(self.differences(self.IMPORTS + [("libc++.dll", "abort")]),
+                         ["imports from libc++.dll"])
+
+    def test_a_run_time_of_its_own_is_found(self):
+        self.assertEqual(self.differences([one for one in self.IMPORTS if one[0] != "VCRUNTIME140.dll"]),
+                         ["does not import _CxxThrowException from vcruntime140.dll",
+                          "does not import __CxxFrameHandler3 from vcruntime140.dll"])
 
 
 if __name__ == "__main__":

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Runs an example and compares its output and the files that it makes with the stored ones.
 
-    check_example.py PROGRAM FOLDER [ARGUMENT...]
+    check_example.py PROGRAM FOLDER
 
-The program runs in a scratch folder that holds copies of the files of FOLDER. Each file of
+The program runs in a scratch folder that holds copies of the files of FOLDER, with the arguments that
+ARGUMENTS has for the example. Each file of
 FOLDER/expected is compared: "stdout" with the output, any other with the file of that name.
 The environment variable KEL_LAUNCHER names a program that runs it where the system cannot.
 """
@@ -15,6 +16,17 @@ import subprocess
 import sys
 import tempfile
 
+ARGUMENTS = {
+    "hello": "",
+    "import": "people.csv people.kel",
+    "log": "events.kel from 3",
+    "panel": "mixer.kel gain-6 mode+1 phase+3 mute pan+1000",
+    "settings": "app.kel sound.gain=-3dB sound.voices=20 window.width=1024 window.size=3 "
+                "open=second.txt open=first.txt",
+    "undo": "app.kel volume=7 width=8x00 width=800 undo undo undo redo volume=9 redo",
+    "watch": "settings.kel changed.kel 14 shelf[1].count",
+}
+
 
 def difference(name, expected, found):
     return list(difflib.unified_diff(expected.splitlines(True), found.splitlines(True),
@@ -22,17 +34,16 @@ def difference(name, expected, found):
 
 
 def main(arguments):
-    if len(arguments) < 2:
+    if len(arguments) != 2:
         sys.exit(__doc__)
-    program, folder, *rest = arguments
-    folder = pathlib.Path(folder)
+    program, folder = arguments[0], pathlib.Path(arguments[1])
     with tempfile.TemporaryDirectory() as scratch:
         scratch = pathlib.Path(scratch)
         for path in folder.iterdir():
             if path.is_file():
                 shutil.copy(path, scratch)
         launcher = [part for part in [os.environ.get("KEL_LAUNCHER")] if part]
-        result = subprocess.run([*launcher, program, *rest], cwd=scratch, text=True, stdout=subprocess.PIPE)
+        result = subprocess.run([*launcher, program, *ARGUMENTS[folder.name].split()], cwd=scratch, text=True, stdout=subprocess.PIPE)
         if result.returncode != 0:
             sys.exit(f"{program} ended with status {result.returncode}")
         differences = []

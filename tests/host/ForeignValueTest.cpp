@@ -1,5 +1,6 @@
 // Values that the library did not make are ignored where a value would be stored or taken over.
 #include "ForeignIndexList.h"
+#include "ForeignRules.h"
 #include "Host.h"
 
 namespace {
@@ -115,12 +116,16 @@ TEST_F(HostForeignValue, AnIndexListIgnoresIt) {
 TEST_F(HostForeignValue, AnIndexListReplacesNothingByIt) {
     const auto list = hold(CreateKELIndexList());
     const auto key = hold(CreateKELString("a"));
+    const auto number = hold(CreateKELInt(5));
     list->addItemInt(key.get(), int32_t{7});
+    list->addItemInt(number.get(), int32_t{8});
     host::watch(*list, watcher);
     list->setItemAt(0, &foreign);
     list->setItemOfKey(key.get(), &foreign);
     list->setItemOfKeyValue(key.get(), &foreign);
     list->setKeyOfItem(list->getItemAt(0), &foreign);
+    list->setKeyValue(number.get(), &foreign); // of the same kind
+    EXPECT_EQ(number->getValue(), 5);
     EXPECT_EQ(list->getKeyAt(0), key.get());
     EXPECT_EQ(list->getItemAt(0)->toInt(), 7);
     EXPECT_EQ(watcher.calls(), 0);
@@ -149,6 +154,12 @@ TEST_F(HostForeignValue, ASelectorSelectsNothingByIt) {
     EXPECT_FALSE(many->isKeySelected(&foreign));
     EXPECT_EQ(one->getSelectedKey(), one->getList()->getKeyAt(0));
     EXPECT_EQ(watcher.calls(), 0);
+}
+
+TEST_F(HostForeignValue, ATextStreamDoesNotWriteIt) {
+    const auto stream = hold(CreateKELStringOutputStream());
+    EXPECT_EQ(host::thrownMessage<KELIOException>([&] { stream->write(&foreign); }),
+              "General KEL exception.");
 }
 
 TEST_F(HostForeignValue, AValueNeitherEqualsNorTakesItOver) {
@@ -205,6 +216,14 @@ TEST_F(HostForeignContainer, NoCheckedStructIsMadeOfIt) {
     EXPECT_EQ(CreateMetaKel(&descriptor), nullptr);
 }
 
+TEST_F(HostForeignContainer, ACheckedStructCreatesNoVariableWithItsRules) {
+    host::ForeignRules rules(seven.get());
+    const auto meta = hold(CreateMetaKel(nullptr));
+    meta->createVar("x", seven.get(), &rules);
+    EXPECT_EQ(meta->getCount(), 0);
+    EXPECT_EQ(meta->getDescriptor(), nullptr);
+}
+
 TEST_F(HostForeignContainer, NoSelectorIsMadeOverIt) {
     EXPECT_EQ(CreateKELSelector(&list), nullptr);
     EXPECT_EQ(CreateKELMultiSelector(&list), nullptr);
@@ -227,6 +246,108 @@ TEST_F(HostForeignContainer, AddPairsTakesTheLibrarysValuesOutOfAList) {
     EXPECT_EQ(target->getCount(), 1);
     EXPECT_EQ(target->getItem(seven.get()), seven.get());
     EXPECT_EQ(list.references, 1);
+}
+
+TEST_F(HostForeignContainer, AddAllTakesEachNameOnce) {
+    struct Names : host::ForeignNames {
+        const char* nextElement() override {
+            const char* name = ForeignNames::nextElement();
+            return name == std::string("a") ? "b" : ++calls_ == 1 ? nullptr : name;
+        }
+        int32_t getCount() const override { return 3; }
+        bool hasMoreElements() const override { return calls_ < 3; }
+        int calls_ = 0;
+    } names;
+    const auto own = hold(CreateKELStruct());
+    own->putInt("c", 1);
+    const host::Held<StringEnumeration> target(own->getVarNames());
+    target->addAll(&names);
+    EXPECT_EQ(target->getCount(), 2);
+    EXPECT_TRUE(target->contains("b"));
+}
+
+TEST_F(HostForeignContainer, AVariableWithoutANameIsNotTaken) {
+    struct Nameless : host::ForeignNames {
+        const char* nextElement() override {
+            ForeignNames::nextElement();
+            return "";
+        }
+    };
+    struct Variables : host::ForeignStruct {
+        using ForeignStructOf::ForeignStructOf;
+        StringEnumeration* getVarNames() const override {
+            nameless.references = 1;
+            return &nameless;
+        }
+        mutable Nameless nameless;
+    } variables(seven.get());
+    const auto target = hold(CreateKELStruct());
+    EXPECT_EQ(target->addVars(&variables), 0);
+    EXPECT_EQ(target->getCount(), 0);
+}
+
+TEST_F(HostForeignContainer, ItsForeignValuesAreNotTaken) {
+    host::ForeignValue foreign;
+    host::ForeignArray values(&foreign);
+    const auto elements = hold(CreateKELArray());
+    elements->addVars(&values);
+    EXPECT_EQ(elements->getCount(), 0);
+    host::ForeignStruct variables(&foreign);
+    const auto object = hold(CreateKELStruct());
+    object->addVars(&variables);
+    EXPECT_EQ(object->getCount(), 0);
+    host::ForeignIndexList keys(&foreign, seven.get());
+    host::ForeignIndexList items(seven.get(), &foreign);
+    const auto pairs = hold(CreateKELIndexList());
+    pairs->addPairs(&keys);
+    pairs->addPairs(&items);
+    EXPECT_EQ(pairs->getCount(), 0);
+}
+
+TEST_F(HostForeignValue, WithTheCodeOfAStringItIsNotConverted) {
+    host::Foreign<KEL, KELKind_String> text;
+    const auto structure = hold(CreateKELStruct());
+    structure->putString("x", "a");
+    structure->setVarValue("x", &text);
+    const auto rules = hold(CreateMetaKelVarDescriptor());
+    rules->setPreadorn(&text);
+    EXPECT_EQ(host::Held<KEL_String>(structure->getString("x"))->toString(), std::string("a"));
+}
+
+// ---- Observers that change the target ----------------------------------------------------------
+
+TEST_F(HostForeignContainer, AddVarsPassesOverANameThatAnObserverHasAdded) {
+    const auto source = hold(CreateKELStruct());
+    source->putInt("a", 1);
+    source->putInt("b", 2);
+    const auto target = hold(CreateKELStruct());
+    Watcher watcher;
+    host::watch(*target, watcher);
+    watcher.then = [&] {
+        watcher.then = nullptr;
+        target->putInt("b", 3);
+    };
+    target->addVars(source.get());
+    EXPECT_EQ(target->getInt("b"), 3);
+    EXPECT_EQ(target->getInt("a"), 1);
+}
+
+TEST_F(HostForeignContainer, AddPairsPassesOverAKeyThatAnObserverHasAdded) {
+    const auto first = hold(CreateKELInt(1));
+    const auto second = hold(CreateKELInt(2));
+    const auto source = hold(CreateKELIndexList());
+    source->addItemInt(first.get(), int32_t{1});
+    source->addItemInt(second.get(), int32_t{2});
+    const auto target = hold(CreateKELIndexList());
+    Watcher watcher;
+    host::watch(*target, watcher);
+    watcher.then = [&] {
+        watcher.then = nullptr;
+        target->addItemInt(second.get(), int32_t{3});
+    };
+    target->addPairs(source.get());
+    EXPECT_EQ(target->getCount(), 2);
+    EXPECT_EQ(target->getItem(second.get())->toInt(), 3);
 }
 
 } // namespace

@@ -99,9 +99,11 @@ template <class Member> void expectPlace(Member member, const char* owner, int f
     }
 }
 
-/// Returns the number for the platform that the tests are compiled for.
-constexpr int onThisPlatform(int linux64, int other32, int microsoft32) {
-    return !membersTellSlots ? microsoft32 : sizeof(void*) == 8 ? linux64 : other32;
+/// Returns the number for the platform that the tests are compiled for. A long has 32 bits on
+/// Windows.
+constexpr int onThisPlatform(int linux64, int other32, int microsoft32, int mingw64) {
+    const int of64 = sizeof(long) == sizeof(void*) ? linux64 : mingw64;
+    return !membersTellSlots ? microsoft32 : sizeof(void*) == 8 ? of64 : other32;
 }
 
 } // namespace host

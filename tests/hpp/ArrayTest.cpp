@@ -64,6 +64,37 @@ TEST(Array, AnArrayIsReadAsAVector) {
               "grid[0]: wanted a string, found an array.");
 }
 
+TEST(Array, WhatIsNoVectorIsNothing) {
+    using Lines = std::vector<std::string>;
+    const kel::value room = kel::object({{"name", "x"}, {"tags", kel::array({"a", 2})}});
+    for (const char* name : {"name", "tags", "none"}) {
+        EXPECT_EQ(room[name].try_get<Lines>(), std::nullopt) << name;
+        EXPECT_EQ(room[name].get_or(Lines{"b"}), Lines{"b"}) << name;
+        EXPECT_EQ(room.get_or(name, Lines{"b"}), Lines{"b"}) << name;
+    }
+    EXPECT_EQ(room["none"]["deeper"].try_get<Lines>(), std::nullopt);
+    EXPECT_EQ(room["name"]["deeper"].get_or(Lines{"b"}), Lines{"b"});
+    EXPECT_EQ(kel::value().try_get<Lines>(), std::nullopt);
+}
+
+TEST(Array, IsFoundIfItIsOne) {
+    kel::value room = kel::object({{"name", "x"}, {"tags", kel::array({"a"})}, {"later", nullptr}});
+    EXPECT_TRUE(kel::same(room.find_array("tags"), room["tags"]));
+    for (const char* name : {"name", "later", "none"}) {
+        EXPECT_FALSE(room.find_array(name)) << name;
+    }
+    EXPECT_FALSE(kel::value(3).find_array("tags"));
+    EXPECT_FALSE(kel::value().find_array("tags"));
+    EXPECT_TRUE(kel::same(room["tags"].get_array(), room["tags"]));
+    kel::value house = kel::object({{"room", room}});
+    EXPECT_EQ(thrown<kel::type_error>([&] { house["room"]["name"].get_array(); }),
+              "room.name: wanted an array, found a string.");
+    EXPECT_EQ(thrown<kel::type_error>([&] { house.at_path("room.later").get_array(); }),
+              "room.later: wanted an array, found null.");
+    EXPECT_EQ(thrown<kel::not_found>([&] { house["room"]["none"].get_array(); }),
+              "room.none: no such variable.");
+}
+
 TEST(Array, IsAssignedTheElementsOfAContainer) {
     kel::value room = kel::object({{"sizes", kel::array({1})}, {"name", "x"}});
     const kel::value sizes = room["sizes"];

@@ -1,9 +1,20 @@
 // Checked structs.
 #include "CheckedSupport.h"
 
+#include <list>
+#include <map>
+
 using namespace checked_test;
 
 namespace {
+
+template <class T> constexpr bool is_taken = std::is_convertible_v<T, kel::checked>;
+static_assert(is_taken<std::vector<kel::described>>);
+static_assert(is_taken<std::map<std::string, kel::variable_description>>);
+static_assert(is_taken<std::vector<std::pair<const char*, decltype(kel::describe<int>())>>>);
+static_assert(!is_taken<std::string> && !is_taken<std::string_view>);
+static_assert(!is_taken<const char (&)[4]> && !is_taken<std::vector<int>>);
+static_assert(!is_taken<std::vector<std::string>> && !is_taken<std::map<std::string, int>>);
 
 TEST(Checked, StoresWhatIsAllowed) {
     kel::checked panel = makePanel();
@@ -24,13 +35,13 @@ TEST(Checked, SaysWhatIsAllowed) {
     EXPECT_EQ(refusal(panel, "voices", "7"),
               "voices: wanted an int, found a string; allowed is from 1 to 16.");
     EXPECT_EQ(refusal(panel, "voices", 7.5),
-              "voices: 7.5 is not a whole number of 32 bits; allowed is from 1 to 16.");
+              "voices: 7.5 is not a whole number; allowed is from 1 to 16.");
     EXPECT_EQ(refusal(panel, "voices", nullptr),
               "voices: wanted an int, found null; allowed is from 1 to 16.");
     EXPECT_EQ(refusal(panel, "gain", std::nan("")),
               "gain: nan is not allowed; allowed is from -60 to 6 dB.");
     EXPECT_EQ(refusal(panel, "voices", 3e9),
-              "voices: 3000000000 is not a whole number of 32 bits; allowed is from 1 to 16.");
+              "voices: 3000000000 is too large; allowed is from 1 to 16.");
     EXPECT_EQ(refusal(panel, "volume", 1), "volume: no such variable.");
     EXPECT_THROW(panel.set("gain", 9.0), kel::not_allowed);
     EXPECT_EQ(kel::value(panel).size(), 1U) << "only the description";
@@ -68,11 +79,25 @@ TEST(Checked, AnIntegerOfMoreThan32BitsIsADouble) {
     panel["size"] = std::uint64_t{6'000'000'000};
     EXPECT_EQ(panel.get<double>("size"), 6e9);
     EXPECT_EQ(refusal(panel, "size", 7), "(stored)");
-    EXPECT_EQ(panel.try_set("count", 5'000'000'000).message(),
-              "count: 5000000000 is not a whole number of 32 bits.");
+    EXPECT_EQ(panel.try_set("count", 5'000'000'000).message(), "count: 5000000000 is too large.");
     EXPECT_THROW(panel["count"] = 5'000'000'000, kel::not_allowed);
     EXPECT_THROW(panel["note"] = 5'000'000'000, std::out_of_range) << "not described";
     EXPECT_THROW(panel.set("size", INT64_MAX), std::out_of_range);
+}
+
+TEST(Checked, CanBeAskedWithoutStoring) {
+    const kel::checked panel({{"size", kel::describe<int>().range(0, 9).fallback(1)},
+                              {"gain", kel::describe<double>().range(0, 0.06)}});
+    EXPECT_EQ(panel.why_not("size", 5), "");
+    EXPECT_EQ(panel.why_not("size", 10), "size: 10 is not allowed; allowed is from 0 to 9.");
+    EXPECT_EQ(panel.why_not("size", 5'000'000'000),
+              "size: 5000000000 is too large; allowed is from 0 to 9.");
+    EXPECT_EQ(panel.why_not("size", "5"),
+              "size: wanted an int, found a string; allowed is from 0 to 9.");
+    EXPECT_EQ(panel.why_not("colour", 5), "colour: no such variable.");
+    EXPECT_EQ(panel.why_not("gain", 0.0600000001), "") << "the end is stored instead";
+    EXPECT_TRUE(panel.is_default("size"));
+    EXPECT_FALSE(panel.find("gain"));
 }
 
 TEST(Checked, NeverStoresOrLendsAnObjectOfTheDescription) {
@@ -193,8 +218,8 @@ TEST(Checked, IsMadeOfAValueThatExists) {
     kel::checked again(panel);
     again.set("gain", 1);
     EXPECT_EQ(panel["gain"].get<double>(), 1.0);
-    EXPECT_THROW(kel::checked(kel::object()), kel::type_error);
-    EXPECT_THROW(kel::checked(kel::value()), kel::type_error);
+    EXPECT_THROW((void)kel::checked(kel::object()), kel::type_error);
+    EXPECT_THROW((void)kel::checked(kel::value()), kel::type_error);
 }
 
 TEST(Checked, HasTheLookupsOfAValue) {
@@ -211,6 +236,33 @@ TEST(Checked, HasTheLookupsOfAValue) {
         names += name + ' ';
     }
     EXPECT_EQ(names, "@desc voices ");
+}
+
+TEST(Checked, IsMadeFromAnyTableWithNamesAndRules) {
+    struct control {
+        const char* name;
+        kel::variable_description rules;
+        int column;
+    };
+    const control table[] = {{"volume", kel::describe<int>().fallback(7), 1},
+                             {"mute", kel::describe<bool>().fallback(false), 2}};
+    struct typed {
+        std::string_view name;
+        int row;
+        kel::typed_description<int> rules;
+    };
+    const kel::checked from_array(table);
+    EXPECT_EQ(from_array.names(), (std::vector<std::string>{"mute", "volume"}));
+    EXPECT_EQ(from_array.get<int>("volume"), 7);
+    const std::list<typed> list = {{"x", 1, kel::describe<int>().fallback(3)}};
+    EXPECT_EQ(kel::checked(list).get<int>("x"), 3);
+    const std::vector<std::pair<std::string, kel::variable_description>> pairs = {
+        {"y", kel::describe<int>().fallback(4)}};
+    EXPECT_EQ(kel::checked(pairs).get<int>("y"), 4);
+    const std::vector<typed> twice = {list.front(), list.front()};
+    EXPECT_EQ(kel::checked(twice).names().size(), 1U) << "the last of two names";
+    const std::vector<typed> unnamed = {{"", 1, kel::describe<int>()}};
+    EXPECT_THROW(kel::checked{unnamed}, kel::name_error);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // Loads, saves and appends to files.
 #include "IoSupport.h"
 
+#include <sstream>
+
 using namespace io_test;
 
 namespace {
@@ -328,12 +330,16 @@ TEST(FileIo, TextThatWouldNotBeReadAgainIsRefused) {
          "a[1]: text cannot hold a Double of 2147483648 or more, or one that is no number"},
         {kel::object({{"a", kel::bytes(3)}}), "a: text cannot hold the bytes of a memory block"},
     };
-    for (const auto& [content, loss] : losses) {
+    for (const auto& each : losses) {
+        const auto& [content, loss] = each;
         EXPECT_EQ(kel::lost_in_text(content), std::vector<std::string>{loss});
         EXPECT_THROW(kel::save(content, file), kel::io_error);
         EXPECT_THROW(kel::save_atomically(content, file), kel::io_error);
         EXPECT_THROW(kel::append(content, file), kel::io_error);
-        EXPECT_FALSE(kel::to_text(content).empty()) << "to be shown";
+        EXPECT_EQ(said([&each] { kel::to_text(each.first); }), loss + "; binary can");
+        std::ostringstream shown;
+        shown << content;
+        EXPECT_FALSE(shown.str().empty()) << "for people";
         kel::save(content, folder / "exact.kelb");
     }
     EXPECT_EQ(kel::load(file)["volume"].get<int>(), 7);
@@ -362,6 +368,109 @@ TEST(FileIo, LossesInTextAreSoughtOnceInEachContainer) {
     cycle.push_back(cycle);
     EXPECT_TRUE(kel::lost_in_text(cycle).empty());
     cycle.clear();
+}
+
+TEST(FileIo, EveryFailureSaysWhetherTheContentIsToBlame) {
+    const Folder folder;
+    const std::string file = (folder / "a.kel").string();
+    const auto caught = [&](const auto& action) {
+        try {
+            action();
+        } catch (const kel::error& failure) {
+            return failure.message_in(file) + (failure.blames_content() ? " (content)" : "");
+        }
+        return std::string("(nothing thrown)");
+    };
+    EXPECT_EQ(caught([&] { kel::load(folder / "none.kel"); }),
+              (folder / "none.kel").string() + ": cannot be opened: " +
+                  std::make_error_code(std::errc::no_such_file_or_directory).message());
+    put(file, "{ a = }");
+    EXPECT_EQ(caught([&] { kel::load(file); }), file + ":1:7: syntax error (content)");
+    put(file, "{ a = 1 }");
+    EXPECT_EQ(caught([&] { kel::load(file)["a"].get<std::string>(); }),
+              file + ": a: wanted a string, found an int. (content)");
+    EXPECT_EQ(caught([&] { kel::load(file)["b"].get<int>(); }),
+              file + ": b: no such variable. (content)");
+    EXPECT_EQ(caught([&] { kel::to_text("\""); }),
+              file + ": text cannot hold a String with a double quote; binary can (content)");
+    EXPECT_EQ(caught([&] { kel::save("\"", folder / "b.kel"); }),
+              (folder / "b.kel").string() +
+                  ": text cannot hold a String with a double quote; binary can (content)");
+    EXPECT_EQ(caught([&] { kel::save(1, folder / "no/a.kel"); }).find("(content)"),
+              std::string::npos);
+    EXPECT_EQ(caught([&] {
+                  kel::checked({{"a", kel::describe<int>()}}).merge(1).clear();
+              }),
+              file + ": the document: wanted a struct, found an int. (content)");
+}
+
+TEST(FileIo, AFailureOfTheProgramsOwnArgumentNamesNoFile) {
+    const Folder folder;
+    kel::value plain = kel::object({{"a", 1}, {"list", kel::array({1})}});
+    kel::checked panel({{"PERCENT", kel::describe<int>().range(0, 100).fallback(1)}});
+    kel::value rack = kel::object({{"panel", panel}});
+    const std::string percent = "PERCENT: 200 is not allowed; allowed is from 0 to 100.";
+    const std::vector<std::pair<std::function<void()>, std::string>> cases = {
+        {[&] { panel.set("PERCENT", 200); }, percent},
+        {[&] { panel.set_text("PERCENT", "200"); }, percent},
+        {[&] { panel.try_set("PERCENT", 200).or_throw(); }, percent},
+        {[&] { panel["PERCENT"] = 200; }, percent},
+        {[&] { panel["PERCENT"].assign(200); }, percent},
+        {[&] { panel.set("other", 200); }, "other: no such variable."},
+        {[&] { panel.reset("other"); }, "other: no such variable."},
+        {[&] { rack.at_path("panel.PERCENT") = 200; }, "panel." + percent},
+        {[&] { (void)kel::describe<int>().range(0, 100).read_text("200", "PERCENT"); }, percent},
+        {[&] { (void)kel::describe<int>().step(-1); }, "A step is greater than 0."},
+        {[&] { plain[""] = 1; }, "The name of a variable cannot be empty."},
+        {[&] { plain.rename("a", "list"); }, "list: the name exists already."},
+        {[&] { plain.at_path("a..b"); }, "The path a..b cannot be read at character 3."},
+        {[&] { plain["list"].push_back(nullptr); }, "An array cannot hold null."},
+        {[&] { plain["a"].assign("text"); }, "a: cannot assign a string to an int."},
+        {[&] { plain.restore(1); }, "the state: wanted a struct, found an int."}};
+    for (const auto& [action, message] : cases) {
+        try {
+            action();
+            ADD_FAILURE() << message;
+        } catch (const kel::error& failure) {
+            EXPECT_EQ(failure.message_in("inv.bin"), message);
+            EXPECT_EQ(failure.blames(), kel::blame::argument) << message;
+            EXPECT_FALSE(failure.blames_content());
+        }
+    }
+    EXPECT_EQ(kel::io_error("", 0, "no", std::make_error_code(std::errc::io_error)).blames(),
+              kel::blame::system);
+}
+
+TEST(FileIo, TheNameOfAFileContainsNoNul) {
+    const Folder folder;
+    const std::string name = (folder / "a.kel").string();
+    put(name, "5");
+    const std::string cut = name + std::string("\0x", 2);
+    EXPECT_THROW(kel::load(cut), kel::name_error);
+    EXPECT_THROW(kel::save(7, cut), kel::name_error);
+    EXPECT_THROW(kel::set_aside(fs::path(cut)), kel::name_error);
+    EXPECT_EQ(content(name), "5");
+}
+
+TEST(FileIo, ADamagedFileIsSetAsideUnderANewName) {
+    const Folder folder;
+    const fs::path file = folder / "a.kel";
+    put(file, "first");
+    EXPECT_EQ(kel::set_aside(file), file.string() + ".bad");
+    put(file, "second");
+    put(folder / "a.kel.bad2", "somebody's");
+    EXPECT_EQ(kel::set_aside(file), file.string() + ".bad3");
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(content(folder / "a.kel.bad"), "first");
+    EXPECT_EQ(content(folder / "a.kel.bad2"), "somebody's");
+    EXPECT_EQ(content(folder / "a.kel.bad3"), "second");
+    const kel::io_error missing = failure([&] { kel::set_aside(file); });
+    EXPECT_EQ(missing.reason(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(missing.file(), file.string());
+    EXPECT_FALSE(missing.blames_content());
+    fs::create_directory(file);
+    EXPECT_FALSE(failure([&] { kel::set_aside(file); }).blames_content()) << "not a file";
+    EXPECT_EQ(folder.count(), 4) << "nothing new after a failure";
 }
 
 } // namespace

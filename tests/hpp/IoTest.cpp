@@ -11,6 +11,20 @@ namespace {
 
 // ---- Memory ------------------------------------------------------------------------------------
 
+TEST(Io, ABareTextIsRefusedWithAHint) {
+    for (const char* text : {"{number=n0}", "{ a = foo-bar }", "[ red green ]", "{ a = My Song }",
+                             "{ a =\n\tTrue }"}) {
+        EXPECT_NE(said([&] { kel::from_text(text); }).find(": syntax error. A text needs quotes"),
+                  std::string::npos)
+            << text;
+    }
+    for (const char* text :
+         {"{ a b }", "{ a = 12e3 }", "[ 1 ) ]", "hello", "{ a = 1 2 }", "#define A [ ) ]\n[ A ]"}) {
+        const std::string refused = said([&] { kel::from_text(text); });
+        EXPECT_EQ(refused.substr(refused.size() - 12), "syntax error") << text;
+    }
+}
+
 TEST(Io, TextGoesToMemoryAndBack) {
     EXPECT_EQ(kel::from_text(kel::to_text(readable())), readable());
 }
@@ -63,6 +77,14 @@ TEST(Io, AStreamShowsTheText) {
     std::ostringstream out;
     out << kel::value(5) << ' ' << kel::value() << ' ' << std::setw(6) << kel::value("x");
     EXPECT_EQ(out.str(), "5 null    \"x\"");
+}
+
+TEST(Io, WhatAStreamShowsIsAlsoAString) {
+    const kel::value odd = kel::array({"with \" inside", 1});
+    std::ostringstream out;
+    out << odd;
+    EXPECT_EQ(kel::shown(odd), out.str());
+    EXPECT_EQ(kel::shown(kel::value()), "null");
 }
 
 TEST(Io, AStreamShowsAPlace) {

@@ -56,7 +56,7 @@ TEST(Merge, ReturnsWhatDoesNotFit) {
     EXPECT_EQ(
         messages(settings.merge(saved)),
         (Lines{"[colour] colour: no such variable.", "[name] name: wanted a string, found null.",
-               "[volume] volume: 7.5 is not a whole number of 32 bits.",
+               "[volume] volume: 7.5 is not a whole number.",
                "[window.width] window.width: no such variable.",
                "[window[\"size of\"].x] window[\"size of\"].x: no such variable."}));
     EXPECT_EQ(settings, before);
@@ -178,7 +178,7 @@ TEST(Merge, SectionsThatAPresetLacksGetTheirDefaults) {
     EXPECT_EQ(right.get<double>("gain"), 0.0);
     EXPECT_EQ(mixer.at_path("more.note"), "kept");
     EXPECT_EQ(messages(mixer.merge(kel::object({{"left", 7}}), kel::missing::reset)),
-              Lines{"[left] left: wanted a checked struct, found an int."});
+              Lines{"[left] left: wanted a struct, found an int."});
     EXPECT_EQ(left.get<double>("gain"), 0.0);
     mixer.clear();
 }
@@ -236,6 +236,57 @@ TEST(Merge, NotifiesWhoWatches) {
         settings, [&](std::string_view path, const kel::value&) { seen.emplace_back(path); });
     EXPECT_TRUE(settings.merge(kel::object({{"volume", 7}})).empty());
     EXPECT_EQ(seen, Lines{"volume"});
+}
+
+TEST(Merge, StoredValuesAreWhatWasChosen) {
+    kel::checked panel = makePanel();
+    kel::value tree = kel::object({{"panel", panel}, {"list", kel::array({panel})}, {"n", 1}});
+    panel.set("gain", 0); // equals the default
+    panel["note"] = "not described";
+    const kel::value chosen = tree.stored_values();
+    EXPECT_EQ(chosen["panel"].get_struct(), kel::object({{"gain", 0.0}}));
+    EXPECT_TRUE(kel::same(chosen["panel"], chosen["list"][0])) << "sharing is kept";
+    EXPECT_EQ(chosen["n"].get<int>(), 1);
+    EXPECT_EQ(panel.stored_values(), tree["panel"].stored_values());
+    panel["gain"] = nullptr;
+    EXPECT_EQ(panel.stored_values(), kel::object());
+
+    kel::checked later({{"gain", kel::describe<double>().range(-60, 6).fallback(-3)},
+                        {"odd name", kel::describe<int>().fallback(8)}});
+    panel.set("gain", 1);
+    EXPECT_EQ(messages(later.merge(panel.stored_values())), Lines());
+    EXPECT_EQ(later.get<int>("odd name"), 8) << "the default of the later version";
+}
+
+TEST(Merge, WhatIsLentIsNeverTheDefaultOfADescription) {
+    kel::checked source(
+        kel::from_text("{ @type = 50\n@desc = { @type = 51\n x = { @type = 52\n default = 5 } "
+                       "part = { @type = 52\n default = { y = 1 } } } }"));
+    kel::value target = kel::object({{"part", kel::object()}});
+    const std::vector<kel::mismatch> found = target.merge(source);
+    ASSERT_EQ(found.size(), 2U);
+    kel::value saved = kel::object({{"part", kel::object()}});
+    kel::keep_unknown(saved, found);
+    saved["x"].assign(7);
+    saved["part"]["y"].assign(7);
+    EXPECT_EQ(source.get<int>("x"), 5);
+    EXPECT_EQ(source.at_path("part.y").get<int>(), 1);
+}
+
+TEST(Merge, WhatIsNotADescriptionDescribesNothing) {
+    kel::checked odd(kel::from_text("{ @type = 50\n@desc = { @type = 51\n level = 5 } }"));
+    EXPECT_EQ(odd.names(), std::vector<std::string>());
+    EXPECT_FALSE(odd.describes("level"));
+    EXPECT_TRUE(odd.merge(kel::object()).empty());
+    EXPECT_TRUE(odd.merge(kel::object(), kel::missing::reset).empty());
+    EXPECT_EQ(odd.merge(kel::object({{"level", 1}})).size(), 1U);
+    EXPECT_EQ(odd.mixed(kel::object({{"level", 1}}), kel::object(), 0.5), kel::object());
+    EXPECT_EQ(odd.values(), kel::object());
+    EXPECT_TRUE(kel::value(kel::object()).merge(odd).empty());
+    EXPECT_FALSE(odd.try_set("level", 1));
+    EXPECT_EQ(kel::differences(odd, kel::object()).size(), 0U);
+    odd.reset();
+    EXPECT_EQ(kel::value(odd).size(), 1U);
 }
 
 } // namespace

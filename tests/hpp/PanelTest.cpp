@@ -179,10 +179,9 @@ TEST(Panel, ARefusalOfAPlaceBeginsWithItsWholePath) {
     };
     EXPECT_EQ(missing([&] { (void)rack["nope"].try_set_text("1"); }), "nope: no such variable.");
     EXPECT_EQ(missing([&] { rack["list"][7].step_by(1); }), "list[7]: the array has 1 element.");
-    EXPECT_EQ(refused([&] { rack["1"].step_by(1); }), "1: not a variable of a checked struct.");
-    EXPECT_EQ(refused([&] { (void)rack["list"][0].text(); }),
-              "list[0]: not a variable of a checked struct.");
-    EXPECT_EQ(refused([&] { rack.at_path("").step_by(1); }), "not a variable of a checked struct.");
+    EXPECT_EQ(refused([&] { rack["1"].step_by(1); }), "1: is not described.");
+    EXPECT_EQ(refused([&] { (void)rack["list"][0].text(); }), "list[0]: is not described.");
+    EXPECT_EQ(refused([&] { rack.at_path("").step_by(1); }), "The document is not described.");
 }
 
 } // namespace

@@ -47,6 +47,21 @@ TEST(Path, OneThatCannotBeReadSaysWhere) {
     }
 }
 
+TEST(Path, ContainsNoNul) {
+    kel::value tree = kel::object({{"volume", 5}});
+    constexpr std::string_view path("volume\0x", 8);
+    const std::string refused = "The path volume\\u0000x cannot be read at character 7.";
+    EXPECT_EQ(thrown<kel::not_found>([&] { tree.at_path(path) = 7; }), refused);
+    EXPECT_EQ(thrown<kel::not_found>([&] { tree["volume"].at_path(path); }), refused);
+    EXPECT_EQ(thrown<kel::not_found>([&] { (void)kel::take(tree, path, kel::describe<int>()); }),
+              refused);
+    EXPECT_EQ(thrown<kel::not_found>(
+                  [&] { (void)kel::watch_path(tree, path, [](const kel::value&) {}); }),
+              refused);
+    EXPECT_THROW(tree.at_path(std::string_view("[\"volume\0x\"]", 13)), kel::not_found);
+    EXPECT_EQ(tree, kel::object({{"volume", 5}}));
+}
+
 TEST(Path, GoesThroughPairsAndManagers) {
     const kel::ref<KEL_IndexList> list = kel::adopt(CreateKELIndexList());
     list->addPair(kel::value("red").raw(), kel::value(7).raw());

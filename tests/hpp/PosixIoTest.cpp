@@ -1,5 +1,6 @@
 // Reads and writes where a POSIX system fails, and through permissions and links.
 #include "IoSupport.h"
+#include "MemorySupport.h"
 
 #include <cerrno>
 #include <csignal>
@@ -320,18 +321,11 @@ TEST(PosixIo, ThreadsCanSaveTheSameFileAtomically) {
 /// Returns how much memory this process has, in kilobytes. Returns 0 where that is not known, and
 /// with a sanitizer that keeps freed memory, which reports leaks itself.
 long resident_memory() {
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KEL_TEST_KEEPS_MEMORY
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(KEL_TEST_KEEPS_MEMORY)
-    return 0;
-#else
     long pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages;
+    if (memory_test::is_measured) {
+        std::ifstream("/proc/self/statm") >> pages >> pages;
+    }
     return pages * (sysconf(_SC_PAGESIZE) / 1024);
-#endif
 }
 
 TEST(PosixIo, DocumentsWithRingsThatNobodyGetsAreFreed) {

@@ -100,6 +100,17 @@ TEST(Range, ALoopKeepsItsContainer) {
     EXPECT_EQ(visited, 3);
 }
 
+TEST(Range, KnowsItsSize) {
+    kel::value list = kel::array({1, 2});
+    const kel::element_range elements = list.elements();
+    list.push_back(3);
+    EXPECT_EQ(elements.size(), 3U);
+    EXPECT_EQ(kel::object({{"a", nullptr}}).items().size(), 1U);
+    kel::checked panel({{"a", kel::describe<int>().fallback(1)}, {"b", kel::describe<int>()}});
+    panel.set("b", 1);
+    EXPECT_EQ(panel.items().size(), 2U) << "the description counts, and defaults do not";
+}
+
 TEST(Range, WorksWithTheAlgorithms) {
     const kel::value list = kel::array({3, 1, 2});
     const kel::element_range range = list.elements();

@@ -49,6 +49,19 @@ TEST(Struct, PlacesNest) {
               "rooms[0].degrees: 19.500000 does not fit the type that was asked for.");
 }
 
+TEST(Struct, IsFoundIfItIsOne) {
+    const kel::checked panel({{"gain", kel::describe<int>()}});
+    const kel::value house = kel::object({{"room", kitchen()}, {"panel", panel}, {"size", 3}});
+    EXPECT_TRUE(kel::same(house.find_struct("room"), house["room"]));
+    EXPECT_TRUE(kel::same(house.find_struct("panel"), house["panel"].get_struct()));
+    for (const char* name : {"size", "none"}) {
+        EXPECT_FALSE(house.find_struct(name)) << name;
+    }
+    EXPECT_FALSE(house["room"]["tags"].get_array().find_struct("room"));
+    EXPECT_EQ(thrown<kel::type_error>([&] { house["room"]["tags"].get_struct(); }),
+              "room.tags: wanted a struct, found an array.");
+}
+
 TEST(Struct, ANameCanBeAView) {
     const std::string_view name = std::string_view("windows and doors").substr(0, 7);
     kel::value house = kel::object({{"room", kitchen()}});

@@ -1,61 +1,13 @@
 // kel::watch: subscriptions to the changes of one value.
-#include <functional>
-#include <gtest/gtest.h>
-#include <kel/kel.hpp>
+#include "WatchSupport.h"
+
 #include <memory>
-#include <string>
-#include <thread>
 #include <type_traits>
 #include <vector>
 
+using namespace watch_test;
+
 namespace {
-
-/// An observer of another make.
-class ForeignObserver : public KEL_Observer {
-public:
-    explicit ForeignObserver(std::function<void()> action) : action_(std::move(action)) {}
-    void update(KEL*) override { action_(); }
-
-private:
-    std::function<void()> action_;
-};
-
-KEL_Observable& observable(const kel::value& of) {
-    return *dynamic_cast<KEL_Observable*>(of.raw());
-}
-
-/// Returns the real number of references.
-int references(KEL* value) {
-    value->addRef();
-    return value->release();
-}
-
-/// An int, and subscriptions that write their letter into a log.
-class HppWatch : public ::testing::Test {
-protected:
-    static void nothing() {}
-
-    /// Returns a function that writes a letter and then runs an action.
-    auto writing(char letter, std::function<void()> action = nothing) {
-        return [this, letter, action = std::move(action)](const kel::value&) {
-            log += letter;
-            action();
-        };
-    }
-
-    /// Changes the int and returns the letters of those that were called.
-    std::string change() {
-        log.clear();
-        number.assign(number.get<int>() + 1);
-        return log;
-    }
-
-    std::string log;
-    kel::value number = 0;
-    kel::subscription a;
-    kel::subscription b;
-    kel::subscription c;
-};
 
 TEST_F(HppWatch, CallsTheFunctionWithTheValueAfterEachChange) {
     int seen = 0;
@@ -415,49 +367,6 @@ TEST_F(HppWatch, AFunctionCanOwnItsOwnSubscription) {
     EXPECT_EQ(change(), "");
 }
 
-TEST_F(HppWatch, TwoThreadsWatchTwoTrees) {
-    const auto work = [] {
-        kel::value tree = kel::object({{"n", 0}, {"list", kel::array()}});
-        kel::value n = tree["n"];
-        int calls = 0;
-        int reports = 0;
-        for (int i = 0; i < 200; ++i) {
-            kel::subscription once;
-            once = kel::watch(n, [&](const kel::value&) {
-                ++calls;
-                once.end();
-            });
-            const kel::subscription all =
-                kel::watch_tree(tree, [&](std::string_view, const kel::value&) { ++reports; });
-            n.assign(i);
-            tree["list"].push_back(i);
-        }
-        EXPECT_EQ(calls, 200);
-        EXPECT_EQ(reports, 400);
-    };
-    std::thread other(work);
-    work();
-    other.join();
-}
-
-TEST_F(HppWatch, AThreadCanEndWithASubscriptionThatEndedInside) {
-    std::thread([this] {
-        const auto own = std::make_shared<kel::subscription>();
-        *own = kel::watch(number, [own](const kel::value&) { own->end(); });
-        change();
-    }).join();
-    EXPECT_EQ(references(number.raw()), 1);
-}
-
-TEST_F(HppWatch, AValueChangesHandsBetweenThreads) {
-    std::thread([this] { a = kel::watch(number, writing('a', [this] { a.end(); })); }).join();
-    b = kel::watch(number, writing('b'));
-    EXPECT_EQ(change(), "ab");
-    std::thread([this] { b.end(); }).join();
-    EXPECT_EQ(change(), "");
-    EXPECT_EQ(references(number.raw()), 1);
-}
-
 // A round whose end is not seen, because an observer of another make removes itself just before it.
 TEST_F(HppWatch, OneThatCouldNotBeTakenOffIsTakenOffLater) {
     ForeignObserver foreign([] {});
@@ -475,15 +384,40 @@ TEST_F(HppWatch, OneThatCouldNotBeTakenOffIsTakenOffLater) {
     EXPECT_EQ(references(number.raw()), 1);
 }
 
-kel::subscription outlives_the_thread;
-kel::value outlives_too;
-
-TEST_F(HppWatch, ASubscriptionCanOutliveItsThread) {
-    outlives_too = number;
-    std::thread([&] {
-        outlives_the_thread = kel::watch(outlives_too, [](const kel::value&) {});
-    }).join();
-    EXPECT_TRUE(outlives_the_thread); // it ends after the objects of the main thread
+TEST(Watch, AMemberOfAnObjectThatCannotBeMoved) {
+    kel::value panel = kel::object({{"gain", 1}});
+    struct meter {
+        explicit meter(const kel::value& of)
+            : watching(kel::watch(of["gain"], [this](const kel::value&) { ++count; })) {}
+        int count = 0;
+        kel::pinned_subscription watching;
+    };
+    static_assert(!std::is_move_constructible_v<meter> && !std::is_copy_constructible_v<meter>);
+    static_assert(!std::is_move_assignable_v<meter> && !std::is_copy_assignable_v<meter>);
+    {
+        meter drawn(panel);
+        panel["gain"].assign(2);
+        EXPECT_EQ(drawn.count, 1);
+        EXPECT_TRUE(drawn.watching);
+        drawn.watching = kel::watch(panel, [](const kel::value&) {});
+        panel["gain"].assign(3);
+        EXPECT_EQ(drawn.count, 1) << "the first one has ended";
+        drawn.watching.end();
+        EXPECT_FALSE(drawn.watching);
+    }
+    panel["gain"].assign(4);
+    kel::pinned_subscription later;
+    EXPECT_FALSE(later);
+    int calls = 0;
+    {
+        later = kel::watch_values(panel, [&](std::string_view, const kel::value&) { ++calls; });
+        const kel::pinned_subscription other =
+            kel::watch_path(panel, "gain", [&](const kel::value&) { ++calls; });
+        panel["gain"].assign(5);
+    }
+    EXPECT_EQ(calls, 2);
+    panel["gain"].assign(6);
+    EXPECT_EQ(calls, 3);
 }
 
 } // namespace

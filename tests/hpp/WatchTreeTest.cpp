@@ -1,61 +1,12 @@
 // kel::watch_tree: subscriptions to the changes of all values in a tree.
-#include <functional>
-#include <gtest/gtest.h>
-#include <kel/kel.hpp>
+#include "WatchTreeSupport.h"
+
 #include <memory>
-#include <string>
 #include <utility>
-#include <vector>
+
+using namespace watch_tree_test;
 
 namespace {
-
-/// Returns the real number of references.
-int references(const kel::value& value) {
-    value.raw()->addRef();
-    return value.raw()->release();
-}
-
-/// Notifies the value's observers and changes nothing.
-void touch(const kel::value& value) {
-    value.raw()->assign(value.raw());
-}
-
-/// Watches a tree and writes down the paths that are reported.
-class HppWatchTree : public ::testing::Test {
-protected:
-    using Paths = std::vector<std::string>;
-
-    void watch(const kel::value& root) {
-        root_ = root;
-        all = kel::watch_tree(root, [this](std::string_view path, const kel::value& changed) {
-            EXPECT_TRUE(same(root_.at_path(path), changed)) << path;
-            paths.emplace_back(path);
-            const std::function<void()> action = then;
-            if (action) {
-                action();
-            }
-        });
-    }
-
-    /// Returns the paths that an action makes the watcher report.
-    template <class Action> Paths reports(const Action& action) {
-        paths.clear();
-        action();
-        return paths;
-    }
-    Paths reports_of(const kel::value& changed) {
-        return reports([&] { touch(changed); });
-    }
-
-    void TearDown() override { all.end(); }
-
-    Paths paths;
-    std::function<void()> then;
-    kel::subscription all;
-
-private:
-    kel::value root_;
-};
 
 TEST_F(HppWatchTree, ReportsEveryValueWithItsPath) {
     kel::value tree = kel::object({{"n", 1},
@@ -197,73 +148,6 @@ TEST_F(HppWatchTree, KeepsTheTreeAliveAndReleasesItAtTheEnd) {
     EXPECT_FALSE(all);
     EXPECT_EQ(references(leaf), 2);
     EXPECT_EQ(reports_of(leaf), Paths{});
-}
-
-// Index lists
-
-class HppWatchTreeOfLists : public HppWatchTree {
-protected:
-    void SetUp() override {
-        list->addPair(key.raw(), item.raw());
-        tree["list"] = kel::value(list);
-        watch(tree);
-    }
-    void TearDown() override {
-        HppWatchTree::TearDown();
-        list->getItems()->removeAllVars();
-    }
-
-    const kel::value key = "k";
-    const kel::value item = 1;
-    const kel::value added = 2;
-    kel::ref<KEL_IndexList> list = kel::adopt(CreateKELIndexList());
-    kel::value tree = kel::object();
-};
-
-TEST_F(HppWatchTreeOfLists, ReportsKeysAndItems) {
-    EXPECT_EQ(reports_of(key), (Paths{"list[0].key"}));
-    EXPECT_EQ(reports_of(item), (Paths{"list[0].item"}));
-}
-
-TEST_F(HppWatchTreeOfLists, ReportsAChangeOfTheListOnce) {
-    EXPECT_EQ(reports([&] { list->addNamedInt("x", 5); }), (Paths{"list"}));
-    EXPECT_EQ(reports([&] { list->setItemAt(0, added.raw()); }), (Paths{"list"}));
-    EXPECT_EQ(reports_of(added), (Paths{"list[0].item"}));
-    EXPECT_EQ(reports_of(item), Paths{});
-    EXPECT_EQ(reports([&] { list->removePair(1); }), (Paths{"list"}));
-    EXPECT_EQ(reports_of(tree["list"]), (Paths{"list"}));
-    EXPECT_EQ(reports([&] { list->removeAllPairs(); }), (Paths{"list"}));
-    EXPECT_EQ(references(key), 1);
-    EXPECT_EQ(references(added), 1);
-}
-
-TEST_F(HppWatchTreeOfLists, FollowsDirectChangesOfTheArraysWithoutAReport) {
-    EXPECT_EQ(reports([&] { list->getItems()->setVar(added.raw(), 0); }), Paths{});
-    EXPECT_EQ(reports_of(added), (Paths{"list[0].item"}));
-    EXPECT_EQ(reports_of(item), Paths{});
-}
-
-TEST_F(HppWatchTreeOfLists, WhatHasNoPartnerIsNotInTheTree) {
-    list->getItems()->addVar(added.raw());
-    EXPECT_EQ(reports_of(added), Paths{});
-    list->getKeys()->addInt(7);
-    EXPECT_EQ(reports_of(added), (Paths{"list[1].item"}));
-    list->getKeys()->removeVar(0);
-    EXPECT_EQ(reports_of(added), Paths{});
-}
-
-TEST_F(HppWatchTreeOfLists, AnArrayOfTheListThatIsInTheTreeIsReportedThere) {
-    tree["items"] = kel::value(kel::share(list->getItems()));
-    EXPECT_EQ(reports([&] { list->getItems()->addVar(added.raw()); }), (Paths{"items"}));
-    EXPECT_EQ(reports_of(added), (Paths{"items[1]"}));
-    EXPECT_EQ(reports([&] { list->setItemAt(0, added.raw()); }), (Paths{"items", "list"}));
-}
-
-TEST_F(HppWatchTreeOfLists, AListCanHoldItsOwnArrays) {
-    list->addPair(added.raw(), list->getItems());
-    EXPECT_EQ(reports_of(kel::value(kel::share(list->getItems()))), (Paths{"list[1].item"}));
-    EXPECT_EQ(reports([&] { list->removePair(1); }), (Paths{"list"}));
-    EXPECT_EQ(reports_of(kel::value(kel::share(list->getItems()))), Paths{});
 }
 
 // Checked structs

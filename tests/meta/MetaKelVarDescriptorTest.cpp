@@ -102,6 +102,10 @@ TEST_F(MetaKelVarDescriptorTest, NothingIsInTheRangeOfAnotherType) {
     const auto booleans = descriptorOf("type", intOf(2), "min", intOf(0), "max", intOf(9));
     EXPECT_FALSE(asDescriptor(booleans).inRange(stringOf("5").get()));
     EXPECT_FALSE(asDescriptor(booleans).isValid(booleanOf(true).get()));
+    for (const KELKind kind : {KELKind_guid, KELKind_String, KELKind_Array}) {
+        const auto other = descriptorOf("type", intOf(kind), "min", intOf(0), "max", intOf(9));
+        EXPECT_FALSE(asDescriptor(other).inRange(5)) << kind;
+    }
 }
 
 TEST_F(MetaKelVarDescriptorTest, WithoutATypeNothingIsInRange) {

@@ -5,11 +5,14 @@
                      --version X.Y.Z [--toolchain FILE] [--emulator PROGRAM]
 
 Without --toolchain the archive is the one of Linux. With it the archive is the one of Windows: its
-host is built with the tool chain and run by the emulator.
+host is built with the tool chain and run by the emulator. It holds the run-time libraries of the
+tool chain's width.
 """
 import argparse
+import os
 import pathlib
 import shutil
+import sys
 import tempfile
 
 from support import ROOT, expect, expect_equal, expect_links, files, headers, run
@@ -82,26 +85,37 @@ def check_windows_archive(packages, scratch, options):
     archive = only(packages, "*.zip")
     shutil.unpack_archive(archive, scratch)
     prefix = scratch / archive.stem
-    expect(prefix.name == f"kel-{options.version}-win32", f"the archive is called {prefix.name}")
-    expect_files(prefix, "README.md", "bin/KEL.dll", "bin/kel.exe", "bin/libgcc_s_dw2-1.dll",
-                 "lib/libKEL.dll.a", "include/kel/kel.h", "lib/cmake/kel/kelConfig.cmake",
+    is_wide = run(options.compiler, "-dumpmachine").startswith("x86_64")
+    expect(prefix.name == f"kel-{options.version}-win{64 if is_wide else 32}",
+           f"the archive is called {prefix.name}")
+    libraries = ["KEL.dll", f"libgcc_s_{'seh' if is_wide else 'dw2'}-1.dll", "libwinpthread-1.dll"]
+    expect_equal({path.name for path in (prefix / "bin").glob("*.dll")}, set(libraries), "libraries")
+    text = (prefix / "README.md").read_text(encoding="utf-8")
+    expect(f"finds `{libraries[0]}`, `{libraries[1]}` and `{libraries[2]}`" in text and "@" not in text,
+           "README.md names other libraries")
+    expect_files(prefix, "bin/kel.exe", "lib/libKEL.dll.a", "include/kel/kel.h", "lib/cmake/kel/kelConfig.cmake",
                  "host/main.cpp", "docs/abi.md", "LICENSE", "licenses/gcc-runtime.txt",
-                 "licenses/GPL-3.txt", "bin/libwinpthread-1.dll",
-                 "licenses/mingw-w64.txt", "licenses/CLI11.txt", "licenses/nlohmann-json.txt")
+                 "licenses/GPL-3.txt", "licenses/mingw-w64.txt", "licenses/CLI11.txt",
+                 "licenses/nlohmann-json.txt")
     expect(all(path.read_bytes() == (prefix / "host" / path.name).read_bytes()
                for path in HOST.iterdir()), "the archive holds another host")
     expect_links(prefix)
     expect_sources(prefix, prefix)
     build_host(prefix, scratch / "by_cmake", options)
     shutil.copytree(prefix / "bin", scratch / "plain")
-    run(options.compiler, "-std=c++17", "-Wall", "-Wextra", "-Werror", f"-I{prefix / 'include'}",
-        prefix / "host/main.cpp", "-o", scratch / "plain/host.exe", prefix / "lib/libKEL.dll.a",
-        "-static-libstdc++", "-shared-libgcc")
+    for source, program in [("host/main.cpp", "host.exe"),
+                            ("examples/settings/main.cpp", "settings.exe")]:
+        run(options.compiler, "-std=c++17", "-Wall", "-Wextra", "-Werror", f"-I{prefix / 'include'}",
+            prefix / source, "-o", scratch / "plain" / program, prefix / "lib/libKEL.dll.a",
+            "-static-libstdc++", "-shared-libgcc")
     for library in (prefix / "bin").glob("*.dll"):
         shutil.copy(library, scratch / "by_cmake")
     emulator = [options.emulator]
     check_host(scratch / "by_cmake/host.exe", scratch, emulator)
     check_host(scratch / "plain/host.exe", scratch, emulator)
+    # A host that uses kel.hpp.
+    run(sys.executable, "-B", ROOT / "tests/examples/check_example.py", scratch / "plain/settings.exe",
+        prefix / "examples/settings", env={**os.environ, "KEL_LAUNCHER": options.emulator})
     expect(options.version in run(*emulator, prefix / "bin/kel.exe", "--version"),
            "the tool is of another version")
 

@@ -28,6 +28,23 @@ TEST(Memory, StorageOfNoBytesIsStorageAllTheSame) {
     }
 }
 
+TEST(Memory, StorageThatShrinksToNoBytesIsStorageAllTheSame) {
+    void* storage = reallocate(allocate(8), 0);
+    EXPECT_NE(storage, nullptr);
+    deallocate(storage);
+}
+
+TEST(Memory, SizedStorageKeepsItsBytesWhenItBecomesABlockAndBack) {
+    constexpr std::size_t large = largestBlock * 3;
+    auto* bytes = static_cast<unsigned char*>(allocateSized(large));
+    std::memset(bytes, 7, large);
+    bytes = static_cast<unsigned char*>(reallocateSized(bytes, large, 16));
+    EXPECT_TRUE(std::all_of(bytes, bytes + 16, [](unsigned char byte) { return byte == 7; }));
+    bytes = static_cast<unsigned char*>(reallocateSized(bytes, 16, large));
+    EXPECT_TRUE(std::all_of(bytes, bytes + 16, [](unsigned char byte) { return byte == 7; }));
+    deallocateSized(bytes, large);
+}
+
 TEST(Memory, ZeroedStorageIsZero) {
     auto* bytes = static_cast<unsigned char*>(allocateZeroed(16, 64));
     EXPECT_TRUE(std::all_of(bytes, bytes + 1024, [](unsigned char byte) { return byte == 0; }));
@@ -40,6 +57,9 @@ TEST(Memory, ACountThatOverflowsIsRefused) {
 
 TEST(Memory, FreeingNullDoesNothing) {
     deallocate(nullptr);
+    deallocateBlock(nullptr);
+    deallocateSized(nullptr, largestBlock);
+    deallocateSized(nullptr, largestBlock + 1);
 }
 
 TEST(Memory, AClosedGateLetsEveryAllocationFail) {

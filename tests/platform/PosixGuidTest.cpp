@@ -1,5 +1,6 @@
 // Identities across fork, which only POSIX systems have.
 #include "platform/RandomStream.h"
+#include "support/EndChild.h"
 #include "support/Guids.h"
 #include "values/KEL_Int_Impl.h"
 
@@ -24,7 +25,7 @@ template <class Draw> std::vector<Words> inChild(const Draw& drawInChild) {
         const std::vector<Words> drawn = drawInChild();
         const auto size = drawn.size() * sizeof(Words);
         const bool written = write(ends[1], drawn.data(), size) == static_cast<ssize_t>(size);
-        _exit(written ? 0 : 1);
+        kel::test::endChild(written ? 0 : 1);
     }
     close(ends[1]);
     std::vector<Words> drawn;

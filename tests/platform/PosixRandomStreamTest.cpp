@@ -4,9 +4,11 @@
 #include "support/Guids.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -96,6 +98,33 @@ TEST(RandomKey, TheDeviceOfThisSystemGivesKeysThatDiffer) {
     const std::string first = drawnKey();
     EXPECT_EQ(first.size(), 32U);
     EXPECT_NE(first, drawnKey());
+}
+
+TEST(RandomKey, IsNotDrawnFromADeviceThatCannotBeOpened) {
+    const RandomSources own = exchangeRandomSources({});
+    exchangeRandomSources(own);
+    const Sources sources(refuse<ENOSYS>, own.device);
+    rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none = {0, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_EQ(drawnKey(), "");
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_NE(drawnKey(), "");
+}
+
+TEST(RandomKeyDeathTest, AProcessDrawsItsFirstIdentityWhenItHasAKey) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // begins a new process
+    const auto drawWithoutAndWithAKey = [] {
+        JHashCode guid;
+        bool isDrawn = false;
+        {
+            const Sources sources(refuse<ENOSYS>, refuse<ENOENT>);
+            isDrawn = kel::platform::createGuid(guid);
+        }
+        std::exit(!isDrawn && kel::platform::createGuid(guid) ? 0 : 1);
+    };
+    EXPECT_EXIT(drawWithoutAndWithAKey(), testing::ExitedWithCode(0), "");
 }
 
 /// Runs action on a thread of its own, which needs a key first.

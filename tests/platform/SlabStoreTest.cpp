@@ -1,13 +1,21 @@
 #include "platform/SlabStore.h"
 
+#include "support/AllocationFailure.h"
+
 #include <gtest/gtest.h>
 
 #if !defined(_WIN32)
 
+#include "support/EndChild.h"
+
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <pthread.h>
 #include <random>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -183,6 +191,125 @@ TEST(SlabStore, AnotherThreadCanGiveBlocksBack) {
         }
         EXPECT_LE(slabBytesOfThread(), std::size_t{32} << 20) << "blocks are used again";
     }).join();
+}
+
+TEST(SlabStore, AnotherThreadCanGiveABlockOfASlabWithRoom) {
+    std::thread([] {
+        std::vector<void*> blocks;
+        for (int i = 0; i < 2000; ++i) { // more than a slab has
+            blocks.push_back(takeBlock(112));
+        }
+        giveBlock(blocks[200]);
+        std::thread([&blocks] { giveBlock(blocks[100]); }).join();
+        std::vector<void*> again;
+        while (std::count(again.begin(), again.end(), blocks[200]) == 0 && again.size() < 2000) {
+            again.push_back(takeBlock(112));
+        }
+        EXPECT_EQ(std::count(again.begin(), again.end(), blocks[100]), 1);
+        EXPECT_LT(again.size(), 2000U);
+        blocks.erase(blocks.begin() + 200);
+        blocks.erase(blocks.begin() + 100);
+        std::for_each(blocks.begin(), blocks.end(), giveBlock);
+        std::for_each(again.begin(), again.end(), giveBlock);
+    }).join();
+}
+
+TEST(SlabStore, AThreadCanEndWithAFullSlab) {
+    Blocks left;
+    for (int i = 0; i < 1200; ++i) { // each takes the slab over; one takes its last block
+        std::thread([&left] { left.take(112); }).join();
+    }
+}
+
+/// Checks the condition in a new process, whose store nobody has used.
+#define EXPECT_TRUE_IN_NEW_PROCESS(condition)                                                      \
+    GTEST_FLAG_SET(death_test_style, "threadsafe");                                                \
+    EXPECT_EXIT(std::exit((condition) ? 0 : 1), testing::ExitedWithCode(0), "")
+
+bool getsNoBlockWithoutMemory() {
+    void* block = nullptr;
+    std::thread([&block] {
+        const kel::test::FailingAllocation failing(0, true);
+        block = takeBlock(112);
+    }).join();
+    return block == nullptr;
+}
+
+TEST(SlabStoreDeathTest, AThreadWithoutMemoryGetsNoBlock) {
+    EXPECT_TRUE_IN_NEW_PROCESS(getsNoBlockWithoutMemory());
+}
+
+bool givesBlocksWithoutMemory() {
+    void* kept = nullptr;
+    void* given = nullptr;
+    void* again = nullptr;
+    std::thread([&] {
+        kept = takeBlock(112);
+        given = takeBlock(112);
+    }).join();
+    std::thread([&] {
+        const kel::test::FailingAllocation failing(0, true);
+        giveBlock(given);
+    }).join();
+    std::thread([&] { // takes the slabs over
+        giveBlock(kept);
+        again = takeBlock(112);
+    })
+        .join();
+    return again == std::min(kept, given);
+}
+
+TEST(SlabStoreDeathTest, AThreadWithoutMemoryCanGiveTheBlocksOfAnEndedOne) {
+    EXPECT_TRUE_IN_NEW_PROCESS(givesBlocksWithoutMemory());
+}
+
+bool failsWithoutAddressSpace() {
+    rlimit before = {};
+    getrlimit(RLIMIT_AS, &before);
+    giveBlock(takeBlock(112));
+    const rlimit none = {0, before.rlim_max};
+    setrlimit(RLIMIT_AS, &none);
+    int left = 1 << 20;
+    while (left > 0 && takeBlock(largestBlock) != nullptr) {
+        --left;
+    }
+    setrlimit(RLIMIT_AS, &before);
+    return left > 0 && takeBlock(largestBlock) != nullptr;
+}
+
+TEST(SlabStoreDeathTest, WithoutAddressSpaceForARegionThereIsNoBlockUntilThereIsAgain) {
+    EXPECT_TRUE_IN_NEW_PROCESS(failsWithoutAddressSpace());
+}
+
+void (*duringFork)() = nullptr;
+
+/// Registers a handler of forks before the store does, which is therefore called after the store's.
+struct EarlyHandler {
+    EarlyHandler() {
+        pthread_atfork(
+            [] {
+                if (duringFork != nullptr) {
+                    duringFork();
+                }
+            },
+            nullptr, nullptr);
+    }
+};
+[[gnu::init_priority(101)]] EarlyHandler earlyHandler;
+
+TEST(SlabStore, AnEarlierHandlerOfForksCanUseIt) {
+    std::thread([] { // needs a heap, and the lock for it
+        duringFork = [] { giveBlock(takeBlock(64)); };
+        const pid_t child = fork();
+        if (child == 0) {
+            kel::test::endChild(0);
+        }
+        duringFork = nullptr;
+        int status = -1;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    })
+        .join();
 }
 
 TEST(SlabStore, BlocksOutliveTheirThread) {

@@ -1,5 +1,6 @@
 #include "runtime/IdentityTable.h"
 
+#include "platform/Guid.h"
 #include "support/AllocationFailure.h"
 
 #include <algorithm>
@@ -110,7 +111,9 @@ TEST(IdentityTable, ACorrectedIndexIsKept) {
     EXPECT_EQ(table->leastIndexOf(*entry), 1);
     table->setLeastIndex(*entry, 2);
     EXPECT_EQ(table->leastIndexOf(*entry), 2);
-    table->remove(identity(1), 0);
+    table->remove(identity(1), 0); // which can move the entry
+    entry = table->find(identity(2));
+    ASSERT_NE(entry, nullptr);
     EXPECT_EQ(table->leastIndexOf(*entry), 1);
 }
 
@@ -128,6 +131,34 @@ TEST(IdentityTable, ReportsThatItFoundNoMemory) {
     table->clear();
     EXPECT_TRUE(table->append(identity(1)));
     EXPECT_NE(table->find(identity(1)), nullptr);
+}
+
+/// While alive, identities come from this source.
+class Source {
+public:
+    explicit Source(kel::platform::GuidSource source)
+        : before_(kel::platform::exchangeGuidSource(source)) {}
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+    ~Source() { kel::platform::exchangeGuidSource(before_); }
+
+private:
+    kel::platform::GuidSource before_;
+};
+
+TEST(IdentityTable, IsNotMadeWithoutAKey) {
+    const Source none([](JHashCode&) { return false; });
+    EXPECT_EQ(makeTable(), nullptr);
+}
+
+TEST(IdentityKey, ComesFromASourceThatCanFail) {
+    const Source counting([](JHashCode& out) {
+        static uint32_t drawn = 0;
+        ++drawn;
+        out = JHashCode(drawn, 0, 0, drawn);
+        return true;
+    });
+    EXPECT_NE(IdentityKey().identityOf("text"), IdentityKey().identityOf("text"));
 }
 
 TEST(IdentityTable, AfterReservingNothingCanFail) {

@@ -169,4 +169,10 @@ TEST(JLong64, HoldsEvery64BitInteger) {
     }
 }
 
+TEST(JLong64, IsEqualWhenBothWordsAre) {
+    EXPECT_EQ(JLong64(1, 2), JLong64(1, 2));
+    EXPECT_FALSE(JLong64(1, 2) == JLong64(2, 2));
+    EXPECT_FALSE(JLong64(1, 2) == JLong64(1, 1));
+}
+
 } // namespace

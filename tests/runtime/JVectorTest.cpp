@@ -480,6 +480,12 @@ TEST_F(JVectorTest, EveryAllocationMayFailWhileItGrows) {
     EXPECT_EQ(count(3), 1);
 }
 
+TEST_F(JVectorTest, RoomForMoreThanTheLargestSizeIsRefused) {
+    vector.addElement(object(0));
+    EXPECT_EQ(thrownMessage<JOutOfMemoryException>([&] { vector.makeRoom(INT32_MAX); }),
+              "JVector::setSize() failed.");
+}
+
 TEST_F(JVectorTest, AppendingAMillionIsLinear) {
     for (int i = 0; i < 1000000; ++i) {
         vector.addElement(object(0));

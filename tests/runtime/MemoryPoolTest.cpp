@@ -1,6 +1,7 @@
 #include "runtime/MemoryPool.h"
 
 #include "platform/Memory.h"
+#include "support/AllocationFailure.h"
 #include "support/Thrown.h"
 
 #include <gtest/gtest.h>
@@ -94,6 +95,23 @@ TEST(MemoryPool, FailureToGrowThrowsAndKeepsTheContents) {
     kel::platform::exchangeAllocationGate(before);
     EXPECT_EQ(message, "MemoryPool out of memory.");
     EXPECT_EQ(read(pool, 0, 4), "abcd");
+}
+
+TEST(MemoryPool, WithoutMemoryForASegmentItKeepsTheContents) {
+    MemoryPool pool(4, 4);
+    pool.write(0, "abcd", 4);
+    const std::string message = thrownMessage<JOutOfMemoryException>([&] {
+        const kel::test::FailingAllocation failing(0);
+        pool.write(2, "efgh", 4);
+    });
+    EXPECT_EQ(message, "MemoryPool out of memory.");
+    EXPECT_EQ(read(pool, 0, 4), "abcd");
+}
+
+TEST(MemoryPool, APositionBeyond32BitsIsRefused) {
+    MemoryPool pool(4, 4);
+    EXPECT_EQ(thrownMessage<JOutOfMemoryException>([&] { pool.write(UINT32_MAX, "a", 1); }),
+              "MemoryPool out of memory.");
 }
 
 TEST(MemoryPool, ALongChainNeedsNoStack) {

@@ -357,30 +357,114 @@ TEST(ObjectList, AnElementThatIsExchangedWithTheLastIsFoundInFewSteps) {
     });
 }
 
-/// Finds texts of which all have the same key.
-struct OneKey {
-    static bool matches(const char* element, const char* wanted) {
-        return std::string_view(element) == wanted;
+TEST(ObjectList, ATableThatFindsNoMemoryIsGivenUp) {
+    for (const bool inserts : {true, false}) {
+        ManyThings many(1000);
+        std::vector<Held<Thing>> others(3000);
+        std::generate(others.begin(), others.end(), [] { return make<Thing>(); });
+        many.list.makeRoom(3000);
+        for (const auto& thing : many.things) { // makes a table
+            many.list.indexOf(thing.get());
+        }
+        const kel::test::FailingAllocation failing(0, true);
+        for (std::size_t i = 0; i < others.size(); ++i) {
+            if (inserts) {
+                many.list.insert(others[i].get(), 1);
+            } else {
+                many.list.append(others[i].get());
+                many.list.swap(0, many.list.size() - 1);
+            }
+        }
+        EXPECT_EQ(many.list.indexOf(others.back().get()), inserts ? 1 : 0);
+        EXPECT_EQ(many.list.indexOf(others.front().get()), inserts ? 3000 : 1001);
     }
-    static JHashCode keyOf(const char*, const kel::IdentityKey&) { return {1, 2, 3, 4}; }
-};
+}
 
-TEST(SearchedList, FindsEveryElementOfOneKey) {
-    std::vector<std::string> texts;
-    for (int i = 0; i < 300; ++i) {
-        texts.push_back(std::to_string(i));
+TEST(ObjectList, AnElementThatMovesInWithoutMemoryForItsRecordIsFound) {
+    for (const bool swaps : {true, false}) {
+        const auto same = make<Thing>();
+        std::vector<Held<Thing>> others(3000);
+        std::generate(others.begin(), others.end(), [] { return make<Thing>(); });
+        List list;
+        for (int i = 0; i < 1000; ++i) {
+            list.append(same.get());
+        }
+        for (int i = 0; i < 100; ++i) { // makes a table for so many elements
+            list.indexOf(others.front().get());
+        }
+        for (int i = 0; i < 3000; ++i) { // of one identity, which take no room in the table
+            list.insert(same.get(), 1);
+        }
+        for (const auto& other : others) { // which the table lacks
+            list.append(other.get());
+        }
+        const kel::test::FailingAllocation failing(0, true);
+        for (int32_t i = 0; i < 3000; ++i) {
+            if (swaps) {
+                list.swap(i, 4000 + i);
+            } else {
+                list.set(others[static_cast<std::size_t>(i)].get(), i);
+            }
+        }
+        EXPECT_EQ(list.indexOf(others.back().get()), 2999);
+        EXPECT_EQ(list.indexOf(same.get()), 3000);
     }
-    kel::SearchedList<const char, OneKey> list;
-    for (const std::string& text : texts) {
-        list.append(text.c_str());
+}
+
+TEST(ObjectList, AnElementThatIsAppendedAfterSearchesCanBeExchanged) {
+    ManyThings many(1000);
+    for (const auto& thing : many.things) { // makes a table
+        many.list.indexOf(thing.get());
     }
-    for (int32_t i = 299; i >= 0; --i) {
-        EXPECT_EQ(list.indexOf(texts[static_cast<std::size_t>(i)].c_str()), i);
+    const auto last = make<Thing>();
+    many.list.append(last.get());
+    many.list.swap(0, 1000);
+    EXPECT_EQ(many.list.indexOf(last.get()), 0);
+    EXPECT_EQ(many.list.indexOf(many.things[0].get()), 1000);
+}
+
+TEST(ObjectList, FindsEveryElementAfterSomeWereRemovedAtOnce) {
+    ManyThings many(1000);
+    for (const auto& thing : many.things) { // makes the table
+        ASSERT_GE(many.list.indexOf(thing.get()), 0);
     }
-    EXPECT_EQ(list.indexOf("none"), -1);
-    EXPECT_EQ(list.indexOf(texts[5].c_str()), 5);
-    list.takeAll([](const char*) {});
-    list.freeBlock();
+    const int32_t places[] = {1, 3, 998};
+    many.list.removeEach(places, 0);
+    ASSERT_EQ(many.list.size(), 1000);
+    many.list.removeEach(places, 3);
+    ASSERT_EQ(many.list.size(), 997);
+    EXPECT_EQ(many.list.indexOf(many.things[0].get()), 0);
+    EXPECT_EQ(many.list.indexOf(many.things[1].get()), -1);
+    EXPECT_EQ(many.list.indexOf(many.things[2].get()), 1);
+    EXPECT_EQ(many.list.indexOf(many.things[998].get()), -1);
+    EXPECT_EQ(many.list.indexOf(many.things[999].get()), 996);
+}
+
+TEST(ObjectList, KeepsItsElementsWhenTheRoomOfManyRemovedOnesIsTooSmall) {
+    ManyThings many(1000);
+    for (int i = 0; i < 800; ++i) {
+        many.list.remove(0);
+    }
+    many.list.makeRoom(10000);
+    ASSERT_EQ(many.list.size(), 200);
+    for (int32_t i = 0; i < 200; ++i) {
+        EXPECT_EQ(many.list[i], many.things[static_cast<std::size_t>(i) + 800].get());
+    }
+}
+
+TEST(ObjectList, TheShortestLongListKeepsItsElementsWhenTheFirstIsRemoved) {
+    std::vector<Held<Thing>> things(65);
+    List list;
+    list.makeRoom(65); // one more than a short list has
+    for (auto& thing : things) {
+        thing = make<Thing>();
+        list.append(thing.get());
+    }
+    list.remove(0);
+    ASSERT_EQ(list.size(), 64);
+    for (int32_t i = 0; i < 64; ++i) {
+        EXPECT_EQ(list[i], things[static_cast<std::size_t>(i) + 1].get());
+    }
 }
 
 TEST(ObjectList, AFewSearchesNeedNoMemory) {

@@ -47,6 +47,21 @@ std::string printed(const char* format, double value) {
     return out;
 }
 
+/// Returns whether printf gives another text than the library and most C run-times. Wine's rounds
+/// the middle between two texts up, not to the even digit. A middle is an odd multiple of 2 to the
+/// -7.
+bool isMisprinted(double value) {
+    static const bool roundsToEven = printed("%.0f", 0.5) == "0";
+    return !roundsToEven && std::fabs(std::fmod(std::ldexp(value, 7), 2.0)) == 1.0;
+}
+
+/// Expects the text that printf gives.
+void expectAsPrinted(double value) {
+    if (!isMisprinted(value)) {
+        EXPECT_EQ(text(value), printed("%f", value));
+    }
+}
+
 /// Returns every power of two that a double holds, its neighbours, and all of them negated.
 std::vector<double> aroundPowersOfTwo() {
     std::vector<double> values;
@@ -155,7 +170,7 @@ TEST(Text, TheLargestDoubleFits) {
 
 TEST(Text, DoublesAroundEveryPowerOfTwoAreWrittenAsPrintfDoes) {
     for (const double value : aroundPowersOfTwo()) {
-        ASSERT_EQ(text(value), printed("%f", value));
+        expectAsPrinted(value);
     }
 }
 
@@ -171,7 +186,7 @@ TEST(Text, RandomDoublesAreWrittenAndReadAsPrintfDoes) {
     for (int i = 0; i < 20000; ++i) {
         const auto value = std::bit_cast<double>(static_cast<uint64_t>(random()));
         if (std::isfinite(value)) {
-            ASSERT_EQ(text(value), printed("%f", value));
+            expectAsPrinted(value);
             ASSERT_EQ(parseDouble(printed("%.17g", value)), value);
         }
     }
@@ -186,13 +201,23 @@ TEST(Text, DoublesAroundEveryMiddleAreWrittenAsPrintfDoes) {
         const double middle = whole + halves / 2000000;
         double value = middle;
         for (int step = 0; step < 3; ++step, value = std::nextafter(value, infinity)) {
-            ASSERT_EQ(text(value), printed("%f", value));
-            ASSERT_EQ(text(-value), printed("%f", -value));
+            expectAsPrinted(value);
+            expectAsPrinted(-value);
         }
         const double dyadic =
             std::ldexp(static_cast<double>(random() % 65536), -static_cast<int>(random() % 40));
-        ASSERT_EQ(text(dyadic), printed("%f", dyadic));
+        expectAsPrinted(dyadic);
     }
+}
+
+TEST(Text, DigitsThatNoDoubleHasStillDecideTheRounding) {
+    const std::string middle = "9007199254740993"; // between two doubles; the even one ends with 2
+    const std::string zeros(1000, '0');
+    EXPECT_EQ(parseDouble(middle), 9007199254740992.0);
+    EXPECT_EQ(parseDouble(middle + "." + zeros), 9007199254740992.0);
+    EXPECT_EQ(parseDouble(middle + "." + zeros + "1"), 9007199254740994.0);
+    EXPECT_EQ(parseDouble(middle + zeros + "1e-1001"), 9007199254740994.0);
+    EXPECT_EQ(parseDouble("0." + zeros + middle + "e1016"), 9007199254740992.0);
 }
 
 TEST(Text, ACarryGoesIntoThePlacesBeforeThePoint) {
@@ -285,7 +310,7 @@ TEST(Text, DoublesAroundEveryPowerOfTwoAreTheSameInEveryLocale) {
     const CommaLocale comma;
     KEL_NEED(comma);
     for (const double value : aroundPowersOfTwo()) {
-        ASSERT_EQ(text(value), printed("%f", value));
+        expectAsPrinted(value);
         ASSERT_EQ(parseDouble(printed("%.17g", value)), value);
     }
 }

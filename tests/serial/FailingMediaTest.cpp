@@ -301,6 +301,20 @@ HeldValue wideAndDeepValue() {
     return value;
 }
 
+/// A medium whose failures say nothing.
+class SilentMedium : public PieceStream {
+public:
+    SilentMedium() : PieceStream("") {}
+    int32_t JRead(uint8_t*, int32_t, int32_t) override {
+        throw JIOException(static_cast<const char*>(nullptr));
+    }
+};
+
+TEST(FailingSource, AFailureWithoutAMessageHasTheGeneralOne) {
+    TextInput input(new SilentMedium);
+    EXPECT_EQ(thrownMessage<KELIOException>([&] { input->JRead(); }), "General KEL exception.");
+}
+
 TEST(OutOfMemory, AnUnfinishedBinaryWriteNeedsNoMemoryToBeForgotten) {
     const auto value = wideAndDeepValue();
     EXPECT_EXIT(

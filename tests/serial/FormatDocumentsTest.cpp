@@ -16,8 +16,7 @@ using namespace kel::test;
 namespace {
 
 std::string page(const char* name) {
-    const auto root = std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
-    std::ifstream file(root / "docs" / name, std::ios::binary);
+    std::ifstream file(std::filesystem::path(KEL_PAGES) / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 

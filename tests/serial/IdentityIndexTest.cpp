@@ -31,6 +31,13 @@ TEST(IdentityIndex, FindsWhatWasLinked) {
     EXPECT_EQ(index.find(numbered(2)), IdentityIndex::none);
 }
 
+TEST(IdentityIndex, DoesNotFindWhatWasRemoved) {
+    IdentityIndex index;
+    enter(index, numbered(1));
+    index.truncate(0);
+    EXPECT_EQ(index.find(numbered(1)), IdentityIndex::none);
+}
+
 TEST(IdentityIndex, LinkReturnsTheNumberThatTheIdentityLedToBefore) {
     IdentityIndex index;
     enter(index, numbered(1));

@@ -89,4 +89,17 @@ TEST(ValueTable, ForgettingRestoresWhatWasReplaced) {
     }
 }
 
+TEST(ValueTable, ForgettingAnIdentityLeavesALaterRepetitionOfAnotherAlone) {
+    const HeldValue values[] = {intOf(0), intOf(1), intOf(2)};
+    ValueTable table;
+    table.remember(numbered(1), *values[0]);
+    table.remember(numbered(2), *values[1]);
+    table.remember(numbered(2), *values[2]);
+    EXPECT_EQ(table.find(numbered(2)).value, values[2].get());
+    table.forget(0);
+    EXPECT_EQ(table.find(numbered(1)).value, nullptr);
+    table.forget(2);
+    EXPECT_EQ(table.find(numbered(2)).value, values[1].get());
+}
+
 } // namespace

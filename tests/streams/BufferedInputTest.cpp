@@ -1,4 +1,4 @@
-#include "streams/BufferedInput.h"
+#include "streams/BufferedInputStream.h"
 
 #include "platform/Memory.h"
 #include "support/PieceStream.h"
@@ -342,6 +342,24 @@ TEST(BufferedInput, WithoutMemoryTheWindowStays) {
     kel::platform::exchangeAllocationGate(before);
     EXPECT_EQ(message, "BufferedInput out of memory.");
     EXPECT_EQ(takeAll(input), source.stream->data);
+}
+
+TEST(BufferedInputStream, ReadsTheBytesOfTheWindow) {
+    const JPointer<PieceStream> medium(new PieceStream("abcdef"));
+    kel::BufferedInputStream stream(JPointer<JInputStream>::share(medium.get()));
+    uint8_t bytes[2] = {};
+    EXPECT_EQ(stream.input().next(), 'a');
+    EXPECT_EQ(stream.JRead(), 'b');
+    EXPECT_EQ(stream.JRead(bytes, 0, 2), 2);
+    EXPECT_EQ(bytes[1], 'd');
+    EXPECT_EQ(stream.JRead(bytes, 0, 0), 0);
+    EXPECT_EQ(stream.JTell(), 4);
+    stream.JSeek(1);
+    EXPECT_EQ(stream.input().next(), 'b');
+    EXPECT_EQ(thrownMessage<JIOException>([&] { stream.JRead(nullptr, 0, 2); }),
+              "JInputStream.read : buff=NULL");
+    stream.JClose();
+    EXPECT_LT(medium->data.size(), 7U);
 }
 
 } // namespace

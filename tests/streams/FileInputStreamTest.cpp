@@ -198,6 +198,14 @@ TEST(FileInputStream, ABrokenStandardStreamIsBad) {
               "FileInputStream::JSeek(). Stream returned bad() flag.");
 }
 
+TEST(FileInputStream, ABrokenStandardStreamAtItsEndRemainsBad) {
+    std::istringstream stream("abc");
+    stream.setstate(std::ios::badbit | std::ios::eofbit);
+    FileInputStream input(stream);
+    EXPECT_EQ(thrownMessage<JIOException>([&] { input.JSeek(0); }),
+              "FileInputStream::JSeek(). Stream returned bad() flag.");
+}
+
 TEST(FileInputStream, AFailedStandardStreamIsFailed) {
     std::istringstream stream("abc");
     stream.setstate(std::ios::failbit);

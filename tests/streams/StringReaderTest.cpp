@@ -91,4 +91,12 @@ TEST(StringReader, ClosedReadsAsEnded) {
     EXPECT_EQ(input.JRead(buffer, 0, 2), 0);
 }
 
+TEST(StringReader, ABlockOfNothingReadsNothing) {
+    StringReader input("abc", 3);
+    uint8_t buffer[1];
+    EXPECT_EQ(input.JRead(buffer, 0, 0), 0);
+    EXPECT_EQ(input.JRead(buffer, 0, -1), 0);
+    EXPECT_EQ(input.JRead(), 'a');
+}
+
 } // namespace

@@ -194,4 +194,17 @@ TEST(StringWriter, ShowingATextTakesNoMemory) {
     EXPECT_FALSE(failing.hasFailed());
 }
 
+TEST(StringWriter, FailsBeforeMoreThan4GigabytesAreCounted) {
+    OpenWriter output;
+    const std::vector<uint8_t> megabyte(1 << 20);
+    for (int i = 0; i < 4095; ++i) {
+        output.JWrite(megabyte.data(), 0, 1 << 20);
+        output.JSeek(0);
+    }
+    const uint32_t size = output.getStringSize();
+    EXPECT_EQ(thrownMessage<JIOException>([&] { output.JWrite(megabyte.data(), 0, 1 << 20); }),
+              "StringWriter::JWrite(uchar*,int,int). Stream returned fail() flag.");
+    EXPECT_EQ(output.getStringSize(), size);
+}
+
 } // namespace

@@ -1,5 +1,5 @@
 /// \file
-/// SearchSteps: counts what searches of long lists do.
+/// SearchSteps: counts what searches of long lists and removals from them do.
 #pragma once
 
 #include "runtime/PointerBlock.h"
@@ -8,8 +8,8 @@
 
 namespace kel::test {
 
-/// Counts the elements that searches of long lists look at while it is alive. Only one can be alive
-/// at a time.
+/// Counts the elements that searches of long lists look at, and those that removals move, while it
+/// is alive. Only one can be alive at a time.
 class SearchSteps {
 public:
     SearchSteps() { PointerBlock::exchangeStepCounter(&count_); }
@@ -17,11 +17,14 @@ public:
     SearchSteps& operator=(const SearchSteps&) = delete;
     ~SearchSteps() { PointerBlock::exchangeStepCounter(nullptr); }
 
-    /// Returns the number since the last call.
-    uint64_t take() { return std::exchange(count_, 0); }
+    /// Returns the number of elements that searches looked at since the last call.
+    uint64_t take() { return std::exchange(count_.searched, 0); }
+
+    /// Returns the number of elements that removals moved since the last call.
+    uint64_t takeMoves() { return std::exchange(count_.moved, 0); }
 
 private:
-    uint64_t count_ = 0;
+    PointerBlock::Steps count_;
 };
 
 } // namespace kel::test

@@ -14,6 +14,7 @@ import shutil
 import struct
 import subprocess
 import tempfile
+import threading
 import unittest
 
 TOOL = os.environ["KEL_TOOL"]
@@ -25,6 +26,9 @@ if WINDOWS:
     import pefile
 else:
     import resource
+
+if os.name == "posix":
+    import pty
 
 
 def posix_only(reason):
@@ -47,6 +51,13 @@ def limit_stack():
     resource.setrlimit(resource.RLIMIT_STACK, (SMALL_STACK, SMALL_STACK))
 
 
+def limited_to_files_of(size):
+    """Returns the options of a run that can write only files of at most this many bytes. A build that
+    counts what tests reach would cut off its counts, so it keeps them to itself."""
+    return {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size)),
+            "env": {**os.environ, "LLVM_PROFILE_FILE": os.devnull}}
+
+
 @functools.lru_cache
 def tool_with_small_stack():
     """Returns a copy of a Windows tool that requests a small stack from the system. The size is in
@@ -66,6 +77,34 @@ def tool_with_small_stack():
 def command(*arguments, tool=TOOL):
     """Returns the command that runs the tool."""
     return [*LAUNCHER, tool, *arguments]
+
+
+class Terminal:
+    """A terminal on which programs print. The output that comes just before a terminal's last writer
+    closes it can be lost, so this object is a writer too, until everything has been read."""
+
+    END = b"\0end of the output\0"
+
+    def __init__(self):
+        self.reader, self.writer = pty.openpty()
+
+    def shown_by(self, process):
+        """Returns everything that was printed until the process ended, and closes the terminal."""
+        def mark_the_end():
+            process.wait()
+            os.write(self.writer, self.END)
+        marking = threading.Thread(target=mark_the_end)
+        marking.start()
+        shown = b""
+        while not shown.endswith(self.END):
+            shown += os.read(self.reader, 4096)
+        marking.join()
+        self.close()
+        return shown.removesuffix(self.END).replace(b"\r\n", b"\n")
+
+    def close(self):
+        os.close(self.writer)
+        os.close(self.reader)
 
 
 class ToolTest(unittest.TestCase):

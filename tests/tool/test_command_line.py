@@ -4,10 +4,7 @@ import re
 import subprocess
 import unittest
 
-from support import ToolTest, WINDOWS, posix_only
-
-if not WINDOWS:
-    import resource
+from support import Terminal, ToolTest, int_record, limited_to_files_of, posix_only
 
 HINT = 'run "kel --help" for help\n'
 
@@ -38,6 +35,17 @@ class CommandLine(ToolTest):
             self.assertIn("Usage: kel " + command, text)
             self.assertRegex(text, "Examples:\n  .*kel " + command)
 
+    def test_the_version_is_printed_whatever_follows(self):
+        self.assertEqual(self.ok("--version", "show").out, self.ok("--version").out)
+
+    def test_one_input_without_a_name_is_stdin(self):
+        self.assertIn(b"int 5", self.ok("dump", input=int_record(5)).out)
+
+    def test_colours_are_chosen_by_the_terminal_if_nothing_else_is_said(self):
+        self.write("colour.json", "[1]")
+        self.assertEqual(self.ok("show", "--color", "auto", "colour.json").out,
+                         self.ok("show", "colour.json").out)
+
     def test_no_command_is_a_usage_error(self):
         self.fails(2, "kel: A subcommand is required\n" + HINT)
 
@@ -60,6 +68,33 @@ class CommandLine(ToolTest):
             self.fails(2, f"kel: The following argument was not expected: {typed} (did you mean "
                           f"{meant}?)\n" + hint(command), command, typed, "a.kel")
 
+    def test_an_empty_name_of_a_file_is_a_usage_error(self):
+        self.write("a.kel", "{ a = 1 }")
+        for name, *command in (("IN", "show", ""), ("IN", "show", "a.kel", ""), ("IN", "html", ""),
+                               ("IN", "dump", ""), ("FILE", "get", "", "a"),
+                               ("FILE", "set", "", "a", "1"), ("OUT", "convert", "a.kel", ""),
+                               ("NEW", "diff", "a.kel", ""), ("--output", "html", "a.kel", "-o", ""),
+                               ("--schema", "check", "a.kel", "--schema", "")):
+            self.fails(2, f"kel: {name}: the name of a file cannot be empty\n" + hint(command[0]),
+                       *command)
+        self.assertEqual(self.files(), ["a.kel"])
+
+    def test_options_of_every_command_can_precede_the_command(self):
+        self.write("a.json", "[null, 1]")
+        for before in (["-q"], ["--quiet", "--color", "always"], ["--color=never", "-q"]):
+            result = self.ok(*before, "show", "a.json")
+            self.assertIn(b"1", result.out)
+        self.fails(2, 'kel: unknown command "shwo" (did you mean "show"?)\n' + HINT,
+                   "-q", "shwo", "a.json")
+        self.fails(2, 'kel: --color: "red" is not auto or always or never\n' + hint("show"),
+                   "--color", "red", "show", "a.json")
+        self.assertEqual(self.ok("-q", "--help").out, self.ok("--help").out)
+
+    def test_another_option_before_the_command_has_an_answer(self):
+        for option, command in (("--force", "convert"), ("--json", "check"), ("-i", "fmt")):
+            self.fails(2, f'kel: "{option}" stands before the command; did you mean "kel {command} '
+                       f'{option}"?\n' + HINT, option, command, "a.kel")
+
     def test_a_missing_file_name_is_a_usage_error(self):
         self.assertEqual(self.kel("convert", "a.json").status, 2)
 
@@ -72,11 +107,10 @@ class CommandLine(ToolTest):
     @posix_only("needs a terminal")
     def test_a_terminal_is_not_read_without_a_file_name(self):
         for command in ("show", "check"):
-            main, terminal = os.openpty()
-            self.addCleanup(os.close, main)
-            self.addCleanup(os.close, terminal)
+            terminal = Terminal()
+            self.addCleanup(terminal.close)
             self.fails(2, "kel: IN is required: the name of a file, or - for stdin\n", command,
-                       stdin=terminal)
+                       stdin=terminal.writer)
 
     def test_force_belongs_to_convert_alone(self):
         self.assertEqual(self.kel("show", "--force", "a.kel").status, 2)
@@ -103,12 +137,11 @@ class CommandLine(ToolTest):
 
     @posix_only("the size of files cannot be limited")
     def test_a_file_beyond_the_limit_of_its_size_is_a_failure_to_write(self):
-        limit = (1 << 16, 1 << 16)
         self.write("a.json", json.dumps(["x" * 100] * 2000))
         self.write("b.kel", "1")
         for name in ("b.kel", "b.kelb", "b.json"):
             self.fails(4, f"kel: {name}: cannot be written: File too large\n", "convert", "a.json",
-                       name, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, limit))
+                       name, **limited_to_files_of(1 << 16))
             self.assertEqual(self.files(), ["a.json", "b.kel"])
         self.assertEqual(self.read("b.kel"), b"1")
 

@@ -86,6 +86,16 @@ def record_of(value, numbers):
                           for name in sorted(value)], number)
 
 
+def longest_common(a, b):
+    """Returns the length of the longest sequence that is left of both by removing elements."""
+    row = [0] * (len(b) + 1)
+    for x in a:
+        above, row = row, [0]
+        for j, y in enumerate(b):
+            row.append(above[j] + 1 if x == y else max(above[j + 1], row[j]))
+    return row[-1]
+
+
 class RandomDocument:
     """Makes random values and changes them."""
 
@@ -270,6 +280,23 @@ class Lines(Diff):
             self.assertEqual(self.ok("diff", "-", other, input=self.read("a.json")).out, b"")
 
 
+    def test_a_long_string_is_shown_from_a_whole_character_on(self):
+        same = "x" * 41 + "\u20ac" * 10
+        self.assertEqual(self.lines(json.dumps({"a": same + "1"}), json.dumps({"a": same + "2"})),
+                         ['~ a: ..."' + "\u20ac" * 6 + '1" -> ..."' + "\u20ac" * 6 + '2"'])
+
+    def test_null_is_a_value_of_a_variable(self):
+        self.assertEqual(self.lines('{"a": null}', '{"a": 1}'), ["~ a: null -> 1"])
+        self.assertEqual(self.lines('{"a": "x"}', '{"a": null}'), ['~ a: "x" -> null'])
+        self.assertEqual(self.lines('{"a": null}', '{"a": null, "b": null}'), ["+ b: null"])
+        self.assertEqual(self.lines('{"a": null, "b": null}', '{"a": null}'), ["- b: null"])
+
+
+    def test_null_is_a_root_value(self):
+        self.assertEqual(self.lines('null 1 {"id": 1} null', '1 null {"id": 2}'),
+                         ["- 1:.: null", "- 3:.: { 1 variable }", "+ 3:.: { 1 variable }"])
+
+
 class OtherKinds(Diff):
     FIRST, SECOND, THIRD = (f"0000000{n}-0000-0000-0000-000000000000" for n in (1, 2, 3))
 
@@ -295,6 +322,32 @@ class OtherKinds(Diff):
         self.assertEqual(self.changes("a.kel", "b.kel"),
                          [{"change": "reordered", "path": ".", "order": [1, 0]}])
         self.assertEqual(self.text_lines(before, before + "\n"), [])
+
+    def test_values_of_different_kinds_are_named_in_short(self):
+        described = "{ @type = 51\n x = { @type = 52\n type = 1 } }"
+        for before, words in ((f"( {self.FIRST} = 1 )", "a manager of 1 value"),
+                              ("< [ 1 2 ] [ 3 4 ] >", "an index list of 2 pairs"),
+                              (described, "a struct descriptor of 1 variable"),
+                              ("{ @type = 52\n type = 1 }", "a variable descriptor of 1 variable"),
+                              ("{ @type = 50\n @desc = " + described + "\n}",
+                               "a checked struct of 1 variable"),
+                              ("[ ]", "[ ]"), ("{ }", "{ }"), (self.FIRST, self.FIRST)):
+            with self.subTest(words):
+                self.assertEqual(self.text_lines("{ v = " + before + " }", "{ v = 1 }"),
+                                 [f"~ v: {words} -> 1"])
+
+    def test_guids_are_equal_if_all_their_words_are(self):
+        self.assertEqual(self.text_lines(f"[ {self.FIRST} ]", f"[ {self.FIRST} ]"), [])
+        self.assertEqual(self.text_lines(f"[ {self.FIRST} ]", f"[ {self.SECOND} ]"),
+                         [f"~ [0]: {self.FIRST} -> {self.SECOND}"])
+
+    def test_one_of_several_pairs_with_equal_keys_can_be_removed(self):
+        self.assertEqual(self.text_lines("< [ 1 1 ] [ 2 3 ] >", "< [ 1 ] [ 2 ] >"),
+                         ["- [1].item: 3 (key 1)"])
+
+    def test_a_changed_item_of_a_pair_has_the_path_of_the_item(self):
+        self.assertEqual(self.text_lines("< [ 1 2 ] [ 3 4 ] >", "< [ 1 2 ] [ 3 5 ] >"),
+                         ["~ [1].item: 4 -> 5"])
 
     def test_pairs_are_matched_by_key(self):
         before = '{ l = < ["a" 2 [3]] ["x" "y" "z"] > }'
@@ -329,7 +382,7 @@ class OtherKinds(Diff):
         self.write("b.kel", '{ l = < ["a"] [1] > }')
         result = self.kel("diff", "--json", "a.kel", "b.kel")
         self.assertEqual(result.err, "kel: warning: a.kel and b.kel: 1 place of the changes cannot "
-                                     "be written as JSON:\n  changes[0].new: an index list\n")
+                                     "be written as json:\n  changes[0].new: an index list\n")
         self.assertEqual(json.loads(result.out)["changes"],
                          [{"change": "added", "path": "l", "new": [["a", 1]]}])
 
@@ -395,6 +448,16 @@ class SharedValues(Diff):
         self.assertIn("changes[0].new.b: a value that contains itself", result.err)
         self.assertEqual(json.loads(result.out)["changes"],
                          [{"change": "added", "path": "a", "new": {"b": None}}])
+
+    def test_sharing_that_ends_or_begins_is_a_change_of_json(self):
+        shared = record(ARRAY, int_record(1, 3), 2)
+        self.write("a.kelb", struct_record([(b"a", shared), (b"b", reference(2))]))
+        self.write("b.kelb", struct_record([(b"a", shared),
+                                            (b"b", record(ARRAY, int_record(1, 5), 4))]))
+        self.assertEqual(self.changes("a.kelb", "b.kelb", "--sharing"),
+                         [{"change": "sharing", "path": "b", "old": "a", "new": None}])
+        self.assertEqual(self.changes("b.kelb", "a.kelb", "--sharing"),
+                         [{"change": "sharing", "path": "b", "old": None, "new": "a"}])
 
     def test_values_that_unfold_enormously_are_compared_quickly(self):
         def doubling(last):
@@ -473,6 +536,46 @@ class Patches(Diff):
                 changes = self.changes("a.json", "b.json")
                 self.assertEqual(self.exact(patched(before, changes)), self.exact(after))
                 self.assertEqual(len(self.compare("a.json", "b.json")), len(changes))
+
+    def test_as_few_elements_as_possible_are_removed_and_added(self):
+        choose = random.Random(5)
+        before, after = ({f"p{number}": [choose.randrange(4) for _ in range(choose.randrange(10))]
+                          for number in range(300)} for _ in range(2))
+        self.write("a.json", json.dumps(before))
+        self.write("b.json", json.dumps(after))
+        counts = dict.fromkeys(before, 0)
+        for change in self.changes("a.json", "b.json"):
+            counts[change["path"].partition("[")[0]] += 2 if change["change"] == "changed" else 1
+        for name, array in before.items():
+            with self.subTest(before=array, after=after[name]):
+                self.assertEqual(counts[name], len(array) + len(after[name]) -
+                                 2 * longest_common(array, after[name]))
+
+    def test_a_moved_element_has_both_its_places(self):
+        self.write("a.json", '["first element", "second element", 3, "the last element"]')
+        self.write("b.json", '["the last element", "first element", "second element", 3]')
+        self.assertEqual(self.changes("a.json", "b.json"),
+                         [{"change": "moved", "path": "[3]", "newPath": "[0]"}])
+
+    def test_the_changes_of_arrays_of_all_kinds_of_values_too(self):
+        choose = random.Random(11)
+
+        def element():
+            number = choose.randrange(6)
+            return choose.choice([number, [number, [number]], f"the text {number}", True,
+                                  {"id": number, "list": [choose.randrange(3)], "none": None},
+                                  {"list": [number], "id": choose.randrange(6)}])
+
+        for number in range(20 if WINDOWS else 100):
+            before = [element() for _ in range(choose.randrange(12))]
+            after = [value for value in before if choose.randrange(3)]
+            for _ in range(choose.randrange(5)):
+                after.insert(choose.randrange(len(after) + 1), element())
+            with self.subTest(before=before, after=after):
+                self.write("a.json", json.dumps(before))
+                self.write("b.json", json.dumps(after))
+                changes = self.changes("a.json", "b.json")
+                self.assertEqual(self.exact(patched([before], changes)), self.exact([after]))
 
     def test_the_changes_of_shared_values_too(self):
         for seed in range(20 if WINDOWS else 150):

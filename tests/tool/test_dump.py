@@ -114,6 +114,21 @@ class Dump(ToolTest):
                           "at it, or pipe the output of kel convert --to binary to kel dump\n",
                        "dump", name)
 
+    def test_a_kind_that_no_file_holds_is_named_by_its_code(self):
+        for kind, code in ((99, 99), (-1, 4294967295)):
+            self.write("a.kelb", record(kind, b""))
+            self.assertIn(f"no binary file holds the kind {code}",
+                          self.kel("dump", "a.kelb").err)
+
+    def test_truth_values_have_their_words(self):
+        self.write("a.kelb", record(2, b"\0", 1) + record(2, b"\1", 2))
+        self.assertEqual([line.split()[2:4] for line in self.ok("dump", "a.kelb").out.splitlines()],
+                         [[b"boolean", b"false"], [b"boolean", b"true"]])
+
+    def test_another_format_under_the_name_of_binary_is_damage(self):
+        self.write("a.kelb", "{ a = 1 }")
+        self.fails(3, "kel: a.kelb: offset 0: a record does not begin here\n", "dump", "a.kelb")
+
     def test_a_million_levels_have_lines_of_bounded_length(self):
         levels = 1000000
         self.write("a.json", b"[" * levels + b"]" * levels)

@@ -65,7 +65,8 @@ class Set(Edit):
         self.assertEqual(self.edited("5 " + manager, "set", "2:#" + second, "2"),
                          f"5 ( {FIRST} = 1 {second} = 2 )")
         self.refused(f"a.kel: #{second}: not found", "5 " + manager, "set", "#" + second, "2")
-        self.refused("a.kel: #77: not found", manager, "set", "#77", "2")
+        self.refused("a.kel: #77777777-7777: not found", manager, "set",
+                     "#77777777-7777", "2")
         self.refused(f"a.kel: #{second}: not found", manager, "rm", "#" + second)
         self.refused(f"a.kel: #{second}: not found", manager, "set", f"#{second}.x", "2")
 
@@ -126,6 +127,15 @@ class Set(Edit):
         self.assertEqual(self.json("a.json"), {"a": 0.3})
         self.assertEqual(self.edited("{ a = 1 }", "set", "a", "0.3"), "{ a = 0.300000 }")
 
+    def test_a_number_with_a_point_that_json_spells_otherwise_is_one_too(self):
+        for number, value in (("1.", 1.0), (".5", 0.5), ("00.5", 0.5), ("-0.5", -0.5),
+                              ("10.5", 10.5)):
+            self.write("a.json", "{}")
+            self.ok("set", "-i", "a.json", "a", number)
+            self.assertEqual(self.json("a.json"), {"a": value})
+        for text in ("1.2.3", "1.5x"):
+            self.assertEqual(self.kel("set", "a.json", "a", text).status, 2)
+
     def test_halves_of_pairs_and_pairs_are_set(self):
         self.assertEqual(self.edited(LIST, "set", "[0].item", "7"),
                          '< /* keys: */ [ "k" "l" ] /* values: */ [ 7 2 ] >')
@@ -145,6 +155,15 @@ class Set(Edit):
                          f'( {FIRST} = "x" {SECOND} = [ 2 ] )')
         self.assertEqual(self.edited(MANAGER, "set", "#4F2504E0[0]", "5"),
                          f"( {FIRST} = 1 {SECOND} = [ 5 ] )")
+
+    def test_a_pair_is_set_by_an_array_of_two(self):
+        for pair in ("5", "[ 5 ]", "[ 5 6 7 ]"):
+            self.refused("a.kel: [1]: a pair is set by an array of its key and its item",
+                         "< [ 1 ] [ 2 ] >", "set", "[1]", pair)
+
+    def test_a_memory_block_is_not_put_in_a_manager(self):
+        self.refused(f"a.kel: #{FIRST}: a memory block cannot be put in a manager", MANAGER, "set",
+                     "--json", f"#{FIRST}", '{"$memblock": "AAAA"}')
 
     def test_an_element_is_added_to_a_manager_by_its_whole_identity(self):
         self.assertEqual(self.edited("{ m = ( ) }", "set", "m#" + FIRST, "{ n = NULL }"),
@@ -196,6 +215,26 @@ class CheckedStructs(Edit):
         self.assertIn(" max = 20 ", changed)
         self.ok("set", "-i", "a.kel", "level", "20")
         self.assertNotIn("@desc", self.edited(CHECKED, "rm", "@desc"))
+
+
+    def test_a_descriptor_holds_descriptors_alone(self):
+        self.refused("a.kel: @desc: 1 is not a struct descriptor", CHECKED, "set", "@desc", "1")
+        for name in ("level", "new"):
+            self.refused(f"a.kel: @desc.{name}: 1 is not a variable descriptor", CHECKED, "set",
+                         f"@desc.{name}", "1")
+
+    def test_a_descriptor_is_replaced_by_another_one(self):
+        self.assertIn("mode = { @type = 52 type = 7 }", self.edited(
+            CHECKED, "set", "@desc.mode", "{ @type = 52\ntype = 7 }"))
+        self.assertNotIn("mode = {", self.edited(CHECKED, "set", "@desc", "{ @type = 51\n}"))
+        self.refused("a.kel: @desc: null is not a struct descriptor", CHECKED, "set", "@desc",
+                     "NULL")
+        self.refused("a.kel: @desc.mode: null is not a variable descriptor", CHECKED, "set",
+                     "@desc.mode", "NULL")
+
+    def test_without_its_descriptor_a_struct_takes_every_value(self):
+        content = "{ @type = 50\n a = 1 }"
+        self.assertEqual(self.edited(content, "set", "a", '"x"'), '{ @type = 50 a = "x" }')
 
 
 class Remove(Edit):
@@ -303,7 +342,17 @@ class Losses(Edit):
                 (1, "an identity", f"{{ b = {FIRST} = [ ] c = REF {FIRST} a = 1 }}"),
                 (1, "a reference", f"{{ b = ( {FIRST} = 1 ) c = REF {FIRST} a = 1 }}")):
             self.refused(self.lost(line, what), text, "set", "a", "2")
-            self.ok("set", "a.kel", "a", "2")
+            self.ok("set", "--quiet", "a.kel", "a", "2")
+
+    def test_comments_and_definitions_that_the_output_lacks_are_counted(self):
+        self.write("a.kel", "#define N 1\n{ a = N // x\n/* y */ }")
+        for command in ("set", "a", "2"), ("rm", "a"), ("mv", "a", "b"):
+            result = self.kel(command[0], "a.kel", *command[1:])
+            self.assertEqual((result.status, result.err),
+                             (0, "kel: warning: a.kel: 2 comments and 1 definition are lost, "
+                                 "because only values are written; the first is on line 1\n"))
+        self.write("a.kel", f"{{ a = {FIRST} = [ ] b = REF {FIRST}\n}}")
+        self.ok("rm", "a.kel", "a")
 
     def test_force_writes_the_values_alone(self):
         self.write("a.kel", "{ a = 1 // x\n}")
@@ -335,7 +384,7 @@ class Losses(Edit):
     def test_repeated_names_of_binary_are_not_lost_in_silence(self):
         twice = struct_record([(b"a", int_record(1, 2)), (b"a", int_record(2, 3))])
         self.refused("a.kelb: 1 place cannot be written as binary:\n"
-                     "  a: a repeated name; only its last value is kept\n" + NOT_WRITTEN[:-1],
+                     "  offset 76: a: a repeated name; only its last value is kept\n" + NOT_WRITTEN[:-1],
                      twice, "set", "a", "5", name="a.kelb")
 
     def test_a_new_value_that_the_format_cannot_hold_is_refused(self):
@@ -346,6 +395,22 @@ class Losses(Edit):
         self.refused("a.json: 1 place cannot be written as json:\n"
                      "  a: a manager\nnothing was written; text keeps every kind; use --force to "
                      "write the rest", '{"a": 1}', "set", "a", "( )", name="a.json")
+
+
+    def test_force_leaves_out_what_text_cannot_hold(self):
+        block = '{"$memblock": "AAAA"}'
+        for content, path, written in (
+                ("[ 1 2 ]", "[0]", "[ 2 ]"),
+                (LIST, "[0].key", '< /* keys: */ [ "l" ] /* values: */ [ 2 ] >'),
+                (LIST, "[1].item", '< /* keys: */ [ "k" ] /* values: */ [ 1 ] >'),
+                ("{ @type = 50\n}", "a", "{ @type = 50 a = NULL }")):
+            with self.subTest(content=content):
+                self.write("a.kel", content)
+                result = self.kel("set", "--force", "-i", "--json", "a.kel", path, block)
+                self.assertEqual((result.status, result.err),
+                                 (0, "kel: warning: a.kel: 1 place cannot be written as text:\n"
+                                     f"  {path}: a memory block\n"))
+                self.assertEqual(" ".join(self.read("a.kel").decode().split()), written)
 
 
 class Sharing(Edit):

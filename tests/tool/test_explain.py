@@ -56,6 +56,122 @@ class Broken(ToolTest):
         self.assertIn("kel: a.json:3:3: ", self.kel("check", "a.json").err)
 
 
+class Words(ToolTest):
+    """What people write out of habit, with the hint that each of these gets."""
+
+    def hints(self, name, contents, hint):
+        for content in contents:
+            with self.subTest(content):
+                self.write(name, content)
+                result = self.kel("check", name)
+                self.assertEqual(result.status, 1)
+                self.assertEqual(result.err.partition("      = hint: ")[2], hint and hint + "\n")
+
+    def test_json_has_one_word_for_nothing_and_none_for_infinity(self):
+        self.hints("a.json", ["[nan]", "[inf]", "[Infinity]", "[-Infinity]", "[-inf]", "[-nan]"],
+                   "JSON has only finite numbers; null often stands for others")
+        self.hints("a.json", ["[undefined]", "[nil]", "[1, NULL]"], "did you mean null?")
+
+    def test_numbers_of_json_are_plain(self):
+        self.hints("a.json", ["[0x1F]", "[0X1F]", "[-0x1F]"], "JSON has only decimal numbers")
+        self.hints("a.json", ["[1_000]"], "numbers have no separators: remove the underscores")
+        self.hints("a.json", ["[1e]", "[1E+]", "[1e-]"], "write digits after the exponent's sign")
+
+    def test_an_exponent_of_json_is_followed(self):
+        self.hints("a.json", ["[1E5,]", "[1e+5,]", "[1e-5,]", '["\\ud83d\\ude00\\uffff",]'],
+                   "remove the comma after the last element")
+
+    def test_half_of_a_surrogate_pair_is_refused(self):
+        self.hints("a.json", ['["\\ud800\\ue000"]', '["\\udfff"]'],
+                   "characters beyond \\uffff take two escapes: \\ud83d\\ude00")
+
+    def test_a_byte_order_mark_before_json_is_passed(self):
+        self.write("a.json", "\ufeff[1,]")
+        self.assertIn("kel: a.json:1:4: ", self.kel("check", "a.json").err)
+
+    def test_text_has_its_own_signs(self):
+        self.hints("a.kel", ["{ a = `x` }"], "quoted words stand in double quotes")
+        self.hints("a.kel", ["[ +1 ]"], "numbers have no plus sign: remove it")
+        self.hints("a.kel", ["[ + ]", "{ +a = 1 }", "[ : ]"], "")
+        self.hints("a.kel", ["[ $A ]", "[ &A ]", "[ *A ]"],
+                   "the value of a definition is written by its name alone")
+        self.hints("a.kel", ["! x\n[ 1 ]", "% x\n[ 1 ]"], 'a comment begins with "//"')
+        self.hints("a.kel", ["[ \u201cx\u201d ]", "[ \u201dx\u201d ]", "[ \u201ex\u201c ]",
+                             "[ \u00abx\u00bb ]"],
+                   'quoted words stand in straight double quotes: "')
+        self.hints("a.kel", ["[\u00a01 ]"], "this is a non-breaking space: replace it with a space")
+
+    def test_numbers_of_text_are_plain(self):
+        self.hints("a.kel", ["[ 0X1F ]"], "hexadecimal numbers are written as 0x1F, with a small x")
+        self.hints("a.kel", ["[ 1e5 ]", "[ -1.5E-3 ]"], "text has no exponents: write all digits")
+        self.hints("a.kel", ["[ inf ]", "[ nan ]", "[ -inf ]", "[ -nan ]"],
+                   "text and JSON hold only finite numbers; binary holds all")
+        self.hints("a.kel", ["[ -x ]", "[ .x ]"], "")
+
+    def test_the_kind_of_a_struct_is_a_number(self):
+        self.hints("a.kel", ['{ @type = "5" }', "{ @type = x }"],
+                   "8 is a struct, 50 a checked struct, 51 its descriptor, 52 that of a variable")
+
+    def test_an_index_list_holds_two_arrays(self):
+        self.write("a.kel", "< [ 1 ] [ 2 ] [ 3 ] >")
+        self.assertIn("kel: a.kel:1:15: an index list holds two arrays, and this is the third\n",
+                      self.kel("check", "a.kel").err)
+        self.hints("a.kel", ["#define A 5\n< A >"], "it holds two arrays of equal length")
+
+    def test_a_reference_after_an_identity_has_the_same_one(self):
+        self.write("a.kel", "3F2504E0-4F89-11D3-9A0C-0305E82C3301 = "
+                            "ref 3F2504E0-4F89-11D3-9A0C-0305E82C3302")
+        self.assertIn('kel: a.kel:1:44: the value has another identity than the one before "REF", '
+                      "or was not read before\n", self.kel("check", "a.kel").err)
+
+    def test_the_place_where_json_ends_is_named(self):
+        for content in ('{"a"', '{"a":', '{"a": 1', '{"a": 1,', '{'):
+            with self.subTest(content):
+                self.write("a.json", content)
+                self.assertIn('kel: a.json:1:1: "{" is not closed before the end of the input',
+                              self.kel("check", "a.json").err)
+
+    def test_a_bracket_that_closes_another_one_is_named(self):
+        self.write("a.json", "[}")
+        self.assertIn('kel: a.json:1:2: expected a value or "]", found "}"\n',
+                      self.kel("check", "a.json").err)
+        self.write("a.kel", "< = >")
+        self.assertIn('kel: a.kel:1:3: expected an array or ">", found "="\n',
+                      self.kel("check", "a.kel").err)
+
+    def test_a_definition_is_one_whole_value(self):
+        self.hints("a.kel", ['#define A 1\n#define "B" [ A\n[ B ]'],
+                   "at 2:13: the definition ends inside its value")
+
+    def test_other_bytes_than_those_of_utf8_are_named(self):
+        self.hints("a.kel", [b"[ \xff ]"],
+                   "this byte is not valid UTF-8, and text outside quotes is ASCII")
+
+    def test_a_reference_needs_an_identity(self):
+        self.write("a.kel", "[ REF ]")
+        self.assertIn('kel: a.kel:1:7: expected the identity of a value after "REF", found "]"\n',
+                      self.kel("check", "a.kel").err)
+
+    def test_the_place_where_the_input_ends_is_named(self):
+        for content, message in (
+                ("{ @type =", '1:1: "{" is not closed before the end of the input at 1:10'),
+                ('{ @type = "5', "1:11: this quote is not closed before the end of the input"),
+                ('#define "A', "1:9: this quote is not closed before the end of the input"),
+                ("3F2504E0-4F89-11D3-9A0C-0305E82C3301 =",
+                 "1:39: expected a value after the identity, found the end of the input"),
+                ("{ a", '1:1: "{" is not closed before the end of the input at 1:4'),
+                ('{ "a', "1:3: this quote is not closed before the end of the input"),
+                ("{ @type", '1:1: "{" is not closed before the end of the input at 1:8'),
+                ("( 3F2504E0-4F89-11D3-9A0C-0305E82C3301",
+                 '1:1: "(" is not closed before the end of the input at 1:39'),
+                ("[ ref", '1:1: "[" is not closed before the end of the input at 1:6'),
+                ("#", '1:2: expected "define" after "#" in the same line'),
+                ("#define", '1:8: expected a name after "#define" in the same line')):
+            with self.subTest(content):
+                self.write("a.kel", content)
+                self.assertIn(f"kel: a.kel:{message}\n", self.kel("check", "a.kel").err)
+
+
 class OtherFiles(ToolTest):
     def foreign(self, name, content, message, *options):
         self.write(name, content)

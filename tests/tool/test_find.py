@@ -3,7 +3,8 @@
 import json
 
 from test_output_size import bomb
-from support import ARRAY, ToolTest, int_record, record, reference, string_record, struct_record
+from support import (ARRAY, MEMBLOCK, ToolTest, int_record, record, reference, string_record,
+                     struct_record)
 
 SETTINGS = """{
     colour = "Red"
@@ -117,8 +118,38 @@ class Find(ToolTest):
 
     def test_a_pattern_or_a_kind_is_required(self):
         self.fails(2, "kel: PATTERN is required, or --kind\n", "find", "a.kel")
+        for option in ("--names", "--values", "-i"):
+            self.fails(2, "kel: PATTERN is required with --names, --values, --glob and "
+                          "--ignore-case\n", "find", "a.kel", "--kind", "int", option)
+            self.fails(2, "kel: PATTERN is required, or --kind\n", "find", "a.kel", "", option)
+
         self.fails(2, "kel: PATTERN is required with --names, --values, --glob and "
-                      "--ignore-case\n", "find", "a.kel", "--kind", "int", "-i")
+                      "--ignore-case\n", "find", "a.kel", "--kind", "int", "--glob")
+
+    def test_an_empty_glob_matches_an_empty_text(self):
+        self.write("b.kel", '{ a = "" b = "x" }')
+        self.assertEqual(self.found("b.kel", "--glob", ""), ['a: ""'])
+
+    def test_a_memory_block_has_no_text(self):
+        self.write("b.kelb", struct_record([(b"a", record(MEMBLOCK, b"abc", 2))]))
+        self.assertEqual(self.kel("find", "b.kelb", "abc").status, 1)
+        self.assertEqual(self.found("b.kelb", "--kind", "memblock"), ["a: a memory block"])
+
+    def test_all_places_are_counted_as_they_are_listed(self):
+        shared = record(ARRAY, int_record(1, 3) + int_record(1, 4), 2)
+        self.write("b.kelb", record(ARRAY, shared + reference(2) + reference(1)))
+        self.assertEqual(len(self.found("b.kelb", "1", "--all")), 4)
+        self.assertEqual(self.found("b.kelb", "1", "--all", "-c"), ["4"])
+
+    def test_a_backslash_at_the_end_of_a_glob_is_itself(self):
+        self.write("b.json", '["x\\\\", "x"]')
+        self.assertEqual(self.found("b.json", "--glob", "x\\"), ['[0]: "x\\"'])
+
+    def test_a_value_that_stands_inside_itself_is_found_at_all_places(self):
+        self.write("b.kelb", record(ARRAY, reference(1) + int_record(1, 2) + reference(2)))
+        self.assertEqual(self.found("b.kelb", "1", "--all"), ["[1]: 1", "[2]: 1"])
+        self.assertEqual(self.found("b.kelb", "--kind", "array", "--all"),
+                         [".: an array", "[0]: an array"])
 
     def test_several_root_values_are_numbered(self):
         for content in ('{"a": 1} {"a": [2]}', '[{"a": 1}]\n[{"b": 1}, {"a": [2]}]'):

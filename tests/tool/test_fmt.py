@@ -70,6 +70,25 @@ class Fmt(ToolTest):
             self.ok("fmt", "-i", "--force", "b.kel")
             self.ok("fmt", "--check", "b.kel")
 
+    def test_the_first_thing_that_would_be_lost_is_named(self):
+        identity = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
+        for content, words in ((f"[ {identity} // x\n]", "a comment"),
+                               (f"[ {identity} /* x */ ]", "a comment"),
+                               (f"[ {identity} = [ ]\nref {identity} ]", "an identity"),
+                               ("{ @hashCode = %s\n}" % identity, "an identity")):
+            with self.subTest(content):
+                self.write("b.kel", content)
+                self.fails(1, f"kel: b.kel:1: {words} would be lost; nothing was written; use "
+                              "--force to format the rest\n", "fmt", "b.kel")
+
+    def test_the_identity_of_a_descriptor_and_names_like_words_are_kept(self):
+        descriptor = "{ @type = 51, @hashCode = 3F2504E0-4F89-11D3-9A0C-0305E82C3301\n}"
+        for content in ("{ REF = 1 ref = 2 }", "{ REF=1 }", descriptor):
+            with self.subTest(content):
+                self.write("b.kel", content)
+                self.assertEqual(self.ok("fmt", "b.kel").out.split(), content.replace(
+                    "REF=1", "REF = 1").encode().split())
+
     def test_numbers_that_text_would_change_are_refused(self):
         self.write("b.kel", "[ 0.1234567\n4294967297\n{ a = 1 a = 2 } ]")
         self.fails(1, "kel: b.kel:1:3: [0]: 0.1234567 has more than the six decimals that are "
@@ -81,7 +100,7 @@ class Fmt(ToolTest):
 
     def test_json_that_values_do_not_hold_is_refused(self):
         self.write("b.json", '[null, {"a": 1, "a": [2]}, 12345678901234567890]')
-        places = ("b.json: 3 places cannot be converted from json to json:\n"
+        places = ("b.json: 3 places cannot be written as json:\n"
                   "  [0]: null in an array\n"
                   "  [1].a: a repeated name; only its last value is kept\n"
                   "  [2]: an integer that no double holds exactly\n")
@@ -92,6 +111,20 @@ class Fmt(ToolTest):
         result = self.kel("fmt", "--force", "b.json")
         self.assertEqual((result.status, result.err), (0, "kel: warning: " + places))
         self.assertEqual(json.loads(result.out), [{"a": [2]}, 12345678901234567890.0])
+
+    def test_only_the_first_ten_numbers_that_would_change_are_listed(self):
+        self.write("b.kel", "[" + " 4294967297" * 12 + " ]")
+        message = self.kel("fmt", "b.kel").err
+        self.assertEqual(message.count(" does not fit in 32 bits"), 10)
+        self.assertIn("\n  and 2 more\n", message)
+
+    def test_json_that_loses_something_is_listed_by_a_check(self):
+        for content, place in (("[\n    1,\n    null\n]\n", "[1]"), ("1\n[null]\n", "2:[0]")):
+            self.write("b.json", content)
+            self.assertEqual(self.kel("fmt", "--check", "b.json").out, b"b.json\n")
+            self.fails(1, "kel: b.json: 1 place cannot be written as json:\n"
+                          f"  {place}: null in an array\nnothing was written; use --force to "
+                          "format the rest\n", "fmt", "b.json")
 
     def test_large_json_has_the_layout_of_convert(self):
         row = {"name": "a name", "size": [1, 2.5, True, [], {}], "none": None}

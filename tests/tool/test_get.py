@@ -1,13 +1,9 @@
 import json
-import os
 import subprocess
 import unittest
 
-if os.name == "posix":
-    import pty
-
-from support import (ARRAY, MEMBLOCK, ToolTest, command, double_record, int_record, posix_only,
-                     record, reference, string_record, struct_record)
+from support import (ARRAY, MEMBLOCK, Terminal, ToolTest, command, double_record, int_record,
+                     posix_only, record, reference, string_record, struct_record)
 
 TEXT = """{
     name = "Ada"
@@ -42,6 +38,21 @@ class Get(ToolTest):
     def got(self, *arguments, **options):
         return self.ok("get", *arguments, **options).out.decode()
 
+    def test_messages_about_long_paths_have_one_line_with_one_short_path(self):
+        self.write("a.json", "[" * 1000 + "1" + "]" * 1000 + " 2")
+        deep = "[0]" * 999
+        short = ("[0]" * 26)[:76] + " ... " + ("[0]" * 26)[-76:]
+        for path, message in (("1:" + deep + "[7]",
+                               f"1:{short[:-3]}[7]: the value around it has 1 element"),
+                              ("1:" + deep + "[0][0]",
+                               f"1:{short}: is an int and has no values inside"),
+                              (deep, f"{short}: there are 2 root values; begin the path with the "
+                                     "number of one, as in 1:[0]")):
+            with self.subTest(message=message):
+                self.fails(1, f"kel: a.json: {message}\n", "get", "a.json", path)
+        result = self.kel("get", "a.json", deep + "[")
+        self.assertEqual((result.status, len(result.err) < 300), (2, True))
+
     def test_a_value_is_printed_in_text_form(self):
         self.assertEqual(self.got("a.kel", "name"), '"Ada"\n')
         self.assertEqual(self.got("a.kel", "count"), "5\n")
@@ -73,6 +84,22 @@ class Get(ToolTest):
         self.fails(2, 'kel: "["x" is not a path: at character 4: the end of the quoted name, "], '
                       'is expected\n', "get", "b.json", '["x')
 
+    def test_what_is_cut_off_ends_with_a_whole_character(self):
+        for lead in ("", "a", "aa"):
+            name = lead + "\u20ac" * 100
+            self.write("b.json", json.dumps({"x": "y", name: 1}))
+            message = self.kel("get", "b.json", f'["{name}"].z').err
+            self.assertRegex(message, "\\Akel: b.json: [^\\\\]* \\.\\.\\. [^\\\\]*: is an int and has "
+                                      "no values inside\n\\Z")
+            self.write("c.json", json.dumps([lead + "\u20ac" * 30]))
+            found = self.ok("find", "c.json", "a\u20ac" if lead else "\u20ac").out.decode()
+            self.assertRegex(found, '\\A\\[0\\]: "a*\u20ac+\\.\\.\\."\n\\Z')
+
+    def test_very_long_names_and_empty_ones_resemble_nothing(self):
+        self.write("b.json", json.dumps({"x" * 65: 1, "width": 2}))
+        for path, name in (("x" * 66, "x" * 66), ("y", "y"), ('[""]', '[""]')):
+            self.fails(1, f"kel: b.json: {name}: not found\n", "get", "b.json", path)
+
     def test_a_similar_name_is_spelled_as_in_a_path(self):
         self.write("b.json", '{"back\\\\slash": 1, "width": 2}')
         self.fails(1, 'kel: b.json: backslash: not found (did you mean ["back\\\\slash"]?)\n',
@@ -91,6 +118,9 @@ class Get(ToolTest):
                             "3F2504E1-4F89-11D3-9A0C-0305E82C3301 = 2 )")
         self.fails(1, "kel: b.kel: #3F: several values have an identity that begins so\n",
                    "get", "b.kel", "#3F", "--default", "1")
+        self.write("b.kel", "{ m = " + self.read("b.kel").decode() + "}")
+        self.fails(1, "kel: b.kel: m#3F: several values have an identity that begins so\n",
+                   "get", "b.kel", "m#3F")
 
     def test_all_formats_and_stdin_are_read(self):
         self.write("b.json", '{"a": {"b": [1, "x"]}, "n": null}')
@@ -98,6 +128,18 @@ class Get(ToolTest):
         self.write("c.kelb", struct_record([(b"a", int_record(7, 2))]))
         self.assertEqual(self.got("c.kelb", "a"), "7\n")
         self.assertEqual(self.got("-", "a", input=self.read("c.kelb")), "7\n")
+
+    def test_digits_alone_are_a_name(self):
+        self.write("b.json", '{"12": 1}')
+        self.assertEqual(self.got("b.json", "12"), "1\n")
+
+    def test_what_is_not_exact_is_listed_once(self):
+        self.write("c.kelb", record(ARRAY, record(ARRAY, double_record(0.1234567, 3), 2) +
+                                    reference(2)))
+        self.assertEqual(self.kel("show", "c.kelb").err,
+                         "kel: warning: c.kelb: 1 place cannot be printed exactly; kel convert "
+                         "--to json is exact:\n"
+                         "  [0][0]: a double that is rounded to six decimals\n")
 
     def test_root_values_have_numbers(self):
         self.write("b.kel", "1 { a = 2 }")
@@ -118,8 +160,45 @@ class Get(ToolTest):
             self.fails(1, f"kel: a.kel: {message}\n", "get", "a.kel", path)
 
     def test_a_text_that_is_not_a_path_is_a_usage_error(self):
-        self.fails(2, 'kel: "a..b" is not a path: at character 3: a name is expected\n', "get",
-                   "a.kel", "a..b")
+        for path, at, reason in (
+                ("a..b", 3, "a name is expected"),
+                ("0:a", 1, "root values are numbered from 1"),
+                ("[x]", 2, "a number or a quoted name is expected"),
+                ("[0", 3, '"]" is expected'),
+                ("[0]b", 4, '".", "[" or "#" is expected'),
+                ("a#", 3, "the digits of an identity are expected"),
+                ('["\\x4"]', 5, "hexadecimal digits of a byte are expected"),
+                ('["\\x4', 5, "hexadecimal digits of a byte are expected"),
+                ('["\\u0100"]', 5, "hexadecimal digits of a byte are expected")):
+            with self.subTest(path):
+                self.fails(2, f'kel: "{path}" is not a path: at character {at}: {reason}\n', "get",
+                           "a.kel", path)
+        self.fails(2, 'kel: "["\\" is not a path: at character 4: one of the escapes \\", \\\\, \\n, '
+                      '\\t, \\uHHHH and \\xHH is expected\n', "get", "a.kel", '["\\')
+
+    def test_a_step_that_a_value_cannot_take_is_refused_with_one_that_it_can(self):
+        for path, place, refusal in (
+                ("size.x", "size", "an array and has elements by number, such as [0]"),
+                ("[0]", ".", "a struct and has variables by name"),
+                ("pairs.x", "pairs", "an index list and has pairs by number, such as [0].key and "
+                                     "[0].item"),
+                ("pairs[0]", "pairs", "an index list and has pairs by number, such as [0].key and "
+                                      "[0].item"),
+                ("pairs[0].x", "pairs", "an index list and has pairs by number, such as [0].key "
+                                        "and [0].item"),
+                ("presets[0]", "presets", "a manager and has values by identity, such as "
+                                          "#3F2504E0")):
+            with self.subTest(path):
+                self.fails(1, f"kel: a.kel: {place}: is {refusal}\n", "get", "a.kel", path)
+
+    def test_an_identity_names_a_shared_value_once(self):
+        identity = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
+        self.write("b.kel", f"[ {identity} = [ 1 ] REF {identity} REF {identity} ]")
+        self.assertEqual(self.got("b.kel", "#3f[0]"), "1\n")
+        self.fails(1, "kel: b.kel: #4F: not found\n", "get", "b.kel", "#4F")
+
+    def test_force_is_for_another_format(self):
+        self.fails(2, "kel: --force needs --to\n", "get", "--force", "a.kel", "name")
 
     def test_default_replaces_a_missing_value(self):
         self.assertEqual(self.got("a.kel", "--default", "[ 8 ]", "count", "x.y"), "5\n[\n\t8\n]\n")
@@ -145,16 +224,11 @@ class Get(ToolTest):
         self.write("b.kelb", struct_record([(b"s", string_record(b"a\x1b[2Jb\tc", 2)),
                                             (b"m", record(MEMBLOCK, b"x", 3))]))
         def on_terminal(*arguments):
-            main, terminal = pty.openpty()
-            status = subprocess.run(command("get", *arguments), cwd=self.folder, stdout=terminal,
-                                    stderr=subprocess.DEVNULL, check=False).returncode
-            os.close(terminal)
-            try:
-                shown = os.read(main, 1000)
-            except OSError:  # nothing was written
-                shown = b""
-            os.close(main)
-            return status, shown.replace(b"\r\n", b"\n")
+            terminal = Terminal()
+            process = subprocess.Popen(command("get", *arguments), cwd=self.folder,
+                                       stdout=terminal.writer, stderr=subprocess.DEVNULL)
+            shown = terminal.shown_by(process)
+            return process.wait(), shown
         self.assertEqual(on_terminal("b.kelb", "s"), (0, b'"a\\u001b[2Jb\tc"\n'))
         self.write("c.kelb", record(ARRAY, string_record(b"\x07", 2)))
         self.assertEqual(on_terminal("c.kelb", "."), (0, b'[\n\t"\\u0007"\n]\n'))
@@ -198,7 +272,7 @@ class Exactness(ToolTest):
         self.assertEqual(result.status, 0)
         self.assertRegex(result.out, rb'\A\{\n\td = 0\.123457\n\tm = void\[5\] : 0x[0-9a-f]{8}\n'
                                      rb'\tq = "say "x""\n\}\n\Z')
-        self.assertEqual(result.err, "kel: warning: a.kelb: .: 2 places are not printed exactly; "
+        self.assertEqual(result.err, "kel: warning: a.kelb: .: 2 places cannot be printed exactly; "
                                      "--to json is exact:\n"
                                      "  d: a double that is rounded to six decimals\n"
                                      "  m: a memory block, shown by its size\n")
@@ -236,6 +310,18 @@ class Exactness(ToolTest):
                          b"true\n\xc3\xa4\n\n-5\n")
         self.write("c.kel", "{ a = NULL }")
         self.assertEqual(self.ok("get", "--raw", "c.kel", "a").out, b"null\n")
+
+    def test_guids_are_raw_and_containers_are_not(self):
+        self.write("b.kel", "{ guid = 3F2504E0-4F89-11D3-9A0C-0305E82C3301\n"
+                            "a = [ ] m = ( ) l = < [ ] [ ] > s = { } c = " + CHECKED + " }")
+        self.assertEqual(self.ok("get", "--raw", "b.kel", "guid").out,
+                         b"3F2504E0-4F89-11D3-9A0C-0305E82C3301\n")
+        for path, kind in (("a", "an array"), ("m", "a manager"), ("l", "an index list"),
+                           ("s", "a struct"), ("c", "a checked struct"),
+                           ("c.@desc", "a struct descriptor"),
+                           ("c.@desc.mode", "a variable descriptor")):
+            self.fails(1, f"kel: b.kel: {path}: is {kind}, which has no raw form; use --to json or "
+                          "--to text\n", "get", "--raw", "b.kel", path)
 
     def test_the_raw_form_of_a_memory_block_is_its_bytes(self):
         self.assertEqual(self.ok("get", "--raw", "a.kelb", "m").out, b"\0\xFFabc")

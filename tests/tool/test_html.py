@@ -109,6 +109,15 @@ class Html(ToolTest):
         data = page.text("script", type="application/json")
         self.assertNotRegex(data, r"[<\x00-\x09\x0b-\x1f\x7f]")
 
+    def test_kinds_that_json_lacks_have_their_contents(self):
+        guid = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
+        page = self.page("a.kel", "[ %s\n< [ 1 2 ] [ 3 4 ] > ( %s = 7 ) false ]" % (guid, guid))
+        self.assertEqual(page.data["contents"][1:6], [4, guid, 4, 1, False])
+
+    def test_quotes_and_backslashes_are_data(self):
+        values = {"back\\slash": 'say "x" \\ y'}
+        self.assertEqual(self.page("a.json", json.dumps(values)).plain(), [values])
+
     def test_placeholders_of_the_page_are_data_in_a_file(self):
         self.assertEqual(self.page("a.json", '["{{data}}", "{{script}}"]').plain(),
                          [["{{data}}", "{{script}}"]])
@@ -118,6 +127,8 @@ class Html(ToolTest):
                                             (b"ok", string_record("\u00e4\\".encode(), 3))]))
         self.assertEqual(self.page("a.kelb").data["contents"][2:], [["a\\xc3<\\\\"], "\u00e4\\"])
         self.assertEqual(self.page("a.kelb").data["nameTexts"], ["", ["n\\xff"], "ok"])
+        self.write("b.kelb", string_record("\u00e4\"".encode() + b"\xff", 2))
+        self.assertEqual(self.page("b.kelb").data["contents"][1:], [["\u00e4\"\\xff"]])
 
     def test_memory_blocks_have_their_size_and_their_first_bytes(self):
         bytes_ = bytes(range(256)) * 20

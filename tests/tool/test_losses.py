@@ -1,5 +1,6 @@
 import json
 import struct
+import sys
 
 from support import (ARRAY, MEMBLOCK, ToolTest, double_record, int_record, record, reference,
                      string_record, struct_record)
@@ -16,14 +17,16 @@ class Losses(ToolTest):
         self.write(source, content)
         names = {"kel": "text", "kelb": "binary", "json": "json"}
         count = count or len(places)
-        self.list = (f"{source}: {count} place{'' if count == 1 else 's'} cannot be converted from "
-                     f"{names[source.split('.')[1]]} to {names[to]}:\n" +
+        form = source.split(".")[1]
+        change = (f"written as {names[to]}" if form == to else
+                  f"converted from {names[form]} to {names[to]}")
+        self.list = (f"{source}: {count} place{'' if count == 1 else 's'} cannot be {change}:\n" +
                      "".join(f"  {place}\n" for place in places))
         if count > len(places):
             self.list += f"  and {count - len(places)} more\n"
         is_text_better = to != "kel" and any(place.endswith("a manager") for place in places)
         self.fails(1, "kel: " + self.list + "nothing was written; " +
-                   (ADVICE if is_text_better else "") + "use --force to convert the rest\n",
+                   (ADVICE if is_text_better else "") + f"use --force to {'write' if form == to else 'convert'} the rest\n",
                    "convert", source, "out." + to)
         self.assertEqual(self.files(), [source])
 
@@ -194,12 +197,83 @@ class LossesFromJson(Losses):
         self.assertEqual(self.json("back.json"),
                          [2.0**53, 2.0**53, -2.0**53, 2.0**64, 2.0**70, 2.0**70, 2.0**63])
 
+    def test_the_greatest_double_is_an_integer_that_a_double_holds(self):
+        greatest = int(sys.float_info.max)
+        self.write("a.json", json.dumps([greatest, -greatest]))
+        self.ok("convert", "a.json", "b.kelb")
+        self.write("a.json", json.dumps([greatest - 1]))
+        self.assertIn("an integer that no double holds exactly",
+                      self.kel("convert", "a.json", "b.kelb").err)
+
+    def test_what_is_in_a_value_that_is_left_out_is_not_listed(self):
+        self.write("a.json", '{"": [-1, 1, null, true, 2.5, "x", 12345678901234567890], "b": 2}')
+        result = self.kel("convert", "--force", "a.json", "b.json")
+        self.assertEqual(result.err.count("\n"), 2, result.err)
+        self.assertEqual(self.json("b.json"), {"b": 2})
+
+    def test_what_only_resembles_a_guid_or_a_block_stays_a_struct(self):
+        guid = "00010203-0405-0607-0809-0A0B0C0D0E0"
+        values = [{"$guid": guid + last} for last in "/:@G`g "] + [{"$memblock": "!AAA"}]
+        self.write("a.json", json.dumps(values))
+        self.ok("convert", "a.json", "b.kelb")
+        self.assertEqual(self.ok("show", "b.kelb").out.count(b'"$guid" = '), len(values) - 1)
+
     def test_numbers_that_vanish_are_listed(self):
         self.refused("a.json", "[1e-400, 0e5, 0.0]", "kelb", "[0]: a number too small for a double")
 
     def test_decimal_numbers_are_doubles_by_nature(self):
         self.write("a.json", "[0.1, 3.14159265358979323846264338327950288, 1e22]")
         self.ok("convert", "a.json", "b.kelb")
+
+
+class Annotations(ToolTest):
+    """Comments and definitions. Another file keeps them, so they are no reason to refuse."""
+
+    def lost(self, what, fate="are", place="the first is on line 1"):
+        return f"a.kel: {what} {fate} lost, because only values are written; {place}\n"
+
+    def test_they_are_counted_with_the_line_of_the_first_one(self):
+        one = "is", "it is on line 2"
+        for text, what, *words in (
+                ("[ 1\n// x\n]", "1 comment", *one),
+                ("\n#define N 5 // five\n[ N ]", "1 definition", *one),
+                ("// x\n[ 1 /* y ***/ 2 ] // z", "3 comments"),
+                ("#define M \n 5 /* \n#define \"a b\" 6\n[ 1 ]", "2 definitions"),
+                ('#define N "\n[ /* // */ 1 ]', "1 comment and 1 definition"),
+                ('[ "// #define" 1 ] // x\n#define N 5\n', "1 comment and 1 definition")):
+            self.write("a.kel", text)
+            for to in "b.kel", "b.kelb", "b.json":
+                with self.subTest(text=text, to=to):
+                    result = self.kel("convert", "a.kel", to)
+                    self.assertEqual((result.status, result.err),
+                                     (0, "kel: warning: " + self.lost(what, *words)))
+                    self.ok("convert", "--quiet", "a.kel", to)
+
+    def test_what_the_writer_writes_has_none(self):
+        self.write("a.kel", '< [ "//" ] [ "/* #define" ] >')
+        self.ok("convert", "a.kel", "b.kel")
+        self.ok("convert", "b.kel", "c.kel")
+
+    def test_identities_and_references_are_not_counted(self):
+        self.write("a.kel", f"[ {GUID_TEXT} = [ ] REF {GUID_TEXT}\n ]")
+        self.ok("convert", "a.kel", "b.json")
+
+    def test_a_refusal_does_not_mention_them(self):
+        self.write("a.kel", "// x\n[ < [ 1 ] [ 2 ] > ]")
+        self.assertNotIn("comment", self.kel("convert", "a.kel", "b.json").err)
+
+    def test_the_only_file_that_has_them_is_not_replaced(self):
+        text = b"{ a = 1 // x\n/* y */ }"
+        self.write("a.kel", text)
+        for name in "a.kel", "./a.kel", self.path("a.kel"):
+            self.fails(1, "kel: " + self.lost("2 comments", "would be") +
+                       "nothing was written; use --force to convert the rest\n",
+                       "convert", "--to", "json", "a.kel", name)
+            self.assertEqual(self.read("a.kel"), text)
+        result = self.kel("convert", "--force", "a.kel", "a.kel")
+        self.assertEqual((result.status, result.err),
+                         (0, "kel: warning: " + self.lost("2 comments")))
+        self.assertEqual(self.read("a.kel"), b"{\n\ta = 1\n}\n")
 
 
 class Lists(Losses):

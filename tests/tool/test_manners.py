@@ -1,12 +1,9 @@
 import os
+import shutil
+import subprocess
 import unittest
 
-from support import ToolTest, WINDOWS, command, posix_only
-
-import subprocess
-
-if not WINDOWS:
-    import pty
+from support import Terminal, ToolTest, command, posix_only
 
 SETTINGS = '{ name = "Kitchen" windows = 3 open = true }'
 PAINTED = ("{\n\t\x1b[34mname\x1b[0m = \x1b[32m\"Kitchen\"\x1b[0m\n"
@@ -21,27 +18,26 @@ class Manners(ToolTest):
 
     def on_terminal(self, *arguments, status=0, **environment):
         """Returns what the tool prints if stdout is a terminal. It must end with the status."""
-        terminal, stdout = pty.openpty()
+        terminal = Terminal()
         settings = {name: value for name, value in os.environ.items()
                     if name not in ("NO_COLOR", "PAGER", "LESS")}
-        process = subprocess.Popen(command(*arguments), cwd=self.folder, stdout=stdout,
+        process = subprocess.Popen(command(*arguments), cwd=self.folder, stdout=terminal.writer,
                                    stdin=subprocess.DEVNULL, stderr=subprocess.PIPE,
                                    env={**settings, **environment})
-        os.close(stdout)
-        shown = b""
-        try:
-            while piece := os.read(terminal, 4096):
-                shown += piece
-        except OSError:
-            pass  # Linux reports in this way that all writers are gone
-        os.close(terminal)
+        shown = terminal.shown_by(process)
         self.assertEqual((process.stderr.read(), process.wait()), (b"", status))
         process.stderr.close()
-        return shown.replace(b"\r\n", b"\n")
+        return shown
 
     def test_output_is_coloured_on_request(self):
         self.assertEqual(self.ok("show", "--color", "always", "a.kel").out, PAINTED)
         self.assertNotIn(b"\x1b", self.ok("show", "a.kel").out)
+
+    def test_a_comment_has_one_colour(self):
+        self.write("list.kel", "< [ 1 ] [ -2 ] >")
+        shown = self.ok("show", "--color", "always", "list.kel").out
+        self.assertIn(b"\x1b[2m/* keys: */\x1b[0m", shown)
+        self.assertIn(b"\x1b[36m-2\x1b[0m", shown)
 
     @posix_only("needs a terminal")
     def test_terminals_have_colours_unless_they_are_refused(self):
@@ -51,6 +47,13 @@ class Manners(ToolTest):
             self.assertEqual(self.on_terminal("show", "--no-pager", "a.kel", **refusal), plain)
         self.assertEqual(self.on_terminal("show", "--no-pager", "--color", "never", "a.kel"), plain)
         self.assertEqual(self.on_terminal("show", "--no-pager", "a.kel", NO_COLOR=""), PAINTED)
+
+    @posix_only("needs a terminal")
+    def test_without_less_the_whole_output_is_shown_at_once(self):
+        os.symlink(shutil.which("cat"), self.path("cat"))
+        for settings in ({}, {"PAGER": ""}):
+            self.assertEqual(self.on_terminal("show", "a.kel", PATH=self.folder, **settings),
+                             PAINTED)
 
     def test_messages_are_coloured_on_request(self):
         self.fails(3, "\x1b[1;31mkel: \x1b[0mnone.kel: No such file or directory\n",

@@ -242,7 +242,7 @@ class Parts(ToolTest):
                          [("a", "x"), ("b", [1] * 10000)])
         self.write("a.kelb", struct_record([(b"a", large), (b"a", small)]))
         self.fails(1, "kel: a.kelb: 1 place cannot be converted from binary to json:\n"
-                   "  a: a repeated name; only its last value is kept\n"
+                   "  offset 380072: a: a repeated name; only its last value is kept\n"
                    "nothing was written; use --force to convert the rest\n",
                    "convert", "a.kelb", "out.json")
 

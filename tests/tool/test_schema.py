@@ -2,7 +2,8 @@
 
 import json
 
-from support import ToolTest, double_record, int_record, string_record, struct_record
+from support import (ARRAY, NO_IDENTITY, ToolTest, double_record, int_record, record, reference,
+                     string_record, struct_record)
 from test_kinds import checked, described, rules
 
 LEVEL = rules("type = 1", "min = 0", "max = 10")
@@ -35,10 +36,32 @@ class Comparison(Schema):
                    ":1:2: level: 11 is not allowed (allowed: 0 to 10)",
                    ':2:1: mode: "off" is not allowed (allowed: "low", "high")', name="a.json")
 
+    def test_repeated_names_with_other_contents_do_not_hide_the_place_of_a_finding(self):
+        others = ["a = [ 1 2 3 ]", "a = [ 1 ]", "b = [ 9 ]", "b = { x = 1 }", "c = < [ 1 2 ] [ 3 9 ] >",
+                  "c = < [ 1 ] [ 2 ] >", "d = { x = 1 }", "d = { y = 1 }", "e = { x = 1 }", "e = 5",
+                  "f = < [ 1 ] [ 2 ] >", "f = 5"]
+        self.finds(described(("z", rules("type = 1"))),
+                   "\n".join(["{", *others, 'z = "bad"', "}"]),
+                   f':{len(others) + 2}:1: z: "bad" is a string where an int is described')
+
     def test_binary_is_compared_too(self):
         self.finds(SETTINGS, struct_record([(b"level", int_record(11, 2)),
                                             (b"mode", string_record(b"low", 3))]),
-                   ": level: 11 is not allowed (allowed: 0 to 10)", name="a.kelb")
+                   ": offset 40: level: 11 is not allowed (allowed: 0 to 10)", name="a.kelb")
+
+    def test_findings_in_binary_have_the_offsets_of_dump_in_order(self):
+        entries = [(b"level", int_record(11, 3)), (b"mode", int_record(5, 4)),
+                   (b"other", reference(3))]
+        self.write("s.kel", described(("a", rules("type = 8", "@desc = " + SETTINGS)),
+                                      ("z", rules("type = 1"))))
+        self.write("a.kelb", struct_record([(b"z", string_record(b"x", 9)),
+                                            (b"a", struct_record(entries, 2))]))
+        rows = self.ok("dump", "a.kelb").out.decode().splitlines()
+        offset = {row.split(": ")[0].split()[-1]: int(row.split()[0]) for row in rows if ": " in row}
+        found = self.kel("check", "--json", "--strict", "--schema", "s.kel", "a.kelb")
+        places = [(entry["path"], entry["offset"]) for entry in json.loads(found.out)]
+        self.assertEqual(places, [("z", offset["z"]), ("a.level", offset["level"]),
+                                  ("a.other", offset["level"]), ("a.mode", offset["mode"])])
 
     def test_a_value_of_another_kind_is_reported(self):
         self.finds(SETTINGS, '{ level = "5"\nmode = 5 }',
@@ -52,7 +75,7 @@ class Comparison(Schema):
         for number in (3.5, 2147483648.0, float("nan"), float("-inf")):
             with self.subTest(number=number):
                 self.finds(numbers, struct_record([(b"i", double_record(number, 2))]),
-                           f": i: {'2147483648' if number == 2147483648 else number} is a double "
+                           f": offset 36: i: {'2147483648' if number == 2147483648 else number} is a double "
                            "where an int is described", name="a.kelb")
 
     def test_missing_and_null_variables_are_fine(self):
@@ -90,6 +113,29 @@ class Comparison(Schema):
                        f":5:1: level: {level} is not allowed (allowed: {allowed})")
 
 
+    def test_offsets_in_binary_are_those_after_null_too(self):
+        self.write("a.kelb", struct_record([(b"none", reference(0)[:4] + NO_IDENTITY +
+                                             reference(0)[-4:]),
+                                            (b"list", record(ARRAY, int_record(1, 4), 3)),
+                                            (b"level", int_record(11, 2))]))
+        self.write("schema.kel", SETTINGS)
+        self.fails(1, f"kel: a.kelb: offset {self.read('a.kelb').find(b'level') + 6}: level: 11 is "
+                      "not allowed (allowed: 0 to 10)\n",
+                   "check", "--schema", "schema.kel", "a.kelb")
+
+    def test_values_that_text_cannot_hold_are_compared_with_allowed_ones(self):
+        schema = described(("x", rules("type = 5", 'enum = [ "a" ]')),
+                           ("y", rules("type = 7", "enum = [ [ 1 ] [ [ 1 ] [ 1 ] ] ]")))
+        self.finds(schema, '{"x": {"$memblock": "AAAA"}}',
+                   ':1:2: x: a memory block is not allowed (allowed: "a")', name="a.json")
+        self.write("shared.kelb", struct_record([
+            (b"y", record(ARRAY, record(ARRAY, int_record(1, 4), 3) + reference(3), 2))]))
+        self.ok("check", "--schema", "schema.kel", "shared.kelb")
+        self.write("cycle.kelb", struct_record([(b"y", record(ARRAY, reference(2), 2))]))
+        self.fails(1, "kel: cycle.kelb: offset 36: y: an array is not allowed (allowed: an array, "
+                      "an array)\n", "check", "--schema", "schema.kel", "cycle.kelb")
+
+
 class Places(Schema):
     def test_at_compares_the_value_at_a_path_alone(self):
         text = '{ level = 11 list = [ 1 { level = 12 } ] }'
@@ -97,6 +143,11 @@ class Places(Schema):
                    options=["--at", "list[1]"])
         self.finds(SETTINGS, text, ":1:14: list: an array where a struct is described",
                    options=["--at", "list"])
+
+    def test_at_finds_a_value_of_a_manager(self):
+        self.finds(SETTINGS, '{ m = ( 3F2504E0-4F89-11D3-9A0C-0305E82C3301 = { level = "x" } ) }',
+                   ':1:50: m#3F.level: "x" is a string where an int is described',
+                   options=("--at", "m#3F"))
 
     def test_at_finds_a_value_of_one_of_several_roots(self):
         self.finds(SETTINGS, "1\n{ a = { level = 11 } }",

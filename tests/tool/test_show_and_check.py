@@ -1,15 +1,15 @@
 import os
+import select
 import signal
 import subprocess
 import time
 import unittest
 
 if os.name == "posix":
-    import pty
     import resource
 
-from support import (ARRAY, MEMBLOCK, ToolTest, command, double_record, int_record, posix_only,
-                     record, reference, string_record, struct_record)
+from support import (ARRAY, MEMBLOCK, Terminal, ToolTest, command, double_record, int_record,
+                     posix_only, record, reference, string_record, struct_record)
 
 
 class Show(ToolTest):
@@ -22,8 +22,23 @@ class Show(ToolTest):
         values = (record(MEMBLOCK, b"abc", 2) + string_record(b'a"b', 3) +
                   double_record(float("inf"), 4) + double_record(0.12345678, 5))
         self.write("a.kelb", record(ARRAY, values))
-        self.assertRegex(self.ok("show", "a.kelb").out,
+        result = self.kel("show", "a.kelb")
+        self.assertRegex(result.out,
                          rb'\A\[\n\tvoid\[3\] : 0x[0-9a-f]{8}\n\t"a"b"\n\tinf\n\t0\.123457\n\]\n\Z')
+        self.assertEqual((result.status, result.err),
+                         (0, "kel: warning: a.kelb: 2 places cannot be printed exactly; kel convert "
+                             "--to json is exact:\n"
+                             "  [0]: a memory block, shown by its size\n"
+                             "  [3]: a double that is rounded to six decimals\n"))
+        self.ok("show", "--quiet", "a.kelb")
+
+    def test_a_double_alone_that_is_rounded_is_listed_too(self):
+        self.write("a.json", "0.3 1e-9")
+        result = self.kel("show", "a.json")
+        self.assertEqual((result.status, result.out), (0, b"0.300000\n0.000000\n"))
+        self.assertEqual(result.err, "kel: warning: a.json: 1 place cannot be printed exactly; kel "
+                                     "convert --to json is exact:\n  2:(the value itself): a "
+                                     "double that is rounded to six decimals\n")
 
     def test_what_values_cannot_hold_of_json_is_a_warning(self):
         self.write("a.json", "[null, 1]")
@@ -64,12 +79,25 @@ class Check(ToolTest):
                                (b"a", reference(12))], 10)
         self.write("a.kelb", struct_record([(b"list", record(ARRAY, int_record(1, 3) + inner, 2))]))
         self.fails(1, "kel: a.kelb: names are repeated:\n"
-                      "  list[1].a: a repeated name; only its last value is kept\n",
+                      "  offset 227: list[1].a: a repeated name; only its last value is kept\n",
                    "check", "a.kelb")
         self.fails(1, "kel: a.kelb: 1 place cannot be converted from binary to text:\n"
-                      "  list[1].a: a repeated name; only its last value is kept\n"
+                      "  offset 227: list[1].a: a repeated name; only its last value is kept\n"
                       "nothing was written; use --force to convert the rest\n",
                    "convert", "a.kelb", "a.kel")
+
+    def test_a_name_that_means_another_format_is_an_error(self):
+        for name, content, form, named in (("a.json", "{ a = 5 }", "text", "json"),
+                                           ("a.kel", '{"a": 5}', "json", "text"),
+                                           ("a.kel", int_record(5), "binary", "text")):
+            self.write(name, content)
+            self.fails(1, f"kel: {name}: the content is {form}, but the name of the file means "
+                       f"{named}; rename the file, or check it with --from {form}\n",
+                       "check", name)
+            self.ok("check", "--from", form, name)
+        self.write("b.json", "[ 1 ]")
+        self.write("b.txt", "{ a = 5 }")
+        self.ok("check", "b.json", "b.txt")
 
     def test_stdin_is_checked_too(self):
         self.ok("check", "-", input="[ 1 2 ]")
@@ -84,49 +112,44 @@ class Check(ToolTest):
                    "check", "--from", "binary", "a.kel")
 
 
+def seconds_used_by(process):
+    """Returns the processor time that a process has used in its own code."""
+    with open(f"/proc/{process.pid}/stat", encoding="utf-8") as file:
+        ticks = int(file.read().rpartition(")")[2].split()[11])
+    return ticks / os.sysconf("SC_CLK_TCK")
+
+
 class Progress(ToolTest):
     def run_slowly(self, seconds):
-        """Shows stdin that remains open for a while, with stderr on a terminal."""
-        terminal, stderr = pty.openpty()
+        """Shows stdin that remains open until a message comes, or for at most this long. Returns what
+        is on the terminal that is stderr."""
+        terminal = Terminal()
         process = subprocess.Popen(command("show", "-"), stdin=subprocess.PIPE,
-                                   stdout=subprocess.DEVNULL, stderr=stderr, cwd=self.folder)
-        os.close(stderr)
-        time.sleep(seconds)
+                                   stdout=subprocess.DEVNULL, stderr=terminal.writer,
+                                   cwd=self.folder)
+        select.select([terminal.reader], [], [], seconds)
         process.stdin.write(b"1")
         process.stdin.close()
+        shown = terminal.shown_by(process)
         self.assertEqual(process.wait(), 0)
-        shown = b""
-        try:
-            while piece := os.read(terminal, 4096):
-                shown += piece
-        except OSError:
-            pass  # Linux reports in this way that all writers are gone
-        os.close(terminal)
         return shown
 
     @posix_only("the console draws in its own way")
     def test_long_work_shows_progress_on_a_terminal_and_removes_it(self):
-        shown = self.run_slowly(1.8)
-        self.assertTrue(shown.startswith(b"kel: reading -, 1 s"), shown)
-        self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
+        self.assertRegex(self.run_slowly(60), rb"\Akel: reading -, \d+ s(?s:.*)\r\x1b\[K\Z")
 
     @posix_only("the console draws in its own way")
     def test_progress_says_how_much_has_been_read(self):
-        self.write("a.kel", "[" + "1234567 " * 3_000_000 + "]")
-        terminal, stderr = pty.openpty()
-        process = subprocess.Popen(command("check", "a.kel"), stderr=stderr, cwd=self.folder)
-        os.close(stderr)
-        time.sleep(0.05)
+        self.write("a.kel", "[" + "1234567 " * 6_000_000 + "]")
+        terminal = Terminal()
+        process = subprocess.Popen(command("check", "a.kel"), stderr=terminal.writer,
+                                   cwd=self.folder)
+        while process.poll() is None and seconds_used_by(process) < 0.05:
+            time.sleep(0.01)
         process.send_signal(signal.SIGSTOP)  # patience runs out before the file has been read
         time.sleep(1)
         process.send_signal(signal.SIGCONT)
-        shown = b""
-        try:
-            while piece := os.read(terminal, 4096):
-                shown += piece
-        except OSError:
-            pass  # Linux reports in this way that all writers are gone
-        os.close(terminal)
+        shown = terminal.shown_by(process)
         self.assertEqual(process.wait(), 0)
         self.assertRegex(shown, rb"kel: reading a\.kel, \d+ s, \d+ %")
 
@@ -139,14 +162,13 @@ class Progress(ToolTest):
             resource.setrlimit(resource.RLIMIT_NPROC, (1, 1))
             os.setuid(somebody)
 
-        terminal, stderr = pty.openpty()
-        self.addCleanup(os.close, terminal)
+        terminal = Terminal()
+        self.addCleanup(terminal.close)
         # A sanitizer's search for leaks would itself need a thread.
         environment = {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
         process = subprocess.run(command("show", "-"), input=b"1", stdout=subprocess.PIPE,
-                                 stderr=stderr, env=environment, preexec_fn=become_one_process,
-                                 check=False)
-        os.close(stderr)
+                                 stderr=terminal.writer, env=environment,
+                                 preexec_fn=become_one_process, check=False)
         self.assertEqual((process.returncode, process.stdout), (0, b"1\n"))
 
     def test_short_work_shows_nothing(self):

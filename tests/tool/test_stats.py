@@ -117,6 +117,19 @@ cannot be held               0       0       0
             self.ok("convert", name, "out.json")
             self.assertEqual(self.stats(name)["bytes"]["json"], len(self.read("out.json")))
 
+    def test_memory_blocks_and_guids_of_one_of_several_roots_have_their_bytes_too(self):
+        self.write("a.json", '{"g": {"$guid": "00010203-0405-0607-0809-0A0B0C0D0E0F"}}\n'
+                             '[{"$memblock": "AAECAw=="}]')
+        self.ok("convert", "a.json", "out.json")
+        self.assertEqual(self.stats("a.json")["bytes"]["json"], len(self.read("out.json")))
+
+    def test_names_have_the_bytes_of_their_escapes(self):
+        self.write("a.kelb", struct_record([(b"back\\slash", int_record(1, 2)),
+                                            (b"~", int_record(1, 3)), (b"\x7f", int_record(1, 4)),
+                                            (b"\x1f", int_record(1, 5))]))
+        self.ok("convert", "a.kelb", "out.json")
+        self.assertEqual(self.stats("a.kelb")["bytes"]["json"], len(self.read("out.json")))
+
     def test_a_large_document_is_counted_in_parts(self):
         row = {"name": "a name", "size": [1, 2.5, True], "none": None}
         for content in (json.dumps([row] * 9000), json.dumps(row) * 9000,
@@ -168,8 +181,8 @@ cannot be held               0       0       0
         self.assertEqual((result.status, json.loads(result.out)["bytes"]["binary"]),
                          (0, len(self.read("a.kelb"))))
         self.assertEqual(result.err, "kel: warning: a.kelb: 1 place cannot be converted from binary "
-                                     "to values:\n  a: a repeated name; only its last value is "
-                                     "kept\n")
+                                     "to values:\n  offset 80: a: a repeated name; only its last "
+                                     "value is kept\n")
 
     def test_several_files_give_an_object_each(self):
         self.write("a.json", "1")

@@ -1,9 +1,11 @@
 """kel check --strict and --json."""
 
 import json
+import os
 import random
 
-from support import ARRAY, ToolTest, int_record, record, string_record, struct_record
+from support import (ARRAY, ToolTest, int_record, posix_only, record, string_record,
+                     struct_record)
 from test_kinds import GUID, checked, described, rules
 
 DEEP = 100_000
@@ -88,7 +90,8 @@ class Names(Strict):
     def test_repeated_names_in_binary_are_each_reported_on_a_line(self):
         inner = struct_record([(b"a", int_record(1, 5)), (b"a", int_record(2, 6))], 4)
         self.finds(record(ARRAY, inner),
-                   ": [0].a: a repeated name; only its last value is kept", name="a.kelb")
+                   ": offset 110: [0].a: a repeated name; only its last value is kept",
+                   name="a.kelb")
 
     def test_what_values_cannot_hold_of_json_is_reported(self):
         self.finds('{"a": [1, null], "": [null], "n": [9007199254740993, 9007199254740992],\n'
@@ -115,7 +118,8 @@ class Names(Strict):
                    *(f":{number + 3}:1: a[{number}]: null in an array" for number in range(999)),
                    ": and 3 more", name="a.json")
         repeated = struct_record([(b"a", int_record(1, number)) for number in range(5, 1008)])
-        self.finds(repeated, *([": a: a repeated name; only its last value is kept"] * 1000),
+        self.finds(repeated, *(f": offset {36 + 40 * number}: a: a repeated name; only its last value is "
+                               "kept" for number in range(1, 1001)),
                    ": and 2 more", name="a.kelb")
 
 
@@ -348,6 +352,55 @@ class Scan(Strict):
             self.assertEqual((result.status, len(self.headings(result.err))), (1, 1))
 
 
+class SmallParts(Strict):
+    LOST = "99999999999 does not fit in 32 bits and is read as 1215752191"
+    IDENTITY = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
+
+    def test_the_place_of_a_number_is_known_in_every_container(self):
+        self.finds('{ "a" = 99999999999 }', f":1:9: a: {self.LOST}")
+        self.finds("< [ 99999999999 ] [ 1 ] >", f":1:5: [0].key: {self.LOST}")
+        self.finds("< [ 1 ] [ 99999999999 ] >", f":1:11: [0].item: {self.LOST}")
+        self.finds(f"( {self.IDENTITY} = 99999999999 )",
+                   f":1:42: #{self.IDENTITY}: {self.LOST}")
+
+    def test_words_that_never_stand_for_a_definition_do_not_use_it(self):
+        for word in ("true", "false"):
+            self.finds(f"#define {word} 1\n[ {word} ]",
+                       f':1:1: the definition of "{word}" is never used')
+        for word in ("REF", "ref"):
+            self.finds(f"#define {word} 1\n[ {self.IDENTITY} = [ ] {word} {self.IDENTITY} ]",
+                       f':1:1: the definition of "{word}" is never used')
+
+    def test_a_definition_can_stand_for_a_word(self):
+        for word in ("true", "false"):
+            self.finds(f"#define A {word}\n[ A 99999999999 ]", f":2:5: [1]: {self.LOST}")
+
+    def test_definitions_of_one_another_end(self):
+        self.finds("#define A B\n#define B A\n[ 1 ]",
+                   ':1:1: the definition of "A" is never used',
+                   ':2:1: the definition of "B" is never used')
+
+    def test_a_guid_before_a_bracket_is_a_value(self):
+        for content in ("[ %s ]", "[ %s\n]", "{ a = %s }", "( %s = %s )", "< [ %s ] [ %s ] >"):
+            self.finds(content.replace("%s", self.IDENTITY) + " [ 99999999999 ]",
+                       f":{1 + content.count(chr(10))}:"
+                       f"{len(content.replace('%s', self.IDENTITY).split(chr(10))[-1]) + 4}: "
+                       f"2:[0]: {self.LOST}")
+
+    def test_an_identity_can_be_without_an_equals_sign(self):
+        self.finds(f"[ {self.IDENTITY} [ 99999999999 ] ]", f":1:42: [0][0]: {self.LOST}")
+
+
+class NamesForEditors(ToolTest):
+    @posix_only("needs names that are bytes")
+    def test_names_of_files_are_strings_of_json(self):
+        for name, shown in ((b"a\x01.kel", "a\x01.kel"), (b"a\xff.kel", "a\ufffd.kel")):
+            with open(os.path.join(os.fsencode(self.folder), name), "wb") as file:
+                file.write(b"[")
+            result = self.kel("check", "--json", name)
+            self.assertEqual(json.loads(result.out)[0]["file"], shown)
+
+
 class ForEditors(ToolTest):
     def entries(self, status, *arguments):
         result = self.kel("check", "--json", *arguments)
@@ -372,7 +425,7 @@ class ForEditors(ToolTest):
         self.assertEqual(self.entries(1, "a.kel", "a.kelb"), [
             {"file": "a.kel", "line": 6, "column": 1, "offset": self.read("a.kel").index(b"x = 10"),
              "path": "s.x", "severity": "error", "message": "10 is not allowed (allowed: 0 to 9)"},
-            {"file": "a.kelb", "path": "a", "severity": "error",
+            {"file": "a.kelb", "offset": 76, "path": "a", "severity": "error",
              "message": "a repeated name; only its last value is kept"}])
 
     def test_a_root_value_is_a_point(self):
@@ -393,11 +446,17 @@ class ForEditors(ToolTest):
         self.write("b.json", '{"a": 1,\n "b" 2}')
         self.write("c.kelb", record(ARRAY, string_record(b"abc", 2))[:-1])
         self.write("d.kel", "1")
-        text, other, binary = self.entries(1, "a.kel", "b.json", "c.kelb", "d.kel")
+        self.write("e.kel", b"\x1f\x8b\x08")
+        text, other, binary, foreign = self.entries(1, "a.kel", "b.json", "c.kelb", "d.kel", "e.kel")
         self.assertEqual((text["file"], text["line"], text["column"], text["severity"]),
                          ("a.kel", 2, 4, "error"))
         self.assertEqual((other["file"], other["line"], other["column"]), ("b.json", 2, 6))
-        self.assertEqual((binary["file"], "offset" in binary), ("c.kelb", True))
+        self.assertEqual((text["offset"], text["message"], text["hint"]),
+                         (11, 'expected "=" after "b", found "}"',
+                          "a variable is written as NAME = VALUE"))
+        self.assertEqual((binary["file"], binary["offset"], binary["path"]), ("c.kelb", 70, "[0]"))
+        self.assertEqual((foreign["line"], foreign["column"], foreign["hint"]),
+                         (1, 1, "decompress it first"))
         for entry in (text, other, binary):
             self.assertNotRegex(entry["message"], rf"{entry['file']}|offset|\n|\A[0-9:]")
 

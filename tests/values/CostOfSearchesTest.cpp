@@ -1,5 +1,6 @@
-// The steps of operations that search. Each test does the work for 1,000 values and for 10,000 and
-// counts the elements that searches look at. The count for each value must not grow.
+// The steps of operations that search and that remove many values. Each test does the work for
+// 1,000 values and for 10,000 and counts the elements that searches look at, or that removals move.
+// The count for each value must not grow.
 #include "meta/KEL_Manager_Impl.h"
 #include "support/Held.h"
 #include "support/SearchSteps.h"
@@ -97,6 +98,25 @@ TEST(CostOfSearches, RemovingKeysInOrder) {
         }
         EXPECT_EQ(list->getCount(), 0);
     });
+}
+
+TEST(CostOfSearches, RemovingManyPairsWithOneKeyValue) {
+    for (const int32_t count : {1000, 10000}) {
+        const auto odd = make<KEL_Int_Impl>(1);
+        const auto list = make<KEL_IndexList_Impl>();
+        for (int32_t i = 0; i < count; ++i) {
+            list->addPair(make<KEL_Int_Impl>(i % 2).get(), make<KEL_Int_Impl>(i).get());
+        }
+        SearchSteps steps;
+        list->removeKeyValue(odd.get());
+        const uint64_t moves = steps.takeMoves();
+        EXPECT_LE(moves, 2 * static_cast<uint64_t>(count)); // of both arrays
+        EXPECT_GE(moves, static_cast<uint64_t>(count) / 2); // the counter works
+        ASSERT_EQ(list->getCount(), count / 2);
+        for (int32_t i = 0; i < list->getCount(); ++i) {
+            ASSERT_EQ(list->getItemAt(i)->toInt(), 2 * i);
+        }
+    }
 }
 
 TEST(CostOfSearches, AddingFindingAndRemovingElementsOfAManager) {

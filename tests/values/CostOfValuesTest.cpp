@@ -71,28 +71,39 @@ Cost costOfKind(KELKind kind) {
 }
 
 TEST(CostOfValues, AnEmptyValueOfEachKind) {
-    EXPECT_EQ(costOfKind(KELKind_Int), (Cost{112, 1}));
-    EXPECT_EQ(costOfKind(KELKind_Boolean), (Cost{112, 1}));
-    EXPECT_EQ(costOfKind(KELKind_Double), (Cost{112, 1}));
-    EXPECT_EQ(costOfKind(KELKind_guid), (Cost{120, 1}));
-    EXPECT_EQ(costOfKind(KELKind_MemBlock), (Cost{137, 2}));
-    EXPECT_EQ(costOfKind(KELKind_String), (Cost{128, 1}));
-    EXPECT_EQ(costOfKind(KELKind_Array), (Cost{120, 1}));
-    EXPECT_EQ(costOfKind(KELKind_Struct), (Cost{128, 1}));
-    EXPECT_EQ(costOfKind(KELKind_Manager), (Cost{120, 1}));
-    EXPECT_EQ(costOfKind(KELKind_Selector), (Cost{512, 4}));
-    EXPECT_EQ(costOfKind(KELKind_MultiSelector), (Cost{632, 5}));
-    EXPECT_EQ(costOfKind(KELKind_IndexList), (Cost{376, 3}));
-    EXPECT_EQ(costOfKind(KELKind_MetaKel), (Cost{368, 5}));
-    EXPECT_EQ(costOfKind(KELKind_MetaKelDescriptor), (Cost{368, 5}));
-    EXPECT_EQ(costOfKind(KELKind_MetaKelVarDescriptor), (Cost{368, 5}));
+    EXPECT_EQ(costOfKind(KELKind_Int), (Cost{104, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Boolean), (Cost{104, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Double), (Cost{104, 1}));
+    EXPECT_EQ(costOfKind(KELKind_guid), (Cost{112, 1}));
+    EXPECT_EQ(costOfKind(KELKind_MemBlock), (Cost{129, 2}));
+    EXPECT_EQ(costOfKind(KELKind_String), (Cost{120, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Array), (Cost{112, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Struct), (Cost{120, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Manager), (Cost{112, 1}));
+    EXPECT_EQ(costOfKind(KELKind_Selector), (Cost{480, 4}));
+    EXPECT_EQ(costOfKind(KELKind_MultiSelector), (Cost{592, 5}));
+    EXPECT_EQ(costOfKind(KELKind_IndexList), (Cost{352, 3}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKel), (Cost{352, 5}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKelDescriptor), (Cost{352, 5}));
+    EXPECT_EQ(costOfKind(KELKind_MetaKelVarDescriptor), (Cost{352, 5}));
 }
 
 TEST(CostOfValues, TextsAndContainers) {
-    EXPECT_EQ(costOf([] { return newString("23 characters, in place"); }), (Cost{128, 1}));
-    EXPECT_EQ(costOf([] { return newString("24 characters, elsewhere"); }), (Cost{153, 2}));
-    EXPECT_EQ(costOf([] { return newArray(10); }), (Cost{1480, 15}));
-    EXPECT_EQ(costOf([] { return newStruct(10); }), (Cost{2088, 16}));
+    EXPECT_EQ(costOf([] { return newString("23 characters, in place"); }), (Cost{120, 1}));
+    EXPECT_EQ(costOf([] { return newString("24 characters, elsewhere"); }), (Cost{145, 2}));
+    EXPECT_EQ(costOf([] { return newArray(10); }), (Cost{1392, 15}));
+    EXPECT_EQ(costOf([] { return newStruct(10); }), (Cost{2000, 16}));
+}
+
+#endif
+
+#if defined(_MSC_VER) && !defined(_WIN64)
+
+TEST(CostOfValues, AnEmptyValueInMicrosoftsAbi) {
+    EXPECT_EQ(costOf([] { return new KEL_Int_Impl(0); }), (Cost{88, 1}));
+    EXPECT_EQ(costOf([] { return newString(""); }), (Cost{108, 1}));
+    EXPECT_EQ(costOf([] { return newArray(0); }), (Cost{96, 1}));
+    EXPECT_EQ(costOf([] { return newStruct(0); }), (Cost{108, 1}));
 }
 
 #endif

@@ -280,4 +280,12 @@ TEST(StringEnumeration, ALongListDoesWhatAShortOneDoes) {
     EXPECT_EQ(rest(*all), expected);
 }
 
+TEST(StringEnumeration, AnEmptiedListMakesRoomForALongText) {
+    const Names names = listOf({"a"});
+    names->remove("a");
+    const std::string text(1000, 'b');
+    names->add(text.c_str());
+    EXPECT_EQ(rest(*names), std::vector<std::string>{text});
+}
+
 } // namespace

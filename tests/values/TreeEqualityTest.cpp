@@ -72,6 +72,31 @@ TEST(TreeEquality, CyclesAreComparedWhereverTheirOneOtherHolderIs) {
     EXPECT_TRUE(areEqual(*first[0], *compared));
 }
 
+TEST(TreeEquality, ATreeIsComparedWithACycleThatOnlyItselfHolds) {
+    Array unrolled = make<KEL_Array_Impl>();
+    for (int i = 0; i < 3; ++i) {
+        Array outer = make<KEL_Array_Impl>();
+        outer->addVar(unrolled.get());
+        unrolled = std::move(outer);
+    }
+    KEL_Array_Impl* cycle = selfHeld();
+    const bool isEqual = areEqual(*unrolled, *cycle) || areEqual(*cycle, *unrolled);
+    const TakeApart apart(cycle); // from here on, the test holds it too
+    EXPECT_FALSE(isEqual);
+}
+
+TEST(TreeEquality, ATreeIsComparedWithADescriptorWhoseInnerStructIsShared) {
+    const auto holding = [](const HeldValue& value) { return kel::test::arrayOf(value); };
+    const auto descriptor = [] { return kel::test::descriptorOf("min", kel::test::intOf(1)); };
+    const HeldValue array = holding(descriptor());
+    HeldValue other = descriptor();
+    auto* structure = dynamic_cast<MetaKelVarDescriptor&>(*other).getStruct();
+    const auto inner = JPointer<KEL_Impl>::share(KEL_Impl::of(structure));
+    const HeldValue same = holding(other);
+    other = HeldValue();
+    EXPECT_TRUE(areEqual(*array, *same));
+}
+
 TEST(TreeEquality, ACycleEqualsItsUnrolledSelfOnlyAsFarAsThatGoes) {
     const std::vector<Array> cycle = ring(1);
     const TakeApart apart(cycle[0].get());

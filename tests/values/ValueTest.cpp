@@ -8,6 +8,7 @@
 #include "values/KEL_String_Impl.h"
 #include "values/KEL_Struct_Impl.h"
 #include "values/KEL_guid_Impl.h"
+#include "values/KeepAlive.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -196,6 +197,21 @@ TEST(Value, SurvivesTheReleaseOfItsMakerInsideAContainer) {
     array->addVar(value);
     EXPECT_EQ(value->release(), 1);
     EXPECT_EQ(array->getInt(0), 7);
+}
+
+TEST(KeepAlive, NullIsNull) {
+    EXPECT_EQ(kel::keepAlive(nullptr).get(), nullptr);
+}
+
+TEST(Value, IsEqualAsAnObjectToOneOfItsIdentity) {
+    const JPointer<KEL_Int_Impl> value(new KEL_Int_Impl(5));
+    const JPointer<KEL_Int_Impl> other(new KEL_Int_Impl(5));
+    const auto asObject = [](const JPointer<KEL_Int_Impl>& object) {
+        return static_cast<const JObject*>(object.get());
+    };
+    EXPECT_TRUE(value->equals(asObject(value)));
+    EXPECT_FALSE(value->equals(asObject(other)));
+    EXPECT_FALSE(value->equals(static_cast<const JObject*>(nullptr)));
 }
 
 } // namespace

@@ -340,6 +340,27 @@ TEST(VariableTable, AllocatesOnceForAKnownCount) {
               0U);
 }
 
+TEST(VariableTable, RoomForFewerOrLaterVariablesChangesNothing) {
+    const std::vector<std::string> names = numberedNames(1000);
+    const Held<KEL_Impl> value(new KEL_Int_Impl(1));
+    VariableTable table;
+    table.reserve(100);
+    const auto append = [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i) {
+            table.append(names[i], Value::share(value.get()));
+        }
+    };
+    {
+        const kel::test::FailingAllocation failing(0, true);
+        table.reserve(50);
+        append(0, 100);
+    }
+    append(100, 1000);
+    const kel::test::FailingAllocation failing(0, true);
+    table.reserve(2000);
+    EXPECT_EQ(table.size(), 1000U);
+}
+
 TEST(VariableTable, ReleasesEachValueOnce) {
     const Held<KEL_Impl> value(new KEL_Int_Impl(1));
     {

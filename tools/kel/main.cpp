@@ -17,6 +17,7 @@ using namespace kel::tool;
 /// Runs the command. \return the exit status
 int run(const Request& request, Console& console) {
     if (request.common.maxMemory) {
+        // not reached: every POSIX system limits memory
         if (!limitMemory(*request.common.maxMemory)) {
             throw Failure{Trouble::usage,
                           "--max-memory: kel cannot limit its memory on this system"};

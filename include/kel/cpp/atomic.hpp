@@ -60,12 +60,14 @@ inline void replace_file(const std::filesystem::path& target, bool is_old, std::
 /// group; on Windows the new file has the permissions that its folder gives it. If the name is a
 /// symbolic link, the link is kept and the file that it leads to is replaced. Devices and pipes are
 /// written directly.
-/// \throws io_error as save does; the old file is then untouched
+/// \param allowed a kel::format, or kel::limits
+///
+/// \throws malformed, io_error as save does; the old file is then untouched
 inline void save_atomically(const value& content, const file_name& file,
-                            format how = format::automatic) {
+                            const limits& allowed = {}) {
     const std::string name = detail::name_of(file);
-    const format chosen = detail::format_to_write(file, how);
-    const std::string image = detail::file_image(content, chosen, name);
+    const format chosen = detail::format_to_write(file, allowed.format());
+    const std::string image = detail::file_image(content, chosen, name, allowed);
     const std::filesystem::path target = detail::behind_links(file, name);
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(target, ignored);

@@ -15,11 +15,37 @@ struct described {
 
 namespace detail {
 
-/// Whether an element has a name and a description: it is a kel::described or a pair.
-template <class T, class = void>
-inline constexpr bool names_a_variable = std::is_same_v<T, described>;
+/// Whether types are those of a name and a description.
+template <class Name, class Rules>
+inline constexpr bool is_named_by =
+    std::is_convertible_v<Name, text>&& std::is_convertible_v<Rules, const variable_description&>;
+/// Whether an element has a name and a description as members: kel::described, or a type of the
+/// program's own.
+template <class T, class = void> inline constexpr bool has_name_and_rules = false;
 template <class T>
-inline constexpr bool names_a_variable<T, std::void_t<decltype(std::declval<T>().second)>> = true;
+inline constexpr bool has_name_and_rules<T, std::void_t<decltype(std::declval<const T&>().name),
+                                                        decltype(std::declval<const T&>().rules)>> =
+    is_named_by<decltype((std::declval<const T&>().name)),
+                decltype((std::declval<const T&>().rules))>;
+/// Whether an element is a pair of a name and a description.
+template <class T, class = void> inline constexpr bool is_named_description = false;
+template <class T>
+inline constexpr bool
+    is_named_description<T, std::void_t<decltype(std::declval<const T&>().first),
+                                        decltype(std::declval<const T&>().second)>> =
+        is_named_by<decltype((std::declval<const T&>().first)),
+                    decltype((std::declval<const T&>().second))>;
+
+/// The kinds of containers that can be given for a checked struct.
+enum class table { of_descriptions, of_anything_else, none };
+template <class Container, class = void> inline constexpr table table_of = table::none;
+template <class Container>
+inline constexpr table table_of<
+    Container, std::enable_if_t<!std::is_void_v<element_of<Container>> &&
+                                !std::is_convertible_v<const Container&, std::string_view>>> =
+    has_name_and_rules<element_of<Container>> || is_named_description<element_of<Container>>
+        ? table::of_descriptions
+        : table::of_anything_else;
 
 } // namespace detail
 
@@ -29,8 +55,8 @@ inline constexpr bool names_a_variable<T, std::void_t<decltype(std::declval<T>()
 ///     kel::checked panel({{"gain", gain}});
 ///     if (auto done = panel.try_set("gain", 9.0); !done) { puts(done.message().c_str()); }
 ///
-/// A variable has its default until it is set. What is stored is always a new value of the
-/// described kind, never one that belongs to the description.
+/// A variable has its default until it is set. It always stores a new value of the described kind,
+/// never one that belongs to the description.
 class checked {
 public:
     /// Makes a checked struct. The descriptions are shared: one can serve many structs.
@@ -44,16 +70,33 @@ public:
         }
         raw_ = adopt_made(CreateMetaKel(all.get()));
     }
-    /// Makes one from a container of kel::described, or of pairs of names and descriptions, such
-    /// as a std::map<std::string, kel::variable_description>. It fails in the same way.
-    template <class Container,
-              class = std::enable_if_t<detail::names_a_variable<detail::element_of<Container>>>>
-    explicit checked(const Container& variables, const guid& identity = {}) {
+    /// Makes one from a container whose elements have the members name and rules, whatever else
+    /// they have, such as a table of the program's own or a std::vector<kel::described>. Pairs of
+    /// names and descriptions serve too, as in a std::map<std::string, kel::variable_description>.
+    /// It fails in the same way.
+    template <
+        class Container,
+        std::enable_if_t<detail::table_of<Container> == detail::table::of_descriptions, int> = 0>
+    checked(const Container& variables, const guid& identity = {}) {
+        using Element = detail::element_of<Container>;
         const ref<MetaKelDescriptor> all = descriptor(identity);
-        for (const auto& [name, rules] : variables) {
-            add(*all, name, rules);
+        for (const Element& each : variables) {
+            if constexpr (detail::has_name_and_rules<Element>) {
+                add(*all, each.name, each.rules);
+            } else {
+                add(*all, each.first, each.second);
+            }
         }
         raw_ = adopt_made(CreateMetaKel(all.get()));
+    }
+    /// Does not compile. It says what the elements need.
+    template <
+        class Container,
+        std::enable_if_t<detail::table_of<Container> == detail::table::of_anything_else, int> = 0>
+    explicit checked(const Container&, const guid& = {}) {
+        static_assert(detail::never<Container>,
+                      "kel: a checked struct is made from elements with a name and with rules: "
+                      "struct control { std::string name; kel::variable_description rules; };");
     }
     /// Takes a checked struct that exists, for example one that was read from a file.
     /// \throws type_error for another kind
@@ -120,7 +163,16 @@ public:
     outcome try_set(const detail::text& name, Integer number) {
         return variable(name).try_set(number);
     }
-    /// Does the same, but throws the reason.
+    /// Returns why try_set would refuse a value, printable, or nothing if it would store it. Stores
+    /// nothing.
+    [[nodiscard]] std::string why_not(const detail::text& name, const value& content) const {
+        return variable(name).why_not(content);
+    }
+    template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
+    [[nodiscard]] std::string why_not(const detail::text& name, Integer number) const {
+        return variable(name).why_not(number);
+    }
+    /// Stores as try_set does, but throws the reason.
     /// \throws not_allowed with the reason
     void set(const detail::text& name, const value& content) { variable(name).set(content); }
     template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
@@ -128,11 +180,18 @@ public:
         variable(name).set(number);
     }
     /// Stores the value that a person typed, as text returns and shows it: a number with or without
-    /// its unit, a choice, or true, on, yes, false, off or no for a truth value, in lower case. The
-    /// whole text must be a value: "12x" is refused. Blanks at the ends do not count, except in a
-    /// free text. Numbers have a decimal point in every locale.
+    /// its unit, a choice, or true, on, yes, 1, false, off, no or 0 for a truth value, in any case.
+    /// The number that text shows leaves the variable as it is, apart from one within a thousandth
+    /// of a step, which becomes that step. The whole text must be a value: "12x" is refused. Blanks
+    /// at the ends do not count, except in a free text. Numbers have a decimal point in every
+    /// locale.
     outcome try_set_text(const detail::text& name, std::string_view typed) {
         return variable(name).try_set_text(typed);
+    }
+    /// Does the same.
+    /// \throws not_allowed, with the same message, for what is refused
+    void set_text(const detail::text& name, std::string_view typed) {
+        variable(name).set_text(typed);
     }
     /// Stores what fits of a document, and returns what does not, as value::merge does. With
     /// missing::reset, the values depend on the document alone, as when a preset is loaded.
@@ -142,12 +201,38 @@ public:
     void restore(const value& state);
     /// Returns a plain struct of copies of all described variables, as value::values does.
     value values() const { return value(*this).values(); }
+    /// Returns the same without the variables that have only their default.
+    value stored_values() const { return value(*this).stored_values(); }
+    /// Returns a mix of two presets, to be stored by merge: a plain struct of all described
+    /// variables. At 0 they have the values of the first one and at 1 those of the second one,
+    /// exactly. In between, variables with a range are between both numbers, rounded to steps as by
+    /// set_normalised. A number that is the same in both remains that number. Choices, truth
+    /// values, texts and numbers without a range are those of the nearer preset, which is the
+    /// second one in the exact middle.
+    ///
+    /// A preset counts as merge with missing::reset stores it, so a variable that it lacks or has
+    /// with a refused value has its default. One without a default that only one preset has is that
+    /// of the nearer preset, so it can be missing. merge of the preset itself returns what is
+    /// refused.
+    ///
+    ///     for (const kel::mismatch& each : panel.merge(panel.mixed(soft, loud, 0.25))) { ... }
+    ///
+    /// \param where is moved to the nearer end of 0 to 1
+    /// \throws type_error unless both are structs
+    /// \throws std::out_of_range for a place that is not a number
+    [[nodiscard]] value mixed(const value& first, const value& second, double where) const;
     /// Removes the variable, so that it has its default again.
     /// \throws not_found for a variable that is not described
     void reset(const detail::text& name) { variable(name).reset(); }
     /// Returns whether the variable has its default because nothing is stored.
     /// \throws not_found for a variable that is not described
     bool is_default(const detail::text& name) const { return variable(name).is_default(); }
+    /// Returns whether the variable has the value of its default, stored or not. For one without a
+    /// default, returns whether it has no value.
+    /// \throws not_found for a variable that is not described
+    bool has_default_value(const detail::text& name) const {
+        return variable(name).has_default_value();
+    }
     /// Removes all described variables, so that they have their defaults again.
     void reset() {
         for (const std::string& name : names()) {
@@ -163,19 +248,23 @@ public:
     /// as one of a file, gives the nearer end; one that is not a number or choice gives 0.
     /// \throws error for a variable that has neither a range nor choices
     double normalised(const detail::text& name) const { return variable(name).normalised(); }
-    /// Stores the number or choice at this place. A number is rounded to the nearest step, if the
-    /// description states a step or forbids values in between. A place outside of 0 to 1 is moved
-    /// to the nearer end or, if the variable wraps, by whole turns.
+    /// Stores the number or choice at this place: at 0 and 1 exactly the ends. A number is rounded
+    /// to the nearest step, if the description states a step or forbids values in between, so at 1
+    /// it is the last step if that is before the end. A place outside of 0 to 1 is moved to the
+    /// nearer end or, if the variable wraps, by whole turns.
+    ///
     /// \throws std::out_of_range for a place that is not a number
     void set_normalised(const detail::text& name, double place) {
         variable(name).set_normalised(place);
     }
-    /// Moves the variable by a number of steps or choices, up or down. It stops at the ends or, if
-    /// the variable wraps, goes on at the other end. One step beyond the greatest of whole numbers
-    /// is the least one. Both ends of other numbers are the same place, like 0 and 360 degrees.
+    /// Moves the variable by a number of steps or choices, up or down. From between two steps, the
+    /// first one leads to the next step in that direction. Without a stated step it moves by 1. It
+    /// stops at the ends or, if the variable wraps, goes on at the other end. One step beyond the
+    /// greatest of whole numbers is the least one. Both ends of other numbers are the same place,
+    /// like 0 and 360 degrees.
     void step_by(const detail::text& name, int steps) { variable(name).step_by(steps); }
-    /// Returns the value with the texts before and after it, to be shown: "-6.5 dB". A number at a
-    /// step has no more decimals than the steps have.
+    /// Returns the value with the texts before and after it, to be shown: "-6.5 dB". A number has
+    /// at most 15 digits, and one at a step has no more decimals than the steps have.
     std::string text(const detail::text& name) const { return variable(name).text(); }
     /// Returns all choices as text returns each of them while it is chosen. A truth value has the
     /// choices false and true. Empty for a variable without such a list.
@@ -184,7 +273,7 @@ public:
     std::vector<std::string> choice_texts(const detail::text& name) const {
         return variable(name).choice_texts();
     }
-    /// Returns what is allowed, in the words of the refusals: "from -60 to 6 dB".
+    /// Returns what is allowed, in the words of the refusals, printable: "from -60 to 6 dB".
     /// \throws not_found for a variable that is not described
     std::string allowed_text(const detail::text& name) const {
         return description(name).allowed_text();

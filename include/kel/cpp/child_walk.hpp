@@ -48,7 +48,7 @@ public:
         }
         is_item_ = list_ != nullptr && !is_item_;
         index_ += is_item_ ? 0 : 1; // the item after its key
-        if (index_ >= count_) {
+        if (!is_container() || index_ >= count_) {
             return false;
         }
         child_ = array_ != nullptr     ? array_->getVar(index_)

@@ -27,7 +27,7 @@ std::vector<std::string> complaints_about(const value& root, std::size_t most,
                 for (const child_walk& each : open) {
                     each.append_step(path);
                 }
-                found.push_back(lead(path) + reason);
+                found.push_back(printable(lead(path) + reason));
             }
             child_walk inside(at);
             if (inside.is_container() && seen.insert(at).second) {

@@ -2,7 +2,7 @@
 /// The operations of value that reach into containers.
 #pragma once
 
-#include <kel/cpp/place.hpp>
+#include <kel/cpp/comparison.hpp>
 
 namespace kel {
 inline namespace v1 {
@@ -74,6 +74,16 @@ inline value value::find(const detail::text& name) const {
     return detail::find_variable(*detail::walk_of(raw()), raw(), name.c_str()).handle();
 }
 
+inline value value::find_struct(const detail::text& name) const {
+    value found = detail::struct_of(raw()) == nullptr ? value() : find(name);
+    return detail::struct_of(found.raw()) == nullptr ? value() : found;
+}
+
+inline value value::find_array(const detail::text& name) const {
+    value found = detail::struct_of(raw()) == nullptr ? value() : find(name);
+    return detail::array_of(found.raw()) == nullptr ? value() : found;
+}
+
 template <class T> T value::get_or(const detail::text& name, T otherwise) const {
     T out{};
     const KELInterface_Struct_V2* fields = detail::walk_of(raw());
@@ -132,7 +142,7 @@ inline KEL_Array& value::as_array() const {
 
 inline void value::refuse_null(const value& content) {
     if (!content) {
-        throw type_error("An array cannot hold null.");
+        throw type_error("An array cannot hold null.", blame::argument);
     }
 }
 
@@ -205,7 +215,8 @@ template <class T, class Path>
 void value::assign_value(KEL* object, const T& content, const Path& path) {
     const auto refuse = [&](const char* given) {
         throw type_error(detail::lead(path()) + "cannot assign " + given + " to " +
-                         words(static_cast<kel::kind>(detail::type_of(object))) + ".");
+                             words(static_cast<kel::kind>(detail::type_of(object))) + ".",
+                         blame::argument);
     };
     const std::int32_t type = detail::type_of(object);
     if constexpr (std::is_same_v<T, bool>) {

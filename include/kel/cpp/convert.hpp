@@ -3,12 +3,10 @@
 #pragma once
 
 #include <kel/cpp/cast.hpp>
+#include <kel/cpp/decimals.hpp>
 
-#include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -92,27 +90,6 @@ template <class T> using element_of = typename element_traits<T>::type;
 
 // ---- Storing -----------------------------------------------------------------------------------
 
-/// Returns a number with the fewest digits that read as the same number, without an exponent unless
-/// it is very large or small: 100000, 0.0001, 1e+15. No locale changes it.
-inline std::string shortest(double number) {
-    char digits[64];
-    const double size = number < 0 ? -number : number;
-    const bool is_plain = size >= 1e-6 && size < 1e15;
-    const auto end =
-        is_plain ? std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed)
-                 : std::to_chars(digits, digits + sizeof digits, number);
-    return number == 0 ? "0" : std::string(digits, end.ptr); // also for the negative zero
-}
-
-/// Returns the number of at most so many decimals that is nearest to a number below 1e15.
-inline double rounded(double number, int decimals) {
-    char digits[64];
-    const auto end =
-        std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, decimals);
-    std::from_chars(digits, end.ptr, number);
-    return number;
-}
-
 /// Returns the digits of a number for a message.
 template <class Number> std::string digits_of(Number number) {
     if constexpr (std::is_integral_v<Number>) {
@@ -135,7 +112,8 @@ template <class Index> std::int32_t index_of(Index index) {
 
 /// Returns the path as the beginning of a message.
 inline std::string lead(const std::string& path) {
-    return path.empty() ? "" : path + ": ";
+    constexpr std::size_t most = 100; // a deep document must not hide the reason
+    return path.empty() ? "" : printable(path, most) + ": ";
 }
 
 /// The path of a number whose place is not known.
@@ -381,9 +359,11 @@ template <class T> const char* wanted_words() {
                                             : words(kind::block);
 }
 
-[[noreturn]] inline void raise_wrong_kind(const std::string& path, const char* wanted, KEL* found) {
+[[noreturn]] inline void raise_wrong_kind(const std::string& path, const char* wanted, KEL* found,
+                                          blame whose = blame::content) {
     throw type_error(lead(path) + "wanted " + wanted + ", found " +
-                     words(static_cast<kind>(type_of(found))) + ".");
+                         words(static_cast<kind>(type_of(found))) + ".",
+                     whose);
 }
 
 template <class T>

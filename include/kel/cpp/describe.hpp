@@ -93,9 +93,32 @@ public:
     bool wrapped() const { return raw_->getWrapped(); }
     /// Returns whether kel.hpp refuses numbers between two steps.
     bool stepped() const { return detail::has_only_steps(*raw_); }
-    /// Returns what is allowed, in the words of the refusals: "from -60 to 6 dB", or
+    /// Returns whether a document that is merged must have the variable.
+    bool is_required() const { return detail::is_required(*raw_); }
+    /// Returns the most characters that a text can have, if the description states it.
+    std::optional<std::int32_t> longest() const { return detail::longest_of(*raw_); }
+    /// Returns false for a text that is described as not_empty.
+    bool allows_empty() const { return detail::allows_empty(*raw_); }
+    /// Returns what is allowed, in the words of the refusals, printable: "from -60 to 6 dB", or
     /// "one of "mono", "stereo"".
-    std::string allowed_text() const { return detail::allowed_by(*raw_); }
+    std::string allowed_text() const { return printable(detail::allowed_by(*raw_)); }
+
+    /// Returns the value that a person typed, as a new value of the described kind. Accepts the
+    /// same texts as try_set_text of kel::checked.
+    ///
+    ///     const int port = kel::describe<int>().range(1, 65535).read_text(argv[1], "PORT");
+    ///
+    /// \param name of what was typed, with which the message begins
+    /// \throws not_allowed: "PORT: "x" is not a number; allowed is from 1 to 65535."
+    value read_text(std::string_view typed, std::string_view name = {}) const;
+    /// Returns why the description does not allow a value, printable, or nothing if it does.
+    /// \param name of the value, with which the reason begins
+    [[nodiscard]] std::string why_not(const value& content, std::string_view name = {}) const;
+    template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
+    [[nodiscard]] std::string why_not(Integer number, std::string_view name = {}) const {
+        const std::string path(name);
+        return why_not(detail::value_for(number, true, [&path] { return path; }), name);
+    }
 
     /// Returns the descriptor as its public class, borrowed, or as a handle.
     MetaKelVarDescriptor* raw() const noexcept { return raw_.get(); }
@@ -119,6 +142,7 @@ template <class T> class [[nodiscard]] typed_description : public variable_descr
 
 public:
     using variable_description::fallback;
+    using variable_description::longest;
     using variable_description::prefix;
     using variable_description::step;
     using variable_description::unit;
@@ -145,7 +169,7 @@ public:
         return std::move(*this);
     }
     /// Allows these values only: those in braces, or those of a container.
-    /// \throws error if the description has a range
+    /// \throws error if the description has a range, or limits the length
     typed_description one_of(std::initializer_list<T> allowed) && { return allow(allowed); }
     template <class Container> typed_description one_of(const Container& allowed) && {
         return allow(allowed);
@@ -201,6 +225,43 @@ public:
         });
         return std::move(*this);
     }
+    /// Says that a document must have the variable. merge reports one that lacks it: "price: is
+    /// missing." Nothing else changes: the variable can have a default, and can be reset.
+    typed_description required(bool is = true) && {
+        put("required", value(is));
+        return std::move(*this);
+    }
+    /// Refuses texts with more characters of UTF-8 than this. A byte that does not belong to a
+    /// character counts as one. Only kel.hpp checks this, and not_empty.
+    /// \throws error for less than one, or if the description has choices
+    typed_description longest(std::int32_t characters) && {
+        static_assert(std::is_same_v<T, std::string>, "kel: only texts have a length.");
+        if (characters < 1) {
+            throw error("The longest text has at least one character.");
+        }
+        refuse_both(raw_->isEnumerated());
+        put("longest", value(characters));
+        return std::move(*this);
+    }
+    /// Refuses the empty text. A text of blanks is not empty.
+    /// \throws error if the description has choices
+    typed_description not_empty() && {
+        static_assert(std::is_same_v<T, std::string>, "kel: only texts have a length.");
+        refuse_both(raw_->isEnumerated());
+        put("not_empty", value(true));
+        return std::move(*this);
+    }
+
+    /// Returns what a person typed, as the read_text of variable_description, in the described
+    /// type. \throws not_allowed also for a number that the type does not hold
+    T read_text(std::string_view typed, std::string_view name = {}) const {
+        const value read = variable_description::read_text(typed, name);
+        if (std::optional<T> fitting = read.try_get<T>()) {
+            return *std::move(fitting);
+        }
+        throw not_allowed(detail::lead(std::string(name)) + detail::shown(read.raw()) +
+                          " does not fit the described type.");
+    }
 
     /// Return a changed copy, and leave this description as it is. They fail in the same way.
     template <class Least, class Greatest>
@@ -219,6 +280,9 @@ public:
     typed_description prefix(const detail::text& a) const& { return copied().prefix(a); }
     typed_description wraps(bool a = true) const& { return copied().wraps(a); }
     typed_description only_steps() const& { return copied().only_steps(); }
+    typed_description required(bool a = true) const& { return copied().required(a); }
+    typed_description longest(std::int32_t a) const& { return copied().longest(a); }
+    typed_description not_empty() const& { return copied().not_empty(); }
 
 private:
     /// Returns a description that shares the descriptor until it is changed.
@@ -231,10 +295,13 @@ private:
         }
         return *raw_;
     }
-    /// Refuses what the library would ignore: it looks at the range alone.
+    /// Refuses choices together with a range, of which the library looks at the range alone, and
+    /// with a length, which could refuse a choice.
     static void refuse_both(bool has_other) {
         if (has_other) {
-            throw error("A description has either a range or choices.");
+            throw error(std::is_same_v<T, std::string>
+                            ? "A description has either a length or choices."
+                            : "A description has either a range or choices.");
         }
     }
     /// Sets a property to a new value.
@@ -245,7 +312,7 @@ private:
         using Element = detail::element_of<Container>;
         static_assert(!std::is_void_v<Element>,
                       "kel: one_of takes values in braces or a container.");
-        refuse_both(raw_->isRanged());
+        refuse_both(raw_->isRanged() || detail::limits_length(*raw_));
         value list = array();
         for (auto&& each : allowed) {
             list.push_back(detail::described_value<T>(static_cast<const Element&>(each)));

@@ -16,12 +16,33 @@ class [[nodiscard]] outcome {
 public:
     outcome() = default;
     /// Makes one that states why nothing was stored.
-    explicit outcome(std::string reason) : reason_(std::move(reason)) {}
+    explicit outcome(const std::string& reason) : reason_(printable(reason)) {}
 
     /// Returns true if the value was stored.
     explicit operator bool() const noexcept { return reason_.empty(); }
-    /// Returns the reason, which says what is allowed. Empty if the value was stored.
+    /// Returns the reason, which says what is allowed and is printable. Empty if the value was
+    /// stored.
     const std::string& message() const noexcept { return reason_; }
+
+    /// Returns the same outcome with a path before the one with which the message begins:
+    /// "parts[3].price: 9 is not allowed." That is for a variable of a struct inside a document,
+    /// such as one that kel::taken has the path of.
+    outcome under(std::string_view path) const {
+        const bool joins = path.empty() || *this || reason_.front() == '[';
+        return *this ? *this : outcome(std::string(path) + (joins ? "" : ".") + reason_);
+    }
+    /// Throws the message unless the value was stored.
+    ///
+    ///     rules.try_set("price", price).under(parts.path_of(i)).or_throw(kel::blame::content);
+    ///
+    /// \throws not_allowed, which blames the argument, or the content of a document that the
+    /// program
+    ///         checks itself
+    void or_throw(blame whose = blame::argument) const {
+        if (!*this) {
+            throw not_allowed(reason_, whose);
+        }
+    }
 
 private:
     std::string reason_;
@@ -37,8 +58,18 @@ public:
         : target_(target), name_(name), path_(std::move(path)),
           rules_(description_of(target, name)) {}
 
+    std::string why_not(const value& content) const {
+        return printable(
+            rules_ == nullptr
+                ? unknown_in(target_, name_, path_)
+                : detail::why_not(*rules_, path_, unchanged_by_text(*rules_, content.raw()).raw()));
+    }
+    template <class Integer, std::enable_if_t<is_integer<Integer>, int> = 0>
+    std::string why_not(Integer number) const {
+        return why_not(value_for(number, true, [this] { return path_; }));
+    }
     outcome try_set(const value& content) const {
-        return outcome(try_store(target_, name_, path_, content.raw()));
+        return outcome(try_store(target_, name_, path_, content.raw(), origin::program));
     }
     template <class Integer, std::enable_if_t<is_integer<Integer>, int> = 0>
     outcome try_set(Integer number) const {
@@ -48,14 +79,12 @@ public:
         std::string reason;
         const value content =
             rules_ == nullptr ? value() : read_typed(*rules_, path_, typed, reason);
-        return reason.empty() ? try_set(content) : outcome(reason);
+        return !reason.empty()  ? outcome(reason)
+               : shows(content) ? try_set(current())
+                                : try_set(content);
     }
-    template <class Content> void set(const Content& content) const {
-        const outcome done = try_set(content);
-        if (!done) {
-            throw not_allowed(done.message());
-        }
-    }
+    template <class Content> void set(const Content& content) const { try_set(content).or_throw(); }
+    void set_text(std::string_view typed) const { try_set_text(typed).or_throw(); }
     void reset() const {
         require_rules();
         value(share(&target_)).erase(name_);
@@ -63,6 +92,11 @@ public:
     bool is_default() const {
         require_rules();
         return !target_.containsVar(name_);
+    }
+    bool has_default_value() const {
+        const value fallback(share(require_rules().getDefault()));
+        const value stored = value(share(&target_)).find(name_);
+        return stored == fallback;
     }
 
     bool has_scale() const {
@@ -72,7 +106,7 @@ public:
     double normalised() const { return ends().from(current()); }
     void set_normalised(double place) const {
         if (std::isnan(place)) {
-            throw std::out_of_range(path_ + ": a place between two ends is a number.");
+            throw std::out_of_range(printable(path_ + ": a place between two ends is a number."));
         }
         const scale between = ends();
         if (rules_->getWrapped() && (place < 0 || place > 1)) {
@@ -106,9 +140,19 @@ public:
 private:
     MetaKelVarDescriptor& require_rules() const {
         if (rules_ == nullptr) {
-            throw not_found(unknown_in(target_, name_, path_));
+            throw not_found(unknown_in(target_, name_, path_), blame::argument);
         }
         return *rules_;
+    }
+    /// Returns whether a number that was typed is the one that text shows for the variable. The
+    /// variable can have more digits, which a person that changes nothing must not take away.
+    bool shows(const value& typed) const {
+        if (rules_ == nullptr || rules_->isEnumerated()) {
+            return false;
+        }
+        const value stored = value(share(&target_)).find(name_);
+        return stored.kind() == kind::real && typed.kind() == kind::real &&
+               with_kept_digits(stored.raw()->toDouble()) == typed.raw()->toDouble();
     }
     scale ends() const { return scale(require_rules(), path_); }
     /// Returns the variable, or its default if it is missing or null.
@@ -137,12 +181,33 @@ inline described_variable described_at(const location& at) {
     MetaKel* target = at.name == nullptr ? nullptr : checked_of(at.container);
     if (target == nullptr) {
         look_or_throw(at); // a missing variable is one, whatever its struct is
-        throw type_error(lead(path_of(at)) + "not a variable of a checked struct.");
+        const std::string path = path_of(at);
+        throw type_error((path.empty() ? "The document" : path + ':') + " is not described.");
     }
     return {*target, at.name, path_of(at)};
 }
 
 } // namespace detail
+
+// ---- Descriptions ------------------------------------------------------------------------------
+
+inline value variable_description::read_text(std::string_view typed, std::string_view name) const {
+    const std::string path(name);
+    std::string reason;
+    const value read = detail::read_typed(*raw_, path, typed, reason);
+    if (reason.empty()) {
+        reason = why_not(read, name);
+    }
+    outcome(reason).or_throw();
+    return detail::call([&] {
+        return detail::made_for(*raw_, detail::unchanged_by_text(*raw_, read.raw()).raw());
+    });
+}
+inline std::string variable_description::why_not(const value& content,
+                                                 std::string_view name) const {
+    return printable(detail::why_not(*raw_, std::string(name),
+                                     detail::unchanged_by_text(*raw_, content.raw()).raw()));
+}
 
 // ---- Places ------------------------------------------------------------------------------------
 
@@ -171,6 +236,9 @@ inline variable_description const_place::description() && {
 inline bool const_place::is_default() && {
     return detail::described_at(at_).is_default();
 }
+inline bool const_place::has_default_value() && {
+    return detail::described_at(at_).has_default_value();
+}
 inline outcome place::try_set(const value& content) && {
     refuse_default();
     return detail::described_at(at_).try_set(content);
@@ -183,6 +251,10 @@ outcome place::try_set(Integer number) && {
 inline outcome place::try_set_text(std::string_view typed) && {
     refuse_default();
     return detail::described_at(at_).try_set_text(typed);
+}
+inline void place::set_text(std::string_view typed) && {
+    refuse_default();
+    detail::described_at(at_).set_text(typed);
 }
 inline void place::set_normalised(double where) && {
     refuse_default();

@@ -24,6 +24,7 @@
 #define KEL_SELDOM
 #endif
 
+#include <kel/cpp/printable.hpp>
 #include <kel/kel.h>
 
 #include <cstdint>
@@ -37,28 +38,74 @@
 namespace kel {
 inline namespace v1 {
 
-/// The base of every failure.
+/// Who is to blame for a failure.
+///
+/// | Failure | To blame |
+/// | --- | --- |
+/// | type_error, not_found, range_error | the content, which is not what the program wants |
+/// | io_error, malformed | the system if there is a reason(), otherwise the content |
+/// | name_error, not_allowed, error | the argument: a name, a value or a description |
+///
+/// A few type_errors and not_founds are about an argument too, such as a null that is put into an
+/// array, or a name that is not described. They say so. merge, load_into and take throw nothing for
+/// a refused value of a document: they return it.
+enum class blame {
+    content,  ///< a document, or a value that cannot be written in a format
+    argument, ///< what the program passed, or a person typed
+    system    ///< the same call can succeed later
+};
+
+/// The base of every failure. Its text is printable, whatever the names and texts of a document in
+/// it are.
+///
+///     try {
+///         settings = read_settings(file); // with load_struct, get, merge
+///     } catch (const kel::error& failure) {
+///         puts(failure.message_in(file).c_str());
+///         if (failure.blames_content()) { repair(file); }
+///     }
 class error : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    /// Makes one with a text, which becomes printable.
+    explicit error(const std::string& message, blame whose = blame::argument)
+        : std::runtime_error(printable(message)), whose_(whose) {}
+
+    /// Returns who is to blame.
+    blame blames() const noexcept { return whose_; }
+    /// Returns whether the content is to blame, so that a document can be repaired.
+    bool blames_content() const noexcept { return whose_ == blame::content; }
+    /// Returns what() with the file before it. Returns what() alone if the argument is to blame, or
+    /// if it begins with a file already.
+    virtual std::string message_in(const std::string& file) const {
+        return whose_ == blame::argument ? what() : printable(file) + ": " + what();
+    }
+
+private:
+    blame whose_;
 };
 
 /// A value of another kind than the program wanted.
 class type_error : public error {
 public:
-    using error::error;
+    /// Makes one that blames the content, unless the program says otherwise.
+    explicit type_error(const std::string& message, blame whose = blame::content)
+        : error(message, whose) {}
 };
 
 /// An unknown name, index, key or identity.
 class not_found : public error {
 public:
-    using error::error;
+    /// Makes one that blames the content, unless the program says otherwise.
+    explicit not_found(const std::string& message, blame whose = blame::content)
+        : error(message, whose) {}
 };
 
 /// A number in a document that the type wanted by the program cannot hold without loss.
 class range_error : public error {
 public:
-    using error::error;
+    /// Makes one that blames the content, unless the program says otherwise.
+    explicit range_error(const std::string& message, blame whose = blame::content)
+        : error(message, whose) {}
 };
 
 /// A name that a variable cannot have: it is empty, contains a double quote or a NUL, or exists
@@ -68,7 +115,8 @@ public:
     using error::error;
 };
 
-/// A value that the description of a variable does not allow.
+/// A value that the description of a variable does not allow. A program that checks a value of a
+/// document itself makes one that blames the content.
 class not_allowed : public error {
 public:
     using error::error;
@@ -90,18 +138,22 @@ public:
     /// \param line the line in which reading stopped, counted from 1; 0 if it is not known
     /// \param reason the reason of the system; empty if the system is not to blame
     /// \param column the place in the line of the last byte that was read, counted from 1; 0 if it
-    /// is not
-    ///        known
+    ///        is not known
     io_error(std::string file, std::int64_t line, const std::string& message,
              std::error_code reason = {}, std::int64_t column = 0)
-        : error(describe(file, line, column, message, reason)), file_(std::move(file)), line_(line),
-          column_(column), reason_(reason) {}
+        : error(describe(file, line, column, message, reason),
+                reason ? blame::system : blame::content),
+          file_(std::move(file)), line_(line), column_(column), reason_(reason) {}
 
     /// Return what the constructor was given. The text and the reason are borrowed.
     const std::string& file() const noexcept { return file_; }
     std::int64_t line() const noexcept { return line_; }
     std::int64_t column() const noexcept { return column_; }
     const std::error_code& reason() const noexcept { return reason_; }
+
+    std::string message_in(const std::string& file) const override {
+        return file_.empty() ? error::message_in(file) : what();
+    }
 
 private:
     static std::string describe(const std::string& file, std::int64_t line, std::int64_t column,
@@ -125,8 +177,7 @@ private:
 
 /// A content was read that is not a document: it is damaged, cut off, or not in this format, holds
 /// no value or several, or another kind of value than the caller needs. The system has not failed,
-/// so reading the same content again fails again. A program can throw it too, with the file and the
-/// text of another failure, which knows only the path of its value.
+/// so reading the same content again fails again.
 class malformed : public io_error {
 public:
     using io_error::io_error;

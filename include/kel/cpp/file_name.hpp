@@ -2,6 +2,8 @@
 /// file_name: the name of a file, in UTF-8 or as a path of the standard library.
 #pragma once
 
+#include <kel/cpp/error.hpp>
+
 #include <filesystem>
 #include <string_view>
 #include <type_traits>
@@ -16,11 +18,17 @@ class file_name {
 public:
     /// Takes a text in UTF-8, or whatever else a std::filesystem::path is made of, such as a path
     /// or the wchar_t text that Windows gives.
+    /// \throws name_error for a name that contains a NUL, where the system would cut it
     template <class Source,
               std::enable_if_t<std::is_constructible_v<std::filesystem::path, const Source&> &&
                                    !std::is_same_v<Source, file_name>,
                                int> = 0>
-    file_name(const Source& name) : path_(path_of(name)) {}
+    file_name(const Source& name) : path_(path_of(name)) {
+        if (path_.native().find(std::filesystem::path::value_type()) !=
+            std::filesystem::path::string_type::npos) {
+            throw name_error("The name of a file cannot contain a NUL.");
+        }
+    }
 
     /// Returns the name as a path, borrowed from the file_name.
     const std::filesystem::path& path() const noexcept { return path_; }

@@ -2,7 +2,7 @@
 /// Values as text and binary in memory.
 #pragma once
 
-#include <kel/cpp/complaints.hpp>
+#include <kel/cpp/printable_copy.hpp>
 #include <kel/cpp/system.hpp>
 
 namespace kel {
@@ -89,25 +89,33 @@ inline std::string image(const value& root, format how, const std::string& name)
     }
 }
 
-} // namespace detail
-
-/// Returns the value as text, without a final line end. For null, returns "null".
-/// \throws io_error for a selector, a value that contains itself, and a text of 2 GiB or more
-inline std::string to_text(const value& content) {
-    std::string text = detail::image(content, format::text, {});
+/// Returns the text of a value without a final line end.
+inline std::string text_without_end(const value& content) {
+    std::string text = image(content, format::text, {});
     text.erase(text.find_last_not_of('\n') + 1);
     return text;
 }
 
-/// Returns the value in binary.
-/// \throws io_error for null and for the kinds without a binary form
-inline std::string to_binary(const value& content) {
-    return detail::image(content, format::binary, {});
-}
+} // namespace detail
 
-/// Writes to_text.
+/// Returns the value as text for people, without a final line end, and "null" for null. Whoever
+/// wrote the document, the text is safe for a terminal and a log: Strings and names are printable,
+/// so control characters and line ends in them are escapes. The text can also show what from_text
+/// would not read again, such as a double quote in a String. to_text refuses that, and escapes
+/// nothing.
+///
+/// \throws io_error for a selector, a value that contains itself, and a text of 2 GiB or more
+inline std::string shown(const value& content) {
+    std::string text = detail::text_without_end(content); // not without end, so not a ring
+    if (!detail::has_only_printable_texts(content)) {
+        text = std::string(); // the memory of one text is enough
+        text = detail::text_without_end(detail::printable_copy(content));
+    }
+    return text;
+}
+/// Writes what shown returns. It fails in the same way.
 inline std::ostream& operator<<(std::ostream& out, const value& content) {
-    return out << to_text(content);
+    return out << shown(content);
 }
 
 } // namespace v1

@@ -7,7 +7,8 @@
 ///     for (const kel::value& entry : kel::reader("log.kelb")) { ... }
 ///
 /// Names are bytes on POSIX systems and Unicode on Windows. Every failure is an io_error with the
-/// name of the file, except std::bad_alloc. Nothing here depends on the locale.
+/// name of the file, except std::bad_alloc and a name_error for a name with a NUL. Nothing here
+/// depends on the locale.
 #pragma once
 
 #include <kel/cpp/rings.hpp>
@@ -37,8 +38,9 @@ inline format format_to_write(const std::filesystem::path& file, format how) {
                : format::text;
 }
 
-/// Returns the content of a file.
-inline std::string content_of(const std::filesystem::path& file) {
+/// Returns the content of a file. One byte too many can be among it.
+/// \throws malformed for a file with too many bytes
+inline std::string content_of(const std::filesystem::path& file, const limits& allowed) {
     const std::string name = name_of(file);
     errno = 0;
     const file_handle opened = open_file(file, "rb");
@@ -47,13 +49,18 @@ inline std::string content_of(const std::filesystem::path& file) {
     }
     std::error_code no_size; // such as for a pipe
     const std::uintmax_t size = std::filesystem::file_size(file, no_size);
-    return read_all(opened.get(), name, no_size ? 0 : size + mark_size);
+    if (no_size) {
+        return read_all(opened.get(), name, 0, allowed.most_bytes());
+    }
+    require_bytes(allowed, size, name);
+    return read_all(opened.get(), name, size + mark_size, allowed.most_bytes());
 }
 
 /// Returns the content of a file, or nothing if the file does not exist.
-inline std::optional<std::string> content_if_exists(const std::filesystem::path& file) {
+inline std::optional<std::string> content_if_exists(const std::filesystem::path& file,
+                                                    const limits& allowed) {
     try {
-        return content_of(file);
+        return content_of(file, allowed);
     } catch (const io_error& failure) {
         if (failure.reason() != std::errc::no_such_file_or_directory) {
             throw;
@@ -126,14 +133,15 @@ public:
     };
     using iterator = detail::walk_iterator<walk>;
 
-    /// Reads a file, all of it at once.
+    /// Reads a file, all of it at once. Rings are cut or refused in each value.
+    /// \throws malformed for a file with too many bytes
     /// \throws io_error for a file that cannot be read
-    explicit reader(const file_name& file, format how = format::automatic)
-        : reader(detail::name_of(file), detail::content_of(file), how) {}
+    explicit reader(const file_name& file, const limits& allowed = {})
+        : reader(detail::name_of(file), detail::content_of(file, allowed), allowed) {}
 
     /// Reads a text or a binary content in memory.
-    static reader from_memory(std::string content, format how = format::automatic) {
-        return reader({}, std::move(content), how);
+    static reader from_memory(std::string content, const limits& allowed = {}) {
+        return reader({}, std::move(content), allowed);
     }
 
     /// Reads the next value, which can be null in text. Returns false after the last one.
@@ -146,24 +154,28 @@ public:
     iterator end() const { return {}; }
 
 private:
-    reader(std::string name, std::string content, format how)
-        : roots_(detail::roots_of(std::move(name), std::move(content), how)) {}
+    reader(std::string name, std::string content, const limits& allowed)
+        : roots_(detail::roots_of(std::move(name), std::move(content), allowed)) {}
 
     std::unique_ptr<detail::roots> roots_;
 };
 
 /// Returns the only value of a file. The word null in a text gives null.
-/// \throws malformed for a file with none or several, and for a damaged one
+/// \param allowed a kel::format, or kel::limits
+///
+/// \throws malformed for a file with none or several, for a damaged one, and for what is not
+/// allowed
+///
 /// \throws io_error, with the reason of the system, for a file that cannot be opened or read
-inline value load(const file_name& file, format how = format::automatic) {
-    return detail::only_root(detail::name_of(file), detail::content_of(file), how);
+inline value load(const file_name& file, const limits& allowed = {}) {
+    return detail::only_root(detail::name_of(file), detail::content_of(file, allowed), allowed);
 }
 
 /// Returns the only value of a file, or the fallback if the file does not exist. A file that exists
 /// and cannot be read is a failure, as for load.
-inline value load_or(const file_name& file, value fallback, format how = format::automatic) {
-    std::optional<std::string> content = detail::content_if_exists(file);
-    return content ? detail::only_root(detail::name_of(file), *std::move(content), how)
+inline value load_or(const file_name& file, value fallback, const limits& allowed = {}) {
+    std::optional<std::string> content = detail::content_if_exists(file, allowed);
+    return content ? detail::only_root(detail::name_of(file), *std::move(content), allowed)
                    : std::move(fallback);
 }
 
@@ -171,8 +183,8 @@ namespace detail {
 
 /// Returns the only value of a content, which is a struct. The rings of any other value are cut.
 /// \throws malformed as only_root, and for any other value
-inline value only_struct(const std::string& name, std::string content, format how) {
-    value root = only_root(name, std::move(content), how);
+inline value only_struct(const std::string& name, std::string content, const limits& allowed) {
+    value root = only_root(name, std::move(content), allowed);
     if (struct_of(root.raw()) == nullptr) {
         const dropped_document refused(root);
         throw malformed(name, 0, std::string("wanted a struct, found ") + words(root.kind()) + '.');
@@ -185,14 +197,14 @@ inline value only_struct(const std::string& name, std::string content, format ho
 /// Returns the only value of a file, which is a struct, checked or not.
 /// \throws malformed also for a file that holds any other value, such as null
 /// \throws io_error as load
-inline value load_struct(const file_name& file, format how = format::automatic) {
-    return detail::only_struct(detail::name_of(file), detail::content_of(file), how);
+inline value load_struct(const file_name& file, const limits& allowed = {}) {
+    return detail::only_struct(detail::name_of(file), detail::content_of(file, allowed), allowed);
 }
 
 /// Returns the same, or the fallback if the file does not exist. The fallback is not examined.
-inline value load_struct_or(const file_name& file, value fallback, format how = format::automatic) {
-    std::optional<std::string> content = detail::content_if_exists(file);
-    return content ? detail::only_struct(detail::name_of(file), *std::move(content), how)
+inline value load_struct_or(const file_name& file, value fallback, const limits& allowed = {}) {
+    std::optional<std::string> content = detail::content_if_exists(file, allowed);
+    return content ? detail::only_struct(detail::name_of(file), *std::move(content), allowed)
                    : std::move(fallback);
 }
 
@@ -200,10 +212,13 @@ inline value load_struct_or(const file_name& file, value fallback, format how = 
 /// written in this form, or if text would not give it back (lost_in_text). It is damaged if the
 /// system fails, for instance because the disk is full: save_atomically avoids that.
 /// \throws io_error for null in binary, a value without this form, and failures of the system
-inline void save(const value& content, const file_name& file, format how = format::automatic) {
-    const format chosen = detail::format_to_write(file, how);
+/// \throws malformed for what loading the file within these limits refuses. Nothing is cut, so a
+/// value that contains itself exceeds every limit of values and depth
+/// \param allowed a kel::format, or kel::limits, which a program also loads with
+inline void save(const value& content, const file_name& file, const limits& allowed = {}) {
+    const format chosen = detail::format_to_write(file, allowed.format());
     const std::string name = detail::name_of(file);
-    const std::string image = detail::file_image(content, chosen, name);
+    const std::string image = detail::file_image(content, chosen, name, allowed);
     detail::write_and_close(detail::open_to_write(file, "wb", name), image, name);
 }
 

@@ -20,8 +20,8 @@ inline namespace v1 {
 template <class Target>
 [[nodiscard]] std::vector<mismatch> load_into(Target&& target, const file_name& file,
                                               missing rest = missing::keep,
-                                              format how = format::automatic) {
-    const detail::dropped_document document(load_struct(file, how));
+                                              const limits& allowed = {}) {
+    const detail::dropped_document document(load_struct(file, allowed));
     return std::forward<Target>(target).merge(document.get(), rest);
 }
 
@@ -30,9 +30,21 @@ template <class Target>
 template <class Target>
 [[nodiscard]] std::vector<mismatch> load_into_if_exists(Target&& target, const file_name& file,
                                                         missing rest = missing::keep,
-                                                        format how = format::automatic) {
-    const detail::dropped_document document(load_struct_or(file, object(), how));
+                                                        const limits& allowed = {}) {
+    const detail::dropped_document document(load_struct_or(file, object(), allowed));
     return std::forward<Target>(target).merge(document.get(), rest);
+}
+
+/// Do the same within limits, and keep what the document lacks.
+template <class Target>
+[[nodiscard]] std::vector<mismatch> load_into(Target&& target, const file_name& file,
+                                              const limits& allowed) {
+    return load_into(std::forward<Target>(target), file, missing::keep, allowed);
+}
+template <class Target>
+[[nodiscard]] std::vector<mismatch> load_into_if_exists(Target&& target, const file_name& file,
+                                                        const limits& allowed) {
+    return load_into_if_exists(std::forward<Target>(target), file, missing::keep, allowed);
 }
 
 } // namespace v1

@@ -118,7 +118,7 @@ KEL_SELDOM [[noreturn]] inline void raise_missing(location at) {
     throw not_found(path_of(at) + ": no such variable.");
 }
 [[noreturn]] inline void raise_only_default(const std::string& path) {
-    throw not_found(path + ": has only its default. Store a value first.");
+    throw not_found(path + ": has only its default. Store a value first.", blame::argument);
 }
 
 KEL_SELDOM inline finding look_or_throw(location at) {

@@ -20,11 +20,14 @@ public:
         add(target, source, {});
         merge_parts();
         for (std::size_t at = 0; at < lacking_.size(); ++at) { // merging adds to them
-            const value lacking = lacking_[at];
+            const auto [path, lacking] = lacking_[at];
             if (reached_.count(lacking.raw()) == 0) {
-                add(lacking, nothing_, {});
+                add(lacking, nothing_, path);
                 merge_parts();
             }
+        }
+        for (mismatch& each : found_) {
+            each.message = printable(each.message);
         }
         return std::move(found_);
     }
@@ -49,36 +52,81 @@ private:
             merge_part(part(parts_[next_])); // adding can move the parts
         }
     }
-    void note(const std::string& path, std::string reason, bool is_unknown = false) {
+    void note(const std::string& path, std::string reason) {
         if (!reason.empty()) {
-            found_.push_back({path, std::move(reason), is_unknown});
+            found_.push_back({path, std::move(reason)});
+        }
+    }
+    void note_unknown(const std::string& path, std::string reason, const value& content) {
+        if (!reason.empty()) {
+            found_.push_back({path, std::move(reason), true, false, false, content});
         }
     }
 
     void merge_part(const part& at) {
         std::set<std::string> taken;
         for (const auto& [name, content] : contents_of(at.source, at.target)) {
-            std::string path = at.path;
-            add_name(path, name);
+            std::string path = path_in(at, name);
             bool is_taken = false;
             if (MetaKel* target = checked_of(at.target.raw())) {
-                std::string reason = try_store(*target, name.c_str(), path, content.raw());
+                std::string reason =
+                    try_store(*target, name.c_str(), path, content.raw(),
+                              rest_ == missing::keep ? origin::document : origin::document_alone);
                 is_taken = reason.empty() && content;
-                note(path, std::move(reason), !is_described(*target, name.c_str()));
+                if (is_described(*target, name.c_str())) {
+                    note(path, std::move(reason));
+                } else {
+                    note_unknown(path, std::move(reason), content);
+                }
             } else {
                 is_taken = merge_variable(at.target, name.c_str(), content, path);
             }
-            if (is_taken && rest_ == missing::reset) {
+            if (is_taken && (rest_ == missing::reset || has_variables(content))) {
                 taken.insert(name);
             }
+        }
+        if (const MetaKel* target = checked_of(at.target.raw())) {
+            note_missing(at, *target);
+        } else {
+            note_lacking(at, taken);
         }
         if (rest_ == missing::reset) {
             reset_others(at.target, taken);
         }
     }
 
-    /// Returns the variables of a struct. A checked one has its defaults too, but not its
-    /// description. Defaults that the target is to have again anyway are left out.
+    static std::string path_in(const part& at, const std::string& name) {
+        std::string path = at.path;
+        add_name(path, name);
+        return path;
+    }
+    /// Notes the required variables that the source lacks.
+    void note_missing(const part& at, const MetaKel& target) {
+        for (const std::string& name : described_names(target)) {
+            if (is_required(*description_of(target, name.c_str())) && !has(at.source, name)) {
+                const std::string path = path_in(at, name);
+                found_.push_back({path, path + ": is missing.", false, true});
+            }
+        }
+    }
+    /// Returns whether a source has a variable. A checked one has its defaults too.
+    static bool has(const value& source, const std::string& name) {
+        const MetaKel* checked = checked_of(source.raw());
+        return source.contains(name) ||
+               (checked != nullptr && default_of(*checked, name.c_str()) != nullptr);
+    }
+    /// Remembers the structs inside that the source lacks. They are merged with nothing.
+    void note_lacking(const part& at, const std::set<std::string>& taken) {
+        for (const item& each : at.target.items()) {
+            if (has_variables(each.value) && taken.count(each.name) == 0) {
+                lacking_.emplace_back(path_in(at, each.name), each.value);
+            }
+        }
+    }
+
+    /// Returns the variables of a struct. A checked one has copies of its defaults too, which
+    /// mismatches can lend, but not its description. Defaults that the target is to have again
+    /// anyway are left out.
     std::map<std::string, value> contents_of(const value& source, const value& target) const {
         std::map<std::string, value> found;
         const MetaKel* checked = checked_of(source.raw());
@@ -98,22 +146,17 @@ private:
                 if (other != nullptr && value(share(other)) == fallback) {
                     found.erase(name);
                 } else {
-                    found[name] = fallback;
+                    found[name] = fallback.copy();
                 }
             }
         }
         return found;
     }
 
-    /// Gives the described variables their defaults, and remembers the structs inside.
-    void reset_others(const value& target, const std::set<std::string>& taken) {
+    /// Gives the described variables their defaults.
+    static void reset_others(const value& target, const std::set<std::string>& taken) {
         MetaKel* checked = checked_of(target.raw());
         if (checked == nullptr) {
-            for (const item& each : target.items()) {
-                if (has_variables(each.value) && taken.count(each.name) == 0) {
-                    lacking_.push_back(each.value);
-                }
-            }
             return;
         }
         for (const std::string& name : described_names(*checked)) {
@@ -128,7 +171,7 @@ private:
                         const std::string& path) {
         KELVarCursor at;
         if (!walk_of(target.raw())->findVar(at, name)) {
-            note(path, path + ": no such variable.", true);
+            note_unknown(path, path + ": no such variable.", content);
             return false;
         }
         value known(share(at.value));
@@ -137,7 +180,10 @@ private:
         } else if (!known) {
             store(target.raw(), name, content.copy().raw(), [&] { return path; });
         } else {
-            std::string reason = why_not_kind(type_of(known.raw()), path, content.raw());
+            // A document need not know that the struct is checked.
+            const std::int32_t wanted =
+                has_variables(known) ? KELKind_Struct : type_of(known.raw());
+            std::string reason = why_not_kind(wanted, path, content.raw());
             if (reason.empty()) {
                 known.assign(content);
             }
@@ -153,10 +199,10 @@ private:
 
     missing rest_;
     value nothing_ = object();
-    std::vector<part> parts_;    ///< which keep the seen values alive
-    std::size_t next_ = 0;       ///< of the parts, to be merged
-    std::vector<value> lacking_; ///< structs of the target that the source lacks
-    std::set<KEL*> reached_;     ///< structs of the target that were merged
+    std::vector<part> parts_;                            ///< which keep the seen values alive
+    std::size_t next_ = 0;                               ///< of the parts, to be merged
+    std::vector<std::pair<std::string, value>> lacking_; ///< structs that the source lacks
+    std::set<KEL*> reached_;                             ///< structs of the target that were merged
     std::set<std::pair<KEL*, KEL*>> seen_;
     std::vector<mismatch> found_;
 };

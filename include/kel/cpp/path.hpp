@@ -52,7 +52,13 @@ template <class Index> void add_index(std::string& path, Index index) {
 /// The steps of a path, read one after the other.
 class path_reader {
 public:
-    explicit path_reader(std::string_view path) : path_(path) {}
+    /// \throws not_found for a path that contains a NUL, before any step is followed
+    explicit path_reader(std::string_view path) : path_(path), at_(path.find('\0')) {
+        if (at_ != std::string_view::npos) {
+            refuse();
+        }
+        at_ = 0;
+    }
 
     /// Reads the next step. \return false at the end
     /// \throws not_found for a text that cannot be read as a path
@@ -78,7 +84,8 @@ public:
 private:
     [[noreturn]] void refuse() const {
         throw not_found("The path " + std::string(path_) + " cannot be read at character " +
-                        std::to_string(at_ + 1) + ".");
+                            std::to_string(at_ + 1) + ".",
+                        blame::argument);
     }
     void read_bare() {
         if (at_ > 0 && path_[at_++] != '.') {
@@ -123,7 +130,7 @@ private:
 
     std::string_view path_;
     std::string_view done_;
-    std::size_t at_ = 0;
+    std::size_t at_;
     bool is_index_ = false;
     std::uint64_t index_ = 0; ///< at most INT32_MAX
     std::string name_;

@@ -117,9 +117,17 @@ public:
         return that_is(detail::require_struct).contains(name);
     }
     value find(const detail::text& name) && { return that_is(detail::require_struct).find(name); }
+    /// Return the value here, which is a struct, checked or not, or an array:
+    /// kel::value parts = document["parts"].get_array();
+    /// \throws not_found, with the path, for an unknown variable or element
+    /// \throws type_error, with the path, for any other value: "parts: wanted an array, found
+    /// null."
+    value get_struct() && { return that_is(detail::require_struct); }
+    value get_array() && { return that_is(detail::require_array); }
     detail::reached<const_place> at_path(std::string_view path) &&;
     value copy() && { return value(std::move(*this)).copy(); }
     value values() && { return value(std::move(*this)).values(); }
+    value stored_values() && { return value(std::move(*this)).stored_values(); }
     std::vector<std::string> names() &&;
 
     /// Returns whether this is a variable that a checked struct describes, and has the operations
@@ -135,6 +143,7 @@ public:
     std::string allowed_text() &&;
     variable_description description() &&;
     bool is_default() &&;
+    bool has_default_value() &&;
 
     /// Returns the place of a variable or element inside this one.
     const_place operator[](const char* name) && { return const_place(this, name); }
@@ -147,6 +156,12 @@ public:
         return const_place(this, detail::index_of(index));
     }
 
+    /// Does not compile: nothing is stored through a constant handle.
+    template <class T> void operator=(T&&) {
+        static_assert(detail::never<T>,
+                      "kel: a constant handle stores nothing. In a loop, take the element by "
+                      "value: for (kel::value each : list.elements()).");
+    }
     template <class T> T get() const& {
         static_assert(detail::never<T>, "kel: a place such as room[\"size\"] lasts for one "
                                         "expression. Write kel::value size = room[\"size\"];");
@@ -196,7 +211,8 @@ public:
         if (at_.name == nullptr) {
             if (at_.index == detail::location::itself) {
                 throw type_error(detail::lead(detail::path_of(at_)) +
-                                 "only a variable or an element can be replaced. Use assign.");
+                                     "only a variable or an element can be replaced. Use assign.",
+                                 blame::argument);
             }
             if (!detail::look(at_).exists) {
                 detail::raise_missing(at_);
@@ -238,6 +254,15 @@ public:
         std::move(*this) = value(std::move(static_cast<const_place&>(other)));
     }
     void operator=(const place&) = delete;
+    /// Does not compile. A container of the program becomes an array with kel::array.
+    template <class Container, std::enable_if_t<!std::is_constructible_v<value, const Container&> &&
+                                                    !std::is_void_v<detail::element_of<Container>>,
+                                                int> = 0>
+    void operator=(const Container&) && {
+        static_assert(detail::never<Container>,
+                      "kel: a container becomes an array with kel::array: "
+                      "room[\"sizes\"] = kel::array(sizes);");
+    }
     template <class T> void operator=(T&&) & {
         static_assert(detail::never<T>, "kel: a place such as room[\"size\"] lasts for one "
                                         "expression. Write kel::value size = room[\"size\"];");
@@ -290,6 +315,7 @@ public:
     template <class Integer, std::enable_if_t<detail::is_integer<Integer>, int> = 0>
     outcome try_set(Integer number) &&;
     outcome try_set_text(std::string_view typed) &&;
+    void set_text(std::string_view typed) &&;
     void set_normalised(double where) &&;
     void step_by(int steps) &&;
     void reset() &&;

@@ -55,6 +55,8 @@ public:
     explicit walk_range(value owner) : owner_(std::move(owner)) {}
     iterator begin() const { return iterator(Walk(owner_)); }
     iterator end() const { return {}; }
+    /// Returns how many there are now, as the container itself does.
+    std::size_t size() const { return owner_.size(); }
 
 private:
     value owner_;

@@ -45,16 +45,19 @@ private:
             now.kind() == kind::array) {
             parts_.emplace_back(now, then);
         } else if (!is_same_content(now, then)) {
-            if (checked != nullptr) { // which notifies its observers too
-                call([&] { checked->setVarValue(name, then.raw()); });
-            }
-            if (!is_same_content(now, then)) {
-                call([&] { now.raw()->assign(then.raw()); });
-            }
+            settle_scalar(now, then, checked, name);
         }
         return true;
     }
-
+    static void settle_scalar(const value& now, const value& then, MetaKel* checked,
+                              const char* name) {
+        if (checked != nullptr && !is_same_content(now, then)) { // which notifies its observers too
+            call([&] { checked->setVarValue(name, then.raw()); });
+        }
+        if (!is_same_content(now, then)) {
+            call([&] { now.raw()->assign(then.raw()); });
+        }
+    }
     /// Returns whether two values of one kind are equal, and every bit of a Double.
     static bool is_same_content(const value& a, const value& b) {
         if (a.kind() != kind::real) {
@@ -117,7 +120,8 @@ private:
 
 inline void value::restore(const value& state) {
     if (!*this || kind() != state.kind()) {
-        detail::raise_wrong_kind("the state", *this ? words(kind()) : "a value", state.raw());
+        detail::raise_wrong_kind("the state", *this ? words(kind()) : "a value", state.raw(),
+                                 blame::argument);
     }
     detail::restorer().restore(*this, state);
 }

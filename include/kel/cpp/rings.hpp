@@ -17,22 +17,31 @@ public:
     /// \param enter is called with each container before those inside it. It can change what the
     ///        container holds. It returns false to end the walk.
     template <class Enter> void go(KEL* root, const Enter& enter) {
-        std::vector<part> path;
-        for (KEL* at = root; at != nullptr; at = path.back().children.child()) {
+        for (KEL* at = root; at != nullptr; at = open_.back().children.child()) {
             if (child_walk(at).is_container() && is_open_.emplace(at, true).second) {
                 if (!enter(at)) {
                     return;
                 }
-                path.push_back({at, child_walk(at)});
+                open_.push_back({at, child_walk(at)});
             }
-            while (!path.empty() && !path.back().children.next()) {
-                is_open_[path.back().container] = false;
-                path.pop_back();
+            while (!open_.empty() && !open_.back().children.next()) {
+                is_open_[open_.back().container] = false;
+                open_.pop_back();
             }
-            if (path.empty()) {
+            if (open_.empty()) {
                 return;
             }
         }
+    }
+
+    /// Returns the path to a child of the container that is entered.
+    std::string path_to(const child_walk& last) const {
+        std::string path;
+        for (const part& each : open_) {
+            each.children.append_step(path);
+        }
+        last.append_step(path);
+        return path;
     }
 
     /// Returns whether a child of the container that is entered contains it, or is it.
@@ -48,6 +57,7 @@ private:
         child_walk children;
     };
 
+    std::vector<part> open_;
     std::unordered_map<KEL*, bool> is_open_; ///< the containers that were entered
 };
 
@@ -141,19 +151,30 @@ private:
 
 } // namespace detail
 
+namespace detail {
+
+/// Returns the path of the first reference from a value to one that contains it, or nothing.
+inline std::optional<std::string> find_ring(const value& root) {
+    std::optional<std::string> found;
+    ring_walk walk;
+    walk.go(root.raw(), [&](KEL* container) {
+        for (child_walk children(container); !found && children.next();) {
+            if (walk.is_ring(children.child())) {
+                found = walk.path_to(children);
+            }
+        }
+        return !found;
+    });
+    return found;
+}
+
+} // namespace detail
+
 /// Returns whether the value, or one inside it, contains itself. Structs, arrays, managers and
 /// index lists are examined. Such a value is never freed, unless cut_rings or clear takes it apart.
 /// A value in several places is not a ring.
 inline bool has_ring(const value& root) {
-    bool is_found = false;
-    detail::ring_walk walk;
-    walk.go(root.raw(), [&](KEL* container) {
-        for (detail::child_walk children(container); !is_found && children.next();) {
-            is_found = walk.is_ring(children.child());
-        }
-        return !is_found;
-    });
-    return is_found;
+    return detail::find_ring(root).has_value();
 }
 
 /// Removes each reference from a value to one that contains it, and keeps everything else. A

@@ -2,7 +2,8 @@
 /// The root values of a text or binary content in memory, one after the other.
 #pragma once
 
-#include <kel/cpp/image.hpp>
+#include <kel/cpp/limits.hpp>
+#include <kel/cpp/number_scan.hpp>
 
 #include <charconv>
 
@@ -19,8 +20,10 @@ inline constexpr std::size_t mark_size = 64;
 /// Reads the roots of one content. The end of the content inside a root is a failure.
 class roots {
 public:
-    roots(std::string name, std::string content)
-        : name_(std::move(name)), content_(std::move(content)) {}
+    roots(std::string name, std::string content, const limits& allowed)
+        : name_(std::move(name)), content_(std::move(content)), allowed_(allowed) {
+        require_bytes(allowed_, content_.size(), name_);
+    }
     roots(const roots&) = delete;
     roots& operator=(const roots&) = delete;
     virtual ~roots() = default;
@@ -32,7 +35,12 @@ public:
             throw io_error(name_, 0, "cannot be read on after a failure");
         }
         has_failed_ = true; // until the read returns
-        const bool is_found = read(out);
+        value root;
+        const bool is_found = read(root);
+        if (is_found) {
+            accept_or_free(allowed_, root, name_);
+            out = std::move(root);
+        }
         has_failed_ = false;
         return is_found;
     }
@@ -62,6 +70,7 @@ protected:
     std::string content_;
 
 private:
+    const limits allowed_;
     bool has_failed_ = false;
 };
 
@@ -70,8 +79,8 @@ private:
 /// whole.
 class text_roots final : public roots {
 public:
-    text_roots(std::string name, std::string content)
-        : roots(std::move(name), std::move(content)), size_(content_.size()) {
+    text_roots(std::string name, std::string content, const limits& allowed)
+        : roots(std::move(name), std::move(content), allowed), size_(content_.size()) {
         mark_ = value(0).identity(); // which no content can know
         char identity[guid::guidTextLength + 1];
         mark_.toGuidText(identity);
@@ -79,6 +88,9 @@ public:
         // end. Without quotes and brackets the mark cannot complete a value that is cut off.
         content_ += " \n" + std::string(identity) + " = 0\n";
         stream_ = open(content_.size());
+        if (allowed.only_fitting_numbers()) {
+            numbers_.emplace(std::string_view(content_).substr(0, size_));
+        }
     }
 
 private:
@@ -104,8 +116,32 @@ private:
             stream_ = nullptr;
             return false;
         }
+        require_fitting_numbers();
         out = std::move(root);
         return true;
+    }
+
+    /// Refuses the numbers of the root that was read last, if reading has changed one.
+    void require_fitting_numbers() {
+        if (numbers_) {
+            numbers_->next_root([this](std::size_t at, std::string_view number) {
+                const written_number spelt(number);
+                constexpr std::size_t most_shown = 40;
+                const std::string shown = printable(number, most_shown);
+                refuse_at(at, lead(numbers_->path()) +
+                                  (spelt.is_decimal
+                                       ? "the whole part of " + shown + " does not fit in 32 bits"
+                                       : shown + " does not fit in 32 bits, and is " +
+                                             std::to_string(spelt.as_read()) + " when it is read"));
+            });
+        }
+    }
+    /// Refuses what is at an offset of the content.
+    [[noreturn]] void refuse_at(std::size_t at, const std::string& message) const {
+        const std::string_view before(content_.data(), at);
+        const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+        const std::size_t begin = before.rfind('\n') + 1; // 0 for the first line
+        throw malformed(name_, line, message, {}, static_cast<std::int64_t>(at - begin) + 1);
     }
 
     static value read_from(KELInputStream& stream) {
@@ -147,11 +183,16 @@ private:
         if (message.compare(0, lead.size(), lead) == 0) {
             message.erase(0, lead.size());
         }
-        return malformed(name_, line, message, {}, at == std::string::npos ? 0 : column_in(line));
+        const std::optional<std::size_t> end =
+            at == std::string::npos ? std::nullopt : end_of_read();
+        if (end && message == "syntax error" && is_after_bare_text(*end)) {
+            message += ". A text needs quotes";
+        }
+        return malformed(name_, line, message, {}, end ? column_in(line, *end) : 0);
     }
 
-    /// Returns the column of the last byte that was read, or 0 if that is not in this line.
-    std::int64_t column_in(std::int64_t line) const {
+    /// Returns where the library has stopped reading, if it can be had.
+    std::optional<std::size_t> end_of_read() const {
         std::size_t left = 0;
         try {
             std::uint8_t piece[4096];
@@ -160,26 +201,45 @@ private:
                 left += static_cast<std::size_t>(got);
             }
         } catch (const error&) {
-            return 0;
+            return std::nullopt;
         }
-        const std::string_view body(content_.data(), size_ - (std::min)(left, size_));
+        return size_ - (std::min)(left, size_);
+    }
+
+    /// Returns the column of the last byte that was read, or 0 if that is not in this line.
+    std::int64_t column_in(std::int64_t line, std::size_t end) const {
+        const std::string_view body(content_.data(), end);
         const std::size_t begin = body.rfind('\n') + 1; // 0 for the first line
         return 1 + std::count(body.begin(), body.end(), '\n') == line
                    ? static_cast<std::int64_t>(body.size() - begin)
                    : 0;
     }
 
+    /// Returns whether a word without quotes ends here that is a value or an element, in a content
+    /// without definitions.
+    bool is_after_bare_text(std::size_t end) const {
+        const std::string_view body(content_.data(), end);
+        const std::size_t begin = body.find_last_not_of("abcdefghijklmnopqrstuvwxyz"
+                                                        "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_") +
+                                  1;
+        const std::size_t before = body.substr(0, begin).find_last_not_of(" \t\r\n");
+        return begin < end && !is_digit(body[begin]) && before != std::string_view::npos &&
+               (body[before] == '=' || body[before] == '[') &&
+               body.find("define") == std::string_view::npos;
+    }
+
     const std::size_t size_; ///< of the content without the mark
     guid mark_;
-    ref<KELInputStream> stream_; ///< empty after the last root
+    ref<KELInputStream> stream_;         ///< empty after the last root
+    std::optional<number_scan> numbers_; ///< if those that reading changes are refused
 };
 
 /// Reads binary. The header of a record states where the next one begins, so the end after the last
 /// root is known.
 class binary_roots final : public roots {
 public:
-    binary_roots(std::string name, std::string content)
-        : roots(std::move(name), std::move(content)) {}
+    binary_roots(std::string name, std::string content, const limits& allowed)
+        : roots(std::move(name), std::move(content), allowed) {}
 
     /// Refuses several roots before it reads one. A value that contains itself would otherwise
     /// remain in memory.
@@ -274,36 +334,38 @@ inline bool is_binary(std::string_view content, format how) {
 }
 
 /// Returns a reader of the roots of this content.
-inline std::unique_ptr<roots> roots_of(std::string name, std::string content, format how) {
-    if (is_binary(content, how)) {
-        return std::make_unique<binary_roots>(std::move(name), std::move(content));
+inline std::unique_ptr<roots> roots_of(std::string name, std::string content,
+                                       const limits& allowed) {
+    if (is_binary(content, allowed.format())) {
+        return std::make_unique<binary_roots>(std::move(name), std::move(content), allowed);
     }
-    return std::make_unique<text_roots>(std::move(name), std::move(content));
+    return std::make_unique<text_roots>(std::move(name), std::move(content), allowed);
 }
 
 /// Returns the only root of this content.
 /// \throws malformed also for none and for several
-inline value only_root(std::string name, std::string content, format how) {
-    if (is_binary(content, how)) {
-        binary_roots input(std::move(name), std::move(content));
+inline value only_root(std::string name, std::string content, const limits& allowed) {
+    if (is_binary(content, allowed.format())) {
+        binary_roots input(std::move(name), std::move(content), allowed);
         input.refuse_several();
         return input.only();
     }
-    return text_roots(std::move(name), std::move(content)).only();
+    return text_roots(std::move(name), std::move(content), allowed).only();
 }
 
 } // namespace detail
 
 /// Returns the only value of a text.
-/// \throws malformed for a text with none or several, and for one that cannot be read
-inline value from_text(std::string text) {
-    return detail::only_root({}, std::move(text), format::text);
+/// \throws malformed for a text with none or several, for one that cannot be read, and for what is
+/// not allowed
+inline value from_text(std::string text, const limits& allowed = {}) {
+    return detail::only_root({}, std::move(text), allowed.of(format::text));
 }
 
 /// Returns the only value of a content in binary.
 /// \throws malformed as from_text
-inline value from_binary(std::string content) {
-    return detail::only_root({}, std::move(content), format::binary);
+inline value from_binary(std::string content, const limits& allowed = {}) {
+    return detail::only_root({}, std::move(content), allowed.of(format::binary));
 }
 
 } // namespace v1

@@ -2,7 +2,7 @@
 /// What the description of a variable allows.
 #pragma once
 
-#include <kel/cpp/reached.hpp>
+#include <kel/cpp/text_length.hpp>
 
 #include <climits>
 
@@ -47,7 +47,8 @@ inline value choices_of(const MetaKelVarDescriptor& rules) {
     return list;
 }
 
-/// Returns a value for a message: numbers in their shortest form, text in quotes.
+/// Returns a value for a message: numbers in their shortest form, text in quotes and not longer
+/// than a line or two.
 inline std::string shown(KEL* object) {
     const std::int32_t type = type_of(object);
     if (type == KELKind_Double) {
@@ -57,7 +58,8 @@ inline std::string shown(KEL* object) {
     if (characters == nullptr) {
         return words(static_cast<kind>(type));
     }
-    return type == KELKind_String ? '"' + std::string(characters) + '"' : characters;
+    constexpr std::size_t most = 200;
+    return type == KELKind_String ? '"' + printable(characters, most) + '"' : characters;
 }
 
 /// Returns a value as a person reads and types it: text without quotes.
@@ -87,7 +89,9 @@ inline std::vector<std::string> described_names(const MetaKel& target) {
     std::vector<std::string> found;
     if (MetaKelDescriptor* all = target.getDescriptor()) {
         for (const item& each : value(share(all)).items()) {
-            found.push_back(each.name);
+            if (is_described(target, each.name.c_str())) { // and not something else of a document
+                found.push_back(each.name);
+            }
         }
     }
     return found;
@@ -96,6 +100,14 @@ inline std::vector<std::string> described_names(const MetaKel& target) {
 /// Returns why a variable without a description cannot be used.
 inline std::string unknown_in(const MetaKel& target, const char* name, const std::string& path) {
     return path + (target.containsVar(name) ? ": is not described." : ": no such variable.");
+}
+
+/// Returns whether a document must have the variable, which the description states in a property of
+/// kel.hpp's own. The library and the tool do not look at it.
+inline bool is_required(const MetaKelVarDescriptor& rules) {
+    KELVarCursor at;
+    return walk_of(rules.getStruct())->findVar(at, "required") && at.value != nullptr &&
+           at.value->toBoolean();
 }
 
 inline KEL* default_of(const MetaKel& source, const char* name) {
@@ -127,8 +139,8 @@ inline int decimals_of(double number) {
                                                : static_cast<int>(text.size() - point - 1);
 }
 
-/// Returns a number as a person reads it. One at a step has no more decimals than the steps have:
-/// 0.05 and not 0.05000000000000001.
+/// Returns a number as a person reads it, with at most 15 digits. One at a step has no more
+/// decimals than the steps have: 0.05 and not 0.05000000000000001.
 inline std::string number_text(const MetaKelVarDescriptor& rules, double number) {
     constexpr int most = 9; // more are those of a fraction such as 1/3
     constexpr double beyond = 1e15;
@@ -138,10 +150,10 @@ inline std::string number_text(const MetaKelVarDescriptor& rules, double number)
         rules.hasStepsize() && rules.getStepsize() > 0 &&
         (!rules.isRanged() || (least != nullptr && read(*least, first) == reading::done));
     if (!has_steps || !(std::abs(number) < beyond) || !is_at_step(rules, number)) {
-        return shortest(number);
+        return shortest(with_kept_digits(number));
     }
     const int decimals = (std::max)(decimals_of(rules.getStepsize()), decimals_of(first));
-    return shortest(decimals > most ? number : rounded(number, decimals));
+    return shortest(decimals > most ? with_kept_digits(number) : rounded(number, decimals));
 }
 
 /// Returns a value with the texts before and after it.
@@ -166,10 +178,9 @@ inline std::string one_of_words(const value& choices) {
 /// Returns words for all values of a kind, which 0 leaves open.
 inline std::string any_words(std::int32_t type) {
     return type == 0                 ? "any value"
-           : type == KELKind_Int     ? "any whole number of 32 bits"
+           : type == KELKind_Int     ? "any whole number"
            : type == KELKind_Double  ? "any number"
            : type == KELKind_Boolean ? "true or false"
-           : type == KELKind_String  ? "any text"
                                      : words(static_cast<kind>(type));
 }
 
@@ -185,15 +196,22 @@ inline std::string allowed_by(const MetaKelVarDescriptor& rules) {
     const std::string numbers =
         rules.isRanged() ? "from " + shown(call([&] { return rules.getMin(); })) + " to " +
                                shown(call([&] { return rules.getMax(); })) + after
-                         : any_words(type);
+        : type == KELKind_String ? allowed_lengths(rules)
+                                 : any_words(type);
     return numbers +
            (has_only_steps(rules) ? " in steps of " + shortest(rules.getStepsize()) + after : "");
 }
 
-/// Adds what the description allows to a reason, unless it allows every value of its kind.
+/// Adds what is allowed to a reason, which ends with a period.
+inline std::string with_words(std::string reason, const std::string& allowed) {
+    return reason.replace(reason.size() - 1, 1, "; allowed is " + allowed + '.');
+}
+
+/// Adds what the description allows to a reason, unless it allows every number or text.
 inline std::string with_allowed(const MetaKelVarDescriptor& rules, std::string reason) {
-    if (rules.isRanged() || rules.isEnumerated() || has_only_steps(rules)) {
-        reason.replace(reason.size() - 1, 1, "; allowed is " + allowed_by(rules) + '.');
+    if (rules.isRanged() || rules.isEnumerated() || has_only_steps(rules) || limits_length(rules) ||
+        rules.getVariableType() == KELKind_Boolean) {
+        return with_words(std::move(reason), allowed_by(rules));
     }
     return reason;
 }
@@ -204,12 +222,17 @@ inline std::string why_not_kind(std::int32_t wanted, const std::string& path, KE
     const std::int32_t found = type_of(content);
     const auto is_numeric = [](std::int32_t t) { return t == KELKind_Int || t == KELKind_Double; };
     if (found != wanted && !(is_numeric(wanted) && is_numeric(found))) {
-        return lead(path) + "wanted " + words(static_cast<kind>(wanted)) + ", found " +
-               words(static_cast<kind>(found)) + ".";
+        return lead(path) + "wanted " +
+               (wanted == KELKind_Double ? "a number" : words(static_cast<kind>(wanted))) +
+               ", found " + words(static_cast<kind>(found)) + ".";
     }
     std::int32_t whole = 0;
     if (wanted == KELKind_Int && read(*content, whole) != reading::done) {
-        return path + ": " + shown(content) + " is not a whole number of 32 bits.";
+        const double number = content->toDouble();
+        return lead(path) + shown(content) +
+               (std::trunc(number) != number ? " is not a whole number."
+                : number > 0                 ? " is too large."
+                                             : " is too small.");
     }
     return {};
 }
@@ -224,7 +247,11 @@ inline std::string why_not(const MetaKelVarDescriptor& rules, const std::string&
             return rules.isValid(content);
         }) || (has_only_steps(rules) && content != nullptr &&
                read(*content, number) == reading::done && !is_at_step(rules, number)))) {
-        reason = path + ": " + shown(content) + " is not allowed.";
+        reason = lead(path) + shown(content) + " is not allowed.";
+    }
+    if (reason.empty() && type_of(content) == KELKind_String) {
+        const std::string length = refused_length(rules, content->toString());
+        reason = length.empty() ? length : lead(path) + length + " is not allowed.";
     }
     return reason.empty() ? reason : with_allowed(rules, std::move(reason));
 }

@@ -19,6 +19,30 @@ inline double without_noise(double number, double greatest) {
     return rounded(number, (std::max)(decimals, 0));
 }
 
+/// Returns the number after so many steps from the first one.
+/// \param greatest the size of the numbers, which decides how many digits are noise
+inline double number_at_step(double first, double steps, double step, double greatest) {
+    return without_noise(first + steps * step, greatest);
+}
+
+/// Returns the number at the step that is nearest to a number, counted as is_at_step does. Returns
+/// the number itself if another program has described ends that are not numbers.
+inline double nearest_step(const MetaKelVarDescriptor& rules, double number) {
+    double first = 0;
+    double last = number;
+    if (rules.isRanged()) {
+        KEL* least = rules.getMin();
+        KEL* greatest = rules.getMax();
+        if (least == nullptr || greatest == nullptr || read(*least, first) != reading::done ||
+            read(*greatest, last) != reading::done) {
+            return number;
+        }
+    }
+    const double step = rules.getStepsize();
+    return number_at_step(first, std::round((number - first) / step), step,
+                          (std::max)(std::abs(first), std::abs(last)));
+}
+
 /// Returns the list of the values that a variable can have, false and true for a truth value.
 /// Returns null for a variable without such a list.
 /// \throws type_error if the description has something else than an array
@@ -42,6 +66,7 @@ public:
                         ? rules.getStepsize()
                         : 0;
             unit_ = rules.getStepsize();
+            has_only_steps_ = has_only_steps(rules);
             is_whole_ = rules.getVariableType() == KELKind_Int;
         } else {
             choices_ = list_of_choices(rules);
@@ -60,12 +85,18 @@ public:
         const double last = last_choice();
         return last > 0 ? static_cast<double>(index_of(content)) / last : 0;
     }
+    /// Returns the number or choice at a place from 0 to 1. The ends are exact.
     value at(double place) const {
         if (choices_) {
             return choice(static_cast<std::size_t>(std::lround(place * last_choice())));
         }
-        return stepped(place * width_);
+        return place >= 1 && step_ == 0 ? value(greatest_) : nearest(place * width_);
     }
+    /// Returns the nearest number at a step, within the range, to one that is or is not.
+    value nearest_to(double number) const { return nearest(number - least_); }
+    /// Returns what is so many steps up or down. From between two steps, the first one leads to the
+    /// next step in that direction. None is beyond the last step, so nothing is up from a number
+    /// between that and the end. 0 steps lead to the nearest step.
     value after(const value& content, int steps, bool wraps) const {
         if (choices_) {
             const auto count = static_cast<std::int64_t>(choices_.size());
@@ -74,12 +105,18 @@ public:
                                       : (std::min)((std::max<std::int64_t>)(next, 0), count - 1);
             return choice(static_cast<std::size_t>(next));
         }
-        double offset = content.raw()->toDouble() - least_ + steps * unit_;
-        if (wraps && width_ > 0 && (offset < 0 || offset > width_)) {
-            const double turn = is_whole_ ? width_ + unit_ : width_;
-            offset -= std::floor(offset / turn) * turn;
+        const double offset = content.raw()->toDouble() - least_;
+        double next = offset + steps * unit_;
+        if (step_ > 0) {
+            next = (whole_steps(offset / step_, steps) + steps) * step_;
         }
-        return stepped((std::min)(width_, (std::max)(0.0, offset)));
+        if (wraps && width_ > 0 && (next < 0 || next > width_)) {
+            const double turn = is_whole_ ? width_ + unit_ : width_;
+            return nearest(next - std::floor(next / turn) * turn);
+        }
+        const bool is_beyond_last = steps > 0 && step_ > 0 && !has_only_steps_ &&
+                                    offset <= width_ && offset > last_step() * step_;
+        return is_beyond_last ? content : nearest((std::min)(width_, (std::max)(0.0, next)));
     }
 
 private:
@@ -98,15 +135,31 @@ private:
         const value list = choices_;
         return value(list[index]);
     }
+    /// Returns the number of the last step within the range, counted from the least number.
+    double last_step() const {
+        constexpr double noise = 1e-9; // three steps of 0.1 are a little more than 0.3
+        return std::floor(width_ / step_ + noise);
+    }
+    /// Returns the step from which steps up or down are counted.
+    static double whole_steps(double place, int steps) {
+        constexpr double tolerance = 1e-3; // as for is_at_step
+        const double at = std::round(place);
+        return steps == 0 || std::abs(place - at) < tolerance ? at
+               : steps > 0                                    ? std::floor(place)
+                                                              : std::ceil(place);
+    }
     /// Returns the number at an offset from the least one, rounded to a step within the range.
-    value stepped(double offset) const {
+    value nearest(double offset) const {
         double number = least_ + offset;
         if (step_ > 0) {
-            constexpr double noise = 1e-9; // three steps of 0.1 are a little more than 0.3
-            const double last = std::floor(width_ / step_ + noise);
-            const double steps = (std::min)(std::round(offset / step_), last);
-            number = without_noise(least_ + steps * step_,
-                                   (std::max)(std::abs(least_), std::abs(greatest_)));
+            constexpr double noise = 1e-9; // of the width
+            const double steps =
+                (std::max)(0.0, (std::min)(std::round(offset / step_), last_step()));
+            const bool is_end = std::abs(steps * step_ - width_) <= noise * width_;
+            number = steps == 0 ? least_
+                     : is_end   ? greatest_
+                                : number_at_step(least_, steps, step_,
+                                                 (std::max)(std::abs(least_), std::abs(greatest_)));
         }
         return (std::min)(greatest_, (std::max)(least_, number));
     }
@@ -114,9 +167,10 @@ private:
     double least_ = 0;
     double greatest_ = 0;
     double width_ = 0;
-    double step_ = 0;       ///< numbers are rounded to multiples; 0 if they are not rounded
-    double unit_ = 1;       ///< the distance to the next number
-    bool is_whole_ = false; ///< the ends are different numbers, also of one that wraps
+    double step_ = 0;             ///< numbers are rounded to multiples; 0 if they are not rounded
+    double unit_ = 1;             ///< the distance to the next number
+    bool has_only_steps_ = false; ///< other numbers are not allowed
+    bool is_whole_ = false;       ///< the ends are different numbers, also of one that wraps
     value choices_;
 };
 

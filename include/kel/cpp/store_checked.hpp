@@ -2,7 +2,8 @@
 /// Storing what the description of a variable allows.
 #pragma once
 
-#include <kel/cpp/rules.hpp>
+#include <kel/cpp/as_written.hpp>
+#include <kel/cpp/scale.hpp>
 
 #include <limits>
 
@@ -17,9 +18,19 @@ inline bool is_from_text(double number, double exact, double decimals = 5e-7) {
     return std::abs(number - exact) <= decimals + ulps * std::abs(exact);
 }
 
-/// Returns the end of the range or the choice that text has changed into this number, or the number
-/// itself. A number within the range is another one unless only its last digits differ.
+/// Returns whether text makes a number of an exact one. A number is made of itself.
+inline bool is_text_of(double number, double exact) {
+    constexpr int decimals_of_text = 6;
+    return is_from_text(number, exact, 0) ||
+           (std::abs(exact) < beyond_text &&
+            is_from_text(number, rounded(exact, decimals_of_text), 0));
+}
+
+/// Returns the end of the range, the choice or, if there are only steps, the step that text has
+/// changed into this number, or the number itself. A number within the range is another one unless
+/// only its last digits differ.
 inline double unchanged_by_text(const MetaKelVarDescriptor& rules, double number) {
+    bool is_inside = true;
     if (rules.isRanged()) {
         double ends[2] = {};
         KEL* bounds[2] = {rules.getMin(), rules.getMax()};
@@ -28,12 +39,16 @@ inline double unchanged_by_text(const MetaKelVarDescriptor& rules, double number
                 return number; // a description of another program
             }
         }
-        const bool is_inside = ends[0] <= number && number <= ends[1];
+        is_inside = ends[0] <= number && number <= ends[1];
         const double nearer =
             std::abs(number - ends[0]) < std::abs(number - ends[1]) ? ends[0] : ends[1];
-        return (is_inside ? is_from_text(number, nearer, 0) : is_from_text(number, nearer))
-                   ? nearer
-                   : number;
+        if (is_inside ? is_from_text(number, nearer, 0) : is_from_text(number, nearer)) {
+            return nearer;
+        }
+    }
+    const bool can_be_step = is_inside && has_only_steps(rules) && std::isfinite(number);
+    if (can_be_step && is_at_step(rules, number)) {
+        return nearest_step(rules, number);
     }
     double nearest = number;
     double distance = std::numeric_limits<double>::infinity();
@@ -49,8 +64,8 @@ inline double unchanged_by_text(const MetaKelVarDescriptor& rules, double number
     return nearest;
 }
 
-/// Returns the value to check and to store in place of a value: the end of a range or the choice
-/// that text has changed into it, or the value itself.
+/// Returns the value to check and to store in place of a value: the end of a range, the choice or
+/// the step that text has changed into it, or the value itself.
 inline value unchanged_by_text(const MetaKelVarDescriptor& rules, KEL* content) {
     double number = 0;
     if (content != nullptr && type_of(content) == KELKind_Double &&
@@ -61,6 +76,36 @@ inline value unchanged_by_text(const MetaKelVarDescriptor& rules, KEL* content) 
         }
     }
     return value(share(content));
+}
+
+/// Returns the value to check and to store in place of a value of a document. It is also the
+/// present value, the default or the step that text has changed into it, or the decimal number that
+/// reading has changed.
+/// \param present the value of the variable; null if the result must depend on the document alone
+inline value unchanged_in_document(const MetaKelVarDescriptor& rules, KEL* content, KEL* present) {
+    value exact = unchanged_by_text(rules, content);
+    double number = 0;
+    if (!exact || type_of(exact.raw()) != KELKind_Double ||
+        rules.getVariableType() != KELKind_Double || rules.isEnumerated() ||
+        exact.raw() != content || read(*content, number) != reading::done ||
+        !std::isfinite(number)) {
+        return exact;
+    }
+    for (KEL* each : {present, call([&] { return rules.getDefault(); })}) {
+        double before = 0;
+        if (each != nullptr && read(*each, before) == reading::done && is_text_of(number, before)) {
+            return value(before);
+        }
+    }
+    if (rules.hasStepsize() && rules.getStepsize() > 0) {
+        const double step = call([&] { return nearest_step(rules, number); });
+        if (is_text_of(number, step)) {
+            return value(step);
+        }
+    }
+    const double written = as_written(number);
+    return written == number ? exact
+                             : value(call([&] { return unchanged_by_text(rules, written); }));
 }
 
 inline void require_allowed(const MetaKel& target, const char* name, const std::string& path,
@@ -145,15 +190,24 @@ inline void return_to_default(MetaKel& target, const char* name) {
     }
 }
 
+/// Whose value is to be stored: that of the program, or that of a document, which can have been
+/// saved as text. The result can depend on the document alone, or also on the present value.
+enum class origin { program, document, document_alone };
+
 /// Stores a value if the variable is described and allows it. Returns why not, or nothing.
 /// \param path of the variable, for the reason
 inline std::string try_store(MetaKel& target, const char* name, const std::string& path,
-                             KEL* content) {
+                             KEL* content, origin whose) {
     const MetaKelVarDescriptor* rules = description_of(target, name);
     if (rules == nullptr) {
         return unknown_in(target, name, path);
     }
-    const value exact = unchanged_by_text(*rules, content);
+    KELVarCursor at;
+    const bool has_present = whose == origin::document && walk_of(&target)->findVar(at, name);
+    const value exact =
+        whose == origin::program
+            ? unchanged_by_text(*rules, content)
+            : unchanged_in_document(*rules, content, has_present ? at.value : nullptr);
     std::string reason = why_not(*rules, path, exact.raw());
     if (reason.empty()) {
         call([&] {

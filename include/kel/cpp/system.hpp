@@ -26,9 +26,10 @@ namespace kel {
 inline namespace v1 {
 namespace detail {
 
-/// Throws a failure of the system. Without a reason (0) the message stands alone.
+/// Throws a failure of the system. Always gives a reason, by which it is recognised.
 [[noreturn]] inline void raise_io(const std::string& file, const char* message, int reason) {
-    throw io_error(file, 0, message, std::error_code(reason, std::generic_category()));
+    throw io_error(file, 0, message,
+                   std::error_code(reason == 0 ? EIO : reason, std::generic_category()));
 }
 
 /// Returns the name for messages: bytes on POSIX systems, UTF-8 on Windows.
@@ -185,15 +186,17 @@ inline bool close_checked(file_handle file) {
 
 /// Returns all bytes of an open file.
 /// \param likely_size the number of bytes for which room is made at first
+/// \param most the number of bytes after which reading ends, a little later
 /// \throws io_error "cannot be read"
-inline std::string read_all(std::FILE* file, const std::string& name, std::uintmax_t likely_size) {
+inline std::string read_all(std::FILE* file, const std::string& name, std::uintmax_t likely_size,
+                            std::uintmax_t most = UINTMAX_MAX) {
     std::string content;
     if (likely_size < content.max_size()) {
         content.reserve(static_cast<std::size_t>(likely_size));
     }
     char piece[16 * 1024];
     errno = 0;
-    for (std::size_t got = sizeof piece; got == sizeof piece;) {
+    for (std::size_t got = sizeof piece; got == sizeof piece && content.size() <= most;) {
         got = std::fread(piece, 1, sizeof piece, file);
         if (got > content.max_size() - content.size()) {
             throw std::bad_alloc();

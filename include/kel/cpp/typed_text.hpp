@@ -63,6 +63,36 @@ inline value typed_choice(const MetaKelVarDescriptor& rules, std::string_view te
     return like;
 }
 
+/// The words for false and true that a person can type, in any case.
+inline constexpr std::string_view words_for_truth[][2] = {
+    {"false", "true"}, {"off", "on"}, {"no", "yes"}, {"0", "1"}};
+
+/// Returns all words that a person can type for a truth value.
+inline std::string typed_truths() {
+    std::string list;
+    for (const auto& [no, yes] : words_for_truth) {
+        list += (list.empty() ? "" : ", ") + std::string(yes) + " or " + std::string(no);
+    }
+    return list;
+}
+
+/// Returns whether a typed word is one in lower case. Only letters of ASCII have a case here.
+inline bool is_word(std::string_view typed, std::string_view word) {
+    return std::equal(typed.begin(), typed.end(), word.begin(), word.end(), [](char a, char b) {
+        return a == b || (a >= 'A' && a <= 'Z' && a - 'A' + 'a' == b);
+    });
+}
+
+/// Reads a word as a truth value. \return nothing for any other word
+inline std::optional<bool> read_truth(std::string_view typed) {
+    for (const auto& [no, yes] : words_for_truth) {
+        if (is_word(typed, no) || is_word(typed, yes)) {
+            return is_word(typed, yes);
+        }
+    }
+    return std::nullopt;
+}
+
 /// Reads what a person typed for a described variable. Whether the description allows the value is
 /// not checked. \param reason set to why the text cannot be such a value
 inline value read_typed(const MetaKelVarDescriptor& rules, const std::string& path,
@@ -70,7 +100,7 @@ inline value read_typed(const MetaKelVarDescriptor& rules, const std::string& pa
     const std::string before = text_of(rules.getPreadorn());
     const std::string after = text_of(rules.getPostadorn());
     const auto refuse = [&](const char* why) {
-        reason = with_allowed(rules, path + ": \"" + std::string(text) + "\" " + why);
+        reason = with_allowed(rules, lead(path) + '"' + std::string(text) + "\" " + why);
         return value();
     };
     if (rules.isEnumerated()) {
@@ -92,14 +122,13 @@ inline value read_typed(const MetaKelVarDescriptor& rules, const std::string& pa
     if (wanted == KELKind_Boolean) {
         const std::string_view whole = trimmed(text);
         for (const std::string_view word : {whole, without_adornments(whole, before, after)}) {
-            if (word == "true" || word == "on" || word == "yes") {
-                return value(true);
-            }
-            if (word == "false" || word == "off" || word == "no") {
-                return value(false);
+            if (const std::optional<bool> truth = read_truth(word)) {
+                return value(*truth);
             }
         }
-        return refuse("is neither true nor false.");
+        reason =
+            with_words(lead(path) + '"' + std::string(text) + "\" is not allowed.", typed_truths());
+        return value();
     }
     return text.find('\0') == std::string_view::npos ? value(text) : refuse("contains a NUL.");
 }

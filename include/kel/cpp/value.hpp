@@ -17,6 +17,7 @@ class item_range;
 class element_range;
 class pair_range;
 struct item;
+struct mismatch;
 namespace detail {
 template <class Place> class named;
 template <class Place> class reached;
@@ -26,13 +27,6 @@ template <class Place> class reached;
 enum class missing {
     keep, ///< they remain as they are
     reset ///< those that a checked struct describes get their default
-};
-
-/// A part of a document that was not taken over.
-struct mismatch {
-    std::string path;        ///< of the value in the document
-    std::string message;     ///< why, with the path: "gain: wanted a double, found a string."
-    bool is_unknown = false; ///< the target has no such variable, or does not describe it
 };
 
 /// Holds one reference to a value of any kind, or nothing (null). Copying a handle adds a reference
@@ -152,8 +146,11 @@ public:
     value copy() const;
     /// Makes everything as it was when copy gave the state, for undo. What is still there is
     /// changed in place, so subscriptions and handles remain valid. Variables that a checked struct
-    /// lacked have their defaults again. If it throws, what came before remains restored. \throws
-    /// type_error for a state of another kind
+    /// lacked have their defaults again. If it throws, what came before remains restored. Every
+    /// bit of a number is that of the state. If the state was saved as text, use merge, which
+    /// stores the decimals that were written.
+    ///
+    /// \throws type_error for a state of another kind
     void restore(const value& state);
     /// Returns the identity. A handle without a value has none: all zero.
     guid identity() const {
@@ -189,6 +186,11 @@ public:
     void set(const detail::text& name, Number number);
     /// Returns the variable, or null if it is missing or holds nothing. Never throws not_found.
     value find(const detail::text& name) const;
+    /// Return the variable if it is a struct, checked or not, or an array. Return null if it is
+    /// missing or of another kind, and also if this is not a struct, as get_or does. To throw
+    /// instead, use the operations of a place: document["parts"].get_array().
+    value find_struct(const detail::text& name) const;
+    value find_array(const detail::text& name) const;
     /// Returns the variable as a C++ type, or the other value if it is missing, of another kind or
     /// does not fit.
     template <class T> T get_or(const detail::text& name, T otherwise) const;
@@ -196,9 +198,12 @@ public:
     bool contains(const detail::text& name) const;
     /// Takes over the variables of another struct that this one has too, in place and as copies.
     /// Structs inside are merged in turn. A checked struct takes over what its descriptions allow.
-    /// For anything else, the kinds must agree; numbers convert if nothing is lost. A source that
-    /// is a checked struct has its defaults too. Returns what was not taken over: refused values
-    /// and unknown names. If it throws, what came before remains taken over.
+    /// A described Double that text has made of the present value, of the default, of a step or of
+    /// a decimal number is that one. With missing::reset, the present value does not count, so that
+    /// the result depends on the source alone. For anything else, the kinds must agree; numbers
+    /// convert if nothing is lost. A source that is a checked struct has its defaults too. Returns
+    /// what was not taken over: refused values and unknown names, and the required variables that
+    /// the source lacks. If it throws, what came before remains taken over.
     ///
     ///     for (const kel::mismatch& each : settings.merge(kel::load("app.kel"))) {
     ///         std::cerr << each.message << '\n';
@@ -213,6 +218,10 @@ public:
     /// several places is one container of the copy too. Managers, index lists and selectors are
     /// copied as copy does.
     value values() const;
+    /// Returns the same without the variables that have only their default: what was chosen. Merged
+    /// again, it leaves the others to the defaults that the program has then. So save settings with
+    /// this, and presets with values.
+    value stored_values() const;
     /// Returns the names of the variables that a checked struct describes, in ascending order.
     /// \throws type_error unless this is a checked struct
     std::vector<std::string> names() const;
@@ -277,6 +286,21 @@ private:
     KEL_Array& as_array() const;
 
     ref<KEL> object_;
+};
+
+/// A part of a document that was not taken over, or that it lacks.
+struct mismatch {
+    std::string path;         ///< of the value in the document
+    std::string message;      ///< why, printable, with the path: "gain: wanted a number, ..."
+    bool is_unknown = false;  ///< the target has no such variable, or does not describe it
+    bool is_missing = false;  ///< the document lacks a variable that is described as required
+    bool is_left_out = false; ///< a reason for which take has left out the element
+    value unknown = {};       ///< what the document has under an unknown name, for keep_unknown
+
+    /// Writes the message.
+    friend std::ostream& operator<<(std::ostream& out, const mismatch& what) {
+        return out << what.message;
+    }
 };
 
 /// A name and the value of its variable. The value is null if the variable holds nothing.

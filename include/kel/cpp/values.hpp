@@ -1,5 +1,5 @@
 /// \file
-/// values: a plain copy of a tree that holds checked structs.
+/// values, stored_values: a plain copy of a tree that holds checked structs.
 #pragma once
 
 #include <kel/cpp/checked.hpp>
@@ -13,6 +13,9 @@ namespace detail {
 /// Copies a tree, in which checked structs become plain ones.
 class plain_copier {
 public:
+    /// \param has_defaults the copy of a variable that has only its default holds that
+    explicit plain_copier(bool has_defaults) : has_defaults_(has_defaults) {}
+
     value copy(const value& source) {
         value made = made_for(source);
         for (; next_ < parts_.size(); ++next_) {
@@ -43,8 +46,7 @@ private:
             }
         } else if (const MetaKel* checked = checked_of(from.raw())) {
             for (const std::string& name : described_names(*checked)) {
-                value content = from.find(name);
-                if (content || (content = value(share(default_of(*checked, name.c_str()))))) {
+                if (const value content = content_of(from, *checked, name.c_str())) {
                     to.set(name, made_for(content));
                 }
             }
@@ -55,6 +57,16 @@ private:
         }
     }
 
+    /// Returns a variable of a checked struct, or the default if the copy has defaults, or null.
+    value content_of(const value& from, const MetaKel& checked, const char* name) const {
+        KELVarCursor at;
+        const bool is_stored = walk_of(from.raw())->findVar(at, name) && at.value != nullptr;
+        return is_stored       ? value(share(at.value))
+               : has_defaults_ ? value(share(default_of(checked, name)))
+                               : value();
+    }
+
+    const bool has_defaults_;
     std::vector<std::pair<value, value>> parts_; ///< containers and their copies
     std::size_t next_ = 0;                       ///< of the parts, to be filled
     std::map<KEL*, value> made_;                 ///< the copies of containers
@@ -63,7 +75,10 @@ private:
 } // namespace detail
 
 inline value value::values() const {
-    return detail::plain_copier().copy(*this);
+    return detail::plain_copier(true).copy(*this);
+}
+inline value value::stored_values() const {
+    return detail::plain_copier(false).copy(*this);
 }
 
 } // namespace v1

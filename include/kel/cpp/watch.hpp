@@ -21,12 +21,13 @@ protected:
 
 } // namespace detail
 
-/// Calls a function after each change, as long as it lives. watch, watch_tree and watch_values make
-/// one. It keeps the value alive.
+/// Calls a function after each change, as long as it lives. watch, watch_path, watch_tree and
+/// watch_values make one. It keeps the value alive.
 ///
 /// The function is called only inside calls that change the value. Releasing handles changes
 /// nothing. So a subscription whose function captures this can be any member, unless the destructor
-/// of a member that is declared after it changes the value.
+/// of a member that is declared after it changes the value. Make such a member a
+/// pinned_subscription, so that the object cannot be moved.
 ///
 /// It can end, be destroyed and be moved inside its own call, and end others there. One that has
 /// ended is not called any more, even if it has not been called yet for the present change. Nobody
@@ -35,7 +36,7 @@ class [[nodiscard]] subscription {
 public:
     /// Makes one that watches nothing.
     subscription() noexcept = default;
-    /// For watch, watch_tree and watch_values.
+    /// For watch and its relatives.
     explicit subscription(detail::watching* owned) noexcept : watching_(owned) {}
     subscription(subscription&& other) noexcept
         : watching_(std::exchange(other.watching_, nullptr)) {}
@@ -57,6 +58,43 @@ public:
 
 private:
     detail::watching* watching_ = nullptr;
+};
+
+/// A subscription as a member of a class. It can be neither copied nor moved, and so the class
+/// cannot: a function that captures this would still use the old object.
+///
+///     class meter {
+///     public:
+///         explicit meter(const kel::value& panel)
+///             : watching_(kel::watch_path(panel, "gain", [this](kel::value v) { draw(v); })) {}
+///     private:
+///         kel::pinned_subscription watching_;
+///     };
+///
+/// One that watches nothing at first can be a member too: watching_ = kel::watch(...).
+class pinned_subscription {
+public:
+    /// Makes one that watches nothing.
+    pinned_subscription() noexcept = default;
+    /// Takes over what watch, watch_path, watch_tree or watch_values returns.
+    pinned_subscription(subscription&& made) noexcept : watching_(std::move(made)) {}
+    pinned_subscription(const pinned_subscription&) = delete;
+    pinned_subscription& operator=(const pinned_subscription&) = delete;
+    ~pinned_subscription() = default;
+
+    /// Ends the calls of the one before, and takes over another.
+    pinned_subscription& operator=(subscription&& made) noexcept {
+        watching_ = std::move(made);
+        return *this;
+    }
+
+    /// Ends the calls. Afterwards it watches nothing.
+    void end() noexcept { watching_.end(); }
+    /// Returns whether it still watches.
+    explicit operator bool() const noexcept { return static_cast<bool>(watching_); }
+
+private:
+    subscription watching_;
 };
 
 namespace detail {
@@ -120,7 +158,7 @@ inline ref<KEL> watchable(place&& watched) {
 
 /// Calls a function with the value after each change of the value itself, also if it remains equal.
 /// If another object takes its place (by =, reset, or assign of the struct around it), the function
-/// is not called any more: watch_values follows the place. The changes that count are those that
+/// is not called any more: watch_path follows the place. The changes that count are those that
 /// notify the library's observers: a container does not report changes inside its elements
 /// (watch_tree does). The function runs inside the call that made the change, on its thread. If it
 /// throws, the exception reaches whoever made the change, after all others have been called.

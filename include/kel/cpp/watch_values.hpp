@@ -2,6 +2,7 @@
 /// watch_values: calls a function for each scalar in a tree that has become another one.
 #pragma once
 
+#include <kel/cpp/raised_flag.hpp>
 #include <kel/cpp/tree_watcher.hpp>
 #include <kel/cpp/watched_values.hpp>
 
@@ -37,13 +38,7 @@ private:
         if (is_calling_) {
             return;
         }
-        struct calling {
-            explicit calling(bool& its_flag) : flag(its_flag) { flag = true; }
-            calling(const calling&) = delete;
-            calling& operator=(const calling&) = delete;
-            ~calling() { flag = false; }
-            bool& flag;
-        } const now(is_calling_);
+        const raised_flag now(is_calling_);
         std::exception_ptr failure;
         while (!has_ended()) {
             const std::optional<watched_values::change> next = values_.next_change();
@@ -102,6 +97,10 @@ private:
 /// A copy of each scalar is kept. A change of a scalar costs a comparison and a copy, in addition
 /// to watch_tree. A change of a container costs a look at each of its own children, and at the
 /// contents of those that are other objects than before.
+///
+/// The root is one object, which is followed wherever it goes. If another object takes its place,
+/// as in settings["sound"] = other, the old one is still watched. So watch the value that remains,
+/// such as the whole settings. watch_path follows one name.
 ///
 /// \param root a value, or a place with one; a default is treated as by watch
 /// \throws type_error for null

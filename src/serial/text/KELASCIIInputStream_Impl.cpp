@@ -51,10 +51,10 @@ JString* KELASCIIInputStream_Impl::JReadString() {
         if (type != kel::tokenWord || text.find('\0') != std::string_view::npos) {
             source_.refuseLast();
         }
+        // not reached: so long a word takes 4 GB
         if (text.size() > UINT32_MAX) {
             kel::throwOutOfMemory();
         }
-        return new JString(text.data() == nullptr ? "" : text.data(), 0,
-                           static_cast<uint32_t>(text.size()));
+        return new JString(text.data(), 0, static_cast<uint32_t>(text.size()));
     });
 }

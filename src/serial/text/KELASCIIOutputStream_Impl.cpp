@@ -40,7 +40,7 @@ void KELASCIIOutputStream_Impl::writeText(std::string_view text) {
             sink().JWrite(reinterpret_cast<const uint8_t*>(piece.data()), 0,
                           static_cast<int32_t>(piece.size()));
             text.remove_prefix(piece.size());
-        } while (!text.empty());
+        } while (!text.empty()); // not reached: a longer text takes 2 GB
     });
 }
 

@@ -7,6 +7,7 @@ namespace kel {
 
 /// Moves to storage with room for count more characters.
 void OutputBuffer::grow(std::size_t count) {
+    // not reached: no memory is so large
     if (count > SIZE_MAX / 2 - used_) {
         throwOutOfMemory();
     }

@@ -225,7 +225,7 @@ void TextTreeWriter::open(const KEL_Impl& container, Shape shape, std::size_t ta
     if (levels_.size() >= plainDepth || (container.isShared() && !levels_.empty())) {
         noticeRepetition();
     }
-    levels_.push_back({ChildCursor(container), shape, tabs, limit, false, false, {}});
+    levels_.push_back({ChildCursor(container), shape, tabs, limit});
     container.setOnPath(true);
 }
 

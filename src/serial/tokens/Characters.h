@@ -24,6 +24,7 @@ enum CharacterClass : uint8_t {
 
 namespace detail {
 
+// not reached: the compiler runs it
 constexpr std::array<uint8_t, 256> makeCharacterClasses() {
     std::array<uint8_t, 256> classes{};
     for (unsigned c = '0'; c <= '9'; ++c) {

@@ -99,12 +99,7 @@ int32_t NumberFSM::acceptInDecimal(int32_t c) {
         becomeFloating();
         return wantsMore;
     }
-    if (isInClass(c, hexLetterClass)) {
-        return reject();
-    }
-    const bool contradictory = form_ == floatingPoint && weight_ == firstFractionWeight &&
-                               floating_ != static_cast<int32_t>(integer_);
-    return contradictory ? reject() : complete(completeBefore);
+    return isInClass(c, hexLetterClass) ? reject() : complete(completeBefore);
 }
 
 int32_t NumberFSM::acceptAfterZero(int32_t c) {

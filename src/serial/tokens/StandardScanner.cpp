@@ -118,10 +118,7 @@ int32_t StandardScanner::scanLineComment() {
             ++p;
         }
         input_.skipTo(p);
-        if (p != end) {
-            break;
-        }
-    } while (input_.more());
+    } while (input_.begin() == input_.end() && input_.more());
     return finishText(tokenComment, 2, 0);
 }
 

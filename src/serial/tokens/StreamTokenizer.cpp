@@ -37,6 +37,7 @@ bool areStandard(const JVector<TokenizerFSM>& recognisers) {
 }
 
 JString* newString(std::string_view text, bool quoted) {
+    // not reached: so long a token takes 4 GB
     if (text.size() > UINT32_MAX) {
         throw JOutOfMemoryException("MemoryPool out of memory.");
     }

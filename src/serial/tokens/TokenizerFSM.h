@@ -44,9 +44,6 @@ protected:
     /// Returns to state 0.
     void restart();
 
-    /// Returns whether the token is complete.
-    bool isComplete() const { return complete_; }
-
     /// Requires that the token is complete.
     /// \throws TokenizerException with the message otherwise
     void requireComplete(const char* message = "Nothing to return.") const;

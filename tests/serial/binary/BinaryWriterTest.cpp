@@ -389,4 +389,13 @@ TEST(TypedBinaryOutput, RawBytesStandBetweenRecords) {
     EXPECT_EQ(hex(output.bytes()), "3C " + hex(intRecord(counting, 1)) + " 3E");
 }
 
+TEST(TypedBinaryOutput, TheByteOrderIsThatOfSingleNumbers) {
+    BinaryOutput output;
+    EXPECT_EQ(output->getByteOrder(), 1);
+    output->setByteOrder(0);
+    EXPECT_EQ(output->getByteOrder(), 0);
+    output->JWrite16(0x0102);
+    EXPECT_EQ(output.bytes(), "\1\2");
+}
+
 } // namespace

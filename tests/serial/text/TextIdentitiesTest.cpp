@@ -1,4 +1,5 @@
 // Tests hash codes in text: guids, and identities before values, in headers and in managers.
+#include "support/Samples.h"
 #include "support/ValueStreams.h"
 #include "support/Values.h"
 
@@ -149,6 +150,12 @@ TEST(TextIdentity, MayBeMissingAValueBehindItsEqualsSign) {
 
 // ---- Headers -----------------------------------------------------------------------------------
 
+TEST(TextGuid, BeforeTheBracketOfAnotherContainerIsASyntaxError) {
+    for (const char* bracket : {")", ">", "}"}) {
+        EXPECT_EQ(refusalOf("[ " + sample + bracket), syntaxErrorAt(1)) << bracket;
+    }
+}
+
 TEST(TextHeader, GivesTheStructItsIdentity) {
     EXPECT_EQ(identityOf(read("{ @hashCode = " + sample + "\n}")), sample);
     EXPECT_EQ(identityOf(read("{ @type = 8, @hashCode = " + decimal + "\n\ta = 1\n}")), decimal);
@@ -184,7 +191,12 @@ TEST(TextHeader, ADescriptionIsAnOrdinaryEntryEverywhere) {
 }
 
 TEST(TextHeader, ATypeOtherThanStructIsASyntaxError) {
-    EXPECT_EQ(refusalOf("{ @type = 7\n}"), syntaxErrorAt(1));
+    for (const KELKind kind : kel::test::everyKind) {
+        if (static_cast<int32_t>(kind) < 50 && kind != KELKind_Struct) {
+            const std::string code = std::to_string(static_cast<int32_t>(kind));
+            EXPECT_EQ(refusalOf("{ @type = " + code + "\n}"), syntaxErrorAt(1)) << code;
+        }
+    }
     EXPECT_EQ(refusalOf("{ @type = \"8\"\n}"), syntaxErrorAt(1));
     EXPECT_EQ(refusalOf("{ @type 8\n}"), syntaxErrorAt(1));
 }

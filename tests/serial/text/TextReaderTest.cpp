@@ -358,4 +358,22 @@ TEST(TextReader, LongKeysStringsAndCommentsMayCrossTheWindow) {
     EXPECT_TRUE(read("//" + longText + "\n" + textOf(value))->equalsValue(value.get()));
 }
 
+// ---- Bytes -------------------------------------------------------------------------------------
+
+TEST(TextReader, ABlockOfNothingReadsNothing) {
+    TextInput input("1");
+    uint8_t buffer[1];
+    EXPECT_EQ(input->JRead(buffer, 0, 0), 0);
+    EXPECT_EQ(input->JRead(buffer, 0, -1), 0);
+    EXPECT_EQ(input.read()->toInt(), 1);
+}
+
+TEST(TextReader, TheByteOrderIsKeptAndChangesNothing) {
+    TextInput input("1 2");
+    EXPECT_EQ(input->getByteOrder(), 1);
+    input->setByteOrder(0);
+    EXPECT_EQ(input->getByteOrder(), 0);
+    EXPECT_EQ(input->JRead16(), 1);
+}
+
 } // namespace

@@ -154,6 +154,19 @@ TEST(TextWriter, TheCommentOfAnEmptyBlockIsEmpty) {
     EXPECT_EQ(output.bytes(), "void[0] : 0x" + addressOf(block) + " // \"\"\n");
 }
 
+TEST(TextWriter, TheCommentOfASharedBlockIsWrittenInEachPlace) {
+    for (const std::size_t length : {3U, 300U}) {
+        const std::string bytes(length, 'a');
+        const auto block = memBlockOf(bytes);
+        TextOutput output;
+        output->setMemBlockComment(true);
+        output.write(arrayOf(block, block));
+        const std::string line = "\tvoid[" + std::to_string(length) + "] : 0x" + addressOf(block) +
+                                 " // \"" + bytes + "\"\n";
+        EXPECT_EQ(output.bytes(), "[\n" + line + line + "]\n");
+    }
+}
+
 TEST(TextWriter, TheCommentCanBeSwitchedOffAgain) {
     const auto block = memBlockOf("a");
     TextOutput output;
@@ -331,6 +344,14 @@ TEST(TextWriter, AManagerInsideItselfIsRefused) {
     EXPECT_EQ(thrownMessage<KELIOException>([&] { textOf(loop); }),
               "Cannot write a value that contains itself.");
     asManager(loop).removeAllKels();
+}
+
+TEST(TextWriter, TheByteOrderIsKeptAndChangesNothing) {
+    TextOutput output;
+    EXPECT_EQ(output->getByteOrder(), 1);
+    output->setByteOrder(0);
+    EXPECT_EQ(output->getByteOrder(), 0);
+    EXPECT_EQ(output.write(intOf(1)).bytes(), "1\n");
 }
 
 } // namespace

@@ -377,4 +377,12 @@ TEST(StreamTokenizer, TheUsualRecognisersInAnotherOrderKeepThatOrder) {
     EXPECT_EQ(tokenizer.nextToken(), 50) << "the last one completes with the first character";
 }
 
+TEST(StreamTokenizer, TheNumberOfALineStopsAtTheLargest) {
+    int32_t line = INT32_MAX - 2;
+    StreamTokenizer::countLines(line, 2);
+    EXPECT_EQ(line, INT32_MAX);
+    StreamTokenizer::countLines(line, 1);
+    EXPECT_EQ(line, INT32_MAX);
+}
+
 } // namespace

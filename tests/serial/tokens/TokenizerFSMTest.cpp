@@ -70,6 +70,12 @@ template <class Machine> std::string failureInState(int32_t state) {
     return thrownMessage<TokenizerException>([&] { machine.accept('x'); });
 }
 
+TEST(TokenizerFSM, WhatIsNotAByteBelongsToNoToken) {
+    EXPECT_EQ(NumberFSM().accept(256 + '1'), 0);
+    EXPECT_EQ(WordFSM().accept(256 + 'a'), 0);
+    EXPECT_EQ(HashcodeFSM().accept(256 + 'A'), 0);
+}
+
 TEST(TokenizerFSM, TypesAreFixed) {
     EXPECT_EQ(NewlineFSM().getType(), 1);
     EXPECT_EQ(CommentFSM().getType(), 2);

@@ -9,7 +9,8 @@
 //           before the call; "once" or "on" for one allocation or for all from the Nth on
 //
 // KEL_FAULT_COUNTS names a file that gets the number of calls of each kind when the process exits.
-// Calls are counted from the moment when the program's own initializers are about to run.
+// Calls are counted from the moment when the program's own initializers are about to run. When a
+// process that counts the code it reaches opens the file to add its counts, its own work is done.
 //
 // Allocations are replaced by symbol. The C library makes its system calls without symbols, so a
 // seccomp filter turns them into a signal, whose handler decides about the call. The filter lets
@@ -53,6 +54,7 @@ Kind& allocations = kinds[0];
 enum class How { fail, shorten, kill, failFromHere };
 
 bool isArmed = false;
+bool isDone = false;
 const char* faultKind = "";
 long faultNumber = 0;
 How how = How::fail;
@@ -65,6 +67,9 @@ long direct(long number, long a = 0, long b = 0, long c = 0, long d = 0, long e 
 
 /// Counts a call. \return whether it is the one to change
 bool isFault(Kind& kind) {
+    if (isDone) {
+        return false;
+    }
     ++kind.count;
     if (std::strcmp(kind.name, faultKind) != 0) {
         return false;
@@ -103,6 +108,16 @@ constexpr int resultRegister = REG_EAX;
 constexpr int argumentRegisters[] = {REG_EBX, REG_ECX, REG_EDX, REG_ESI, REG_EDI};
 #endif
 
+/// Returns whether a system call opens a file to add the counts of the code that was reached.
+bool opensCounts(long call, const long* arguments) {
+    if (call != SYS_open && call != SYS_openat) {
+        return false;
+    }
+    const long* name = arguments + (call == SYS_open ? 0 : 1);
+    return (name[1] & O_ACCMODE) == O_RDWR &&
+           std::strstr(reinterpret_cast<const char*>(*name), ".profraw") != nullptr;
+}
+
 /// Makes the trapped call or lets it fail, and sets its result.
 void decide(int /*signal*/, siginfo_t* info, void* context) {
     const int before = errno;
@@ -111,6 +126,7 @@ void decide(int /*signal*/, siginfo_t* info, void* context) {
     for (int i = 0; i < 5; ++i) {
         arguments[i] = static_cast<long>(registers[argumentRegisters[i]]);
     }
+    isDone = isDone || opensCounts(info->si_syscall, arguments);
     long result = 0;
     bool isMade = true;
     for (const Trapped& call : trapped) {
@@ -223,6 +239,9 @@ __attribute__((destructor)) void report() {
 
 } // namespace
 
+// The build hides symbols by default, and a hidden one would replace nothing.
+#pragma GCC visibility push(default)
+
 extern "C" {
 
 void* malloc(size_t size) {
@@ -254,3 +273,5 @@ int posix_memalign(void** storage, size_t alignment, size_t size) {
     return 0;
 }
 }
+
+#pragma GCC visibility pop

@@ -23,6 +23,7 @@ std::optional<uint64_t> ContentNumbers::numberOf(KEL& value) {
         }
         switch (event) {
         case TreeCursor::Event::null:
+        // not reached: the loop ends before it
         case TreeCursor::Event::done:
             number = null;
             break;
@@ -89,12 +90,13 @@ std::optional<std::string> keyOfScalar(const KEL& value) {
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
     case KELKind_IndexList:
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
+    // not reached: no file can hold a selector
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
         break;
     }
     return std::nullopt;

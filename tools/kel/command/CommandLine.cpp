@@ -50,6 +50,26 @@ std::string asTyped(const std::string& text) {
     return isBracketed(typed) ? std::string(typed) : text;
 }
 
+/// Refuses an empty name of a file, which a script gets from a variable that is not set.
+CLI::Validator namesFile() {
+    return {[](const std::string& text) {
+                return text.empty() ? std::string("the name of a file cannot be empty")
+                                    : std::string();
+            },
+            ""};
+}
+
+/// Adds an argument or an option that is one text.
+/// \param type the name of the value in help; empty for an argument
+template <class Text>
+CLI::Option* addText(CLI::App& app, const char* name, Text& value, const char* type,
+                     const char* description) {
+    return app
+        .add_option_function<std::string>(
+            name, [&value](const std::string& text) { value = asTyped(text); }, description)
+        ->type_name(type);
+}
+
 /// Adds an option that takes several texts.
 CLI::Option* addTexts(CLI::App& app, const char* name, std::vector<std::string>& values,
                       const char* description) {
@@ -73,17 +93,21 @@ std::string CommandLine::forParser(const std::string& argument) {
 }
 
 void CommandLine::argument(const char* name, std::string& value, const char* description) {
-    app_.add_option_function<std::string>(
-            name, [&value](const std::string& text) { value = asTyped(text); }, description)
-        ->required()
-        ->type_name("");
+    addText(app_, name, value, "", description)->required();
+}
+
+void CommandLine::file(const char* name, std::string& value, const char* description) {
+    addText(app_, name, value, "", description)->required()->check(namesFile());
+}
+
+void CommandLine::file(const char* name, std::optional<std::string>& value, const char* type,
+                       const char* description) {
+    addText(app_, name, value, type, description)->check(namesFile());
 }
 
 void CommandLine::optionalArgument(const char* name, std::optional<std::string>& value,
                                    const char* description) {
-    app_.add_option_function<std::string>(
-            name, [&value](const std::string& text) { value = asTyped(text); }, description)
-        ->type_name("");
+    addText(app_, name, value, "", description);
 }
 
 void CommandLine::arguments(const char* name, std::vector<std::string>& values,
@@ -92,14 +116,12 @@ void CommandLine::arguments(const char* name, std::vector<std::string>& values,
 }
 
 void CommandLine::input(std::string& name) {
-    app_.add_option_function<std::string>(
-            "IN", [&name](const std::string& text) { name = asTyped(text); }, "File to read")
-        ->type_name("");
+    addText(app_, "IN", name, "", "File to read")->check(namesFile());
     input_ = &name;
 }
 
 void CommandLine::inputs(std::vector<std::string>& names) {
-    addTexts(app_, "IN", names, "Files to read");
+    addTexts(app_, "IN", names, "Files to read")->check(namesFile());
     inputs_ = &names;
 }
 
@@ -109,9 +131,7 @@ void CommandLine::flag(const char* name, bool& value, const char* description) {
 
 void CommandLine::text(const char* name, std::optional<std::string>& value, const char* type,
                        const char* description) {
-    app_.add_option_function<std::string>(
-            name, [&value](const std::string& text) { value = asTyped(text); }, description)
-        ->type_name(type);
+    addText(app_, name, value, type, description);
 }
 
 void CommandLine::choice(const char* name, const std::function<void(const std::string&)>& choose,
@@ -174,6 +194,28 @@ void describeCommon(CommandLine& line, CommonOptions& options) {
     line.flag("-q,--quiet", options.isQuiet, "Print errors, but no warnings and no progress");
     line.size("--max-memory", options.maxMemory,
               "Fail if more memory is needed, such as 512M or 2G");
+}
+
+size_t countCommonOptions(std::span<const std::string> arguments) {
+    CLI::App app;
+    CommandLine line(app);
+    CommonOptions options;
+    describeCommon(line, options);
+    size_t count = 0;
+    while (count < arguments.size()) {
+        const std::string& argument = arguments[count];
+        const size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
+        const CLI::Option* option = argument.starts_with('-')
+                                        ? app.get_option_no_throw(argument.substr(0, equals))
+                                        : nullptr;
+        if (option == nullptr || option == app.get_help_ptr()) {
+            break;
+        }
+        const bool hasValueNext =
+            option->get_items_expected_max() > 0 && equals == std::string::npos;
+        count += hasValueNext ? 2 : 1;
+    }
+    return std::min(count, arguments.size());
 }
 
 void CommandLine::finish() {

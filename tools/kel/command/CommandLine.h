@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,14 @@ public:
 
     /// Takes an argument that must be there.
     void argument(const char* name, std::string& value, const char* description);
+
+    /// Takes the name of a file, which must be there and cannot be empty.
+    void file(const char* name, std::string& value, const char* description);
+
+    /// Takes an option with the name of a file, which cannot be empty.
+    /// \param type the name of the value in help, such as "FILE"
+    void file(const char* name, std::optional<std::string>& value, const char* type,
+              const char* description);
 
     /// Takes an argument that can be left out.
     void optionalArgument(const char* name, std::optional<std::string>& value,
@@ -92,5 +101,9 @@ private:
 
 /// Describes the options that every command has.
 void describeCommon(CommandLine& line, CommonOptions& options);
+
+/// Returns how many of the arguments, from the first one on, are options that every command has and
+/// their values.
+size_t countCommonOptions(std::span<const std::string> arguments);
 
 } // namespace kel::tool

@@ -38,9 +38,10 @@ std::vector<std::string> firstWordsOf(std::string_view command) {
 }
 
 /// Returns the text in single quotes of a shell.
-std::string quoted(const std::string& text) {
+std::string inSingleQuotes(const std::string& text) {
     std::string out = "'";
     for (const char c : text) {
+        // not reached: no text of an option has a single quote so far
         out += c == '\'' ? std::string("'\\''") : std::string(1, c);
     }
     return out + '\'';
@@ -51,7 +52,7 @@ std::string bashScript() {
     std::string options;
     std::string words;
     const auto choice = [](const std::string& when, const std::vector<std::string>& choices) {
-        return "        " + when + ") words=" + quoted(joined(choices, " ")) + " ;;\n";
+        return "        " + when + ") words=" + inSingleQuotes(joined(choices, " ")) + " ;;\n";
     };
     for (const CommandEntry* entry : allCommands()) {
         std::vector<std::string> names;
@@ -105,6 +106,7 @@ complete -o default -F _kel kel
 std::string zshText(const std::string& text) {
     std::string out;
     for (const char c : text) {
+        // not reached: no text of an option has brackets or backslashes so far
         out += std::string(c == '[' || c == ']' || c == ':' || c == '\\' ? "\\" : "") + c;
     }
     return out;
@@ -114,8 +116,8 @@ std::string zshScript() {
     std::string names;
     std::string cases;
     for (const CommandEntry* entry : allCommands()) {
-        names +=
-            "        " + quoted(std::string(entry->name) + ':' + zshText(entry->purpose)) + '\n';
+        names += "        " +
+                 inSingleQuotes(std::string(entry->name) + ':' + zshText(entry->purpose)) + '\n';
         cases += std::string("    ") + entry->name + ")\n        _arguments";
         for (const OptionModel& option : optionsOf(*entry)) {
             for (const std::string& name : {option.shortName, option.longName}) {
@@ -128,12 +130,13 @@ std::string zshScript() {
                 } else if (option.takesValue) {
                     form += ":value:";
                 }
-                cases += " \\\n            " + quoted(form);
+                cases += " \\\n            " + inSingleQuotes(form);
             }
         }
         const std::vector<std::string> words = firstWordsOf(entry->name);
         cases += " \\\n            " +
-                 quoted(words.empty() ? "*:file:_files" : "1:word:(" + joined(words, " ") + ')') +
+                 inSingleQuotes(words.empty() ? "*:file:_files"
+                                              : "1:word:(" + joined(words, " ") + ')') +
                  " ;;\n";
     }
     return R"(#compdef kel
@@ -165,13 +168,13 @@ std::string fishScript() {
     std::string script = "# Completes the command lines of kel in fish.\n";
     for (const CommandEntry* entry : allCommands()) {
         script += "complete -c kel -n __fish_use_subcommand -f -a " + std::string(entry->name) +
-                  " -d " + quoted(entry->purpose) + '\n';
+                  " -d " + inSingleQuotes(entry->purpose) + '\n';
     }
     for (const CommandEntry* entry : allCommands()) {
         const std::string lead =
             "complete -c kel -n '__fish_seen_subcommand_from " + std::string(entry->name) + "' ";
         if (const auto words = firstWordsOf(entry->name); !words.empty()) {
-            script += lead + "-f -a " + quoted(joined(words, " ")) + '\n';
+            script += lead + "-f -a " + inSingleQuotes(joined(words, " ")) + '\n';
         }
         for (const OptionModel& option : optionsOf(*entry)) {
             script += lead;
@@ -182,11 +185,11 @@ std::string fishScript() {
                 script += "-l " + option.longName.substr(2) + ' ';
             }
             if (!option.words.empty()) {
-                script += "-x -a " + quoted(joined(option.words, " ")) + ' ';
+                script += "-x -a " + inSingleQuotes(joined(option.words, " ")) + ' ';
             } else if (option.takesValue) {
                 script += "-r ";
             }
-            script += "-d " + quoted(option.purpose) + '\n';
+            script += "-d " + inSingleQuotes(option.purpose) + '\n';
         }
     }
     return script;

@@ -63,10 +63,41 @@ void refuseSwallowedText() {
     }
 }
 
+/// Returns the arguments with the command before the options that every command has. People write
+/// `kel -q show FILE` as they do for other tools.
+std::vector<std::string> commandFirst(std::vector<std::string> arguments) {
+    constexpr size_t first = 1; // the name of the program precedes it
+    const std::span<const std::string> all(arguments);
+    const size_t count = all.size() > first ? countCommonOptions(all.subspan(first)) : 0;
+    const auto command =
+        arguments.begin() + static_cast<std::ptrdiff_t>(std::min(first + count, arguments.size()));
+    if (command != arguments.end() && !command->starts_with('-')) {
+        std::rotate(arguments.begin() + first, command, command + 1);
+    }
+    return arguments;
+}
+
+/// Refuses an option of a command that stands before the command.
+/// \throws Failure usage, with the right order
+void refuseEarlyOption(const std::vector<std::string>& arguments) {
+    const auto command =
+        std::find_if(arguments.begin() + 1, arguments.end(),
+                     [](const std::string& argument) { return commandNamed(argument) != nullptr; });
+    const std::string& option = arguments[1];
+    const bool isOfParser = option == "-h" || option == "--help" || option == "--version";
+    if (command == arguments.end() || isOfParser) {
+        return;
+    }
+    throw Failure{Trouble::usage, '"' + option +
+                                      "\" stands before the command; did you mean \"kel " +
+                                      *command + ' ' + option + "\"?" + generalHint};
+}
+
 /// The parser with the commands that it has to know.
 class Parser {
 public:
-    explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {
+    explicit Parser(const std::vector<std::string>& arguments)
+        : arguments_(commandFirst(arguments)) {
         app_.allow_windows_style_options(false); // "/" begins a file name on every system
         app_.footer(generalNotes);
         app_.set_version_flag("--version", "kel " KEL_VERSION_STRING);
@@ -91,6 +122,7 @@ public:
             throw Failure{Trouble::usage, end.what() + questionAfterTypo() + hint()};
         }
         refuseSwallowedText();
+        // not reached: the parser requires a command
         if (!line_) {
             throw Failure{Trouble::usage, "A subcommand is required" + hint()};
         }
@@ -109,6 +141,9 @@ private:
             refuseCommand(first);
         }
         if (named == nullptr) {
+            if (first.starts_with('-') && first.size() > 1) {
+                refuseEarlyOption(arguments_);
+            }
             for (const CommandEntry* entry : allCommands()) {
                 app_.add_subcommand(entry->name, entry->purpose);
             }
@@ -152,7 +187,7 @@ private:
         return similar.best().empty() ? "" : " (did you mean " + similar.best() + "?)";
     }
 
-    const std::vector<std::string>& arguments_;
+    const std::vector<std::string> arguments_; ///< with the command before its options
     CLI::App app_{
         "Works with files of KEL values: converts, shows, changes, compares and checks them.",
         "kel"};

@@ -5,6 +5,7 @@
 #include "document/Saving.h"
 #include "failures/Failure.h"
 #include "failures/FailureReport.h"
+#include "findings/BinaryScan.h"
 #include "findings/FindingExcerpts.h"
 #include "findings/FindingText.h"
 #include "findings/JsonScan.h"
@@ -12,6 +13,7 @@
 #include "findings/SourceLines.h"
 #include "findings/TextScan.h"
 #include "path/PathText.h"
+#include "words/Counted.h"
 
 #include <algorithm>
 #include <iterator>
@@ -26,8 +28,9 @@ and the column and shows the line. An error in a binary file names the offset of
 the path to the value. Only the first error of each file is reported, because what follows it depends
 on what was meant. Checked structs are compared with their descriptors.
 Each value that its descriptor does not allow is listed with its path and the allowed values, and
-so is each variable descriptor that contradicts itself. The exit status is 1 if a file is malformed
-or holds such a value, and 3 if a file cannot be read.
+so is each variable descriptor that contradicts itself. A file whose name means another format than
+its content has is an error, too, unless --from is given: other programs go by the name. The exit status is 1 if a file is malformed
+or has any such error, and 3 if a file cannot be read.
 
 --strict also reports what the rules allow but a person would call wrong:
   a described value or a default of another kind, unless it is a number that converts without loss
@@ -47,9 +50,11 @@ not know is reported with --strict.
 
 --json prints one array for editors, and no other messages about the contents of files. Its members
 are objects with "file", "severity" ("error", or "warning" for what only --strict reports) and
-"message", and where they are known "line", "column" (in characters), "offset" (in bytes) and "path".
+"message", and where they are known "line", "column" (in characters), "offset" (in bytes), "path" and
+"hint" (what can be done).
 
 Findings in text and JSON have their line and column, and the first 100 of a file show the line.
+Those in binary have the offset of the record, as "kel dump" lists it.
 Without --json, at most 1000 findings of a file are printed, and the others are counted.
 
 Examples:
@@ -67,7 +72,7 @@ public:
         line.inputs(inputs_);
         line.from(from_);
         line.flag("--strict", isStrict_, "Report what is allowed but probably wrong, too");
-        line.text("--schema", schemaName_, "FILE",
+        line.file("--schema", schemaName_, "FILE",
                   "Check structs against the descriptor in a file");
         line.text("--at", at_, "PATH", "Check only the value at the path against the schema");
         line.flag("--json", isJson_, "Print what is found as JSON to stdout");
@@ -150,8 +155,12 @@ private:
         const bool isDetailed = isStrict_ || isJson_;
         Losses losses(isDetailed ? mostListed : Losses::listed);
         Content content = readContent(name, from_);
-        const bool needsBytes = content.format != Format::binary && findsLines(content);
+        const bool needsBytes =
+            content.format == Format::binary ? schema_.has_value() : findsLines(content);
         const Content copy = needsBytes ? content : Content{content.format, {}, {}};
+        if (content.named && *content.named != content.format) {
+            report.findings.push_back(misnamed(content.format, *content.named));
+        }
         const Input input = readInput(std::move(content), name, std::nullopt, losses);
         const Document& document = input.document;
         const bool hasRepeatedNames = input.format == Format::binary && losses.count() > 0;
@@ -182,11 +191,23 @@ private:
         return report;
     }
 
+    /// Returns the finding about a file whose name means another format than its content has.
+    static Finding misnamed(Format format, Format named) {
+        const std::string form = nameOf(format);
+        Finding finding{Severity::error,
+                        {},
+                        "the content is " + form + ", but the name of the file means " +
+                            nameOf(named)};
+        finding.hint = "rename the file, or check it with --from " + form;
+        return finding;
+    }
+
     static void addLosses(const Losses& losses, const Document& document, Report& report) {
         for (const Loss& loss : losses.first()) {
             report.findings.push_back({report.severity,
                                        withRoot(loss.path, loss.root, document.roots().size()),
                                        loss.reason});
+            report.findings.back().offset = loss.offset;
         }
         report.further = losses.count() - losses.first().size();
     }
@@ -203,9 +224,10 @@ private:
         }
     }
 
-    /// Scans text or JSON for the lines of what was found and, if the check is strict, for more.
+    /// Scans the content for the places of what was found and, if the check is strict, for more.
     void locate(Findings& found, const Content& content, const Document& document) const {
-        if (content.format == Format::binary || (found.empty() && !isStrict_)) {
+        const bool isBinary = content.format == Format::binary;
+        if (content.bytes.size() == 0 || (found.empty() && (isBinary || !isStrict_))) {
             return;
         }
         ValueOffsets wanted;
@@ -213,13 +235,25 @@ private:
             wanted.want(finding);
         }
         Findings more;
-        if (content.format == Format::text) {
+        switch (content.format) {
+        case Format::text:
             scanText(content.bytes, document, wanted, more);
-        } else {
+            break;
+        case Format::json:
             scanJson(content.bytes, document, wanted, more);
+            break;
+        case Format::binary:
+            scanBinary(content.bytes, document, wanted);
+            break;
         }
         for (Finding& finding : found) {
-            finding.offset = wanted.of(finding);
+            finding.offset = finding.offset ? finding.offset : wanted.of(finding);
+        }
+        if (isBinary) {
+            std::stable_sort(found.begin(), found.end(), [](const Finding& a, const Finding& b) {
+                return a.offset < b.offset;
+            });
+            return;
         }
         if (isStrict_) {
             std::move(more.begin(), more.end(), std::back_inserter(found));
@@ -238,9 +272,7 @@ private:
                 addEntry(finding, name);
             }
             if (report.further > 0) {
-                addEntry(
-                    {report.severity, {}, std::to_string(report.further) + " more such places"},
-                    name);
+                addEntry({report.severity, {}, counted(report.further, "more such place")}, name);
             }
         } else {
             const size_t listed = std::min(found.size(), mostListed);

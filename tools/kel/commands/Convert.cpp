@@ -2,9 +2,11 @@
 #include "command/CommandLine.h"
 #include "document/Input.h"
 #include "document/Saving.h"
+#include "document/TextExtras.h"
 #include "failures/Failure.h"
 #include "losses/DocumentScan.h"
 #include "parts/PartwiseConversion.h"
+#include "system/OutputFile.h"
 
 namespace kel::tool {
 
@@ -41,6 +43,8 @@ Losses:
           cannot hold a value that contains itself
   Values cannot hold everything that JSON can: null in an array, names that are empty or contain
   a double quote, integers that no double holds exactly.
+  Values hold no comments and definitions of a text. IN keeps them, so a warning counts them, with
+  the line of the first one. If OUT is IN itself, they are a loss like the others.
   Identities and sharing are not listed. Binary keeps the identity of every value, and which
   values are shared. Text keeps only the identities of values in managers and of struct
   descriptors. JSON keeps no identity. Text and JSON do not keep sharing.
@@ -72,8 +76,8 @@ The output appears whole or not at all. An existing file is replaced and keeps i
 class Convert : public Command {
 public:
     void describe(CommandLine& line) override {
-        line.argument("IN", input_, "File to read");
-        line.argument("OUT", output_, "File to write");
+        line.file("IN", input_, "File to read");
+        line.file("OUT", output_, "File to write");
         line.from(from_);
         line.format("--to", to_, "Write this format, whatever the name of OUT");
         line.flag("--force", isForced_, "Convert what the format can hold and warn about the rest");
@@ -88,7 +92,7 @@ public:
     int run(Console& console) override {
         const Format target = requireTarget();
         console.begin(Work::reading, input_);
-        Content content = readContent(input_, from_);
+        Content content = mapContent(input_, from_);
         const size_t size = content.bytes.size();
         const uint64_t limit = maxOutput_.value_or(usualOutputLimit(size));
         std::optional<StableIdentities> stable;
@@ -97,11 +101,20 @@ public:
         }
         const OutputForm form{target, layout_.value_or(JsonLayout()), stable ? &*stable : nullptr};
         if (const auto converted = convertInParts(content, form, limit, input_, output_)) {
+            content.bytes = {}; // OUT can be the same file
             keep(*converted, console);
             return 0;
         }
+        const Annotations annotations =
+            content.format == Format::text ? annotationsIn(content.bytes) : Annotations();
         Losses losses;
         Input input = readInput(std::move(content), input_, target, losses);
+        const bool isAnnotated = annotations.line != 0;
+        std::string warning; // made early: nothing may fail after the output is there
+        if (isAnnotated) {
+            refuseToReplace(annotations);
+            warning = input_ + ": " + lossOf(annotations, true);
+        }
         save(input, input_, size, losses,
              {.format = form.format,
               .output = output_,
@@ -110,6 +123,9 @@ public:
               .layout = form.layout,
               .identities = form.identities},
              console);
+        if (isAnnotated) {
+            console.warn(warning);
+        }
         return 0;
     }
 
@@ -132,6 +148,15 @@ private:
         if (isGiven && target != wanted) {
             throw Failure{Trouble::usage, std::string(subject) + " for " + nameOf(wanted) +
                                               " only, and the output is " + nameOf(target)};
+        }
+    }
+
+    /// Refuses to replace the only file that has comments and definitions.
+    void refuseToReplace(const Annotations& annotations) const {
+        if (!isForced_ && OutputFile::replaces(output_, input_)) {
+            throw Failure{Trouble::refused,
+                          input_ + ": " + lossOf(annotations, false) +
+                              "\nnothing was written; use --force to convert the rest"};
         }
     }
 

@@ -9,6 +9,7 @@
 #include "failures/Failure.h"
 #include "losses/DocumentScan.h"
 #include "losses/Representable.h"
+#include "words/Counted.h"
 #include "json/JsonWriter.h"
 #include "json/TextBuffer.h"
 
@@ -73,8 +74,8 @@ Examples:
 class Diff : public Command {
 public:
     void describe(CommandLine& line) override {
-        line.argument("OLD", before_, "File to compare");
-        line.argument("NEW", after_, "File to compare it with");
+        line.file("OLD", before_, "File to compare");
+        line.file("NEW", after_, "File to compare it with");
         line.flag("--json", isJson_, "Print the changes as JSON, with whole values");
         line.flag("--identities", options_.countsIdentities,
                   "Also compare the identities of values");
@@ -93,7 +94,8 @@ public:
             maxOutput_.value_or(usualOutputLimit(before.bytes.size() + after.bytes.size()));
         requireIdentities(before, before_);
         requireIdentities(after, after_);
-        const bool areSameBytes = before.format == after.format && before.bytes == after.bytes;
+        const bool areSameBytes =
+            before.format == after.format && before.bytes.view() == after.bytes.view();
         const Input old = parse(std::move(before), before_, console);
         if (areSameBytes) { // equal as values too, also if they hold not-a-number
             print(Changes{PlacePairs(0, 0), {}}, limit, console);
@@ -120,7 +122,7 @@ private:
         if (size > limit) {
             throw Failure{Trouble::unwritten,
                           before_ + " and " + after_ + ": the differences would take more than " +
-                              std::to_string(limit) + " bytes; use --max-output to allow more"};
+                              counted(limit, "byte") + "; use --max-output to allow more"};
         }
     }
 
@@ -128,9 +130,7 @@ private:
         console.begin(Work::reading, name);
         Losses losses;
         Input input = readInput(std::move(content), name, std::nullopt, losses);
-        if (losses.count() > 0) {
-            console.warn(listOf(losses, name, input, "values"));
-        }
+        warnOfLosses(losses, name, input, console);
         return input;
     }
 
@@ -185,11 +185,9 @@ private:
             report.knowAcyclic();
         }
         if (losses.count() > 0) {
-            const std::string heading = before_ + " and " + after_ + ": " +
-                                        std::to_string(losses.count()) +
-                                        (losses.count() == 1 ? " place" : " places") +
-                                        " of the changes cannot be written as JSON:";
-            console.warn(tool::describe(losses, heading, report.roots().size()));
+            console.warn(describePlaces(losses, before_ + " and " + after_,
+                                        "of the changes cannot be written as json",
+                                        report.roots().size()));
             makeRepresentable(report, Format::json, scan.namesakes);
         }
         writeTo("-", console, [&](std::FILE* file) { writeJson(report, JsonLayout(), file); });

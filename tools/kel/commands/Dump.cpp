@@ -34,9 +34,11 @@ public:
 
     int run(Console& console) override {
         console.begin(Work::reading, input_);
-        const Content content = readContent(input_, std::nullopt);
-        // A damaged file need not begin like binary, but its name can show what it should be.
-        if (content.format != Format::binary && formatOfName(input_) != Format::binary) {
+        const Content content = mapContent(input_, std::nullopt);
+        // A damaged file need not begin like binary, but its name can show what it should be. An
+        // empty one can be anything.
+        if (content.bytes.size() > 0 && content.format != Format::binary &&
+            formatOfName(input_) != Format::binary) {
             const std::string format = nameOf(content.format);
             throw Failure{Trouble::refused,
                           input_ + ": this is " + format +

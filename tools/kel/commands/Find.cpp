@@ -6,6 +6,7 @@
 #include "find/Finder.h"
 #include "find/KindWord.h"
 #include "losses/DocumentScan.h"
+#include "words/Counted.h"
 #include "words/Printer.h"
 #include "words/ValueText.h"
 
@@ -41,7 +42,7 @@ struct IsFound {};
 class Find : public Command {
 public:
     void describe(CommandLine& line) override {
-        line.argument("IN", input_, "File to read");
+        line.file("IN", input_, "File to read");
         line.optionalArgument("PATTERN", pattern_, "What to find");
         line.flag("--names", names_, "Find PATTERN in names only");
         line.flag("--values", values_, "Find PATTERN in values only");
@@ -68,7 +69,7 @@ public:
         }
         const Sought sought = soughtValues();
         console.begin(Work::reading, input_);
-        Content content = readContent(input_, from_);
+        Content content = mapContent(input_, from_);
         return console.isQuiet() ? searchQuietly(std::move(content), sought)
                : counts_         ? count(std::move(content), sought, console)
                                  : list(std::move(content), sought, console);
@@ -115,8 +116,8 @@ private:
             size += path.size() + words.size() + 1;
             if (size > limit) {
                 throw Failure{Trouble::refused, input_ + ": the list would exceed " +
-                                                    std::to_string(limit) +
-                                                    " bytes; use --max-output to allow more"};
+                                                    counted(limit, "byte") +
+                                                    "; use --max-output to allow more"};
             }
             printer.put(painter(Paint::name, path));
             printer.put(words);

@@ -69,12 +69,12 @@ public:
 private:
     int formatFile(const std::string& name, Console& console) const {
         console.begin(Work::reading, name);
-        Content content = readContent(name, from_);
+        Content content = mapContent(name, from_);
         switch (content.format) {
         case Format::text:
             return formatText(std::move(content), name, console);
         case Format::json:
-            return formatJson(content, name, console);
+            return formatJson(std::move(content), name, console);
         case Format::binary:
             break;
         }
@@ -82,37 +82,68 @@ private:
                       name + ": binary has no layout; use kel show to print it as text"};
     }
 
-    int formatText(Content&& content, const std::string& name, Console& console) const {
-        const Content read = content;
-        const std::string& text = read.bytes;
+    int formatText(Content content, const std::string& name, Console& console) const {
+        const size_t size = content.bytes.size();
+        const uint64_t limit =
+            std::min(maxOutput_.value_or(usualOutputLimit(size)), usualOutputLimit(size));
+        const TextExamination wanted{isInPlace_ || isCheck_, !isCheck_};
+        const std::optional<bool> isSame = examineText(content.bytes, wanted, limit);
+        if (!isSame) {
+            return formatWholeText(std::move(content), name, console);
+        }
+        if (*isSame) {
+            return 0;
+        }
+        if (isCheck_) {
+            return list(name);
+        }
+        reportExtra(firstTextExtra(content.bytes), name);
+        if (!isKept(content.bytes)) {
+            return formatWholeText(std::move(content), name, console);
+        }
+        writeTo(output(name), console, [&](std::FILE* file) {
+            layOutText(content.bytes, name,
+                       [file](std::string_view text) { writeBytes(text, file); });
+            content.bytes = {}; // the file can be replaced now
+        });
+        return 0;
+    }
+
+    int formatWholeText(Content content, const std::string& name, Console& console) const {
+        const size_t size = content.bytes.size();
         Losses losses;
-        Input input = readInput(std::move(content), name, Format::text, losses);
-        const std::optional<TextExtra> extra = firstTextExtra(text);
+        Input input = readInput(Content(content), name, Format::text, losses);
+        const std::optional<TextExtra> extra = firstTextExtra(content.bytes);
         const bool isSame =
-            (isInPlace_ || isCheck_) && !extra && isFormattedText(input.document, text);
+            (isInPlace_ || isCheck_) && !extra && isFormattedText(input.document, content.bytes);
         if (isSame) {
             return 0;
         }
         if (isCheck_) {
-            list(name);
-            return exitStatus(Trouble::refused);
+            return list(name);
         }
+        reportExtra(extra, name);
+        refuseUnkept(content, input.document, name, isForced_, console);
+        content.bytes = {}; // the file can be replaced now
+        save(input, name, size, losses, {Format::text, output(name), isForced_, maxOutput_},
+             console);
+        return 0;
+    }
+
+    /// Refuses to lose a part of a text, unless that is forced.
+    void reportExtra(const std::optional<TextExtra>& extra, const std::string& name) const {
         if (extra && !isForced_) {
             throw Failure{Trouble::refused, name + ':' + std::to_string(extra->line) + ": " +
                                                 extra->words +
                                                 " would be lost; nothing was written; use "
                                                 "--force to format the rest"};
         }
-        refuseUnkept(read, input.document, name, isForced_, console);
-        save(input, name, text.size(), losses, {Format::text, output(name), isForced_, maxOutput_},
-             console);
-        return 0;
     }
 
     /// Lays the JSON out twice: what would be lost is known only at its end, and the output takes
     /// more memory than reading takes time.
-    int formatJson(const Content& content, const std::string& name, Console& console) const {
-        const uint64_t limit = maxOutput_.value_or(usualOutputLimit(content.size()));
+    int formatJson(Content content, const std::string& name, Console& console) const {
+        const uint64_t limit = maxOutput_.value_or(usualOutputLimit(content.bytes.size()));
         const JsonLayout layout = layout_.value_or(JsonLayout());
         const LaidOut laidOut = layOutJson(content, name, layout, limit, nullptr);
         const bool isSame = laidOut.isSame && laidOut.losses.count() == 0;
@@ -120,13 +151,13 @@ private:
             return 0;
         }
         if (isCheck_) {
-            list(name);
-            return exitStatus(Trouble::refused);
+            return list(name);
         }
         reportLosses(laidOut, name, console);
         writeTo(output(name), console, [&](std::FILE* file) {
             layOutJson(content, name, layout, limit,
                        [file](std::string_view text) { writeBytes(text, file); });
+            content.bytes = {}; // the file can be replaced now
         });
         return 0;
     }
@@ -136,8 +167,8 @@ private:
         if (laidOut.losses.count() == 0) {
             return;
         }
-        const std::string list = listOf(laidOut.losses, name, Format::json,
-                                        laidOut.hasSeveralRoots ? 2 : 1, nameOf(Format::json));
+        const std::string list = listOf(laidOut.losses, name, laidOut.hasSeveralRoots ? 2 : 1,
+                                        Format::json, Format::json);
         if (!isForced_) {
             throw Failure{Trouble::refused,
                           list + "\nnothing was written; use --force to format the rest"};
@@ -146,8 +177,10 @@ private:
     }
 
     /// Prints the name of a file that would change. Scripts get it unchanged.
-    static void list(const std::string& name) {
+    /// \return the exit status
+    static int list(const std::string& name) {
         print((isTerminal(stdout) ? withoutControls(name) : name) + '\n');
+        return exitStatus(Trouble::refused);
     }
 
     std::string output(const std::string& name) const { return isInPlace_ ? name : "-"; }

@@ -40,7 +40,7 @@ Examples:
 class Get : public Command {
 public:
     void describe(CommandLine& line) override {
-        line.argument("FILE", input_, "File to read, or - for stdin");
+        line.file("FILE", input_, "File to read, or - for stdin");
         line.arguments("PATH", pathTexts_, "Places of the values, such as window.size[0]");
         line.flag("--raw", isRaw_, "Print scalars without quotes, for scripts");
         line.text("--default", default_, "TEXT", "Print this value if PATH leads nowhere");
@@ -60,9 +60,7 @@ public:
         const size_t size = content.bytes.size();
         Losses losses;
         const Input input = readInput(std::move(content), input_, std::nullopt, losses);
-        if (losses.count() > 0) {
-            console.warn(listOf(losses, input_, input, "values"));
-        }
+        warnOfLosses(losses, input_, input, console);
         console.begin(Work::checking, input_);
         if (isRaw_) {
             printRaw(input.document, console);

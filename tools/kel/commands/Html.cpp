@@ -5,6 +5,7 @@
 #include "document/Saving.h"
 #include "html/PageWriter.h"
 #include "losses/DocumentScan.h"
+#include "words/Counted.h"
 
 #include <filesystem>
 
@@ -51,8 +52,8 @@ public:
     void append(std::string_view text) {
         if (text.size() > limit_ - size_) {
             throw Failure{Trouble::refused, name_ + ": the page would exceed " +
-                                                std::to_string(limit_) +
-                                                " bytes; use --max-output to allow more"};
+                                                counted(limit_, "byte") +
+                                                "; use --max-output to allow more"};
         }
         size_ += text.size();
         bytes_.append(std::string(text));
@@ -71,7 +72,7 @@ class Html : public Command {
 public:
     void describe(CommandLine& line) override {
         line.input(input_);
-        line.text("-o,--output", output_, "OUT", "Write the page to this file instead of stdout");
+        line.file("-o,--output", output_, "OUT", "Write the page to this file instead of stdout");
         line.from(from_);
         line.size("--max-output", maxOutput_,
                   "Refuse to write a larger page (default: 256M or, if more, 64 times the input)");
@@ -84,9 +85,7 @@ public:
         const GivenIdentities given(content);
         Losses losses;
         const Input input = readInput(std::move(content), input_, std::nullopt, losses);
-        if (losses.count() > 0) {
-            console.warn(listOf(losses, input_, input, "values"));
-        }
+        warnOfLosses(losses, input_, input, console);
         console.begin(Work::checking, input_);
         const PageData data(input.document);
         LimitedPage page(limit, input_);

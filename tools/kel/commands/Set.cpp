@@ -23,8 +23,9 @@ convert" writes them, so the layout can change.
 
 If something else in the file would be lost, nothing is written, unless --force is given. This
 concerns what the format cannot hold (see "kel convert --help"), nulls in arrays and repeated names,
-and with -i the comments, definitions, references and given identities of a text. If the value is
-inside one that several places share, all of them change, and a warning lists the others.
+and with -i the comments, definitions, references and given identities of a text. Without -i, a
+warning counts the comments and definitions. If the value is inside one that several places share,
+all of them change, and a warning lists the others.
 
 Examples:
   kel set -i settings.kel window.width 800

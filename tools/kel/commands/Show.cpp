@@ -3,6 +3,7 @@
 #include "document/Input.h"
 #include "document/KelWriter.h"
 #include "document/Saving.h"
+#include "document/ShownValues.h"
 #include "failures/FailureReport.h"
 #include "losses/DocumentScan.h"
 #include "system/System.h"
@@ -17,8 +18,10 @@ namespace {
 
 constexpr const char* notes =
     R"(Prints the text form, even if it cannot be read back: strings with double quotes are printed
-unchanged, and a memory block is printed as its size. On a terminal the text is coloured and shown
-by the program that the environment variable PAGER names, or by less.
+unchanged, a memory block is printed as its size, and a double with six decimals. A warning lists
+each place whose print is not exact: memory blocks, and doubles that need more decimals. "kel
+convert --to json FILE -" is always exact. On a terminal the text is coloured and shown by the
+program that the environment variable PAGER names, or by less.
 
 Examples:
   kel show settings.kelb
@@ -62,10 +65,9 @@ private:
         const size_t size = content.bytes.size();
         Losses losses;
         Input input = readInput(std::move(content), name, std::nullopt, losses);
-        if (losses.count() > 0) {
-            console.warn(listOf(losses, name, input, "values"));
-        }
+        warnOfLosses(losses, name, input, console);
         refuseUnshowable(input.document, name, maxOutput_.value_or(usualOutputLimit(size)));
+        warnOfInexactText(input.document, name, console);
         const bool isPaged = !isUnpaged_ && isTerminal(stdout);
         const Painter painter = console.painterFor(stdout);
         if (isTerminal(stdout)) {

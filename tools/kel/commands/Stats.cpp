@@ -67,8 +67,8 @@ public:
 private:
     FileStats examine(const std::string& name, Console& console) const {
         console.begin(Work::reading, name);
-        Content content = readContent(name, from_);
-        FileStats file{name, content.format, content.size(), {}};
+        Content content = mapContent(name, from_);
+        FileStats file{name, content.format, content.bytes.size(), {}};
         KindBytes records;
         if (content.format == Format::binary) {
             records = bytesOfRecords(content.bytes);

@@ -46,6 +46,7 @@ std::string shortWordsFor(KEL* value) {
     case KELKind_Double:
     case KELKind_guid:
     case KELKind_String:
+    // not reached: no file can hold a selector
     case KELKind_Selector:
     case KELKind_MultiSelector:
         break;

@@ -1,28 +1,20 @@
 #include "diff/ChildCount.h"
 
+#include "document/ValueShape.h"
+
 namespace kel::tool {
 
 int32_t childCountOf(const KEL& value) {
-    switch (kindOf(value).kind) {
-    case KELKind_Array:
+    switch (shapeOf(value)) {
+    case ValueShape::array:
         return dynamic_cast<const KEL_Array&>(value).getCount();
-    case KELKind_IndexList:
+    case ValueShape::pairs:
         return dynamic_cast<const KEL_IndexList&>(value).getCount();
-    case KELKind_Manager:
+    case ValueShape::managed:
         return dynamic_cast<const KEL_Manager&>(value).size();
-    case KELKind_Struct:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
+    case ValueShape::variables:
         return dynamic_cast<const KEL_Struct&>(value).getCount();
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_Double:
-    case KELKind_guid:
-    case KELKind_MemBlock:
-    case KELKind_String:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
+    case ValueShape::scalar:
         break;
     }
     return 0;

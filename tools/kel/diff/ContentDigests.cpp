@@ -128,10 +128,11 @@ void ContentDigests::addScalar(KeyedHash& hash, KEL& scalar) {
         hash.add(bytes);
         break;
     }
+    // not reached: containers have digests, and no file can hold a selector
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
-    case KELKind_Selector: // no file can hold a selector
+    case KELKind_Selector:
     case KELKind_MultiSelector:
     case KELKind_IndexList:
     case KELKind_MetaKel:

@@ -3,6 +3,7 @@
 #include "diff/Alignment.h"
 #include "diff/ChildCount.h"
 #include "diff/Similarity.h"
+#include "document/ValueShape.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,7 +15,7 @@ namespace kel::tool {
 
 namespace {
 
-using Kind = PairedStep::Kind;
+using StepKind = PairedStep::Kind;
 using DigestSet = std::unordered_set<KeyedDigest, KeyedDigestHash>;
 
 Match removed(const PairedStep& step, KEL* value) {
@@ -163,32 +164,23 @@ bool isDistinctive(const KEL* value) {
 
 Matches Matching::match(KEL& before, KEL& after) const {
     Matches matches;
-    switch (kindOf(before).kind) {
-    case KELKind_Array:
-        matchSequences(matches, Kind::element, elementsOf(before), elementsOf(after));
+    switch (shapeOf(before)) {
+    case ValueShape::array:
+        matchSequences(matches, StepKind::element, elementsOf(before), elementsOf(after));
         break;
-    case KELKind_IndexList:
+    case ValueShape::pairs:
         matchPairs(matches, dynamic_cast<const KEL_IndexList&>(before),
                    dynamic_cast<const KEL_IndexList&>(after));
         break;
-    case KELKind_Manager:
+    case ValueShape::managed:
         matchManaged(matches, dynamic_cast<const KEL_Manager&>(before),
                      dynamic_cast<const KEL_Manager&>(after));
         break;
-    case KELKind_Struct:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
+    case ValueShape::variables:
         matchVariables(matches, before, after);
         break;
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_Double:
-    case KELKind_guid:
-    case KELKind_MemBlock:
-    case KELKind_String:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
+    // not reached: only containers have contents to match
+    case ValueShape::scalar:
         break;
     }
     return matches;
@@ -199,11 +191,11 @@ Matches Matching::match(const Document& before, const Document& after) const {
     const std::vector<KEL*> rootsBefore = rootsOf(before);
     const std::vector<KEL*> rootsAfter = rootsOf(after);
     if (rootsBefore.size() != rootsAfter.size()) {
-        matchSequences(matches, Kind::root, rootsBefore, rootsAfter);
+        matchSequences(matches, StepKind::root, rootsBefore, rootsAfter);
         return matches;
     }
     for (size_t i = 0; i < rootsBefore.size(); ++i) {
-        addPair(matches, {{Kind::root, nullptr, nullptr, i, i}, rootsBefore[i], rootsAfter[i]});
+        addPair(matches, {{StepKind::root, nullptr, nullptr, i, i}, rootsBefore[i], rootsAfter[i]});
     }
     return matches;
 }
@@ -228,7 +220,7 @@ void Matching::matchVariables(Matches& matches, const KEL& before, const KEL& af
     bool hasB = variablesAfter.nextVar(b);
     while (hasA || hasB) {
         const int order = !hasA ? 1 : !hasB ? -1 : std::strcmp(a.name, b.name);
-        const PairedStep step{Kind::variable, order <= 0 ? a.name : b.name};
+        const PairedStep step{StepKind::variable, order <= 0 ? a.name : b.name};
         if (order < 0) {
             matches.list.push_back(removed(step, a.value));
         } else if (order > 0) {
@@ -241,7 +233,7 @@ void Matching::matchVariables(Matches& matches, const KEL& before, const KEL& af
     }
 }
 
-void Matching::matchSequences(Matches& matches, Kind kind, const std::vector<KEL*>& before,
+void Matching::matchSequences(Matches& matches, StepKind kind, const std::vector<KEL*>& before,
                               const std::vector<KEL*>& after) const {
     Alignment pairs = SequenceMatching(digests_, before, after).pairs();
     pairs.emplace_back(before.size(), after.size());
@@ -255,6 +247,7 @@ void Matching::matchSequences(Matches& matches, Kind kind, const std::vector<KEL
         for (; j < y; ++j) {
             matches.list.push_back(added(step(), after[j]));
         }
+        // not reached: the end of one is the end of both
         if (i < before.size() && j < after.size()) {
             addPair(matches, {step(), before[i++], after[j++]});
         }
@@ -269,22 +262,22 @@ void Matching::matchPairs(Matches& matches, const KEL_IndexList& before,
         places[digests_.of(after.getKeyAt(j))].push_back(j);
     }
     std::vector<size_t> counterparts(static_cast<size_t>(after.getCount()), SIZE_MAX);
-    const auto stepOf = [](Kind kind, int32_t i, int32_t j) {
+    const auto stepOf = [](StepKind kind, int32_t i, int32_t j) {
         return PairedStep{kind, nullptr, nullptr, static_cast<size_t>(i), static_cast<size_t>(j)};
     };
     for (int32_t i = 0; i < before.getCount(); ++i) {
         KEL* key = before.getKeyAt(i);
         const auto place = places.find(digests_.of(key));
         if (place == places.end() || place->second.empty()) {
-            matches.list.push_back(removed(stepOf(Kind::item, i, 0), before.getItemAt(i)));
+            matches.list.push_back(removed(stepOf(StepKind::item, i, 0), before.getItemAt(i)));
             matches.list.back().key = key;
             continue;
         }
         const int32_t j = place->second.front();
         place->second.pop_front();
         counterparts[static_cast<size_t>(j)] = static_cast<size_t>(i);
-        addPair(matches, {stepOf(Kind::key, i, j), key, after.getKeyAt(j)});
-        addPair(matches, {stepOf(Kind::item, i, j), before.getItemAt(i), after.getItemAt(j)});
+        addPair(matches, {stepOf(StepKind::key, i, j), key, after.getKeyAt(j)});
+        addPair(matches, {stepOf(StepKind::item, i, j), before.getItemAt(i), after.getItemAt(j)});
     }
     std::vector<size_t> order;
     for (int32_t j = 0; j < after.getCount(); ++j) {
@@ -292,7 +285,7 @@ void Matching::matchPairs(Matches& matches, const KEL_IndexList& before,
             order.push_back(counterparts[static_cast<size_t>(j)]);
             continue;
         }
-        matches.list.push_back(added(stepOf(Kind::item, 0, j), after.getItemAt(j)));
+        matches.list.push_back(added(stepOf(StepKind::item, 0, j), after.getItemAt(j)));
         matches.list.back().key = after.getKeyAt(j);
     }
     keepOrder(matches, std::move(order));
@@ -300,7 +293,9 @@ void Matching::matchPairs(Matches& matches, const KEL_IndexList& before,
 
 void Matching::matchManaged(Matches& matches, const KEL_Manager& before,
                             const KEL_Manager& after) const {
-    const auto stepTo = [](const KEL* value) { return PairedStep{Kind::managed, nullptr, value}; };
+    const auto stepTo = [](const KEL* value) {
+        return PairedStep{StepKind::managed, nullptr, value};
+    };
     for (int32_t i = 0; i < before.size(); ++i) {
         KEL* value = before.getKelAt(i);
         const JHashCode identity = identityOf(*value);

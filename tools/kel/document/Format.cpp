@@ -1,24 +1,20 @@
 #include "document/Format.h"
 
+#include "words/Characters.h"
+
 namespace kel::tool {
 
 namespace {
 
 constexpr std::string_view binaryMagic("KEL\0", 4);
 
-bool isLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 bool isLayout(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
 }
 bool isControl(char c) {
     return static_cast<unsigned char>(c) < 0x20 && !isLayout(c);
 }
-bool isWordCharacter(char c) {
+bool isInWord(char c) {
     return isLetter(c) || isDigit(c) || c == '_' || c == '.';
 }
 
@@ -26,7 +22,7 @@ bool isWordCharacter(char c) {
 std::string_view wordAt(std::string_view content, size_t begin) {
     size_t end = begin;
     while (end < content.size() &&
-           (isWordCharacter(content[end]) || content[end] == '-' || content[end] == '+')) {
+           (isInWord(content[end]) || content[end] == '-' || content[end] == '+')) {
         ++end;
     }
     return content.substr(begin, end - begin);
@@ -72,15 +68,18 @@ std::optional<Format> formatOfName(std::string_view fileName) {
     return std::nullopt;
 }
 
-std::optional<Format> formatOfContent(std::string_view content) {
+std::optional<Format> formatOfContent(const InputBytes& bytes) {
+    const std::string_view content = bytes;
     if (content.starts_with(binaryMagic)) {
         return Format::binary;
     }
     if (binaryMagic.starts_with(content)) {
         return std::nullopt; // perhaps a binary file that was cut short
     }
+    Trail trail(bytes);
     size_t at = 0;
     while (at < content.size()) {
+        trail.reach(content.data() + at);
         const char c = content[at];
         if (c == ':' || c == ',') {
             return Format::json;
@@ -112,7 +111,7 @@ std::optional<Format> formatOfContent(std::string_view content) {
     return std::nullopt;
 }
 
-Format recogniseFormat(std::string_view content, std::string_view fileName) {
+Format recogniseFormat(const InputBytes& content, std::string_view fileName) {
     if (const std::optional<Format> told = formatOfContent(content)) {
         return *told;
     }

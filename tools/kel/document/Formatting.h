@@ -9,7 +9,9 @@
 #include "json/TextBuffer.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace kel::tool {
 
@@ -28,8 +30,28 @@ struct LaidOut {
 LaidOut layOutJson(const Content& content, const std::string& name, const JsonLayout& layout,
                    uint64_t limit, const TextBuffer::PassOn& passOn);
 
+/// What a text is examined for, to be laid out part by part.
+struct TextExamination {
+    bool compares = false;   ///< with its layout
+    bool willBeLaid = false; ///< whether layOutText may follow
+};
+
+/// Examines a text part by part, as layOutText writes it.
+/// \param limit the greatest number of bytes of the layout
+/// \return whether it has the layout already, if that was compared. Nothing for a text that must be
+///         read as a whole: its parts cannot be read alone, values do not hold all of them, or the
+///         layout would be large. The whole has the reasons.
+std::optional<bool> examineText(const InputBytes& content, TextExamination wanted, uint64_t limit);
+
+/// Lays out a text that was examined, with a small part of its values in memory at a time.
+/// \param name the name of the input in messages
+/// \param passOn gets the output piece by piece
+/// \throws Failure unreadable if the file changed meanwhile
+void layOutText(const InputBytes& content, const std::string& name,
+                const TextBuffer::PassOn& passOn);
+
 /// Returns whether the text is the one that kel convert writes for the values that were read from
 /// it.
-bool isFormattedText(const Document& document, const std::string& text);
+bool isFormattedText(const Document& document, std::string_view text);
 
 } // namespace kel::tool

@@ -30,18 +30,26 @@ struct Closer {
     throw Failure{Trouble::unreadable, name + ": " + systemReason()};
 }
 
-/// Returns all bytes of the named file, or of stdin for "-".
-std::string readBytes(const std::string& name) {
-    constexpr size_t pieceSize = size_t{1} << 20U;
+using File = std::unique_ptr<std::FILE, Closer>;
+
+/// Opens the named file, or stdin for "-".
+File openInput(const std::string& name) {
     errno = 0;
-    const std::unique_ptr<std::FILE, Closer> file(name == "-" ? stdin : openToRead(name));
+    File file(name == "-" ? stdin : openToRead(name));
     if (file == nullptr) {
         failToRead(name);
     }
+    return file;
+}
+
+/// Returns all bytes of the file with this name.
+std::string readBytes(const File& file, const std::string& name) {
+    constexpr size_t pieceSize = size_t{1} << 20U;
     std::string bytes;
     std::error_code isUnknown;
     const uintmax_t expected = std::filesystem::file_size(pathOf(name), isUnknown);
     if (file.get() != stdin && !isUnknown) {
+        // not reached: no test has so long a file
         if (expected > bytes.max_size() - pieceSize) {
             throw std::bad_alloc();
         }
@@ -61,28 +69,37 @@ std::string readBytes(const std::string& name) {
     return bytes;
 }
 
+Content contentOf(InputBytes bytes, const std::string& name, std::optional<Format> from) {
+    const Format format = from ? *from : recogniseFormat(bytes, name);
+    return {format, std::move(bytes), from ? std::nullopt : formatOfName(name)};
+}
+
 } // namespace
 
 Content readContent(const std::string& name, std::optional<Format> from) {
-    std::string bytes = readBytes(name);
-    const Format format = from ? *from : recogniseFormat(bytes, name);
-    if (format == Format::json) {
-        bytes += '\n';
-    }
-    return {format, std::move(bytes), from ? std::nullopt : formatOfName(name)};
+    return contentOf(InputBytes::inMemory(readBytes(openInput(name), name)), name, from);
+}
+
+Content mapContent(const std::string& name, std::optional<Format> from) {
+    const File file = openInput(name);
+    // Others can read stdin after this process, so its position matters.
+    auto mapped = file.get() != stdin ? MappedFile::of(file.get(), name) : nullptr;
+    return contentOf(mapped != nullptr ? InputBytes(std::move(mapped))
+                                       : InputBytes::inMemory(readBytes(file, name)),
+                     name, from);
 }
 
 Input readInput(Content&& content, const std::string& name, std::optional<Format> target,
                 Losses& losses) {
-    auto& [format, bytes, named] = content;
+    const bool hasKinds = content.mayHoldDescriptors();
+    const auto [format, bytes, named] = std::move(content); // which releases them in the end
     if (format == Format::json) {
         return {format, readJson(bytes, name, target, losses)};
     }
     if (format == Format::binary) {
         findRepeatedNames(bytes, losses);
     }
-    const bool hasKinds = content.mayHoldDescriptors();
-    return {format, readKel(std::move(bytes), format, name, named), hasKinds};
+    return {format, readKel(bytes, format, name, named), hasKinds};
 }
 
 } // namespace kel::tool

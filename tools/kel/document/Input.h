@@ -4,6 +4,7 @@
 
 #include "document/Document.h"
 #include "document/Format.h"
+#include "document/InputBytes.h"
 #include "losses/Losses.h"
 
 #include <optional>
@@ -14,19 +15,14 @@ namespace kel::tool {
 /// The bytes of an input.
 struct Content {
     Format format;
-    /// All bytes of the input. Those of JSON are followed by a line end, so that the parser finds
-    /// white space after every number.
-    std::string bytes;
+    InputBytes bytes;
     /// The format by the input's name, unless the user gave the format.
     std::optional<Format> named = std::nullopt;
-
-    /// Returns the number of bytes of the input.
-    size_t size() const { return bytes.size() - (format == Format::json ? 1 : 0); }
 
     /// Returns whether there may be checked structs and descriptors, for which only text has a
     /// form: a header.
     bool mayHoldDescriptors() const {
-        return format == Format::text && bytes.find("@type") != std::string::npos;
+        return format == Format::text && bytes.view().find("@type") != std::string_view::npos;
     }
 };
 
@@ -35,6 +31,10 @@ struct Content {
 ///        the name
 /// \throws Failure unreadable, "NAME: the system's reason"
 Content readContent(const std::string& name, std::optional<Format> from);
+
+/// Does the same without a copy of a large file in memory: the bytes are those of the mapped file.
+/// The content must be destroyed before the file is replaced, which Windows otherwise prevents.
+Content mapContent(const std::string& name, std::optional<Format> from);
 
 /// The contents of an input.
 struct Input {

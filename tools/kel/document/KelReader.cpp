@@ -3,6 +3,7 @@
 #include "document/KelWriter.h"
 #include "explain/BinaryExplainer.h"
 #include "explain/Refusal.h"
+#include "explain/TextScanner.h"
 #include "failures/Failure.h"
 #include "failures/LibraryFailure.h"
 #include "system/System.h"
@@ -40,6 +41,7 @@ public:
     }
 
     bool isReadAs(const Value& value) const {
+        // not reached: only an open definition keeps the mark from being read
         return value != nullptr && identityOf(*value) == identityOf(*value_);
     }
 
@@ -57,7 +59,9 @@ struct Ending {
 /// An input stream of the library over bytes in memory.
 class ValueReader {
 public:
-    ValueReader(std::string_view content, Format format) : memory_(content) {
+    /// \param rest what follows the content
+    ValueReader(std::string_view content, Format format, std::string_view rest = {})
+        : memory_(content, rest) {
         if (format == Format::text) {
             stream_ = CreateKELTextInputStream(memory_.file());
         } else {
@@ -91,10 +95,12 @@ private:
 };
 
 /// Reads root values until the library throws, which happens at the end at the latest.
+/// \param rest what follows the content
 /// \throws std::bad_alloc if memory ran out, which is not a fault of the content
 /// \throws JException if a value gets no identity, which is not one either
-Ending readUntilFailure(std::string_view content, Format format, std::vector<Value>& roots) {
-    ValueReader reader(content, format);
+Ending readUntilFailure(std::string_view content, std::string_view rest, Format format,
+                        std::vector<Value>& roots) {
+    ValueReader reader(content, format, rest);
     Ending ending;
     try {
         for (;;) {
@@ -129,6 +135,7 @@ void refuseWrongLengths(std::string_view content, const std::string& inputName) 
 std::string withoutLine(const std::string& message) {
     constexpr std::string_view lead = "Error reading KEL - ";
     const size_t at = message.rfind(" at line:");
+    // not reached: such a message of the library has its line
     return message.starts_with(lead) && at != std::string::npos
                ? message.substr(lead.size(), at - lead.size())
                : message;
@@ -136,14 +143,13 @@ std::string withoutLine(const std::string& message) {
 
 } // namespace
 
-Document readKel(std::string content, Format format, const std::string& inputName,
+Document readKel(std::string_view content, Format format, const std::string& inputName,
                  std::optional<Format> named) {
-    const size_t size = content.size();
     const EndMark mark;
-    content += mark.writtenAs(format);
+    const std::string end = mark.writtenAs(format);
     try {
         std::vector<Value> roots;
-        const Ending ending = readUntilFailure(content, format, roots);
+        const Ending ending = readUntilFailure(content, end, format, roots);
         const bool isWhole = ending.isEndOfInput && !roots.empty() && mark.isReadAs(roots.back());
         if (isWhole) {
             roots.pop_back();
@@ -155,18 +161,44 @@ Document readKel(std::string content, Format format, const std::string& inputNam
         }
     } catch (const std::bad_alloc&) {
         if (format == Format::binary) {
-            refuseWrongLengths(std::string_view(content).substr(0, size), inputName);
+            refuseWrongLengths(content, inputName);
         }
         throw;
     }
     // Read again without the mark, which may have changed the library's message.
-    content.resize(size);
     std::vector<Value> roots;
-    const Ending ending = readUntilFailure(content, format, roots);
+    const Ending ending = readUntilFailure(content, {}, format, roots);
     const Document released(std::move(roots), format == Format::binary);
     throw failureOf({format, content, inputName, 0, static_cast<size_t>(ending.offset),
                      ending.isEndOfInput ? "unexpected end of input" : withoutLine(ending.message),
                      named});
+}
+
+std::vector<Value> rootsOfText(std::string_view text, size_t count) {
+    std::vector<Value> roots;
+    roots.reserve(count);
+    ValueReader reader(text, Format::text);
+    try {
+        while (roots.size() < count) {
+            roots.emplace_back(reader.read());
+        }
+    } catch (KELException* failure) {
+        takeMessage(failure); // the caller has no use for it
+        return roots;
+    } catch (const JEOFException&) {
+        return roots;
+    } catch (const JIOException&) {
+        return roots;
+    } catch (const TokenizerException&) {
+        return roots;
+    }
+    TextScanner rest(text, static_cast<size_t>(reader.offset()), text.size());
+    rest.skipLayout();
+    // not reached: only a file that changes meanwhile has such a rest
+    if (!rest.isAtEnd()) {
+        roots.clear();
+    }
+    return roots;
 }
 
 Value valueOfRecord(std::string_view record) {

@@ -123,8 +123,9 @@ std::string recordsOf(const Document& document) {
     MemoryToWrite memory(mostRecordBytes(document) + 1);
     writeKel(document, Format::binary, memory.file());
     std::optional<std::string> records = memory.take();
+    // not reached: there was room for all of them
     if (!records) {
-        throw std::bad_alloc(); // there was room for all of them
+        throw std::bad_alloc();
     }
     return std::move(*records);
 }

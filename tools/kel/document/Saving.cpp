@@ -44,15 +44,6 @@ DocumentScan scan(Document& document, Format target, const std::string& inputNam
     return found;
 }
 
-/// Returns the list of places that cannot be what the verb says.
-std::string describeLosses(const Losses& losses, const std::string& inputName, size_t rootCount,
-                           const std::string& verb) {
-    const std::string heading = inputName + ": " + std::to_string(losses.count()) +
-                                (losses.count() == 1 ? " place" : " places") + " cannot be " +
-                                verb + ':';
-    return describe(losses, heading, rootCount);
-}
-
 } // namespace
 
 void writeTo(const std::string& name, Console& console,
@@ -79,22 +70,27 @@ void print(const std::string& text) {
     output.commit();
 }
 
-std::string listOf(const Losses& losses, const std::string& inputName, Format format,
-                   size_t rootCount, const char* target) {
-    return describeLosses(losses, inputName, rootCount,
-                          std::string("converted from ") + nameOf(format) + " to " + target);
-}
-
-std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
-                   const char* target) {
-    return listOf(losses, inputName, input.format, input.document.roots().size(), target);
+std::string listOf(const Losses& losses, const std::string& inputName, size_t rootCount,
+                   Format from, Format to) {
+    const std::string what = from == to
+                                 ? std::string("cannot be written as ")
+                                 : std::string("cannot be converted from ") + nameOf(from) + " to ";
+    return describePlaces(losses, inputName, what + nameOf(to), rootCount);
 }
 
 void warnOfLosses(const Losses& losses, const std::string& inputName, Format format,
                   bool hasSeveralRoots, Console& console) {
     if (losses.count() > 0) {
-        console.warn(listOf(losses, inputName, format, hasSeveralRoots ? 2 : 1, "values"));
+        console.warn(
+            describePlaces(losses, inputName,
+                           std::string("cannot be converted from ") + nameOf(format) + " to values",
+                           hasSeveralRoots ? 2 : 1));
     }
+}
+
+void warnOfLosses(const Losses& losses, const std::string& inputName, const Input& input,
+                  Console& console) {
+    warnOfLosses(losses, inputName, input.format, input.document.roots().size() > 1, console);
 }
 
 void save(Input& input, const std::string& inputName, size_t inputSize, Losses losses,
@@ -108,17 +104,15 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
     refuseHugeOutput(found, target, saving.maxOutput.value_or(usualOutputLimit(inputSize)),
                      inputName);
     if (losses.count() > 0) {
-        const bool isConverted = !saving.isEdited || target != input.format;
         const std::string list =
-            isConverted ? listOf(losses, inputName, input, nameOf(target))
-                        : describeLosses(losses, inputName, input.document.roots().size(),
-                                         std::string("written as ") + nameOf(target));
+            listOf(losses, inputName, input.document.roots().size(), input.format, target);
         if (!saving.isForced) {
             const bool advisesText = found.hasTextOnly && target != Format::text;
-            throw Failure{Trouble::refused, list + "\nnothing was written; " +
-                                                (advisesText ? "text keeps every kind; " : "") +
-                                                (isConverted ? "use --force to convert the rest"
-                                                             : "use --force to write the rest")};
+            throw Failure{Trouble::refused,
+                          list + "\nnothing was written; " +
+                              (advisesText ? "text keeps every kind; " : "") +
+                              (input.format != target ? "use --force to convert the rest"
+                                                      : "use --force to write the rest")};
         }
         console.warn(list);
         makeRepresentable(input.document, target, found.namesakes);

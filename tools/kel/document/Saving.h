@@ -56,16 +56,16 @@ void save(Input& input, const std::string& inputName, size_t inputSize, Losses l
 /// \throws Failure refused for a value that contains itself and beyond the limit
 void refuseUnshowable(Document& document, const std::string& inputName, uint64_t limit);
 
-/// Returns the list of places that are lost on the way from the input to the target.
-std::string listOf(const Losses& losses, const std::string& inputName, const Input& input,
-                   const char* target);
-
-/// Returns the same for an input of the format with this number of root values.
-std::string listOf(const Losses& losses, const std::string& inputName, Format format,
-                   size_t rootCount, const char* target);
+/// Returns the list of places that are lost on the way from one format to the other or the same.
+std::string listOf(const Losses& losses, const std::string& inputName, size_t rootCount,
+                   Format from, Format to);
 
 /// Warns of what was lost in reading an input, if anything was.
 void warnOfLosses(const Losses& losses, const std::string& inputName, Format format,
                   bool hasSeveralRoots, Console& console);
+
+/// Does the same for an input that was read as a whole.
+void warnOfLosses(const Losses& losses, const std::string& inputName, const Input& input,
+                  Console& console);
 
 } // namespace kel::tool

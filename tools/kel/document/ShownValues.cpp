@@ -39,18 +39,18 @@ bool isExactInSixDecimals(double value) {
 }
 
 /// Returns why the print of the scalar is not its exact value, as a literal, or null if it is.
-const char* inexactness(const TreeCursor& cursor) {
-    const KEL& value = *cursor.value();
+const char* inexactness(const KEL& value) {
     if (isMemBlock(&value)) {
         return "a memory block, shown by its size";
     }
-    const bool isRounded = value.getType() == KELKind_Double && cursor.depth() > 0 &&
-                           !isExactInSixDecimals(value.toDouble());
+    const bool isRounded =
+        value.getType() == KELKind_Double && !isExactInSixDecimals(value.toDouble());
     return isRounded ? "a double that is rounded to six decimals" : nullptr;
 }
 
 /// Lists the places whose print is not exact. Enters each container once.
-Losses inexactPlaces(const Document& values) {
+/// \param isAloneExact whether a Double that is a root value is printed with the digits it needs
+Losses inexactPlaces(const Document& values, bool isAloneExact) {
     Losses places;
     std::unordered_set<const KEL*> met;
     for (size_t root = 0; root < values.roots().size(); ++root) {
@@ -59,7 +59,9 @@ Losses inexactPlaces(const Document& values) {
             if (event == TreeCursor::Event::enter && !met.insert(cursor.value()).second) {
                 cursor.skip();
             } else if (event == TreeCursor::Event::scalar) {
-                if (const char* reason = inexactness(cursor)) {
+                const bool isExact = isAloneExact && cursor.depth() == 0 &&
+                                     cursor.value()->getType() == KELKind_Double;
+                if (const char* reason = isExact ? nullptr : inexactness(*cursor.value())) {
                     places.add(root, reason, [&cursor] { return cursor.path(); });
                 }
             }
@@ -99,7 +101,22 @@ void writeShown(KEL* value, std::FILE* file) {
     }
 }
 
+/// Warns of the places, if there are any.
+/// \param exact what prints them exactly
+void warn(const Losses& places, const std::string& name, const std::string& exact, size_t rootCount,
+          Console& console) {
+    if (places.count() > 0) {
+        console.warn(describePlaces(
+            places, name, "cannot be printed exactly; " + exact + " is exact", rootCount));
+    }
+}
+
 } // namespace
+
+void warnOfInexactText(const Document& document, const std::string& name, Console& console) {
+    warn(inexactPlaces(document, false), name, "kel convert --to json", document.roots().size(),
+         console);
+}
 
 void showValues(const Document& values, const std::string& name, uint64_t limit, Console& console) {
     const DocumentScan scan = scanDocument(values, Format::text, nullptr);
@@ -108,13 +125,7 @@ void showValues(const Document& values, const std::string& name, uint64_t limit,
                       name + ": " + *scan.cycle + ": Cannot write a value that contains itself."};
     }
     refuseHugeOutput(scan, Format::text, limit, name);
-    const Losses places = inexactPlaces(values);
-    if (places.count() > 0) {
-        const std::string heading = name + ": " + std::to_string(places.count()) +
-                                    (places.count() == 1 ? " place is" : " places are") +
-                                    " not printed exactly; --to json is exact:";
-        console.warn(describe(places, heading, values.roots().size()));
-    }
+    warn(inexactPlaces(values, true), name, "--to json", values.roots().size(), console);
     writeTo("-", console, [&](std::FILE* file) {
         for (const Value& value : values.roots()) {
             writeShown(value.get(), file);
@@ -139,12 +150,13 @@ std::optional<std::string> rawTextOf(const KEL* value) {
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
     case KELKind_IndexList:
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
+    // not reached: no file can hold a selector
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
         break;
     }
     return std::nullopt;

@@ -11,6 +11,10 @@
 
 namespace kel::tool {
 
+/// Warns of each place whose text form, as "kel show" prints it, is not its exact value.
+/// \param name the name of the document in messages
+void warnOfInexactText(const Document& document, const std::string& name, Console& console);
+
 /// Prints the root values in text form on stdout. A Double alone is printed with the digits that it
 /// needs. Reports each place whose print is not its exact value.
 /// \param name the name of the values in messages

@@ -1,5 +1,6 @@
 #include "document/TreeCursor.h"
 
+#include "document/ValueShape.h"
 #include "words/GuidText.h"
 
 #include <cstring>
@@ -34,30 +35,20 @@ TreeCursor::Event TreeCursor::arrive(KEL* value) {
         return Event::null;
     }
     Frame frame{value, nullptr, nullptr, nullptr, nullptr};
-    switch (kindOf(*value).kind) {
-    case KELKind_Array:
+    switch (shapeOf(*value)) {
+    case ValueShape::array:
         frame.array = dynamic_cast<KEL_Array*>(value);
         break;
-    case KELKind_Struct:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
+    case ValueShape::variables:
         frame.variables = dynamic_cast<const KELInterface_Struct_V2*>(value);
         break;
-    case KELKind_IndexList:
+    case ValueShape::pairs:
         frame.list = dynamic_cast<KEL_IndexList*>(value);
         break;
-    case KELKind_Manager:
+    case ValueShape::managed:
         frame.manager = dynamic_cast<KEL_Manager*>(value);
         break;
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_Double:
-    case KELKind_guid:
-    case KELKind_MemBlock:
-    case KELKind_String:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
+    case ValueShape::scalar:
         return Event::scalar;
     }
     stack_.push_back(frame);

@@ -53,9 +53,6 @@ public:
     /// keeps the name. Returns null elsewhere.
     const char* name() const;
 
-    /// Returns whether the value is the first one of its container.
-    bool isFirst() const { return depth_ == 0 || stack_[depth_ - 1].next == 1; }
-
     /// Returns the path from the root to the value, for a message.
     std::string path() const;
 

@@ -41,6 +41,7 @@ inline Value share(KEL* value) {
 inline const KELKindFacts& kindOf(const KEL& value) {
     const int32_t code = value.getType();
     const KELKindFacts* facts = findKELKind(code);
+    // not reached: the library is not newer than the tool
     if (facts == nullptr) {
         throw Failure{Trouble::malformed, "a value of the unknown kind " + std::to_string(code)};
     }

@@ -43,12 +43,11 @@ std::string guidTextOf(std::string_view bytes) {
 class Targets {
 public:
     /// Collects the identities in the references of the content.
-    explicit Targets(std::string_view content) {
+    explicit Targets(const InputBytes& content) {
         RecordCursor cursor(content, RecordCursor::Cut::isEntered);
-        for (Event event = cursor.next(); event != Event::done && event != Event::broken;
-             event = cursor.next()) {
+        for (Event event = cursor.next(); !RecordCursor::isLast(event); event = cursor.next()) {
             if (event == Event::reference) {
-                targets_.push_back({fieldsOf(cursor.record()).identity, 0, false});
+                targets_.push_back({identityIn(cursor.record()), 0, false});
             }
         }
         std::sort(targets_.begin(), targets_.end());
@@ -56,7 +55,7 @@ public:
     }
 
     /// Notes the place of a value, if references refer to it.
-    void note(std::string_view identity, size_t offset) {
+    void note(const Identity& identity, size_t offset) {
         if (Target* target = find(identity)) {
             target->offset = offset;
             target->isRead = true;
@@ -64,14 +63,14 @@ public:
     }
 
     /// Returns the place of the value that the identity refers to now, if it was read.
-    std::optional<size_t> offsetOf(std::string_view identity) {
+    std::optional<size_t> offsetOf(const Identity& identity) {
         const Target* target = find(identity);
         return target != nullptr && target->isRead ? std::optional(target->offset) : std::nullopt;
     }
 
 private:
     struct Target {
-        std::string_view identity;
+        Identity identity;
         size_t offset;
         bool isRead;
 
@@ -79,7 +78,7 @@ private:
         bool operator==(const Target& other) const { return identity == other.identity; }
     };
 
-    Target* find(std::string_view identity) {
+    Target* find(const Identity& identity) {
         const auto found =
             std::lower_bound(targets_.begin(), targets_.end(), Target{identity, 0, false});
         return found != targets_.end() && found->identity == identity ? &*found : nullptr;
@@ -91,7 +90,7 @@ private:
 /// Describes the records of one file.
 class Dump {
 public:
-    Dump(std::string_view content, const std::function<void(std::string_view)>& passOn)
+    Dump(const InputBytes& content, const std::function<void(std::string_view)>& passOn)
         : content_(content), passOn_(passOn), targets_(content),
           cursor_(content, RecordCursor::Cut::isEntered),
           digits_(std::to_string(content.size()).size()) {}
@@ -125,7 +124,7 @@ private:
         if (event == Event::null) {
             words = "null";
         } else if (event == Event::reference) {
-            const std::optional<size_t> target = targets_.offsetOf(fields.identity);
+            const std::optional<size_t> target = targets_.offsetOf(identityIn(cursor_.record()));
             if (!target) {
                 return RecordFault{offset, "a reference to " + guidTextOf(fields.identity) +
                                                ", which no earlier record has"};
@@ -134,7 +133,7 @@ private:
         } else {
             size = recordHeaderSize + fields.length;
             words = wordsOf(fields);
-            targets_.note(fields.identity, offset);
+            targets_.note(identityIn(cursor_.record()), offset);
         }
         if (event != Event::null) {
             words += "  #" + guidTextOf(fields.identity);
@@ -197,7 +196,7 @@ private:
 
 } // namespace
 
-std::optional<RecordFault> dumpRecords(std::string_view content,
+std::optional<RecordFault> dumpRecords(const InputBytes& content,
                                        const std::function<void(std::string_view)>& passOn) {
     return Dump(content, passOn).run();
 }

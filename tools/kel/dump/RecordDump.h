@@ -13,7 +13,7 @@ namespace kel::tool {
 /// Passes on a line for each record, in the order of the file, up to the first mistake.
 /// \param passOn gets each line with its line end
 /// \return the first mistake, or nothing if all records are sound
-std::optional<RecordFault> dumpRecords(std::string_view content,
+std::optional<RecordFault> dumpRecords(const InputBytes& content,
                                        const std::function<void(std::string_view)>& passOn);
 
 } // namespace kel::tool

@@ -1,4 +1,5 @@
 #include "dump/RecordFault.h"
+#include "words/Counted.h"
 
 #include <algorithm>
 #include <kel/KELKind.h>
@@ -58,7 +59,7 @@ std::string faultOfHeader(const RecordFields& fields) {
 }
 
 std::string wordsForBytes(uint64_t count) {
-    return std::to_string(count) + (count == 1 ? " byte is" : " bytes are");
+    return counted(count, "byte") + (count == 1 ? " is" : " are");
 }
 
 /// Returns what is wrong where no whole element begins.
@@ -98,6 +99,7 @@ RecordFault faultOfRest(const RecordCursor& cursor, std::string_view content) {
 
 std::optional<RecordFault> faultOf(const RecordCursor& cursor, Event event,
                                    std::string_view content) {
+    // not reached: only records have faults
     if (event == Event::leave || event == Event::done) {
         return std::nullopt;
     }

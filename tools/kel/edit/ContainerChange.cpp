@@ -3,6 +3,7 @@
 #include "check/AllowedValues.h"
 #include "check/VariableRules.h"
 #include "check/ViolationFinder.h"
+#include "document/ValueShape.h"
 #include "words/Counted.h"
 #include "words/GuidText.h"
 #include "words/ValueText.h"
@@ -16,7 +17,7 @@ namespace {
 /// Refuses null where only values can be.
 void refuseNull(const KEL* value, const char* container) {
     if (value == nullptr) {
-        throw Refusal{std::string(container) + " cannot hold null"};
+        throw EditRefusal{std::string(container) + " cannot hold null"};
     }
 }
 
@@ -32,17 +33,17 @@ MetaKelVarDescriptor* rulesFor(const MetaKel& checked, const std::string& name) 
 void refuseForDescriptor(const MetaKel& checked, const std::string& name, KEL* value) {
     if (name == descriptorName) {
         if (value == nullptr || value->getType() != KELKind_MetaKelDescriptor) {
-            throw Refusal{wordsFor(value) + " is not a struct descriptor"};
+            throw EditRefusal{wordsFor(value) + " is not a struct descriptor"};
         }
         return;
     }
     if (name.starts_with('@')) {
-        throw Refusal{"names that begin with \"@\" are reserved in a checked struct"};
+        throw EditRefusal{"names that begin with \"@\" are reserved in a checked struct"};
     }
     MetaKelVarDescriptor* rules = rulesFor(checked, name);
     if (value != nullptr && rules != nullptr && !AllowedValues().isValid(*rules, *value)) {
-        throw Refusal{wordsFor(value) + " is not allowed (allowed: " + wordsForAllowed(*rules) +
-                      ')'};
+        throw EditRefusal{wordsFor(value) + " is not allowed (allowed: " + wordsForAllowed(*rules) +
+                          ')'};
     }
 }
 
@@ -60,7 +61,7 @@ void store(KEL_Struct& variables, const char* name, KEL* value, bool isThere) {
     } else if (isThere) {
         checked->clearVar(name);
     } else {
-        throw Refusal{"a checked struct takes no new variable without a value"};
+        throw EditRefusal{"a checked struct takes no new variable without a value"};
     }
 }
 
@@ -69,7 +70,7 @@ void setVariable(KEL_Struct& variables, const std::string& name, KEL* value, boo
     store(variables, name.c_str(), value, isThere);
     KELVarCursor stored;
     if (!walkOver(variables).findVar(stored, name.c_str()) || stored.value != value) {
-        throw Refusal{wordsFor(value) + " is not taken by " + kindOf(variables).words};
+        throw EditRefusal{wordsFor(value) + " is not taken by " + kindOf(variables).words};
     }
 }
 
@@ -97,7 +98,7 @@ void setHalfOfPair(KEL_IndexList& list, const Place& place, KEL* value) {
 void setManaged(KEL_Manager& manager, const Place& place, KEL* value) {
     refuseNull(value, "a manager");
     if (value->getType() == KELKind_MemBlock) {
-        throw Refusal{"a memory block cannot be put in a manager"};
+        throw EditRefusal{"a memory block cannot be put in a manager"};
     }
     const std::optional<JHashCode> identity = guidOfText(place.step.text);
     Value element = made(manager.createKel(value->getType(), identity.value()));
@@ -109,16 +110,16 @@ void setManaged(KEL_Manager& manager, const Place& place, KEL* value) {
 
 void refuseVariable(const KEL_Struct& variables, const std::string& name, KEL* value) {
     if (name.empty()) {
-        throw Refusal{"the name of a variable cannot be empty"};
+        throw EditRefusal{"the name of a variable cannot be empty"};
     }
     if (name.find('"') != std::string::npos || name.find('\0') != std::string::npos) {
-        throw Refusal{"the name of a variable cannot contain a double quote or a NUL"};
+        throw EditRefusal{"the name of a variable cannot contain a double quote or a NUL"};
     }
     if (const auto* checked = dynamic_cast<const MetaKel*>(&variables)) {
         refuseForDescriptor(*checked, name, value);
     } else if (variables.getType() == KELKind_MetaKelDescriptor &&
                (value == nullptr || value->getType() != KELKind_MetaKelVarDescriptor)) {
-        throw Refusal{wordsFor(value) + " is not a variable descriptor"};
+        throw EditRefusal{wordsFor(value) + " is not a variable descriptor"};
     }
 }
 
@@ -136,26 +137,17 @@ std::string doubtAbout(const KEL_Struct& variables, const std::string& name, con
 }
 
 bool canAdd(const Place& place) {
-    switch (kindOf(*place.container).kind) {
-    case KELKind_Struct:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
+    switch (shapeOf(*place.container)) {
+    case ValueShape::variables:
         return true;
-    case KELKind_Array:
+    case ValueShape::array:
         return place.step.index ==
                static_cast<uint64_t>(dynamic_cast<KEL_Array&>(*place.container).getCount());
-    case KELKind_Manager:
+    case ValueShape::managed:
         return guidOfText(place.step.text).has_value();
-    case KELKind_IndexList:
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_Double:
-    case KELKind_guid:
-    case KELKind_MemBlock:
-    case KELKind_String:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
+    // not reached: the pairs of a list have calls of their own
+    case ValueShape::pairs:
+    case ValueShape::scalar:
         break;
     }
     return false;
@@ -163,30 +155,21 @@ bool canAdd(const Place& place) {
 
 void setAt(const Place& place, KEL* value) {
     KEL& container = *place.container;
-    switch (kindOf(container).kind) {
-    case KELKind_Struct:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
+    switch (shapeOf(container)) {
+    case ValueShape::variables:
         setVariable(dynamic_cast<KEL_Struct&>(container), place.step.text, value, place.isThere);
         return;
-    case KELKind_Array:
+    case ValueShape::array:
         setElement(dynamic_cast<KEL_Array&>(container), place, value);
         return;
-    case KELKind_IndexList:
+    case ValueShape::pairs:
         setHalfOfPair(dynamic_cast<KEL_IndexList&>(container), place, value);
         return;
-    case KELKind_Manager:
+    case ValueShape::managed:
         setManaged(dynamic_cast<KEL_Manager&>(container), place, value);
         return;
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_Double:
-    case KELKind_guid:
-    case KELKind_MemBlock:
-    case KELKind_String:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
+    // not reached: a place is in a container
+    case ValueShape::scalar:
         return;
     }
 }
@@ -194,11 +177,11 @@ void setAt(const Place& place, KEL* value) {
 void setPair(KEL_IndexList& list, uint64_t index, KEL* keyAndItem) {
     const auto* pair = dynamic_cast<const KEL_Array*>(keyAndItem);
     if (pair == nullptr || pair->getCount() != 2) {
-        throw Refusal{"a pair is set by an array of its key and its item"};
+        throw EditRefusal{"a pair is set by an array of its key and its item"};
     }
     const auto count = static_cast<uint64_t>(list.getCount());
     if (index > count) {
-        throw Refusal{"the list has " + counted(count, "pair")};
+        throw EditRefusal{"the list has " + counted(count, "pair")};
     }
     const auto place = static_cast<int32_t>(index);
     if (index < count) {
@@ -209,32 +192,21 @@ void setPair(KEL_IndexList& list, uint64_t index, KEL* keyAndItem) {
 
 void removeAt(const Place& place) {
     KEL& container = *place.container;
-    switch (kindOf(container).kind) {
-    case KELKind_Struct:
-    case KELKind_MetaKel:
-    case KELKind_MetaKelDescriptor:
-    case KELKind_MetaKelVarDescriptor:
+    switch (shapeOf(container)) {
+    case ValueShape::variables:
         dynamic_cast<KEL_Struct&>(container).removeVar(place.step.text.c_str());
         return;
-    case KELKind_Array:
+    case ValueShape::array:
         dynamic_cast<KEL_Array&>(container).removeVar(place.index);
         return;
-    case KELKind_IndexList:
+    case ValueShape::pairs:
         dynamic_cast<KEL_IndexList&>(container).removePair(place.index);
         return;
-    case KELKind_Manager: {
-        JHashCode identity;
-        dynamic_cast<KEL_Manager&>(container).removeKel(place.value->getHashCode(identity));
+    case ValueShape::managed:
+        dynamic_cast<KEL_Manager&>(container).removeKel(identityOf(*place.value));
         return;
-    }
-    case KELKind_Int:
-    case KELKind_Boolean:
-    case KELKind_Double:
-    case KELKind_guid:
-    case KELKind_MemBlock:
-    case KELKind_String:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
+    // not reached: a place is in a container
+    case ValueShape::scalar:
         return;
     }
 }

@@ -9,7 +9,7 @@
 namespace kel::tool {
 
 /// Thrown if a container does not take a change.
-struct Refusal {
+struct EditRefusal {
     std::string reason;
 };
 
@@ -19,12 +19,12 @@ bool canAdd(const Place& place);
 
 /// Puts a value, which can be null, in a place inside a container. The place must be there, or one
 /// that can be added.
-/// \throws Refusal if the container does not take the value
+/// \throws EditRefusal if the container does not take the value
 void setAt(const Place& place, KEL* value);
 
 /// Makes a pair of an index list from an array of a key and an item.
 /// \param index of the pair; the number of pairs appends one
-/// \throws Refusal for any other value, and for a greater index
+/// \throws EditRefusal for any other value, and for a greater index
 void setPair(KEL_IndexList& list, uint64_t index, KEL* keyAndItem);
 
 /// Removes the value at a place inside a container, which must be there. Of an index list, removes
@@ -37,7 +37,7 @@ void removeAt(const Place& place);
 std::string doubtAbout(const KEL_Struct& variables, const std::string& name, const KEL* value);
 
 /// Refuses a variable that the struct does not take, for its name or for its value.
-/// \throws Refusal
+/// \throws EditRefusal
 void refuseVariable(const KEL_Struct& variables, const std::string& name, KEL* value);
 
 } // namespace kel::tool

@@ -10,7 +10,7 @@
 namespace kel::tool {
 
 void EditCommand::describe(CommandLine& line) {
-    line.argument("FILE", input_, "File to read, or - for stdin");
+    line.file("FILE", input_, "File to read, or - for stdin");
     describeArguments(line);
     line.flag("-i,--in-place", isInPlace_, "Write FILE itself instead of stdout");
     describeOptions(line);
@@ -32,17 +32,23 @@ int EditCommand::run(Console& console) {
         throw Failure{Trouble::usage, "binary is not written to a terminal; use -i or --to, or "
                                       "send it to a file"};
     }
-    const std::optional<TextExtra> extra = extraIn(content);
     const Content read = content;
     Losses losses;
     Input input = readInput(std::move(content), input_, std::nullopt, losses);
-    if (extra) {
-        report(*extra, console);
+    const bool isText = read.format == Format::text;
+    std::string warning; // made early: nothing may fail after the output is there
+    if (isText && isInPlace_) {
+        refuseExtra(read.bytes, console);
+    } else if (isText) {
+        warning = lossInOutput(read.bytes);
     }
     refuseUnkept(read, input.document, input_, isForced_, console);
     Editor editor(input.document, input.format == Format::binary);
     change(editor, target, console);
     save(input, input_, size, losses, {target, output, isForced_, maxOutput_, true}, console);
+    if (!warning.empty()) {
+        console.warn(warning);
+    }
     return 0;
 }
 
@@ -58,19 +64,25 @@ void EditCommand::refuseContradictions() const {
     }
 }
 
-std::optional<TextExtra> EditCommand::extraIn(const Content& content) const {
-    return isInPlace_ && content.format == Format::text ? firstTextExtra(content.bytes)
-                                                        : std::nullopt;
-}
-
-void EditCommand::report(const TextExtra& extra, Console& console) const {
-    const std::string place = input_ + ':' + std::to_string(extra.line) + ": " + extra.words;
+/// Refuses to lose what only the text has, or warns of it.
+void EditCommand::refuseExtra(std::string_view text, Console& console) const {
+    const std::optional<TextExtra> extra = firstTextExtra(text);
+    if (!extra) {
+        return;
+    }
+    const std::string place = input_ + ':' + std::to_string(extra->line) + ": " + extra->words;
     if (!isForced_) {
         throw Failure{Trouble::refused,
                       place + " would be lost, because only values are written\nnothing was "
                               "written; use --force to write the values alone"};
     }
     console.warn(place + " is lost, because only values are written");
+}
+
+/// Returns the warning of what the file has and the output on stdout does not, or nothing.
+std::string EditCommand::lossInOutput(std::string_view text) const {
+    const Annotations annotations = annotationsIn(text);
+    return annotations.line == 0 ? std::string() : input_ + ": " + lossOf(annotations, true);
 }
 
 void EditCommand::change(Editor& editor, Format target, Console& console) {

@@ -5,12 +5,12 @@
 #include "command/Command.h"
 #include "document/Format.h"
 #include "document/Input.h"
-#include "document/TextExtras.h"
 #include "edit/Editor.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace kel::tool {
 
@@ -38,8 +38,8 @@ protected:
 
 private:
     void refuseContradictions() const;
-    std::optional<TextExtra> extraIn(const Content& content) const;
-    void report(const TextExtra& extra, Console& console) const;
+    void refuseExtra(std::string_view text, Console& console) const;
+    std::string lossInOutput(std::string_view text) const;
     void change(Editor& editor, Format target, Console& console);
 
     std::string input_;

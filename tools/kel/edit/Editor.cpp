@@ -20,7 +20,7 @@ namespace {
 template <class Action> void naming(const Path& path, const Action& action) {
     try {
         action();
-    } catch (const Refusal& refusal) {
+    } catch (const EditRefusal& refusal) {
         refuse(path, refusal.reason);
     }
 }

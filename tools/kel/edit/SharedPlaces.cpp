@@ -1,6 +1,7 @@
 #include "edit/SharedPlaces.h"
 
 #include "document/TreeCursor.h"
+#include "path/PathText.h"
 
 #include <algorithm>
 #include <set>
@@ -101,13 +102,13 @@ std::vector<std::string> describeSharing(const Document& document, const std::ve
         if (others.empty()) {
             continue;
         }
-        std::string sentence =
-            withRoot(way.path.text(way.path.steps.size()), way.path.root.value_or(0), rootCount) +
-            ": the value around it is shared, so this also changes ";
+        std::string sentence = withRoot(PathText::shortened(way.path.text(way.path.steps.size())),
+                                        way.path.root.value_or(0), rootCount) +
+                               ": the value around it is shared, so this also changes ";
         size_t count = 0;
         for (const std::string& other : others) {
             if (count < listed) {
-                sentence += (count == 0 ? "" : ", ") + other;
+                sentence += (count == 0 ? "" : ", ") + PathText::shortened(other);
             }
             ++count;
         }

@@ -3,6 +3,7 @@
 #include "document/KelReader.h"
 #include "failures/Failure.h"
 #include "path/PathText.h"
+#include "words/Characters.h"
 #include "json/JsonReader.h"
 
 #include <algorithm>
@@ -25,16 +26,12 @@ Value onlyValueOf(Document document, const std::string& name) {
 
 Value valueOfJson(const std::string& argument, const std::string& name) {
     Losses losses;
-    Value value = onlyValueOf(readJson(argument + '\n', name, std::nullopt, losses), name);
+    Value value = onlyValueOf(readJson(argument, name, std::nullopt, losses), name);
     if (losses.count() > 0) {
         throw Failure{Trouble::usage,
                       describe(losses, name + ": values cannot hold all of this JSON:", 1)};
     }
     return value;
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 /// Returns the digits of a decimal number and what follows them.
@@ -47,7 +44,7 @@ void refuseHugeNumber(std::string_view text, const std::string& name) {
     const bool isHex = text.starts_with("0x");
     std::string_view digits = isHex ? text.substr(2) : withoutSign(text);
     const auto end = std::find_if_not(digits.begin(), digits.end(), [isHex](char c) {
-        return isDigit(c) || (isHex && ((c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')));
+        return isHex ? isHexDigit(c) : isDigit(c);
     });
     if (digits.empty() || (end != digits.end() && *end != '.')) {
         return; // not a number alone

@@ -3,6 +3,7 @@
 #include "explain/ShownText.h"
 #include "parts/RecordCursor.h"
 #include "path/PathText.h"
+#include "words/Counted.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -37,7 +38,7 @@ std::optional<uint64_t> fixedLength(uint64_t kind) {
 }
 
 std::string bytes(uint64_t count) {
-    return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+    return counted(count, "byte");
 }
 
 /// Returns the text of the 16 bytes of an identity.

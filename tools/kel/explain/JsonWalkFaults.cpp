@@ -21,6 +21,7 @@ size_t JsonWalk::endOfRun(size_t at) const {
 
 /// Returns what is at the current place, in words for `found ...`.
 std::string JsonWalk::found() const {
+    // not reached: the callers deal with the end of the input themselves
     if (isAtEnd()) {
         return "the end of the input";
     }

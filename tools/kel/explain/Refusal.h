@@ -3,6 +3,7 @@
 #pragma once
 
 #include "document/Format.h"
+#include "explain/Fault.h"
 #include "failures/Failure.h"
 
 #include <cstddef>
@@ -26,6 +27,17 @@ struct Refusal {
     /// JSON file can look like text.
     std::optional<Format> named = std::nullopt;
 };
+
+/// Returns the failure for a fault in a text or JSON, which is malformed:
+///
+///     settings.kel:3:13: expected a value, found "}"
+///         3 |     width = }
+///           |             ^
+///           = hint: ...
+///
+/// \param content the text that the fault is in
+/// \param inputName the name of the input
+Failure failureAt(std::string_view content, const std::string& inputName, const Fault& fault);
 
 /// Returns the failure, which is malformed: "INPUT:LINE:COLUMN: what is wrong" with the line and a
 /// mark for text and JSON, "INPUT: offset N: PATH: what is wrong" for binary.

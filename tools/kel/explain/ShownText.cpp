@@ -16,8 +16,9 @@ struct Range {
 };
 
 // Controls, line and paragraph separators, and the marks that change the direction of writing.
-constexpr Range dangerous[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x200E, 0x200F},
-                               {0x2028, 0x202E}, {0x2066, 0x2069}, {0xFEFF, 0xFEFF}};
+constexpr Range dangerous[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C},
+                               {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069},
+                               {0xFEFF, 0xFEFF}};
 // Marks that terminals draw over the character before them.
 constexpr Range combining[] = {{0x0300, 0x036F}, {0x200B, 0x200D}, {0xFE00, 0xFE0F}};
 // The characters of East Asia and the pictures, which take two columns.

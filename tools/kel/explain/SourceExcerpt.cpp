@@ -113,14 +113,19 @@ private:
 
 } // namespace
 
-std::string sourcePlace(std::string_view content, size_t at) {
+SourcePlace sourcePlaceOf(std::string_view content, size_t at) {
     const auto lines =
         std::count(content.begin(), content.begin() + static_cast<std::ptrdiff_t>(at), '\n');
-    size_t column = 1;
+    uint64_t column = 1;
     for (size_t i = beginOfLine(content, at); i < at; ++column) {
         i += std::max<size_t>(utf8SequenceLength(content.substr(i)), 1);
     }
-    return std::to_string(lines + 1) + ':' + std::to_string(column);
+    return {static_cast<uint64_t>(lines) + 1, column};
+}
+
+std::string sourcePlace(std::string_view content, size_t at) {
+    const auto [line, column] = sourcePlaceOf(content, at);
+    return std::to_string(line) + ':' + std::to_string(column);
 }
 
 size_t endOfInk(std::string_view content) {
@@ -145,13 +150,6 @@ std::string excerptOf(std::string_view content, const Fault& fault, std::string_
         text += '\n' + margin + " = hint: " + fault.hint;
     }
     return text;
-}
-
-std::string describeFault(std::string_view content, const std::string& inputName,
-                          const Fault& fault) {
-    const std::string place = sourcePlace(content, fault.at);
-    return inputName + ':' + place + ": " + fault.reason +
-           excerptOf(content, fault, place.substr(0, place.find(':')));
 }
 
 } // namespace kel::tool

@@ -5,13 +5,23 @@
 #include "explain/Fault.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace kel::tool {
 
-/// Returns "LINE:COLUMN" for an offset of the content. Both count from 1. Lines end with LF, and
-/// columns count characters of UTF-8. Every byte that is not UTF-8 counts as one character.
+/// A place in a text. Lines end with LF, and columns count characters of UTF-8. Every byte that is
+/// not UTF-8 counts as one character.
+struct SourcePlace {
+    uint64_t line;   ///< from 1
+    uint64_t column; ///< from 1
+};
+
+/// Returns the place of an offset of the content.
+SourcePlace sourcePlaceOf(std::string_view content, size_t at);
+
+/// Returns "LINE:COLUMN" for an offset of the content.
 std::string sourcePlace(std::string_view content, size_t at);
 
 /// Returns the offset just after the last character that is not white space.
@@ -28,17 +38,5 @@ size_t endOfInk(std::string_view content);
 /// around the culprit is shown. The time does not depend on the size of the content.
 /// \param lineNumber the number of the line, as it is shown
 std::string excerptOf(std::string_view content, const Fault& fault, std::string_view lineNumber);
-
-/// Returns the whole message about a fault:
-///
-///     settings.kel:3:13: expected a value, found "}"
-///         3 |     width = }
-///           |             ^
-///           = hint: ...
-///
-/// \param content the text that the fault is in
-/// \param inputName the name of the input
-std::string describeFault(std::string_view content, const std::string& inputName,
-                          const Fault& fault);
 
 } // namespace kel::tool

@@ -39,6 +39,7 @@ std::string_view phraseAt(std::string_view content, size_t at) {
 }
 
 size_t lengthOfFound(std::string_view content, size_t at) {
+    // not reached: the callers deal with the end of the input themselves
     if (at >= content.size()) {
         return 0;
     }
@@ -56,6 +57,7 @@ size_t lengthOfFound(std::string_view content, size_t at) {
 }
 
 std::string foundInText(std::string_view content, size_t at) {
+    // not reached: the callers deal with the end of the input themselves
     if (at >= content.size()) {
         return "the end of the input";
     }
@@ -69,6 +71,7 @@ std::string foundInText(std::string_view content, size_t at) {
 }
 
 std::string hintForStranger(std::string_view content, size_t at) {
+    // not reached: the callers deal with the end of the input themselves
     if (at >= content.size()) {
         return "";
     }

@@ -16,20 +16,12 @@ bool isInLine(char c) {
 
 } // namespace
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-bool isHexDigit(char c) {
-    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
 bool beginsWord(char c) {
     return isInKey(c) && !isDigit(c);
 }
 
 bool isInKey(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || isDigit(c) || c == '_' || c == '@';
+    return isLetter(c) || isDigit(c) || c == '_' || c == '@';
 }
 
 size_t TextScanner::skipWhile(size_t from, bool (*belongs)(char)) const {
@@ -50,22 +42,22 @@ bool TextScanner::skipLayout() {
             at_ += c == '\r' ? 2 : 1;
             line_ = {at_, at_};
             hasLineEnd = true;
-        } else if (c == '/' && at(at_ + 1) == '/') {
-            at_ = skipWhile(at_, isInLine);
-        } else if (c == '/' && at(at_ + 1) == '*') {
-            skipBlockComment();
+        } else if (c == '/' && (at(at_ + 1) == '/' || at(at_ + 1) == '*')) {
+            at_ = endOfComment();
         } else {
             return hasLineEnd;
         }
     }
 }
 
-void TextScanner::skipBlockComment() {
+size_t TextScanner::endOfComment() const {
+    if (at(at_ + 1) == '/') {
+        return skipWhile(at_, isInLine);
+    }
     bool isAfterStar = false;
     for (size_t i = at_ + 2; i < content_.size(); ++i) {
         if (isAfterStar && content_[i] == '/') {
-            at_ = i + 1;
-            return;
+            return i + 1;
         }
         isAfterStar = content_[i] == '*' && !isAfterStar; // of two stars the second one is text
     }

@@ -4,6 +4,7 @@
 
 #include "explain/Fault.h"
 #include "explain/OpenBrackets.h"
+#include "words/Characters.h"
 
 #include <cstddef>
 #include <string_view>
@@ -51,6 +52,10 @@ public:
     /// \throws Fault for a comment without an end
     bool skipLayout();
 
+    /// Returns the end of the comment that begins here.
+    /// \throws Fault for a comment without an end
+    size_t endOfComment() const;
+
     /// Returns the token where a value can begin. Does not move.
     TextToken valueToken() const;
 
@@ -63,7 +68,6 @@ public:
 private:
     char at(size_t place) const { return place < content_.size() ? content_[place] : '\0'; }
     size_t skipWhile(size_t from, bool (*belongs)(char)) const;
-    void skipBlockComment();
     TextToken numberToken() const;
     TextToken hashCodeOr(TextToken::Kind kind, size_t end) const;
 
@@ -72,8 +76,6 @@ private:
     CurrentLine line_;
 };
 
-bool isDigit(char c);
-bool isHexDigit(char c);
 /// Returns whether a character can begin a bare word.
 bool beginsWord(char c);
 /// Returns whether a character can be in a key without quotes.

@@ -131,7 +131,7 @@ void TextWalk::readKey() {
         if (scanner_.isAtEnd()) {
             failAtEnd(expectedHere());
         }
-        failIfClosing();
+        failIfClosing(expectedValue());
         failIfNumberGoesOn();
         fail(expectedHere());
     }

@@ -81,7 +81,7 @@ private:
     std::string shownKey() const;
     std::string hintAboutNames() const;
 
-    void failIfClosing() const;
+    void failIfClosing(const std::string& expected) const;
     void failIfNumberGoesOn() const;
     void failIfNul(const TextToken& token) const;
     void failIfSuspect(size_t at) const;
@@ -92,6 +92,7 @@ private:
     [[noreturn]] void failAtEnd(const std::string& expected) const;
     [[noreturn]] void failOpenQuote(const TextToken& token) const;
     [[noreturn]] void failAfterKey() const;
+    void failIfUnit(size_t next) const;
     [[noreturn]] void failCharacter(const TextToken& token) const;
     [[noreturn]] void failName(const TextToken& word) const;
     [[noreturn]] void failRun(size_t begin) const;

@@ -41,6 +41,7 @@ char TextWalk::closingOf(Shape shape) {
         return ')';
     case Shape::indexList:
         return '>';
+    // not reached: nothing closes the text itself
     case Shape::text:
         break;
     }
@@ -120,6 +121,10 @@ void TextWalk::failAt(size_t begin, size_t end, std::string reason, std::string 
 
 void TextWalk::fail(const std::string& expected, std::string hint) const {
     const size_t at = scanner_.at();
+    const bool isUnit = lastIsNumber_ && scanner_.peek() == '%' && isOnOneLine(lastEnd_, at);
+    if (hint.empty() && isUnit) {
+        hint = hintForNumber(content_.substr(lastBegin_, at + 1 - lastBegin_));
+    }
     failAt(at, at + lengthOfFound(content_, at),
            "expected " + expected + ", found " + foundInText(content_, at),
            hint.empty() ? hintForStranger(content_, at) : std::move(hint));
@@ -193,7 +198,7 @@ void TextWalk::failIfNumberGoesOn() const {
 }
 
 /// Refuses a bracket that closes something else than the innermost container.
-void TextWalk::failIfClosing() const {
+void TextWalk::failIfClosing(const std::string& expected) const {
     const size_t at = scanner_.at();
     const char opening = openingOf(scanner_.peek());
     if (opening == '\0') {
@@ -205,7 +210,7 @@ void TextWalk::failIfClosing() const {
                brackets_.hintAboutIndentation());
     }
     const bool isWrong = closingOf(shapes_.back()) != scanner_.peek();
-    fail(expectedValue(), isWrong ? brackets_.stillOpen() : "");
+    fail(expected, isWrong ? brackets_.stillOpen() : "");
 }
 
 void TextWalk::failAfterKey() const {
@@ -226,6 +231,7 @@ void TextWalk::failAfterKey() const {
                        "quotes: " +
                            quoted(content_.substr(keyBegin_, runEnd - keyBegin_)));
     }
+    failIfUnit(at);
     const std::string hint = "a variable is written as NAME = VALUE";
     if (!isOnOneLine(keyEnd_, at)) {
         failAt(keyEnd_, keyEnd_, "expected " + expected, hint);
@@ -233,9 +239,22 @@ void TextWalk::failAfterKey() const {
     fail(expected, hint);
 }
 
+/// Refuses a name that is the unit of the number before it on its line, and so without a value.
+/// \param next the place after the name
+void TextWalk::failIfUnit(size_t next) const {
+    const bool isAfterNumber = lastIsNumber_ && lastEnd_ < keyBegin_ &&
+                               content_.find_first_not_of(" \t", lastEnd_) == keyBegin_ &&
+                               content_[keyBegin_] != '"';
+    const bool isAlone = !isOnOneLine(keyEnd_, next) || openingOf(content_[next]) != '\0';
+    if (isAfterNumber && isAlone) {
+        failAt(keyBegin_, keyEnd_, "expected \"=\" after " + shownKey(),
+               hintForNumber(content_.substr(lastBegin_, keyEnd_ - lastBegin_)));
+    }
+}
+
 /// Refuses a character that does not begin a value, or a word or number that is malformed.
 void TextWalk::failCharacter(const TextToken& token) const {
-    failIfClosing();
+    failIfClosing(expectedValue());
     failIfNumberGoesOn();
     const char first = scanner_.peek();
     if (isDigit(first) || first == '-' || first == '.') {
@@ -330,7 +349,7 @@ void TextWalk::failIdentity(const std::string& expected) const {
     if (looksLikeHashCode(content_.substr(begin, end - begin))) {
         failRun(begin);
     }
-    failIfClosing();
+    failIfClosing(expected);
     fail(expected, "an identity is written as 3F2504E0-4F89-11D3-9A0C-0305E82C3301");
 }
 

@@ -3,7 +3,10 @@
 #pragma once
 
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 
 namespace kel::tool {
@@ -33,11 +36,23 @@ constexpr int exitStatus(Trouble trouble) {
     return 4;
 }
 
+/// What is wrong in an input, in parts for programs.
+struct Mistake {
+    size_t offset = 0;     ///< in bytes from the beginning of the input
+    uint64_t line = 0;     ///< from 1; 0 for binary
+    uint64_t column = 0;   ///< in characters from 1; 0 for binary
+    std::string path = {}; ///< to the value in binary; can be empty
+    std::string reason = {};
+    std::string hint = {}; ///< empty if nothing can be said
+};
+
 /// Thrown by value when the tool cannot continue.
 struct Failure {
     Trouble trouble;
     /// The text to print after "kel: ".
     std::string message;
+    /// The same in parts, if it is about a place in an input, otherwise null.
+    std::shared_ptr<const Mistake> mistake = nullptr;
 };
 
 /// Returns the system's reason why the last operation on a file failed.

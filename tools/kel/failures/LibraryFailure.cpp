@@ -33,6 +33,7 @@ std::string messageOf(const JException& failure) {
         throw std::bad_alloc();
     }
     const JPointer<JString> message(failure.getMessage());
+    // not reached: only a failure without memory has no text
     return required(message.isNull() ? nullptr : message->chars());
 }
 

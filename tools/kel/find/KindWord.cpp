@@ -10,6 +10,7 @@ std::string wordOf(const KELKindFacts& facts) {
     std::string word = facts.name;
     word.erase(0, word.starts_with(lead) ? lead.size() : 0);
     std::transform(word.begin(), word.end(), word.begin(), [](char c) {
+        // not reached: the names of kinds have letters alone
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
     return word;

@@ -33,6 +33,7 @@ struct Finding {
     std::optional<size_t> earlier = std::nullopt; ///< the offset of what the finding repeats
     uint64_t line = 0;                            ///< from 1; 0 if it is unknown
     uint64_t column = 0;                          ///< in characters from 1; 0 if it is unknown
+    std::string hint = {};    ///< what can be done; empty if nothing can be said
     std::string excerpt = {}; ///< its line with a mark, after a line end; can be empty
 };
 

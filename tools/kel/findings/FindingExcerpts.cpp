@@ -14,7 +14,7 @@ constexpr size_t mostExcerpts = 100; // of a file
 /// Returns the length of the word, number, string or bracket at the offset.
 size_t lengthAt(const Content& content, size_t at) {
     constexpr size_t longestMarked = 1024; // more than an excerpt shows
-    const std::string_view text = std::string_view(content.bytes).substr(at, longestMarked);
+    const std::string_view text = content.bytes.view().substr(at, longestMarked);
     size_t end = 1;
     if (text.starts_with('"')) {
         while (end < text.size() && text[end] != '"') {

@@ -4,29 +4,11 @@
 #include "words/Utf8.h"
 
 #include <algorithm>
-#include <charconv>
 #include <string_view>
 
 namespace kel::tool {
 
 namespace {
-
-/// Takes a number, which must follow the lead and end before the tail, from the beginning of the
-/// text. \return the number, or 0 if there is another text
-uint64_t takeNumber(std::string_view& text, std::string_view lead, std::string_view tail) {
-    if (!text.starts_with(lead)) {
-        return 0;
-    }
-    const char* end = text.data() + text.size();
-    uint64_t number = 0;
-    const auto last = std::from_chars(text.data() + lead.size(), end, number);
-    const std::string_view rest(last.ptr, static_cast<size_t>(end - last.ptr));
-    if (last.ec != std::errc() || !rest.starts_with(tail)) {
-        return 0;
-    }
-    text = rest;
-    return number;
-}
 
 /// Returns the text as a JSON string. Bytes that are not valid UTF-8 become U+FFFD. The parser's
 /// own values are not used here: they do not survive that memory runs out.
@@ -64,10 +46,14 @@ std::string lineFor(const Finding& finding, const std::string& file) {
     if (finding.line != 0) {
         text += ':' + std::to_string(finding.line) + ':' + std::to_string(finding.column);
     }
+    if (finding.line == 0 && finding.offset) {
+        text += ": offset " + std::to_string(*finding.offset);
+    }
     if (!finding.path.empty()) {
         text += ": " + finding.path;
     }
-    return text + ": " + finding.message + finding.excerpt;
+    const std::string advice = finding.hint.empty() ? "" : "; " + finding.hint;
+    return text + ": " + finding.message + advice + finding.excerpt;
 }
 
 std::string jsonFor(const Finding& finding, const std::string& file) {
@@ -86,24 +72,27 @@ std::string jsonFor(const Finding& finding, const std::string& file) {
     }
     text += ", \"severity\": ";
     text += finding.severity == Severity::error ? "\"error\"" : "\"warning\"";
-    return text + ", \"message\": " + quotedForJson(finding.message) + '}';
+    text += ", \"message\": " + quotedForJson(finding.message);
+    if (!finding.hint.empty()) {
+        text += ", \"hint\": " + quotedForJson(finding.hint);
+    }
+    return text + '}';
 }
 
 Finding findingOf(const Failure& failure, const std::string& file) {
-    std::string_view text = failure.message;
     Finding finding;
-    if (text.starts_with(file)) {
-        text.remove_prefix(file.size());
-        std::string_view offset = text;
-        if (uint64_t number = takeNumber(offset, ": offset ", ": "); offset != text) {
-            finding.offset = static_cast<size_t>(number);
-            text = offset;
-        } else {
-            finding.line = takeNumber(text, ":", ":");
-            finding.column = finding.line != 0 ? takeNumber(text, ":", ": ") : 0;
-        }
-        text.remove_prefix(text.starts_with(": ") ? 2 : 0);
+    if (const Mistake* mistake = failure.mistake.get()) {
+        finding.path = mistake->path;
+        finding.message = mistake->reason;
+        finding.hint = mistake->hint;
+        finding.offset = mistake->offset;
+        finding.line = mistake->line;
+        finding.column = mistake->column;
+        return finding;
     }
+    std::string_view text = failure.message;
+    const std::string lead = file + ": ";
+    text.remove_prefix(text.starts_with(lead) ? lead.size() : 0);
     finding.message = text.substr(0, text.find('\n'));
     return finding;
 }

@@ -9,16 +9,17 @@
 
 namespace kel::tool {
 
-/// Returns "FILE:LINE:COLUMN: PATH: message", without the parts that are unknown, and the excerpt.
+/// Returns "FILE:LINE:COLUMN: PATH: message; hint", without the parts that are unknown, and the
+/// excerpt. Without a line, the place is "FILE: offset N".
 std::string lineFor(const Finding& finding, const std::string& file);
 
 /// Returns a JSON object on one line: {"file": ..., "line": ..., "column": ..., "offset": ...,
-/// "path": ..., "severity": "error" or "warning", "message": ...}, without the members that are
-/// unknown. What is not UTF-8 becomes U+FFFD.
+/// "path": ..., "severity": "error" or "warning", "message": ..., "hint": ...}, without the members
+/// that are unknown. What is not UTF-8 becomes U+FFFD.
 std::string jsonFor(const Finding& finding, const std::string& file);
 
-/// Returns the finding that a failure to read a file is. The place at the beginning of its message
-/// becomes the place of the finding, and of several lines only the first one counts.
+/// Returns the finding that a failure to read a file is. If the failure has no place, its message
+/// without the name of the file is the finding, and of several lines only the first one.
 Finding findingOf(const Failure& failure, const std::string& file);
 
 } // namespace kel::tool

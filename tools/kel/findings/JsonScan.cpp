@@ -21,42 +21,12 @@ size_t endOfWord(std::string_view content, size_t at) {
     return std::min(content.find_first_of(" \t\r\n,:]}[{\"", at), content.size());
 }
 
-/// Takes one string from the parser.
-class StringHandler : public nlohmann::json_sax<nlohmann::json> {
-public:
-    bool null() override { return false; }
-    bool boolean(bool) override { return false; }
-    bool number_integer(number_integer_t) override { return false; }
-    bool number_unsigned(number_unsigned_t) override { return false; }
-    bool number_float(number_float_t, const string_t&) override { return false; }
-    bool string(string_t& text) override {
-        text_.swap(text);
-        return true;
-    }
-    bool binary(binary_t&) override { return false; }
-    bool start_object(size_t) override { return false; }
-    bool key(string_t&) override { return false; }
-    bool end_object() override { return false; }
-    bool start_array(size_t) override { return false; }
-    bool end_array() override { return false; }
-    bool parse_error(size_t, const std::string&, const nlohmann::json::exception&) override {
-        return false;
-    }
-
-    const std::string& text() const { return text_; }
-
-private:
-    std::string text_;
-};
-
 /// Returns the name that a string in quotes spells.
 std::string nameOf(std::string_view quoted) {
     if (quoted.find('\\') == std::string_view::npos) {
         return std::string(quoted.substr(1, quoted.size() - 2));
     }
-    StringHandler handler;
-    nlohmann::json::sax_parse(quoted, &handler);
-    return handler.text();
+    return nlohmann::json::parse(quoted).get<std::string>();
 }
 
 /// Returns whether the value that was read from a scalar can be another one than it spells. The

@@ -67,6 +67,7 @@ void PlaceTracker::passNull(bool isCounted) {
 /// Returns the document's value at the current place, or null if it has none there.
 KEL* PlaceTracker::valueHere() const {
     if (levels_.empty()) {
+        // not reached: the document was read from the same content
         return document_ != nullptr && root_ < document_->roots().size()
                    ? document_->roots()[root_].get()
                    : nullptr;
@@ -97,6 +98,7 @@ KEL* PlaceTracker::valueHere() const {
     case Shape::manager: {
         const auto* manager = dynamic_cast<const KEL_Manager*>(level.value);
         const std::optional<JHashCode> identity = guidOfText(level.name);
+        // not reached: only a repeated identity has another value in the document
         return manager != nullptr && identity && manager->containsKel(*identity)
                    ? manager->getKel(*identity)
                    : nullptr;

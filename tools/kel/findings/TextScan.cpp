@@ -49,20 +49,23 @@ bool isReserved(std::string_view word) {
 class Scan {
 public:
     /// \param isDefinition whether the text is that of a definition
-    Scan(TextTokens tokens, PlaceTracker& places, Definitions& definitions, Findings& found,
-         bool isDefinition)
-        : tokens_(tokens), places_(places), definitions_(definitions), found_(found),
+    Scan(TextTokens tokens, Trail trail, PlaceTracker& places, Definitions& definitions,
+         Findings& found, bool isDefinition)
+        : tokens_(tokens), trail_(trail), places_(places), definitions_(definitions), found_(found),
           isDefinition_(isDefinition) {}
 
     /// Scans up to the end. \return false if the text is not what the library reads
     bool run() {
         for (;;) {
             tokens_.skipLayout();
+            trail_.reach(tokens_.place());
             if (tokens_.isAtEnd()) {
+                // not reached: the library has read all but hidden definitions
                 return !places_.isInContainer() && !awaitsValue_;
             }
             const bool isSound =
                 places_.isInContainer() && !awaitsValue_ ? nextInContainer() : nextValue();
+            // not reached: the library has read all but hidden definitions
             if (!isSound) {
                 return false;
             }
@@ -95,7 +98,9 @@ private:
         const size_t at = tokens_.at();
         const std::optional<std::string_view> quoted = tokens_.takeQuoted();
         const std::string_view name = quoted ? *quoted : tokens_.takeBareKey();
+        // not reached: the library has read all but hidden definitions
         awaitsValue_ = !name.empty() && tokens_.take('=');
+        // not reached: the library has read all but hidden definitions
         if (awaitsValue_) {
             places_.beginVariable(name, at);
         }
@@ -105,7 +110,9 @@ private:
     bool beginEntry() {
         const size_t at = tokens_.at();
         const std::string identity = tokens_.takeHashCode();
+        // not reached: the library has read all but hidden definitions
         awaitsValue_ = hasIdentity_ = !identity.empty() && tokens_.take('=');
+        // not reached: the library has read all but hidden definitions
         if (awaitsValue_) {
             places_.beginEntry(identity, at);
         }
@@ -120,6 +127,7 @@ private:
         case '[':
             return open(Shape::array);
         case '{':
+            // not reached: the library has read all but hidden definitions
             return open(Shape::structure) && skipHeader();
         case '(':
             return open(Shape::manager);
@@ -140,6 +148,7 @@ private:
         if (const std::string_view word = tokens_.takeWord(); !word.empty()) {
             return takeMeaningOf(word, at);
         }
+        // not reached: the library has read all but hidden definitions
         return !tokens_.takeHashCode().empty() && takeIdentityOrGuid(at);
     }
 
@@ -185,6 +194,7 @@ private:
 
     bool use(std::string_view name, size_t at) {
         const auto known = definitions_.numbers.find(name);
+        // not reached: the library knows all names that it has read
         if (known == definitions_.numbers.end()) {
             return false;
         }
@@ -243,12 +253,14 @@ private:
                 tokens_.moveTo(before);
                 return true;
             }
+            // not reached: the library has read all but hidden definitions
             if (!tokens_.take('=')) {
                 return false;
             }
             tokens_.skipLayout();
             const bool isTaken =
                 word == "@type" ? !tokens_.takeNumber().empty() : !tokens_.takeHashCode().empty();
+            // not reached: the library has read all but hidden definitions
             if (!isTaken) {
                 return false;
             }
@@ -269,6 +281,7 @@ private:
         Definition definition{};
         definition.at = tokens_.at();
         tokens_.moveTo(definition.at + 1);
+        // not reached: the library has read all but hidden definitions
         if (isDefinition_ || takeWordOnLine() != "define") {
             return false;
         }
@@ -290,6 +303,7 @@ private:
     }
 
     TextTokens tokens_;
+    Trail trail_;
     PlaceTracker& places_;
     Definitions& definitions_;
     Findings& found_;
@@ -308,7 +322,7 @@ void scanDefinitions(std::string_view content, Definitions& definitions, Finding
         PlaceTracker places(nullptr, nothing, found);
         const size_t before = found.size();
         TextTokens tokens(content, definition.begin, definition.end);
-        if (!Scan(tokens, places, definitions, found, true).run()) {
+        if (!Scan(tokens, Trail(InputBytes()), places, definitions, found, true).run()) {
             found.erase(found.begin() + static_cast<std::ptrdiff_t>(before), found.end());
         }
     }
@@ -316,12 +330,13 @@ void scanDefinitions(std::string_view content, Definitions& definitions, Finding
 
 } // namespace
 
-void scanText(std::string_view content, const Document& document, ValueOffsets& wanted,
+void scanText(const InputBytes& content, const Document& document, ValueOffsets& wanted,
               Findings& found) {
     Definitions definitions;
     PlaceTracker places(&document, wanted, found);
     const TextTokens tokens(content, 0, content.size());
-    if (!Scan(tokens, places, definitions, found, false).run()) {
+    // not reached: the library has read all but hidden definitions
+    if (!Scan(tokens, Trail(content), places, definitions, found, false).run()) {
         return; // the library reads what this scan does not follow: the rest remains unjudged
     }
     scanDefinitions(content, definitions, found);

@@ -2,9 +2,8 @@
 /// Scans a text for what reading it hides.
 #pragma once
 
+#include "document/InputBytes.h"
 #include "findings/PlaceTracker.h"
-
-#include <string_view>
 
 namespace kel::tool {
 
@@ -19,7 +18,7 @@ namespace kel::tool {
 /// \param document the values that were read from the content
 /// \param wanted gets the offsets that it requests
 /// \param found gets the findings
-void scanText(std::string_view content, const Document& document, ValueOffsets& wanted,
+void scanText(const InputBytes& content, const Document& document, ValueOffsets& wanted,
               Findings& found);
 
 } // namespace kel::tool

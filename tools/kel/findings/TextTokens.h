@@ -20,6 +20,7 @@ public:
         : content_(content.substr(0, end)), scanner_(content, begin, end) {}
 
     size_t at() const { return scanner_.at(); }
+    const char* place() const { return content_.data() + scanner_.at(); }
     void moveTo(size_t at) { scanner_.moveTo(at); }
     bool isAtEnd() const { return scanner_.isAtEnd(); }
 

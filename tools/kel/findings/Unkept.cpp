@@ -12,6 +12,14 @@
 
 namespace kel::tool {
 
+bool isKept(const InputBytes& text) {
+    ValueOffsets nothing;
+    Findings found;
+    scanText(text, Document(), nothing, found);
+    return std::none_of(found.begin(), found.end(),
+                        [](const Finding& finding) { return finding.isOfValues; });
+}
+
 void refuseUnkept(const Content& content, const Document& document, const std::string& name,
                   bool isForced, Console& console) {
     ValueOffsets wanted;

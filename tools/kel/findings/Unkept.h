@@ -9,6 +9,9 @@
 
 namespace kel::tool {
 
+/// Returns whether values keep all that a text spells, so that refuseUnkept has nothing to refuse.
+bool isKept(const InputBytes& text);
+
 /// Refuses to write a text or JSON again whose values are not all that it spells: names that are
 /// repeated, and numbers that wrapped around when they were read. Binary has neither.
 /// \param content the bytes that the document was read from

@@ -129,12 +129,13 @@ void putContents(TextBuffer& out, const KEL& value, size_t count) {
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
     case KELKind_IndexList:
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
+    // not reached: no file can hold a selector
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
         putSize(out, count);
         break;
     }

@@ -70,7 +70,7 @@ bool GivenIdentities::contains(const KEL& value) const {
 void GivenIdentities::addRecords(std::string_view records) {
     using Event = RecordCursor::Event;
     RecordCursor cursor(records);
-    for (Event event = cursor.next(); event != Event::done && event != Event::broken;
+    for (Event event = cursor.next(); !RecordCursor::isLast(event);
          event = cursor.next()) { // the reader reports a broken record
         if (event == Event::value || event == Event::enter) {
             sorted_.push_back(identityIn(cursor.record()));

@@ -13,10 +13,6 @@ namespace {
 
 using Event = RecordCursor::Event;
 
-bool isEnd(Event event) {
-    return event == Event::done || event == Event::broken; // the library's records are never broken
-}
-
 /// Returns the digest as the identity of a value: a random GUID by its version and variant.
 Identity asIdentity(Identity digest) {
     digest[7] = static_cast<unsigned char>((digest[7] & 0x0FU) | 0x40U);
@@ -33,7 +29,7 @@ public:
     void run() {
         findTargets();
         RecordCursor cursor(records_);
-        for (Event event = cursor.next(); !isEnd(event); event = cursor.next()) {
+        for (Event event = cursor.next(); !RecordCursor::isLast(event); event = cursor.next()) {
             visit(cursor, event);
         }
         for (const auto& [reference, target] : references_) {
@@ -61,7 +57,7 @@ private:
     /// Finds the values that are referred to, so that only these have to be remembered.
     void findTargets() {
         RecordCursor cursor(records_);
-        for (Event event = cursor.next(); !isEnd(event); event = cursor.next()) {
+        for (Event event = cursor.next(); !RecordCursor::isLast(event); event = cursor.next()) {
             if (event == Event::reference) {
                 targets_.try_emplace(identityIn(cursor.record()));
             }

@@ -11,6 +11,7 @@ constexpr std::string_view alphabet =
 
 constexpr uint8_t noDigit = 64;
 
+// not reached: the compiler runs it
 constexpr std::array<uint8_t, 256> digitTable() {
     std::array<uint8_t, 256> table{};
     table.fill(noDigit);
@@ -20,7 +21,7 @@ constexpr std::array<uint8_t, 256> digitTable() {
     return table;
 }
 
-constexpr std::array<uint8_t, 256> digits = digitTable();
+constexpr std::array<uint8_t, 256> base64Digits = digitTable();
 
 } // namespace
 
@@ -51,7 +52,7 @@ std::optional<std::vector<uint8_t>> fromBase64(std::string_view text) {
         uint32_t group = 0;
         for (size_t digit = 0; digit < 4; ++digit) {
             const uint8_t value =
-                digit < 4 - padded ? digits[static_cast<unsigned char>(text[i + digit])] : 0;
+                digit < 4 - padded ? base64Digits[static_cast<unsigned char>(text[i + digit])] : 0;
             if (value == noDigit) {
                 return std::nullopt;
             }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
-#include <cmath>
 #include <limits>
 
 namespace kel::tool {
@@ -16,25 +15,17 @@ namespace {
 
 constexpr const char* inexactInteger = "an integer that no double holds exactly";
 
-bool fitsInt(int64_t value) {
-    return value >= std::numeric_limits<int32_t>::min() &&
-           value <= std::numeric_limits<int32_t>::max();
-}
-
 /// Returns whether a double holds the integer of this magnitude exactly. It tests the bits:
 /// converting there and back proves nothing on machines that compute with more digits than a double
 /// has.
 bool isExact(uint64_t magnitude) {
-    constexpr int digits = std::numeric_limits<double>::digits;
-    return static_cast<int>(std::bit_width(magnitude)) - std::countr_zero(magnitude) <= digits;
+    constexpr int precision = std::numeric_limits<double>::digits;
+    return static_cast<int>(std::bit_width(magnitude)) - std::countr_zero(magnitude) <= precision;
 }
 
 /// Returns whether the double is exactly the integer that the digits spell.
 bool isExactly(double value, const std::string& digits) {
-    if (std::fabs(value) >= std::numeric_limits<double>::max() || std::trunc(value) != value) {
-        return false;
-    }
-    char text[320];
+    char text[320]; // for the greatest double
     const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed);
     return digits == std::string(text, end.ptr);
 }
@@ -86,13 +77,12 @@ void JsonBuilder::addInteger(int64_t value) {
     if (isLeftOut()) {
         return;
     }
-    if (fitsInt(value)) {
+    if (value >= std::numeric_limits<int32_t>::min()) {
         add(made(CreateKELInt(static_cast<int32_t>(value))), sizeof(int32_t));
         return;
     }
-    const auto bits = static_cast<uint64_t>(value);
-    addNumber(static_cast<double>(value),
-              isExact(value < 0 ? 0 - bits : bits) ? nullptr : inexactInteger);
+    const uint64_t magnitude = 0 - static_cast<uint64_t>(value);
+    addNumber(static_cast<double>(value), isExact(magnitude) ? nullptr : inexactInteger);
 }
 
 void JsonBuilder::addUnsigned(uint64_t value) {

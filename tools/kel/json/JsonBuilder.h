@@ -32,6 +32,7 @@ public:
 
     void addNull();
     void addBoolean(bool value);
+    /// Adds a number below zero. The parser has all others for addUnsigned.
     void addInteger(int64_t value);
     void addUnsigned(uint64_t value);
     /// \param spelling the number as it is written in the input

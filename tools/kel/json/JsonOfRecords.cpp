@@ -21,7 +21,7 @@ using Event = RecordCursor::Event;
 /// by some of the elements.
 class Converter {
 public:
-    Converter(std::string_view content, size_t roots, const JsonLayout& layout,
+    Converter(const InputBytes& content, size_t roots, const JsonLayout& layout,
               const TextBuffer::PassOn& passOn)
         : cursor_(content), buffer_(passOn),
           writer_(buffer_, layout, roots), headers_{recordOf(*made(CreateKELArray()),
@@ -50,6 +50,8 @@ bool Converter::run() {
             isDone = writePart();
             writer_.close();
             headers_.pop_back();
+        } else if (event == Event::broken) { // not reached: the file was changed meanwhile
+            return false;                    // not reached: the file was changed meanwhile
         } else if (event != Event::enter) {
             isDone = add(cursor_.element());
         } else if (cursor_.record().size() > partSize && headers_.size() <= mostOpen) {
@@ -95,6 +97,7 @@ bool Converter::writePart() {
     setPayloadLength(record_.data() + payloadLengthOffset, part_.size());
     part_ = {};
     const Value container = valueOfRecord(record_);
+    // not reached: only a file that changes meanwhile has such a part
     if (container == nullptr) {
         return false;
     }
@@ -104,7 +107,7 @@ bool Converter::writePart() {
 
 } // namespace
 
-bool convertToJson(std::string_view records, const JsonLayout& layout,
+bool convertToJson(const InputBytes& records, const JsonLayout& layout,
                    const TextBuffer::PassOn& passOn) {
     const std::optional<size_t> roots = countPlainRoots(records);
     return roots && Converter(records, *roots, layout, passOn).run();

@@ -2,10 +2,9 @@
 /// Converts binary to JSON part by part.
 #pragma once
 
+#include "document/InputBytes.h"
 #include "json/JsonLayout.h"
 #include "json/TextBuffer.h"
-
-#include <string_view>
 
 namespace kel::tool {
 
@@ -15,7 +14,7 @@ namespace kel::tool {
 /// which also finds the reasons.
 /// \param passOn gets the JSON piece by piece
 /// \return whether the JSON is complete
-bool convertToJson(std::string_view records, const JsonLayout& layout,
+bool convertToJson(const InputBytes& records, const JsonLayout& layout,
                    const TextBuffer::PassOn& passOn);
 
 } // namespace kel::tool

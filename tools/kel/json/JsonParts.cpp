@@ -31,12 +31,15 @@ void JsonParts::hasReplaced() {
     list(listsRepeated_ ? "a repeated name; only its last value is kept" : nullptr);
 }
 
-bool hasSeveralTexts(std::string_view json) {
+bool hasSeveralTexts(const InputBytes& bytes) {
+    const std::string_view json = bytes;
+    Trail trail(bytes);
     constexpr std::string_view blanks = " \t\n\r";
     uint64_t depth = 0;
     bool isDone = false; // whether the first text has ended
     bool isWord = false; // whether a number or word at the root has begun
     for (size_t at = 0; at < json.size(); ++at) {
+        trail.reach(json.data() + at);
         const char c = json[at];
         const bool isBlank = blanks.find(c) != std::string_view::npos;
         if (isDone && isBlank) {

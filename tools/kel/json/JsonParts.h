@@ -2,10 +2,9 @@
 /// Visits the root values of JSON part by part.
 #pragma once
 
+#include "document/InputBytes.h"
 #include "parts/RootVisitor.h"
 #include "json/JsonBuilder.h"
-
-#include <string_view>
 
 namespace kel::tool {
 
@@ -33,13 +32,13 @@ private:
 
 /// Returns whether other content than white space follows the first JSON text. Does not notice
 /// mistakes.
-bool hasSeveralTexts(std::string_view json);
+bool hasSeveralTexts(const InputBytes& bytes);
 
 /// Shows the visitor all root values of JSON, as readJson reads them.
 /// \param target the format that the values will be written in, if there is one; then repeated
 ///        names are losses
 /// \throws Failure malformed, "INPUT:LINE: what is wrong"
-void visitJson(const std::string& content, const std::string& inputName,
+void visitJson(const InputBytes& content, const std::string& inputName,
                std::optional<Format> target, RootVisitor& visitor, Losses& losses);
 
 } // namespace kel::tool

@@ -4,6 +4,7 @@
 
 #include "document/Document.h"
 #include "document/Format.h"
+#include "document/InputBytes.h"
 #include "document/OutputBytes.h"
 #include "losses/Losses.h"
 
@@ -17,12 +18,11 @@ namespace kel::tool {
 /// arrays. Integers of 32 bits become Ints, and other numbers become Doubles. {"$guid": "..."}
 /// becomes a guid, and {"$memblock": "..."} becomes a memory block. The last of two equal names
 /// wins.
-/// \param content must end with white space, so that something follows every number
 /// \param inputName the name of the input in messages
 /// \param target the format that the values will be written in, if there is one
 /// \param losses gets the places that the values or the target cannot carry
 /// \throws Failure malformed, as failureOf describes it
-Document readJson(const std::string& content, const std::string& inputName,
+Document readJson(const InputBytes& content, const std::string& inputName,
                   std::optional<Format> target, Losses& losses);
 
 /// Converts all JSON texts in the content to binary, as readJson reads them. Only a small part of
@@ -32,7 +32,6 @@ Document readJson(const std::string& content, const std::string& inputName,
 /// \throws NotInParts if binary cannot carry everything; readJson then also finds the reasons
 /// \throws Failure malformed, as failureOf describes it
 /// \throws Failure unwritten
-OutputBytes recordsOfJson(const std::string& content, const std::string& inputName,
-                          std::FILE* file);
+OutputBytes recordsOfJson(const InputBytes& content, const std::string& inputName, std::FILE* file);
 
 } // namespace kel::tool

@@ -83,6 +83,7 @@ void JsonWriter::writeEvent(const TreeCursor& cursor, TreeCursor::Event event) {
         endValue();
         break;
     case TreeCursor::Event::null:
+    // not reached: the loop ends before it
     case TreeCursor::Event::done:
         beginValue(name);
         out_.put("null");
@@ -161,6 +162,7 @@ void JsonWriter::writeScalar(const KEL& value) {
     case KELKind_String:
         writeString(value.toString());
         break;
+    // not reached: these are containers, or were replaced
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
@@ -170,7 +172,7 @@ void JsonWriter::writeScalar(const KEL& value) {
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
-        out_.put("null"); // never reached: these are containers or were replaced
+        out_.put("null");
         break;
     }
 }

@@ -37,6 +37,7 @@ Value valueOfShape(const KEL_Struct& structure) {
     }
     if (const char* text = onlyText(structure, memBlockShape)) {
         const std::optional<std::vector<uint8_t>> bytes = fromBase64(text);
+        // not reached: so large a block takes 3 GB of text
         if (bytes && bytes->size() <= std::numeric_limits<int32_t>::max()) {
             return made(CreateKELMemBlock(static_cast<int32_t>(bytes->size()), bytes->data()));
         }

@@ -85,6 +85,7 @@ void replaceChildren(KEL& container, const Replacement& replace) {
     case KELKind_MetaKelVarDescriptor:
         replaceMembers(dynamic_cast<KEL_Struct&>(container), replace);
         return;
+    // not reached: scalars have no children, and a manager is replaced as a whole
     case KELKind_Int:
     case KELKind_Boolean:
     case KELKind_Double:

@@ -5,6 +5,7 @@
 #include "losses/FormatLimits.h"
 #include "losses/IdentitySet.h"
 #include "losses/OutputSize.h"
+#include "words/Counted.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -284,8 +285,8 @@ void refuseHugeOutput(const DocumentScan& scan, Format target, uint64_t limit,
                                      " many times"
                                    : ", because of deep nesting";
     throw Failure{Trouble::refused, inputName + ": as " + nameOf(target) +
-                                        " the output would exceed " + std::to_string(limit) +
-                                        " bytes" + reason + "; use --max-output to allow more"};
+                                        " the output would exceed " + counted(limit, "byte") +
+                                        reason + "; use --max-output to allow more"};
 }
 
 } // namespace kel::tool

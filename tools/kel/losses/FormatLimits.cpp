@@ -72,12 +72,13 @@ const char* obstacleOf(const KEL& value, Format format) {
     case KELKind_MemBlock:
     case KELKind_Array:
     case KELKind_Manager:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
     case KELKind_IndexList:
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
+    // not reached: no file can hold a selector
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
         break;
     }
     return nullptr;

@@ -66,6 +66,8 @@ uint64_t sizeOfScalar(const KEL* scalar, Format format) {
     case KELKind_guid:
         return JHashCode::guidTextLength + (isJson ? ofGuidShape : 0);
     case KELKind_Boolean:
+        break;
+    // not reached: only scalars come here
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
@@ -100,15 +102,17 @@ uint64_t sizeOfContainer(const KEL& container, Format format) {
         return ofBrackets + 12; // with @type and an empty line
     case KELKind_MetaKelDescriptor:
         return ofBrackets + 12 + 14 + JHashCode::guidTextLength; // with @hashCode
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Manager:
+        break;
+    // not reached: only containers come here
     case KELKind_Int:
     case KELKind_Boolean:
     case KELKind_Double:
     case KELKind_guid:
     case KELKind_MemBlock:
     case KELKind_String:
-    case KELKind_Array:
-    case KELKind_Struct:
-    case KELKind_Manager:
     case KELKind_Selector:
     case KELKind_MultiSelector:
         break;

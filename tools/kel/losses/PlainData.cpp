@@ -82,6 +82,7 @@ Value PlainData::plainFormOf(KEL& value) const {
     case KELKind_String:
     case KELKind_Array:
     case KELKind_Struct:
+    // not reached: no file can hold a selector
     case KELKind_Selector:
     case KELKind_MultiSelector:
         break;

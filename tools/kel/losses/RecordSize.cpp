@@ -50,6 +50,7 @@ size_t mostRecordBytes(const Document& document) {
             }
         }
     }
+    // not reached: no memory holds such a document
     if (bytes >= std::numeric_limits<size_t>::max()) {
         throw std::bad_alloc();
     }

@@ -3,7 +3,7 @@
 #include "document/KelReader.h"
 #include "document/KelWriter.h"
 #include "dump/RecordFault.h"
-#include "failures/Failure.h"
+#include "parts/NotInParts.h"
 #include "parts/PartLimits.h"
 #include "parts/RecordCursor.h"
 
@@ -40,8 +40,9 @@ public:
         first_ += count_;
         count_ = 0;
         Value array = valueOfRecord(record_);
+        // not reached: only a file that changes meanwhile has such a part
         if (array == nullptr) {
-            throw Failure{Trouble::malformed, "the records cannot be read"};
+            throw UnreadablePart();
         }
         return array;
     }
@@ -59,12 +60,12 @@ private:
 /// Visits the roots of one file.
 class PartReader {
 public:
-    PartReader(std::string_view content, RootVisitor& visitor)
+    PartReader(const InputBytes& content, RootVisitor& visitor)
         : cursor_(content), visitor_(visitor),
           roots_(recordOf(*made(CreateKELArray()), recordHeaderSize)) {}
 
     void run() {
-        for (Event event = cursor_.next(); event != Event::done; event = cursor_.next()) {
+        for (Event event = next(); event != Event::done; event = next()) {
             const std::string_view record = cursor_.record();
             if (event == Event::enter && !cursor_.isInStruct() && record.size() > partSize) {
                 visitRoots();
@@ -83,6 +84,16 @@ public:
     }
 
 private:
+    /// Moves to the next event. The file can have changed since it was examined.
+    Event next() {
+        const Event event = cursor_.next();
+        // not reached: only a file that changes meanwhile has such a part
+        if (event == Event::broken) {
+            throw UnreadablePart();
+        }
+        return event;
+    }
+
     /// Visits the collected root values.
     void visitRoots() {
         if (roots_.isEmpty()) {
@@ -108,7 +119,7 @@ private:
             visitor_.visit(part);
             part.isFirst = false;
         };
-        for (Event event = cursor_.next(); event != Event::leave; event = cursor_.next()) {
+        for (Event event = next(); event != Event::leave; event = next()) {
             const std::string_view element = cursor_.record();
             if (event == Event::enter) {
                 cursor_.skip();
@@ -130,7 +141,7 @@ private:
 
 } // namespace
 
-std::optional<size_t> countPlainRoots(std::string_view content) {
+std::optional<size_t> countPlainRoots(const InputBytes& content) {
     RecordCursor cursor(content);
     std::vector<std::string_view> names; // the last one of every open container
     for (Event event = cursor.next(); event != Event::done; event = cursor.next()) {
@@ -155,7 +166,7 @@ std::optional<size_t> countPlainRoots(std::string_view content) {
     return cursor.roots() > 0 ? std::optional(cursor.roots()) : std::nullopt;
 }
 
-bool visitPlainRecords(std::string_view content, RootVisitor& visitor) {
+bool visitPlainRecords(const InputBytes& content, RootVisitor& visitor) {
     const std::optional<size_t> roots = countPlainRoots(content);
     if (roots) {
         visitor.begin(*roots > 1, true);

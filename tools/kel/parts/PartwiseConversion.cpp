@@ -23,7 +23,7 @@ constexpr uint64_t mostGrowth(const JsonLayout& layout) {
     return ofText + (line + 16) / 17;
 }
 
-OutputBytes toBinary(const std::string& json, const std::string& inputName, OutputFile* file,
+OutputBytes toBinary(const InputBytes& json, const std::string& inputName, OutputFile* file,
                      const StableIdentities* identities) {
     if (identities == nullptr) {
         return recordsOfJson(json, inputName, file != nullptr ? file->file() : nullptr);
@@ -36,7 +36,7 @@ OutputBytes toBinary(const std::string& json, const std::string& inputName, Outp
     return output;
 }
 
-OutputBytes toJson(const std::string& records, OutputFile* file, const JsonLayout& layout) {
+OutputBytes toJson(const InputBytes& records, OutputFile* file, const JsonLayout& layout) {
     OutputBytes rest;
     const bool isComplete = convertToJson(records, layout, [&](std::string_view text) {
         if (file != nullptr) {

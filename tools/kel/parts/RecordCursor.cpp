@@ -45,11 +45,13 @@ Identity identityIn(std::string_view record) {
     return identity;
 }
 
-RecordCursor::RecordCursor(std::string_view content, Cut cut) : at_(content.data()), cut_(cut) {
+RecordCursor::RecordCursor(const InputBytes& content, Cut cut)
+    : trail_(content), at_(content.data()), cut_(cut) {
     levels_.push_back({false, content.data() + content.size()});
 }
 
 RecordCursor::Event RecordCursor::next() {
+    trail_.reach(at_);
     Level& level = levels_.back();
     if (at_ == level.end) {
         if (level.isCut) {

@@ -2,6 +2,7 @@
 /// RecordCursor: visits the records of a binary file without reading their values.
 #pragma once
 
+#include "document/InputBytes.h"
 #include "identities/Identity.h"
 
 #include <cstddef>
@@ -52,7 +53,7 @@ Identity identityIn(std::string_view record);
 
 /// Walks the records of a file, and the records in those of arrays and structs, with a stack of its
 /// own. It examines only the fields that lead from one record to the next. The caller must keep the
-/// content alive.
+/// content alive. The memory of a mapped file is given back as the cursor moves on.
 class RecordCursor {
 public:
     enum class Event {
@@ -65,13 +66,16 @@ public:
         broken     ///< what comes next is not a whole record
     };
 
+    /// Returns whether no event comes after this one.
+    static bool isLast(Event event) { return event == Event::done || event == Event::broken; }
+
     /// What happens at an array or struct that is longer than the bytes around it.
     enum class Cut {
         isBroken, ///< the event is broken
         isEntered ///< it is entered, and the event after its last whole element is broken
     };
 
-    explicit RecordCursor(std::string_view content, Cut cut = Cut::isBroken);
+    explicit RecordCursor(const InputBytes& content, Cut cut = Cut::isBroken);
 
     /// Moves to the next event. After done and broken there is none.
     Event next();
@@ -118,6 +122,7 @@ private:
     /// Returns the number of bytes that the innermost container has left.
     size_t left() const { return static_cast<size_t>(levels_.back().end - at_); }
 
+    Trail trail_;
     const char* at_;
     Cut cut_;
     const char* element_ = nullptr; ///< the beginning of the current element,

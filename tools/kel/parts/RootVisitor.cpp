@@ -1,6 +1,8 @@
 #include "parts/RootVisitor.h"
 
 #include "parts/BinaryParts.h"
+#include "parts/NotInParts.h"
+#include "parts/TextParts.h"
 #include "json/JsonParts.h"
 
 namespace kel::tool {
@@ -10,8 +12,16 @@ void visitRoots(Content&& content, const std::string& name, RootVisitor& visitor
         visitJson(content.bytes, name, std::nullopt, visitor, losses);
         return;
     }
-    if (content.format == Format::binary && visitPlainRecords(content.bytes, visitor)) {
-        return;
+    try {
+        const bool isDone = content.format == Format::binary
+                                ? visitPlainRecords(content.bytes, visitor)
+                                : visitPlainText(content.bytes, visitor);
+        if (isDone) {
+            return;
+        }
+    } catch (const UnreadablePart&) {
+        readInput(std::move(content), name, std::nullopt, losses); // has the reason
+        throw changedMeanwhile(name);
     }
     const Input input = readInput(std::move(content), name, std::nullopt, losses);
     const std::vector<Value>& roots = input.document.roots();

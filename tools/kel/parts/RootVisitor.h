@@ -35,9 +35,9 @@ public:
     virtual void visit(const RootPart& part) = 0;
 };
 
-/// Shows the visitor all root values of an input. Of JSON, and of binary whose values are all in
-/// one place, a root value or some elements of an array at the root are in memory at a time. A
-/// mistake in JSON is then found only after the values before it have been visited.
+/// Shows the visitor all root values of an input. Of JSON, and of text and binary whose values are
+/// all in one place, a root value or some elements of an array at the root are in memory at a time.
+/// A mistake in JSON is then found only after the values before it have been visited.
 /// \param name the name of the input in messages
 /// \param losses gets the parts of JSON that values cannot carry and the repeated names of binary
 /// \throws Failure malformed

@@ -1,7 +1,7 @@
 #include "path/Path.h"
 
-#include "PathText.h"
 #include "failures/Failure.h"
+#include "path/PathText.h"
 
 #include <charconv>
 
@@ -36,7 +36,7 @@ private:
     }
 
     [[noreturn]] void fail(const std::string& reason) const {
-        throw Failure{Trouble::usage, '"' + withoutControls(text_) +
+        throw Failure{Trouble::usage, '"' + PathText::shortened(withoutControls(text_)) +
                                           "\" is not a path: at character " +
                                           std::to_string(at_ + 1) + ": " + reason};
     }
@@ -113,7 +113,7 @@ private:
         }
         std::string text(text_.substr(begin, at_ - begin));
         for (char& c : text) {
-            c = c >= 'a' && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c;
+            c = c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c;
         }
         return text;
     }
@@ -193,7 +193,7 @@ std::string Path::text(size_t count) const {
 }
 
 std::string Path::text() const {
-    const std::string inside = text(steps.size());
+    const std::string inside = PathText::shortened(text(steps.size()));
     return root ? withRoot(inside, *root, SIZE_MAX) : inside;
 }
 

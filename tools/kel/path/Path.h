@@ -47,7 +47,8 @@ struct Path {
     /// \param count how many steps, at most all
     std::string text(size_t count) const;
 
-    /// Returns the whole text of the path, with the number of its root value if it has one.
+    /// Returns the text of the path for messages, with the number of its root value if it has one.
+    /// A path that is longer than PathText::longest loses its middle.
     std::string text() const;
 };
 

@@ -50,21 +50,22 @@ void PathText::addIdentity(std::string_view guid) {
 }
 
 std::string PathText::take() const {
-    if (text_.empty()) {
-        return std::string(ofRoot);
-    }
-    if (text_.size() <= longest) {
-        return text_;
+    return text_.empty() ? std::string(ofRoot) : shortened(text_);
+}
+
+std::string PathText::shortened(std::string path) {
+    if (path.size() <= longest) {
+        return path;
     }
     size_t headEnd = shownEnd;
-    while (isContinuation(text_[headEnd])) {
+    while (isContinuation(path[headEnd])) {
         --headEnd;
     }
-    size_t tailBegin = text_.size() - shownEnd;
-    while (isContinuation(text_[tailBegin])) {
+    size_t tailBegin = path.size() - shownEnd;
+    while (isContinuation(path[tailBegin])) {
         ++tailBegin;
     }
-    return text_.substr(0, headEnd).append(gap).append(text_, tailBegin);
+    return path.substr(0, headEnd).append(gap).append(path, tailBegin);
 }
 
 std::string withRoot(const std::string& path, size_t root, size_t rootCount) {

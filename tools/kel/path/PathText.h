@@ -32,6 +32,9 @@ public:
     /// than longest loses its middle.
     std::string take() const;
 
+    /// Returns the path without its middle if it is longer than longest.
+    static std::string shortened(std::string path);
+
     /// Returns the whole path for programs, or "." if there are no steps.
     std::string whole() const { return text_.empty() ? "." : text_; }
 

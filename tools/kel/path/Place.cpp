@@ -1,6 +1,7 @@
 #include "path/Place.h"
 
 #include "document/TreeCursor.h"
+#include "document/ValueShape.h"
 #include "failures/Failure.h"
 #include "path/PathText.h"
 #include "words/Counted.h"
@@ -58,8 +59,11 @@ public:
 
     /// Reports that the place does not exist.
     [[noreturn]] void fail(const Place& place) const {
-        const std::string where = taken_ > 1 ? path_.text(taken_ - 1) : "the root value";
         const std::string missing = path_.text(taken_);
+        const bool isLong = missing.size() > PathText::longest; // one such path is enough
+        const std::string where = taken_ <= 1 ? "the root value"
+                                  : isLong    ? "the value around it"
+                                              : path_.text(taken_ - 1);
         if (place.step.kind == Step::Kind::index) {
             const KEL& container = *place.container;
             const bool isArray = container.getType() == KELKind_Array;
@@ -75,14 +79,16 @@ public:
 
 private:
     [[noreturn]] void refuse(const std::string& path, const std::string& reason) const {
+        const std::string shown = PathText::shortened(path);
         const std::string rooted =
-            path_.root ? withRoot(path, *path_.root, document_.roots().size()) : path;
+            path_.root ? withRoot(shown, *path_.root, document_.roots().size()) : shown;
         throw NotFound{{Trouble::refused, rooted + ": " + reason}};
     }
 
     /// Reports an identity whose digits fit several values.
     [[noreturn]] static void refuseAmbiguity(const std::string& path) {
-        throw Failure{Trouble::refused, path + ": several values have an identity that begins so"};
+        throw Failure{Trouble::refused, PathText::shortened(path) +
+                                            ": several values have an identity that begins so"};
     }
 
     /// Replaces the first step by the path to the value of its identity.
@@ -138,10 +144,10 @@ private:
     Place rootPlace() {
         const size_t count = document_.roots().size();
         if (!path_.root && count > 1) {
-            throw Failure{
-                Trouble::refused,
-                path_.text() + ": there are " + std::to_string(count) +
-                    " root values; begin the path with the number of one, as in 1:" + path_.text()};
+            throw Failure{Trouble::refused,
+                          path_.text() + ": there are " + counted(count, "root value") +
+                              "; begin the path with the number of one, as in 1:" +
+                              path_.text(std::min<size_t>(path_.steps.size(), 1))};
         }
         const size_t root = path_.root.value_or(0);
         if (root >= count) {
@@ -159,26 +165,16 @@ private:
         if (container == nullptr) {
             refuse(path_.text(taken_), "null has no values inside");
         }
-        switch (kindOf(*container).kind) {
-        case KELKind_Array:
+        switch (shapeOf(*container)) {
+        case ValueShape::array:
             return element(from, dynamic_cast<const KEL_Array&>(*container), step);
-        case KELKind_Struct:
-        case KELKind_MetaKel:
-        case KELKind_MetaKelDescriptor:
-        case KELKind_MetaKelVarDescriptor:
+        case ValueShape::variables:
             return variable(from, dynamic_cast<const KELInterface_Struct_V2&>(*container), step);
-        case KELKind_IndexList:
+        case ValueShape::pairs:
             return partOfPair(from, dynamic_cast<KEL_IndexList&>(*container), step);
-        case KELKind_Manager:
+        case ValueShape::managed:
             return managed(from, dynamic_cast<const KEL_Manager&>(*container), step);
-        case KELKind_Int:
-        case KELKind_Boolean:
-        case KELKind_Double:
-        case KELKind_guid:
-        case KELKind_MemBlock:
-        case KELKind_String:
-        case KELKind_Selector:
-        case KELKind_MultiSelector:
+        case ValueShape::scalar:
             break;
         }
         refuseStep(*container, "has no values inside");

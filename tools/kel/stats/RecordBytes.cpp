@@ -4,15 +4,14 @@
 
 namespace kel::tool {
 
-KindBytes bytesOfRecords(std::string_view content) {
+KindBytes bytesOfRecords(const InputBytes& content) {
     using Event = RecordCursor::Event;
     KindBytes kinds;
     uint64_t& nulls = kinds.nulls.bytes[Format::binary];
     uint64_t& names = kinds.names[Format::binary];
     uint64_t& references = kinds.further[Format::binary];
     RecordCursor cursor(content);
-    for (Event event = cursor.next(); event != Event::done && event != Event::broken;
-         event = cursor.next()) {
+    for (Event event = cursor.next(); !RecordCursor::isLast(event); event = cursor.next()) {
         if (event == Event::leave) {
             continue;
         }
@@ -24,6 +23,7 @@ KindBytes bytesOfRecords(std::string_view content) {
         } else {
             const auto kind = static_cast<int32_t>(fieldsOf(cursor.record()).kind);
             const uint64_t size = event == Event::enter ? recordHeaderSize : cursor.record().size();
+            // not reached: the content was read before, so every kind is known
             if (const KELKindFacts* facts = findKELKind(kind)) {
                 kinds.row(*facts).bytes[Format::binary] += size;
             }

@@ -38,15 +38,17 @@ uint64_t bracketsOf(const KEL& container) {
         return std::strlen("{ @type = 51, @hashCode = \n}\n\n") + JHashCode::guidTextLength;
     case KELKind_IndexList:
         return std::strlen("<\n/* keys: */ \n[\n]\n/* values: */ \n[\n]\n>\n");
+    case KELKind_Array:
+    case KELKind_Struct:
+    case KELKind_Manager:
+        break;
+    // not reached: only containers have brackets
     case KELKind_Int:
     case KELKind_Boolean:
     case KELKind_Double:
     case KELKind_guid:
     case KELKind_MemBlock:
     case KELKind_String:
-    case KELKind_Array:
-    case KELKind_Struct:
-    case KELKind_Manager:
     case KELKind_Selector:
     case KELKind_MultiSelector:
         break;
@@ -274,6 +276,7 @@ FormatBytes ValueStats::bytesOf(const KEL* value) {
         text = bracketsOf(*value);
         json += std::strlen("[]");
         break;
+    // not reached: no file can hold a selector
     case KELKind_Selector:
     case KELKind_MultiSelector:
         break;

@@ -41,7 +41,6 @@ public:
     void begin(bool hasSeveralRoots, bool isTree) override;
     void visit(const RootPart& part) override;
 
-    const Stats& stats() const { return stats_; }
     Stats& stats() { return stats_; }
 
 private:

@@ -19,6 +19,7 @@ constexpr auto redrawAfter = std::chrono::milliseconds(250);
 /// Returns the work in words that the name of a file can follow.
 std::string_view wordsFor(Work work) {
     switch (work) {
+    // not reached: a program that waits before its work draws nothing
     case Work::starting:
         return "";
     case Work::reading:

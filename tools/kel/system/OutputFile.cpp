@@ -38,6 +38,12 @@ bool OutputFile::canTakeBack(const std::string& name) {
     return name != "-" && !isDevice(behindLinks(pathOf(name)));
 }
 
+bool OutputFile::replaces(const std::string& output, const std::string& input) {
+    std::error_code isMissing;
+    return output != "-" && input != "-" &&
+           fs::equivalent(pathOf(output), pathOf(input), isMissing) && canTakeBack(output);
+}
+
 OutputFile::OutputFile(std::string name) : name_(std::move(name)) {
     try {
         open();

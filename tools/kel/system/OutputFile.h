@@ -27,6 +27,9 @@ public:
     /// bytes can be taken back.
     static bool canTakeBack(const std::string& name);
 
+    /// Returns whether an output of this name would replace the input of the other name.
+    static bool replaces(const std::string& output, const std::string& input);
+
     /// Returns the file to write to.
     std::FILE* file() { return file_; }
 

@@ -28,10 +28,9 @@ constexpr int endingSignals[] = {SIGHUP, SIGINT, SIGTERM};
 char temporaryName[4096];
 
 /// Removes the temporary file and ends the process by the signal, as if it had not been handled.
+// not reached: it ends the process without its counts
 extern "C" void endBySignal(int signal) {
-    if (temporaryName[0] != '\0') {
-        unlink(temporaryName);
-    }
+    removeTemporary();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
@@ -74,8 +73,8 @@ void occupyClosed(int descriptor, int mode) {
 /// The bytes of a file to read from. They are not copied.
 class ReadBytes {
 public:
-    explicit ReadBytes(std::string_view bytes) : bytes_(bytes) {
-        readingProgress.begin(bytes.size());
+    ReadBytes(std::string_view bytes, std::string_view rest) : bytes_(bytes), rest_(rest) {
+        readingProgress.begin(size());
     }
     ReadBytes(const ReadBytes&) = delete;
     ReadBytes& operator=(const ReadBytes&) = delete;
@@ -83,8 +82,10 @@ public:
 
     static ssize_t read(void* cookie, char* buffer, size_t size) {
         auto& self = *static_cast<ReadBytes*>(cookie);
-        const size_t count = std::min(size, self.bytes_.size() - self.at_);
-        std::memcpy(buffer, self.bytes_.data() + self.at_, count);
+        const bool isInRest = self.at_ >= self.bytes_.size();
+        const std::string_view next = isInRest ? self.rest_.substr(self.at_ - self.bytes_.size())
+                                               : self.bytes_.substr(self.at_);
+        const size_t count = next.copy(buffer, size);
         self.at_ += count;
         readingProgress.reach(self.at_);
         return static_cast<ssize_t>(count);
@@ -92,10 +93,12 @@ public:
 
     static int seek(void* cookie, off64_t* offset, int from) {
         auto& self = *static_cast<ReadBytes*>(cookie);
-        const auto size = static_cast<off64_t>(self.bytes_.size());
+        const auto size = static_cast<off64_t>(self.size());
+        // not reached: nobody seeks from the end
         const off64_t base = from == SEEK_SET   ? 0
                              : from == SEEK_CUR ? static_cast<off64_t>(self.at_)
                                                 : size;
+        // not reached: the library seeks to places that it has read
         if (*offset < -base || *offset > size - base) {
             errno = EINVAL;
             return -1;
@@ -111,7 +114,10 @@ public:
     }
 
 private:
+    size_t size() const { return bytes_.size() + rest_.size(); }
+
     std::string_view bytes_;
+    std::string_view rest_; ///< what follows them
     size_t at_ = 0;
 };
 
@@ -141,6 +147,7 @@ void prepareProcess() {
 
 bool limitMemory(uint64_t bytes) {
     rlimit limit = {};
+    // not reached: every process has this limit
     if (getrlimit(RLIMIT_DATA, &limit) != 0) {
         return false;
     }
@@ -196,6 +203,7 @@ std::FILE* openToWrite(const std::string& name) {
 }
 
 bool seekTo(std::FILE* file, uint64_t offset) {
+    // not reached: offsets in a file have 63 bits
     if (offset > static_cast<uint64_t>(std::numeric_limits<off_t>::max())) {
         errno = EFBIG;
         return false;
@@ -211,8 +219,8 @@ bool mayWrite(const std::filesystem::path& path) {
     return access(path.c_str(), W_OK) == 0 || errno == ENOENT;
 }
 
-MemoryToRead::MemoryToRead(std::string_view bytes) : file_(nullptr) {
-    auto source = std::make_unique<ReadBytes>(bytes);
+MemoryToRead::MemoryToRead(std::string_view bytes, std::string_view rest) : file_(nullptr) {
+    auto source = std::make_unique<ReadBytes>(bytes, rest);
     cookie_io_functions_t functions = {};
     functions.read = &ReadBytes::read;
     functions.seek = &ReadBytes::seek;
@@ -252,10 +260,12 @@ std::FILE* MemoryToWrite::file() {
 }
 
 std::optional<std::string> MemoryToWrite::take() {
+    // not reached: a write beyond the limit has failed before
     const bool isWritten = std::fflush(storage_->file) == 0 && std::ferror(storage_->file) == 0;
     const int64_t size = offsetIn(storage_->file);
     const bool isClosed = std::fclose(storage_->file) == 0;
     storage_->file = nullptr;
+    // not reached: a write beyond the limit has failed before
     if (!isWritten || !isClosed || size < 0) {
         return std::nullopt;
     }
@@ -268,6 +278,7 @@ std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem:
     for (int attempt = 0; attempt < attempts; ++attempt) {
         path = folder / (prefix + std::to_string(attempt) + ".tmp");
         const std::string& name = path.native();
+        // not reached: no test has a name of nearly the greatest length
         if (name.size() >= sizeof temporaryName) {
             errno = ENAMETOOLONG;
             return nullptr;
@@ -292,6 +303,13 @@ std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem:
         }
     }
     return nullptr;
+}
+
+// not reached: whoever calls it ends the process without its counts
+void removeTemporary() {
+    if (temporaryName[0] != '\0') {
+        unlink(temporaryName);
+    }
 }
 
 void keepTemporary() {
@@ -333,6 +351,7 @@ std::error_code synchroniseFolder(const std::filesystem::path& folder) {
     if (descriptor < 0) {
         return {}; // a folder that may not be read can still be written in
     }
+    // not reached: the folders of the tests can be synchronised
     const bool isSafe = fsync(descriptor) == 0 || errno == EINVAL; // EINVAL: it cannot be requested
     const int reason = errno;
     close(descriptor);

@@ -29,9 +29,11 @@ public:
         constexpr uint64_t whole = 100;
         const uint64_t total = total_;
         const uint64_t done = done_;
+        // not reached: nothing is read beyond its end
         if (total == 0 || done > total) {
             return std::nullopt;
         }
+        // not reached: no input has so many bytes
         return static_cast<unsigned>(total > UINT64_MAX / whole ? done / (total / whole)
                                                                 : done * whole / total);
     }

@@ -61,8 +61,9 @@ bool mayWrite(const std::filesystem::path& path);
 /// bytes and must keep them alive as long as this object. Only one such object can exist at a time.
 class MemoryToRead {
 public:
+    /// \param rest bytes that follow the others
     /// \throws std::system_error when there is no room
-    explicit MemoryToRead(std::string_view bytes);
+    explicit MemoryToRead(std::string_view bytes, std::string_view rest = {});
     MemoryToRead(const MemoryToRead&) = delete;
     MemoryToRead& operator=(const MemoryToRead&) = delete;
     ~MemoryToRead();
@@ -120,6 +121,10 @@ private:
 /// \param[out] path the file with its folder
 /// \return null with errno set if it cannot be made
 std::FILE* createTemporary(const std::filesystem::path& folder, std::filesystem::path& path);
+
+/// Removes the temporary file, if there is one. Only for a process that ends now: a signal handler
+/// can call it.
+void removeTemporary();
 
 /// Makes later signals leave the temporary file alone.
 void keepTemporary();

@@ -144,9 +144,7 @@ void restoreCodePage() {
 /// Removes the temporary file and ends the process with the status that it has without a handler.
 BOOL WINAPI endByInterruption(DWORD /*reason*/) {
     const std::lock_guard lock(temporaryMutex);
-    if (!temporaryName.empty()) {
-        DeleteFileW(temporaryName.c_str()); // deleted as soon as the process has ended
-    }
+    removeTemporary();
     restoreCodePage();
     ExitProcess(interrupted);
     return TRUE;
@@ -252,9 +250,9 @@ bool mayWrite(const fs::path& path) {
     return true;
 }
 
-MemoryToRead::MemoryToRead(std::string_view bytes) : file_(emptyScratch()) {
+MemoryToRead::MemoryToRead(std::string_view bytes, std::string_view rest) : file_(emptyScratch()) {
     if (file_ == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size() ||
-        std::fflush(file_) != 0) {
+        std::fwrite(rest.data(), 1, rest.size(), file_) != rest.size() || std::fflush(file_) != 0) {
         throw std::system_error(errno, std::generic_category());
     }
     std::rewind(file_);
@@ -364,6 +362,12 @@ std::FILE* createTemporary(const fs::path& folder, fs::path& path) {
     }
     errno = EEXIST;
     return nullptr;
+}
+
+void removeTemporary() {
+    if (!temporaryName.empty()) {
+        DeleteFileW(temporaryName.c_str()); // deleted as soon as the process has ended
+    }
 }
 
 void keepTemporary() {

@@ -20,8 +20,7 @@ Paint paintOf(std::string_view word, std::string_view rest) {
         return Paint::name;
     }
     const char first = word.front();
-    return (first >= '0' && first <= '9') || first == '-' || first == '+' ? Paint::number
-                                                                          : Paint::word;
+    return (first >= '0' && first <= '9') || first == '-' ? Paint::number : Paint::word;
 }
 
 } // namespace
@@ -38,8 +37,8 @@ std::string painted(std::string_view text, const Painter& painter) {
             length = std::min(text.find('"', 1), text.size() - 1) + 1;
             out += painter(isBeforeEquals(text.substr(length)) ? Paint::name : Paint::text,
                            text.substr(0, length));
-        } else if (text.starts_with("//")) {
-            length = std::min(text.find('\n'), text.size());
+        } else if (text.starts_with("/*")) { // the writer of text closes its comments
+            length = text.find("*/") + 2;
             out += painter(Paint::kind, text.substr(0, length));
         } else if (separators.find(text.front()) == std::string_view::npos) {
             length = std::min(text.find_first_of(separators), text.size());

@@ -9,7 +9,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr size_t longest = 64;
+constexpr size_t longestWord = 64;
 
 char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -49,7 +49,7 @@ SimilarWord::SimilarWord(std::string_view typed)
     : typed_(typed), distance_(std::max<size_t>(typed.size() / 3, 1) + 1) {}
 
 void SimilarWord::offer(std::string_view word) {
-    if (word.size() > longest || typed_.size() > longest || typed_.empty()) {
+    if (word.size() > longestWord || typed_.size() > longestWord || typed_.empty()) {
         return;
     }
     const size_t distance = distanceBetween(typed_, word);

@@ -40,6 +40,7 @@ bool isBetween(char c, unsigned char low, unsigned char high) {
 } // namespace
 
 size_t utf8SequenceLength(std::string_view bytes) {
+    // not reached: no caller has an empty text
     if (bytes.empty()) {
         return 0;
     }

@@ -11,11 +11,11 @@
 namespace kel::tool {
 
 std::string wordsFor(std::string_view text) {
-    constexpr size_t longest = 60;
-    if (text.size() <= longest) {
+    constexpr size_t mostShown = 60;
+    if (text.size() <= mostShown) {
         return '"' + withoutControls(text) + '"';
     }
-    size_t end = longest;
+    size_t end = mostShown;
     while (end > 0 && isContinuation(text[end])) {
         --end;
     }
@@ -54,12 +54,13 @@ std::string wordsFor(const KEL* value) {
     case KELKind_Array:
     case KELKind_Struct:
     case KELKind_Manager:
-    case KELKind_Selector:
-    case KELKind_MultiSelector:
     case KELKind_IndexList:
     case KELKind_MetaKel:
     case KELKind_MetaKelDescriptor:
     case KELKind_MetaKelVarDescriptor:
+    // not reached: no file can hold a selector
+    case KELKind_Selector:
+    case KELKind_MultiSelector:
         break;
     }
     return facts.words;
