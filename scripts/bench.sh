@@ -7,9 +7,9 @@
 # one (see bench/AgedHeap.h). The worse of the two figures counts. With --twice everything is
 # measured twice, and the worst of all four figures counts.
 #
-# KEL_BENCH_DATA is a folder of JSON documents to measure beside the generated ones. The default is
-# ../shared/data, next to the repository. KEL_BENCH_MAX_VALUES is the size of the largest generated
-# tree; the default of ten million takes about 8 GB of memory.
+# KEL_BENCH_DATA is a folder of JSON documents to measure beside the generated ones; the default is
+# that of the package iso-codes. KEL_BENCH_MAX_VALUES is the size of the largest generated tree; the
+# default of ten million takes about 8 GB of memory.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -19,15 +19,13 @@ if [ "${1:-}" = --twice ]; then
     shift
 fi
 
-scripts/install-deps.sh build tool bench
+scripts/install-deps.sh build tool demo bench
 cmake --preset release -DKEL_BUILD_BENCH=ON -DKEL_BUILD_TOOL=ON
 cmake --build --preset release \
     --target kel_tool kel_bench kel_bench_memory kel_bench_document
 
-KEL_BENCH_DATA=${KEL_BENCH_DATA:-$PWD/../shared/data}
+KEL_BENCH_DATA=${KEL_BENCH_DATA:-/usr/share/iso-codes/json}
 export KEL_BENCH_DATA
-[ -d "$KEL_BENCH_DATA" ] ||
-    echo "There is no folder $KEL_BENCH_DATA, so only generated documents are measured."
 bin=build/release/bin
 results=build/release/bench
 rm -rf $results/run-*

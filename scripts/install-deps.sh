@@ -12,7 +12,7 @@
 #   package making the packages that are shipped
 #   docs    the reference and all pages as a site
 #   browser the tests of that site, and of the pages that kel makes, in a browser
-#   demo    the documents that scripts/demo.sh works on
+#   demo    the documents that scripts/demo.sh works on, and tests and benchmarks too
 #   bench   the benchmarks
 #   coverage counting the code that the tests reach
 #   linux32 building for 32-bit Linux, and its tests
@@ -79,7 +79,8 @@ has_comma_locale() {
 
 purposes="$*"
 if [ -z "$purposes" ]; then
-    echo "usage: $0 {build|tool|test|analyze|package|docs|browser|demo|bench|coverage|mutate|linux32|fuzz|windows|windows64|windows-msvc}..." >&2
+    echo "usage: $0 PURPOSE..., with one or several of" >&2
+    sed -n 's/^#   \([a-z0-9-]* .*\)/  \1/p' "$0" >&2
     exit 2
 fi
 

@@ -11,13 +11,13 @@
 # Stops at the first preset that fails, so the last summary of CTest is always the one that counts.
 # Ends with status 77 if everything for Windows was built but cannot be run, because Wine is missing and
 # this is not root on Debian. In that case everything that needs no Wine has been checked. KEL_WINE
-# chooses where Wine is installed, see scripts/install-wine.sh.
+# chooses where Wine is installed, see scripts/install-wine.sh. KEL_TEST_DATA names a folder of JSON
+# documents to test with.
 set -eu
 cd "$(dirname "$0")/.."
 
-# Large documents can lie beside the repository. If they do, the tool's tests convert them.
-data=$PWD/../shared/data
-[ -d "$data" ] || data=
+# The tool's tests convert the documents of this folder: those of iso-codes, or others.
+data=${KEL_TEST_DATA:-/usr/share/iso-codes/json}
 
 # The locale with a decimal comma has been installed; tests that need it must not be skipped.
 export KEL_REQUIRE_LOCALE=1
@@ -42,7 +42,7 @@ run() {
 
 case ${1:-} in
     "")
-        scripts/install-deps.sh build tool test bench package docs browser
+        scripts/install-deps.sh build tool test demo bench package docs browser
         build release -DKEL_BUILD_BENCH=ON
         run release
         # clang, because every part has to build with it too. It also takes a quarter of the time of g++.
@@ -61,7 +61,7 @@ case ${1:-} in
         $fixed ctest --preset tsan
         ;;
     linux32)
-        scripts/install-deps.sh build tool test linux32 package
+        scripts/install-deps.sh build tool test demo linux32 package
         # The packages of both processors are installed side by side.
         cmake --preset release -DKEL_BUILD_TOOL=ON
         cmake --build --preset release --target kel kel_tool
@@ -70,7 +70,7 @@ case ${1:-} in
         ;;
     windows | windows64)
         status=0
-        scripts/install-deps.sh build tool test "$1" || status=$?
+        scripts/install-deps.sh build tool test demo "$1" || status=$?
         [ $status = 0 ] || [ $status = 10 ] || exit $status
         build "$1"
         if [ $status = 10 ]; then
@@ -82,7 +82,7 @@ case ${1:-} in
         ;;
     windows-msvc)
         status=0
-        scripts/install-deps.sh build tool test windows windows-msvc || status=$?
+        scripts/install-deps.sh build tool test demo windows windows-msvc || status=$?
         if [ $status = 10 ]; then
             echo "Windows tests not built, because their run-time is Wine's: $(cat build/no-wine)"
             exit 77

@@ -80,6 +80,8 @@ private:
     void replaceByKey(Node& list);
     void setKeys(Node& list);
     void setTypedKeys(Node& list);
+    void expectKeysSet(Node& list, KEL& value, int32_t kind, const std::function<void()>& set,
+                       const std::function<void(Node&)>& store);
     void addTypedPair(Node& list);
     void removePairsWith(Node& list, KEL* keyValue, const std::function<void()>& call);
 

@@ -3,6 +3,8 @@
 #include "calls/Calls.h"
 #include "calls/Nodes.h"
 
+#include <algorithm>
+
 namespace kel::fuzz {
 
 namespace {
@@ -179,7 +181,29 @@ void Calls::replaceByKey(Node& list) {
     }
 }
 
-/// Gives all equal keys new contents. Each key that changes notifies its own observers.
+/// Expects that a call gives all keys which equal a value contents of this kind. Each key that
+/// changes notifies its own observers.
+void Calls::expectKeysSet(Node& list, KEL& value, int32_t kind, const std::function<void()>& set,
+                          const std::function<void(Node&)>& store) {
+    std::vector<Node*> matches;
+    bool isRefused = false;
+    for (int32_t i = 0; i < list.pairs(); ++i) {
+        Node* key = inList(list, 0, i);
+        if (value.equalsValue(key->real)) {
+            matches.push_back(key);
+            isRefused = isRefused || key->kind != kind;
+        }
+    }
+    if (matches.empty()) {
+        rounds_.expectRefusal(unknownValue, set);
+    } else if (isRefused) {
+        rounds_.expectRefusal("Can't set the value when types are not equal!", set);
+    } else {
+        std::for_each(matches.begin(), matches.end(), [&](Node* key) { store(*key); });
+        rounds_.expect(matches, false, set);
+    }
+}
+
 void Calls::setKeys(Node& list) {
     auto& real = list.as<KEL_IndexList>();
     KEL* value = realOf(any());
@@ -192,26 +216,10 @@ void Calls::setKeys(Node& list) {
         rounds_.expect({}, false, set);
         return;
     }
-    std::vector<Node*> matches;
-    bool isRefused = false;
-    for (int32_t i = 0; i < list.pairs(); ++i) {
-        Node* key = inList(list, 0, i);
-        if (value->equalsValue(key->real)) {
-            matches.push_back(key);
-            isRefused = isRefused || key->kind != source->kind;
-        }
-    }
-    if (matches.empty()) {
-        rounds_.expectRefusal(unknownValue, set);
-    } else if (isRefused) {
-        rounds_.expectRefusal("Can't set the value when types are not equal!", set);
-    } else {
-        for (Node* key : matches) {
-            key->number = source->number;
-            key->text = source->text;
-        }
-        rounds_.expect(matches, false, set);
-    }
+    expectKeysSet(list, *value, source->kind, set, [source](Node& key) {
+        key.number = source->number;
+        key.text = source->text;
+    });
 }
 
 void Calls::setTypedKeys(Node& list) {
@@ -225,25 +233,7 @@ void Calls::setTypedKeys(Node& list) {
         rounds_.expect({}, false, set);
         return;
     }
-    std::vector<Node*> matches;
-    bool isRefused = false;
-    for (int32_t i = 0; i < list.pairs(); ++i) {
-        Node* key = inList(list, 0, i);
-        if (value->equalsValue(key->real)) {
-            matches.push_back(key);
-            isRefused = isRefused || key->kind != typed.kind();
-        }
-    }
-    if (matches.empty()) {
-        rounds_.expectRefusal(unknownValue, set);
-    } else if (isRefused) {
-        rounds_.expectRefusal("Can't set the value when types are not equal!", set);
-    } else {
-        for (Node* key : matches) {
-            key->store(typed);
-        }
-        rounds_.expect(matches, false, set);
-    }
+    expectKeysSet(list, *value, typed.kind(), set, [&typed](Node& key) { key.store(typed); });
 }
 
 /// Appends a pair of which the key, the item or both are made by the call.

@@ -1,39 +1,21 @@
 // kel::watch_path: subscriptions to what is at a path.
+#include "RecordedCalls.h"
+
 #include <functional>
 #include <gtest/gtest.h>
 #include <kel/kel.hpp>
 #include <string>
-#include <vector>
+#include <string_view>
 
 namespace {
 
 /// Watches a path and writes down the values of the calls.
-class HppWatchPath : public ::testing::Test {
+class HppWatchPath : public RecordedCalls {
 protected:
-    using Calls = std::vector<std::string>;
-
     void watch(const kel::value& root, std::string_view path) {
-        one = kel::watch_path(root, path, [this](const kel::value& now) {
-            calls.push_back(kel::to_text(now));
-            const std::function<void()> action = then;
-            if (action) {
-                action();
-            }
-        });
+        watched = kel::watch_path(root, path,
+                                  [this](const kel::value& now) { record(kel::to_text(now)); });
     }
-
-    /// Returns the calls that an action causes.
-    template <class Action> Calls during(const Action& action) {
-        calls.clear();
-        action();
-        return calls;
-    }
-
-    void TearDown() override { one.end(); }
-
-    Calls calls;
-    std::function<void()> then;
-    kel::subscription one;
 };
 
 TEST_F(HppWatchPath, FollowsTheNameThroughEveryKindOfChange) {
@@ -150,7 +132,7 @@ TEST_F(HppWatchPath, AChangeInsideIsReportedAfterTheCall) {
     };
     EXPECT_EQ(during([&] { tree["n"] = 3; }), (Calls{"3", "returned", "4"}));
     then = [&] {
-        one.end();
+        watched.end();
         tree["n"] = 8;
     };
     EXPECT_EQ(during([&] { tree["n"] = 7; }), Calls{"7"});
@@ -178,11 +160,11 @@ TEST_F(HppWatchPath, KeepsTheTreeAlive) {
         kel::value tree = kel::object({{"n", 1}});
         watch(tree, "n");
     }
-    one.end();
+    watched.end();
     kel::checked panel({{"gain", kel::describe<double>().fallback(1)}});
     kel::value rack = kel::object({{"panel", panel}});
-    one = kel::watch_path(rack["panel"], "gain",
-                          [this](const kel::value& v) { calls.push_back(kel::to_text(v)); });
+    watched = kel::watch_path(rack["panel"], "gain",
+                              [this](const kel::value& v) { calls.push_back(kel::to_text(v)); });
     rack = nullptr;
     EXPECT_EQ(during([&] { panel.set("gain", 2); }), Calls{"2.000000"});
 }

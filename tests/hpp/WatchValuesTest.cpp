@@ -1,4 +1,6 @@
 // kel::watch_values: subscriptions to the scalars of a tree that become others.
+#include "RecordedCalls.h"
+
 #include <functional>
 #include <gtest/gtest.h>
 #include <kel/kel.hpp>
@@ -21,32 +23,13 @@ std::string text_of(const kel::value& v) {
 }
 
 /// Watches the values of a tree and writes down the calls as "path=value".
-class HppWatchValues : public ::testing::Test {
+class HppWatchValues : public RecordedCalls {
 protected:
-    using Calls = std::vector<std::string>;
-
     void watch(const kel::value& root) {
-        all = kel::watch_values(root, [this](std::string_view path, const kel::value& now) {
-            calls.push_back(std::string(path) + '=' + text_of(now));
-            const std::function<void()> action = then;
-            if (action) {
-                action();
-            }
+        watched = kel::watch_values(root, [this](std::string_view path, const kel::value& now) {
+            record(std::string(path) + '=' + text_of(now));
         });
     }
-
-    /// Returns the calls that an action causes.
-    template <class Action> Calls during(const Action& action) {
-        calls.clear();
-        action();
-        return calls;
-    }
-
-    void TearDown() override { all.end(); }
-
-    Calls calls;
-    std::function<void()> then;
-    kel::subscription all;
 };
 
 TEST_F(HppWatchValues, CallsOnceForEachWayToChangeAVariable) {
@@ -252,7 +235,7 @@ TEST_F(HppWatchValues, StandsCycles) {
     EXPECT_EQ(during([&] { left["n"] = 3; }), Calls{});
     EXPECT_EQ(during([&] { tree["right"] = right; }), (Calls{"right[0].n=3"}));
     EXPECT_EQ(during([&] { left["n"] = 4; }), (Calls{"right[0].n=4"}));
-    all.end();
+    watched.end();
     right.clear();
     EXPECT_EQ(references(left), 1);
 }
@@ -276,7 +259,7 @@ TEST_F(HppWatchValues, FollowsATreeOfManyLevels) {
 TEST_F(HppWatchValues, TheSubscriptionCanEndInside) {
     kel::value tree = kel::object({{"n", 1}});
     watch(tree);
-    then = [&] { all.end(); };
+    then = [&] { watched.end(); };
     EXPECT_EQ(during([&] { tree["a"] = kel::array({1, 2}); }), (Calls{"a[0]=1"}));
     EXPECT_EQ(during([&] { tree["n"] = 2; }), Calls{});
     EXPECT_EQ(references(tree), 1);

@@ -30,6 +30,9 @@ inline bool is_description(KEL* object) {
            which == kind::variable_descriptor;
 }
 
+/// The size of the header of a binary record in bytes: magic, identity, kind, version and length.
+constexpr std::size_t record_header_size = 34;
+
 /// Returns for how many further values a content or a name of so many bytes counts.
 inline std::uintmax_t values_for(std::uintmax_t bytes) {
     constexpr std::uintmax_t bytes_of_a_value = 100;

@@ -18,15 +18,15 @@ struct room {
 /// Returns the room of a text of so many characters of UTF-8 at most.
 inline room room_of_text(std::uintmax_t characters) {
     constexpr std::uintmax_t bytes_of_a_character = 4;
-    constexpr std::uintmax_t header = 34; // in binary; in text, the quotes and the line take less
     const std::uintmax_t bytes = characters * bytes_of_a_character;
-    return {1 + values_for(bytes), header + bytes};
+    // In text, the quotes and the line take less than the header does in binary.
+    return {1 + values_for(bytes), record_header_size + bytes};
 }
 
 /// Returns the room of a described value. Choices are texts or numbers.
 inline room room_of(const variable_description& rules) {
     constexpr std::uintmax_t usual_length = 200;
-    constexpr room of_anything_else = {1, 42}; // a Double in binary
+    constexpr room of_anything_else = {1, record_header_size + sizeof(double)};
     if (rules.kind() != kind::string) {
         return of_anything_else;
     }
@@ -44,7 +44,7 @@ inline std::uintmax_t capped_product(std::uintmax_t a, std::uintmax_t b) {
 } // namespace detail
 
 inline limits limits::room_for(std::uintmax_t count, const checked& rules) const {
-    detail::room each = {1, 34}; // of the struct itself
+    detail::room each = {1, detail::record_header_size}; // of the struct itself
     for (const std::string& name : rules.names()) {
         const detail::room inside = detail::room_of(rules.description(name));
         each.values += inside.values + detail::values_for(name.size());

@@ -309,16 +309,15 @@ private:
         constexpr std::size_t kind_offset = 20; // after the magic and the identity
         constexpr std::size_t reference_size = 24;
         constexpr std::size_t length_offset = 26;
-        constexpr std::size_t header_size = 34;
         constexpr std::uint64_t reference = 0x7FFFFFFF;
         const std::size_t left = content_.size() - at_;
         if (left >= reference_size && number_at(kind_offset, 4) == reference) {
             return reference_size;
         }
-        if (left < header_size || number_at(length_offset, 8) > left - header_size) {
+        if (left < record_header_size || number_at(length_offset, 8) > left - record_header_size) {
             return too_large;
         }
-        return header_size + static_cast<std::size_t>(number_at(length_offset, 8));
+        return record_header_size + static_cast<std::size_t>(number_at(length_offset, 8));
     }
 
     static constexpr std::size_t too_large = SIZE_MAX;
