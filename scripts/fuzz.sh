@@ -1,11 +1,13 @@
 #!/bin/sh
 # Builds and runs fuzz targets with the kept corpus.
 #
-#   scripts/fuzz.sh TARGET SECONDS    one target: text, binary, round_trip, failures, calls, json, path,
-#                                     text_parts, edit, diff
-#   scripts/fuzz.sh all SECONDS       every target in 64 bits and in 32 bits, as many at a time as the
-#                                     machine has processors
-#   scripts/fuzz.sh minimise TARGET   replaces the kept corpus by a smallest one of the same coverage
+#   scripts/fuzz.sh TARGET SECONDS [SEED]   one target: text, binary, round_trip, failures, calls, json,
+#                                           path, text_parts, edit, diff
+#   scripts/fuzz.sh all SECONDS [SEED]      every target in 64 bits and in 32 bits, as many at a time as
+#                                           the machine has processors
+#   scripts/fuzz.sh minimise TARGET         replaces the kept corpus by a smallest one of the same coverage
+#
+# With a seed, a fresh checkout invents the same inputs in the same order. Without one they are always others.
 #
 # New inputs are collected in build/fuzz/found/TARGET, and so is an input that fails. With "all", the
 # output of each target is in build/PRESET/found/TARGET.log. The whole output of the first target that
@@ -16,7 +18,7 @@ cd "$(dirname "$0")/.."
 targets="text binary round_trip failures calls json path text_parts edit diff"
 
 usage() {
-    echo "usage: $0 {TARGET|all} SECONDS, or $0 minimise TARGET; targets: $targets" >&2
+    echo "usage: $0 {TARGET|all} SECONDS [SEED], or $0 minimise TARGET; targets: $targets" >&2
     exit 2
 }
 
@@ -26,34 +28,34 @@ build() {
     cmake --build --preset "$1" --target "$2"
 }
 
-# fuzz PRESET TARGET SECONDS
+# fuzz PRESET TARGET SECONDS SEED: 0 is a seed that nobody knows.
 fuzz() {
     found=build/$1/found/$2
     mkdir -p "$found"
     dictionary=fuzz/dictionaries/$2.dict
     [ -e "$dictionary" ] && set -- "$@" "-dict=$dictionary"
-    preset=$1 name=$2 seconds=$3
-    shift 3
+    preset=$1 name=$2 seconds=$3 seed=$4
+    shift 4
     echo "$preset: $name"
     # One job, short inputs: every property is about small documents too.
     ASAN_OPTIONS=allocator_may_return_null=1:malloc_context_size=4 \
-        "build/$preset/bin/kel_fuzz_$name" "$@" -max_total_time="$seconds" -max_len=1024 \
+        "build/$preset/bin/kel_fuzz_$name" "$@" -seed="$seed" -max_total_time="$seconds" -max_len=1024 \
         -timeout=20 -rss_limit_mb=2048 -verbosity=0 -print_final_stats=1 \
         -artifact_prefix="$found/" "$found" "fuzz/corpus/$name"
 }
 
-# apart PRESET TARGET SECONDS FAILURE: the same, with the output in a file. The first target that fails
+# apart PRESET TARGET SECONDS SEED FAILURE: the same, with the output in a file. The first target that fails
 # makes the folder FAILURE and shows its output. Ends with the status that ends xargs.
 apart() {
     log=build/$1/found/$2.log
     mkdir -p "build/$1/found"
     status=0
-    fuzz "$1" "$2" "$3" >"$log" 2>&1 || status=$?
+    fuzz "$1" "$2" "$3" "$4" >"$log" 2>&1 || status=$?
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
     if [ $status = 0 ]; then
         echo "$1: $2: ${runs:-no} inputs"
     else
-        if mkdir "$4" 2>/dev/null; then
+        if mkdir "$5" 2>/dev/null; then
             cat "$log"
         fi
         echo "$1: $2: failed with status $status" >&2
@@ -74,14 +76,15 @@ minimise() {
     rmdir "$small"
 }
 
-# For xargs, which calls this script again: apart PRESET TARGET SECONDS FAILURE
-if [ $# = 5 ] && [ "$1" = apart ]; then
+# For xargs, which calls this script again: apart PRESET TARGET SECONDS SEED FAILURE
+if [ $# = 6 ] && [ "$1" = apart ]; then
     shift
     apart "$@"
     exit
 fi
 
-[ $# = 2 ] || usage
+[ $# = 2 ] || [ $# = 3 ] || usage
+seed=${3:-0}
 scripts/install-deps.sh build fuzz
 case $1 in
     minimise) minimise "$2" ;;
@@ -93,7 +96,7 @@ case $1 in
         trap 'rm -rf "$work"' EXIT
         for preset in fuzz fuzz32; do
             for name in $targets; do
-                echo "$preset $name $2 $work/failure"
+                echo "$preset $name $2 $seed $work/failure"
             done
         done | xargs -L 1 -P "$(nproc)" scripts/fuzz.sh apart
         ;;
@@ -103,6 +106,6 @@ case $1 in
             *) usage ;;
         esac
         build fuzz "kel_fuzz_$1"
-        fuzz fuzz "$1" "$2"
+        fuzz fuzz "$1" "$2" "$seed"
         ;;
 esac
