@@ -6,8 +6,9 @@ option(KEL_UNITY_BUILD "Compile the sources of each folder as one file, which is
 # and finds two things of one name in a folder. A build without it compiles every file alone, and finds
 # what a file does not include.
 #
-# Some folders are left out: platform and system, because the headers of the system define macros, and
-# commands, because each command has its own notes.
+# Some sources are left out: those of the folders platform and system and those for Windows, because the
+# headers of the system define macros, and commands, because each command has its own notes. CMake leaves
+# out every source that has definitions of its own.
 function(kel_unity_by_folder target)
   if(NOT KEL_UNITY_BUILD)
     return()
@@ -15,10 +16,19 @@ function(kel_unity_by_folder target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources INCLUDE REGEX "\\.cpp$")
-  list(FILTER sources EXCLUDE REGEX "/(platform|system|commands)/[^/]*$")
+  list(FILTER sources EXCLUDE REGEX "/(platform|system|commands)/[^/]*$|/Windows[^/]*$")
   foreach(source IN LISTS sources)
     cmake_path(GET source PARENT_PATH folder)
     string(MAKE_C_IDENTIFIER "${folder}" group)
     set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${group}")
   endforeach()
+endfunction()
+
+# kel_unity_in_batches(<target> <size>)
+#
+# With KEL_UNITY_BUILD, compiles that many sources as one file, for a folder with so many that several
+# processors should share it.
+function(kel_unity_in_batches target size)
+  set_target_properties(${target} PROPERTIES
+    UNITY_BUILD ${KEL_UNITY_BUILD} UNITY_BUILD_BATCH_SIZE ${size})
 endfunction()

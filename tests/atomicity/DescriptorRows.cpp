@@ -6,7 +6,7 @@ namespace kel::test {
 namespace {
 
 using V = MetaKelVarDescriptor;
-const char* const owner = "MetaKelVarDescriptorInterface_V1";
+const char* const descriptorInterface = "MetaKelVarDescriptorInterface_V1";
 
 void addRange(Rows<V>& rows) {
     rows("bool isRanged() const", [](V& v) { return v.isRanged(); });
@@ -160,21 +160,21 @@ void addRemovingStatements(Rows<V>& rows) {
 } // namespace
 
 void addDescriptorRows(Table& table) {
-    Rows<V> ranged(table, owner, rangedDocument);
+    Rows<V> ranged(table, descriptorInterface, rangedDocument);
     addRange(ranged);
     addDefault(ranged);
     addAdornments(ranged);
     addStating(ranged);
     addRemovingStatements(ranged);
-    Rows<V> bare(table, owner, bareDescriptorDocument, "nothing else stated");
+    Rows<V> bare(table, descriptorInterface, bareDescriptorDocument, "nothing else stated");
     addStating(bare);
-    Rows<V> enumerated(table, owner, enumeratedDocument);
+    Rows<V> enumerated(table, descriptorInterface, enumeratedDocument);
     addEnumeration(enumerated);
-    Rows<V> empty(table, owner, emptyEnumerationDocument, "no allowed value");
+    Rows<V> empty(table, descriptorInterface, emptyEnumerationDocument, "no allowed value");
     empty("void rangeFromEnumeration()", [](V& v) { v.rangeFromEnumeration(); });
-    Rows<V> containers(table, owner, containerEnumerationDocument, "containers");
+    Rows<V> containers(table, descriptorInterface, containerEnumerationDocument, "containers");
     addContainerEnumeration(containers);
-    Rows<V> texts(table, owner, textEnumerationDocument);
+    Rows<V> texts(table, descriptorInterface, textEnumerationDocument);
     addTextEnumeration(texts);
 }
 

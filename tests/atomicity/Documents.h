@@ -37,6 +37,14 @@ Document managerDocument();
 /// has a pair of the list and two new ones.
 Document indexListDocument();
 
+/// Returns the value at an index of "keys" or "items" of such a document, borrowed.
+inline KEL* keyAt(const Document& document, int32_t index) {
+    return document.as<KEL_Array>("keys").getVar(index);
+}
+inline KEL* itemAt(const Document& document, int32_t index) {
+    return document.as<KEL_Array>("items").getVar(index);
+}
+
 /// Makes the same document with String keys only. The keys at 0, 2 and 4 are "k", and "equal" is
 /// another String "k".
 Document textKeysDocument();

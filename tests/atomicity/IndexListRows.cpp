@@ -7,32 +7,25 @@ namespace {
 
 using L = KEL_IndexList;
 
-KEL* key(const Document& d, int32_t index) {
-    return d.as<KEL_Array>("keys").getVar(index);
-}
-KEL* item(const Document& d, int32_t index) {
-    return d.as<KEL_Array>("items").getVar(index);
-}
-
 void addLooking(Rows<L>& rows) {
     rows("KEL* getItem(const KEL* key)", [](L& l, const Document& d) {
-        return l.getItem(key(d, 2));
+        return l.getItem(keyAt(d, 2));
     }).reads();
     rows("KEL* getItem(const KEL* key) const",
-         [](L& l, const Document& d) { return std::as_const(l).getItem(key(d, 2)); });
+         [](L& l, const Document& d) { return std::as_const(l).getItem(keyAt(d, 2)); });
     rows("KEL* getKey(const KEL* item)", [](L& l, const Document& d) {
-        return l.getKey(item(d, 2));
+        return l.getKey(itemAt(d, 2));
     }).reads();
     rows("KEL* getKey(const KEL* item) const",
-         [](L& l, const Document& d) { return std::as_const(l).getKey(item(d, 2)); });
+         [](L& l, const Document& d) { return std::as_const(l).getKey(itemAt(d, 2)); });
     rows("bool containsKey(const KEL* key) const",
-         [](L& l, const Document& d) { return l.containsKey(key(d, 2)); });
+         [](L& l, const Document& d) { return l.containsKey(keyAt(d, 2)); });
     rows("bool containsItem(const KEL* item) const",
-         [](L& l, const Document& d) { return l.containsItem(item(d, 2)); });
+         [](L& l, const Document& d) { return l.containsItem(itemAt(d, 2)); });
     rows("int32_t indexOfKey(const KEL* key) const",
-         [](L& l, const Document& d) { return l.indexOfKey(key(d, 2)); });
+         [](L& l, const Document& d) { return l.indexOfKey(keyAt(d, 2)); });
     rows("int32_t indexOfItem(const KEL* item) const",
-         [](L& l, const Document& d) { return l.indexOfItem(item(d, 2)); });
+         [](L& l, const Document& d) { return l.indexOfItem(itemAt(d, 2)); });
     rows("KEL* getItemOfKeyValue(const KEL* keyValue)", [](L& l, const Document& d) {
         return l.getItemOfKeyValue(d["equal"]);
     }).reads();
@@ -54,9 +47,10 @@ void addLooking(Rows<L>& rows) {
 }
 
 void addRemoving(Rows<L>& rows) {
-    rows("void removeKey(const KEL* key)", [](L& l, const Document& d) { l.removeKey(key(d, 2)); });
+    rows("void removeKey(const KEL* key)",
+         [](L& l, const Document& d) { l.removeKey(keyAt(d, 2)); });
     rows("void removeItem(const KEL* item)",
-         [](L& l, const Document& d) { l.removeItem(item(d, 2)); });
+         [](L& l, const Document& d) { l.removeItem(itemAt(d, 2)); });
     rows("void removeKeyValue(const KEL* keyValue)",
          [](L& l, const Document& d) { l.removeKeyValue(d["equal"]); });
     rows("void removePair(int32_t index)", [](L& l) { l.removePair(1); });
@@ -66,9 +60,9 @@ void addRemoving(Rows<L>& rows) {
 
 void addReplacing(Rows<L>& rows) {
     rows("void setItemOfKey(const KEL* key, KEL* newItem)",
-         [](L& l, const Document& d) { l.setItemOfKey(key(d, 2), d["new"]); });
+         [](L& l, const Document& d) { l.setItemOfKey(keyAt(d, 2), d["new"]); });
     rows("void setKeyOfItem(const KEL* item, KEL* newKey)",
-         [](L& l, const Document& d) { l.setKeyOfItem(item(d, 2), d["new"]); });
+         [](L& l, const Document& d) { l.setKeyOfItem(itemAt(d, 2), d["new"]); });
     rows("void setItemOfKeyValue(const KEL* keyValue, KEL* newItem)",
          [](L& l, const Document& d) { l.setItemOfKeyValue(d["equal"], d["new"]); });
     rows("void setItemAt(int32_t index, KEL* newItem)",
@@ -147,7 +141,7 @@ void addSettingKeys(Rows<L>& texts) {
           [](L& l, const Document& d) { l.setKeyValue(d["equal"], d["new"]); });
     texts(
         "void setKeyValue(const KEL* keyValue, const KEL* newValue)",
-        [](L& l, const Document& d) { l.setKeyValue(d["equal"], key(d, 1)); },
+        [](L& l, const Document& d) { l.setKeyValue(d["equal"], keyAt(d, 1)); },
         "the value of another key");
 }
 

@@ -4,32 +4,33 @@
 namespace kel::test {
 
 void addManagerRows(Table& table) {
-    using M = KEL_Manager;
-    Rows<M> rows(table, "KELInterface_Manager_V1", managerDocument);
+    using Manager = KEL_Manager;
+    Rows<Manager> rows(table, "KELInterface_Manager_V1", managerDocument);
     rows("bool containsKel(JHashCode hashCode) const",
-         [](M& m) { return m.containsKel(codeOf(2)); });
-    rows("void addKel(KEL* value)", [](M& m, const Document& d) { m.addKel(d["new"]); });
+         [](Manager& m) { return m.containsKel(codeOf(2)); });
+    rows("void addKel(KEL* value)", [](Manager& m, const Document& d) { m.addKel(d["new"]); });
     rows(
-        "void addKel(KEL* value)", [](M& m, const Document& d) { m.addKel(d["same"]); },
+        "void addKel(KEL* value)", [](Manager& m, const Document& d) { m.addKel(d["same"]); },
         "in place of one of its identity");
-    rows("KEL* getKelBase(JHashCode hashCode) const", [](M& m) { return m.getKelBase(codeOf(2)); });
-    rows("KEL* getKel(JHashCode hashCode) const", [](M& m) { return m.getKel(codeOf(2)); });
-    rows("void removeKel(JHashCode hashCode)", [](M& m) { m.removeKel(codeOf(2)); });
-    rows("void removeAllKels()", [](M& m) { m.removeAllKels(); });
-    rows("int32_t size() const", [](M& m) { return m.size(); });
+    rows("KEL* getKelBase(JHashCode hashCode) const",
+         [](Manager& m) { return m.getKelBase(codeOf(2)); });
+    rows("KEL* getKel(JHashCode hashCode) const", [](Manager& m) { return m.getKel(codeOf(2)); });
+    rows("void removeKel(JHashCode hashCode)", [](Manager& m) { m.removeKel(codeOf(2)); });
+    rows("void removeAllKels()", [](Manager& m) { m.removeAllKels(); });
+    rows("int32_t size() const", [](Manager& m) { return m.size(); });
     for (const KELKind kind : everyKind) {
         const std::string name = "kind " + std::to_string(kind);
         rows(
-            "KEL* createKel(int32_t kind)", [kind](M& m) { return owned(m.createKel(kind)); },
+            "KEL* createKel(int32_t kind)", [kind](Manager& m) { return owned(m.createKel(kind)); },
             name.c_str())
             .reads();
         rows(
             "KEL* createKel(int32_t kind, JHashCode hashCode)",
-            [kind](M& m) { return owned(m.createKel(kind, codeOf(9))); }, name.c_str())
+            [kind](Manager& m) { return owned(m.createKel(kind, codeOf(9))); }, name.c_str())
             .reads();
     }
-    Rows<M> own(table, "KEL_Manager", managerDocument);
-    own("KEL* getKelAt(int32_t index) const", [](M& m) { return m.getKelAt(1); });
+    Rows<Manager> own(table, "KEL_Manager", managerDocument);
+    own("KEL* getKelAt(int32_t index) const", [](Manager& m) { return m.getKelAt(1); });
 }
 
 } // namespace kel::test

@@ -5,12 +5,6 @@ namespace kel::test {
 
 namespace {
 
-KEL* key(const Document& d, int32_t index) {
-    return d.as<KEL_Array>("keys").getVar(index);
-}
-KEL* item(const Document& d, int32_t index) {
-    return d.as<KEL_Array>("items").getVar(index);
-}
 KEL_IndexList* otherList(const Document& d) {
     return &d.as<KEL_IndexList>("otherList");
 }
@@ -20,11 +14,11 @@ void addOne(Table& table) {
     Rows<S> rows(table, "KELInterface_Selector_V1",
                  [] { return selectorDocument(KELKind_Selector); });
     rows("bool selectKey(KEL* key)",
-         [](S& s, const Document& d) { return s.selectKey(key(d, 2)); });
+         [](S& s, const Document& d) { return s.selectKey(keyAt(d, 2)); });
     rows(
         "bool selectKey(KEL* key)", [](S& s) { return s.selectKey(nullptr); }, "null");
     rows("bool selectItem(KEL* item)",
-         [](S& s, const Document& d) { return s.selectItem(item(d, 2)); });
+         [](S& s, const Document& d) { return s.selectItem(itemAt(d, 2)); });
     rows("bool clearSelection()", [](S& s) { return s.clearSelection(); });
     rows("bool deselect()", [](S& s) { return s.deselect(); });
     rows("KEL* getSelectedKey()", [](S& s) { return s.getSelectedKey(); }).reads();
@@ -33,9 +27,9 @@ void addOne(Table& table) {
     rows("KEL* getSelectedItemByKeyValue() const",
          [](S& s) { return s.getSelectedItemByKeyValue(); });
     rows("bool isSelectedKey(const KEL* key) const",
-         [](S& s, const Document& d) { return s.isSelectedKey(key(d, 1)); });
+         [](S& s, const Document& d) { return s.isSelectedKey(keyAt(d, 1)); });
     rows("bool isSelectedItem(const KEL* item) const",
-         [](S& s, const Document& d) { return s.isSelectedItem(item(d, 1)); });
+         [](S& s, const Document& d) { return s.isSelectedItem(itemAt(d, 1)); });
     rows("KEL_IndexList* getList() const", [](S& s) { return s.getList(); });
     rows("void setList(KEL_IndexList* list)",
          [](S& s, const Document& d) { s.setList(otherList(d)); });
@@ -46,21 +40,21 @@ void addMany(Table& table) {
     Rows<S> rows(table, "KELInterface_MultiSelector_V1",
                  [] { return selectorDocument(KELKind_MultiSelector); });
     rows("bool selectKey(KEL* key)",
-         [](S& s, const Document& d) { return s.selectKey(key(d, 5)); });
+         [](S& s, const Document& d) { return s.selectKey(keyAt(d, 5)); });
     rows("bool selectItem(KEL* item)",
-         [](S& s, const Document& d) { return s.selectItem(item(d, 5)); });
+         [](S& s, const Document& d) { return s.selectItem(itemAt(d, 5)); });
     rows("bool deselectKey(KEL* key)",
-         [](S& s, const Document& d) { return s.deselectKey(key(d, 1)); });
+         [](S& s, const Document& d) { return s.deselectKey(keyAt(d, 1)); });
     rows("bool deselectItem(KEL* item)",
-         [](S& s, const Document& d) { return s.deselectItem(item(d, 1)); });
+         [](S& s, const Document& d) { return s.deselectItem(itemAt(d, 1)); });
     rows("void clearSelection()", [](S& s) { s.clearSelection(); });
     rows("void deselectAll()", [](S& s) { s.deselectAll(); });
     rows("KEL_Array* getSelectedKeys() const", [](S& s) { return s.getSelectedKeys(); });
     rows("KEL_Array* getSelectedItems() const", [](S& s) { return owned(s.getSelectedItems()); });
     rows("bool isKeySelected(const KEL* key) const",
-         [](S& s, const Document& d) { return s.isKeySelected(key(d, 1)); });
+         [](S& s, const Document& d) { return s.isKeySelected(keyAt(d, 1)); });
     rows("bool isItemSelected(const KEL* item) const",
-         [](S& s, const Document& d) { return s.isItemSelected(item(d, 1)); });
+         [](S& s, const Document& d) { return s.isItemSelected(itemAt(d, 1)); });
     rows("KEL_IndexList* getList() const", [](S& s) { return s.getList(); });
     rows("void setList(KEL_IndexList* list)",
          [](S& s, const Document& d) { s.setList(otherList(d)); });

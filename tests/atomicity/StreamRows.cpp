@@ -85,7 +85,7 @@ template <class Stream> Row& addWriting(Table& table, const char* situation) {
         .reads();
 }
 
-void addStrings(Table& table) {
+void addStringOutputs(Table& table) {
     Rows<StringStream> text(table, "KELTextOutputStreamInterface_V1", writtenDocument);
     text("void setMemBlockComment(bool flag)", [](StringStream& s) {
         s.stream->setMemBlockComment(true);
@@ -133,7 +133,7 @@ void addStreamRows(Table& table) {
     addWriting<Sunk<KELBinaryOutputStream_Impl>>(table, "binary");
     addWriting<StringStream>(table, "string")
         .orFailureOfSink("StringWriter::JWrite(uchar*,int,int). Stream returned bad() flag.");
-    addStrings(table);
+    addStringOutputs(table);
     addReading(table);
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-Lines messages(const std::vector<kel::mismatch>& found) {
+Lines placesAndMessages(const std::vector<kel::mismatch>& found) {
     Lines lines;
     for (const kel::mismatch& each : found) {
         lines.push_back('[' + each.path + "] " + each.message);
@@ -15,7 +15,7 @@ Lines messages(const std::vector<kel::mismatch>& found) {
     return lines;
 }
 
-kel::checked makePanel() {
+kel::checked makeChannel() {
     return kel::checked({{"gain", kel::describe<double>().range(-60, 6).fallback(0)},
                          {"mode", kel::describe<std::string>().one_of({"mono", "stereo"})},
                          {"odd name", kel::describe<int>().fallback(7)}});
@@ -33,7 +33,7 @@ TEST(Merge, TakesOverWhatFitsInPlace) {
                                           {"later", kel::array({1})},
                                           {"tags", kel::array({"a", "b"})},
                                           {"window", kel::object({{"width", 800}})}});
-    EXPECT_EQ(messages(settings.merge(saved)), Lines());
+    EXPECT_EQ(placesAndMessages(settings.merge(saved)), Lines());
     EXPECT_EQ(settings["volume"].kind(), kel::kind::integer);
     EXPECT_EQ(settings["rate"].kind(), kel::kind::real);
     EXPECT_EQ(settings.at_path("later"), kel::array({1}));
@@ -54,7 +54,7 @@ TEST(Merge, ReturnsWhatDoesNotFit) {
          {"colour", 1},
          {"window", kel::object({{"size of", kel::object({{"x", 1}})}, {"width", 1}})}});
     EXPECT_EQ(
-        messages(settings.merge(saved)),
+        placesAndMessages(settings.merge(saved)),
         (Lines{"[colour] colour: no such variable.", "[name] name: wanted a string, found null.",
                "[volume] volume: 7.5 is not a whole number.",
                "[window.width] window.width: no such variable.",
@@ -64,7 +64,7 @@ TEST(Merge, ReturnsWhatDoesNotFit) {
 }
 
 TEST(Merge, NeedsTwoStructs) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     const auto message = [&panel](const kel::value& document) -> std::string {
         try {
             return std::to_string(panel.merge(document, kel::missing::reset).size());
@@ -88,7 +88,7 @@ TEST(Merge, AMismatchIsAnUnknownNameOrARefusedValue) {
         }
         return names;
     };
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     panel["note"] = "not described";
     EXPECT_EQ(unknown(panel), (Lines{"gain refused", "note unknown", "version unknown"}));
     EXPECT_EQ(unknown(kel::object({{"gain", "x"}, {"note", 1}})),
@@ -96,43 +96,43 @@ TEST(Merge, AMismatchIsAnUnknownNameOrARefusedValue) {
 }
 
 TEST(Merge, ACheckedStructAsksItsDescriptions) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     EXPECT_EQ(
-        messages(panel.merge(
+        placesAndMessages(panel.merge(
             kel::object({{"gain", -7}, {"mode", "quad"}, {"odd name", "x"}, {"pan", 1}}))),
         (Lines{"[mode] mode: \"quad\" is not allowed; allowed is one of \"mono\", \"stereo\".",
                "[[\"odd name\"]] [\"odd name\"]: wanted an int, found a string.",
                "[pan] pan: no such variable."}));
     EXPECT_EQ(panel.get<double>("gain"), -7.0);
 
-    kel::value mixer = kel::object({{"left", panel}, {"right", makePanel()}});
-    EXPECT_EQ(messages(mixer.merge(kel::object(
+    kel::value mixer = kel::object({{"left", panel}, {"right", makeChannel()}});
+    EXPECT_EQ(placesAndMessages(mixer.merge(kel::object(
                   {{"left", kel::object({{"gain", 9}})}, {"right", kel::object({{"gain", 5}})}}))),
               (Lines{"[left.gain] left.gain: 9 is not allowed; allowed is from -60 to 6."}));
     EXPECT_EQ(mixer["right"]["gain"].get<double>(), 5.0);
 }
 
 TEST(Merge, TakesOverAnotherCheckedStruct) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     panel.set("gain", 3);
-    kel::checked other = makePanel();
-    EXPECT_EQ(messages(other.merge(panel)), Lines());
+    kel::checked other = makeChannel();
+    EXPECT_EQ(placesAndMessages(other.merge(panel)), Lines());
     EXPECT_EQ(other.get<double>("gain"), 3.0);
     kel::value plain = kel::object({{"gain", 0}});
-    EXPECT_EQ(messages(plain.merge(panel)),
+    EXPECT_EQ(placesAndMessages(plain.merge(panel)),
               Lines{"[[\"odd name\"]] [\"odd name\"]: no such variable."})
         << "its default counts";
     EXPECT_EQ(plain["gain"].get<int>(), 3);
 
     other.set("odd name", 8);
     panel["gain"] = nullptr;
-    EXPECT_EQ(messages(other.merge(panel)), Lines());
+    EXPECT_EQ(placesAndMessages(other.merge(panel)), Lines());
     EXPECT_EQ(other.values(), kel::object({{"gain", 0.0}, {"odd name", 7}}))
         << "the defaults of panel";
 }
 
 TEST(Merge, WhatAPresetLacksGetsItsDefaultInOneStep) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     panel.set("gain", 3);
     panel.set("odd name", 8);
     panel.set("mode", "mono");
@@ -142,7 +142,8 @@ TEST(Merge, WhatAPresetLacksGetsItsDefaultInOneStep) {
         panel["gain"], [&](const kel::value& now) { gains.push_back(now.get<double>()); });
     const kel::subscription odd = kel::watch(
         panel["odd name"], [&](const kel::value& now) { odds.push_back(now.get<int>()); });
-    EXPECT_EQ(messages(panel.merge(kel::object({{"gain", 4}}), kel::missing::reset)), Lines());
+    EXPECT_EQ(placesAndMessages(panel.merge(kel::object({{"gain", 4}}), kel::missing::reset)),
+              Lines());
     EXPECT_EQ(gains, std::vector<double>{4}) << "not the default before";
     EXPECT_EQ(odds, std::vector<int>{7});
     EXPECT_FALSE(kel::value(panel).contains("mode")) << "it has no default";
@@ -152,20 +153,20 @@ TEST(Merge, WhatAPresetLacksGetsItsDefaultInOneStep) {
 }
 
 TEST(Merge, WhatACheckedSourceHasAsDefaultIsDefaultAgain) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     const kel::checked state = panel.copy();
     panel.set("gain", 3);
-    EXPECT_EQ(messages(panel.merge(state, kel::missing::reset)), Lines());
+    EXPECT_EQ(placesAndMessages(panel.merge(state, kel::missing::reset)), Lines());
     EXPECT_TRUE(panel.is_default("gain"));
     EXPECT_TRUE(panel.is_default("odd name"));
     const kel::checked other({{"gain", kel::describe<double>().fallback(-6)}});
-    EXPECT_EQ(messages(panel.merge(other, kel::missing::reset)), Lines());
+    EXPECT_EQ(placesAndMessages(panel.merge(other, kel::missing::reset)), Lines());
     EXPECT_EQ(panel.get<double>("gain"), -6.0) << "another default";
 }
 
 TEST(Merge, SectionsThatAPresetLacksGetTheirDefaults) {
-    kel::checked left = makePanel();
-    kel::checked right = makePanel();
+    kel::checked left = makeChannel();
+    kel::checked right = makeChannel();
     left.set("gain", 3);
     right.set("gain", 4);
     kel::value mixer = kel::object({{"left", left},
@@ -173,18 +174,18 @@ TEST(Merge, SectionsThatAPresetLacksGetTheirDefaults) {
                                     {"same", left}});
     mixer["self"] = mixer;
     const kel::value preset = kel::object({{"left", kel::object({{"gain", 5}})}});
-    EXPECT_EQ(messages(mixer.merge(preset, kel::missing::reset)), Lines());
+    EXPECT_EQ(placesAndMessages(mixer.merge(preset, kel::missing::reset)), Lines());
     EXPECT_EQ(left.get<double>("gain"), 5.0) << "the document has it under another name";
     EXPECT_EQ(right.get<double>("gain"), 0.0);
     EXPECT_EQ(mixer.at_path("more.note"), "kept");
-    EXPECT_EQ(messages(mixer.merge(kel::object({{"left", 7}}), kel::missing::reset)),
+    EXPECT_EQ(placesAndMessages(mixer.merge(kel::object({{"left", 7}}), kel::missing::reset)),
               Lines{"[left] left: wanted a struct, found an int."});
     EXPECT_EQ(left.get<double>("gain"), 0.0);
     mixer.clear();
 }
 
 TEST(Merge, ValuesAreAPreset) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     panel.set("gain", 3);
     const kel::value preset = panel.values();
     EXPECT_EQ(preset, kel::object({{"gain", 3.0}, {"odd name", 7}})) << "the default too";
@@ -192,14 +193,14 @@ TEST(Merge, ValuesAreAPreset) {
     panel.set("gain", 4);
     panel.set("odd name", 8);
     EXPECT_EQ(preset["gain"].get<double>(), 3.0) << "copies";
-    EXPECT_EQ(messages(panel.merge(kel::from_text(kel::to_text(preset)))), Lines());
+    EXPECT_EQ(placesAndMessages(panel.merge(kel::from_text(kel::to_text(preset)))), Lines());
     EXPECT_EQ(panel.values(), preset);
     panel["gain"] = nullptr;
     EXPECT_EQ(panel.values()["gain"].get<double>(), 0.0);
 }
 
 TEST(Merge, ValuesOfATreeArePlain) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     panel.set("gain", 3);
     panel["note"] = "not described";
     const kel::value list = kel::array({panel, 1});
@@ -223,7 +224,7 @@ TEST(Merge, EndsInStructsThatContainThemselves) {
     kel::value b = kel::object({{"n", 2}});
     a["self"] = a;
     b["self"] = b;
-    EXPECT_EQ(messages(a.merge(b)), Lines());
+    EXPECT_EQ(placesAndMessages(a.merge(b)), Lines());
     EXPECT_EQ(a["n"].get<int>(), 2);
     a.clear();
     b.clear();
@@ -239,7 +240,7 @@ TEST(Merge, NotifiesWhoWatches) {
 }
 
 TEST(Merge, StoredValuesAreWhatWasChosen) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeChannel();
     kel::value tree = kel::object({{"panel", panel}, {"list", kel::array({panel})}, {"n", 1}});
     panel.set("gain", 0); // equals the default
     panel["note"] = "not described";
@@ -254,7 +255,7 @@ TEST(Merge, StoredValuesAreWhatWasChosen) {
     kel::checked later({{"gain", kel::describe<double>().range(-60, 6).fallback(-3)},
                         {"odd name", kel::describe<int>().fallback(8)}});
     panel.set("gain", 1);
-    EXPECT_EQ(messages(later.merge(panel.stored_values())), Lines());
+    EXPECT_EQ(placesAndMessages(later.merge(panel.stored_values())), Lines());
     EXPECT_EQ(later.get<int>("odd name"), 8) << "the default of the later version";
 }
 

@@ -5,18 +5,9 @@ using namespace value_test;
 
 namespace {
 
-kel::checked makePart() {
+kel::checked makeVoices() {
     return kel::checked({{"level", kel::describe<int>().range(-60, 0).fallback(-12)},
                          {"voices", kel::describe<int>().range(1, 16)}});
-}
-
-template <class Failure, class Action> std::string thrown(const Action& action) {
-    try {
-        action();
-    } catch (const Failure& failure) {
-        return failure.what();
-    }
-    return "(nothing)";
 }
 
 int number(const kel::value& given) {
@@ -120,7 +111,7 @@ TEST(Path, IsAValueWhereOneIsWanted) {
 }
 
 TEST(Path, ACheckedStructIsAskedThroughAPathToo) {
-    kel::value rack = kel::object({{"1", makePart()}, {"2", makePart()}});
+    kel::value rack = kel::object({{"1", makeVoices()}, {"2", makeVoices()}});
     rack.at_path("1.level").assign(-5); // which has only its default
     EXPECT_EQ(rack["1"]["level"].get<int>(), -5);
     EXPECT_EQ(rack["2"]["level"].get<int>(), -12);
@@ -134,7 +125,7 @@ TEST(Path, ACheckedStructIsAskedThroughAPathToo) {
     EXPECT_EQ(rack["1"]["level"].get<int>(), -5);
     rack.at_path("1.voices") = 3;
     EXPECT_EQ(rack["1"]["voices"].get<int>(), 3);
-    kel::checked part = makePart();
+    kel::checked part = makeVoices();
     part.at_path("level").assign(-6);
     const kel::checked& fixed = part;
     EXPECT_EQ(fixed.at_path("level").get<int>(), -6);

@@ -7,7 +7,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-Lines messages(const std::vector<kel::mismatch>& found) {
+Lines markedMessages(const std::vector<kel::mismatch>& found) {
     Lines lines;
     for (const kel::mismatch& each : found) {
         lines.push_back((each.is_missing ? "- " : "+ ") + each.message);
@@ -15,18 +15,18 @@ Lines messages(const std::vector<kel::mismatch>& found) {
     return lines;
 }
 
-kel::checked makePart() {
+kel::checked makeArticle() {
     return kel::checked({{"price", kel::describe<double>().range(0, 100).required()},
                          {"count", kel::describe<int>().fallback(1).required()},
                          {"name", kel::describe<std::string>()}});
 }
 
 TEST(Required, ADocumentThatLacksAVariableIsReported) {
-    kel::checked part = makePart();
-    EXPECT_EQ(messages(part.merge(kel::object())),
+    kel::checked part = makeArticle();
+    EXPECT_EQ(markedMessages(part.merge(kel::object())),
               (Lines{"- count: is missing.", "- price: is missing."}));
-    EXPECT_EQ(messages(part.merge(kel::object({{"price", 3}, {"count", 2}}))), Lines());
-    EXPECT_EQ(messages(part.merge(kel::object({{"count", 2}, {"colour", 2}}))),
+    EXPECT_EQ(markedMessages(part.merge(kel::object({{"price", 3}, {"count", 2}}))), Lines());
+    EXPECT_EQ(markedMessages(part.merge(kel::object({{"count", 2}, {"colour", 2}}))),
               (Lines{"+ colour: no such variable.", "- price: is missing."}))
         << "although the part has a price";
     EXPECT_EQ(part.get<double>("price"), 3.0);
@@ -35,31 +35,35 @@ TEST(Required, ADocumentThatLacksAVariableIsReported) {
 }
 
 TEST(Required, ARefusedValueIsNotMissing) {
-    kel::checked part = makePart();
-    EXPECT_EQ(messages(part.merge(kel::object({{"price", 300}, {"count", nullptr}}))),
+    kel::checked part = makeArticle();
+    EXPECT_EQ(markedMessages(part.merge(kel::object({{"price", 300}, {"count", nullptr}}))),
               (Lines{"+ count: wanted an int, found null.",
                      "+ price: 300 is not allowed; allowed is from 0 to 100."}));
 }
 
 TEST(Required, ADefaultRemainsInEffectInTheProgram) {
-    kel::checked part = makePart();
+    kel::checked part = makeArticle();
     EXPECT_EQ(part.get<int>("count"), 1);
-    EXPECT_EQ(messages(kel::checked(makePart()).merge(part)), (Lines{"- price: is missing."}))
+    EXPECT_EQ(markedMessages(kel::checked(makeArticle()).merge(part)),
+              (Lines{"- price: is missing."}))
         << "a checked document has its defaults";
     EXPECT_THROW((void)part.get<double>("price"), kel::not_found);
 }
 
 TEST(Required, StructsThatADocumentLacksAreReportedWithTheirPath) {
-    kel::value stock = kel::object(
-        {{"parts", kel::object({{"odd one", makePart()}, {"other", makePart()}})}, {"size", 1}});
+    kel::value stock =
+        kel::object({{"parts", kel::object({{"odd one", makeArticle()}, {"other", makeArticle()}})},
+                     {"size", 1}});
     const kel::value whole = kel::object({{"price", 3}, {"count", 2}});
     const Lines missing = {"- parts[\"odd one\"].count: is missing.",
                            "- parts[\"odd one\"].price: is missing."};
-    EXPECT_EQ(messages(stock.merge(kel::object({{"parts", kel::object({{"other", whole}})}}))),
-              missing);
+    EXPECT_EQ(
+        markedMessages(stock.merge(kel::object({{"parts", kel::object({{"other", whole}})}}))),
+        missing);
     stock["parts"]["other"] = kel::object();
-    EXPECT_EQ(messages(stock.merge(kel::object({{"size", 2}}))), missing);
-    EXPECT_EQ(messages(stock.merge(kel::object({{"size", 2}}), kel::missing::reset)), missing);
+    EXPECT_EQ(markedMessages(stock.merge(kel::object({{"size", 2}}))), missing);
+    EXPECT_EQ(markedMessages(stock.merge(kel::object({{"size", 2}}), kel::missing::reset)),
+              missing);
 }
 
 TEST(Required, TheDescriptionSaysSo) {
@@ -68,7 +72,7 @@ TEST(Required, TheDescriptionSaysSo) {
     EXPECT_TRUE(price.required().is_required());
     EXPECT_FALSE(price.required().required(false).is_required());
     EXPECT_FALSE(price.is_required()) << "a changed copy";
-    const kel::checked part = makePart();
+    const kel::checked part = makeArticle();
     EXPECT_TRUE(part.description("price").is_required());
     const kel::checked read(kel::from_text(kel::to_text(part)));
     EXPECT_TRUE(read.description("price").is_required()) << "text keeps it";

@@ -1,10 +1,9 @@
 // Values that contain themselves.
 #include "CheckedSupport.h"
+#include "References.h"
 #include "ValueSupport.h"
 
 namespace {
-
-using value_test::references;
 
 TEST(Rings, AreFoundAndCut) {
     kel::value inner = kel::array({1});

@@ -6,7 +6,7 @@
 
 namespace {
 
-kel::checked makePanel() {
+kel::checked makeUnits() {
     return kel::checked(
         {{"gain", kel::describe<double>().range(-60, 6).unit(" dB")},
          {"free", kel::describe<double>()},
@@ -19,7 +19,7 @@ kel::checked makePanel() {
 
 /// Returns what the variable then is, or the refusal.
 std::string typed(const char* name, std::string_view text) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeUnits();
     const kel::outcome done = panel.try_set_text(name, text);
     return done ? kel::to_text(panel[name]) : done.message();
 }
@@ -40,9 +40,9 @@ TEST(TypedText, NumbersAreReadAsAWhole) {
 }
 
 TEST(TypedText, ARefusalCanBeAFailure) {
-    kel::value rack = kel::object({{"a", makePanel()}});
+    kel::value rack = kel::object({{"a", makeUnits()}});
     rack["a"]["gain"].set_text("-7 dB");
-    kel::checked panel = makePanel();
+    kel::checked panel = makeUnits();
     panel.set_text("gain", "-7");
     EXPECT_EQ(rack["a"]["gain"].get<double>(), panel.get<double>("gain"));
     for (const auto& store : std::vector<std::function<void()>>{
@@ -194,7 +194,7 @@ TEST(TypedText, ADescriptionSaysWhyNot) {
 }
 
 TEST(TypedText, AnOutcomeCanBePutUnderAPath) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeUnits();
     const kel::outcome wrong = panel.try_set("gain", 9);
     EXPECT_EQ(wrong.under("parts[3]").message(),
               "parts[3].gain: 9 is not allowed; allowed is from -60 to 6 dB.");

@@ -2,7 +2,7 @@
 /// A room with variables, and what a call throws, for the tests of handles and containers.
 #pragma once
 
-#include <kel/kel.hpp>
+#include "References.h"
 
 #include <gtest/gtest.h>
 
@@ -18,11 +18,6 @@ template <class Failure, class Action> std::string thrown(const Action& action) 
         return std::string("(another failure: ") + failure.what() + ")";
     }
     return "(nothing thrown)";
-}
-
-inline std::int32_t references(const kel::value& counted) {
-    counted.raw()->addRef();
-    return counted.raw()->release();
 }
 
 inline kel::value kitchen() {

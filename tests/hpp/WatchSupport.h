@@ -2,6 +2,8 @@
 /// An int that is watched, and observers of another make, for the tests of kel::watch.
 #pragma once
 
+#include "References.h"
+
 #include <kel/kel.hpp>
 
 #include <functional>
@@ -22,12 +24,6 @@ private:
 
 inline KEL_Observable& observable(const kel::value& of) {
     return *dynamic_cast<KEL_Observable*>(of.raw());
-}
-
-/// Returns the real number of references.
-inline int references(KEL* value) {
-    value->addRef();
-    return value->release();
 }
 
 /// An int, and subscriptions that write their letter into a log.

@@ -2,6 +2,8 @@
 /// A tree that is watched, and what is reported, for the tests of kel::watch_tree.
 #pragma once
 
+#include "References.h"
+
 #include <kel/kel.hpp>
 
 #include <functional>
@@ -10,12 +12,6 @@
 #include <vector>
 
 namespace watch_tree_test {
-
-/// Returns the real number of references.
-inline int references(const kel::value& value) {
-    value.raw()->addRef();
-    return value.raw()->release();
-}
 
 /// Notifies the value's observers and changes nothing.
 inline void touch(const kel::value& value) {

@@ -1,5 +1,6 @@
 // kel::watch_values: subscriptions to the scalars of a tree that become others.
 #include "RecordedCalls.h"
+#include "References.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -10,12 +11,6 @@
 #include <vector>
 
 namespace {
-
-/// Returns the real number of references.
-int references(const kel::value& value) {
-    value.raw()->addRef();
-    return value.raw()->release();
-}
 
 std::string text_of(const kel::value& v) {
     const char* text = v.raw()->toString();

@@ -20,7 +20,7 @@ using kel::test::Watcher;
 
 const std::string notHeld = "getKel: no such element";
 
-JHashCode identityOf(const KEL& value) {
+JHashCode hashCodeOf(const KEL& value) {
     JHashCode identity;
     return value.getHashCode(identity);
 }
@@ -70,16 +70,16 @@ TEST_F(KEL_ManagerTest, IsOfItsKindAndEmptyAtFirst) {
 TEST_F(KEL_ManagerTest, FindsAValueByItsIdentity) {
     manager->addKel(one.get());
     EXPECT_EQ(manager->size(), 1);
-    EXPECT_TRUE(manager->containsKel(identityOf(*one)));
-    EXPECT_FALSE(manager->containsKel(identityOf(*two)));
+    EXPECT_TRUE(manager->containsKel(hashCodeOf(*one)));
+    EXPECT_FALSE(manager->containsKel(hashCodeOf(*two)));
     EXPECT_EQ(watcher.calls(), 1);
 }
 
 TEST_F(KEL_ManagerTest, GetKelIsBorrowedInBothForms) {
     manager->addKel(one.get());
-    EXPECT_EQ(manager->getKel(identityOf(*one)), one.get());
-    EXPECT_EQ(std::as_const(*manager).getKel(identityOf(*one)), one.get());
-    EXPECT_EQ(manager->getKelBase(identityOf(*one)), one.get());
+    EXPECT_EQ(manager->getKel(hashCodeOf(*one)), one.get());
+    EXPECT_EQ(std::as_const(*manager).getKel(hashCodeOf(*one)), one.get());
+    EXPECT_EQ(manager->getKelBase(hashCodeOf(*one)), one.get());
     EXPECT_EQ(referencesOf(*one), 2);
 }
 
@@ -92,7 +92,7 @@ TEST_F(KEL_ManagerTest, AddingTheSameValueTwiceKeepsOneElementAndNotifiesTwice) 
 }
 
 TEST_F(KEL_ManagerTest, AnotherValueOfTheSameIdentityTakesItsPlace) {
-    const auto replacement = make<KEL_Int_Impl>(identityOf(*one), 9);
+    const auto replacement = make<KEL_Int_Impl>(hashCodeOf(*one), 9);
     manager->addKel(one.get());
     manager->addKel(two.get());
     manager->addKel(replacement.get());
@@ -112,7 +112,7 @@ TEST_F(KEL_ManagerTest, KeepsTheOrderOfAdditionWhenOneGoes) {
     for (KEL* value : {one.get(), two.get(), three.get()}) {
         manager->addKel(value);
     }
-    manager->removeKel(identityOf(*two));
+    manager->removeKel(hashCodeOf(*two));
     EXPECT_EQ(elements(), (std::vector<KEL*>{one.get(), three.get()}));
 }
 
@@ -134,18 +134,18 @@ TEST_F(KEL_ManagerTest, HasNoElementOutsideItsPlaces) {
 
 TEST_F(KEL_ManagerTest, RemovingTheOnlyElementLeavesNone) {
     manager->addKel(one.get());
-    manager->removeKel(identityOf(*one));
+    manager->removeKel(hashCodeOf(*one));
     EXPECT_EQ(manager->size(), 0);
     EXPECT_EQ(referencesOf(*one), 1);
     EXPECT_EQ(watcher.calls(), 2);
-    EXPECT_EQ(messageOfRemove(identityOf(*one)), "removeKel: KEL not found.");
+    EXPECT_EQ(messageOfRemove(hashCodeOf(*one)), "removeKel: KEL not found.");
 }
 
 TEST_F(KEL_ManagerTest, AFailedGetOrRemoveChangesNothingAndNotifiesNobody) {
     manager->addKel(one.get());
     watcher.told.clear();
-    EXPECT_EQ(messageOfGet(identityOf(*two)), notHeld);
-    EXPECT_EQ(messageOfRemove(identityOf(*two)), "removeKel: KEL not found.");
+    EXPECT_EQ(messageOfGet(hashCodeOf(*two)), notHeld);
+    EXPECT_EQ(messageOfRemove(hashCodeOf(*two)), "removeKel: KEL not found.");
     EXPECT_EQ(manager->size(), 1);
     EXPECT_EQ(watcher.calls(), 0);
 }
@@ -185,7 +185,7 @@ TEST_F(KEL_ManagerTest, ACopyHoldsTheSameElements) {
     manager->addKel(one.get());
     const Held<KEL> copy(manager->copy());
     auto& copied = dynamic_cast<KEL_Manager&>(*copy);
-    dynamic_cast<KEL_Int*>(copied.getKel(identityOf(*one)))->setValue(9);
+    dynamic_cast<KEL_Int*>(copied.getKel(hashCodeOf(*one)))->setValue(9);
     EXPECT_EQ(one->getValue(), 9);
     EXPECT_EQ(referencesOf(*one), 3);
 }
@@ -221,7 +221,7 @@ TEST_F(KEL_ManagerTest, CreatesWithAGivenIdentity) {
     const JHashCode given(1, 2, 3, 4);
     for (const KELKind kind : kel::test::everyKind) {
         const Held<KEL> value(manager->createKel(kind, given));
-        EXPECT_EQ(identityOf(*value), given) << kind;
+        EXPECT_EQ(hashCodeOf(*value), given) << kind;
         EXPECT_EQ(value->getType(), kind);
     }
     EXPECT_EQ(manager->size(), 0);
@@ -230,7 +230,7 @@ TEST_F(KEL_ManagerTest, CreatesWithAGivenIdentity) {
 TEST_F(KEL_ManagerTest, CreatesWithAFreshIdentityOtherwise) {
     const Held<KEL> first(manager->createKel(KELKind_Int));
     const Held<KEL> second(manager->createKel(KELKind_Int));
-    EXPECT_NE(identityOf(*first), identityOf(*second));
+    EXPECT_NE(hashCodeOf(*first), hashCodeOf(*second));
 }
 
 TEST_F(KEL_ManagerTest, RefusesAnUnknownKind) {

@@ -136,7 +136,7 @@ TEST_F(MetaKelLifeTest, ARefusedValueNotifiesNobody) {
     meta.addVar("level", eleven.get());
     meta.setVar("level", eleven.get());
     meta.setVarValue("level", eleven.get());
-    messageOf([&] { meta.getVar("level"); });
+    kelMessageOf([&] { meta.getVar("level"); });
     EXPECT_EQ(watcher.calls(), 0);
 }
 

@@ -76,7 +76,7 @@ TEST_F(MetaKelTest, SomethingElseUnderTheNameCountsAsNoDescriptor) {
         EXPECT_EQ(meta.getDescriptor(), nullptr);
         meta.setVar("level", eleven.get());
         EXPECT_EQ(level(), 11);
-        EXPECT_EQ(messageOf([&] { meta.getVar("pan"); }), notFoundAtAll);
+        EXPECT_EQ(kelMessageOf([&] { meta.getVar("pan"); }), notFoundAtAll);
     }
     meta.clearVar("@desc");
     EXPECT_EQ(meta.getDescriptor(), nullptr);
@@ -89,7 +89,7 @@ TEST_F(MetaKelTest, AnEntryThatIsNoVariableDescriptorDescribesNothing) {
     meta.addVar("level", eleven.get());
     EXPECT_EQ(level(), 11);
     asStruct(descriptor).addVar("x", nullptr);
-    EXPECT_EQ(messageOf([&] { meta.getVar("x"); }), notFoundAtAll);
+    EXPECT_EQ(kelMessageOf([&] { meta.getVar("x"); }), notFoundAtAll);
 }
 
 TEST_F(MetaKelTest, AChangeOfTheDescriptorCountsAtOnce) {
@@ -276,17 +276,17 @@ TEST_F(MetaKelTest, TheFlagStoresTheDefault) {
 }
 
 TEST_F(MetaKelTest, ADescribedVariableWithoutADefaultIsNotFound) {
-    EXPECT_EQ(messageOf([&] { meta.getVar("level"); }), notFound);
-    EXPECT_EQ(messageOf([&] { valueOf("level"); }), notFound);
-    EXPECT_EQ(messageOf([&] { meta.getVar("level", true); }), notFound);
-    EXPECT_EQ(messageOf([&] { meta.getVar("level", false); }), notFound);
+    EXPECT_EQ(kelMessageOf([&] { meta.getVar("level"); }), notFound);
+    EXPECT_EQ(kelMessageOf([&] { valueOf("level"); }), notFound);
+    EXPECT_EQ(kelMessageOf([&] { meta.getVar("level", true); }), notFound);
+    EXPECT_EQ(kelMessageOf([&] { meta.getVar("level", false); }), notFound);
 }
 
 TEST_F(MetaKelTest, AVariableThatIsNotDescribedIsNotFoundEither) {
-    EXPECT_EQ(messageOf([&] { meta.getVar("other"); }), notFoundAtAll);
-    EXPECT_EQ(messageOf([&] { valueOf("other"); }), notFoundAtAll);
-    EXPECT_EQ(messageOf([&] { plain.getVar("level"); }), notFoundAtAll);
-    EXPECT_EQ(messageOf([&] { plain.getVar("level", true); }), notFoundAtAll);
+    EXPECT_EQ(kelMessageOf([&] { meta.getVar("other"); }), notFoundAtAll);
+    EXPECT_EQ(kelMessageOf([&] { valueOf("other"); }), notFoundAtAll);
+    EXPECT_EQ(kelMessageOf([&] { plain.getVar("level"); }), notFoundAtAll);
+    EXPECT_EQ(kelMessageOf([&] { plain.getVar("level", true); }), notFoundAtAll);
 }
 
 TEST_F(MetaKelTest, ANullOrEmptyNameIsIgnored) {

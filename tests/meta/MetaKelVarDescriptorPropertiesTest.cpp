@@ -9,10 +9,6 @@ using namespace kel::test;
 
 namespace {
 
-template <class Action> std::string messageOf(const Action& action) {
-    return thrownMessage<KELException>(action);
-}
-
 /// A new descriptor and one of the Ints from 1 to 10.
 class MetaKelVarDescriptorPropertiesTest : public ::testing::Test {
 protected:
@@ -56,7 +52,8 @@ TEST_F(MetaKelVarDescriptorPropertiesTest, ReplaceOnlyPropertiesDoNotComeIntoBei
     EXPECT_FALSE(empty.hasDefault());
     EXPECT_FALSE(empty.hasPreadorn());
     EXPECT_FALSE(empty.hasPostadorn());
-    EXPECT_EQ(messageOf([&] { empty.setRange(five.get(), five.get()); }), "Not a ranged variable.");
+    EXPECT_EQ(kelMessageOf([&] { empty.setRange(five.get(), five.get()); }),
+              "Not a ranged variable.");
     EXPECT_EQ(empty.getCount(), 0);
 }
 
@@ -227,7 +224,7 @@ TEST_F(MetaKelVarDescriptorPropertiesTest, WhatChangesNothingNotifiesNobody) {
     range.setRange(nullptr, nullptr);
     range.removeStepsize();
     range.enumerationFromRange(nullptr);
-    messageOf([&] { range.getEnum(); });
+    kelMessageOf([&] { range.getEnum(); });
     range.setVar(nullptr, five.get());
     thrownMessage<KELNoSuchElementException>([&] { range.setVar("gone", five.get()); });
     EXPECT_EQ(watcher.calls(), 0);

@@ -14,10 +14,6 @@ namespace {
 const std::string notRanged = "Not a ranged variable.";
 const std::string notEnumerated = "Not an enumerated variable.";
 
-template <class Action> std::string messageOf(const Action& action) {
-    return thrownMessage<KELException>(action);
-}
-
 /// Returns the names of a struct's variables.
 std::string namesOf(const KEL_Struct& structure) {
     std::string text;
@@ -57,19 +53,19 @@ TEST_F(MetaKelVarDescriptorTest, WithOnlyOneBoundItIsNotRanged) {
     for (const char* bound : {"min", "max"}) {
         const auto half = descriptorOf("type", intOf(1), bound, intOf(1));
         EXPECT_FALSE(asDescriptor(half).isRanged());
-        EXPECT_EQ(messageOf([&] { asDescriptor(half).getMin(); }), notRanged);
-        EXPECT_EQ(messageOf([&] { asDescriptor(half).getMax(); }), notRanged);
+        EXPECT_EQ(kelMessageOf([&] { asDescriptor(half).getMin(); }), notRanged);
+        EXPECT_EQ(kelMessageOf([&] { asDescriptor(half).getMax(); }), notRanged);
         EXPECT_TRUE(asDescriptor(half).isValid(intOf(99).get()));
     }
 }
 
 TEST_F(MetaKelVarDescriptorTest, EveryFormOfRangeNeedsARange) {
-    EXPECT_EQ(messageOf([&] { choice.setRange(1, 2); }), notRanged);
-    EXPECT_EQ(messageOf([&] { choice.setRange(1.0, 2.0); }), notRanged);
-    EXPECT_EQ(messageOf([&] { choice.setRange(five.get(), five.get()); }), notRanged);
-    EXPECT_EQ(messageOf([&] { choice.inRange(1); }), notRanged);
-    EXPECT_EQ(messageOf([&] { choice.inRange(1.0); }), notRanged);
-    EXPECT_EQ(messageOf([&] { choice.inRange(five.get()); }), notRanged);
+    EXPECT_EQ(kelMessageOf([&] { choice.setRange(1, 2); }), notRanged);
+    EXPECT_EQ(kelMessageOf([&] { choice.setRange(1.0, 2.0); }), notRanged);
+    EXPECT_EQ(kelMessageOf([&] { choice.setRange(five.get(), five.get()); }), notRanged);
+    EXPECT_EQ(kelMessageOf([&] { choice.inRange(1); }), notRanged);
+    EXPECT_EQ(kelMessageOf([&] { choice.inRange(1.0); }), notRanged);
+    EXPECT_EQ(kelMessageOf([&] { choice.inRange(five.get()); }), notRanged);
     EXPECT_EQ(namesOf(choice), "enum type");
 }
 
@@ -171,17 +167,19 @@ TEST_F(MetaKelVarDescriptorTest, NullBoundsCountAsZero) {
 
 TEST_F(MetaKelVarDescriptorTest, EveryFormOfEnumNeedsAnEnumeration) {
     for (const auto& message :
-         {messageOf([&] { range.getEnum(); }), messageOf([&] { range.inEnum(true); }),
-          messageOf([&] { range.inEnum("a"); }), messageOf([&] { range.inEnum(1.0); }),
-          messageOf([&] { range.inEnum(1); }), messageOf([&] { range.inEnum(five.get()); }),
-          messageOf([&] { range.addEnumValue(true); }), messageOf([&] { range.addEnumValue("a"); }),
-          messageOf([&] { range.addEnumValue(1.0); }), messageOf([&] { range.addEnumValue(1); }),
-          messageOf([&] { range.addEnumValue(five.get()); }),
-          messageOf([&] { range.removeEnumValue(true); }),
-          messageOf([&] { range.removeEnumValue("a"); }),
-          messageOf([&] { range.removeEnumValue(1.0); }),
-          messageOf([&] { range.removeEnumValue(1); }),
-          messageOf([&] { range.removeEnumValue(five.get()); })}) {
+         {kelMessageOf([&] { range.getEnum(); }), kelMessageOf([&] { range.inEnum(true); }),
+          kelMessageOf([&] { range.inEnum("a"); }), kelMessageOf([&] { range.inEnum(1.0); }),
+          kelMessageOf([&] { range.inEnum(1); }), kelMessageOf([&] { range.inEnum(five.get()); }),
+          kelMessageOf([&] { range.addEnumValue(true); }),
+          kelMessageOf([&] { range.addEnumValue("a"); }),
+          kelMessageOf([&] { range.addEnumValue(1.0); }),
+          kelMessageOf([&] { range.addEnumValue(1); }),
+          kelMessageOf([&] { range.addEnumValue(five.get()); }),
+          kelMessageOf([&] { range.removeEnumValue(true); }),
+          kelMessageOf([&] { range.removeEnumValue("a"); }),
+          kelMessageOf([&] { range.removeEnumValue(1.0); }),
+          kelMessageOf([&] { range.removeEnumValue(1); }),
+          kelMessageOf([&] { range.removeEnumValue(five.get()); })}) {
         EXPECT_EQ(message, notEnumerated);
     }
     EXPECT_EQ(namesOf(range), "max min type");
@@ -269,9 +267,9 @@ TEST_F(MetaKelVarDescriptorTest, AnEnumerationThatIsNoListAllowsNothing) {
         EXPECT_TRUE(descriptor.isEnumerated());
         EXPECT_FALSE(descriptor.inEnum(5));
         EXPECT_FALSE(descriptor.isValid(five.get()));
-        EXPECT_EQ(messageOf([&] { descriptor.getEnum(); }), notEnumerated);
-        EXPECT_EQ(messageOf([&] { descriptor.addEnumValue(1); }), notEnumerated);
-        EXPECT_EQ(messageOf([&] { descriptor.removeEnumValue(1); }), notEnumerated);
+        EXPECT_EQ(kelMessageOf([&] { descriptor.getEnum(); }), notEnumerated);
+        EXPECT_EQ(kelMessageOf([&] { descriptor.addEnumValue(1); }), notEnumerated);
+        EXPECT_EQ(kelMessageOf([&] { descriptor.removeEnumValue(1); }), notEnumerated);
     }
 }
 
@@ -285,10 +283,10 @@ TEST_F(MetaKelVarDescriptorTest, AddEnumerationListOnlyTellsWhetherItCould) {
     choice.addEnumerationList(text.get());
     EXPECT_EQ(namesOf(asDescriptor(words)), "default type");
     EXPECT_EQ(allowedBy(choice), "a b");
-    EXPECT_EQ(messageOf([&] { range.addEnumerationList(text.get()); }), refusal);
-    EXPECT_EQ(messageOf([&] { empty.addEnumerationList(text.get()); }), refusal);
+    EXPECT_EQ(kelMessageOf([&] { range.addEnumerationList(text.get()); }), refusal);
+    EXPECT_EQ(kelMessageOf([&] { empty.addEnumerationList(text.get()); }), refusal);
     range.setType(KELKind_String);
-    EXPECT_EQ(messageOf([&] { range.addEnumerationList(nullptr); }), refusal);
+    EXPECT_EQ(kelMessageOf([&] { range.addEnumerationList(nullptr); }), refusal);
     range.addVar("enum", arrayOf().get());
     range.addEnumerationList(nullptr); // the descriptor is enumerated, although it has a range too
 }
@@ -297,7 +295,7 @@ TEST_F(MetaKelVarDescriptorTest, RemoveEnumerationListIsForStrings) {
     const auto ints = enumOf(KELKind_Int, arrayOf(intOf(1)));
     choice.removeEnumerationList();
     EXPECT_EQ(namesOf(choice), "type");
-    EXPECT_EQ(messageOf([&] { asDescriptor(ints).removeEnumerationList(); }),
+    EXPECT_EQ(kelMessageOf([&] { asDescriptor(ints).removeEnumerationList(); }),
               "Can only remove enumeration list from a KEL_String");
     EXPECT_TRUE(asDescriptor(ints).isEnumerated());
     range.removeEnumerationList();

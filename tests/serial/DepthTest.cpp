@@ -16,7 +16,6 @@ using namespace kel::test;
 
 namespace {
 
-constexpr int million = 1000000;
 constexpr const char* entry = "00000000-0000-0000-0000-000000000001=";
 
 std::string repeated(const std::string& text, int times) {

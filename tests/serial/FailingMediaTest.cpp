@@ -15,8 +15,6 @@ using namespace kel::test;
 
 namespace {
 
-constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
-
 /// Returns a value whose text and record take several writes.
 HeldValue largeValue() {
     auto value = arrayOf();

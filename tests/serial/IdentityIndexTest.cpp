@@ -2,6 +2,7 @@
 #include "serial/IdentityIndex.h"
 
 #include "platform/Guid.h"
+#include "support/Guids.h"
 #include "support/Thrown.h"
 
 #include <algorithm>
@@ -11,12 +12,9 @@
 #include <kel/JException.h>
 
 using kel::IdentityIndex;
+using kel::test::numbered;
 
 namespace {
-
-JHashCode numbered(uint32_t number) {
-    return JHashCode(number, 0, 0, 7);
-}
 
 uint32_t enter(IdentityIndex& index, const JHashCode& identity) {
     return index.link(index.append(identity));
@@ -121,28 +119,28 @@ double averageDistance(uint32_t count, const std::function<JHashCode(uint32_t)>&
 }
 
 /// About twice what random places need in a table that is as full as it can be.
-constexpr double expected = 3;
+constexpr double expectedDistance = 3;
 constexpr uint32_t familySize = 1 << 15;
 
 TEST(IdentityIndex, NoFamilyOfIdentitiesMakesSearchesLong) {
     for (std::size_t word = 0; word < 4; ++word) {
         EXPECT_LT(averageDistance(familySize, [&](uint32_t i) { return withWord(word, i); }),
-                  expected)
+                  expectedDistance)
             << "low bits of word " << word;
         EXPECT_LT(averageDistance(familySize, [&](uint32_t i) { return withWord(word, i << 17); }),
-                  expected)
+                  expectedDistance)
             << "high bits of word " << word;
         for (const uint32_t step : {3U, 64U, 65537U, 0x10001000U, 0x9E3779B9U}) {
             EXPECT_LT(
                 averageDistance(familySize, [&](uint32_t i) { return withWord(word, i * step); }),
-                expected)
+                expectedDistance)
                 << "steps of " << step << " in word " << word;
         }
     }
     for (int shift = 1; shift < 32; ++shift) {
         EXPECT_LT(
             averageDistance(familySize, [&](uint32_t i) { return JHashCode(i, i << shift, 0, i); }),
-            expected)
+            expectedDistance)
             << "several words, shifted by " << shift;
     }
 }

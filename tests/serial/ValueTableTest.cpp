@@ -1,6 +1,7 @@
 // The table of the values that a stream has read.
 #include "serial/ValueTable.h"
 
+#include "support/Guids.h"
 #include "support/Trees.h"
 #include "support/Values.h"
 
@@ -10,10 +11,6 @@ using namespace kel::test;
 using kel::ValueTable;
 
 namespace {
-
-JHashCode numbered(uint32_t number) {
-    return JHashCode(number, 0, 0, 7);
-}
 
 TEST(ValueTable, HoldsAReferenceToEachValue) {
     auto value = intOf(1);

@@ -330,14 +330,14 @@ TEST(BufferedInput, SeekingAwayForgetsAFailureThatWasNotThrown) {
     EXPECT_EQ(input.next(), source.stream->data[2000]);
 }
 
-bool refuseLarge(std::size_t size) {
+bool refuseFrom100000(std::size_t size) {
     return size < 100000;
 }
 
 TEST(BufferedInput, WithoutMemoryTheWindowStays) {
     Buffered source(numbers(1000000));
     BufferedInput input = source.make();
-    const auto before = kel::platform::exchangeAllocationGate(refuseLarge);
+    const auto before = kel::platform::exchangeAllocationGate(refuseFrom100000);
     const std::string message = thrownMessage<JOutOfMemoryException>([&] { input.ensure(500000); });
     kel::platform::exchangeAllocationGate(before);
     EXPECT_EQ(message, "BufferedInput out of memory.");

@@ -170,7 +170,7 @@ TEST(StringWriter, StaysReadableWhenClosed) {
     EXPECT_STREQ(output.getString(), "abc");
 }
 
-bool refuseLarge(std::size_t size) {
+bool refuseFrom1000(std::size_t size) {
     return size < 1000;
 }
 
@@ -179,7 +179,7 @@ TEST(StringWriter, ATextWithoutMemoryIsReportedAndTriedAgain) {
     output.write(std::string(2000, 'x'));
     output.JSeek(0);
     output.write("y"); // written again, so getString needs memory for a copy with NULs
-    const auto before = kel::platform::exchangeAllocationGate(refuseLarge);
+    const auto before = kel::platform::exchangeAllocationGate(refuseFrom1000);
     const std::string message = thrownMessage<JOutOfMemoryException>([&] { output.getString(); });
     kel::platform::exchangeAllocationGate(before);
     EXPECT_EQ(message, "StringWriter out of memory.");

@@ -1,5 +1,5 @@
 /// \file
-/// Draws identities and compares them.
+/// Makes identities, draws them and compares them.
 #pragma once
 
 #include "platform/Guid.h"
@@ -10,6 +10,11 @@
 #include <vector>
 
 namespace kel::test {
+
+/// Returns an identity of its own for each number.
+inline JHashCode numbered(uint32_t number) {
+    return JHashCode(number, 0, 0, 7);
+}
 
 using Words = std::array<uint32_t, 4>;
 

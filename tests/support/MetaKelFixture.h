@@ -11,11 +11,6 @@
 
 namespace kel::test {
 
-/// Returns the message of the KELException that action throws.
-template <class Action> std::string messageOf(const Action& action) {
-    return thrownMessage<KELException>(action);
-}
-
 /// A watched struct under a descriptor: level is an Int from 0 to 10; pan is a Double from -1 to 1
 /// with the default 0; mode is one of "slow" and "fast".
 class MetaKelFixture : public ::testing::Test {

@@ -11,6 +11,9 @@
 
 namespace kel::test {
 
+/// An identity whose bytes count from 0 to 15.
+inline constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
+
 /// Returns the low `width` bytes of a number, least significant first.
 inline std::string littleEndian(uint64_t number, int width) {
     std::string out;

@@ -43,4 +43,9 @@ template <class Exception, class Action> std::string thrownMessage(const Action&
     return "(nothing thrown)";
 }
 
+/// Returns the message of the KELException that action throws.
+template <class Action> std::string kelMessageOf(const Action& action) {
+    return thrownMessage<KELException>(action);
+}
+
 } // namespace kel::test

@@ -84,6 +84,13 @@ std::vector<Held<KEL_Array_Impl>> ring(std::size_t length) {
     return arrays;
 }
 
+KEL_Array_Impl* selfHeld() {
+    auto* array = new KEL_Array_Impl();
+    array->addVar(array);
+    array->release();
+    return array;
+}
+
 KEL_Impl* chainOfInnerStructs(int levels) {
     KEL_Impl* value = new KEL_Array_Impl();
     for (int i = 0; i < levels; ++i) {

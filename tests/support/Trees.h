@@ -9,6 +9,9 @@
 
 namespace kel::test {
 
+/// The number of levels in the tests of depth. A call for each of them would overflow any stack.
+inline constexpr int million = 1000000;
+
 /// Returns an Int inside the given number of arrays, each the only element of the next. The caller
 /// owns the result, here and below.
 KEL_Impl* nestedArrays(int levels);
@@ -26,6 +29,9 @@ KEL_Impl* doublingChain(int levels);
 /// Returns the given number of arrays. Each is the only element of the one before, and the first is
 /// the only element of the last.
 std::vector<Held<KEL_Array_Impl>> ring(std::size_t length);
+
+/// Returns an array that contains itself and that nobody else holds, borrowed.
+KEL_Array_Impl* selfHeld();
 
 /// Returns levels of arrays that each hold a variable descriptor and the struct inside it. The only
 /// variable of that struct is the level below. Two paths lead to every level, although no array is

@@ -32,7 +32,7 @@ Ints makeInts(int32_t count) {
     return ints;
 }
 
-Held<KEL_Array_Impl> arrayOf(const Ints& ints) {
+Held<KEL_Array_Impl> arrayOfInts(const Ints& ints) {
     Held<KEL_Array_Impl> array = make<KEL_Array_Impl>();
     for (const auto& value : ints) {
         array->addVar(value.get());
@@ -41,7 +41,7 @@ Held<KEL_Array_Impl> arrayOf(const Ints& ints) {
 }
 
 /// Returns a list whose keys and items are these.
-Held<KEL_IndexList_Impl> listOf(const Ints& keys, const Ints& items) {
+Held<KEL_IndexList_Impl> listOfInts(const Ints& keys, const Ints& items) {
     Held<KEL_IndexList_Impl> list = make<KEL_IndexList_Impl>();
     for (std::size_t i = 0; i < keys.size(); ++i) {
         list->addPair(keys[i].get(), items[i].get());
@@ -63,7 +63,7 @@ template <class Work> void expectSteps(uint64_t each, const Work& work) {
 TEST(CostOfSearches, AddingTheValuesOfAnotherArray) {
     expectSteps(5, [](int32_t count) {
         const auto array = make<KEL_Array_Impl>();
-        array->addVars(arrayOf(makeInts(count)).get());
+        array->addVars(arrayOfInts(makeInts(count)).get());
         EXPECT_EQ(array->getCount(), count);
     });
 }
@@ -72,7 +72,7 @@ TEST(CostOfSearches, AddingThePairsOfAnotherList) {
     expectSteps(10, [](int32_t count) {
         const Ints values = makeInts(count);
         const auto list = make<KEL_IndexList_Impl>();
-        list->addPairs(listOf(values, values).get());
+        list->addPairs(listOfInts(values, values).get());
         EXPECT_EQ(list->getCount(), count);
     });
 }
@@ -81,7 +81,7 @@ TEST(CostOfSearches, LookingUpKeysAndItems) {
     expectSteps(30, [](int32_t count) {
         const Ints keys = makeInts(count);
         const Ints items = makeInts(count);
-        const auto list = listOf(keys, items);
+        const auto list = listOfInts(keys, items);
         for (std::size_t i = 0; i < keys.size(); ++i) {
             ASSERT_EQ(list->getItem(keys[i].get()), items[i].get());
             ASSERT_EQ(list->getKey(items[i].get()), keys[i].get());
@@ -92,7 +92,7 @@ TEST(CostOfSearches, LookingUpKeysAndItems) {
 TEST(CostOfSearches, RemovingKeysInOrder) {
     expectSteps(12, [](int32_t count) {
         const Ints values = makeInts(count);
-        const auto list = listOf(values, values);
+        const auto list = listOfInts(values, values);
         for (const auto& key : values) {
             list->removeKey(key.get());
         }
@@ -141,7 +141,7 @@ TEST(CostOfSearches, AddingFindingAndRemovingElementsOfAManager) {
 TEST(CostOfSearches, SelectingKeys) {
     expectSteps(45, [](int32_t count) {
         const Ints keys = makeInts(count);
-        const auto list = listOf(keys, keys);
+        const auto list = listOfInts(keys, keys);
         const auto selector = make<KEL_MultiSelector_Impl>(list.get());
         for (const auto& key : keys) {
             ASSERT_TRUE(selector->selectKey(key.get()));

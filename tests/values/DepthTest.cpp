@@ -12,9 +12,8 @@ namespace {
 
 using kel::test::Held;
 using kel::test::LifeProbe;
+using kel::test::million;
 using kel::test::runInSmallStack;
-
-constexpr int million = 1000000;
 
 /// Builds, copies, compares and destroys a nesting in a thread with little stack.
 void liveDeep(KEL_Impl* (*build)(int)) {

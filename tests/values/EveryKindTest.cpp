@@ -14,11 +14,11 @@ namespace {
 using kel::test::equalTo;
 using kel::test::everyKind;
 using kel::test::Held;
+using kel::test::HeldValue;
 using kel::test::isScalar;
 using kel::test::sampleOf;
 using kel::test::thrownMessage;
 using kel::test::Watcher;
-using Value = Held<KEL_Impl>;
 
 const std::string differentTypes = "Can't set the value when types are not equal!";
 
@@ -30,8 +30,8 @@ bool areSame(const KEL& value, const KEL* other) {
 /// Every test below runs for each kind.
 class EveryKind : public ::testing::TestWithParam<KELKind> {
 protected:
-    Value value = sampleOf(GetParam());
-    const Value same = equalTo(value);
+    HeldValue value = sampleOf(GetParam());
+    const HeldValue same = equalTo(value);
 };
 
 INSTANTIATE_TEST_SUITE_P(Kinds, EveryKind, ::testing::ValuesIn(everyKind));
@@ -75,7 +75,7 @@ TEST_P(EveryKind, HasAnIdentityOfItsOwn) {
 
 TEST_P(EveryKind, KeepsAGivenIdentity) {
     const JHashCode given(1, 2, 3, 4);
-    const Value made(kel::createValue(GetParam(), &given));
+    const HeldValue made(kel::createValue(GetParam(), &given));
     JHashCode identity;
     EXPECT_EQ(made->getHashCode(identity), given);
 }
@@ -96,8 +96,8 @@ TEST_P(EveryKind, ComparesTwoValuesByIdentity) {
 
 TEST_P(EveryKind, TwoValuesOfOneIdentityAreEqual) {
     const JHashCode given(1, 2, 3, 4);
-    const Value first(kel::createValue(GetParam(), &given));
-    const Value second(kel::createValue(KELKind_Int, &given));
+    const HeldValue first(kel::createValue(GetParam(), &given));
+    const HeldValue second(kel::createValue(KELKind_Int, &given));
     EXPECT_TRUE(areSame(*first, second.get()));
 }
 
@@ -108,7 +108,7 @@ TEST_P(EveryKind, EqualsAValueOfTheSameContents) {
 }
 
 TEST_P(EveryKind, DoesNotEqualAnEmptyValueOfItsKind) {
-    const Value empty(kel::createValue(GetParam(), nullptr));
+    const HeldValue empty(kel::createValue(GetParam(), nullptr));
     EXPECT_FALSE(value->equalsValue(empty.get()));
     EXPECT_FALSE(empty->equalsValue(value.get()));
 }
@@ -135,7 +135,7 @@ TEST_P(EveryKind, CopiesToANewValueOfItsKindAndContents) {
 TEST_P(EveryKind, ACopyHasNoObservers) {
     Watcher watcher;
     value->addObserver(&watcher);
-    const Value copy(KEL_Impl::of(value->copy()));
+    const HeldValue copy(KEL_Impl::of(value->copy()));
     EXPECT_EQ(copy->countObservers(), 0);
 }
 
@@ -145,8 +145,8 @@ TEST_P(EveryKind, ACopyHasAPublicClassToo) {
 }
 
 TEST_P(EveryKind, TakesOverItsOwnKindAndNotifiesOnce) {
-    const Value target(GetParam() == KELKind_MemBlock ? new KEL_MemBlock_Impl(3, nullptr)
-                                                      : kel::createValue(GetParam(), nullptr));
+    const HeldValue target(GetParam() == KELKind_MemBlock ? new KEL_MemBlock_Impl(3, nullptr)
+                                                          : kel::createValue(GetParam(), nullptr));
     Watcher watcher;
     target->addObserver(&watcher);
     target->assign(value.get());
@@ -159,7 +159,7 @@ TEST_P(EveryKind, RefusesToTakeOverAnotherKind) {
     value->addObserver(&watcher);
     for (const KELKind kind : everyKind) {
         if (kind != GetParam()) {
-            const Value other = sampleOf(kind);
+            const HeldValue other = sampleOf(kind);
             EXPECT_EQ(thrownMessage<KELNoSuchTypeException>([&] { value->assign(other.get()); }),
                       differentTypes);
         }
@@ -185,8 +185,8 @@ TEST_P(EveryKind, AssigningItselfChangesNoContents) {
 
 TEST_P(EveryKind, ConvertsFromEveryKindThatHasAForm) {
     for (const KELKind kind : everyKind) {
-        const Value source = sampleOf(kind);
-        const Value target = sampleOf(GetParam());
+        const HeldValue source = sampleOf(kind);
+        const HeldValue target = sampleOf(GetParam());
         Watcher watcher;
         target->addObserver(&watcher);
         target->assignConverted(source.get(), true);
@@ -244,7 +244,7 @@ void setAgain(KEL_guid& value) {
     value.setValue(value.getValue(guid));
 }
 
-template <class Scalar> void expectOneChangeForEachSetter(const Value& value) {
+template <class Scalar> void expectOneChangeForEachSetter(const HeldValue& value) {
     auto& scalar = dynamic_cast<Scalar&>(*value);
     Watcher watcher;
     value->addObserver(&watcher);

@@ -16,7 +16,7 @@ using kel::test::referencesOf;
 using kel::test::thrownMessage;
 using kel::test::Watcher;
 
-const std::string badIndex = "Array index out of bounds.";
+const std::string outOfBounds = "Array index out of bounds.";
 
 /// An array, watched, and values of the test's own.
 class KEL_ArrayTest : public ::testing::Test {
@@ -83,31 +83,31 @@ TEST_F(KEL_ArrayTest, GettersRefuseABadIndex) {
     fill({1, 2});
     JHashCode guid;
     for (const int32_t index : {-1, 2, INT32_MIN, INT32_MAX}) {
-        EXPECT_EQ(messageOf([&] { array->getVar(index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { std::as_const(*array).getVar(index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->getBoolean(index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->getInt(index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->getDouble(index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->getString(index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->getguid(index, guid); }), badIndex);
+        EXPECT_EQ(messageOf([&] { array->getVar(index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { std::as_const(*array).getVar(index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->getBoolean(index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->getInt(index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->getDouble(index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->getString(index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->getguid(index, guid); }), outOfBounds);
     }
 }
 
 TEST_F(KEL_ArrayTest, SettersRefuseABadIndexAndNotifyNobody) {
     fill({1, 2});
     for (const int32_t index : {-1, 2, INT32_MIN, INT32_MAX}) {
-        EXPECT_EQ(messageOf([&] { array->setVar(one.get(), index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setVar(nullptr, index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setVarValue(index, one.get()); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setString(index, "5"); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setString(index, nullptr); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setguid(index, JHashCode(5)); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setDouble(index, 5.0); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setDouble(index, 5.0F); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setInt(index, 5); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setInt(index, 5L); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setInt(index, 5UL); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->setBoolean(index, true); }), badIndex);
+        EXPECT_EQ(messageOf([&] { array->setVar(one.get(), index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setVar(nullptr, index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setVarValue(index, one.get()); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setString(index, "5"); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setString(index, nullptr); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setguid(index, JHashCode(5)); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setDouble(index, 5.0); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setDouble(index, 5.0F); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setInt(index, 5); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setInt(index, 5L); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setInt(index, 5UL); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->setBoolean(index, true); }), outOfBounds);
     }
     EXPECT_EQ(numbers(), (Numbers{1, 2}));
     EXPECT_EQ(watcher.calls(), 0);
@@ -129,8 +129,8 @@ TEST_F(KEL_ArrayTest, InsertVarAtTheCountAppends) {
 TEST_F(KEL_ArrayTest, InsertVarBeyondTheCountIsRefused) {
     fill({1, 2});
     for (const int32_t index : {3, -1, INT32_MAX}) {
-        EXPECT_EQ(messageOf([&] { array->insertVar(one.get(), index); }), badIndex);
-        EXPECT_EQ(messageOf([&] { array->insertVar(nullptr, index); }), badIndex);
+        EXPECT_EQ(messageOf([&] { array->insertVar(one.get(), index); }), outOfBounds);
+        EXPECT_EQ(messageOf([&] { array->insertVar(nullptr, index); }), outOfBounds);
     }
     EXPECT_EQ(numbers(), (Numbers{1, 2}));
     EXPECT_EQ(watcher.calls(), 0);

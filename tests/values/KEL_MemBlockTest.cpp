@@ -35,7 +35,7 @@ Block lazy(JInputStream* source, int32_t size) {
 }
 
 /// Returns ten bytes that were dots, after read has written into them.
-std::string read(KEL_MemBlock& block, int32_t offset, int32_t count) {
+std::string bytesOf(KEL_MemBlock& block, int32_t offset, int32_t count) {
     std::string out(10, '.');
     block.read(offset, out.data(), count);
     return out;
@@ -77,9 +77,9 @@ TEST(KEL_MemBlock, MadeFromNullIsZero) {
 TEST(KEL_MemBlock, ReadsUpToItsEnd) {
     const Block block = sixteen();
     EXPECT_EQ(contentsOf(*block), digits);
-    EXPECT_EQ(read(*block, 15, 1), "F.........");
-    EXPECT_EQ(read(*block, 10, 6), "ABCDEF....");
-    EXPECT_EQ(read(*block, 16, 0), "..........");
+    EXPECT_EQ(bytesOf(*block, 15, 1), "F.........");
+    EXPECT_EQ(bytesOf(*block, 10, 6), "ABCDEF....");
+    EXPECT_EQ(bytesOf(*block, 16, 0), "..........");
 }
 
 TEST(KEL_MemBlock, RefusesToReadPastItsEnd) {
@@ -118,7 +118,7 @@ TEST(KEL_MemBlock, ANullDestinationOrSourceDoesNothingWhateverTheRange) {
 
 TEST(KEL_MemBlock, ABlockOfNoBytesIsReadAndWritten) {
     const Block block = make<KEL_MemBlock_Impl>(0, nullptr);
-    EXPECT_EQ(read(*block, 0, 0), "..........");
+    EXPECT_EQ(bytesOf(*block, 0, 0), "..........");
     block->write(0, "x", 0);
     EXPECT_EQ(messageOfRead(*block, 0, 1), pastEndOfRead);
     EXPECT_EQ(messageOfWrite(*block, 0, 1), pastEndOfWrite);
@@ -126,26 +126,26 @@ TEST(KEL_MemBlock, ABlockOfNoBytesIsReadAndWritten) {
 
 TEST(KEL_MemBlock, ANegativeOffsetIsNotRefusedAndSkipsWhatLiesBefore) {
     const Block block = sixteen();
-    EXPECT_EQ(read(*block, -3, 5), "...01.....");
-    EXPECT_EQ(read(*block, -5, 5), "..........");
-    EXPECT_EQ(read(*block, INT32_MIN, 8), "..........");
+    EXPECT_EQ(bytesOf(*block, -3, 5), "...01.....");
+    EXPECT_EQ(bytesOf(*block, -5, 5), "..........");
+    EXPECT_EQ(bytesOf(*block, INT32_MIN, 8), "..........");
     block->write(-3, "vwxyz", 5);
     EXPECT_EQ(contentsOf(*block), "yz23456789ABCDEF");
 }
 
 TEST(KEL_MemBlock, ANegativeCountIsNotRefusedAndCopiesNothing) {
     const Block block = sixteen();
-    EXPECT_EQ(read(*block, 4, -1), "..........");
-    EXPECT_EQ(read(*block, 20, -10), "..........");
-    EXPECT_EQ(read(*block, -1, -1), "..........");
+    EXPECT_EQ(bytesOf(*block, 4, -1), "..........");
+    EXPECT_EQ(bytesOf(*block, 20, -10), "..........");
+    EXPECT_EQ(bytesOf(*block, -1, -1), "..........");
     block->write(20, "xyz", -10);
     EXPECT_EQ(contentsOf(*block), digits);
 }
 
 TEST(KEL_MemBlock, ASumThatOverflows32BitsIsNotRefusedAndCopiesWhatIsInside) {
     const Block block = sixteen();
-    EXPECT_EQ(read(*block, INT32_MAX, 10), "..........");
-    EXPECT_EQ(read(*block, INT32_MAX, INT32_MAX), ".........."); // wraps to -2
+    EXPECT_EQ(bytesOf(*block, INT32_MAX, 10), "..........");
+    EXPECT_EQ(bytesOf(*block, INT32_MAX, INT32_MAX), ".........."); // wraps to -2
     block->write(INT32_MAX, "xyz", 3);
     EXPECT_EQ(contentsOf(*block), digits);
     // -2147483648 + -1 wraps to 2147483647, which is past the end.

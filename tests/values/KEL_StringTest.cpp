@@ -1,6 +1,7 @@
 #include "support/AllocationFailure.h"
 #include "support/CommaLocale.h"
 #include "support/Held.h"
+#include "support/Scalars.h"
 #include "support/Thrown.h"
 #include "support/Watcher.h"
 #include "values/KEL_String_Impl.h"
@@ -10,30 +11,26 @@
 
 namespace {
 
+using kel::test::convertedGuid;
 using kel::test::Held;
 using kel::test::make;
 using kel::test::thrownMessage;
 using kel::test::Watcher;
 
-Held<KEL_String> of(const char* text) {
+Held<KEL_String> aString(const char* text) {
     return Held<KEL_String>(new KEL_String_Impl(text));
-}
-
-JHashCode guidOf(const KEL& value) {
-    JHashCode guid(9, 9, 9, 9);
-    return value.toGuid(guid);
 }
 
 TEST(KEL_String, IsOfItsKindAndHoldsACopyOfItsText) {
     char text[] = "abc";
-    const Held<KEL_String> value = of(text);
+    const Held<KEL_String> value = aString(text);
     text[0] = '?';
     EXPECT_EQ(value->getType(), 6);
     EXPECT_STREQ(value->getValue(), "abc");
 }
 
 TEST(KEL_String, MadeFromNullIsEmpty) {
-    EXPECT_STREQ(of(nullptr)->getValue(), "");
+    EXPECT_STREQ(aString(nullptr)->getValue(), "");
 }
 
 TEST(KEL_String, MadeFromAPartOfATextHoldsThatPart) {
@@ -43,42 +40,43 @@ TEST(KEL_String, MadeFromAPartOfATextHoldsThatPart) {
 }
 
 TEST(KEL_String, IsTrueWithAnyCharacters) {
-    EXPECT_TRUE(of("0")->toBoolean());
-    EXPECT_TRUE(of("false")->toBoolean());
-    EXPECT_TRUE(of(" ")->toBoolean());
-    EXPECT_FALSE(of("")->toBoolean());
+    EXPECT_TRUE(aString("0")->toBoolean());
+    EXPECT_TRUE(aString("false")->toBoolean());
+    EXPECT_TRUE(aString(" ")->toBoolean());
+    EXPECT_FALSE(aString("")->toBoolean());
 }
 
 TEST(KEL_String, IsItsLeadingNumber) {
-    EXPECT_EQ(of("0")->toInt(), 0);
-    EXPECT_EQ(of("12abc")->toInt(), 12);
-    EXPECT_EQ(of("abc")->toInt(), 0);
-    EXPECT_EQ(of("2.5abc")->toDouble(), 2.5);
-    EXPECT_EQ(of("")->toDouble(), 0.0);
-    EXPECT_EQ(guidOf(*of("12abc")), JHashCode(12, 0, 0, 0));
-    EXPECT_EQ(guidOf(*of("-1")), JHashCode(0xFFFFFFFFU, 0, 0, 0));
+    EXPECT_EQ(aString("0")->toInt(), 0);
+    EXPECT_EQ(aString("12abc")->toInt(), 12);
+    EXPECT_EQ(aString("abc")->toInt(), 0);
+    EXPECT_EQ(aString("2.5abc")->toDouble(), 2.5);
+    EXPECT_EQ(aString("")->toDouble(), 0.0);
+    EXPECT_EQ(convertedGuid(*aString("12abc")), JHashCode(12, 0, 0, 0));
+    EXPECT_EQ(convertedGuid(*aString("-1")), JHashCode(0xFFFFFFFFU, 0, 0, 0));
 }
 
 TEST(KEL_String, AGuidTextIsNotReadAsAGuid) {
-    EXPECT_EQ(guidOf(*of("3F2504E0-4F89-11D3-9A0C-0305E82C3301")), JHashCode(3, 0, 0, 0));
+    EXPECT_EQ(convertedGuid(*aString("3F2504E0-4F89-11D3-9A0C-0305E82C3301")),
+              JHashCode(3, 0, 0, 0));
 }
 
 TEST(KEL_String, TextIsItsOwnCharacters) {
-    const Held<KEL_String> value = of("abc");
+    const Held<KEL_String> value = aString("abc");
     EXPECT_EQ(value->toString(), value->getValue());
     value->freeString();
     EXPECT_STREQ(value->toString(), "abc");
 }
 
 TEST(KEL_String, GetCharAnswersEveryCharacter) {
-    const Held<KEL_String> value = of("a\xFF");
+    const Held<KEL_String> value = aString("a\xFF");
     EXPECT_EQ(value->getChar(0), 'a');
     EXPECT_EQ(value->getChar(1), '\xFF');
     EXPECT_EQ(value->getChar(-1), '\0');
 }
 
 TEST(KEL_String, GetCharPastTheEndThrows) {
-    const Held<KEL_String> value = of("abc");
+    const Held<KEL_String> value = aString("abc");
     const auto getChar = [&](int32_t index) {
         return thrownMessage<KELArrayIndexOutOfBoundsException>([&] { value->getChar(index); });
     };
@@ -87,7 +85,7 @@ TEST(KEL_String, GetCharPastTheEndThrows) {
 }
 
 TEST(KEL_String, SettersStoreTheTextForm) {
-    const Held<KEL_String> value = of("");
+    const Held<KEL_String> value = aString("");
     EXPECT_STREQ(value->setBoolean(true)->getValue(), "true");
     EXPECT_STREQ(value->setBoolean(false)->getValue(), "false");
     EXPECT_STREQ(value->setInt(-7)->getValue(), "-7");
@@ -97,14 +95,14 @@ TEST(KEL_String, SettersStoreTheTextForm) {
 }
 
 TEST(KEL_String, SetFromNullChangesNothing) {
-    const Held<KEL_String> value = of("abc");
+    const Held<KEL_String> value = aString("abc");
     value->setValue(nullptr);
     value->setString(nullptr);
     EXPECT_STREQ(value->getValue(), "abc");
 }
 
 TEST(KEL_String, SetFromItsOwnCharactersIsSafe) {
-    const Held<KEL_String> value = of("abc");
+    const Held<KEL_String> value = aString("abc");
     value->setValue(value->getValue() + 1);
     EXPECT_STREQ(value->getValue(), "bc");
 }
@@ -112,9 +110,9 @@ TEST(KEL_String, SetFromItsOwnCharactersIsSafe) {
 TEST(KEL_String, NumbersAreTheSameInEveryLocale) {
     const kel::test::CommaLocale comma;
     KEL_NEED(comma);
-    EXPECT_STREQ(of("")->setDouble(1234.5)->getValue(), "1234.500000");
-    EXPECT_EQ(of("1.5")->toDouble(), 1.5);
-    EXPECT_EQ(of("1,5")->toDouble(), 1.0);
+    EXPECT_STREQ(aString("")->setDouble(1234.5)->getValue(), "1234.500000");
+    EXPECT_EQ(aString("1.5")->toDouble(), 1.5);
+    EXPECT_EQ(aString("1,5")->toDouble(), 1.0);
 }
 
 /// A text that does not fit the object of a String.
@@ -130,7 +128,7 @@ TEST(KEL_String, KeepsItsTextWhenTheNewOneCannotBeAllocated) {
 }
 
 TEST(KEL_String, FailureToAllocateIsTheStringsOwn) {
-    const Held<KEL_String> value = of("abc");
+    const Held<KEL_String> value = aString("abc");
     const kel::test::FailingAllocation failing(0);
     EXPECT_EQ(thrownMessage<JOutOfMemoryException>([&] { value->setValue(longText); }),
               "Cannot allocate memory in JString constructor.");

@@ -1,4 +1,5 @@
 #include "support/Held.h"
+#include "support/SampleGuids.h"
 #include "support/Watcher.h"
 #include "values/KEL_guid_Impl.h"
 
@@ -8,11 +9,10 @@ namespace {
 
 using kel::test::Held;
 using kel::test::make;
+using kel::test::sampleCode;
 using kel::test::Watcher;
 
-const JHashCode sample(0x3F2504E0U, 0x11D34F89U, 0x05030C9AU, 0x01332CE8U);
-
-Held<KEL_guid> of(const JHashCode& value) {
+Held<KEL_guid> aGuid(const JHashCode& value) {
     return Held<KEL_guid>(new KEL_guid_Impl(value));
 }
 
@@ -23,46 +23,46 @@ JHashCode valueOf(const KEL_guid& guid) {
 }
 
 TEST(KEL_guid, IsOfItsKindAndHoldsItsValue) {
-    EXPECT_EQ(of(sample)->getType(), 4);
-    EXPECT_EQ(valueOf(*of(sample)), sample);
+    EXPECT_EQ(aGuid(sampleCode)->getType(), 4);
+    EXPECT_EQ(valueOf(*aGuid(sampleCode)), sampleCode);
 }
 
 TEST(KEL_guid, IsIndependentOfTheIdentity) {
     JHashCode identity;
-    EXPECT_NE(of(sample)->getHashCode(identity), sample);
-    EXPECT_EQ(make<KEL_guid_Impl>(JHashCode(1, 2, 3, 4), sample)->getHashCode(identity),
+    EXPECT_NE(aGuid(sampleCode)->getHashCode(identity), sampleCode);
+    EXPECT_EQ(make<KEL_guid_Impl>(JHashCode(1, 2, 3, 4), sampleCode)->getHashCode(identity),
               JHashCode(1, 2, 3, 4));
 }
 
 TEST(KEL_guid, IsItsIntValueAsANumber) {
-    EXPECT_EQ(of(JHashCode(5))->toInt(), 5);
-    EXPECT_EQ(of(JHashCode(0xFFFFFFFFU))->toInt(), -1);
-    EXPECT_EQ(of(JHashCode(5))->toDouble(), 5.0);
-    EXPECT_EQ(of(JHashCode())->toInt(), 0);
+    EXPECT_EQ(aGuid(JHashCode(5))->toInt(), 5);
+    EXPECT_EQ(aGuid(JHashCode(0xFFFFFFFFU))->toInt(), -1);
+    EXPECT_EQ(aGuid(JHashCode(5))->toDouble(), 5.0);
+    EXPECT_EQ(aGuid(JHashCode())->toInt(), 0);
 }
 
 TEST(KEL_guid, SaturatesWithAnyBitOutsideTheLowestWord) {
     for (int bit = 0; bit < 32; ++bit) {
         const uint32_t word = 1U << bit;
-        EXPECT_EQ(of(JHashCode(0, word, 0, 0))->toInt(), 2147483647);
-        EXPECT_EQ(of(JHashCode(0, 0, word, 0))->toInt(), 2147483647);
-        EXPECT_EQ(of(JHashCode(0, 0, 0, word))->toDouble(), 2147483647.0);
+        EXPECT_EQ(aGuid(JHashCode(0, word, 0, 0))->toInt(), 2147483647);
+        EXPECT_EQ(aGuid(JHashCode(0, 0, word, 0))->toInt(), 2147483647);
+        EXPECT_EQ(aGuid(JHashCode(0, 0, 0, word))->toDouble(), 2147483647.0);
     }
 }
 
 TEST(KEL_guid, IsTrueUnlessItsIntIs0) {
-    EXPECT_TRUE(of(JHashCode(2))->toBoolean());
-    EXPECT_TRUE(of(JHashCode(0, 0, 0, 1))->toBoolean());
-    EXPECT_FALSE(of(JHashCode())->toBoolean());
+    EXPECT_TRUE(aGuid(JHashCode(2))->toBoolean());
+    EXPECT_TRUE(aGuid(JHashCode(0, 0, 0, 1))->toBoolean());
+    EXPECT_FALSE(aGuid(JHashCode())->toBoolean());
 }
 
 TEST(KEL_guid, TextIsTheGuidLayout) {
-    EXPECT_STREQ(of(sample)->toString(), "3F2504E0-4F89-11D3-9A0C-0305E82C3301");
-    EXPECT_STREQ(of(JHashCode())->toString(), "00000000-0000-0000-0000-000000000000");
+    EXPECT_STREQ(aGuid(sampleCode)->toString(), "3F2504E0-4F89-11D3-9A0C-0305E82C3301");
+    EXPECT_STREQ(aGuid(JHashCode())->toString(), "00000000-0000-0000-0000-000000000000");
 }
 
 TEST(KEL_guid, TextIsWrittenAnewAtEveryCall) {
-    const Held<KEL_guid> value = of(sample);
+    const Held<KEL_guid> value = aGuid(sampleCode);
     value->toString();
     value->setValue(JHashCode());
     EXPECT_STREQ(value->toString(), "00000000-0000-0000-0000-000000000000");
@@ -72,17 +72,17 @@ TEST(KEL_guid, TextIsWrittenAnewAtEveryCall) {
 
 TEST(KEL_guid, ToGuidIsTheValue) {
     JHashCode out;
-    EXPECT_EQ(of(sample)->toGuid(out), sample);
+    EXPECT_EQ(aGuid(sampleCode)->toGuid(out), sampleCode);
 }
 
 TEST(KEL_guid, SettersPutNumbersIntoTheLowestWord) {
-    const Held<KEL_guid> value = of(sample);
+    const Held<KEL_guid> value = aGuid(sampleCode);
     EXPECT_EQ(valueOf(*value->setBoolean(true)), JHashCode(1, 0, 0, 0));
     EXPECT_EQ(valueOf(*value->setBoolean(false)), JHashCode());
     EXPECT_EQ(valueOf(*value->setInt(-1)), JHashCode(0xFFFFFFFFU, 0, 0, 0));
     EXPECT_EQ(valueOf(*value->setDouble(-2.7)), JHashCode(0xFFFFFFFEU, 0, 0, 0));
     EXPECT_EQ(valueOf(*value->setString("12abc")), JHashCode(12, 0, 0, 0));
-    EXPECT_EQ(valueOf(*value->setguid(sample)), sample);
+    EXPECT_EQ(valueOf(*value->setguid(sampleCode)), sampleCode);
 }
 
 } // namespace

@@ -15,7 +15,6 @@ using namespace kel::test;
 
 namespace {
 
-constexpr int million = 1000000;
 constexpr int many = million / 4; // for cases that differ little from similar ones
 
 using Wrap = KEL_Impl* (*)(KEL_Impl* inner);

@@ -15,10 +15,10 @@ namespace {
 using kel::test::Held;
 using kel::test::make;
 using kel::test::thrownMessage;
-using Names = Held<StringEnumeration_Impl>;
+using HeldNames = Held<StringEnumeration_Impl>;
 
-Names listOf(std::initializer_list<const char*> texts) {
-    Names names = make<StringEnumeration_Impl>();
+HeldNames enumerationOf(std::initializer_list<const char*> texts) {
+    HeldNames names = make<StringEnumeration_Impl>();
     for (const char* text : texts) {
         names->add(text);
     }
@@ -37,7 +37,7 @@ std::vector<std::string> rest(StringEnumeration& names) {
 using Texts = std::vector<std::string>;
 
 TEST(StringEnumeration, IsEmptyAtFirst) {
-    const Names names = listOf({});
+    const HeldNames names = enumerationOf({});
     EXPECT_FALSE(names->hasMoreElements());
     EXPECT_EQ(names->getCount(), 0);
     EXPECT_FALSE(names->contains("a"));
@@ -46,34 +46,34 @@ TEST(StringEnumeration, IsEmptyAtFirst) {
 }
 
 TEST(StringEnumeration, EmptyRaisesThroughTheRuntimesInterfaceToo) {
-    const Names names = listOf({});
+    const HeldNames names = enumerationOf({});
     const JEnumeration& walk = *names;
     EXPECT_EQ(thrownMessage<KELNoSuchElementException>([&] { walk.nextElement(); }),
               "Enumeration is empty.");
 }
 
 TEST(StringEnumeration, KeepsTheOrderOfAddition) {
-    EXPECT_EQ(rest(*listOf({"b", "a", "c"})), (Texts{"b", "a", "c"}));
+    EXPECT_EQ(rest(*enumerationOf({"b", "a", "c"})), (Texts{"b", "a", "c"}));
 }
 
 TEST(StringEnumeration, TheSameTextIsKeptOnce) {
-    const Names names = listOf({"a", "b", "a"});
+    const HeldNames names = enumerationOf({"a", "b", "a"});
     EXPECT_EQ(names->getCount(), 2);
     EXPECT_EQ(rest(*names), (Texts{"a", "b"}));
 }
 
 TEST(StringEnumeration, AnotherLetterCaseIsAnotherText) {
-    EXPECT_EQ(rest(*listOf({"a", "A"})), (Texts{"a", "A"}));
+    EXPECT_EQ(rest(*enumerationOf({"a", "A"})), (Texts{"a", "A"}));
 }
 
 TEST(StringEnumeration, TheEmptyTextIsAText) {
-    const Names names = listOf({""});
+    const HeldNames names = enumerationOf({""});
     EXPECT_EQ(names->getCount(), 1);
     EXPECT_TRUE(names->contains(""));
 }
 
 TEST(StringEnumeration, NullIsIgnored) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     names->add(nullptr);
     names->remove(nullptr);
     names->addAll(nullptr);
@@ -83,13 +83,13 @@ TEST(StringEnumeration, NullIsIgnored) {
 
 TEST(StringEnumeration, HoldsCopies) {
     char text[] = "abc";
-    const Names names = listOf({text});
+    const HeldNames names = enumerationOf({text});
     text[0] = '?';
     EXPECT_TRUE(names->contains("abc"));
 }
 
 TEST(StringEnumeration, TheTextStaysWhileTheListLives) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     const char* text = names->nextElement();
     for (int i = 0; i < 100; ++i) {
         names->add(std::to_string(i).c_str());
@@ -98,7 +98,7 @@ TEST(StringEnumeration, TheTextStaysWhileTheListLives) {
 }
 
 TEST(StringEnumeration, PastTheLastTextTheAnswerIsNull) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     names->nextElement();
     EXPECT_EQ(names->nextElement(), nullptr);
     const JEnumeration& walk = *names;
@@ -106,22 +106,22 @@ TEST(StringEnumeration, PastTheLastTextTheAnswerIsNull) {
 }
 
 TEST(StringEnumeration, ResetStartsOver) {
-    const Names names = listOf({"a", "b"});
+    const HeldNames names = enumerationOf({"a", "b"});
     rest(*names);
     names->reset();
     EXPECT_EQ(rest(*names), (Texts{"a", "b"}));
 }
 
 TEST(StringEnumeration, ContainsComparesWholeTexts) {
-    const Names names = listOf({"abc"});
+    const HeldNames names = enumerationOf({"abc"});
     EXPECT_TRUE(names->contains("abc"));
     EXPECT_FALSE(names->contains("ab"));
     EXPECT_FALSE(names->contains("ABC"));
 }
 
 TEST(StringEnumeration, AddAllAddsWhatIsMissingAndResetsTheOther) {
-    const Names names = listOf({"a", "b"});
-    const Names other = listOf({"c", "b", "d"});
+    const HeldNames names = enumerationOf({"a", "b"});
+    const HeldNames other = enumerationOf({"c", "b", "d"});
     other->nextElement();
     names->addAll(other.get());
     EXPECT_EQ(rest(*names), (Texts{"a", "b", "c", "d"}));
@@ -129,7 +129,7 @@ TEST(StringEnumeration, AddAllAddsWhatIsMissingAndResetsTheOther) {
 }
 
 TEST(StringEnumeration, AddAllOfItselfChangesNothingAndResets) {
-    const Names names = listOf({"a", "b"});
+    const HeldNames names = enumerationOf({"a", "b"});
     names->nextElement();
     names->addAll(names.get());
     EXPECT_EQ(names->getCount(), 2);
@@ -137,20 +137,20 @@ TEST(StringEnumeration, AddAllOfItselfChangesNothingAndResets) {
 }
 
 TEST(StringEnumeration, RemoveTakesTheText) {
-    const Names names = listOf({"a", "b", "c"});
+    const HeldNames names = enumerationOf({"a", "b", "c"});
     names->remove("b");
     EXPECT_EQ(rest(*names), (Texts{"a", "c"}));
 }
 
 TEST(StringEnumeration, RemoveOfAnAbsentTextChangesNothing) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     names->remove("b");
     EXPECT_EQ(names->getCount(), 1);
-    listOf({})->remove("b");
+    enumerationOf({})->remove("b");
 }
 
 TEST(StringEnumeration, RemovingBeforeTheCursorSkipsTheOneAfterIt) {
-    const Names names = listOf({"a", "b", "c", "d"});
+    const HeldNames names = enumerationOf({"a", "b", "c", "d"});
     names->nextElement();
     names->nextElement();
     names->remove("a");
@@ -158,7 +158,7 @@ TEST(StringEnumeration, RemovingBeforeTheCursorSkipsTheOneAfterIt) {
 }
 
 TEST(StringEnumeration, OnceFilledAndEmptiedItIsNotEmptyAsANewOne) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     names->remove("a");
     EXPECT_EQ(names->getCount(), 0);
     EXPECT_FALSE(names->hasMoreElements());
@@ -166,7 +166,7 @@ TEST(StringEnumeration, OnceFilledAndEmptiedItIsNotEmptyAsANewOne) {
 }
 
 TEST(StringEnumeration, IsAnEnumerationOfStrings) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     const JEnumeration& walk = *names;
     const JPointer<JObject> element(walk.nextElement());
     const auto* string = dynamic_cast<JString*>(element.get());
@@ -177,7 +177,7 @@ TEST(StringEnumeration, IsAnEnumerationOfStrings) {
 }
 
 TEST(StringEnumeration, CountsReferencesButAnswersOne) {
-    StringEnumeration* names = listOf({"a"}).detach();
+    StringEnumeration* names = enumerationOf({"a"}).detach();
     names->addRef();
     EXPECT_EQ(names->getRefCount(), 1);
     EXPECT_EQ(names->release(), 1);
@@ -187,11 +187,11 @@ TEST(StringEnumeration, CountsReferencesButAnswersOne) {
 TEST(StringEnumeration, HasAnIdentityOfItsOwn) {
     JHashCode first;
     JHashCode second;
-    EXPECT_NE(listOf({})->getHashCode(first), listOf({})->getHashCode(second));
+    EXPECT_NE(enumerationOf({})->getHashCode(first), enumerationOf({})->getHashCode(second));
 }
 
 TEST(StringEnumeration, EveryAllocationMayFail) {
-    Names names = listOf({"a"});
+    HeldNames names = enumerationOf({"a"});
     const auto add = [&] {
         for (const char* text : {"b", "c", "d", "e", "f", "g"}) {
             names->add(text);
@@ -204,13 +204,13 @@ TEST(StringEnumeration, EveryAllocationMayFail) {
             names->remove(text == "a" ? nullptr : text.c_str());
         }
         EXPECT_TRUE(names->contains("a"));
-        names = listOf({"a"}); // the room that was made is gone
+        names = enumerationOf({"a"}); // the room that was made is gone
     };
     EXPECT_GE(kel::test::failEachAllocation(add, expectWhole), 3U);
 }
 
 TEST(StringEnumeration, AStringThatCannotBeMadeIsReturnedLater) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     const JEnumeration& walk = *names;
     std::vector<std::string> texts;
     const auto next = [&] {
@@ -224,7 +224,7 @@ TEST(StringEnumeration, AStringThatCannotBeMadeIsReturnedLater) {
 }
 
 TEST(StringEnumeration, AListUsedAsAQueueKeepsItsTextsInPlace) {
-    const Names names = listOf({"first"});
+    const HeldNames names = enumerationOf({"first"});
     const char* first = names->nextElement();
     std::vector<const char*> texts;
     for (int i = 0; i < 3000; ++i) {
@@ -244,7 +244,7 @@ TEST(StringEnumeration, AListUsedAsAQueueKeepsItsTextsInPlace) {
 }
 
 TEST(StringEnumeration, AnAddedTextCanBelongToTheList) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     const char* text = names->nextElement();
     names->remove(text);
     names->add("b");
@@ -254,7 +254,7 @@ TEST(StringEnumeration, AnAddedTextCanBelongToTheList) {
 
 TEST(StringEnumeration, ALongListDoesWhatAShortOneDoes) {
     std::mt19937 random(5);
-    const Names names = listOf({});
+    const HeldNames names = enumerationOf({});
     Texts expected;
     for (int32_t step = 0; step < 20000; ++step) {
         const std::string text = "name " + std::to_string(random() % 400);
@@ -272,7 +272,7 @@ TEST(StringEnumeration, ALongListDoesWhatAShortOneDoes) {
             }
         }
     }
-    const Names all = listOf({"name 7"});
+    const HeldNames all = enumerationOf({"name 7"});
     all->addAll(names.get());
     expected.erase(std::remove(expected.begin(), expected.end(), "name 7"), expected.end());
     expected.insert(expected.begin(), "name 7");
@@ -281,7 +281,7 @@ TEST(StringEnumeration, ALongListDoesWhatAShortOneDoes) {
 }
 
 TEST(StringEnumeration, AnEmptiedListMakesRoomForALongText) {
-    const Names names = listOf({"a"});
+    const HeldNames names = enumerationOf({"a"});
     names->remove("a");
     const std::string text(1000, 'b');
     names->add(text.c_str());

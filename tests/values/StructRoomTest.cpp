@@ -21,7 +21,7 @@ using kel::test::Watcher;
 
 constexpr const char* longName = "a name that does not fit into its entry";
 
-Held<KEL_Struct_Impl> structOf(int count) {
+Held<KEL_Struct_Impl> numberedStruct(int count) {
     Held<KEL_Struct_Impl> made = make<KEL_Struct_Impl>();
     for (int i = 0; i < count; ++i) {
         made->putInt(std::to_string(100000 + i).c_str(), i);
@@ -37,7 +37,7 @@ protected:
         atFirst = change;
     }
 
-    Held<KEL_Struct_Impl> changed = structOf(GetParam());
+    Held<KEL_Struct_Impl> changed = numberedStruct(GetParam());
     const Held<KEL_Int_Impl> value = make<KEL_Int_Impl>(7);
     std::function<void()> atFirst;
     std::optional<FailingAllocation> nothingLeft;
@@ -75,7 +75,7 @@ TEST_P(StructRoom, AReplacedVariableIsStoredAfterAllOthersAreRemoved) {
 }
 
 TEST_P(StructRoom, AReplacedVariableIsStoredAmongContentsTakenOver) {
-    const Held<KEL_Struct_Impl> source = structOf(GetParam());
+    const Held<KEL_Struct_Impl> source = numberedStruct(GetParam());
     changed->putInt(longName, 1);
     changeAtFirst([&] { changed->assign(source.get()); });
     changed->addVar(longName, value.get());

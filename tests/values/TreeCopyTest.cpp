@@ -30,6 +30,7 @@ using kel::test::managerOf;
 using kel::test::metaOf;
 using kel::test::referencesOf;
 using kel::test::ring;
+using kel::test::selfHeld;
 using kel::test::structOf;
 using kel::test::TakeApart;
 using kel::test::valuesOf;
@@ -204,14 +205,6 @@ TEST(TreeCopy, ACycleKeepsTheCopyFinite) {
     const TakeApart apartToo(copy.get());
     EXPECT_EQ(valuesOf(*copy).size(), 102U);
     EXPECT_FALSE(unfoldedSize(*source).has_value());
-}
-
-/// Returns an array that contains itself and that nobody else holds, borrowed.
-KEL_Array_Impl* selfHeld() {
-    auto* array = new KEL_Array_Impl();
-    array->addVar(array);
-    array->release();
-    return array;
 }
 
 TEST(TreeCopy, AValueThatOnlyItselfHoldsIsCopied) {

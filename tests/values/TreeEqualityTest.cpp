@@ -17,18 +17,11 @@ using kel::test::HeldValue;
 using kel::test::make;
 using kel::test::RandomNumbers;
 using kel::test::ring;
+using kel::test::selfHeld;
 using kel::test::TakeApart;
 using kel::test::valuesOf;
 using Array = Held<KEL_Array_Impl>;
 using Struct = Held<KEL_Struct_Impl>;
-
-/// Returns an array that contains itself and that nobody else holds, borrowed.
-KEL_Array_Impl* selfHeld() {
-    auto* array = new KEL_Array_Impl();
-    array->addVar(array);
-    array->release();
-    return array;
-}
 
 TEST(TreeEquality, ValuesThatOnlyThemselvesHoldAreCompared) {
     KEL_Array_Impl* first = selfHeld();

@@ -1,6 +1,7 @@
 // Tests the typed operations of containers: the result of each getter and each setter for a value
 // of each kind, and the value that each adder and putter stores. Arrays and all kinds with the
 // operations of a struct follow the same rules.
+#include "support/SampleGuids.h"
 #include "support/Samples.h"
 #include "support/Watcher.h"
 
@@ -11,8 +12,6 @@ using namespace kel::test;
 
 namespace {
 
-const JHashCode sample(0x3F2504E0U, 0x11D34F89U, 0x05030C9AU, 0x01332CE8U);
-const std::string sampleText = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
 const std::string zeros = "-0000-0000-0000-000000000000";
 
 /// Returns the kind and the text of a value.
@@ -143,8 +142,8 @@ std::vector<Setter> everySetter() {
         setter("unsigned long",
                [](auto& c, auto at) { c.setInt(at, static_cast<unsigned long>(4294967304)); },
                {"8", "true", "8.000000", "00000008" + zeros, "8"}),
-        setter("guid", [](auto& c, auto at) { c.setguid(at, sample); },
-               {"2147483647", "true", "2147483647.000000", sampleText, sampleText}),
+        setter("guid", [](auto& c, auto at) { c.setguid(at, sampleCode); },
+               {"2147483647", "true", "2147483647.000000", sampleGuid, sampleGuid}),
         setter("true", [](auto& c, auto at) { c.setBoolean(at, true); },
                {"1", "true", "1.000000", "00000001" + zeros, "true"}),
         setter("false", [](auto& c, auto at) { c.setBoolean(at, false); },
@@ -254,7 +253,7 @@ TEST_P(TypedStructOperations, NullIsIgnoredAlsoUnderAnUnknownName) {
 TEST_P(TypedStructOperations, PuttersStoreANewValueOfTheirKind) {
     watch(held.get(), watcher);
     structure.putString("a", "x");
-    structure.putguid("b", sample);
+    structure.putguid("b", sampleCode);
     structure.putDouble("c", 2.5);
     structure.putDouble("d", 0.25F);
     structure.putInt("e", int32_t{7});
@@ -267,7 +266,7 @@ TEST_P(TypedStructOperations, PuttersStoreANewValueOfTheirKind) {
         all += described(at(held, name)) + " ";
         EXPECT_EQ(referencesOf(*at(held, name)), 1) << name;
     }
-    EXPECT_EQ(all, "6:x 4:" + sampleText + " 3:2.500000 3:0.250000 1:7 1:8 1:9 2:true ");
+    EXPECT_EQ(all, "6:x 4:" + sampleGuid + " 3:2.500000 3:0.250000 1:7 1:8 1:9 2:true ");
 }
 
 TEST_P(TypedStructOperations, PuttersReplaceAValueOfAnotherKind) {
@@ -282,7 +281,7 @@ TEST(TypedArrayOperations, AddersAppendANewValueOfTheirKindAndAnswerItsIndex) {
     Watcher watcher;
     watch(held.get(), watcher);
     EXPECT_EQ(array.addString("x"), 0);
-    EXPECT_EQ(array.addguid(sample), 1);
+    EXPECT_EQ(array.addguid(sampleCode), 1);
     EXPECT_EQ(array.addDouble(2.5), 2);
     EXPECT_EQ(array.addDouble(0.25F), 3);
     EXPECT_EQ(array.addInt(int32_t{7}), 4);
@@ -295,7 +294,7 @@ TEST(TypedArrayOperations, AddersAppendANewValueOfTheirKindAndAnswerItsIndex) {
     for (int32_t i = 0; i < array.getCount(); ++i) {
         all += described(array.getVar(i)) + " ";
     }
-    EXPECT_EQ(all, "6:x 4:" + sampleText + " 3:2.500000 3:0.250000 1:7 1:8 1:9 2:true ");
+    EXPECT_EQ(all, "6:x 4:" + sampleGuid + " 3:2.500000 3:0.250000 1:7 1:8 1:9 2:true ");
 }
 
 } // namespace

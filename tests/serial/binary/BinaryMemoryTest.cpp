@@ -1,5 +1,6 @@
 // Measures how much memory the bytes of a binary input can take.
 #include "support/AllocationFailure.h"
+#include "support/Guids.h"
 #include "support/Records.h"
 #include "support/Trees.h"
 #include "support/ValueStreams.h"
@@ -14,10 +15,6 @@ namespace {
 /// The limit in docs/binary-format.md on the bytes that reading allocates for each byte of input.
 constexpr std::size_t promised = 20;
 constexpr std::size_t inputSize = std::size_t{2} << 20;
-
-JHashCode numbered(uint32_t number) {
-    return JHashCode(number, 2, 3, 4);
-}
 
 std::string empty(uint32_t number, int32_t kind) {
     return record(numbered(number), kind, "");

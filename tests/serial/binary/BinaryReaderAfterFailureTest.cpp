@@ -1,5 +1,6 @@
 // Tests the state after a failed read of the binary reader: the position in the input, and the
 // targets of references.
+#include "serial/binary/BinaryRefusals.h"
 #include "support/AllocationFailure.h"
 #include "support/Bytes.h"
 #include "support/PieceStream.h"
@@ -16,9 +17,6 @@ using namespace kel::test;
 
 namespace {
 
-constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
-constexpr const char* badHeader = "Error reading KEL header.";
-constexpr const char* badCode = "Error in KEL hash code.";
 constexpr const char* noString = "BinaryDataInput::JReadString(). EOF reached.";
 
 /// Returns the message of the exception that a read throws, of any class that a binary reader

@@ -1,4 +1,5 @@
 // The refusals of the binary reader, and the state after a failed read.
+#include "serial/binary/BinaryRefusals.h"
 #include "support/AllocationFailure.h"
 #include "support/Bytes.h"
 #include "support/PieceStream.h"
@@ -12,13 +13,6 @@
 using namespace kel::test;
 
 namespace {
-
-constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
-constexpr const char* badHeader = "Error reading KEL header.";
-
-std::string refusal(const std::string& records) {
-    return thrownMessage<KELIOException>([&] { readBinary(records); });
-}
 
 std::string cutShort(const std::string& records) {
     return thrownMessage<JEOFException>([&] { readBinary(records); });

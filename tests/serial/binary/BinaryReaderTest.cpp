@@ -1,4 +1,5 @@
 // The input that the binary reader accepts.
+#include "serial/binary/BinaryRefusals.h"
 #include "support/Bytes.h"
 #include "support/Kinds.h"
 #include "support/PieceStream.h"
@@ -14,13 +15,6 @@
 using namespace kel::test;
 
 namespace {
-
-constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
-constexpr const char* badCode = "Error in KEL hash code.";
-
-std::string refusal(const std::string& records) {
-    return thrownMessage<KELIOException>([&] { readBinary(records); });
-}
 
 // ---- Every kind --------------------------------------------------------------------------------
 

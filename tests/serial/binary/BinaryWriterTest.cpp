@@ -15,8 +15,6 @@ using namespace kel::test;
 
 namespace {
 
-constexpr JHashCode counting(0x03020100, 0x07060504, 0x0B0A0908, 0x0F0E0D0C);
-
 const std::string magic = "4B 45 4C 00 ";                                        // "KEL" and a NUL
 const std::string identity = "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F "; // of counting
 const std::string zeroes = "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ";

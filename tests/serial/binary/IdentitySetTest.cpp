@@ -1,16 +1,15 @@
 // The set of the values that the binary writer has written.
 #include "serial/binary/IdentitySet.h"
 
+#include "support/Guids.h"
+
 #include <gtest/gtest.h>
 
 using kel::IdentityIndex;
 using kel::IdentitySet;
+using kel::test::numbered;
 
 namespace {
-
-JHashCode numbered(uint32_t number) {
-    return JHashCode(number, 0, 0, 7);
-}
 
 bool isNew(IdentitySet& set, uint32_t number) {
     return set.insert(numbered(number), false) != IdentityIndex::none;

@@ -73,7 +73,7 @@ constexpr std::size_t memoryFor(std::size_t textSize) {
            (1024 + static_cast<std::size_t>(ExpansionBudget::perByte)) * textSize;
 }
 
-const char* const pieces[] = {
+const char* const smallPieces[] = {
     "<[][]>",
     "-",
     "-. ",
@@ -92,7 +92,7 @@ const char* const pieces[] = {
 };
 
 TEST(TextExpansion, AFewLinesNeverFillTheMemory) {
-    for (const char* piece : pieces) {
+    for (const char* piece : smallPieces) {
         const std::string text = explosionOf(piece) + "C";
         const AllocationBudget memory(memoryFor(text.size()));
         EXPECT_EQ(refusalOf(text), syntaxErrorAt(4)) << piece;
@@ -100,7 +100,7 @@ TEST(TextExpansion, AFewLinesNeverFillTheMemory) {
 }
 
 TEST(TextExpansion, ALongTextUsesMoreButInProportion) {
-    for (const char* piece : pieces) {
+    for (const char* piece : smallPieces) {
         const std::string text = explosionOf(piece) + "[" + repeated("A ", 20000) + "]";
         const AllocationBudget memory(memoryFor(text.size()));
         const std::string message = refusalOf(text);
@@ -117,13 +117,14 @@ TEST(TextExpansion, SeveralRootsSpendOneBudget) {
     }
 }
 
-constexpr int size = 100;
+constexpr int mapSize = 100;
 const std::string tile = "#define W { a = 1 b = 2 c = 3 d = 4 e = 5 f = 6 g = 7 h = 8 i = 9 }\n";
 
 TEST(TextExpansion, AMapOfManySmallStructsIsRead) {
-    const auto map = read(tile + "[" + repeated("[" + repeated("W ", size) + "]\n", size) + "]");
-    EXPECT_EQ(asArray(map).getCount(), size);
-    EXPECT_EQ(asArray(at(map, size - 1)).getCount(), size);
+    const auto map =
+        read(tile + "[" + repeated("[" + repeated("W ", mapSize) + "]\n", mapSize) + "]");
+    EXPECT_EQ(asArray(map).getCount(), mapSize);
+    EXPECT_EQ(asArray(at(map, mapSize - 1)).getCount(), mapSize);
 }
 
 TEST(TextExpansion, AStreamUsesADefinitionAsLongAsItRuns) {

@@ -1,4 +1,5 @@
 // Tests hash codes in text: guids, and identities before values, in headers and in managers.
+#include "support/SampleGuids.h"
 #include "support/Samples.h"
 #include "support/ValueStreams.h"
 #include "support/Values.h"
@@ -8,12 +9,6 @@
 using namespace kel::test;
 
 namespace {
-
-const std::string sample = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
-const std::string decimal = "12345678-4F89-11D3-9A0C-0305E82C3301"; // a number to the tokenizer
-const std::string letters = "ABCDEFAB-CDEF-ABCD-EFAB-CDEFABCDEFAB"; // a word to the tokenizer
-const std::string allDigits = "12345678-1234-1234-1234-123456789012";
-const std::string other = "00000000-0000-0000-0000-0000000000FF";
 
 /// Returns the layout of the guid value in a text.
 std::string guidIn(const std::string& text) {
@@ -30,38 +25,39 @@ std::string intWithIdentity(const std::string& text) {
 // ---- Guid values -------------------------------------------------------------------------------
 
 TEST(TextGuid, AHashCodeAtTheEndOfTheInputIsAGuid) {
-    EXPECT_EQ(guidIn(sample), sample);
+    EXPECT_EQ(guidIn(sampleGuid), sampleGuid);
 }
 
 TEST(TextGuid, AHashCodeAtALineEndIsAGuid) {
-    EXPECT_EQ(guidIn(sample + "\n5"), sample);
-    EXPECT_EQ(guidIn(sample + " \t\r\n5"), sample);
-    EXPECT_EQ(guidIn(sample + "\f5"), sample);
+    EXPECT_EQ(guidIn(sampleGuid + "\n5"), sampleGuid);
+    EXPECT_EQ(guidIn(sampleGuid + " \t\r\n5"), sampleGuid);
+    EXPECT_EQ(guidIn(sampleGuid + "\f5"), sampleGuid);
 }
 
 TEST(TextGuid, ACommentBehindAGuidChangesNothing) {
-    EXPECT_EQ(guidIn(sample + " // note\n5"), sample);
-    EXPECT_EQ(guidIn(sample + " /* note */"), sample);
+    EXPECT_EQ(guidIn(sampleGuid + " // note\n5"), sampleGuid);
+    EXPECT_EQ(guidIn(sampleGuid + " /* note */"), sampleGuid);
 }
 
 TEST(TextGuid, AHashCodeBeforeAClosingBracketIsAGuid) {
-    EXPECT_EQ(rewritten("[" + sample + "]"), "[\n\t" + sample + "\n]\n");
-    EXPECT_EQ(rewritten("{a = " + sample + " }"), "{\n\ta = " + sample + "\n}\n");
-    EXPECT_EQ(rewritten("(" + other + " = " + sample + ")"),
-              "(\n\t" + other + " = " + sample + "\n)\n");
+    EXPECT_EQ(rewritten("[" + sampleGuid + "]"), "[\n\t" + sampleGuid + "\n]\n");
+    EXPECT_EQ(rewritten("{a = " + sampleGuid + " }"), "{\n\ta = " + sampleGuid + "\n}\n");
+    EXPECT_EQ(rewritten("(" + otherGuid + " = " + sampleGuid + ")"),
+              "(\n\t" + otherGuid + " = " + sampleGuid + "\n)\n");
 }
 
 TEST(TextGuid, GuidsOnLinesOfTheirOwnAreElements) {
-    const std::string text = "[\n\t" + sample + "\n\t" + letters + "\n\t" + decimal + "\n]\n";
+    const std::string text =
+        "[\n\t" + sampleGuid + "\n\t" + letterGuid + "\n\t" + decimalGuid + "\n]\n";
     EXPECT_EQ(rewritten(text), text);
 }
 
 TEST(TextGuid, EightDecimalDigitsAndADashBeginAGuid) {
-    EXPECT_EQ(guidIn(decimal), decimal);
-    EXPECT_EQ(guidIn(allDigits), allDigits);
+    EXPECT_EQ(guidIn(decimalGuid), decimalGuid);
+    EXPECT_EQ(guidIn(digitGuid), digitGuid);
     EXPECT_EQ(guidIn("00000000-0000-0000-0000-000000000000"),
               "00000000-0000-0000-0000-000000000000");
-    EXPECT_EQ(rewritten("{ a = " + decimal + "\n}"), "{\n\ta = " + decimal + "\n}\n");
+    EXPECT_EQ(rewritten("{ a = " + decimalGuid + "\n}"), "{\n\ta = " + decimalGuid + "\n}\n");
 }
 
 TEST(TextGuid, EightDecimalDigitsAndADashThatBeginNoGuidAreANumber) {
@@ -81,12 +77,12 @@ TEST(TextGuid, ANegativeNumberNeverBeginsAGuid) {
 }
 
 TEST(TextGuid, LowerCaseDigitsAreTheSame) {
-    EXPECT_EQ(guidIn("3f2504e0-4f89-11d3-9a0c-0305e82c3301"), sample);
-    EXPECT_EQ(guidIn("abcdefab-cdef-abcd-efab-cdefabcdefab"), letters);
+    EXPECT_EQ(guidIn("3f2504e0-4f89-11d3-9a0c-0305e82c3301"), sampleGuid);
+    EXPECT_EQ(guidIn("abcdefab-cdef-abcd-efab-cdefabcdefab"), letterGuid);
 }
 
 TEST(TextGuid, DashesMayStandAnywhereButNotNowhere) {
-    EXPECT_EQ(guidIn("3F2504E04F8911D39A0C0305E82C330-1"), sample);
+    EXPECT_EQ(guidIn("3F2504E04F8911D39A0C0305E82C330-1"), sampleGuid);
     EXPECT_EQ(refusalOf("AF2504E04F8911D39A0C0305E82C3301"), syntaxErrorAt(1)); // a word
 }
 
@@ -98,44 +94,45 @@ TEST(TextGuid, AHashCodeThatIsCutShortIsASyntaxError) {
 // ---- Identities before values ------------------------------------------------------------------
 
 TEST(TextIdentity, AHashCodeAndAValueOnItsLineIsTheValuesIdentity) {
-    EXPECT_EQ(intWithIdentity(sample + " 5"), "Int with " + sample);
-    EXPECT_EQ(intWithIdentity(sample + " = 5"), "Int with " + sample);
-    EXPECT_EQ(intWithIdentity(sample + "=5"), "Int with " + sample);
-    EXPECT_EQ(intWithIdentity(sample + " /* note */ 5"), "Int with " + sample);
-    EXPECT_EQ(intWithIdentity(decimal + " = 5"), "Int with " + decimal);
-    EXPECT_EQ(intWithIdentity(letters + " 5"), "Int with " + letters);
+    EXPECT_EQ(intWithIdentity(sampleGuid + " 5"), "Int with " + sampleGuid);
+    EXPECT_EQ(intWithIdentity(sampleGuid + " = 5"), "Int with " + sampleGuid);
+    EXPECT_EQ(intWithIdentity(sampleGuid + "=5"), "Int with " + sampleGuid);
+    EXPECT_EQ(intWithIdentity(sampleGuid + " /* note */ 5"), "Int with " + sampleGuid);
+    EXPECT_EQ(intWithIdentity(decimalGuid + " = 5"), "Int with " + decimalGuid);
+    EXPECT_EQ(intWithIdentity(letterGuid + " 5"), "Int with " + letterGuid);
 }
 
 TEST(TextIdentity, EveryKindTakesIt) {
     for (const char* value : {"5", "1.5", "true", "\"x\"", "[ 1 ]", "{ a = 1 }", "( )"}) {
-        EXPECT_EQ(identityOf(read(sample + " = " + value)), sample) << value;
-        EXPECT_EQ(identityOf(at(read("[ " + sample + " " + value + " ]"), 0)), sample) << value;
+        EXPECT_EQ(identityOf(read(sampleGuid + " = " + value)), sampleGuid) << value;
+        EXPECT_EQ(identityOf(at(read("[ " + sampleGuid + " " + value + " ]"), 0)), sampleGuid)
+            << value;
     }
 }
 
 TEST(TextIdentity, TwoHashCodesAreAGuidWithAnIdentity) {
-    const auto guid = read(sample + " = " + other + "\n");
+    const auto guid = read(sampleGuid + " = " + otherGuid + "\n");
     EXPECT_EQ(guid->getType(), KELKind_guid);
-    EXPECT_STREQ(guid->toString(), other.c_str());
-    EXPECT_EQ(identityOf(guid), sample);
+    EXPECT_STREQ(guid->toString(), otherGuid.c_str());
+    EXPECT_EQ(identityOf(guid), sampleGuid);
 }
 
 TEST(TextIdentity, ThreeHashCodesAreASyntaxError) {
-    EXPECT_EQ(refusalOf("[" + sample + " = " + other + " = 5]"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("[" + sampleGuid + " = " + otherGuid + " = 5]"), syntaxErrorAt(1));
 }
 
 TEST(TextIdentity, OnlyTheValueItStandsBeforeTakesIt) {
-    const auto array = read("[ " + sample + " = [ 1 ] 2 ]");
-    EXPECT_EQ(identityOf(at(array, 0)), sample);
-    EXPECT_NE(identityOf(at(array, 1)), sample);
-    EXPECT_NE(identityOf(KEL_Impl::of(asArray(at(array, 0)).getVar(0))), sample);
-    EXPECT_NE(identityOf(array), sample);
+    const auto array = read("[ " + sampleGuid + " = [ 1 ] 2 ]");
+    EXPECT_EQ(identityOf(at(array, 0)), sampleGuid);
+    EXPECT_NE(identityOf(at(array, 1)), sampleGuid);
+    EXPECT_NE(identityOf(KEL_Impl::of(asArray(at(array, 0)).getVar(0))), sampleGuid);
+    EXPECT_NE(identityOf(array), sampleGuid);
 }
 
 TEST(TextIdentity, InFrontOfNullItIsIgnored) {
-    const auto value = read("{ a = " + sample + " = null b = 1 }");
+    const auto value = read("{ a = " + sampleGuid + " = null b = 1 }");
     EXPECT_EQ(at(value, "a"), nullptr);
-    EXPECT_NE(identityOf(at(value, "b")), sample);
+    EXPECT_NE(identityOf(at(value, "b")), sampleGuid);
 }
 
 TEST(TextIdentity, ValuesWithoutOneGetAFreshOne) {
@@ -144,26 +141,28 @@ TEST(TextIdentity, ValuesWithoutOneGetAFreshOne) {
 }
 
 TEST(TextIdentity, MayBeMissingAValueBehindItsEqualsSign) {
-    EXPECT_EQ(endingOf(sample + " = "), endAt(1));
-    EXPECT_EQ(refusalOf("[" + sample + " = ]"), syntaxErrorAt(1));
+    EXPECT_EQ(endingOf(sampleGuid + " = "), endAt(1));
+    EXPECT_EQ(refusalOf("[" + sampleGuid + " = ]"), syntaxErrorAt(1));
 }
 
 // ---- Headers -----------------------------------------------------------------------------------
 
 TEST(TextGuid, BeforeTheBracketOfAnotherContainerIsASyntaxError) {
     for (const char* bracket : {")", ">", "}"}) {
-        EXPECT_EQ(refusalOf("[ " + sample + bracket), syntaxErrorAt(1)) << bracket;
+        EXPECT_EQ(refusalOf("[ " + sampleGuid + bracket), syntaxErrorAt(1)) << bracket;
     }
 }
 
 TEST(TextHeader, GivesTheStructItsIdentity) {
-    EXPECT_EQ(identityOf(read("{ @hashCode = " + sample + "\n}")), sample);
-    EXPECT_EQ(identityOf(read("{ @type = 8, @hashCode = " + decimal + "\n\ta = 1\n}")), decimal);
-    EXPECT_EQ(identityOf(read("{@hashCode=" + letters + ",@type=8}")), letters);
+    EXPECT_EQ(identityOf(read("{ @hashCode = " + sampleGuid + "\n}")), sampleGuid);
+    EXPECT_EQ(identityOf(read("{ @type = 8, @hashCode = " + decimalGuid + "\n\ta = 1\n}")),
+              decimalGuid);
+    EXPECT_EQ(identityOf(read("{@hashCode=" + letterGuid + ",@type=8}")), letterGuid);
 }
 
 TEST(TextHeader, IsNoEntry) {
-    EXPECT_EQ(rewritten("{ @type = 8, @hashCode = " + sample + "\n\ta = 1\n}"), "{\n\ta = 1\n}\n");
+    EXPECT_EQ(rewritten("{ @type = 8, @hashCode = " + sampleGuid + "\n\ta = 1\n}"),
+              "{\n\ta = 1\n}\n");
 }
 
 TEST(TextHeader, EntriesMayFollowOnItsLine) {
@@ -203,14 +202,14 @@ TEST(TextHeader, ATypeOtherThanStructIsASyntaxError) {
 
 TEST(TextHeader, AHashCodeThatIsNoneIsASyntaxError) {
     EXPECT_EQ(refusalOf("{ @hashCode = 5\n}"), syntaxErrorAt(1));
-    EXPECT_EQ(refusalOf("{ @hashCode = \"" + sample + "\"\n}"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("{ @hashCode = \"" + sampleGuid + "\"\n}"), syntaxErrorAt(1));
 }
 
 TEST(TextHeader, EndOfInputInsideItIsTheEndOfInput) {
     EXPECT_EQ(endingOf("{ @type"), endAt(1));
     EXPECT_EQ(endingOf("{ @type = "), endAt(1));
     EXPECT_EQ(endingOf("{ @hashCode = \n"), endAt(2));
-    EXPECT_EQ(endingOf("{ @hashCode = " + sample), endAt(1));
+    EXPECT_EQ(endingOf("{ @hashCode = " + sampleGuid), endAt(1));
 }
 
 TEST(TextHeader, ACommaMayFollowEveryItemOnItsLine) {
@@ -224,46 +223,47 @@ TEST(TextHeader, ACommaMayFollowEveryItemOnItsLine) {
 }
 
 TEST(TextHeader, GoesOnWhereAnItemEnds) {
-    EXPECT_EQ(identityOf(read("{ @type =\n8, @hashCode = " + sample + " }")), sample);
-    EXPECT_EQ(identityOf(read("{ /* a\n*/ @hashCode = " + sample + " }")), sample);
+    EXPECT_EQ(identityOf(read("{ @type =\n8, @hashCode = " + sampleGuid + " }")), sampleGuid);
+    EXPECT_EQ(identityOf(read("{ /* a\n*/ @hashCode = " + sampleGuid + " }")), sampleGuid);
 }
 
 TEST(TextHeader, OfARepeatedItemTheLastCounts) {
-    EXPECT_EQ(identityOf(read("{ @hashCode = " + other + " @hashCode = " + sample + " }")), sample);
+    EXPECT_EQ(identityOf(read("{ @hashCode = " + otherGuid + " @hashCode = " + sampleGuid + " }")),
+              sampleGuid);
     EXPECT_EQ(read("{ @type = 8 @type = 50 }")->getType(), KELKind_MetaKel);
 }
 
 TEST(TextHeader, AnIdentityInFrontOfTheStructWins) {
-    EXPECT_EQ(identityOf(read(other + " = { @hashCode = " + sample + "\n}")), other);
+    EXPECT_EQ(identityOf(read(otherGuid + " = { @hashCode = " + sampleGuid + "\n}")), otherGuid);
 }
 
 // ---- Managers ----------------------------------------------------------------------------------
 
 TEST(TextManager, EntriesGetTheirIdentities) {
-    const auto manager = read("(\n\t" + sample + " = 5\n\t" + decimal + " = \"x\"\n)\n");
+    const auto manager = read("(\n\t" + sampleGuid + " = 5\n\t" + decimalGuid + " = \"x\"\n)\n");
     ASSERT_EQ(asManager(manager).size(), 2);
     EXPECT_EQ(rewritten(textOf(manager)), textOf(manager));
-    EXPECT_EQ(textOf(manager), "(\n\t" + sample + " = 5\n\t" + decimal + " = \"x\"\n)\n");
+    EXPECT_EQ(textOf(manager), "(\n\t" + sampleGuid + " = 5\n\t" + decimalGuid + " = \"x\"\n)\n");
 }
 
 TEST(TextManager, EveryFormOfHashCodeIsAKey) {
-    for (const std::string& key : {sample, decimal, letters, allDigits, other}) {
+    for (const std::string& key : {sampleGuid, decimalGuid, letterGuid, digitGuid, otherGuid}) {
         EXPECT_EQ(rewritten("(" + key + "=5)"), "(\n\t" + key + " = 5\n)\n");
     }
 }
 
 TEST(TextManager, ANullEntryIsIgnored) {
-    EXPECT_EQ(rewritten("( " + sample + " = null )"), "(\n)\n");
+    EXPECT_EQ(rewritten("( " + sampleGuid + " = null )"), "(\n)\n");
 }
 
 TEST(TextManager, OfTwoEqualEntriesTheLastWinsInTheFirstOnesPlace) {
-    EXPECT_EQ(rewritten("( " + sample + " = 1 " + other + " = 2 " + sample + " = 3 )"),
-              "(\n\t" + sample + " = 3\n\t" + other + " = 2\n)\n");
+    EXPECT_EQ(rewritten("( " + sampleGuid + " = 1 " + otherGuid + " = 2 " + sampleGuid + " = 3 )"),
+              "(\n\t" + sampleGuid + " = 3\n\t" + otherGuid + " = 2\n)\n");
 }
 
 TEST(TextManager, AnEntryMayBeAGuid) {
-    EXPECT_EQ(rewritten("( " + sample + " = " + other + "\n)"),
-              "(\n\t" + sample + " = " + other + "\n)\n");
+    EXPECT_EQ(rewritten("( " + sampleGuid + " = " + otherGuid + "\n)"),
+              "(\n\t" + sampleGuid + " = " + otherGuid + "\n)\n");
 }
 
 TEST(TextManager, TheZeroIdentityIsAKeyLikeOthers) {
@@ -293,17 +293,17 @@ TEST(TextManager, TheZeroIdentityIsAKeyLikeOthersAmongMany) {
 TEST(TextManager, AKeyThatIsNoHashCodeIsASyntaxError) {
     EXPECT_EQ(refusalOf("( a = 5 )"), syntaxErrorAt(1));
     EXPECT_EQ(refusalOf("( 5 )"), syntaxErrorAt(1));
-    EXPECT_EQ(refusalOf("( \"" + sample + "\" = 5 )"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("( \"" + sampleGuid + "\" = 5 )"), syntaxErrorAt(1));
 }
 
 TEST(TextManager, AnEntryNeedsAnEqualsSign) {
-    EXPECT_EQ(refusalOf("( " + sample + " 5 )"), syntaxErrorAt(1));
-    EXPECT_EQ(endingOf("( " + sample + " "), endAt(1));
-    EXPECT_EQ(endingOf("( " + sample + " = "), endAt(1));
+    EXPECT_EQ(refusalOf("( " + sampleGuid + " 5 )"), syntaxErrorAt(1));
+    EXPECT_EQ(endingOf("( " + sampleGuid + " "), endAt(1));
+    EXPECT_EQ(endingOf("( " + sampleGuid + " = "), endAt(1));
 }
 
 TEST(TextManager, AnEntryCannotHaveASecondIdentity) {
-    EXPECT_EQ(refusalOf("( " + sample + " = " + other + " = 5 )"), syntaxErrorAt(1));
+    EXPECT_EQ(refusalOf("( " + sampleGuid + " = " + otherGuid + " = 5 )"), syntaxErrorAt(1));
 }
 
 } // namespace

@@ -10,11 +10,11 @@ using namespace kel::test;
 
 namespace {
 
-constexpr int count = 20000;
+constexpr int elements = 20000;
 
 std::string repeated(const std::function<std::string(int)>& piece) {
     std::string text;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < elements; ++i) {
         text += piece(i);
     }
     return text;

@@ -2,6 +2,7 @@
 // docs/text-format.md. This file tests the others, and that a host that continues after every
 // failure reaches the end.
 #include "support/Bytes.h"
+#include "support/SampleGuids.h"
 #include "support/ValueStreams.h"
 #include "support/Values.h"
 
@@ -10,9 +11,6 @@
 using namespace kel::test;
 
 namespace {
-
-const std::string code = "3F2504E0-4F89-11D3-9A0C-0305E82C3301";
-const std::string other = "00000000-0000-0000-0000-0000000000FF";
 
 /// A text whose first read fails, and the input that is left after it.
 struct Refusal {
@@ -31,8 +29,8 @@ const Refusal refusals[] = {
     {"/* open", "* open"},
     {"\r1", "1"},
     {"[ 1 } 2", " 2"},
-    {code + " = ? 1", " 1"},
-    {"[ " + code + " = " + code + " = 5 ]", " 5 ]"},
+    {sampleGuid + " = ? 1", " 1"},
+    {"[ " + sampleGuid + " = " + sampleGuid + " = 5 ]", " 5 ]"},
     // Structs
     {"{ = 1 }", " 1 }"},
     {"{ \"\" = 1 }", " = 1 }"},
@@ -53,8 +51,8 @@ const Refusal refusals[] = {
     {"( a = 5 )", " = 5 )"},
     {"( ? )", " )"},
     {"( 12345678-4F )", "-4F )"},
-    {"( " + code + " 5 )", " )"},
-    {"( " + code + " = " + other + " = 5 )", " 5 )"},
+    {"( " + sampleGuid + " 5 )", " )"},
+    {"( " + sampleGuid + " = " + otherGuid + " = 5 )", " 5 )"},
     {"< 5 [ ] >", " [ ] >"},
     {"< { } [ ] >", " [ ] >"},
     {"< [ ] > 1", " 1"},
@@ -62,8 +60,8 @@ const Refusal refusals[] = {
     {"< [ ] [ ] [ ] > 1", " > 1"},
     {"REF 5 1", " 1"},
     {"[ REF ] 1", " 1"},
-    {"REF " + code + " 1", " 1"},
-    {"[ " + code + " = 5 " + other + " = REF " + code + " 1 ]", " 1 ]"},
+    {"REF " + sampleGuid + " 1", " 1"},
+    {"[ " + sampleGuid + " = 5 " + otherGuid + " = REF " + sampleGuid + " 1 ]", " 1 ]"},
     // Definitions
     {"#5 1", " 1"},
     {"#? 1", " 1"},

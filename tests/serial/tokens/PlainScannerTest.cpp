@@ -20,10 +20,10 @@ using kel::PlainScalar;
 using kel::PlainScanner;
 using Form = PlainScalar::Form;
 
-constexpr uint32_t seed = 20261122;
+constexpr uint32_t tokenSeed = 20261122;
 
 /// Tokens in any order, most of them whole.
-class RandomTexts {
+class RandomTokens {
 public:
     std::string next() {
         static const std::vector<std::string> pieces = {"12",
@@ -78,7 +78,7 @@ public:
     }
 
 private:
-    std::mt19937 random_{seed};
+    std::mt19937 random_{tokenSeed};
 };
 
 /// The state machines at a place of a text.
@@ -203,7 +203,7 @@ std::size_t compare(const std::string& text, std::size_t from, std::size_t to) {
 }
 
 TEST(PlainScanner, RecognisesWhatTheMachinesFindInEveryPartOfRandomTexts) {
-    RandomTexts texts;
+    RandomTokens texts;
     std::size_t recognised = 0;
     for (int i = 0; i < 1500; ++i) {
         const std::string text = texts.next();
@@ -212,7 +212,7 @@ TEST(PlainScanner, RecognisesWhatTheMachinesFindInEveryPartOfRandomTexts) {
                 recognised += compare(text, from, to);
             }
         }
-        ASSERT_FALSE(HasFailure()) << "seed " << seed << ", text " << i;
+        ASSERT_FALSE(HasFailure()) << "seed " << tokenSeed << ", text " << i;
     }
     EXPECT_GT(recognised, 1000U);
 }
