@@ -7,10 +7,10 @@
 #if !defined(_WIN32)
 
 #include "support/EndChild.h"
+#include "support/NewProcess.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <pthread.h>
 #include <random>
@@ -220,11 +220,6 @@ TEST(SlabStore, AThreadCanEndWithAFullSlab) {
         std::thread([&left] { left.take(112); }).join();
     }
 }
-
-/// Checks the condition in a new process, whose store nobody has used.
-#define EXPECT_TRUE_IN_NEW_PROCESS(condition)                                                      \
-    GTEST_FLAG_SET(death_test_style, "threadsafe");                                                \
-    EXPECT_EXIT(std::exit((condition) ? 0 : 1), testing::ExitedWithCode(0), "")
 
 bool getsNoBlockWithoutMemory() {
     void* block = nullptr;

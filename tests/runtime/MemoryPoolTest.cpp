@@ -37,6 +37,24 @@ TEST(MemoryPool, ASegmentIsAsLargeAsTheWriteNeeds) {
     EXPECT_EQ(read(pool, 3, 7), "defghij");
 }
 
+TEST(MemoryPool, AWriteThatEndsWithTheLastSegmentAddsNone) {
+    MemoryPool pool(4, 4);
+    pool.write(0, "abcd", 4);
+    EXPECT_EQ(pool.getSize(), 4U);
+    pool.write(2, "efgh", 4);
+    pool.write(4, "ijkl", 4);
+    EXPECT_EQ(pool.getSize(), 8U);
+    EXPECT_EQ(read(pool, 0, 8), "abefijkl");
+}
+
+TEST(MemoryPool, AWriteOfNothingAtTheEndChangesNothing) {
+    MemoryPool pool(4, 4);
+    pool.write(0, "abcd", 4);
+    pool.write(4, "x", 0);
+    EXPECT_EQ(pool.getSize(), 4U);
+    EXPECT_EQ(read(pool, 0, 4), "abcd");
+}
+
 TEST(MemoryPool, CollectsByteByByteAcrossManySegments) {
     MemoryPool pool(5, 3);
     const std::string text = "the quick brown fox jumps over the lazy dog";

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
@@ -23,19 +24,25 @@ using kel::test::CommaLocale;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 const double nan = std::nan("");
 
-std::string text(int32_t value) {
-    char buffer[kel::integerTextSize];
-    const std::size_t length = formatInteger(buffer, value);
+/// Formats a value into a buffer. Expects a NUL after the text, and nothing after the NUL.
+template <std::size_t size, class Value>
+std::string formatted(std::size_t (*format)(char*, Value), Value value) {
+    constexpr char untouched = '?';
+    char buffer[size + 2];
+    std::fill(std::begin(buffer), std::end(buffer), untouched);
+    const std::size_t length = format(buffer, value);
+    EXPECT_LT(length, size);
     EXPECT_EQ(buffer[length], '\0');
+    EXPECT_EQ(buffer[length + 1], untouched);
     return {buffer, length};
 }
 
+std::string text(int32_t value) {
+    return formatted<kel::integerTextSize>(formatInteger, value);
+}
+
 std::string text(double value) {
-    char buffer[kel::doubleTextSize];
-    const std::size_t length = formatDouble(buffer, value);
-    EXPECT_LT(length, kel::doubleTextSize);
-    EXPECT_EQ(buffer[length], '\0');
-    return {buffer, length};
+    return formatted<kel::doubleTextSize>(formatDouble, value);
 }
 
 /// Returns the output of printf, with a decimal point in every locale.
