@@ -34,7 +34,7 @@ public:
     const fs::path& path() const { return path_; }
     fs::path operator/(const char* name) const { return path_ / name; }
     /// Returns the number of files in the folder.
-    long count() const { return std::distance(fs::directory_iterator(path_), {}); }
+    std::ptrdiff_t count() const { return std::distance(fs::directory_iterator(path_), {}); }
 
 private:
     fs::path path_;

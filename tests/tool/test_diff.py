@@ -489,7 +489,8 @@ class Output(Diff):
         self.fails(2, "kel: OLD and NEW cannot both be stdin\n", "diff", "-", "-", input="")
         for arguments in (("a.json", "broken.json"), ("broken.json", "a.json"),
                           ("broken.json", "broken.json"), ("a.json", "missing.json")):
-            self.assertEqual(self.kel("diff", *arguments).status, 3, arguments)
+            result = self.kel("diff", *arguments)
+            self.assertEqual(result.status, 3, (arguments, result.err))
 
     def test_the_output_is_bounded(self):
         self.write("a.json", "[]")
