@@ -35,8 +35,8 @@ set(_link "/nodefaultlib /libpath:${_libraries}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${_link} dll_entry.lib")
 # The stack that the tests of depth have elsewhere, and room for their trees.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${_link} /stack:2097152 /largeaddressaware program_entry.lib")
-set(_standard "runtime.lib libcxx.lib vcruntime140.lib ucrtbase.lib ntdll.lib kernel32.lib msvcp140.lib \
-user32.lib shell32.lib advapi32.lib")
+set(_standard "runtime.lib libcxx.lib vcruntime140.lib ucrtbase.lib ntdll.lib kernel32.lib user32.lib \
+shell32.lib advapi32.lib")
 set(CMAKE_CXX_STANDARD_LIBRARIES "${_standard}" CACHE STRING "")
 set(CMAKE_C_STANDARD_LIBRARIES "${_standard}" CACHE STRING "")
 
