@@ -2,9 +2,9 @@ option(KEL_UNITY_BUILD "Compile the sources of each folder as one file, which is
 
 # kel_unity_by_folder(<target>)
 #
-# With KEL_UNITY_BUILD, compiles the sources of each folder as one file. That takes a third of the time,
-# and finds two things of one name in a folder. A build without it compiles every file alone, and finds
-# what a file does not include.
+# With KEL_UNITY_BUILD, compiles the sources of each folder as one file. That takes a third to a half of
+# the time, and finds two things of one name in a folder. A build without it compiles every file alone, and
+# finds what a file does not include.
 #
 # Some sources are left out: those of the folders platform and system and those for Windows, because the
 # headers of the system define macros, and commands, because each command has its own notes. CMake leaves

@@ -9,7 +9,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-kel::checked makePanel() {
+kel::checked makeControls() {
     const std::vector<kel::described> variables = {
         {"pan", kel::describe<int>().range(-100, 100).fallback(0).unit(" %")},
         {"level", kel::describe<double>().range(-60, 0).fallback(-12)},
@@ -23,7 +23,7 @@ kel::checked makePanel() {
 
 /// Returns a panel whose variable holds what no description allows, as a file can have it.
 kel::checked holding(const char* name, const kel::value& content) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeControls();
     panel.step_by(name, 0); // which stores the default
     kel::value handle = panel[name];
     handle.assign(content);
@@ -42,7 +42,7 @@ TEST(Panel, APlaceIsBetweenItsEndsWhateverAFileHolds) {
 }
 
 TEST(Panel, ChoicesHaveTextsAsTheVariableHas) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeControls();
     EXPECT_EQ(panel.choice_texts("rate"), (Texts{"1 kHz", "2 kHz", "4 kHz"}));
     EXPECT_EQ(panel.choice_texts("rate")[1], panel.text("rate"));
     EXPECT_EQ(panel.choice_texts("mode"), (Texts{"mono", "stereo"}));
@@ -52,7 +52,7 @@ TEST(Panel, ChoicesHaveTextsAsTheVariableHas) {
 }
 
 TEST(Panel, ATruthValueIsAChoiceOfTwo) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeControls();
     EXPECT_EQ(panel.normalised("mute"), 0.0);
     EXPECT_EQ(panel.normalised("loop"), 1.0);
     panel.set_normalised("mute", 0.6);
@@ -66,7 +66,7 @@ TEST(Panel, ATruthValueIsAChoiceOfTwo) {
 }
 
 TEST(Panel, SaysWhetherAVariableHasAScale) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeControls();
     for (const char* name : {"pan", "rate", "mode", "mute"}) {
         EXPECT_TRUE(panel.has_scale(name)) << name;
     }
@@ -81,7 +81,7 @@ TEST(Panel, SaysWhetherAVariableHasAScale) {
 }
 
 TEST(Panel, IsTakenFromAPlaceAsAValueIs) {
-    kel::value rack = kel::object({{"1", makePanel()}, {"n", 2}});
+    kel::value rack = kel::object({{"1", makeControls()}, {"n", 2}});
     kel::checked one = rack["1"];
     kel::checked reached = rack.at_path("1");
     one.set("pan", 5);
@@ -96,7 +96,7 @@ TEST(Panel, IsTakenFromAPlaceAsAValueIs) {
 }
 
 TEST(Panel, ACopyIsAnotherStruct) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeControls();
     panel.set("pan", 5);
     kel::checked other = panel.copy();
     other.set("pan", 6);
@@ -106,7 +106,7 @@ TEST(Panel, ACopyIsAnotherStruct) {
 }
 
 TEST(Panel, AllVariablesAreResetAtOnce) {
-    kel::checked panel = makePanel();
+    kel::checked panel = makeControls();
     const kel::value defaults = panel.values();
     panel.set("pan", 5);
     panel.set("mode", "stereo");
@@ -129,7 +129,7 @@ template <class Action> std::string refused(const Action& action) {
 }
 
 TEST(Panel, APlaceHasTheControlsOfItsVariable) {
-    kel::value rack = kel::object({{"1", makePanel()}});
+    kel::value rack = kel::object({{"1", makeControls()}});
     rack.at_path("1.pan").set_normalised(1);
     EXPECT_EQ(rack["1"]["pan"].text(), "100 %");
     rack["1"]["pan"].step_by(-1);
@@ -144,8 +144,8 @@ TEST(Panel, APlaceHasTheControlsOfItsVariable) {
     const kel::value fixed = rack;
     EXPECT_EQ(fixed["1"]["pan"].text(), "7 %");
     EXPECT_EQ(fixed["1"]["rate"].choice_texts(), (Texts{"1 kHz", "2 kHz", "4 kHz"}));
-    EXPECT_EQ(fixed["1"].names(), makePanel().names());
-    EXPECT_EQ(fixed.find("1").names(), makePanel().names());
+    EXPECT_EQ(fixed["1"].names(), makeControls().names());
+    EXPECT_EQ(fixed.find("1").names(), makeControls().names());
     EXPECT_THROW(fixed.names(), kel::type_error);
     EXPECT_TRUE(fixed["1"]["rate"].is_described());
     EXPECT_FALSE(fixed["1"]["none"].is_described());
@@ -159,7 +159,7 @@ TEST(Panel, APlaceHasTheControlsOfItsVariable) {
 }
 
 TEST(Panel, ARefusalOfAPlaceBeginsWithItsWholePath) {
-    kel::value rack = kel::object({{"1", makePanel()}, {"list", kel::array({makePanel()})}});
+    kel::value rack = kel::object({{"1", makeControls()}, {"list", kel::array({makeControls()})}});
     EXPECT_EQ(rack["1"]["pan"].try_set(101).message(),
               "1.pan: 101 is not allowed; allowed is from -100 to 100 %.");
     EXPECT_EQ(rack.at_path("1.level").try_set(5'000'000'000).message(),
