@@ -3,7 +3,7 @@
 import json
 
 from support import ToolTest
-from test_kinds import described, rules
+from test_kinds import checked, described, rules
 
 GUID = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
 
@@ -106,3 +106,35 @@ class Schemas(ToolTest):
                    ':1:3: x: "much" is a string where a double is described')
         self.finds(one, f'{{ x = "{"y" * 2000}" }}',
                    f':1:3: x: "{"y" * 60}..." is a string where an int is described')
+
+    def test_plain_structs_can_share_a_part_of_a_schema(self):
+        inner = described(("y", rules("type = 1")))
+        self.finds(f"{{ a = {GUID} = {{ x = {inner} }} b = REF {GUID} }}",
+                   "{ a = { x = { y = true } } b = { x = { y = 1 } } }",
+                   ":1:15: a.x.y: true is a boolean where an int is described")
+
+    def test_a_number_is_not_a_checked_struct(self):
+        self.finds(described(("x", rules("type = 50"))), "{ x = 5 }",
+                   ":1:3: x: 5 is an int where a checked struct is described")
+
+
+class WrongRules(ToolTest):
+    def finds(self, mistake, *properties):
+        """Expects that the rules of a variable are wrong and allow nothing."""
+        self.write("a.kel", checked(described(("x", rules("type = 1", *properties))), "x = 2"))
+        lines = self.headings(self.kel("check", "a.kel").err)
+        self.assertEqual([line.split(": ", 3)[3] for line in lines],
+                         [mistake, "2 is not allowed (allowed: nothing)"])
+
+    def test_choices_that_are_not_in_an_array_allow_nothing(self):
+        self.finds("the allowed values are 1, not an array", "enum = 1")
+
+    def test_an_upper_bound_that_is_a_word_allows_nothing(self):
+        self.finds('the bounds 0 and "a" are not both numbers', "min = 0", 'max = "a"')
+
+    def test_a_bound_that_is_null_is_reported(self):
+        self.write("a.kel", checked(described(("x", rules("type = 1", "min = null", "max = 5"))),
+                                    "x = 2"))
+        lines = self.headings(self.kel("check", "a.kel").err)
+        self.assertEqual([line.split(": ", 3)[3] for line in lines],
+                         ["the bounds null and 5 are not both numbers"])
