@@ -129,9 +129,8 @@ class WrongRules(ToolTest):
     def test_choices_that_are_not_in_an_array_allow_nothing(self):
         self.finds("the allowed values are 1, not an array", "enum = 1")
 
-    def test_bounds_that_are_not_numbers_allow_nothing(self):
+    def test_an_upper_bound_that_is_a_word_allows_nothing(self):
         self.finds('the bounds 0 and "a" are not both numbers', "min = 0", 'max = "a"')
-        self.finds('the bounds "a" and 5 are not both numbers', 'min = "a"', "max = 5")
 
     def test_a_bound_that_is_null_is_reported(self):
         self.write("a.kel", checked(described(("x", rules("type = 1", "min = null", "max = 5"))),
