@@ -13,11 +13,6 @@ ManagerIndex::ManagerIndex(const KEL_Manager_Impl& manager) {
 }
 
 void ManagerIndex::enter(const JHashCode& identity, int32_t place) {
-    const uint32_t number = identities_.find(identity);
-    if (number != IdentityIndex::none) {
-        places_[number] = place;
-        return;
-    }
     places_.append(place);
     identities_.link(identities_.append(identity));
 }

@@ -15,7 +15,7 @@ public:
     /// Enters the elements that the manager already holds.
     explicit ManagerIndex(const KEL_Manager_Impl& manager);
 
-    /// Enters an element's identity with its place, replacing the former place of the identity.
+    /// Enters the place of an element whose identity has not been entered.
     void enter(const JHashCode& identity, int32_t place);
 
     /// Returns the place of the element with this identity, or -1 if there is none.

@@ -400,9 +400,11 @@ void TextTreeReader::addEntry(Level& manager, JPointer<KEL_Impl>&& value) {
     if (index == nullptr) {
         index = std::make_unique<ManagerIndex>(container);
     }
-    const int32_t before = index->placeOf(value->identity());
-    const int32_t place = before == -1 ? container.size() : before;
-    index->enter(value->identity(), place);
+    int32_t place = index->placeOf(value->identity());
+    if (place == -1) {
+        place = container.size();
+        index->enter(value->identity(), place);
+    }
     container.adoptElementAt(place, std::move(value));
 }
 

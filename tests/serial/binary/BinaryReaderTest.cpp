@@ -220,6 +220,7 @@ TEST(BinaryReader, ALoopOverSeveralLevelsSurvivesTheRoundTrip) {
 
 TEST(BinaryReader, TheByteOrderOfSingleNumbersIsNotThatOfRecords) {
     BinaryInput input(new PieceStream(intRecord(counting, 5)));
+    EXPECT_EQ(input->getByteOrder(), 1);
     input->setByteOrder(0);
     EXPECT_EQ(input->getByteOrder(), 0);
     EXPECT_EQ(input.read()->toInt(), 5);

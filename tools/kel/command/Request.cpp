@@ -141,7 +141,7 @@ private:
             refuseCommand(first);
         }
         if (named == nullptr) {
-            if (first.starts_with('-') && first.size() > 1) {
+            if (first.size() > 1) {
                 refuseEarlyOption(arguments_);
             }
             for (const CommandEntry* entry : allCommands()) {

@@ -8,11 +8,11 @@ namespace {
 
 constexpr std::string_view binaryMagic("KEL\0", 4);
 
-bool isLayout(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
+bool isLayoutControl(char c) {
+    return c == '\t' || c == '\n' || c == '\r' || c == '\f';
 }
 bool isControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 && !isLayout(c);
+    return static_cast<unsigned char>(c) < 0x20 && !isLayoutControl(c);
 }
 bool isInWord(char c) {
     return isLetter(c) || isDigit(c) || c == '_' || c == '.';

@@ -116,7 +116,7 @@ void JsonWalk::failName() {
     if (isAtEnd()) {
         failAtEnd("a name");
     }
-    if (c == '}' && comma_ != 0) {
+    if (c == '}') { // without a comma it would close the object
         failAt(comma_ - 1, comma_, "expected a name after \",\", found \"}\"",
                "remove the comma after the last member");
     }

@@ -7,8 +7,8 @@ namespace kel::tool {
 
 void OpenBrackets::close(size_t at, const CurrentLine& line) {
     const Bracket& opening = open_.back();
-    if (!hasMismatch_ && at == line.ink && opening.line.begin != line.begin &&
-        opening.line.indentation() != line.indentation()) {
+    // The first character of a line closes a bracket of an earlier line.
+    if (!hasMismatch_ && at == line.ink && opening.line.indentation() != line.indentation()) {
         hasMismatch_ = true;
         mismatchOpen_ = opening;
         mismatchClose_ = {at, line};

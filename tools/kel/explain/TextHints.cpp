@@ -16,7 +16,7 @@ bool startsWith(std::string_view content, size_t at, std::string_view lead) {
 
 bool isExponent(std::string_view run) {
     const size_t e = run.find_first_of("eE");
-    if (e == std::string_view::npos || e == 0) {
+    if (e == std::string_view::npos) {
         return false;
     }
     const size_t digits = run.find_first_not_of("+-", e + 1);
