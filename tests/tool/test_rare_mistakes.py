@@ -1,4 +1,4 @@
-"""More messages about files that cannot be read: rare characters, and what stands beside a mistake."""
+"""Messages about mistakes that are rare, and about what stands beside a mistake."""
 
 from support import ToolTest
 
