@@ -1,4 +1,4 @@
-option(KEL_UNITY_BUILD "Compile the sources of each folder as one file, which is faster" OFF)
+option(KEL_UNITY_BUILD "Compile the sources of a folder as one file, or in batches, which is faster" OFF)
 
 # kel_unity_by_folder(<target>)
 #

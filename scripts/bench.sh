@@ -26,6 +26,10 @@ cmake --build --preset release \
 
 KEL_BENCH_DATA=${KEL_BENCH_DATA:-/usr/share/iso-codes/json}
 export KEL_BENCH_DATA
+[ -d "$KEL_BENCH_DATA" ] || {
+    echo "bench.sh: KEL_BENCH_DATA is not a folder: $KEL_BENCH_DATA" >&2
+    exit 2
+}
 bin=build/release/bin
 results=build/release/bench
 rm -rf $results/run-*

@@ -7,7 +7,8 @@
 #                                           the machine has processors
 #   scripts/fuzz.sh minimise TARGET         replaces the kept corpus by a smallest one of the same coverage
 #
-# With a seed, a fresh checkout invents the same inputs in the same order. Without one they are always others.
+# A run with a seed begins with the kept corpus alone, and invents nearly the same inputs each time. One without
+# a seed goes on from all that was found before.
 #
 # New inputs are collected in build/fuzz/found/TARGET, and so is an input that fails. With "all", the
 # output of each target is in build/PRESET/found/TARGET.log. The whole output of the first target that
@@ -31,6 +32,7 @@ build() {
 # fuzz PRESET TARGET SECONDS SEED: 0 is a seed that nobody knows.
 fuzz() {
     found=build/$1/found/$2
+    [ "$4" = 0 ] || rm -rf "$found"
     mkdir -p "$found"
     dictionary=fuzz/dictionaries/$2.dict
     [ -e "$dictionary" ] && set -- "$@" "-dict=$dictionary"
@@ -85,6 +87,21 @@ fi
 
 [ $# = 2 ] || [ $# = 3 ] || usage
 seed=${3:-0}
+if [ "$1" = minimise ]; then
+    [ $# = 2 ] || usage
+    target=$2 known=$targets
+else
+    target=$1 known="all $targets"
+    for number in "$2" "$seed"; do
+        case $number in
+            "" | *[!0-9]*) usage ;;
+        esac
+    done
+fi
+case " $known " in
+    *" $target "*) ;;
+    *) usage ;;
+esac
 scripts/install-deps.sh build fuzz
 case $1 in
     minimise) minimise "$2" ;;
@@ -101,10 +118,6 @@ case $1 in
         done | xargs -L 1 -P "$(nproc)" scripts/fuzz.sh apart
         ;;
     *)
-        case " $targets " in
-            *" $1 "*) ;;
-            *) usage ;;
-        esac
         build fuzz "kel_fuzz_$1"
         fuzz fuzz "$1" "$2" "$seed"
         ;;

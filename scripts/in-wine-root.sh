@@ -10,9 +10,11 @@
 exec unshare --mount sh -eu -c '
     root=$1
     shift
-    # What the machine keeps below /usr for itself: locales, and checkouts.
-    for kept in /usr/lib/locale /usr/local /usr/src; do
-        [ ! -d "$kept" ] || mount --rbind "$kept" "$root$kept"
+    # What the machine keeps below /usr for itself: locales, checkouts, and documents to test with.
+    for kept in /usr/lib/locale /usr/local /usr/src /usr/share/iso-codes; do
+        [ -d "$kept" ] || continue
+        mkdir -p "$root$kept"
+        mount --rbind "$kept" "$root$kept"
     done
     mount --bind "$root/etc/alternatives" /etc/alternatives # where some commands lead
     mount --rbind "$root/usr" /usr

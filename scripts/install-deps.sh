@@ -80,7 +80,7 @@ has_comma_locale() {
 purposes="$*"
 if [ -z "$purposes" ]; then
     echo "usage: $0 PURPOSE..., with one or several of" >&2
-    sed -n 's/^#   \([a-z0-9-]* .*\)/  \1/p' "$0" >&2
+    sed -n 's/^#   \([a-z0-9-]* .*\)/  \1/p' scripts/install-deps.sh >&2
     exit 2
 fi
 

@@ -27,8 +27,9 @@ export KEL_REQUIRE_LOCALE=1
 build() {
     preset=$1
     shift
-    [ "$preset" = release ] || set -- -DKEL_UNITY_BUILD=ON "$@"
-    cmake --preset "$preset" -DKEL_BUILD_TOOL=ON -DKEL_BUILD_EXAMPLES=ON -DKEL_BUILD_TESTS=ON \
+    unity=ON
+    [ "$preset" != release ] || unity=OFF
+    cmake --preset "$preset" -DKEL_UNITY_BUILD=$unity -DKEL_BUILD_TOOL=ON -DKEL_BUILD_EXAMPLES=ON -DKEL_BUILD_TESTS=ON \
         -DKEL_TEST_DATA="$data" "$@"
     cmake --build --preset "$preset"
 }
@@ -89,7 +90,7 @@ case ${1:-} in
         fi
         [ $status = 0 ] || exit $status
         scripts/msvc-runtime.sh
-        build windows-msvc
+        build windows-msvc --fresh # its flags count only when a build folder is new
         run windows-msvc
         ;;
     *)

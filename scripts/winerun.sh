@@ -56,7 +56,7 @@ fi
 mkdir -p "$WINEPREFIX" || exit 77
 # The lock is this shell's own. A subshell would run its last command in its own place, and so give the
 # lock up before the services run. Another program would then start them, with its own output.
-exec 9>"$WINEPREFIX.lock"
+exec 9>"$WINEPREFIX/.lock"
 flock 9
 # If a server runs already, a second one ends with status 2. A new server has no services yet.
 if wineserver -p60 </dev/null >/dev/null 2>&1 9>&-; then

@@ -1,4 +1,4 @@
-// Stands for the functions of msvcp140.dll that libc++ forwards std::exception_ptr to. Those of Wine
+// Replaces the functions of msvcp140.dll to which libc++ forwards std::exception_ptr. Those of Wine
 // throw the kept exception itself, which its last pointer can destroy before the handler has seen it.
 // Here, as with Microsoft's, each throw makes a copy of its own.
 //
@@ -61,7 +61,7 @@ struct Record {
 constexpr unsigned isOfCxx = 0xE06D7363;
 
 /// A kept copy of an exception, which follows this head.
-struct alignas(16) Kept {
+struct alignas(8) Kept { // as malloc aligns
     std::atomic<int> references{1};
     const ThrowInfo* info;
 
@@ -87,14 +87,19 @@ void copyTo(void* place, const void* object, const ThrowInfo* info) {
     }
 }
 
-/// Returns a new copy of an exception, or null if the memory for it is missing.
+/// Returns a new copy of an exception, or null if the memory for it or for a part of it is missing.
 Kept* keep(const void* object, const ThrowInfo* info) {
     void* block = std::malloc(sizeof(Kept) + typeOf(info).size);
     if (block == nullptr) {
         return nullptr;
     }
     Kept* kept = new (block) Kept(info);
-    copyTo(kept->object(), object, info);
+    try {
+        copyTo(kept->object(), object, info);
+    } catch (...) {
+        std::free(block);
+        return nullptr;
+    }
     return kept;
 }
 
@@ -144,6 +149,9 @@ Kept* const spare = outOfMemory();
 void keepOrSpare(void* pointer, const void* object, const ThrowInfo* info) {
     Kept* kept = keep(object, info);
     if (kept == nullptr) {
+        if (spare == nullptr) {
+            std::abort(); // also without memory when the program started
+        }
         ++spare->references;
         kept = spare;
     }

@@ -13,7 +13,7 @@ import sys
 import check_dll
 
 SYSTEM = {"kernel32.dll", "ntdll.dll", "ole32.dll"}
-RUNTIME = {"msvcp140.dll", "ucrtbase.dll", "vcruntime140.dll"}
+RUNTIME = {"ucrtbase.dll", "vcruntime140.dll"}
 PARTS_OF_UCRTBASE = "api-ms-win-crt-"  # what Microsoft's import libraries call it
 # The imports that the library is known to need.
 NEEDED = {("kernel32.dll", "DisableThreadLibraryCalls"), ("ole32.dll", "CoCreateGuid"),

@@ -1,11 +1,20 @@
 import json
 import os
+import tempfile
 import unittest
 
 from support import ToolTest
 
 FOLDER = os.environ.get("KEL_TEST_DATA", "")
 NAMES = sorted(name for name in os.listdir(FOLDER) if name.endswith(".json")) if FOLDER else []
+
+# What documents of texts and small integers lack: every obstacle, and numbers close to one.
+NUMBERS = {
+    "doubles": [0.0, -0.5, 0.1, 2.5, -1e-7, 1e300, 123456.75, 5e-324, 3.0, -4294967297.0],
+    "integers": [2147483647, -2147483648, 4294967301, 9007199254740992, 9007199254740993],
+    "texts": ["", "a \"quoted\" word", "\u20ac", "tab\tand\nline"],
+    "odd name": {"a.b": [True, {"c": -0.25, "none": None}]},
+}
 
 
 def same(a, b):
@@ -71,18 +80,34 @@ def obstacles(document, to_text):
     return found
 
 
-@unittest.skipUnless(FOLDER, "KEL_TEST_DATA names no folder")
 class Documents(ToolTest):
-    """Large real-world documents."""
+    """Large real-world documents, and one of numbers."""
 
-    def test_there_are_documents(self):
+    def documents(self):
+        """Yields the name, the path and the content of each document."""
+        for name in NAMES:
+            path = os.path.join(FOLDER, name)
+            with open(path, encoding="utf-8") as file:
+                yield name, path, json.load(file)
+        with tempfile.NamedTemporaryFile("w", suffix=".json", encoding="utf-8") as file:
+            json.dump(NUMBERS, file)
+            file.flush()
+            yield "numbers", file.name, NUMBERS
+
+    def test_a_folder_of_documents_has_some(self):
+        if not FOLDER:
+            self.skipTest("KEL_TEST_DATA names no folder")
         self.assertNotEqual(NAMES, [])
 
-    def convert(self, document, name, output):
+    def test_the_document_of_numbers_has_every_obstacle(self):
+        reasons = {line.rpartition(": ")[2] for line in obstacles(NUMBERS, True)}
+        self.assertEqual(len(reasons), 4, reasons)
+        self.assertNotEqual(obstacles(NUMBERS, False), [])
+
+    def convert(self, document, source, output):
         """Converts a document. Expects the list of losses first, then forces the conversion."""
         for old in self.files():
             os.remove(self.path(old))
-        source = os.path.join(FOLDER, name)
         to_text = output.endswith(".kel")
         lost = obstacles(document, to_text)
         result = self.kel("convert", source, output)
@@ -99,18 +124,16 @@ class Documents(ToolTest):
         self.assertEqual(self.kel("convert", "--force", source, output).status, 0)
 
     def test_binary_keeps_their_content(self):
-        for name in NAMES:
-            with self.subTest(name), open(os.path.join(FOLDER, name), encoding="utf-8") as file:
-                document = json.load(file)
-                self.convert(document, name, "a.kelb")
+        for name, path, document in self.documents():
+            with self.subTest(name):
+                self.convert(document, path, "a.kelb")
                 self.ok("convert", "a.kelb", "b.json")
                 self.assertTrue(same(document, self.json("b.json")))
 
     def test_text_keeps_what_it_can(self):
-        for name in NAMES:
-            with self.subTest(name), open(os.path.join(FOLDER, name), encoding="utf-8") as file:
-                document = json.load(file)
-                self.convert(document, name, "a.kel")
+        for name, path, document in self.documents():
+            with self.subTest(name):
+                self.convert(document, path, "a.kel")
                 self.ok("convert", "a.kel", "b.kelb")
                 self.ok("convert", "b.kelb", "c.kel")
                 self.ok("convert", "c.kel", "d.kelb")

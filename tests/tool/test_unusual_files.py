@@ -67,8 +67,8 @@ class Arguments(ToolTest):
 
     def test_an_empty_pattern_with_a_kind_finds_every_value_of_the_kind(self):
         self.write("a.kel", "{ a = 1 b = true }")
-        self.assertEqual(self.ok("find", "--kind", "int", "a.kel", "").out,
-                         self.ok("find", "--kind", "int", "a.kel").out)
+        for pattern in ([""], []):
+            self.assertEqual(self.ok("find", "--kind", "int", "a.kel", *pattern).out, b"a: 1\n")
 
     def test_a_descriptor_takes_no_other_descriptor_as_a_variable(self):
         self.write("a.kel", "{ @type = 51 }")
