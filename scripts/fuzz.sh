@@ -3,8 +3,8 @@
 #
 #   scripts/fuzz.sh TARGET SECONDS [SEED]   one target: text, binary, round_trip, failures, calls, json,
 #                                           path, text_parts, edit, diff
-#   scripts/fuzz.sh all SECONDS [SEED]      every target in 64 bits and in 32 bits, as many at a time as
-#                                           the machine has processors
+#   scripts/fuzz.sh all SECONDS [SEED]      every target in 64 bits and in 32 bits, two at a time for
+#                                           each processor
 #   scripts/fuzz.sh minimise TARGET         replaces the kept corpus by a smallest one of the same coverage
 #
 # A run with a seed begins with the kept corpus alone, and invents nearly the same inputs each time. One without
@@ -115,7 +115,7 @@ case $1 in
             for name in $targets; do
                 echo "$preset $name $2 $seed $work/failure"
             done
-        done | xargs -L 1 -P "$(nproc)" scripts/fuzz.sh apart
+        done | xargs -L 1 -P $((2 * $(nproc))) scripts/fuzz.sh apart
         ;;
     *)
         build fuzz "kel_fuzz_$1"
