@@ -43,6 +43,7 @@ public:
         places_[index] = {&type, distance};
         std::size_t slot = firstSlot(type);
         const Place* empty = nullptr;
+        // reached by chance: addresses decide whether two classes begin at one slot
         while (!slots_[slot].compare_exchange_strong(
             empty, &places_[index], std::memory_order_release, std::memory_order_relaxed)) {
             slot = (slot + 1) % slotCount;
