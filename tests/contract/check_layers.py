@@ -13,6 +13,7 @@ The rules, each with its reason:
 - kel.hpp and include/kel/cpp need the C++ standard library. No header *.h includes them.
 - Headers of a system, and code for one compiler or system, are in src/platform and in
   include/kel/config.h only. Everywhere else the library is standard C++.
+- No file is included twice by the same one.
 Prints one line per offence and ends with status 1 if there is any.
 """
 import pathlib
@@ -23,6 +24,7 @@ LAYERS = ["platform", "runtime", "streams", "values", "meta", "serial", "exports
 # The rooms of a layer, each with the rooms that it may include.
 ROOMS = {"serial": {"tokens": [], "text": ["tokens"], "binary": []}}
 HOSTS = ["tools", "tests/host", "tests/hpp", "examples", "bench", "tests/install"]
+ALL = ["bench", "cmake", "examples", "fuzz", "include", "scripts", "src", "tests", "tools"]
 C_HEADERS = {"stdint.h", "stddef.h", "stdio.h"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
@@ -102,6 +104,12 @@ def check_portable(name, text):
             yield f"{name}: {match.group(0)} is an extension of one compiler"
 
 
+def check_once(name, text):
+    names = [included for included, _ in includes_of(text)]
+    for included in sorted({included for included in names if names.count(included) > 1}):
+        yield f"{name}: {included} is included twice"
+
+
 def check_umbrella(headers):
     """Checks that every public header is reached from kel.h. headers: name to text."""
     reached, waiting = set(), ["kel/kel.h"]
@@ -155,6 +163,10 @@ def check_repository(root):
             own = [str(parent) for parent in path.relative_to(root).parents
                    if parent.is_relative_to(folder)]
             yield from check_host(name, path.read_text(), own, exists)
+
+    for folder in ALL:
+        for path in sources(root / folder):
+            yield from check_once(str(path.relative_to(root)), path.read_text())
 
 
 def main(arguments):

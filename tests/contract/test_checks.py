@@ -98,6 +98,11 @@ class Layers(unittest.TestCase):
         text = '// __builtin_clz\nconst char* s = "__GNUC__";\n#if KEL_VERSION_MAJOR > 1\n#endif\n'
         self.assertEqual(list(check_layers.check_portable("file.cpp", text)), [])
 
+    def test_a_file_that_is_included_twice_is_found(self):
+        text = '#include "a/A.h"\n#include <vector>\n\n#include <vector>\n// #include "a/A.h"\n'
+        self.assertEqual(list(check_layers.check_once("file.cpp", text)),
+                         ["file.cpp: vector is included twice"])
+
     def test_a_header_that_the_umbrella_forgets_is_found(self):
         headers = {"kel/kel.h": "#include <kel/A.h>", "kel/A.h": "", "kel/B.h": ""}
         self.assertEqual(list(check_layers.check_umbrella(headers)),

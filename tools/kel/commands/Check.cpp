@@ -22,7 +22,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* checkNotes =
     R"(Prints nothing for files without errors. An error in text or JSON names the file, the line
 and the column and shows the line. An error in a binary file names the offset of the wrong field and
 the path to the value. Only the first error of each file is reported, because what follows it depends
@@ -321,7 +321,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry checkCommand{"check", "Read files and report errors in them", notes,
+extern const CommandEntry checkCommand{"check", "Read files and report errors in them", checkNotes,
                                        makeCommand<Check>};
 
 } // namespace kel::tool

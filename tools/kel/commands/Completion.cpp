@@ -7,7 +7,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* completionNotes =
     R"(Prints a script that lets the shell complete commands, options and their values. The packages
 install it.
 
@@ -33,7 +33,8 @@ private:
 
 } // namespace
 
-extern const CommandEntry completionCommand{
-    "completion", "Print a script for the completion of a shell", notes, makeCommand<Completion>};
+extern const CommandEntry completionCommand{"completion",
+                                            "Print a script for the completion of a shell",
+                                            completionNotes, makeCommand<Completion>};
 
 } // namespace kel::tool

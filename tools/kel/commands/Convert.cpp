@@ -12,7 +12,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes = R"(JSON:
+constexpr const char* convertNotes = R"(JSON:
   Objects become structs and arrays stay arrays. Integers of 32 bits become Ints, and other
   numbers Doubles. A null member becomes a variable without a value. {"$guid": "..."} is a guid,
   and {"$memblock": "..."} a memory block in base64. If two names are equal, the last one wins.
@@ -181,7 +181,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry convertCommand{"convert", "Convert a file into another format", notes,
-                                         makeCommand<Convert>};
+extern const CommandEntry convertCommand{"convert", "Convert a file into another format",
+                                         convertNotes, makeCommand<Convert>};
 
 } // namespace kel::tool

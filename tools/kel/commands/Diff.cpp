@@ -19,7 +19,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* diffNotes =
     R"(Compares values, not bytes, so the two files can have different formats. Prints a line for
 each change, and nothing if the values are the same or with --quiet. Paths are those of OLD, and of NEW for what
 was added, so "kel get" finds the values there:
@@ -203,7 +203,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry diffCommand{"diff", "Compare the values of two files", notes,
+extern const CommandEntry diffCommand{"diff", "Compare the values of two files", diffNotes,
                                       makeCommand<Diff>};
 
 } // namespace kel::tool

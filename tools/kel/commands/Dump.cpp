@@ -9,7 +9,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* dumpNotes =
     R"(Prints a line for each record of a binary file:
 
   offset  size  name: kind contents  #identity
@@ -62,7 +62,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry dumpCommand{"dump", "Print the records of a binary file", notes,
+extern const CommandEntry dumpCommand{"dump", "Print the records of a binary file", dumpNotes,
                                       makeCommand<DumpCommand>};
 
 } // namespace kel::tool

@@ -14,7 +14,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* findNotes =
     R"(Prints the path and the value of each name, string, number or other scalar that contains
 PATTERN. A container is printed as its kind. The paths are those that all commands take.
 
@@ -153,7 +153,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry findCommand{"find", "Find values by name, content or kind", notes,
+extern const CommandEntry findCommand{"find", "Find values by name, content or kind", findNotes,
                                       makeCommand<Find>};
 
 } // namespace kel::tool

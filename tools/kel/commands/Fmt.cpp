@@ -18,7 +18,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* fmtNotes =
     R"(Prints text and JSON in the layout in which kel writes them: a value on each line, names in
 order, numbers in one spelling. With -i, the files are changed instead, each whole or not at all.
 A file that has the layout already is not written. With --check, nothing is written: the names of
@@ -196,7 +196,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry fmtCommand{"fmt", "Print or change files in the usual layout", notes,
+extern const CommandEntry fmtCommand{"fmt", "Print or change files in the usual layout", fmtNotes,
                                      makeCommand<Fmt>};
 
 } // namespace kel::tool

@@ -13,7 +13,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* getNotes =
     R"(Prints the value of each PATH in text form. Null is printed as NULL, and a double alone with
 as many digits as it needs. If text cannot hold a value, it is printed as "kel show" prints it, and
 a warning lists each place whose print is not exact: doubles that need more than six decimals, and
@@ -165,7 +165,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry getCommand{"get", "Print values of a file by their paths", notes,
+extern const CommandEntry getCommand{"get", "Print values of a file by their paths", getNotes,
                                      makeCommand<Get>};
 
 } // namespace kel::tool

@@ -8,7 +8,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes = R"(Prints what "kel COMMAND --help" prints.
+constexpr const char* helpNotes = R"(Prints what "kel COMMAND --help" prints.
 
 Examples:
   kel help
@@ -39,6 +39,6 @@ private:
 
 } // namespace
 
-extern const CommandEntry helpCommand{"help", "Describe a command", notes, makeCommand<Help>};
+extern const CommandEntry helpCommand{"help", "Describe a command", helpNotes, makeCommand<Help>};
 
 } // namespace kel::tool

@@ -13,7 +13,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* htmlNotes =
     R"(Writes one page that a browser opens without a network: a tree that folds, with kinds and contents,
 and a search for names, contents, identities and paths. The page shows the identities that the file
 gives, links between the places of a shared value, values that contain themselves, and beside each
@@ -106,7 +106,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry htmlCommand{"html", "Make a page for browsers that shows a file", notes,
-                                      makeCommand<Html>};
+extern const CommandEntry htmlCommand{"html", "Make a page for browsers that shows a file",
+                                      htmlNotes, makeCommand<Html>};
 
 } // namespace kel::tool

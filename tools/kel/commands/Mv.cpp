@@ -5,7 +5,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* mvNotes =
     R"(Renames a variable, which keeps its value. NAME is the new name itself, not a path, so it
 needs no quotes other than those of the shell. If NAME exists already, it is replaced with --force
 only. A checked struct refuses a name under which its descriptor does not allow the value. "kel
@@ -38,6 +38,6 @@ private:
 
 } // namespace
 
-extern const CommandEntry mvCommand{"mv", "Rename a variable in a file", notes, makeCommand<Mv>};
+extern const CommandEntry mvCommand{"mv", "Rename a variable in a file", mvNotes, makeCommand<Mv>};
 
 } // namespace kel::tool

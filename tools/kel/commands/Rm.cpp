@@ -5,7 +5,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* rmNotes =
     R"(Removes variables, elements of arrays, pairs of index lists, elements of managers, and root
 values by their number. All paths are looked up before the first value is removed, so that "a[0]"
 and "a[1]" mean the first two elements of the file. "kel --help" describes paths.
@@ -40,6 +40,6 @@ private:
 
 } // namespace
 
-extern const CommandEntry rmCommand{"rm", "Remove values from a file", notes, makeCommand<Rm>};
+extern const CommandEntry rmCommand{"rm", "Remove values from a file", rmNotes, makeCommand<Rm>};
 
 } // namespace kel::tool

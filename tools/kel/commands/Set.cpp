@@ -7,7 +7,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* setNotes =
     R"(VALUE is a value in text form: 640, 2.5, true, '"dark"', '[ 1 2 ]', '{ a = 1 }', NULL. With
 --string it is the string itself, and with --json it is JSON. "kel --help" describes paths.
 
@@ -70,7 +70,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry setCommand{"set", "Put a value in a place of a file", notes,
+extern const CommandEntry setCommand{"set", "Put a value in a place of a file", setNotes,
                                      makeCommand<Set>};
 
 } // namespace kel::tool

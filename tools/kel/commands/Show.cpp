@@ -16,7 +16,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* showNotes =
     R"(Prints the text form, even if it cannot be read back: strings with double quotes are printed
 unchanged, a memory block is printed as its size, and a double with six decimals. A warning lists
 each place whose print is not exact: memory blocks, and doubles that need more decimals. "kel
@@ -111,6 +111,6 @@ private:
 
 } // namespace
 
-extern const CommandEntry showCommand{"show", "Print a file as text", notes, makeCommand<Show>};
+extern const CommandEntry showCommand{"show", "Print a file as text", showNotes, makeCommand<Show>};
 
 } // namespace kel::tool

@@ -13,7 +13,7 @@ namespace kel::tool {
 
 namespace {
 
-constexpr const char* notes =
+constexpr const char* statsNotes =
     R"(Prints the number of values of each kind, and the bytes that they take in each format. For a
 binary file, the bytes in its own format are those of the file. All others are the bytes that
 kel convert would write.
@@ -91,7 +91,7 @@ private:
 
 } // namespace
 
-extern const CommandEntry statsCommand{"stats", "Count values and the bytes that they take", notes,
-                                       makeCommand<StatsCommand>};
+extern const CommandEntry statsCommand{"stats", "Count values and the bytes that they take",
+                                       statsNotes, makeCommand<StatsCommand>};
 
 } // namespace kel::tool
