@@ -62,9 +62,6 @@ class Instrumented:
         wanted[memory] = b'#include "platform/Store.h"\n' + wanted[memory]
         for name in ("Mutant.h", "Mutant.cpp", "Store.h"):
             wanted[pathlib.Path("src/platform") / name] = (HERE / name).read_bytes()
-        # The tests are built for one run.
-        lists = pathlib.Path("tests/CMakeLists.txt")
-        wanted[lists] = wanted[lists].replace(b":-O1>", b":-O0>")
         # This file belongs to every test program.
         wanted[pathlib.Path("tests/support/EnvironmentLocale.cpp")] += (HERE / "Listener.cpp").read_bytes()
         self.replace(wanted)

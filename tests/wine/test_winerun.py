@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """scripts/winerun.sh starts Wine's server and services once, before the first program, and apart from
-every program's output.
+every program's output. A program that finds them running is started at once.
 
 The script runs beside stand-ins for Wine. Each writes its call into a log. The services take some time
 to start, as they do in reality.
@@ -58,6 +58,19 @@ class WineRun(unittest.TestCase):
             self.assertEqual(process.communicate(), ("", "the program's errors\n"))
         self.assertEqual((self.root / "log").read_text().split(),
                          ["server", "services"] + 4 * ["program"])
+
+    def started_while(self, process, folder):
+        """Runs a program where this process and its folder were noted as the server's. Returns the log."""
+        (self.root / "prefix").mkdir()
+        (self.root / "prefix/.server").write_text(f"{process} {folder} {self.root}/wine64\n")
+        self.assertEqual(self.start().communicate()[1], "the program's errors\n")
+        return (self.root / "log").read_text().split()
+
+    def test_a_server_that_runs_is_not_asked(self):
+        self.assertEqual(self.started_while(os.getpid(), os.getcwd()), ["program"])
+
+    def test_another_process_with_the_number_of_a_server_that_ended_is_not_the_server(self):
+        self.assertEqual(self.started_while(os.getpid(), self.root), ["server", "services", "program"])
 
 
 if __name__ == "__main__":
