@@ -1,4 +1,19 @@
-option(KEL_UNITY_BUILD "Compile the sources of a folder as one file, or in batches, which is faster" OFF)
+set(KEL_UNITY_BUILD OFF CACHE STRING
+  "Compile the sources of a folder as one file, or in batches, which is faster: OFF, ON, or TESTS for tests alone")
+set_property(CACHE KEL_UNITY_BUILD PROPERTY STRINGS OFF ON TESTS)
+
+# kel_is_unity(<variable> <target>): whether the sources of a target are compiled together.
+function(kel_is_unity variable target)
+  set(result ${KEL_UNITY_BUILD})
+  if(result STREQUAL "TESTS")
+    string(REGEX MATCH "_tests$" result ${target})
+  endif()
+  if(result)
+    set(${variable} ON PARENT_SCOPE)
+  else()
+    set(${variable} OFF PARENT_SCOPE)
+  endif()
+endfunction()
 
 # kel_unity_by_folder(<target>)
 #
@@ -10,7 +25,8 @@ option(KEL_UNITY_BUILD "Compile the sources of a folder as one file, or in batch
 # headers of the system define macros, and JException.cpp, because it and JString.cpp seem to call each other
 # for ever where they are analyzed as one. CMake leaves out every source that has definitions of its own.
 function(kel_unity_by_folder target)
-  if(NOT KEL_UNITY_BUILD)
+  kel_is_unity(unity ${target})
+  if(NOT unity)
     return()
   endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
@@ -29,6 +45,7 @@ endfunction()
 # With KEL_UNITY_BUILD, compiles that many sources as one file, for a folder with so many that several
 # processors should share it.
 function(kel_unity_in_batches target size)
+  kel_is_unity(unity ${target})
   set_target_properties(${target} PROPERTIES
-    UNITY_BUILD ${KEL_UNITY_BUILD} UNITY_BUILD_BATCH_SIZE ${size})
+    UNITY_BUILD ${unity} UNITY_BUILD_BATCH_SIZE ${size})
 endfunction()

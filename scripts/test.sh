@@ -23,12 +23,12 @@ data=${KEL_TEST_DATA:-/usr/share/iso-codes/json}
 export KEL_REQUIRE_LOCALE=1
 
 # build PRESET [OPTION...]: builds with every feature required, so that no test is silently missing.
-# The optimized build compiles every file alone. All others are faster than that.
+# The optimized build compiles every file of the library and of the tool alone. All others are faster.
 build() {
     preset=$1
     shift
     unity=ON
-    [ "$preset" != release ] || unity=OFF
+    [ "$preset" != release ] || unity=TESTS
     cmake --preset "$preset" -DKEL_UNITY_BUILD=$unity -DKEL_BUILD_TOOL=ON -DKEL_BUILD_EXAMPLES=ON -DKEL_BUILD_TESTS=ON \
         -DKEL_TEST_DATA="$data" "$@"
     cmake --build --preset "$preset"
