@@ -8,7 +8,6 @@
 #   tool    the command-line tool
 #   test    the tests, and a locale that writes numbers with a decimal comma
 #   analyze the static analysis
-#   cache   keeping what was compiled
 #   mutate  planting mistakes that the tests must notice
 #   package making the packages that are shipped
 #   docs    the reference and all pages as a site
@@ -35,7 +34,6 @@ packages_for() {
         tool) echo "libcli11-dev nlohmann-json3-dev" ;;
         test) echo "libgtest-dev python3 pkg-config binutils locales clang zsh fish" ;;
         analyze) echo "clang clang-tidy-14" ;;
-        cache) echo "ccache" ;;
         mutate) echo "python3-clang-14 ccache" ;;
         package) echo "dpkg-dev debhelper chrpath help2man lintian fakeroot python3" ;;
         docs) echo "doxygen python3" ;;
