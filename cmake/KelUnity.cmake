@@ -2,11 +2,14 @@ set(KEL_UNITY_BUILD OFF CACHE STRING
   "Compile the sources of a folder as one file, or in batches, which is faster: OFF, ON, or TESTS for tests alone")
 set_property(CACHE KEL_UNITY_BUILD PROPERTY STRINGS OFF ON TESTS)
 
-# kel_is_unity(<variable> <target>): whether the sources of a target are compiled together.
+# kel_is_unity(<variable> <target>): whether the sources of a target are compiled together. The names of test
+# programs end in _tests.
 function(kel_is_unity variable target)
   set(result ${KEL_UNITY_BUILD})
   if(result STREQUAL "TESTS")
     string(REGEX MATCH "_tests$" result ${target})
+  elseif(NOT result MATCHES "^(ON|OFF)$")
+    message(FATAL_ERROR "KEL_UNITY_BUILD is ON, OFF or TESTS, not ${result}")
   endif()
   if(result)
     set(${variable} ON PARENT_SCOPE)
@@ -22,8 +25,8 @@ endfunction()
 # finds what a file does not include.
 #
 # Some sources are left out: those of the folders platform and system and those for Windows, because the
-# headers of the system define macros, and JException.cpp, because it and JString.cpp seem to call each other
-# for ever where they are analyzed as one. CMake leaves out every source that has definitions of its own.
+# headers of the system define macros, and JException.cpp, because clang-tidy reports a recursion between it and
+# JString.cpp if it sees both in one file. A message without text needs no other one, so it ends. CMake leaves out every source that has definitions of its own.
 function(kel_unity_by_folder target)
   kel_is_unity(unity ${target})
   if(NOT unity)

@@ -5,7 +5,7 @@
 #   scripts/analyze.sh [FILE...]
 #
 # FILE is a source file of src, tools or examples, which is analyzed alone. Without one, all are, and the
-# sources of most folders as one file, which takes a quarter of the time.
+# sources of most folders as one file.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -76,8 +76,8 @@ END_OF_SCRIPT
 if [ $# -gt 0 ]; then
     for file in "$@"; do realpath "$file"; done
 else
-    # The largest ones are first.
-    files | xargs ls -S
+    files >$folder/files
+    sort -u $folder/files | xargs ls -S # the largest ones are first
 fi | xargs -P "$(nproc)" -n 1 sh $folder/analyze-one.sh || {
     echo "analyze.sh: findings above" >&2
     exit 1

@@ -5,7 +5,8 @@
 #
 # The command sees the folder's /usr in place of the machine's. All other files are the machine's own
 # under their own names, so a Wine server that serves several programs sees the files of each, wherever
-# they are. The mounts are seen by the command alone, and end with it. Needs root.
+# they are. Only the command and what it starts see the mounts, which end with the last of them. winerun.sh lets
+# later programs join a running server. Needs root.
 # shellcheck disable=SC2016 # the inner shell expands the variables
 exec unshare --mount sh -eu -c '
     root=$1

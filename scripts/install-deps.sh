@@ -77,12 +77,6 @@ has_comma_locale() {
     locale -a 2>/dev/null | grep -qix 'de_DE\.utf-\?8'
 }
 
-# One at a time for each checkout, because two would wait for each other's locks in vain.
-if [ -z "${KEL_INSTALLING:-}" ]; then
-    mkdir -p build
-    KEL_INSTALLING=yes exec flock --close build/install.lock scripts/install-deps.sh "$@"
-fi
-
 purposes="$*"
 if [ -z "$purposes" ]; then
     echo "usage: $0 PURPOSE..., with one or several of" >&2

@@ -10,10 +10,14 @@
 # The first run makes the prefix, which takes some seconds. One Wine server remains for a minute
 # after the last program: without it each program would have to start and end one. Server and
 # services do not inherit our output, because a test driver waits until every process that inherited
-# it has closed it. While a server runs, a program needs nothing but Wine's loader, and starts in half the
-# time.
+# it has closed it. While a server runs, a program needs nothing but Wine's loader, and starts in a third of
+# the time.
 # Ends with status 77 if there is no Wine.
-scripts=${0%/*}
+# shellcheck shell=dash # its test has -O and -ef, as bash's has
+case $0 in
+    */*) scripts=${0%/*} ;;
+    *) scripts=. ;;
+esac
 
 # The header of the program says for which processor it is.
 header=$(od -An -tu4 -j60 -N4 -- "$1" 2>/dev/null)
@@ -45,15 +49,18 @@ if [ "${LC_ALL:-C}" = C ]; then
     export LC_ALL=C.UTF-8
 fi
 
-# The file has the process and the folder of the server that was started last, and the loader.
+# The file has the process and the folder of the server that was started last, and the loader. One that
+# somebody else has made is not trusted.
 running=$WINEPREFIX/.server
-if [ -e "$running" ] && read -r server folder wine <"$running" && [ "/proc/$server/cwd" -ef "$folder" ]; then
-    [ -n "$root" ] || exec "$wine" "$@"
-    # The server sees the folder's packages.
-    exec nsenter --mount="/proc/$server/ns/mnt" --wdns="$PWD" "$wine" "$@"
+if [ -O "$running" ] && read -r server folder wine <"$running" && [ "/proc/$server/cwd" -ef "$folder" ]; then
+    if [ "/proc/$server/ns/mnt" -ef /proc/self/ns/mnt ]; then
+        exec "$wine" "$@"
+    elif [ -n "$root" ]; then # the server sees the folder's packages
+        exec nsenter --mount="/proc/$server/ns/mnt" --wdns="$PWD" "$wine" "$@"
+    fi
 fi
 if [ -n "$root" ]; then
-    KEL_WINE=machine exec "$scripts/in-wine-root.sh" "$root" "$0" "$@"
+    KEL_WINE=machine exec "$scripts/in-wine-root.sh" "$root" "$scripts/winerun.sh" "$@"
 fi
 
 # The loader of the program's width starts it ten times as fast as the other one. The command "wine" is
@@ -77,8 +84,8 @@ flock 9
 if wineserver -p60 </dev/null >/dev/null 2>&1 9>&-; then
     timeout 180 "$wine" wineboot </dev/null >/dev/null 2>&1 9>&-
     # A server works in a folder that it names after the device and the number of the prefix.
-    name=server-$(stat -c %D "$WINEPREFIX")-$(printf %x "$(stat -c %i "$WINEPREFIX")")
-    for server in $(pidof wineserver wineserver64 wineserver32); do
+    name=server-$(stat -L -c %D "$WINEPREFIX")-$(printf %x "$(stat -L -c %i "$WINEPREFIX")")
+    for server in $(pidof wineserver wineserver64 wineserver32 2>/dev/null); do
         folder=$(readlink "/proc/$server/cwd")
         [ "${folder##*/}" != "$name" ] || echo "$server $folder $wine" >"$running"
     done

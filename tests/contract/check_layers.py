@@ -13,7 +13,7 @@ The rules, each with its reason:
 - kel.hpp and include/kel/cpp need the C++ standard library. No header *.h includes them.
 - Headers of a system, and code for one compiler or system, are in src/platform and in
   include/kel/config.h only. Everywhere else the library is standard C++.
-- No file is included twice by the same one.
+- No file includes another one twice. This holds for all sources of the repository.
 Prints one line per offence and ends with status 1 if there is any.
 """
 import pathlib
@@ -24,7 +24,7 @@ LAYERS = ["platform", "runtime", "streams", "values", "meta", "serial", "exports
 # The rooms of a layer, each with the rooms that it may include.
 ROOMS = {"serial": {"tokens": [], "text": ["tokens"], "binary": []}}
 HOSTS = ["tools", "tests/host", "tests/hpp", "examples", "bench", "tests/install"]
-ALL = ["bench", "cmake", "examples", "fuzz", "include", "scripts", "src", "tests", "tools"]
+FOLDERS = ["bench", "cmake", "examples", "fuzz", "include", "scripts", "src", "tests", "tools"]
 C_HEADERS = {"stdint.h", "stddef.h", "stdio.h"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
@@ -164,7 +164,7 @@ def check_repository(root):
                    if parent.is_relative_to(folder)]
             yield from check_host(name, path.read_text(), own, exists)
 
-    for folder in ALL:
+    for folder in FOLDERS:
         for path in sources(root / folder):
             yield from check_once(str(path.relative_to(root)), path.read_text())
 

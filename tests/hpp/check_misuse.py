@@ -154,7 +154,7 @@ class Compiler:
     def __init__(self, command, include, folder):
         self.command = command
         self.options = ["-std=c++17", *WARNINGS, "-I", include]
-        self.all_errors = "-ferror-limit=0" if "clang" in command else "-fmax-errors=0"
+        self.all_errors = "-ferror-limit=0" if "clang" in pathlib.Path(command).name else "-fmax-errors=0"
         self.ahead = pathlib.Path(folder, pathlib.Path(command).name + ".hpp")
         self.ahead.write_text("#include <kel/kel.hpp>\n")
         self.run("-x", "c++-header", str(self.ahead), "-o", f"{self.ahead}.gch")

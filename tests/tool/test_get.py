@@ -193,7 +193,7 @@ class Get(ToolTest):
 
     def test_an_identity_names_a_shared_value_once(self):
         identity = "3F2504E0-4F89-11D3-9A0C-0305E82C3301"
-        outer = identity.replace("3F25", "0000") # one by chance could begin as the others do
+        outer = identity.replace("3F25", "0000") # one that is drawn could begin with 3F or 4F
         self.write("b.kel", f"{outer} = [ {identity} = [ 1 ] REF {identity} REF {identity} ]")
         self.assertEqual(self.got("b.kel", "#3f[0]"), "1\n")
         self.fails(1, "kel: b.kel: #4F: not found\n", "get", "b.kel", "#4F")

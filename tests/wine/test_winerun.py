@@ -8,6 +8,7 @@ to start, as they do in reality.
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import tempfile
 import unittest
@@ -65,6 +66,20 @@ class WineRun(unittest.TestCase):
         (self.root / "prefix/.server").write_text(f"{process} {folder} {self.root}/wine64\n")
         self.assertEqual(self.start().communicate()[1], "the program's errors\n")
         return (self.root / "log").read_text().split()
+
+    def test_the_server_that_was_started_is_found_again(self):
+        (self.root / "wineserver").write_text("""#!/bin/sh
+            echo asked >>log
+            folder=server-$(stat -c %D prefix)-$(printf %x "$(stat -c %i prefix)")
+            mkdir "$folder"
+            cp "$(command -v sleep)" "$folder/wineserver"
+            cd "$folder"
+            ./wineserver 60 9>&- &
+            echo $! >../server""")
+        self.assertEqual(self.start().communicate()[1], "the program's errors\n")
+        self.addCleanup(os.kill, int((self.root / "server").read_text()), signal.SIGKILL)
+        self.assertEqual(self.start().communicate()[1], "the program's errors\n")
+        self.assertEqual((self.root / "log").read_text().split(), ["asked", "services", "program", "program"])
 
     def test_a_server_that_runs_is_not_asked(self):
         self.assertEqual(self.started_while(os.getpid(), os.getcwd()), ["program"])

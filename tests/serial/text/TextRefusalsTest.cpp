@@ -19,8 +19,8 @@ struct Refusal {
     std::string left;
 };
 
-/// Returns a text for each refusal. These are no constants, because the headers' strings that they
-/// are made of may be constructed after this file's constants.
+/// Returns texts that are refused, each with what is left of it. This is a function, because in
+/// Microsoft's ABI the strings of SampleGuids.h can be constructed after the constants of this file.
 std::vector<Refusal> refusals() {
     return {
         // Values
