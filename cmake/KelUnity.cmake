@@ -21,12 +21,14 @@ endfunction()
 # kel_unity_by_folder(<target>)
 #
 # With KEL_UNITY_BUILD, compiles the sources of each folder as one file. That takes a third to a half of
-# the time, and finds two things of one name in a folder. A build without it compiles every file alone, and
-# finds what a file does not include.
+# the time, and finds two things of one name in a folder. Without it every file is compiled alone, which
+# finds what a file does not include. With TESTS that holds for the library and the tool.
 #
 # Some sources are left out: those of the folders platform and system and those for Windows, because the
-# headers of the system define macros, and JException.cpp, because clang-tidy reports a recursion between it and
-# JString.cpp if it sees both in one file. A message without text needs no other one, so it ends. CMake leaves out every source that has definitions of its own.
+# headers of the system define macros, and JException.cpp, because clang-tidy reports a recursion between it
+# and JString.cpp if it sees both in one file. The recursion is bounded: an exception's message begins as a
+# string without text, which allocates nothing that could fail with another exception. CMake leaves out every
+# source that has definitions of its own.
 function(kel_unity_by_folder target)
   kel_is_unity(unity ${target})
   if(NOT unity)

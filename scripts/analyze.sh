@@ -74,11 +74,12 @@ exit $status
 END_OF_SCRIPT
 
 if [ $# -gt 0 ]; then
-    for file in "$@"; do realpath "$file"; done
+    for file in "$@"; do realpath "$file"; done >$folder/files
 else
-    files >$folder/files
-    sort -u $folder/files | xargs ls -S # the largest ones are first
-fi | xargs -P "$(nproc)" -n 1 sh $folder/analyze-one.sh || {
+    files >$folder/found
+    sort -u $folder/found | xargs ls -S >$folder/files # the largest ones are first
+fi
+xargs -P "$(nproc)" -n 1 sh $folder/analyze-one.sh <$folder/files || {
     echo "analyze.sh: findings above" >&2
     exit 1
 }

@@ -13,7 +13,7 @@ The rules, each with its reason:
 - kel.hpp and include/kel/cpp need the C++ standard library. No header *.h includes them.
 - Headers of a system, and code for one compiler or system, are in src/platform and in
   include/kel/config.h only. Everywhere else the library is standard C++.
-- No file includes another one twice. This holds for all sources of the repository.
+- No source of the repository includes a file twice, because the second time has no effect.
 Prints one line per offence and ends with status 1 if there is any.
 """
 import pathlib

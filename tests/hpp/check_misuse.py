@@ -177,6 +177,8 @@ class Compiler:
 
 
 def says(output, text):
+    """Returns whether a compiler's output has the text. gcc calls a result "unused" where clang names the
+    attribute."""
     return text in output or text == "nodiscard" and "unused" in output
 
 
@@ -191,6 +193,7 @@ def refused(what, text):
     return complaint
 
 
+# Lines that come before an error and say how the compiler got there.
 CONTEXT = re.compile(r"^In file included from |^\s+from |: In |: {2,}required |: {2,}recursively required ")
 
 
